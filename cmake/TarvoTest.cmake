@@ -1,0 +1,44 @@
+# tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...] [DATA <definition>...])
+#
+# One test program, <name>_test, for one folder of tests/. Its classes register themselves with TARVO_TEST
+# (tests/support/TestRegistry.h). GUI gives it a QApplication on the offscreen platform.
+function(tarvo_test name)
+    cmake_parse_arguments(ARG "GUI" "" "SOURCES;USES" ${ARGN})
+    set(target ${name}_test)
+    add_executable(${target} ${ARG_SOURCES})
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${target} PRIVATE TARVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    if(ARG_GUI)
+        target_link_libraries(${target} PRIVATE tarvo_test_main_gui)
+    else()
+        target_link_libraries(${target} PRIVATE tarvo_test_main)
+    endif()
+    target_link_libraries(${target} PRIVATE ${ARG_USES} Qt6::Test)
+    target_precompile_headers(${target} PRIVATE <QTest> <QString> <QSignalSpy>)
+    add_test(NAME ${name} COMMAND ${target})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    set_property(TEST ${name} PROPERTY ENVIRONMENT
+        "QT_QPA_PLATFORM=offscreen"
+        "QT_QUICK_BACKEND=software"
+        "ASAN_OPTIONS=detect_stack_use_after_return=1"
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp"
+        "TSAN_OPTIONS=ignore_noninstrumented_modules=1:halt_on_error=1"
+        "UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()
+
+# tarvo_fuzz(<name> SOURCES <file>... [USES <library>...])
+#
+# With TARVO_BUILD_FUZZ a libFuzzer program, <name>_fuzz. Always a test, fuzz_<name>, that replays the seed corpus
+# tests/fuzz/corpus/<name> through the same entry function.
+function(tarvo_fuzz name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    if(TARVO_BUILD_FUZZ)
+        add_executable(${name}_fuzz ${ARG_SOURCES})
+        target_link_libraries(${name}_fuzz PRIVATE ${ARG_USES})
+        target_link_options(${name}_fuzz PRIVATE -fsanitize=fuzzer)
+    endif()
+    add_executable(${name}_replay ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/fuzz/replay_main.cpp)
+    target_link_libraries(${name}_replay PRIVATE ${ARG_USES} Qt6::Core)
+    add_test(NAME fuzz_${name} COMMAND ${name}_replay ${PROJECT_SOURCE_DIR}/tests/fuzz/corpus/${name})
+    set_tests_properties(fuzz_${name} PROPERTIES TIMEOUT 120)
+endfunction()

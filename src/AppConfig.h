@@ -1,0 +1,66 @@
+#pragma once
+
+#include "ConfigKey.h"
+
+#include <QMap>
+#include <QObject>
+#include <QSettings>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <memory>
+
+namespace tarvo {
+
+/// The one place for settings: "config.ini" in the data root. Main thread only.
+///
+/// Reading never fails: a malformed value converts to the type's zero. Every write is synced to the file at once and
+/// then announced. An unwritable file is not an error here; the values go on working in memory.
+class AppConfig : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The program's own settings, beside the executable. Built at first use, after the application object.
+    static AppConfig &instance();
+
+    /// Settings in another folder, for tests. Writes missing defaults and detects the MSFS folders.
+    explicit AppConfig(const QString &dataRoot, QObject *parent = nullptr);
+
+    QString get(const StringKey &key) const;
+    bool get(const BoolKey &key) const;
+    int get(const IntKey &key) const;
+    double get(const RealKey &key) const;
+    /// Trimmed, canonical paths of the folders that exist, each once.
+    QStringList get(const PathListKey &key) const;
+
+    void set(const StringKey &key, const QString &value);
+    void set(const BoolKey &key, bool value);
+    void set(const IntKey &key, int value);
+    void set(const RealKey &key, double value);
+    void set(const PathListKey &key, const QStringList &value);
+
+    /// Sets a text key to its default.
+    void reset(const StringKey &key);
+
+    /// "logs" in the data root.
+    QString logsFolder() const;
+    /// The folder that holds "config.ini".
+    QString dataRoot() const { return m_dataRoot; }
+
+signals:
+    /// Raised after every set or reset, for volatile keys too. `key` is the key's text.
+    void configChanged(const QString &key);
+
+private:
+    void writeMissingDefaults();
+    void store(const char *key, const QVariant &value);
+
+    std::unique_ptr<QSettings> m_settings;
+    QString m_dataRoot;
+    QString m_configPath;
+    QMap<QString, QVariant> m_volatile;
+};
+
+} // namespace tarvo

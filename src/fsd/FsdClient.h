@@ -1,0 +1,104 @@
+#pragma once
+
+#include "fsd/pdu/ATCPosition.h"
+#include "fsd/pdu/AddATC.h"
+#include "fsd/pdu/AddPilot.h"
+#include "fsd/pdu/BroadcastMessage.h"
+#include "fsd/pdu/ClientIdentification.h"
+#include "fsd/pdu/ClientQuery.h"
+#include "fsd/pdu/ClientQueryResponse.h"
+#include "fsd/pdu/DeleteATC.h"
+#include "fsd/pdu/DeletePilot.h"
+#include "fsd/pdu/FastPilotPosition.h"
+#include "fsd/pdu/FlightPlan.h"
+#include "fsd/pdu/KillRequest.h"
+#include "fsd/pdu/MetarResponse.h"
+#include "fsd/pdu/Mute.h"
+#include "fsd/pdu/PilotPosition.h"
+#include "fsd/pdu/Ping.h"
+#include "fsd/pdu/PlaneInfoRequest.h"
+#include "fsd/pdu/PlaneInfoResponse.h"
+#include "fsd/pdu/Pong.h"
+#include "fsd/pdu/ProtocolError.h"
+#include "fsd/pdu/RadioMessage.h"
+#include "fsd/pdu/SendFast.h"
+#include "fsd/pdu/ServerIdentification.h"
+#include "fsd/pdu/TextMessage.h"
+#include "fsd/pdu/Wallop.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+
+class QDnsLookup;
+class QTcpSocket;
+
+namespace tarvo::fsd {
+
+/// The TCP end of the FSD protocol: resolves, connects, cuts the stream into PDUs, raises one signal for each, and
+/// writes finished lines. Answers challenges and follows server changes by itself. Main thread only.
+///
+/// A signal's PDU lives only for the call. A malformed line raises raiseNetworkError and the session goes on.
+class FsdClient : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit FsdClient(QObject *parent = nullptr);
+    ~FsdClient() override;
+
+    /// Starts a connection; true when the socket was started. `host` is a name or an IPv4 address. A name is looked up
+    /// in a nested event loop inside this call; disconnectFromServer() ends the look-up, and then this returns false
+    /// without raising anything.
+    bool connectToServer(const QString &host, quint16 port);
+    /// Closes. Raises raiseNetworkDisconnected first, also when not connected.
+    void disconnectFromServer();
+    /// Writes one finished line, with its line end, as Latin-1. Does nothing when not connected or when it is empty.
+    void sendRaw(const QString &line);
+    /// True between the socket's connect and any disconnect.
+    bool isConnected() const { return m_connected; }
+
+signals:
+    void raiseNetworkConnected();
+    void raiseNetworkDisconnected();
+    void sendDataError(); ///< never raised
+    void raiseNetworkError(const QString &error);
+    void raiseServerIdentificationReceived(const tarvo::fsd::pdu::ServerIdentification &pdu);
+    void raiseClientIdentificationReceived(const tarvo::fsd::pdu::ClientIdentification &pdu);
+    void raisePilotPositionReceived(const tarvo::fsd::pdu::PilotPosition &pdu);
+    void raiseFastPilotPositionReceived(const tarvo::fsd::pdu::FastPilotPosition &pdu);
+    void raiseATCPositionReceived(const tarvo::fsd::pdu::ATCPosition &pdu);
+    void raiseAddATCReceived(const tarvo::fsd::pdu::AddATC &pdu);
+    void raiseDeleteATCReceived(const tarvo::fsd::pdu::DeleteATC &pdu);
+    void raiseAddPilotReceived(const tarvo::fsd::pdu::AddPilot &pdu);
+    void raiseDeletePilotReceived(const tarvo::fsd::pdu::DeletePilot &pdu);
+    void raiseBroadcastMessageReceived(const tarvo::fsd::pdu::BroadcastMessage &pdu);
+    void raiseWallopReceived(const tarvo::fsd::pdu::Wallop &pdu);
+    void raiseRadioMessageReceived(const tarvo::fsd::pdu::RadioMessage &pdu);
+    void raiseTextMessageReceived(const tarvo::fsd::pdu::TextMessage &pdu);
+    void raiseMetarResponseReceived(const tarvo::fsd::pdu::MetarResponse &pdu);
+    void raisePlaneInfoRequestReceived(const tarvo::fsd::pdu::PlaneInfoRequest &pdu);
+    void raisePlaneInfoResponseReceived(const tarvo::fsd::pdu::PlaneInfoResponse &pdu);
+    void raiseFlightPlanReceived(const tarvo::fsd::pdu::FlightPlan &pdu);
+    void raisePingReceived(const tarvo::fsd::pdu::Ping &pdu);
+    void raisePongReceived(const tarvo::fsd::pdu::Pong &pdu);
+    void raiseClientQueryReceived(const tarvo::fsd::pdu::ClientQuery &pdu);
+    void raiseClientQueryResponseReceived(const tarvo::fsd::pdu::ClientQueryResponse &pdu);
+    void raiseKillRequestReceived(const tarvo::fsd::pdu::KillRequest &pdu);
+    void raiseProtocolErrorReceived(const tarvo::fsd::pdu::ProtocolError &pdu);
+    void raiseSendFastReceived(const tarvo::fsd::pdu::SendFast &pdu);
+    /// A line as it went out, and as it came in, line end included.
+    void raiseRawDataSent(const QString &line);
+    void raiseRawDataReceived(const QString &line);
+    void raiseMuteReceived(const tarvo::fsd::pdu::Mute &pdu);
+
+private:
+    QTcpSocket *m_socket = nullptr; ///< child; replaced on a server change
+    bool m_connected = false;
+    QString m_partialPacket; ///< text after the last complete line
+    QString m_serverAddress; ///< resolved
+    bool m_changingServer = false;
+};
+
+} // namespace tarvo::fsd

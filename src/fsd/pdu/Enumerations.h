@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+namespace tarvo::fsd::pdu {
+
+// Numbers of the protocol. The client hands them through; only those that it sends itself have a name here. On the wire
+// they are decimal text; reading compares text with the table, so that "01" is not 1 but unknown, 0.
+
+enum class NetworkRating : qint8
+{
+    Suspended = -1,
+    Unknown = 0,
+    Observer = 1
+}; ///< -1, 0, 1 to 12
+enum class NetworkFacility : quint8
+{
+    Observer = 0
+}; ///< 0 to 6
+enum class ProtocolRevision : quint8
+{
+    Unknown = 0,
+    Classic = 9,
+    Token = 100
+}; ///< 0, 9, 10, 100, 101
+enum class SimulatorType : quint8
+{
+    Unknown = 0
+}; ///< 0 to 5
+
+/// The value whose decimal text `text` is; 0 for any other text.
+NetworkRating toNetworkRating(QStringView text);
+NetworkFacility toNetworkFacility(QStringView text);
+ProtocolRevision toProtocolRevision(QStringView text);
+SimulatorType toSimulatorType(QStringView text);
+
+/// Decimal text of any of the four.
+template <class E>
+QString toWire(E value)
+{
+    return QString::number(static_cast<int>(value));
+}
+
+} // namespace tarvo::fsd::pdu

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+namespace tarvo::ui::viewmodel {
+
+/// What the overview page shows. Holds presentation state only: MainWindow feeds it and acts on its requests.
+/// In QML it is the context property "dashboardBackend".
+class DashboardViewModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString username READ username NOTIFY userInfoChanged)
+    Q_PROPERTY(QString cid READ cid NOTIFY userInfoChanged)
+    Q_PROPERTY(QString rating READ rating NOTIFY userInfoChanged)
+    Q_PROPERTY(QString pilotTime READ pilotTime NOTIFY userInfoChanged)
+    Q_PROPERTY(QString atcTime READ atcTime NOTIFY userInfoChanged)
+    Q_PROPERTY(QString avatarUrl READ avatarUrl NOTIFY userInfoChanged)
+    Q_PROPERTY(QString currentMode READ currentMode NOTIFY currentModeChanged)
+    Q_PROPERTY(bool simulatorConnected READ simulatorConnected NOTIFY simulatorStateChanged)
+    Q_PROPERTY(QString simulatorStatusText READ simulatorStatusText NOTIFY simulatorStateChanged)
+    Q_PROPERTY(bool serverConnected READ serverConnected NOTIFY serverStateChanged)
+    Q_PROPERTY(QString serverStatusText READ serverStatusText NOTIFY serverStateChanged)
+    Q_PROPERTY(double latitude READ latitude NOTIFY flightDataChanged)
+    Q_PROPERTY(double longitude READ longitude NOTIFY flightDataChanged)
+    Q_PROPERTY(double altitude READ altitude NOTIFY flightDataChanged)
+    Q_PROPERTY(double heading READ heading NOTIFY flightDataChanged)
+    Q_PROPERTY(double groundSpeed READ groundSpeed NOTIFY flightDataChanged)
+    Q_PROPERTY(QString serverLog READ serverLog NOTIFY serverLogChanged)
+    Q_PROPERTY(QVariantList recentFlights READ recentFlights NOTIFY recentFlightsChanged)
+    Q_PROPERTY(QVariantList pilotLeaderboard READ pilotLeaderboard NOTIFY leaderboardChanged)
+    Q_PROPERTY(QVariantList atcLeaderboard READ atcLeaderboard NOTIFY leaderboardChanged)
+
+public:
+    using QObject::QObject;
+
+    QString username() const { return m_username; }
+    QString cid() const { return m_cid; }
+    QString rating() const { return m_rating; }
+    QString pilotTime() const { return m_pilotTime; }
+    QString atcTime() const { return m_atcTime; }
+    QString avatarUrl() const { return m_avatarUrl; }
+    QString currentMode() const { return m_currentMode; }
+    bool simulatorConnected() const { return m_simulatorConnected; }
+    QString simulatorStatusText() const { return m_simulatorStatusText; }
+    bool serverConnected() const { return m_serverConnected; }
+    QString serverStatusText() const { return m_serverStatusText; }
+    double latitude() const { return m_latitude; }
+    double longitude() const { return m_longitude; }
+    double altitude() const { return m_altitude; }       ///< feet
+    double heading() const { return m_heading; }         ///< degrees
+    double groundSpeed() const { return m_groundSpeed; } ///< knots
+    QString serverLog() const { return m_serverLog; }
+    QVariantList recentFlights() const { return m_recentFlights; }
+    QVariantList pilotLeaderboard() const { return m_pilotLeaderboard; }
+    QVariantList atcLeaderboard() const { return m_atcLeaderboard; }
+
+    // The program's side. Each emits only on a change.
+    void setUserInfo(const QString &username, const QString &cid, const QString &rating);
+    void setTimes(const QString &pilotTime, const QString &atcTime);
+    void setAvatarUrl(const QString &avatarUrl);
+    void setCurrentMode(const QString &mode);
+    void setSimulatorState(bool connected, const QString &statusText);
+    void setServerState(bool connected, const QString &statusText);
+    void setFlightData(double latitude, double longitude, double altitudeFeet, double heading, double groundSpeed);
+    /// Rows are maps with "callsign", "time" and "duration", newest first.
+    void setRecentFlights(const QVariantList &flights);
+    /// Rows are maps with "rank", "name", "cid" and "time", best first.
+    void setLeaderboard(const QVariantList &pilots, const QVariantList &controllers);
+    /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
+    void appendServerLog(const QString &text);
+
+    Q_INVOKABLE void requestModeChange(const QString &mode);
+    Q_INVOKABLE void requestServerConnect(const QString &callsign, const QString &typeCode, const QString &selcal,
+                                          bool observer);
+    Q_INVOKABLE void requestServerDisconnect();
+    Q_INVOKABLE void requestSimulatorReconnect();
+
+signals:
+    void userInfoChanged();
+    void currentModeChanged();
+    void simulatorStateChanged();
+    void serverStateChanged();
+    void flightDataChanged();
+    void serverLogChanged();
+    void recentFlightsChanged();
+    void leaderboardChanged();
+    void modeChangedRequest(QString mode);
+    void serverConnectRequest(QString callsign, QString typeCode, QString selcal, bool observer);
+    void serverDisconnectRequest();
+    void simulatorReconnectRequest();
+
+private:
+    QString m_username = QStringLiteral("游客");
+    QString m_cid = QStringLiteral("--");
+    QString m_rating = QStringLiteral("--");
+    QString m_pilotTime = QStringLiteral("0小时 0分");
+    QString m_atcTime = QStringLiteral("0小时 0分");
+    QString m_avatarUrl;
+    QString m_currentMode = QStringLiteral("NONE");
+    bool m_simulatorConnected = false;
+    QString m_simulatorStatusText = QStringLiteral("未连接");
+    bool m_serverConnected = false;
+    QString m_serverStatusText = QStringLiteral("未连接");
+    double m_latitude = 0;
+    double m_longitude = 0;
+    double m_altitude = 0;
+    double m_heading = 0;
+    double m_groundSpeed = 0;
+    QString m_serverLog;
+    QVariantList m_recentFlights;
+    QVariantList m_pilotLeaderboard;
+    QVariantList m_atcLeaderboard;
+};
+
+} // namespace tarvo::ui::viewmodel

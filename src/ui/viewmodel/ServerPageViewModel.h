@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+namespace tarvo::network {
+class SwiftAircraftIcaoService;
+}
+
+namespace tarvo::ui::viewmodel {
+
+/// The connect form, the server's state and its log. Holds presentation state only: MainWindow feeds it and acts on its
+/// requests. In QML it is the context property "serverBackend".
+class ServerPageViewModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool serverConnected READ serverConnected NOTIFY serverStateChanged)
+    Q_PROPERTY(QString serverStatusText READ serverStatusText NOTIFY serverStateChanged)
+    Q_PROPERTY(QString endpoint READ endpoint NOTIFY endpointChanged)
+    Q_PROPERTY(QString protocolLabel READ protocolLabel NOTIFY protocolChanged)
+    Q_PROPERTY(QString currentMode READ currentMode NOTIFY formChanged)
+    Q_PROPERTY(QString platformLabel READ platformLabel NOTIFY formChanged)
+    Q_PROPERTY(QString connectActionLabel READ connectActionLabel NOTIFY formChanged)
+    Q_PROPERTY(QString modeHintText READ modeHintText NOTIFY formChanged)
+    Q_PROPERTY(QString callsign READ callsign WRITE setCallsign NOTIFY formChanged)
+    Q_PROPERTY(QString typeCode READ typeCode WRITE setTypeCode NOTIFY formChanged)
+    Q_PROPERTY(QString selcal READ selcal WRITE setSelcal NOTIFY formChanged)
+    Q_PROPERTY(bool observerMode READ observerMode WRITE setObserverMode NOTIFY formChanged)
+    Q_PROPERTY(bool coordinatedVoice READ coordinatedVoice WRITE setCoordinatedVoice NOTIFY formChanged)
+    Q_PROPERTY(bool typeCodeRequired READ typeCodeRequired NOTIFY formChanged)
+    Q_PROPERTY(bool connectedAsObserver READ connectedAsObserver NOTIFY serverStateChanged)
+    Q_PROPERTY(bool canConnect READ canConnect NOTIFY formChanged)
+    Q_PROPERTY(QString formErrorText READ formErrorText NOTIFY formChanged)
+    Q_PROPERTY(QString realName READ realName NOTIFY profileChanged)
+    Q_PROPERTY(QString homeAirport READ homeAirport NOTIFY profileChanged)
+    Q_PROPERTY(QString serverLog READ serverLog NOTIFY logChanged)
+    Q_PROPERTY(QVariantList recentEvents READ recentEvents NOTIFY recentEventsChanged)
+    Q_PROPERTY(QVariantList typeCodeSuggestions READ typeCodeSuggestions NOTIFY typeCodeSuggestionsChanged)
+
+public:
+    explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr);
+
+    bool serverConnected() const { return m_serverConnected; }
+    QString serverStatusText() const { return m_serverStatusText; }
+    QString endpoint() const { return m_endpoint; }
+    QString protocolLabel() const { return m_protocolLabel; }
+    QString currentMode() const { return m_currentMode; }
+    QString platformLabel() const { return m_platformLabel; }
+    QString connectActionLabel() const { return m_connectActionLabel; }
+    QString modeHintText() const { return m_modeHintText; }
+    QString callsign() const { return m_callsign; }
+    QString typeCode() const { return m_typeCode; }
+    QString selcal() const { return m_selcal; }
+    bool observerMode() const { return m_observerMode; }
+    bool coordinatedVoice() const { return m_coordinatedVoice; }
+    bool typeCodeRequired() const { return m_typeCodeRequired; }
+    bool connectedAsObserver() const { return m_connectedAsObserver; }
+    bool canConnect() const { return m_canConnect; }
+    QString formErrorText() const { return m_formErrorText; }
+    QString realName() const { return m_realName; }
+    QString homeAirport() const { return m_homeAirport; }
+    QString serverLog() const { return m_serverLog; }
+    /// Newest first; maps with "time", "title", "detail" and "tag". The oldest rows go beyond 2,000.
+    QVariantList recentEvents() const { return m_recentEvents; }
+    /// Maps with "designator", "title" and "detail".
+    QVariantList typeCodeSuggestions() const { return m_typeCodeSuggestions; }
+
+    void setCallsign(const QString &callsign);
+    void setTypeCode(const QString &typeCode);
+    void setSelcal(const QString &selcal);
+    void setObserverMode(bool observer);
+    void setCoordinatedVoice(bool coordinated);
+
+    // The program's side. Each emits only on a change.
+    void setServerState(bool connected, const QString &statusText);
+    void setConnectedAsObserver(bool observer);
+    /// "host:port" while connected, else empty.
+    void setEndpoint(const QString &endpoint);
+    void setVatsimProtocol(bool vatsim);
+    void setCurrentMode(const QString &mode);
+    void setProfile(const QString &realName, const QString &homeAirport);
+    /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
+    void appendLog(const QString &text);
+    void addRecentEvent(const QString &title, const QString &detail, const QString &tag);
+
+    Q_INVOKABLE void requestConnect();
+    Q_INVOKABLE void requestDisconnect();
+    Q_INVOKABLE void clearServerLog();
+    Q_INVOKABLE void refreshTypeCodeSuggestions(const QString &query);
+    Q_INVOKABLE void applyTypeCodeSuggestion(const QString &designator);
+
+signals:
+    void serverStateChanged();
+    void endpointChanged();
+    void protocolChanged();
+    void formChanged();
+    void profileChanged();
+    void logChanged();
+    void recentEventsChanged();
+    void typeCodeSuggestionsChanged();
+    void connectRequested(QString callsign, QString typeCode, QString selcal, bool observer);
+    void disconnectRequested();
+
+private:
+    void formEdited();
+    void updateModeTexts();
+    void updateFormError();
+
+    network::SwiftAircraftIcaoService &m_icao;
+    bool m_serverConnected = false;
+    QString m_serverStatusText = QStringLiteral("未连接");
+    QString m_endpoint;
+    QString m_protocolLabel = QStringLiteral("经典协议");
+    QString m_currentMode = QStringLiteral("NONE");
+    QString m_platformLabel = QStringLiteral("未选择平台");
+    QString m_connectActionLabel = QStringLiteral("连接网络");
+    /// Differs by one character from the text that the mode table gives for the same situation: kept on purpose.
+    QString m_modeHintText = QStringLiteral("请先选择模拟平台。");
+    QString m_callsign;
+    QString m_typeCode;
+    QString m_selcal;
+    bool m_observerMode = false;
+    bool m_coordinatedVoice = false;
+    bool m_typeCodeRequired = true;
+    bool m_connectedAsObserver = false;
+    bool m_canConnect = false;
+    QString m_formErrorText;
+    QString m_realName;
+    QString m_homeAirport;
+    QString m_serverLog;
+    QVariantList m_recentEvents;
+    QVariantList m_typeCodeSuggestions;
+};
+
+} // namespace tarvo::ui::viewmodel

@@ -1,0 +1,11 @@
+#include "support/TestRegistry.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QStandardPaths::setTestModeEnabled(true); // nothing that a test writes reaches the user's own folders
+    return tarvo::test::runAllTests(argc, argv);
+}
