@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Lints every QML page; a warning fails.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+lint=$(command -v qmllint6 || echo /usr/lib/qt6/bin/qmllint)
+mapfile -t pages < <(git ls-files -- '*.qml')
+[ ${#pages[@]} -gt 0 ] || exit 0
+"$lint" --max-warnings 0 "${pages[@]}"
+echo "${#pages[@]} pages"
