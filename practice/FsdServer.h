@@ -1,0 +1,112 @@
+#pragma once
+
+#include "practice/AccountBook.h"
+#include "practice/TokenAuthority.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+#include <memory>
+
+class QTcpServer;
+
+namespace tarvo::practice {
+
+class FsdSession;
+class FsdDesk;
+
+/// What the FSD server allows and how often it acts.
+struct FsdSettings
+{
+    double relayRangeNm = 60;         ///< positions and radio reach this far; a controller's own range may be longer
+    double fastRangeNm = 5;           ///< pilots this near to each other are asked for fast positions
+    int pingIntervalMs = 30'000;      ///< 0: never by itself
+    int challengeIntervalMs = 60'000; ///< 0: never by itself
+    int identifyMs = 20'000;          ///< a client that hasn't logged in and identified itself by then is sent away
+    int silenceMs = 120'000;          ///< a client that sends nothing for so long is sent away
+    int maxClients = 64;
+    int maxLineBytes = 4096;      ///< a longer line is dropped
+    int maxQueuedBytes = 1 << 20; ///< a client that lets more pile up is cut off
+    int maxLinesPerSecond = 500;  ///< a client that sends more is cut off
+    int maxBadLines = 50;         ///< so many malformed lines end a session
+    QString greeting = QStringLiteral("Welcome to the practice network."); ///< empty: none
+};
+
+/// The FSD server: greeting, login, relay of positions and text by distance, pings and challenges. Any number of
+/// clients up to the limit; what one of them sends can cost itself its line or its connection and nothing else.
+class FsdServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    FsdServer(const AccountBook &accounts, const TokenAuthority &tokens, FsdSettings settings = {},
+              QObject *parent = nullptr);
+    ~FsdServer() override;
+
+    /// Starts to serve; port 0 takes a free one. Returns false when the port can't be had; see errorString().
+    bool listen(const QHostAddress &address, quint16 port);
+    /// Ends every session and stops listening.
+    void close();
+    quint16 port() const;
+    QHostAddress address() const;
+    QString errorString() const;
+
+    /// Those logged in, in the order of their login.
+    QStringList callsigns() const;
+    /// Connections, logged in or not.
+    int connectionCount() const;
+
+    // What a developer breaks things with. All take the callsign of a client that is logged in, in upper case, and
+    // return false when there is none.
+
+    /// "$!!" with the reason, and the connection is closed.
+    bool kill(const QString &callsign, const QString &reason);
+    /// "$XX" to another host; the client goes there on the same port.
+    bool redirect(const QString &callsign, const QString &newServer);
+    /// redirect() to a server that then takes the session over without another login.
+    bool handOver(const QString &callsign, FsdServer &target);
+    /// The connection is closed without a word.
+    bool dropClient(const QString &callsign);
+    /// "$ER".
+    bool sendError(const QString &callsign, int errorType, const QString &parameter, const QString &message);
+    /// "#TM" from the server.
+    bool sendText(const QString &callsign, const QString &text);
+    /// "$SF", whoever is near.
+    bool setFast(const QString &callsign, bool fast);
+    /// "$PI" now.
+    bool ping(const QString &callsign);
+    /// "$ZC" now.
+    bool challenge(const QString &callsign);
+    /// Any line, without its line end, such as a malformed one.
+    bool sendLine(const QString &callsign, const QString &line);
+
+    /// Refuses every FSD token, or none.
+    void setRejectTokens(bool reject);
+    /// Refuses every login, or none.
+    void setRejectLogins(bool reject);
+
+signals:
+    /// A line came or went, without its line end, as it stands on the wire: print it through maskSecrets(). `client` is
+    /// the callsign, or address and port before the login.
+    void lineReceived(const QString &client, const QString &line);
+    void lineSent(const QString &client, const QString &line);
+    void clientConnected(const QString &client);
+    void clientLoggedIn(const QString &callsign, bool observer);
+    /// A session was refused or cut off, and why.
+    void clientRefused(const QString &client, const QString &reason);
+    void clientLeft(const QString &client);
+
+private:
+    void acceptConnections();
+    void keepAlive();
+    FsdSession *find(const QString &callsign) const;
+
+    FsdSettings m_settings;
+    std::unique_ptr<QTcpServer> m_server;
+    std::unique_ptr<FsdDesk> m_desk;
+    QTimer m_keepAlive;
+};
+
+} // namespace tarvo::practice

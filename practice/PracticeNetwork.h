@@ -1,0 +1,69 @@
+#pragma once
+
+#include "practice/AccountBook.h"
+#include "practice/AccountService.h"
+#include "practice/FsdServer.h"
+#include "practice/TokenAuthority.h"
+#include "practice/XPlaneStandIn.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace tarvo::practice {
+
+/// Where the practice network listens. Addresses are loopback only.
+struct PracticeSettings
+{
+    QHostAddress address{QHostAddress::LocalHost};
+    quint16 httpPort = 8080;
+    quint16 fsdPort = 6809;
+    quint16 xplanePort = 49000;
+    QString pluginUrl = QStringLiteral("ipc:///tmp//tarvoclient.ipc"); ///< empty: a socket in a temporary folder
+    bool simulator = true;                                             ///< false leaves X-Plane's addresses alone
+    FsdSettings fsd;
+
+    /// Free ports and a plugin address of its own, for tests.
+    static PracticeSettings ephemeral();
+};
+
+/// The whole network for one pilot on one machine: account service, FSD server and an X-Plane to fly.
+class PracticeNetwork : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PracticeNetwork(PracticeSettings settings = {}, const common::Clock &clock = common::systemClock(),
+                             QObject *parent = nullptr);
+    ~PracticeNetwork() override;
+
+    /// Starts everything. On failure nothing is left running and errorString() names the port.
+    bool start();
+    void stop();
+    QString errorString() const;
+
+    AccountBook &accounts() { return m_accounts; }
+    TokenAuthority &tokens() { return m_tokens; }
+    AccountService &account() { return m_account; }
+    FsdServer &fsd() { return m_fsd; }
+    XPlaneStandIn &xplane() { return m_xplane; }
+    /// Where the plugin listens: what a client dials.
+    QString pluginUrl() const;
+
+private:
+    bool startSimulator();
+
+    PracticeSettings m_settings;
+    std::unique_ptr<QTemporaryDir> m_pluginFolder;
+    AccountBook m_accounts;
+    TokenAuthority m_tokens;
+    AccountService m_account;
+    FsdServer m_fsd;
+    XPlaneStandIn m_xplane;
+    QString m_error;
+};
+
+} // namespace tarvo::practice
