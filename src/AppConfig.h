@@ -50,17 +50,30 @@ public:
     QString dataRoot() const { return m_dataRoot; }
 
 signals:
-    /// Raised after every set or reset, for volatile keys too. `key` is the key's text.
+    /// Raised after every set and reset, for volatile keys too. `key` is the key's text.
     void configChanged(const QString &key);
 
 private:
+    struct Decrypted
+    {
+        QString stored;
+        QString plain;
+    };
+
     void writeMissingDefaults();
+    void detectFolders();
+    QVariant read(const char *key, const QVariant &defaultValue = {}) const;
+    QString decrypted(const char *key, const QString &stored) const;
+    QString encrypted(const char *key, const QString &plain);
     void store(const char *key, const QVariant &value);
+    void announce(const char *key);
 
     std::unique_ptr<QSettings> m_settings;
     QString m_dataRoot;
     QString m_configPath;
     QMap<QString, QVariant> m_volatile;
+    /// The last plain text of each encrypted key: deriving the cipher's key is slow on purpose.
+    mutable QMap<QString, Decrypted> m_decrypted;
 };
 
 } // namespace tarvo

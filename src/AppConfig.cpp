@@ -1,0 +1,233 @@
+#include "AppConfig.h"
+
+#include "ConfigCipher.h"
+#include "MsfsFolders.h"
+#include "ServiceEndpoints.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cmath>
+#include <type_traits>
+
+namespace tarvo {
+
+namespace {
+
+QVariant defaultOf(const StringKey &key)
+{
+    return QString::fromUtf8(key.defaultValue);
+}
+
+QVariant defaultOf(const PathListKey &)
+{
+    return QStringList();
+}
+
+template <typename Key>
+QVariant defaultOf(const Key &key)
+{
+    return key.defaultValue;
+}
+
+/// Absolute and clean, with links resolved where the path exists; empty for blank text.
+QString normalizedPath(const QString &item)
+{
+    const QString path = QDir::fromNativeSeparators(item.trimmed());
+    if (path.isEmpty())
+        return {};
+    const QFileInfo info(path);
+    return QDir::cleanPath(info.exists() ? info.canonicalFilePath() : info.absoluteFilePath());
+}
+
+/// The file holds a password: nobody but the user needs to read it. Rights that the user took away stay away.
+void keepToTheUser(const QString &path)
+{
+    constexpr QFile::Permissions others =
+        QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    const QFile::Permissions permissions = QFile::permissions(path);
+    if (permissions & others)
+        QFile::setPermissions(path, permissions & ~others);
+}
+
+} // namespace
+
+AppConfig &AppConfig::instance()
+{
+    static AppConfig config(QCoreApplication::applicationDirPath());
+    return config;
+}
+
+AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
+    : QObject(parent), m_dataRoot(dataRoot), m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini")))
+{
+    m_settings = std::make_unique<QSettings>(m_configPath, QSettings::IniFormat);
+    writeMissingDefaults();
+    keepToTheUser(m_configPath);
+    detectFolders();
+}
+
+void AppConfig::writeMissingDefaults()
+{
+    bool wrote = false;
+    for (const config::AnyKey &anyKey : config::storedKeys) {
+        std::visit(
+            [&](const auto &key) {
+                const QString name = QString::fromUtf8(key.key);
+                if (m_settings->contains(name))
+                    return;
+                m_settings->setValue(name, defaultOf(key));
+                wrote = true;
+            },
+            anyKey);
+    }
+    if (wrote)
+        m_settings->sync();
+}
+
+void AppConfig::detectFolders()
+{
+    using namespace config;
+    const auto isUnset = [this](const StringKey &key) { return get(key).trimmed().isEmpty(); };
+    const auto fill = [&](const StringKey &key, const QString &folder) {
+        if (!folder.isEmpty() && isUnset(key))
+            set(key, folder);
+    };
+    if (!isUnset(msfsPackagesPath2020) && !isUnset(msfsPackagesPath2024) && !isUnset(msfsCommunityPath2020) &&
+        !isUnset(msfsCommunityPath2024)) {
+        return;
+    }
+    const MsfsFolders folders =
+        detectMsfsFolders(qEnvironmentVariable("LOCALAPPDATA"), qEnvironmentVariable("APPDATA"));
+    fill(msfsPackagesPath2020, folders.packages2020);
+    fill(msfsPackagesPath2024, folders.packages2024);
+    fill(msfsCommunityPath2020, folders.community2020);
+    fill(msfsCommunityPath2024, folders.community2024);
+}
+
+QVariant AppConfig::read(const char *key, const QVariant &defaultValue) const
+{
+    return m_settings->value(QString::fromUtf8(key), defaultValue);
+}
+
+QString AppConfig::get(const StringKey &key) const
+{
+    if (key.isVolatile)
+        return m_volatile.value(QString::fromUtf8(key.key), defaultOf(key)).toString();
+    const QString text = read(key.key, defaultOf(key)).toString();
+    return key.isEncrypted ? decrypted(key.key, text) : text;
+}
+
+bool AppConfig::get(const BoolKey &key) const
+{
+    // Not QVariant::toBool, for which any text that it doesn't know is true.
+    const QString text = read(key.key, key.defaultValue).toString().trimmed();
+    return text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 || text.toInt() != 0;
+}
+
+int AppConfig::get(const IntKey &key) const
+{
+    // Not QVariant::toInt, which cuts a number that is too large instead of refusing it.
+    return read(key.key, key.defaultValue).toString().toInt();
+}
+
+double AppConfig::get(const RealKey &key) const
+{
+    const double value = read(key.key, key.defaultValue).toDouble();
+    return std::isfinite(value) ? value : 0.0;
+}
+
+QStringList AppConfig::get(const PathListKey &key) const
+{
+    QStringList paths;
+    const QStringList items = read(key.key).toStringList();
+    for (const QString &item : items) {
+        const QString path = normalizedPath(item);
+        if (!path.isEmpty() && QFileInfo::exists(path) && !paths.contains(path))
+            paths += path;
+    }
+    return paths;
+}
+
+QString AppConfig::decrypted(const char *key, const QString &stored) const
+{
+    if (stored.isEmpty())
+        return {};
+    Decrypted &last = m_decrypted[QString::fromUtf8(key)];
+    if (last.stored != stored)
+        last = {stored, cipher::decrypt(stored, configSecret())};
+    return last.plain;
+}
+
+QString AppConfig::encrypted(const char *key, const QString &plain)
+{
+    const QString name = QString::fromUtf8(key);
+    if (plain.isEmpty()) { // an empty text stays empty in the file
+        m_decrypted.remove(name);
+        return {};
+    }
+    const QString stored = cipher::encrypt(plain, configSecret());
+    m_decrypted[name] = {stored, plain};
+    return stored;
+}
+
+void AppConfig::set(const StringKey &key, const QString &value)
+{
+    if (!key.isVolatile) {
+        store(key.key, key.isEncrypted ? encrypted(key.key, value) : value);
+        return;
+    }
+    m_volatile.insert(QString::fromUtf8(key.key), value);
+    announce(key.key);
+}
+
+void AppConfig::set(const BoolKey &key, bool value)
+{
+    store(key.key, value);
+}
+
+void AppConfig::set(const IntKey &key, int value)
+{
+    store(key.key, value);
+}
+
+void AppConfig::set(const RealKey &key, double value)
+{
+    store(key.key, value);
+}
+
+void AppConfig::set(const PathListKey &key, const QStringList &value)
+{
+    store(key.key, value);
+}
+
+void AppConfig::reset(const StringKey &key)
+{
+    if (!key.isVolatile) {
+        set(key, QString::fromUtf8(key.defaultValue));
+        return;
+    }
+    m_volatile.remove(QString::fromUtf8(key.key));
+    announce(key.key);
+}
+
+QString AppConfig::logsFolder() const
+{
+    return QDir(m_dataRoot).filePath(QStringLiteral("logs"));
+}
+
+void AppConfig::store(const char *key, const QVariant &value)
+{
+    m_settings->setValue(QString::fromUtf8(key), value);
+    m_settings->sync();
+    announce(key);
+}
+
+void AppConfig::announce(const char *key)
+{
+    emit configChanged(QString::fromUtf8(key));
+}
+
+} // namespace tarvo

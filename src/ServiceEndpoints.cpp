@@ -1,0 +1,18 @@
+#include "ServiceEndpoints.h"
+
+namespace tarvo {
+
+ServiceEndpoints::ServiceEndpoints()
+    : apiBaseUrl(QStringLiteral(TARVO_API_BASE_URL)),
+      fsdHost(QStringLiteral(TARVO_FSD_HOST)),
+      voiceHost(QStringLiteral(TARVO_VOICE_HOST)),
+      registerUrl(QStringLiteral(TARVO_REGISTER_URL))
+{
+}
+
+QByteArray configSecret()
+{
+    return QByteArray::fromHex(TARVO_CONFIG_SECRET);
+}
+
+} // namespace tarvo
