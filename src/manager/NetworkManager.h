@@ -3,12 +3,18 @@
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
 #include "common/MessageType.h"
+#include "fsd/FsdClient.h"
+#include "manager/PositionReporter.h"
+#include "manager/SessionLog.h"
+#include "manager/SimulatorData.h"
+#include "manager/SimulatorDataWatch.h"
 #include "model/AircraftConfiguration.h"
 #include "model/ConnectInfo.h"
-#include "model/RadioMessageReceived.h"
 #include "simulator/Simulator.h"
 
+#include <QList>
 #include <QObject>
+#include <QTimer>
 #include <QVariantList>
 
 #include <memory>
@@ -22,16 +28,6 @@ class SwiftAircraftIcaoService;
 } // namespace tarvo::network
 
 namespace tarvo::manager {
-
-/// The own aircraft's whole state, as the pages show it.
-struct SimulatorData
-{
-    bool simConnected = false; ///< connected and delivering live samples
-    model::UserAircraftData aircraft;
-    model::UserAircraftConfigData config;
-    model::RadioStackState radio;
-    bool simPaused = false;
-};
 
 /// Owns one FSD session: validates the connect request, drives the login, keeps the position timers, watches the
 /// simulator's data for life, writes the network log, and turns every event of the session into a signal and a call on
@@ -50,14 +46,17 @@ public:
     /// pointer does nothing.
     void setSimulator(std::shared_ptr<simulator::Simulator> simulator);
     /// The current backend; may be empty.
-    std::shared_ptr<simulator::Simulator> simulator() const;
+    std::shared_ptr<simulator::Simulator> simulator() const { return m_simulator; }
 
     /// True while connectToNetwork() is on the stack: it runs the event loop during a name look-up, and until it has
     /// returned this object must not be destroyed.
-    bool isResolving() const;
+    bool isResolving() const { return m_resolving > 0; }
 
     /// Under what name the current or the last connection ran.
-    const model::ConnectInfo &connectInfo() const;
+    const model::ConnectInfo &connectInfo() const { return m_connectInfo; }
+
+    /// The frequencies that a radio message goes out on, in kHz.
+    QList<uint> transmitFrequencies() const { return m_transmitFrequencies; }
 
     /// Sends an aircraft configuration to all, or to one callsign. Dropped when not connected.
     void sendConfigurationToAll(const model::AircraftConfiguration &configuration);
@@ -69,12 +68,23 @@ public slots:
     /// The user's wish to leave.
     void disconnectFromNetwork();
     void reconnectSimulator();
+    /// Sends text on the radios that transmit; nothing when none does.
+    void sendRadioMessage(const QString &message);
+    void sendPrivateMessage(const QString &to, const QString &message);
+    /// Sends text to the supervisors.
+    void sendWallop(const QString &message);
+    /// Asks a client for its pilot's name.
+    void requestRealName(const QString &callsign);
 
 signals:
+    /// The server has accepted the login; once for each connection.
     void networkConnected(const QString &callsign);
     void networkDisconnected(bool forced);
     void notificationPosted(const QString &message, tarvo::common::MessageType type);
     void serverMessageReceived(const QString &message);
+    void privateMessageSent(const QString &to, const QString &message);
+    void radioMessageSent(const QString &message, const QList<uint> &frequencies);
+    void wallopSent(const QString &message);
     void aircraftConfigurationInfoReceived(const QString &from, const QString &json);
     void capabilitiesRequestReceived(const QString &from);
     void simulatorChanged();
@@ -88,6 +98,105 @@ signals:
     /// After every change of aircraft, configuration or pause, of the simulator's state, and when its data dry up.
     void simulatorDataUpdated(const tarvo::manager::SimulatorData &data);
     void simulatorTrafficSnapshotUpdated(const QVariantList &contacts);
+
+private:
+    enum class Phase
+    {
+        Idle,
+        Connecting,
+        Connected,
+        Disconnecting
+    };
+
+    // The session (NetworkManager.cpp, NetworkManagerSession.cpp)
+    void connectFsdClient();
+    QString refuseConnect(const QString &callsign, const QString &typeCode, bool observer) const;
+    void beginSession(const model::ConnectInfo &info);
+    void endSession();
+    bool isBusy() const { return m_phase != Phase::Idle || m_fsd.isConnected(); }
+    void requestFsdToken();
+    void onFsdToken(bool success, const QString &token, const QString &error);
+    void logIn(const QString &password);
+    void sendLoginPdu();
+    void completeLogin();
+    void onForceDisconnect(const QString &reason);
+    void sendDeletePdu();
+    QString normalizedType(const QString &typeCode) const;
+    QString username() const;
+    QString password() const;
+    QString realName() const;
+    QString realNameWithAirport() const;
+    void notify(const QString &message, common::MessageType type);
+
+    // Sending (NetworkManagerSending.cpp)
+    void send(const QString &line);
+    template <class Pdu>
+    void sendPdu(const Pdu &pdu);
+    OwnPosition ownPosition() const;
+
+    // What the server says (NetworkManagerEvents.cpp)
+    void onNetworkConnected();
+    void onNetworkDisconnected();
+    void onNetworkError(const QString &error);
+    void onServerIdentification(const fsd::pdu::ServerIdentification &pdu);
+    void onAddATC(const fsd::pdu::AddATC &pdu);
+    void onAddPilot(const fsd::pdu::AddPilot &pdu);
+    void onClientQuery(const fsd::pdu::ClientQuery &pdu);
+    void onClientQueryResponse(const fsd::pdu::ClientQueryResponse &pdu);
+    void onPing(const fsd::pdu::Ping &pdu);
+    void onTextMessage(const fsd::pdu::TextMessage &pdu);
+    void onKillRequest(const fsd::pdu::KillRequest &pdu);
+    void onSendFast(const fsd::pdu::SendFast &pdu);
+    void onProtocolError(const fsd::pdu::ProtocolError &pdu);
+    void onRawDataSent(const QString &line);
+    void onRawDataReceived(const QString &line);
+    void completeLoginIfOwn(const QString &callsign);
+    void answerQuery(const fsd::pdu::ClientQuery &query, const QStringList &payload);
+    void answerCapabilities(const fsd::pdu::ClientQuery &query);
+    void sendClientInformation(const QString &to);
+
+    // What the simulator says (NetworkManagerSimulator.cpp)
+    void releaseSimulator();
+    void connectSimulatorState(const simulator::Simulator &simulator);
+    void connectSimulatorForwards(const simulator::Simulator &simulator);
+    void clearOwnAircraft();
+    void onUserAircraftData(const model::UserAircraftData &data);
+    void onUserAircraftConfigData(const model::UserAircraftConfigData &data);
+    void onRadioStackState(const model::RadioStackState &state);
+    void onSimConnectionState(bool connected);
+    void onSimPausedState(bool paused);
+    void onWatchdog();
+    void announceSimulatorState();
+    void announceSimulatorData();
+
+    AppConfig &m_config;
+    network::ApiService &m_api;
+    network::SwiftAircraftIcaoService &m_icao;
+    const QString m_fsdHost;
+    const quint16 m_fsdPort;
+    const common::Clock &m_clock;
+
+    fsd::FsdClient m_fsd;
+    std::shared_ptr<simulator::Simulator> m_simulator;
+    QList<QMetaObject::Connection> m_simulatorConnections;
+
+    SimulatorData m_own; ///< last samples; `simConnected` is filled when it is announced
+    SimulatorDataWatch m_dataWatch;
+    QTimer m_dataWatchdog;
+    QList<uint> m_transmitFrequencies; ///< kHz
+    PositionReporter m_reporter;
+
+    model::ConnectInfo m_connectInfo;
+    QString m_publicAddress; ///< as the server told it
+    Phase m_phase = Phase::Idle;
+    bool m_forced = false; ///< the disconnect that is coming is not the user's wish
+    QString m_forcedReason;
+    bool m_loginAnnounced = false;
+    QString m_loginSecret;    ///< password or token of this login, kept to mask it in the log
+    quint64 m_generation = 0; ///< changes whenever a connection begins or ends
+    int m_resolving = 0;      ///< connectToNetwork() calls on the stack
+
+    SessionLog m_log;
 };
 
 } // namespace tarvo::manager

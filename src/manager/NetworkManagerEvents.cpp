@@ -1,0 +1,173 @@
+// What the server and the other clients say, and the client's manners in answering.
+
+#include "manager/NetworkManagerSending.h"
+
+#include "AppConfig.h"
+#include "fsd/pdu/ClientIdentification.h"
+#include "fsd/pdu/ClientQuery.h"
+#include "fsd/pdu/ClientQueryResponse.h"
+#include "fsd/pdu/Ping.h"
+#include "fsd/pdu/Pong.h"
+#include "fsd/pdu/TextMessage.h"
+#include "manager/ClientIdentity.h"
+
+#include <QDebug>
+
+namespace tarvo::manager {
+
+using common::MessageType;
+using namespace fsd::pdu;
+
+namespace {
+
+constexpr int serverMessageColour = 0x85A664;
+constexpr int noFlightPlan = 8; ///< the error type that only answers a question
+
+bool isServer(const QString &callsign)
+{
+    return callsign.toUpper() == QLatin1StringView("SERVER");
+}
+
+} // namespace
+
+void NetworkManager::onServerIdentification(const ServerIdentification &pdu)
+{
+    qInfo().noquote() << "Server version:" << pdu.version;
+    ClientIdentification answer;
+    answer.From = m_connectInfo.callsign;
+    answer.To = QStringLiteral("SERVER");
+    answer.clientId = clientIdentity::id;
+    answer.clientName = clientIdentity::name;
+    answer.majorVersion = clientIdentity::majorVersion;
+    answer.minorVersion = clientIdentity::minorVersion;
+    answer.cid = username();
+    answer.systemUniqueId = machineId();
+    sendPdu(answer);
+    if (m_config.get(config::authVatsim))
+        requestFsdToken();
+}
+
+void NetworkManager::onAddATC(const AddATC &pdu)
+{
+    completeLoginIfOwn(pdu.From);
+}
+
+void NetworkManager::onAddPilot(const AddPilot &pdu)
+{
+    completeLoginIfOwn(pdu.From);
+}
+
+void NetworkManager::completeLoginIfOwn(const QString &callsign)
+{
+    if (callsign.trimmed().toUpper() == m_connectInfo.callsign)
+        completeLogin();
+}
+
+void NetworkManager::onClientQuery(const ClientQuery &pdu)
+{
+    switch (pdu.queryType) {
+    case ClientQueryType::Capabilities:
+        answerCapabilities(pdu);
+        break;
+    case ClientQueryType::Com1Frequency:
+        answerQuery(pdu, {QString::number(m_own.radio.com1Frequency / 1000.0, 'f', 3)});
+        break;
+    case ClientQueryType::RealName:
+        answerQuery(pdu, {realNameWithAirport(), QStringLiteral("1")});
+        break;
+    case ClientQueryType::ClientInformation:
+        sendClientInformation(pdu.From);
+        break;
+    case ClientQueryType::AircraftConfiguration:
+        // The text holds colons, which the wire has cut.
+        emit aircraftConfigurationInfoReceived(pdu.From, pdu.payload.join(QLatin1Char(':')));
+        break;
+    default:
+        break;
+    }
+}
+
+void NetworkManager::answerQuery(const ClientQuery &query, const QStringList &payload)
+{
+    sendPdu(ClientQueryResponse(m_connectInfo.callsign, query.From, query.queryType, payload));
+}
+
+void NetworkManager::answerCapabilities(const ClientQuery &query)
+{
+    const ClientQuery asked = query; // the original lives only for its signal
+    if (!isServer(asked.From))
+        emit capabilitiesRequestReceived(asked.From);
+    answerQuery(asked, {QStringLiteral("VERSION=1"), QStringLiteral("ATCINFO=1"), QStringLiteral("MODELDESC=1"),
+                        QStringLiteral("ACCONFIG=1"), QStringLiteral("VISUPDATE=1")});
+}
+
+void NetworkManager::sendClientInformation(const QString &to)
+{
+    ClientInformation information{.cid = username(),
+                                  .nameWithAirport = realNameWithAirport(),
+                                  .publicAddress = m_publicAddress,
+                                  .simulator = {},
+                                  .latitude = m_own.aircraft.latitude,
+                                  .longitude = m_own.aircraft.longitude,
+                                  .altitudeMslM = m_own.aircraft.altitudeMslM};
+    if (m_simulator)
+        information.simulator = m_simulator->simulatorType();
+    sendPdu(TextMessage(m_connectInfo.callsign, to, information.text()));
+}
+
+void NetworkManager::onClientQueryResponse(const ClientQueryResponse &pdu)
+{
+    if (pdu.queryType != ClientQueryType::PublicAddress)
+        return;
+    m_publicAddress = pdu.payload.value(0);
+    completeLogin();
+}
+
+void NetworkManager::onPing(const Ping &pdu)
+{
+    sendPdu(Pong(pdu.To, pdu.From, pdu.timestamp));
+}
+
+void NetworkManager::onTextMessage(const TextMessage &pdu)
+{
+    if (!isServer(pdu.From))
+        return;
+    const QString message = pdu.message;
+    emit serverMessageReceived(message);
+    if (m_simulator)
+        m_simulator->showNotification(message, serverMessageColour);
+}
+
+void NetworkManager::onKillRequest(const KillRequest &pdu)
+{
+    m_forced = true; // the server closes next
+    m_forcedReason = pdu.reason;
+}
+
+void NetworkManager::onSendFast(const SendFast &pdu)
+{
+    if (pdu.To.toUpper() == m_connectInfo.callsign)
+        m_reporter.setFast(pdu.sendFast);
+}
+
+void NetworkManager::onProtocolError(const ProtocolError &pdu)
+{
+    if (pdu.errorType != noFlightPlan) {
+        notify(tr("Network Error: %1").arg(pdu.message), MessageType::Error);
+        return;
+    }
+    if (const QString callsign = pdu.parameter.trimmed().toUpper(); !callsign.isEmpty())
+        qInfo().noquote() << "No flight plan available for" << callsign;
+}
+
+void NetworkManager::onRawDataSent(const QString &line)
+{
+    m_log.writeSent(line, m_loginSecret);
+}
+
+void NetworkManager::onRawDataReceived(const QString &line)
+{
+    m_log.writeReceived(line, m_loginSecret);
+}
+
+} // namespace tarvo::manager

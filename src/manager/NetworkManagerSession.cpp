@@ -1,0 +1,210 @@
+// The life of one connection: from the pilot's request to the last line.
+
+#include "manager/NetworkManager.h"
+
+#include "AppConfig.h"
+#include "fsd/pdu/DeleteATC.h"
+#include "manager/ConnectRequest.h"
+#include "manager/NetworkManagerSending.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+
+#include <QPointer>
+
+namespace tarvo::manager {
+
+using common::MessageType;
+using namespace fsd::pdu;
+
+bool NetworkManager::connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal,
+                                      bool observer)
+{
+    const ConnectRequest request{callsign.trimmed().toUpper(), typeCode, observer};
+    const ConnectConditions conditions{isBusy(), m_simulator && m_dataWatch.isReadyForPilot()};
+    if (const QString refusal = refusalOf(request, conditions); !refusal.isEmpty()) {
+        notify(refusal, MessageType::Error);
+        return false;
+    }
+    beginSession({request.callsign, normalizedType(typeCode), selcal, observer});
+    const quint64 generation = m_generation;
+    notify(tr("Connecting to network..."), MessageType::Info);
+    if (generation != m_generation)
+        return false; // whoever heard the notification has already called it off
+
+    ++m_resolving;
+    const bool started = m_fsd.connectToServer(m_fsdHost, m_fsdPort);
+    --m_resolving;
+    // While a name was looked up anything may have happened, another connection included.
+    if (!started && generation == m_generation)
+        endSession();
+    return started;
+}
+
+void NetworkManager::beginSession(const model::ConnectInfo &info)
+{
+    ++m_generation;
+    m_connectInfo = info;
+    m_loginAnnounced = false;
+    m_forced = false;
+    m_forcedReason.clear();
+    m_phase = Phase::Connecting;
+    m_log.startFlushing();
+}
+
+void NetworkManager::endSession()
+{
+    ++m_generation;
+    m_phase = Phase::Idle;
+    m_loginAnnounced = false;
+    m_forced = false;
+    m_forcedReason.clear();
+    m_log.stopFlushing();
+}
+
+QString NetworkManager::normalizedType(const QString &typeCode) const
+{
+    const QString typed = typeCode.trimmed().toUpper();
+    if (typed.isEmpty())
+        return {};
+    const network::SwiftAircraftIcaoResult result = m_icao.normalize(typeCode.trimmed());
+    return result.found ? result.canonical : typed;
+}
+
+void NetworkManager::onNetworkConnected()
+{
+    notify(tr("Connected to network."), MessageType::Info);
+    if (!m_config.get(config::authVatsim))
+        logIn(password());
+}
+
+void NetworkManager::requestFsdToken()
+{
+    const QPointer<NetworkManager> self(this);
+    const quint64 generation = m_generation;
+    m_api.getFSDToken([self, generation](bool success, const QString &token, const QString &error) {
+        if (self && self->m_generation == generation)
+            self->onFsdToken(success, token, error);
+    });
+}
+
+void NetworkManager::onFsdToken(bool success, const QString &token, const QString &error)
+{
+    if (success) {
+        logIn(token);
+        return;
+    }
+    const quint64 generation = m_generation;
+    m_forced = true;
+    m_forcedReason = error;
+    notify(tr("Network authentication error: %1").arg(error), MessageType::Error);
+    if (generation == m_generation)
+        m_fsd.disconnectFromServer();
+}
+
+void NetworkManager::logIn(const QString &password)
+{
+    m_loginSecret = password;
+    sendLoginPdu();
+    sendPdu(ClientQuery(m_connectInfo.callsign, QStringLiteral("SERVER"), ClientQueryType::PublicAddress, {}));
+    m_reporter.start();
+}
+
+void NetworkManager::sendLoginPdu()
+{
+    const auto revision = m_config.get(config::authVatsim) ? ProtocolRevision::Token : ProtocolRevision::Classic;
+    if (m_connectInfo.observer) {
+        sendPdu(
+            AddATC(m_connectInfo.callsign, realName(), username(), m_loginSecret, NetworkRating::Observer, revision));
+        return;
+    }
+    AddPilot login;
+    login.From = m_connectInfo.callsign;
+    login.To = QStringLiteral("SERVER");
+    login.cid = username();
+    login.password = m_loginSecret;
+    login.rating = NetworkRating::Observer;
+    login.protocolRevision = revision;
+    if (m_simulator)
+        login.simulatorType = static_cast<SimulatorType>(m_simulator->simulatorType());
+    login.realName = realNameWithAirport();
+    sendPdu(login);
+}
+
+void NetworkManager::completeLogin()
+{
+    if (m_loginAnnounced)
+        return;
+    m_loginAnnounced = true;
+    m_phase = Phase::Connected;
+    const model::ConnectInfo info = m_connectInfo;
+    const quint64 generation = m_generation;
+    // A pilot reads the same words twice, once for the line and once for the login.
+    notify(info.observer ? tr("Connected to network in observer mode.") : tr("Connected to network."),
+           MessageType::Info);
+    if (generation != m_generation)
+        return;
+    emit networkConnected(info.callsign);
+    if (m_simulator && generation == m_generation)
+        m_simulator->networkConnected(info.callsign, info.selcal, info.observer);
+}
+
+void NetworkManager::disconnectFromNetwork()
+{
+    if (!isBusy())
+        return;
+    m_phase = Phase::Disconnecting;
+    sendDeletePdu();
+    m_fsd.disconnectFromServer();
+}
+
+void NetworkManager::onForceDisconnect(const QString &reason)
+{
+    if (!isBusy())
+        return;
+    m_forced = true;
+    m_forcedReason = reason;
+    sendDeletePdu();
+    m_fsd.disconnectFromServer();
+}
+
+void NetworkManager::sendDeletePdu()
+{
+    if (m_connectInfo.observer)
+        sendPdu(DeleteATC(m_connectInfo.callsign, username()));
+    else
+        sendPdu(DeletePilot(m_connectInfo.callsign, username()));
+}
+
+void NetworkManager::onNetworkDisconnected()
+{
+    m_reporter.stop();
+    const bool forced = m_forced;
+    const QString reason = m_forcedReason;
+    // The session is over before anybody hears of it, so that a listener may start the next one at once.
+    endSession();
+
+    if (!forced)
+        notify(tr("Disconnected from network."), MessageType::Info);
+    else if (reason.isEmpty())
+        notify(tr("Forcibly disconnected from network."), MessageType::Error);
+    else
+        notify(tr("Forcibly disconnected from network: ") + reason, MessageType::Error);
+    if (m_simulator) {
+        m_simulator->networkDisconnected();
+        m_simulator->removeAllAircraft();
+        m_simulator->clearControllers();
+    }
+    emit networkDisconnected(forced);
+}
+
+void NetworkManager::onNetworkError(const QString &error)
+{
+    const quint64 generation = m_generation;
+    notify(error, MessageType::Error);
+    if (m_fsd.isConnected() || generation != m_generation)
+        return;
+    endSession();
+    emit networkDisconnected(false);
+}
+
+} // namespace tarvo::manager

@@ -1,0 +1,33 @@
+#include "manager/PilotName.h"
+
+namespace tarvo::manager {
+
+namespace {
+const QLatin1StringView unknownName("Unknown");
+}
+
+QString pilotName(const NameSources &sources)
+{
+    const QString profile = sources.profileName.trimmed();
+    if (!profile.isEmpty() && profile.compare(unknownName, Qt::CaseInsensitive) != 0)
+        return profile;
+    for (const QString &source : {sources.accountName, sources.username}) {
+        if (const QString name = source.trimmed(); !name.isEmpty())
+            return name;
+    }
+    return unknownName;
+}
+
+QString homeAirport(const QString &setting)
+{
+    const QString airport = setting.trimmed().toUpper();
+    const bool none = airport.isEmpty() || airport == QLatin1StringView("ZZZZ");
+    return none ? QStringLiteral("ZBAA") : airport;
+}
+
+QString nameWithAirport(const QString &name, const QString &airport)
+{
+    return QStringLiteral("%1 %2").arg(name, airport).trimmed();
+}
+
+} // namespace tarvo::manager

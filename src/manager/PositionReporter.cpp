@@ -1,0 +1,83 @@
+#include "manager/PositionReporter.h"
+
+#include "fsd/pdu/FsdLine.h"
+
+namespace tarvo::manager {
+
+using fsd::pdu::FastPilotPositionType;
+
+namespace {
+constexpr int pilotIntervalMs = 5000;
+constexpr int observerIntervalMs = 15000;
+constexpr int fastIntervalMs = 200;
+} // namespace
+
+PositionReporter::PositionReporter(std::function<OwnPosition()> position, QObject *parent)
+    : QObject(parent), m_position(std::move(position)), m_slowTimer(this), m_fastTimer(this)
+{
+    m_slowTimer.setObjectName(QStringLiteral("slowTimer"));
+    m_fastTimer.setObjectName(QStringLiteral("fastTimer"));
+    m_fastTimer.setInterval(fastIntervalMs);
+    m_fastTimer.setTimerType(Qt::PreciseTimer); // others interpolate between these reports
+    connect(&m_slowTimer, &QTimer::timeout, this, &PositionReporter::slowTick);
+    connect(&m_fastTimer, &QTimer::timeout, this, &PositionReporter::fastTick);
+}
+
+void PositionReporter::start()
+{
+    const OwnPosition own = m_position();
+    sendSlowPosition(own);
+    sendFast(own, stoppedReport(own));
+    m_slowTimer.start(own.observer ? observerIntervalMs : pilotIntervalMs);
+}
+
+void PositionReporter::stop()
+{
+    m_fastTimer.stop();
+    m_slowTimer.stop();
+}
+
+void PositionReporter::setFast(bool fast)
+{
+    if (fast) {
+        m_fastTimer.start();
+        return;
+    }
+    m_fastTimer.stop();
+    const OwnPosition own = m_position();
+    sendFast(own, stoppedReport(own));
+}
+
+void PositionReporter::slowTick()
+{
+    const OwnPosition own = m_position();
+    if (own.paused)
+        sendFast(own, zeroVelocityReport(own)); // also when the server hasn't asked for fast reports
+    else if (isMoving(own.aircraft))
+        sendFast(own, velocityReport(own, FastPilotPositionType::Slow));
+    sendSlowPosition(own);
+}
+
+void PositionReporter::fastTick()
+{
+    const OwnPosition own = m_position();
+    if (own.paused)
+        sendFast(own, zeroVelocityReport(own));
+    else if (isMoving(own.aircraft))
+        sendFast(own, velocityReport(own, FastPilotPositionType::Fast));
+    else
+        sendFast(own, stoppedReport(own));
+}
+
+void PositionReporter::sendSlowPosition(const OwnPosition &own)
+{
+    emit lineReady(own.observer ? fsd::toLine(observerPosition(own)) : fsd::toLine(pilotPosition(own)));
+}
+
+void PositionReporter::sendFast(const OwnPosition &own, const fsd::pdu::FastPilotPosition &report)
+{
+    if (!own.observer)
+        emit lineReady(fsd::toLine(report));
+}
+
+} // namespace tarvo::manager

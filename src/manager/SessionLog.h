@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <QTextStream>
+#include <QTimer>
+
+namespace tarvo::common {
+class Clock;
+}
+
+namespace tarvo::manager {
+
+/// The raw FSD traffic of one signed-in session, in a file of its own, "network-<UTC time>.log". All connections of the
+/// session write into it. At most 10 earlier files stay.
+///
+/// What can't be opened or written is lost without further report: a session never fails for its log.
+class SessionLog
+{
+public:
+    /// Makes `folder`, deletes old logs and opens the new one.
+    SessionLog(const QString &folder, const common::Clock &clock);
+    ~SessionLog();
+    SessionLog(const SessionLog &) = delete;
+    SessionLog &operator=(const SessionLog &) = delete;
+
+    bool isOpen() const { return m_file.isOpen(); }
+    QString path() const { return m_file.fileName(); }
+
+    /// Writes "[HH:mm:ss.zzz] >>> line". A login line has its password field masked, and `secret` wherever it stands.
+    void writeSent(const QString &line, const QString &secret);
+    /// Writes "[HH:mm:ss.zzz] <<< line". `secret` is masked if the server echoes it in a login line.
+    void writeReceived(const QString &line, const QString &secret);
+
+    /// While a connection lasts, what is written reaches the disk every second.
+    void startFlushing();
+    /// Brings all to the disk and stops the timer.
+    void stopFlushing();
+
+private:
+    void write(QLatin1StringView arrow, const QString &line);
+
+    const common::Clock &m_clock;
+    QFile m_file;
+    QTextStream m_stream;
+    QTimer m_flushTimer;
+};
+
+/// `line` with "******" in place of the password: by its place, field 3 of "#AP" and field 4 of "#AA" counted from 0,
+/// and wherever the non-empty `secret` stands in such a line. Other lines come back as they are.
+QString maskedLoginLine(const QString &line, const QString &secret);
+
+/// `line` with "******" wherever the non-empty `secret` stands, if it is an "#AP" or "#AA" line.
+QString withoutSecret(const QString &line, const QString &secret);
+
+} // namespace tarvo::manager

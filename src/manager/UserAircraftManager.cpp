@@ -1,0 +1,110 @@
+#include "manager/UserAircraftManager.h"
+
+#include "manager/NetworkManager.h"
+
+namespace tarvo::manager {
+
+using simulator::Simulator;
+
+namespace {
+constexpr int tokenIntervalMs = 5000;
+}
+
+UserAircraftManager::UserAircraftManager(std::shared_ptr<NetworkManager> network, QObject *parent)
+    : QObject(parent), m_network(std::move(network)), m_budgetTimer(this)
+{
+    m_budgetTimer.setObjectName(QStringLiteral("configurationBudgetTimer"));
+    connect(&m_budgetTimer, &QTimer::timeout, this, [this] { m_budget.add(); });
+    connect(m_network.get(), &NetworkManager::aircraftConfigurationInfoReceived, this,
+            &UserAircraftManager::onAircraftConfigurationInfo);
+    connect(m_network.get(), &NetworkManager::simulatorChanged, this, &UserAircraftManager::onSimulatorChanged);
+    onSimulatorChanged();
+    m_budgetTimer.start(tokenIntervalMs);
+}
+
+UserAircraftManager::~UserAircraftManager()
+{
+    disconnectSimulator();
+}
+
+void UserAircraftManager::onSimulatorChanged()
+{
+    disconnectSimulator();
+    m_simulator = m_network->simulator();
+    // What was known of the earlier simulator says nothing about this one, which may well start in the air.
+    m_simConnected = false;
+    m_sampleSeen = false;
+    if (!m_simulator)
+        return;
+    m_simulatorConnections = {
+        connect(m_simulator.get(), &Simulator::userAircraftConfigDataChanged, this,
+                &UserAircraftManager::onUserAircraftConfigData),
+        connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &UserAircraftManager::onRadioStackState),
+        connect(m_simulator.get(), &Simulator::simConnectionStateChanged, this,
+                &UserAircraftManager::onSimConnectionState),
+    };
+}
+
+void UserAircraftManager::disconnectSimulator()
+{
+    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
+        disconnect(connection);
+    m_simulatorConnections.clear();
+}
+
+void UserAircraftManager::onUserAircraftConfigData(const model::UserAircraftConfigData &data)
+{
+    m_config = data;
+    sendChanges();
+    switchModeCOn();
+}
+
+void UserAircraftManager::sendChanges()
+{
+    const model::AircraftConfiguration now = configurationOf(m_config);
+    if (!m_lastSent) {
+        m_lastSent = now; // the first sample is what later ones are compared with
+        return;
+    }
+    // A change that finds no token stays unsent; the next sample compares again.
+    if (m_budget.isEmpty() || !model::differs(*m_lastSent, now))
+        return;
+    m_network->sendConfigurationToAll(model::incrementOf(*m_lastSent, now));
+    m_lastSent = now;
+    m_budget.take();
+}
+
+void UserAircraftManager::switchModeCOn()
+{
+    const bool inAir = !m_config.onGround;
+    const bool takenOff = inAir && !m_airborne;
+    // Airborne is noted on every sample. Only the toggle needs an earlier one: a first sample in the air is no
+    // take-off.
+    if (m_simConnected && m_sampleSeen && takenOff && !m_radio.squawkingModeC)
+        m_simulator->transponderModeToggle();
+    m_airborne = inAir;
+    m_sampleSeen = true;
+}
+
+void UserAircraftManager::onRadioStackState(const model::RadioStackState &state)
+{
+    m_radio = state;
+}
+
+void UserAircraftManager::onSimConnectionState(bool connected)
+{
+    m_simConnected = connected;
+    if (!connected)
+        m_sampleSeen = false;
+}
+
+void UserAircraftManager::onAircraftConfigurationInfo(const QString &from, const QString &json)
+{
+    if (!model::AircraftConfigurationMessage::parse(json).requestFull.value_or(false))
+        return;
+    model::AircraftConfiguration full = configurationOf(m_config);
+    full.isFullData = true;
+    m_network->sendConfiguration(from, full);
+}
+
+} // namespace tarvo::manager

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "manager/OwnConfiguration.h"
+#include "model/AircraftConfiguration.h"
+#include "model/RadioStackState.h"
+#include "model/UserAircraftConfigData.h"
+
+#include <QList>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace tarvo::simulator {
+class Simulator;
+}
+
+namespace tarvo::manager {
+
+class NetworkManager;
+
+/// Tells other pilots what changes on the own aircraft, at most ten messages in a burst and twelve a minute after that,
+/// answers those who ask for the whole configuration, and switches the transponder to mode C at take-off. Main thread
+/// only.
+class UserAircraftManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit UserAircraftManager(std::shared_ptr<NetworkManager> network, QObject *parent = nullptr);
+    ~UserAircraftManager() override;
+
+private:
+    void onSimulatorChanged();
+    void disconnectSimulator();
+    void onUserAircraftConfigData(const model::UserAircraftConfigData &data);
+    void onRadioStackState(const model::RadioStackState &state);
+    void onSimConnectionState(bool connected);
+    void onAircraftConfigurationInfo(const QString &from, const QString &json);
+    void sendChanges();
+    void switchModeCOn();
+
+    std::shared_ptr<NetworkManager> m_network;
+    std::shared_ptr<simulator::Simulator> m_simulator; ///< may be empty
+    QList<QMetaObject::Connection> m_simulatorConnections;
+    QTimer m_budgetTimer;
+    ConfigurationBudget m_budget;
+    model::UserAircraftConfigData m_config;
+    model::RadioStackState m_radio;
+    std::optional<model::AircraftConfiguration> m_lastSent; ///< lives as long as the manager: only changes are sent
+    bool m_airborne = false;
+    bool m_simConnected = false;
+    bool m_sampleSeen = false;
+};
+
+} // namespace tarvo::manager
