@@ -1,7 +1,6 @@
 #include "manager/NetworkManager.h"
 
 #include "AppConfig.h"
-#include "fsd/pdu/AddATC.h"
 #include "manager/PilotName.h"
 #include "network/ApiService.h"
 
