@@ -1,0 +1,152 @@
+#include "simulator/xplane/DatarefLink.h"
+
+#include "AppConfig.h"
+#include "simulator/xplane/RrefPacket.h"
+#include "simulator/xplane/SimulatorAddress.h"
+
+#include <QMetaObject>
+#include <QPointer>
+
+#include <array>
+
+namespace tarvo::simulator::xplane {
+
+namespace {
+
+constexpr int publishIntervalMs = 50;
+/// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
+constexpr int datagramsPerRound = 1000;
+constexpr qsizetype largestDatagram = 65536;
+
+bool sameIpv4(const QHostAddress &a, const QHostAddress &b)
+{
+    bool aIsIpv4 = false;
+    bool bIsIpv4 = false;
+    return a.toIPv4Address(&aIsIpv4) == b.toIPv4Address(&bIsIpv4) && aIsIpv4 && bIsIpv4;
+}
+
+} // namespace
+
+DatarefLink::DatarefLink(const AppConfig &config, const common::Clock &clock, QObject *parent)
+    : QObject(parent),
+      m_config(config),
+      m_clock(clock),
+      m_socket(this),
+      m_target(datarefHost(config.get(config::xplaneNetworkAddress))),
+      m_publishTimer(this)
+{
+    connect(&m_socket, &QUdpSocket::readyRead, this, &DatarefLink::receivePending);
+    if (!m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0))
+        qWarning() << "X-Plane UDP socket could not be bound:" << m_socket.errorString();
+    m_publishTimer.setObjectName(QStringLiteral("publish"));
+    m_publishTimer.setInterval(publishIntervalMs);
+    connect(&m_publishTimer, &QTimer::timeout, this, &DatarefLink::publish);
+    m_publishTimer.start();
+}
+
+void DatarefLink::clearAircraft()
+{
+    m_sample.user = {};
+    m_sample.config = {};
+    m_sample.radio = {};
+}
+
+void DatarefLink::subscribe(bool remember)
+{
+    qint32 id = 0;
+    for (const Dataref &dataref : datarefs()) {
+        const QString name = QString::fromLatin1(dataref.name);
+        if (!m_subscribed.contains(name)) {
+            send(subscribePacket(dataref.rateHz, id, dataref.name));
+            if (remember)
+                m_subscribed.append(name);
+        }
+        ++id;
+    }
+}
+
+void DatarefLink::write(QByteArrayView dataref, float value)
+{
+    send(writePacket(dataref, value));
+}
+
+void DatarefLink::command(QByteArrayView command)
+{
+    send(commandPacket(command));
+}
+
+void DatarefLink::publish()
+{
+    const bool all = !m_publishedOnce;
+    m_publishedOnce = true;
+    const QPointer<DatarefLink> alive(this);
+    if (all || m_sample.user != m_publishedUser) {
+        m_publishedUser = m_sample.user;
+        emit userAircraftDataChanged(m_publishedUser);
+    }
+    if (alive && (all || m_sample.config != m_publishedConfig)) {
+        m_publishedConfig = m_sample.config;
+        emit userAircraftConfigDataChanged(m_publishedConfig);
+    }
+    if (alive && (all || m_sample.radio != m_publishedRadio)) {
+        m_publishedRadio = m_sample.radio;
+        emit radioStackStateChanged(m_publishedRadio);
+    }
+}
+
+void DatarefLink::receivePending()
+{
+    const QPointer<DatarefLink> alive(this);
+    std::array<char, largestDatagram> buffer;
+    for (int i = 0; alive && m_socket.hasPendingDatagrams(); ++i) {
+        if (i == datagramsPerRound) {
+            QMetaObject::invokeMethod(this, &DatarefLink::receivePending, Qt::QueuedConnection);
+            return;
+        }
+        QHostAddress sender;
+        const qint64 size = m_socket.readDatagram(buffer.data(), buffer.size(), &sender);
+        if (size >= 0)
+            receive(QByteArrayView(buffer.data(), size), sender);
+    }
+}
+
+void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
+{
+    const RrefReply reply(datagram);
+    if (!sameIpv4(sender, m_target) || !reply.isValid())
+        return;
+    m_lastReplySeconds = m_clock.wallMs() / 1000;
+    const QPointer<DatarefLink> alive(this);
+    const qsizetype count = reply.count();
+    for (qsizetype i = 0; alive && i < count; ++i) {
+        const RrefRecord record = reply.record(i);
+        raise(applyDataref(m_sample, record.id, record.value));
+    }
+}
+
+void DatarefLink::raise(DatarefEvent event)
+{
+    switch (event) {
+    case DatarefEvent::None:
+        break;
+    case DatarefEvent::ReplayMode:
+        emit replayModeDetected();
+        break;
+    case DatarefEvent::PausedChanged:
+        emit pausedChanged(m_sample.paused);
+        break;
+    case DatarefEvent::VersionChanged:
+        emit versionChanged(m_sample.version);
+        break;
+    }
+}
+
+void DatarefLink::send(const QByteArray &packet)
+{
+    if (m_target.isNull())
+        return;
+    // A simulator that is not there is no error here: the silence is noticed by the adapter.
+    m_socket.writeDatagram(packet, m_target, static_cast<quint16>(m_config.get(config::xplaneUdpPort)));
+}
+
+} // namespace tarvo::simulator::xplane

@@ -1,0 +1,164 @@
+#include "simulator/xplane/PluginLink.h"
+
+#include <nng/protocol/pair1/pair.h>
+
+#include <QDebug>
+#include <QMetaObject>
+#include <QPointer>
+
+#include <bit>
+
+namespace tarvo::simulator::xplane {
+
+namespace {
+
+constexpr int socketBufferMessages = 8192;
+constexpr qsizetype tooLarge = 65536;
+constexpr size_t inboxCapacity = 256;
+
+QString errorText(int result)
+{
+    return QString::fromUtf8(nng_strerror(result));
+}
+
+} // namespace
+
+PluginLink::~PluginLink()
+{
+    {
+        const std::lock_guard lock(m_inboxMutex);
+        m_running = false;
+    }
+    m_inboxHasRoom.notify_all();
+    if (m_opened)
+        nng_close(m_socket);
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void PluginLink::open(const PluginAddress &address)
+{
+    connect(this, &PluginLink::inboxFilled, this, &PluginLink::drainInbox);
+    openSocket();
+    dial(address);
+    m_running = true;
+    m_thread = std::thread([this, socket = m_socket] { receiveLoop(socket); });
+    m_ready = true;
+    for (const QByteArray &message : std::exchange(m_waiting, {}))
+        sendNow(message);
+}
+
+void PluginLink::openSocket()
+{
+    const int result = nng_pair1_open(&m_socket);
+    m_opened = result == 0;
+    if (!m_opened) {
+        emit socketError(QStringLiteral("Error opening socket: %1").arg(errorText(result)));
+        return;
+    }
+    nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, socketBufferMessages);
+    nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, socketBufferMessages);
+}
+
+void PluginLink::dial(const PluginAddress &address)
+{
+    const int result = nng_dial(m_socket, address.url.toUtf8().constData(), nullptr, NNG_FLAG_NONBLOCK);
+    if (result == 0)
+        return;
+    if (address.local)
+        emit socketError(QStringLiteral("Error dialing socket: %1").arg(errorText(result)));
+    else
+        emit socketError(QStringLiteral("Error dialing socket (%1): %2").arg(address.url, errorText(result)));
+}
+
+void PluginLink::send(const QByteArray &message)
+{
+    if (m_ready) {
+        sendNow(message);
+    } else if (m_waiting.size() < socketBufferMessages) {
+        m_waiting.append(message);
+        m_waiting.last().squeeze();
+    }
+}
+
+void PluginLink::sendNow(const QByteArray &message)
+{
+    // An empty send is all that remains of a message that is too large.
+    const size_t size = message.size() < tooLarge ? static_cast<size_t>(message.size()) : 0;
+    // Without the flag a full buffer would freeze the caller. The result is of no interest: the plugin may be away.
+    nng_send(m_socket, const_cast<char *>(message.constData()), size, NNG_FLAG_NONBLOCK);
+}
+
+void PluginLink::receiveLoop(nng_socket socket)
+{
+    while (m_running) {
+        void *buffer = nullptr;
+        size_t size = 0;
+        const int result = nng_recv(socket, &buffer, &size, NNG_FLAG_ALLOC);
+        if (result != 0) {
+            if (m_running)
+                qWarning() << "X-Plane plugin receive thread ends:" << nng_strerror(result);
+            return;
+        }
+        handleMessage(QByteArrayView(static_cast<const char *>(buffer), static_cast<qsizetype>(size)));
+        nng_free(buffer, size);
+    }
+}
+
+void PluginLink::handleMessage(QByteArrayView message)
+{
+    PluginReport report = unpackReport(message);
+    if (const auto *malformed = std::get_if<report::Malformed>(&report)) {
+        // Each doubling of the count is logged, so that a flood of bad messages is no flood of lines.
+        if (std::has_single_bit(++m_malformedCount))
+            qWarning() << "X-Plane plugin message dropped:" << malformed->why << "total" << m_malformedCount;
+    } else if (!std::holds_alternative<report::Unknown>(report)) {
+        putIntoInbox(std::move(report));
+    }
+}
+
+void PluginLink::putIntoInbox(PluginReport report)
+{
+    bool wasEmpty = false;
+    {
+        std::unique_lock lock(m_inboxMutex);
+        m_inboxHasRoom.wait(lock, [this] { return m_inbox.size() < inboxCapacity || !m_running; });
+        if (!m_running)
+            return;
+        wasEmpty = m_inbox.empty();
+        m_inbox.push_back(std::move(report));
+    }
+    if (wasEmpty)
+        emit inboxFilled({});
+}
+
+std::optional<PluginReport> PluginLink::takeFromInbox()
+{
+    std::optional<PluginReport> report;
+    {
+        const std::lock_guard lock(m_inboxMutex);
+        if (m_inbox.empty())
+            return std::nullopt;
+        report = std::move(m_inbox.front());
+        m_inbox.pop_front();
+    }
+    m_inboxHasRoom.notify_one();
+    return report;
+}
+
+void PluginLink::drainInbox()
+{
+    const QPointer<PluginLink> alive(this);
+    // One inbox at a time: while messages keep pouring in, the event loop gets its turn in between.
+    for (size_t i = 0; i < inboxCapacity; ++i) {
+        const std::optional<PluginReport> report = takeFromInbox();
+        if (!report)
+            return;
+        emit reportReceived(*report);
+        if (!alive)
+            return;
+    }
+    QMetaObject::invokeMethod(this, &PluginLink::drainInbox, Qt::QueuedConnection);
+}
+
+} // namespace tarvo::simulator::xplane
