@@ -1,0 +1,122 @@
+#include "Application.h"
+
+#include "AppConfig.h"
+#include "Logging.h"
+#include "common/Clock.h"
+#include "manager/NetworkManager.h"
+#include "manager/UserAircraftManager.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "simulator/xplane/XPlaneAdapter.h"
+#include "ui/MainWindow.h"
+#include "ui/ThemeManager.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QDir>
+#include <QTimer>
+
+#include <chrono>
+
+namespace tarvo {
+
+using namespace std::chrono_literals;
+
+void Application::setUp()
+{
+    ui::ThemeManager::instance().applyTheme(ui::ThemeManager::Theme::Light);
+    logging::installHandler();
+    const QString name = QStringLiteral("%1.log").arg(logging::fileTimeStamp(common::systemClock().wallMs()));
+    logging::openLogFile(QDir(AppConfig::instance().logsFolder()).filePath(name));
+}
+
+Application::Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
+                         const ServiceEndpoints &endpoints)
+    : m_config(config), m_api(api), m_icao(icao), m_endpoints(endpoints), m_loginWindow(config, api, endpoints)
+{
+    QObject::connect(&m_loginWindow, &ui::LoginWindow::loginSuccess, &m_loginWindow,
+                     [this] { whenUnwound([this] { compose(); }); });
+}
+
+Application::~Application() = default;
+
+int Application::run()
+{
+    m_loginWindow.show();
+    return QApplication::exec();
+}
+
+void Application::compose()
+{
+    cleanUp();
+    m_loginPosition = m_loginWindow.pos();
+    m_loginWindow.hide();
+    m_icao.ensureLoaded();
+    m_networkManager = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints);
+    m_userAircraftManager = std::make_shared<manager::UserAircraftManager>(m_networkManager);
+    m_mainWindow = std::make_unique<ui::MainWindow>(m_networkManager, m_config, m_api, m_icao, m_endpoints);
+    QObject::connect(m_mainWindow.get(), &ui::MainWindow::logoutRequested, &m_loginWindow, [this] { logOut(); });
+    QObject::connect(m_mainWindow.get(), &ui::MainWindow::xplaneSelected, &m_loginWindow, [this] { activateXPlane(); });
+    openMainWindow();
+}
+
+void Application::openMainWindow()
+{
+    m_mainWindow->resize(m_loginWindow.size());
+    m_mainWindow->move(m_loginPosition);
+    m_mainWindow->setMinimumSize(m_loginWindow.minimumSize());
+    m_mainWindow->show();
+}
+
+void Application::activateXPlane()
+{
+    if (!m_networkManager)
+        return;
+    qInfo() << "Activating X-Plane backend";
+    m_networkManager->setSimulator(std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints));
+}
+
+void Application::logOut()
+{
+    m_api.clearSession();
+    for (const StringKey &key :
+         {config::authToken, config::authRefreshToken, config::authUsername, config::authPassword})
+        m_config.reset(key);
+    m_config.set(config::authRememberPassword, false);
+    m_config.set(config::authAutoLogin, false);
+    if (m_mainWindow)
+        m_mainWindow->hide();
+    // The wish came from inside the main window, which the clean-up destroys: not on this call stack.
+    QTimer::singleShot(0ms, &m_loginWindow, [this] {
+        whenUnwound([this] {
+            cleanUp();
+            m_config.reset(config::sessionUsername);
+            m_config.reset(config::sessionPassword);
+            m_loginWindow.move(m_loginPosition);
+            m_loginWindow.show();
+        });
+    });
+}
+
+void Application::cleanUp()
+{
+    if (m_networkManager)
+        m_networkManager->disconnectFromNetwork();
+    m_mainWindow.reset();
+    m_userAircraftManager.reset();
+    m_networkManager.reset();
+}
+
+/// Runs `action` at once, or, while a connect request is on the stack in its look-up's event loop, ends the look-up and
+/// tries again from the event loop until that call has returned.
+void Application::whenUnwound(std::function<void()> action)
+{
+    if (!m_networkManager || !m_networkManager->isResolving()) {
+        action();
+        return;
+    }
+    m_networkManager->disconnectFromNetwork();
+    QTimer::singleShot(0ms, &m_loginWindow, [this, action = std::move(action)] { whenUnwound(action); });
+}
+
+} // namespace tarvo

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "ServiceEndpoints.h"
+#include "ui/LoginWindow.h"
+
+#include <QPoint>
+
+#include <functional>
+#include <memory>
+
+namespace tarvo {
+
+class AppConfig;
+
+namespace network {
+class ApiService;
+class SwiftAircraftIcaoService;
+} // namespace network
+namespace manager {
+class NetworkManager;
+class UserAircraftManager;
+} // namespace manager
+namespace ui {
+class MainWindow;
+}
+
+/// Owns what a login session is made of: builds it when the pilot has signed in, takes it down when he signs out, and
+/// does so any number of times. Needs the QApplication.
+class Application
+{
+public:
+    /// Theme, message handler, configuration and log file: what the windows stand on.
+    static void setUp();
+
+    Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
+                const ServiceEndpoints &endpoints = {});
+    ~Application();
+
+    /// Shows the login window and runs the event loop. Returns its exit code.
+    int run();
+
+    ui::LoginWindow &loginWindow() { return m_loginWindow; }
+    /// Null while signed out.
+    ui::MainWindow *mainWindow() const { return m_mainWindow.get(); }
+    std::shared_ptr<manager::NetworkManager> networkManager() const { return m_networkManager; }
+
+private:
+    void compose();
+    void openMainWindow();
+    void activateXPlane();
+    void logOut();
+    void cleanUp();
+    void whenUnwound(std::function<void()> action);
+
+    AppConfig &m_config;
+    network::ApiService &m_api;
+    network::SwiftAircraftIcaoService &m_icao;
+    ServiceEndpoints m_endpoints;
+    // Destroyed from the last to the first: each dependent goes before what it depends on.
+    ui::LoginWindow m_loginWindow;
+    QPoint m_loginPosition;
+    std::shared_ptr<manager::NetworkManager> m_networkManager;
+    std::shared_ptr<manager::UserAircraftManager> m_userAircraftManager;
+    std::unique_ptr<ui::MainWindow> m_mainWindow;
+};
+
+} // namespace tarvo

@@ -1,0 +1,90 @@
+#include "ui/AccountFeed.h"
+
+#include "network/ApiService.h"
+#include "ui/DurationText.h"
+#include "ui/viewmodel/DashboardViewModel.h"
+
+#include <QPointer>
+
+#include <algorithm>
+
+namespace tarvo::ui {
+
+namespace {
+
+constexpr qsizetype leaderboardRows = 10;
+
+QVariantList historyRows(QList<model::UserHistoryEntry> flights)
+{
+    std::stable_sort(flights.begin(), flights.end(),
+                     [](const auto &a, const auto &b) { return a.startTime > b.startTime; });
+    QVariantList rows;
+    for (const model::UserHistoryEntry &flight : flights) {
+        rows.append(QVariantMap{{QStringLiteral("callsign"), flight.callsign},
+                                {QStringLiteral("time"), flightTimeText(flight.startTime, flight.endTime)},
+                                {QStringLiteral("duration"), durationText(flight.onlineTime)}});
+    }
+    return rows;
+}
+
+QVariantList leaderboard(const QList<model::RatingEntry> &entries)
+{
+    QVariantList rows;
+    for (const model::RatingEntry &entry : entries.first(std::min(leaderboardRows, entries.size()))) {
+        rows.append(QVariantMap{{QStringLiteral("rank"), rows.size() + 1},
+                                {QStringLiteral("name"), entry.username},
+                                {QStringLiteral("cid"), QString::number(entry.cid)},
+                                {QStringLiteral("time"), durationText(entry.time)}});
+    }
+    return rows;
+}
+
+} // namespace
+
+AccountFeed::AccountFeed(network::ApiService &api, viewmodel::DashboardViewModel &dashboard, QObject *parent)
+    : QObject(parent), m_api(api), m_dashboard(dashboard)
+{
+}
+
+void AccountFeed::applyUserInfoDefaults()
+{
+    const QString loading = tr("加载中...");
+    m_dashboard.setUserInfo(tr("未知用户"), QString::number(m_api.currentUser().id), loading);
+    m_dashboard.setTimes(loading, loading);
+    m_dashboard.setSimulatorState(false, tr("未连接"));
+    m_dashboard.setServerState(false, tr("未连接"));
+}
+
+void AccountFeed::loadUserInfo()
+{
+    m_api.getUserProfile(
+        [self = QPointer<AccountFeed>(this)](bool success, const model::UserProfile &profile, const QString &) {
+            if (!self || !success)
+                return;
+            const model::User &user = self->m_api.currentUser();
+            self->m_dashboard.setUserInfo(user.username, QStringLiteral("CID: %1").arg(user.cid),
+                                          QString::number(profile.rating));
+            self->m_dashboard.setTimes(durationText(profile.totalPilotTime), durationText(profile.totalAtcTime));
+            self->m_dashboard.setAvatarUrl(user.avatarUrl);
+        });
+}
+
+void AccountFeed::loadUserHistory()
+{
+    m_api.getUserHistory(
+        [self = QPointer<AccountFeed>(this)](bool success, const model::UserHistory &history, const QString &) {
+            if (self && success)
+                self->m_dashboard.setRecentFlights(historyRows(history.pilots));
+        });
+}
+
+void AccountFeed::loadLeaderboard()
+{
+    m_api.getLeaderboard(
+        [self = QPointer<AccountFeed>(this)](bool success, const model::RatingList &ratings, const QString &) {
+            if (self && success)
+                self->m_dashboard.setLeaderboard(leaderboard(ratings.pilots), leaderboard(ratings.controllers));
+        });
+}
+
+} // namespace tarvo::ui

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+
+namespace tarvo::network {
+class ApiService;
+}
+
+namespace tarvo::ui {
+
+namespace viewmodel {
+class DashboardViewModel;
+}
+
+/// Brings what the account service knows of the user to the overview page. A request that fails is not shown: the page
+/// keeps what it has.
+class AccountFeed : public QObject
+{
+    Q_OBJECT
+
+public:
+    AccountFeed(network::ApiService &api, viewmodel::DashboardViewModel &dashboard, QObject *parent = nullptr);
+
+    /// The texts that stand until the service has answered.
+    void applyUserInfoDefaults();
+    void loadUserInfo();
+    void loadUserHistory();
+    void loadLeaderboard();
+
+private:
+    network::ApiService &m_api;
+    viewmodel::DashboardViewModel &m_dashboard;
+};
+
+} // namespace tarvo::ui

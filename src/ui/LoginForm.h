@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace tarvo::ui {
+
+class CheckBox;
+class LoadingSpinner;
+
+/// The fields and buttons of the login, on the frosted panel.
+class LoginForm : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit LoginForm(QWidget *parent = nullptr);
+
+    QString username() const; ///< trimmed
+    QString password() const;
+    bool remember() const;
+    bool autoLogin() const;
+    void setUsername(const QString &username);
+    void setPassword(const QString &password);
+    void setRemember(bool remember);
+    void setAutoLogin(bool automatic);
+
+    /// While busy the spinner turns in the login button and nothing else can be used.
+    void setBusy(bool busy);
+    bool isBusy() const { return m_busy; }
+
+    /// Puts the cursor where the pilot types next.
+    void focusFirstEmptyField();
+    /// Takes text that an input method still composes into the fields.
+    void commitComposition();
+
+    static constexpr int cornerRadius = 24; ///< pixels, of the panel
+
+signals:
+    void loginRequested();
+    void registerRequested();
+
+private:
+    void build();
+    QLineEdit *makeField(const QString &name, const QString &placeholder);
+    void makeLoginButton();
+    void connectKeys();
+
+    QLineEdit *m_username;
+    QLineEdit *m_password;
+    CheckBox *m_remember;
+    CheckBox *m_autoLogin;
+    QPushButton *m_loginButton;
+    QPushButton *m_registerButton;
+    QLabel *m_loginLabel = nullptr;
+    LoadingSpinner *m_spinner = nullptr;
+    bool m_busy = false;
+};
+
+} // namespace tarvo::ui

@@ -1,0 +1,296 @@
+#include "ui/LoginWindow.h"
+
+#include "AppConfig.h"
+#include "network/ApiService.h"
+#include "ui/ErrorDialog.h"
+#include "ui/LoginForm.h"
+
+#include <QDebug>
+#include <QDesktopServices>
+#include <QGraphicsOpacityEffect>
+#include <QIcon>
+#include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPointer>
+#include <QPropertyAnimation>
+#include <QShowEvent>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <chrono>
+
+namespace tarvo::ui {
+
+namespace {
+using namespace std::chrono_literals;
+
+constexpr QSize minimumWindow{1000, 700}; ///< the main window opens at the login window's size
+constexpr int panelWidth = 392;
+constexpr int sideMargin = 64;
+constexpr auto autoLoginDelay = 500ms;
+constexpr int fadeMs = 420;
+constexpr QColor placeholderColour{0x1A, 0x2B, 0x47};
+
+/// Darkens the photograph towards the panel and the foot, so that text stands out on it.
+void paintShade(QPainter &painter, const QRect &area)
+{
+    QLinearGradient across(area.topLeft(), area.topRight());
+    across.setColorAt(0.0, QColor(8, 14, 28, 60));
+    across.setColorAt(1.0, QColor(8, 14, 28, 130));
+    painter.fillRect(area, across);
+    QLinearGradient down(area.topLeft(), area.bottomLeft());
+    down.setColorAt(0.55, QColor(8, 14, 28, 0));
+    down.setColorAt(1.0, QColor(8, 14, 28, 170));
+    painter.fillRect(area, down);
+}
+} // namespace
+
+LoginWindow::LoginWindow(AppConfig &config, network::ApiService &api, const ServiceEndpoints &endpoints,
+                         QWidget *parent)
+    : QWidget(parent),
+      m_config(config),
+      m_api(api),
+      m_registerUrl(endpoints.registerUrl),
+      m_backdrop(QStringLiteral(":/resources/signpic.jpg")),
+      m_form(new LoginForm(this))
+{
+    setWindowTitle(tr("TARVO Client - 登录"));
+    setWindowIcon(QIcon(QStringLiteral(":/resources/logo.png")));
+    setMinimumSize(minimumWindow);
+    resize(minimumWindow);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    buildBrand();
+    connect(m_form, &LoginForm::loginRequested, this, &LoginWindow::onLoginClicked);
+    connect(m_form, &LoginForm::registerRequested, this, &LoginWindow::onRegisterClicked);
+}
+
+void LoginWindow::buildBrand()
+{
+    m_brand = new QWidget(this);
+    auto *column = new QVBoxLayout(m_brand);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    auto *name = new QLabel(QStringLiteral("TARVO"), m_brand);
+    name->setProperty("type", QStringLiteral("brand"));
+    auto *line = new QLabel(tr("模拟飞行联飞客户端"), m_brand);
+    line->setProperty("type", QStringLiteral("brandline"));
+    column->addWidget(name);
+    column->addWidget(line);
+}
+
+void LoginWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return; // back from the task bar: what the pilot has typed stays
+    restoreForm();
+    layOut();
+    fadeIn();
+    scheduleAutoLogin();
+}
+
+void LoginWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (isVisible())
+        layOut();
+}
+
+void LoginWindow::layOut()
+{
+    m_backdrop.fit(size(), devicePixelRatioF());
+    const int panelHeight = m_form->sizeHint().height();
+    const int margin = std::max(sideMargin, width() / 12);
+    m_form->setGeometry(width() - margin - panelWidth, (height() - panelHeight) / 2, panelWidth, panelHeight);
+    const QSize brand = m_brand->sizeHint();
+    m_brand->setGeometry(QRect(QPoint(margin, height() - sideMargin - brand.height()), brand));
+    update();
+}
+
+void LoginWindow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    if (m_backdrop.photograph().devicePixelRatio() != devicePixelRatioF())
+        m_backdrop.fit(size(), devicePixelRatioF()); // moved to a screen of another scale
+    if (m_backdrop.photograph().isNull()) {
+        painter.fillRect(rect(), placeholderColour);
+        return;
+    }
+    painter.drawPixmap(0, 0, m_backdrop.photograph());
+    paintShade(painter, rect());
+
+    QPainterPath glass;
+    glass.addRoundedRect(m_form->geometry(), LoginForm::cornerRadius, LoginForm::cornerRadius);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setClipPath(glass);
+    painter.setOpacity(m_panelOpacity);
+    painter.drawPixmap(rect(), m_backdrop.blurred());
+}
+
+void LoginWindow::fadeIn()
+{
+    auto *effect = new QGraphicsOpacityEffect(m_form);
+    effect->setOpacity(0);
+    m_form->setGraphicsEffect(effect);
+    auto *fade = new QPropertyAnimation(effect, "opacity", effect);
+    fade->setDuration(fadeMs);
+    fade->setStartValue(0.0);
+    fade->setEndValue(1.0);
+    fade->setEasingCurve(QEasingCurve::OutCubic);
+    m_panelOpacity = 0;
+    connect(fade, &QPropertyAnimation::valueChanged, this, [this](const QVariant &opacity) {
+        m_panelOpacity = opacity.toReal();
+        update(m_form->geometry());
+    });
+    // An effect renders its widget twice: it goes when it has done its work.
+    connect(
+        fade, &QPropertyAnimation::finished, m_form, [this] { m_form->setGraphicsEffect(nullptr); },
+        Qt::QueuedConnection);
+    fade->start();
+}
+
+void LoginWindow::restoreForm()
+{
+    const bool remember = m_config.get(config::authRememberPassword);
+    m_form->setRemember(remember);
+    m_form->setAutoLogin(m_config.get(config::authAutoLogin));
+    if (remember) {
+        if (const QString username = m_config.get(config::authUsername); !username.isEmpty())
+            m_form->setUsername(username);
+        if (const QString password = m_config.get(config::authPassword); !password.isEmpty())
+            m_form->setPassword(password);
+    }
+    m_form->focusFirstEmptyField();
+}
+
+void LoginWindow::storeForm()
+{
+    const bool remember = m_form->remember();
+    m_config.set(config::authRememberPassword, remember);
+    m_config.set(config::authAutoLogin, m_form->autoLogin());
+    m_config.set(config::authUsername, remember ? m_form->username() : QString());
+    m_config.set(config::authPassword, remember ? m_form->password() : QString());
+}
+
+void LoginWindow::scheduleAutoLogin()
+{
+    if (!m_form->autoLogin() || m_autoLoginTried)
+        return;
+    m_autoLoginTried = true;
+    QTimer::singleShot(autoLoginDelay, this, [self = QPointer<LoginWindow>(this)] {
+        // The pilot may have been quicker.
+        if (self && self->isVisible() && !self->m_form->isBusy())
+            self->tryAutoLogin();
+    });
+}
+
+void LoginWindow::tryAutoLogin()
+{
+    const QString token = m_config.get(config::authRefreshToken);
+    if (token.isEmpty()) {
+        tryPasswordLogin();
+        return;
+    }
+    qInfo() << "Trying auto login with refresh token...";
+    m_form->setBusy(true);
+    m_api.refresh(
+        token,
+        [self = QPointer<LoginWindow>(this)](bool success, const QString &reason) {
+            if (!self)
+                return;
+            if (!success) {
+                self->refreshFailed(reason);
+                return;
+            }
+            qInfo() << "Auto login with refresh token success";
+            self->finish();
+        },
+        true);
+}
+
+void LoginWindow::refreshFailed(const QString &reason)
+{
+    qWarning() << "Auto login with refresh token failed: " << reason;
+    m_api.clearSession();
+    m_config.reset(config::authToken);
+    m_config.reset(config::authRefreshToken);
+    tryPasswordLogin();
+}
+
+void LoginWindow::tryPasswordLogin()
+{
+    if (m_form->username().isEmpty() || m_form->password().isEmpty()) {
+        m_form->setBusy(false); // the pilot logs in by hand
+        return;
+    }
+    qInfo() << "Trying auto login with username and password...";
+    startPasswordLogin(true);
+}
+
+void LoginWindow::onLoginClicked()
+{
+    if (m_form->isBusy())
+        return;
+    m_form->commitComposition();
+    if (m_form->username().isEmpty() || m_form->password().isEmpty()) {
+        ErrorDialog::open(tr("登录失败"), tr("请输入用户名和密码"), this);
+        return;
+    }
+    startPasswordLogin(false);
+}
+
+void LoginWindow::startPasswordLogin(bool automatic)
+{
+    m_form->setBusy(true);
+    m_api.login(m_form->username(), m_form->password(),
+                [self = QPointer<LoginWindow>(this), automatic](bool success, const QString &reason) {
+                    if (!self)
+                        return;
+                    if (!success) {
+                        if (automatic)
+                            qWarning() << "Auto login with password failed: " << reason;
+                        self->passwordLoginFailed(reason);
+                        return;
+                    }
+                    if (automatic)
+                        qInfo() << "Auto login with password success";
+                    self->storeForm();
+                    self->finish();
+                });
+}
+
+void LoginWindow::passwordLoginFailed(const QString &reason)
+{
+    m_form->setBusy(false);
+    ErrorDialog::open(tr("登录失败"), reason.isEmpty() ? tr("登录失败，请检查用户名和密码") : reason, this);
+}
+
+void LoginWindow::rememberForSession(const QString &username, const QString &password)
+{
+    const model::User &user = m_api.currentUser();
+    const QString known = user.cid > 0 ? QString::number(user.cid) : user.username;
+    m_config.set(config::sessionUsername, username.isEmpty() ? known : username);
+    m_config.set(config::sessionPassword, password);
+}
+
+void LoginWindow::finish()
+{
+    m_form->setBusy(false);
+    rememberForSession(m_form->username(), m_form->password());
+    // From here on only the configuration knows them; the next show fills the form from there.
+    m_form->setUsername(QString());
+    m_form->setPassword(QString());
+    const QPointer<LoginWindow> self(this);
+    emit loginSuccess(); // shows the main window, so that closing this one doesn't end the program
+    if (self)
+        self->close();
+}
+
+void LoginWindow::onRegisterClicked()
+{
+    QDesktopServices::openUrl(QUrl(m_registerUrl));
+}
+
+} // namespace tarvo::ui

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ServiceEndpoints.h"
+#include "ui/PhotoBackdrop.h"
+
+#include <QWidget>
+
+class QLabel;
+
+namespace tarvo {
+class AppConfig;
+}
+namespace tarvo::network {
+class ApiService;
+}
+
+namespace tarvo::ui {
+
+class LoginForm;
+
+/// Signs the pilot in, by hand or by itself: a photograph, and the form on a frosted panel in front of it.
+class LoginWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    LoginWindow(AppConfig &config, network::ApiService &api, const ServiceEndpoints &endpoints = {},
+                QWidget *parent = nullptr);
+
+signals:
+    /// The account service holds a valid session.
+    void loginSuccess();
+
+public slots:
+    void onLoginClicked();
+    void onRegisterClicked();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void buildBrand();
+    void restoreForm();
+    void storeForm();
+    void layOut();
+    void fadeIn();
+    void scheduleAutoLogin();
+    void tryAutoLogin();
+    void tryPasswordLogin();
+    void refreshFailed(const QString &reason);
+    void startPasswordLogin(bool automatic);
+    void passwordLoginFailed(const QString &reason);
+    void rememberForSession(const QString &username, const QString &password);
+    void finish();
+
+    AppConfig &m_config;
+    network::ApiService &m_api;
+    QString m_registerUrl;
+    PhotoBackdrop m_backdrop;
+    QWidget *m_brand = nullptr;
+    LoginForm *m_form;
+    qreal m_panelOpacity = 1;
+    bool m_autoLoginTried = false;
+};
+
+} // namespace tarvo::ui

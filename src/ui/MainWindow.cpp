@@ -1,0 +1,218 @@
+#include "ui/MainWindow.h"
+
+#include "AppConfig.h"
+#include "common/Units.h"
+#include "manager/NetworkManager.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "ui/WindowBackdrop.h"
+
+#include <QDebug>
+#include <QIcon>
+#include <QMetaMethod>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QShowEvent>
+
+namespace tarvo::ui {
+
+namespace {
+constexpr float connectionSoundVolume = 0.55F;
+
+QUrl soundUrl(const char *name)
+{
+    return QUrl(QStringLiteral("qrc:/resources/sounds/") + QLatin1String(name));
+}
+} // namespace
+
+MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network, AppConfig &config, network::ApiService &api,
+                       network::SwiftAircraftIcaoService &icao, const ServiceEndpoints &endpoints, QWidget *parent)
+    : QMainWindow(parent),
+      m_config(config),
+      m_endpoints(endpoints),
+      m_network(std::move(network)),
+      m_server(icao),
+      m_account(api, m_dashboard)
+{
+    setWindowTitle(tr("TARVO Client - 控制面板"));
+    setWindowIcon(QIcon(QStringLiteral(":/resources/logo.png")));
+    setMinimumSize(1000, 700);
+    applyWindowBackdrop(*this);
+    updateProfile();
+    createView();
+    connectRequests();
+    if (m_network)
+        connectSession();
+}
+
+MainWindow::~MainWindow()
+{
+    // The pages bind to the view models: they must go first.
+    const std::unique_ptr<QWidget> pages(takeCentralWidget());
+}
+
+void MainWindow::createView()
+{
+    m_view = new QQuickView;
+    m_view->setResizeMode(QQuickView::SizeRootObjectToView);
+    m_view->setColor(Qt::transparent);
+    m_view->rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), &m_dashboard);
+    m_view->rootContext()->setContextProperty(QStringLiteral("serverBackend"), &m_server);
+    m_view->setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
+
+    QWidget *container = QWidget::createWindowContainer(m_view, this); // takes the view
+    container->setContentsMargins(0, 0, 0, 0);
+    container->setFocusPolicy(Qt::StrongFocus);
+    setCentralWidget(container);
+
+    const QQuickItem *root = m_view->rootObject();
+    const int logout = root ? root->metaObject()->indexOfSignal("logoutRequested()") : -1;
+    if (logout < 0) {
+        qCritical() << "The pages could not be loaded:" << m_view->errors();
+        return;
+    }
+    connect(root, root->metaObject()->method(logout), this,
+            metaObject()->method(metaObject()->indexOfSlot("onLogoutClicked()")));
+}
+
+void MainWindow::connectRequests()
+{
+    using viewmodel::DashboardViewModel;
+    using viewmodel::ServerPageViewModel;
+    connect(&m_dashboard, &DashboardViewModel::modeChangedRequest, this, &MainWindow::onModeSelected);
+    connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
+    connect(&m_dashboard, &DashboardViewModel::serverDisconnectRequest, this, &MainWindow::onDisconnectRequested);
+    connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
+    connect(&m_server, &ServerPageViewModel::disconnectRequested, this, &MainWindow::onDisconnectRequested);
+    connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
+}
+
+void MainWindow::connectSession()
+{
+    using manager::NetworkManager;
+    NetworkManager *network = m_network.get();
+    connect(&m_dashboard, &viewmodel::DashboardViewModel::simulatorReconnectRequest, network,
+            &NetworkManager::reconnectSimulator);
+    connect(network, &NetworkManager::networkConnected, this, &MainWindow::onNetworkConnected);
+    connect(network, &NetworkManager::networkDisconnected, this, &MainWindow::onNetworkDisconnected);
+    connect(network, &NetworkManager::simulatorConnectionStateChanged, this, &MainWindow::onSimulatorStateChanged);
+    connect(network, &NetworkManager::simulatorConnectionFailed, this, &MainWindow::onSimulatorFailed);
+    connect(network, &NetworkManager::simulatorDataUpdated, this, &MainWindow::onSimulatorData);
+    connect(network, &NetworkManager::notificationPosted, this,
+            [this](const QString &message) { m_server.addRecentEvent(tr("通知"), message, tr("系统")); });
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (event->spontaneous())
+        return; // back from the task bar: the pages stay as they are
+    m_account.applyUserInfoDefaults();
+    m_account.loadUserInfo();
+    m_account.loadUserHistory();
+    m_account.loadLeaderboard();
+}
+
+void MainWindow::updateProfile()
+{
+    m_server.setVatsimProtocol(m_config.get(config::authVatsim));
+    m_server.setProfile(m_config.get(config::profileRealname), m_config.get(config::profileHomeAirport));
+}
+
+void MainWindow::onLogoutClicked()
+{
+    emit logoutRequested();
+}
+
+void MainWindow::onModeSelected(const QString &mode)
+{
+    if (!m_network)
+        return;
+    const bool xplane = mode == QLatin1String("XPLANE");
+    m_mode = xplane ? mode : QStringLiteral("NONE");
+    m_dashboard.setCurrentMode(m_mode);
+    m_server.setCurrentMode(m_mode);
+    if (!xplane)
+        return;
+    emit xplaneSelected();
+    // The server page's status is left alone: there the same words would block the connect button.
+    m_dashboard.setSimulatorState(false, tr("连接中..."));
+}
+
+void MainWindow::onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal,
+                                    bool observer)
+{
+    if (!m_network || !m_network->connectToNetwork(callsign, typeCode, selcal, observer))
+        return; // a refusal has told its reason
+    setServerState(false, tr("连接中..."));
+    log(tr("正在连接 FSD %1:%2，呼号=%3，机型=%4，观察员模式=%5")
+            .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), callsign, typeCode,
+                 observer ? tr("是") : tr("否")));
+}
+
+void MainWindow::onDisconnectRequested()
+{
+    if (!m_network)
+        return;
+    // Told first: the session ends inside the call, and its end sets the last text.
+    const QString leaving = tr("断开中...");
+    setServerState(m_server.serverConnected(), leaving);
+    log(tr("正在断开 FSD 连接..."));
+    m_network->disconnectFromNetwork();
+    if (m_server.serverStatusText() == leaving)
+        setServerState(false, tr("未连接")); // there was nothing to end
+}
+
+void MainWindow::onNetworkConnected(const QString &callsign)
+{
+    setServerState(true, tr("已连接"));
+    m_server.setConnectedAsObserver(m_network->connectInfo().observer);
+    m_server.setEndpoint(QStringLiteral("%1:%2").arg(m_endpoints.fsdHost).arg(m_endpoints.fsdPort));
+    log(tr("FSD 已连接：%1").arg(callsign));
+    m_server.addRecentEvent(tr("网络已连接"), tr("网络已连接，当前呼号：%1").arg(callsign), tr("网络"));
+    m_sounds.play(soundUrl("connect.mp3"), connectionSoundVolume);
+}
+
+void MainWindow::onNetworkDisconnected(bool forced)
+{
+    const QString callsign = m_network->connectInfo().callsign;
+    setServerState(false, forced ? tr("已断开（强制）") : tr("已断开"));
+    m_server.setConnectedAsObserver(false);
+    m_server.setEndpoint(QString());
+    log(tr("FSD 已断开：%1").arg(callsign));
+    m_server.addRecentEvent(tr("网络已断开"), tr("网络连接已断开：%1").arg(callsign), forced ? tr("强制") : tr("网络"));
+    m_sounds.play(soundUrl("disconnect.mp3"), connectionSoundVolume);
+}
+
+void MainWindow::onSimulatorStateChanged(bool connected)
+{
+    m_dashboard.setSimulatorState(connected, connected ? tr("已连接") : tr("未连接"));
+}
+
+void MainWindow::onSimulatorFailed(const QString &message)
+{
+    m_dashboard.setSimulatorState(false, tr("连接失败"));
+    m_server.addRecentEvent(tr("模拟器连接失败"), message, tr("模拟器"));
+}
+
+void MainWindow::onSimulatorData(const manager::SimulatorData &sample)
+{
+    const model::UserAircraftData &aircraft = sample.aircraft;
+    m_dashboard.setFlightData(aircraft.latitude, aircraft.longitude, aircraft.altitudeMslM * common::feetPerMetre,
+                              aircraft.heading, aircraft.groundSpeed);
+}
+
+void MainWindow::setServerState(bool connected, const QString &text)
+{
+    m_dashboard.setServerState(connected, text);
+    m_server.setServerState(connected, text);
+}
+
+void MainWindow::log(const QString &text)
+{
+    m_dashboard.appendServerLog(text);
+    m_server.appendLog(text);
+}
+
+} // namespace tarvo::ui

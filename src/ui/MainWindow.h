@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ServiceEndpoints.h"
+#include "common/MessageType.h"
+#include "ui/AccountFeed.h"
+#include "ui/SoundPlayer.h"
+#include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/ServerPageViewModel.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QQuickView;
+
+namespace tarvo {
+class AppConfig;
+}
+namespace tarvo::network {
+class ApiService;
+class SwiftAircraftIcaoService;
+} // namespace tarvo::network
+namespace tarvo::manager {
+class NetworkManager;
+struct SimulatorData;
+} // namespace tarvo::manager
+
+namespace tarvo::ui {
+
+/// Hosts the QML pages, owns their view models, feeds these from the session and turns their requests into calls.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow(std::shared_ptr<manager::NetworkManager> network, AppConfig &config, network::ApiService &api,
+               network::SwiftAircraftIcaoService &icao, const ServiceEndpoints &endpoints = {},
+               QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// "XPLANE", or "NONE" while no simulator is picked.
+    QString currentMode() const { return m_mode; }
+
+    viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
+    viewmodel::ServerPageViewModel &server() { return m_server; }
+    SoundPlayer &sounds() { return m_sounds; }
+    QQuickView *view() const { return m_view; }
+
+signals:
+    void logoutRequested();
+    void xplaneSelected();
+
+public slots:
+    void onLogoutClicked();
+    /// "XPLANE" picks X-Plane; any other text clears the mode.
+    void onModeSelected(const QString &mode);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void createView();
+    void connectRequests();
+    void connectSession();
+    void updateProfile();
+    void onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
+    void onDisconnectRequested();
+    void onNetworkConnected(const QString &callsign);
+    void onNetworkDisconnected(bool forced);
+    void onSimulatorStateChanged(bool connected);
+    void onSimulatorFailed(const QString &message);
+    void onSimulatorData(const manager::SimulatorData &sample);
+    void setServerState(bool connected, const QString &text);
+    void log(const QString &text);
+
+    AppConfig &m_config;
+    ServiceEndpoints m_endpoints;
+    QString m_mode = QStringLiteral("NONE");
+    std::shared_ptr<manager::NetworkManager> m_network;
+    viewmodel::DashboardViewModel m_dashboard;
+    viewmodel::ServerPageViewModel m_server;
+    AccountFeed m_account;
+    SoundPlayer m_sounds;
+    QQuickView *m_view = nullptr; ///< owned by the central widget
+};
+
+} // namespace tarvo::ui

@@ -1,0 +1,7 @@
+#include "ui/WindowBackdrop.h"
+
+namespace tarvo::ui {
+
+void applyWindowBackdrop(QWidget &) {}
+
+} // namespace tarvo::ui
