@@ -1,10 +1,12 @@
 #include "AppConfig.h"
 
 #include "ConfigCipher.h"
+#include "IniGuard.h"
 #include "MsfsFolders.h"
 #include "ServiceEndpoints.h"
 
 #include <QCoreApplication>
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -52,6 +54,20 @@ void keepToTheUser(const QString &path)
         QFile::setPermissions(path, permissions & ~others);
 }
 
+/// A file that can't be ours is kept under another name, and the program starts with its defaults.
+void setAsideIfHarmful(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !holdsSerializedObject(file.readAll()))
+        return;
+    file.close();
+    const QString aside = path + QStringLiteral(".damaged");
+    QFile::remove(aside);
+    qWarning("AppConfig: config.ini holds a serialized object and was set aside");
+    if (!file.rename(aside))
+        file.remove();
+}
+
 } // namespace
 
 AppConfig &AppConfig::instance()
@@ -63,6 +79,7 @@ AppConfig &AppConfig::instance()
 AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
     : QObject(parent), m_dataRoot(dataRoot), m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini")))
 {
+    setAsideIfHarmful(m_configPath);
     m_settings = std::make_unique<QSettings>(m_configPath, QSettings::IniFormat);
     writeMissingDefaults();
     keepToTheUser(m_configPath);

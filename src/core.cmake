@@ -3,6 +3,7 @@ tarvo_module(core
         AppConfig.cpp AppConfig.h
         ConfigCipher.cpp ConfigCipher.h
         ConfigKey.h
+        IniGuard.cpp IniGuard.h
         Logging.cpp Logging.h
         MsfsFolders.cpp MsfsFolders.h
         QAESEncryption.cpp QAESEncryption.h

@@ -1,0 +1,435 @@
+#include "AppConfig.h"
+#include "ServiceEndpoints.h"
+#include "support/TestRegistry.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using tarvo::AppConfig;
+namespace config = tarvo::config;
+
+class AppConfigTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString at(const QString &relative) const { return m_dir->filePath(relative); }
+    QString configPath() const { return at(QStringLiteral("config.ini")); }
+
+    /// The bytes of the file; "%1" in `text` becomes the test's folder.
+    void writeFile(QByteArray text) const
+    {
+        QFile file(configPath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text.replace("%1", m_dir->path().toUtf8()));
+    }
+
+    QByteArray readFile() const
+    {
+        QFile file(configPath());
+        return file.open(QIODevice::ReadOnly | QIODevice::Text) ? file.readAll() : QByteArray();
+    }
+
+    /// The stored text of `key` ("Name") as the file shows it.
+    QByteArray storedLine(const QByteArray &name) const
+    {
+        for (const QByteArray &line : readFile().split('\n')) {
+            if (line.startsWith(name + '='))
+                return line.sliced(name.size() + 1);
+        }
+        return "no such line";
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+
+private slots:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_dir->isValid());
+        qunsetenv("LOCALAPPDATA");
+        qunsetenv("APPDATA");
+    }
+
+    void theProgramsOwnSettingsStandBesideIt()
+    {
+        QCOMPARE(AppConfig::instance().dataRoot(), QCoreApplication::applicationDirPath());
+        QCOMPARE(&AppConfig::instance(), &AppConfig::instance());
+    }
+
+    void foldersFollowTheDataRoot()
+    {
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.dataRoot(), m_dir->path());
+        QCOMPARE(settings.logsFolder(), at(QStringLiteral("logs")));
+    }
+
+    void aFreshFileHoldsEveryDefaultButTheVolatileOne()
+    {
+        const AppConfig settings(m_dir->path());
+        // QSettings sorts what it writes for the first time.
+        QCOMPARE(readFile(), QByteArray("[Auth]\nAutoLogin=false\nPassword=\nRefreshToken=\nRememberPassword=false\n"
+                                        "Username=\nVatsim=true\n\n"
+                                        "[MSFS]\nCommunityPath2020=\nCommunityPath2024=\n"
+                                        "CustomMappingPaths2020=@Invalid()\nCustomMappingPaths2024=@Invalid()\n"
+                                        "LibraryReloadToken=0\nPackagesPath2020=\nPackagesPath2024=\n\n"
+                                        "[Profile]\nHomeAirport=ZBAA\nRealname=\n\n"
+                                        "[Voice]\nConflictPlayDevice=0\nConflictVolume=1\nDriver=13\n"
+                                        "InputDevice=Default\nMicGain=0\nOutputHeadphoneDevice=Default\n"
+                                        "OutputSpeakerDevice=Default\nPttKey=kb:163\nPttPlayDevice=0\n"
+                                        "PttPressFreq=1500\nPttReleaseFreq=1000\nPttVolume=1\n\n"
+                                        "[XPlane]\nCSL=@Invalid()\nNetworkAddress=127.0.0.1\nUDPPort=49000\n"));
+    }
+
+    void defaultsAreRead()
+    {
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::authToken), QString());
+        QCOMPARE(settings.get(config::authPassword), QString());
+        QCOMPARE(settings.get(config::authVatsim), true);
+        QCOMPARE(settings.get(config::authAutoLogin), false);
+        QCOMPARE(settings.get(config::profileHomeAirport), QStringLiteral("ZBAA"));
+        QCOMPARE(settings.get(config::xplaneUdpPort), 49000);
+        QCOMPARE(settings.get(config::xplaneCsl), QStringList());
+        QCOMPARE(settings.get(config::voicePttPressFreq), 1500.0);
+        QCOMPARE(settings.get(config::voicePttKey), QStringLiteral("kb:163"));
+    }
+
+    void whatIsInTheFileStays()
+    {
+        writeFile("[Auth]\nVatsim=false\n[Foreign]\nkey=kept\n[XPlane]\nUDPPort=garbage\n");
+        {
+            const AppConfig settings(m_dir->path());
+            QCOMPARE(settings.get(config::authVatsim), false);
+        }
+        QCOMPARE(storedLine("Vatsim"), QByteArray("false"));
+        QCOMPARE(storedLine("key"), QByteArray("kept"));
+        QCOMPARE(storedLine("UDPPort"), QByteArray("garbage"));
+        QCOMPARE(storedLine("HomeAirport"), QByteArray("ZBAA"));
+    }
+
+    void aSecondStartWritesNothing()
+    {
+        {
+            const AppConfig settings(m_dir->path());
+        }
+        QFile file(configPath());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QDateTime past = QDateTime::currentDateTime().addDays(-1);
+        QVERIFY(file.setFileTime(past, QFileDevice::FileModificationTime));
+        file.close();
+        const QDateTime before = QFileInfo(configPath()).lastModified();
+        {
+            const AppConfig settings(m_dir->path());
+        }
+        QCOMPARE(QFileInfo(configPath()).lastModified(), before);
+    }
+
+    void everyFormIsOnDiskBeforeItIsAnnounced()
+    {
+        AppConfig settings(m_dir->path());
+        QList<QByteArray> seen;
+        connect(&settings, &AppConfig::configChanged, this,
+                [&](const QString &key) { seen += key.toUtf8() + '=' + storedLine(key.section(u'/', 1).toUtf8()); });
+        settings.set(config::profileRealname, QStringLiteral("Wei"));
+        settings.set(config::authAutoLogin, true);
+        settings.set(config::xplaneUdpPort, -7);
+        settings.set(config::voiceMicGain, -3.25);
+        settings.set(config::xplaneCsl, QStringList{m_dir->path()});
+        QCOMPARE(seen, (QList<QByteArray>{"Profile/Realname=Wei", "Auth/AutoLogin=true", "XPlane/UDPPort=-7",
+                                          "Voice/MicGain=-3.25", "XPlane/CSL=" + m_dir->path().toUtf8()}));
+        const AppConfig restarted(m_dir->path());
+        QCOMPARE(restarted.get(config::profileRealname), QStringLiteral("Wei"));
+        QCOMPARE(restarted.get(config::authAutoLogin), true);
+        QCOMPARE(restarted.get(config::xplaneUdpPort), -7);
+        QCOMPARE(restarted.get(config::voiceMicGain), -3.25);
+        QCOMPARE(restarted.get(config::xplaneCsl), QStringList{QFileInfo(m_dir->path()).canonicalFilePath()});
+    }
+
+    void anUnchangedValueIsAnnouncedToo()
+    {
+        AppConfig settings(m_dir->path());
+        const QSignalSpy changes(&settings, &AppConfig::configChanged);
+        settings.set(config::xplaneUdpPort, 49000);
+        QCOMPARE(changes.size(), 1);
+    }
+
+    void texts_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("comma") << QStringLiteral("Li, Wei");
+        QTest::newRow("semicolon, hash, percent, equals") << QStringLiteral(";#%20=[x]");
+        QTest::newRow("at sign") << QStringLiteral("@Invalid()");
+        QTest::newRow("looks like an object") << QStringLiteral("@Variant(x)");
+        QTest::newRow("quotes and backslash") << QStringLiteral("\"C:\\new\\x41\"");
+        QTest::newRow("line ends and NUL") << QStringLiteral("a\r\nb") + QChar(u'\0') + u'c';
+        QTest::newRow("blanks at the ends") << QStringLiteral("  a  ");
+        QTest::newRow("Chinese and beyond") << QStringLiteral("张伟 \U0001F6EB");
+        QTest::newRow("huge") << QString(1'000'000, u'字');
+    }
+
+    void texts()
+    {
+        QFETCH(const QString, text);
+        {
+            AppConfig settings(m_dir->path());
+            settings.set(config::profileRealname, text);
+            QCOMPARE(settings.get(config::profileRealname), text);
+        }
+        const AppConfig restarted(m_dir->path());
+        QCOMPARE(restarted.get(config::profileRealname), text);
+    }
+
+    void volatileValuesStayInMemory()
+    {
+        {
+            AppConfig settings(m_dir->path());
+            QSignalSpy changes(&settings, &AppConfig::configChanged);
+            settings.set(config::authToken, QStringLiteral("t0ken"));
+            QCOMPARE(settings.get(config::authToken), QStringLiteral("t0ken"));
+            QCOMPARE(changes.takeFirst(), QVariantList{QStringLiteral("Auth/Token")});
+            QVERIFY(!readFile().contains("t0ken"));
+            settings.reset(config::authToken);
+            QCOMPARE(settings.get(config::authToken), QString());
+            QCOMPARE(changes.takeFirst(), QVariantList{QStringLiteral("Auth/Token")});
+            settings.set(config::authToken, QStringLiteral("again"));
+        }
+        QVERIFY(!readFile().contains("Token=again"));
+        QCOMPARE(AppConfig(m_dir->path()).get(config::authToken), QString());
+    }
+
+    void aVolatileKeyInTheFileIsNotRead()
+    {
+        writeFile("[Auth]\nToken=fromfile\n");
+        QCOMPARE(AppConfig(m_dir->path()).get(config::authToken), QString());
+    }
+
+    void secretsAreStoredAsCipherText()
+    {
+        const QString password = QStringLiteral("s3cret-密码");
+        QByteArray first;
+        {
+            AppConfig settings(m_dir->path());
+            settings.set(config::authPassword, password);
+            first = storedLine("Password");
+            settings.set(config::authPassword, password);
+            QVERIFY(storedLine("Password") != first); // new salt and vector
+            QCOMPARE(settings.get(config::authPassword), password);
+        }
+        QVERIFY(!readFile().contains("s3cret"));
+        QCOMPARE(AppConfig(m_dir->path()).get(config::authPassword), password);
+        writeFile("[Auth]\nPassword=\"" + first.replace("\"", "") + "\"\n"); // as copied from another machine
+        QCOMPARE(AppConfig(m_dir->path()).get(config::authPassword), password);
+    }
+
+    void resetEmptiesASecretInTheFile()
+    {
+        AppConfig settings(m_dir->path());
+        settings.set(config::authRefreshToken, QStringLiteral("refresh"));
+        QCOMPARE(settings.get(config::authRefreshToken), QStringLiteral("refresh"));
+        const QSignalSpy changes(&settings, &AppConfig::configChanged);
+        settings.reset(config::authRefreshToken);
+        QCOMPARE(settings.get(config::authRefreshToken), QString());
+        QCOMPARE(storedLine("RefreshToken"), QByteArray());
+        QCOMPARE(changes.size(), 1);
+    }
+
+    void resetGivesTheDefault()
+    {
+        AppConfig settings(m_dir->path());
+        settings.set(config::profileHomeAirport, QStringLiteral("ZSPD"));
+        settings.reset(config::profileHomeAirport);
+        QCOMPARE(settings.get(config::profileHomeAirport), QStringLiteral("ZBAA"));
+    }
+
+    void malformedValuesBecomeZero_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<bool>("asBool");
+        QTest::addColumn<int>("asInt");
+        QTest::addColumn<double>("asReal");
+        QTest::newRow("text") << QByteArray("abc") << false << 0 << 0.0;
+        QTest::newRow("empty") << QByteArray() << false << 0 << 0.0;
+        QTest::newRow("true in another case") << QByteArray("TRUE") << true << 0 << 0.0;
+        QTest::newRow("number") << QByteArray("17") << true << 17 << 17.0;
+        QTest::newRow("zero") << QByteArray("0") << false << 0 << 0.0;
+        QTest::newRow("fraction") << QByteArray("2.5") << false << 0 << 2.5;
+        QTest::newRow("exponent") << QByteArray("1e3") << false << 0 << 1000.0;
+        QTest::newRow("beyond 32 bits") << QByteArray("4294967297") << false << 0 << 4294967297.0;
+        QTest::newRow("not a number") << QByteArray("nan") << false << 0 << 0.0;
+        QTest::newRow("infinite") << QByteArray("-inf") << false << 0 << 0.0;
+        QTest::newRow("beyond a double") << QByteArray("1e999") << false << 0 << 0.0;
+        QTest::newRow("list") << QByteArray("1, 2") << false << 0 << 0.0;
+        QTest::newRow("invalid") << QByteArray("@Invalid()") << false << 0 << 0.0;
+        QTest::newRow("bytes") << QByteArray("@ByteArray(\\xff\\xfe)") << false << 0 << 0.0;
+        QTest::newRow("rectangle") << QByteArray("@Rect(1 2 3 4)") << false << 0 << 0.0;
+        QTest::newRow("broken UTF-8") << QByteArray("\xff\xc0\x80") << false << 0 << 0.0;
+        QTest::newRow("huge") << QByteArray(1'000'000, '9') << false << 0 << 0.0;
+    }
+
+    void malformedValuesBecomeZero()
+    {
+        QFETCH(const QByteArray, value);
+        QFETCH(const bool, asBool);
+        QFETCH(const int, asInt);
+        QFETCH(const double, asReal);
+        writeFile("[Auth]\nVatsim=" + value + "\n[XPlane]\nUDPPort=" + value + "\n[Voice]\nPttVolume=" + value + "\n");
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::authVatsim), asBool);
+        QCOMPARE(settings.get(config::xplaneUdpPort), asInt);
+        QCOMPARE(settings.get(config::voicePttVolume), asReal);
+    }
+
+    void damagedSecretsAreUseless_data()
+    {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::newRow("no Base64") << QByteArray("!!!");
+        QTest::newRow("short") << QByteArray("c2hvcnQ=");
+        QTest::newRow("31 bytes") << QByteArray(31, 'x').toBase64();
+        QTest::newRow("32 bytes") << QByteArray(32, 'x').toBase64();
+        QTest::newRow("ragged") << QByteArray(50, 'x').toBase64();
+        QTest::newRow("list") << QByteArray("a, b");
+    }
+
+    void damagedSecretsAreUseless()
+    {
+        QFETCH(const QByteArray, stored);
+        writeFile("[Auth]\nPassword=" + stored + "\n");
+        QCOMPARE(AppConfig(m_dir->path()).get(config::authPassword), QString());
+    }
+
+    void pathLists_data()
+    {
+        QTest::addColumn<QStringList>("stored"); // %1: the test's folder, which holds a, "b c", "d,e" and the file f
+        QTest::addColumn<QStringList>("read");
+        const auto row = [](const char *tag, const QStringList &stored, const QStringList &read) {
+            QTest::newRow(tag) << stored << read;
+        };
+        const QString a = QStringLiteral("%1/a");
+        const QString b = QStringLiteral("%1/b c");
+        row("empty list", {}, {});
+        row("one", {a}, {a});
+        row("one with a comma", {QStringLiteral("%1/d,e")}, {QStringLiteral("%1/d,e")});
+        row("two, order kept", {b, a}, {b, a});
+        row("a file counts as a path", {QStringLiteral("%1/f")}, {QStringLiteral("%1/f")});
+        row("empty items go", {QString(), QStringLiteral("  "), a}, {a});
+        row("only an empty item", {QString()}, {});
+        row("missing folders go", {QStringLiteral("%1/gone"), a}, {a});
+        row("second entries go", {a, b, a}, {a, b});
+        row("second entries in another form go", {a, QStringLiteral(" %1/b c/../a/ "), QStringLiteral("%1//a/.")}, {a});
+        row("an item that begins with @", {QStringLiteral("@Variant(x)"), a}, {a});
+    }
+
+    void pathLists()
+    {
+        QFETCH(QStringList, stored);
+        QFETCH(QStringList, read);
+        const QString root = QFileInfo(m_dir->path()).canonicalFilePath();
+        for (const char *name : {"a", "b c", "d,e"})
+            QVERIFY(QDir().mkpath(at(QLatin1String(name))));
+        QFile file(at(QStringLiteral("f")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        stored.replaceInStrings(QStringLiteral("%1"), m_dir->path());
+        read.replaceInStrings(QStringLiteral("%1"), root);
+        {
+            AppConfig settings(m_dir->path());
+            settings.set(config::xplaneCsl, stored);
+            QCOMPARE(settings.get(config::xplaneCsl), read);
+        }
+        QCOMPARE(AppConfig(m_dir->path()).get(config::xplaneCsl), read);
+    }
+
+    void aLinkAndItsTargetAreOnePath()
+    {
+        QVERIFY(QDir().mkpath(at(QStringLiteral("real"))));
+        if (!QFile::link(at(QStringLiteral("real")), at(QStringLiteral("link.lnk"))))
+            QFAIL("the file system makes no links");
+        AppConfig settings(m_dir->path());
+        settings.set(config::xplaneCsl, {at(QStringLiteral("link.lnk")), at(QStringLiteral("real"))});
+        QCOMPARE(settings.get(config::xplaneCsl).last(), QFileInfo(at(QStringLiteral("real"))).canonicalFilePath());
+        QCOMPARE(settings.get(config::xplaneCsl).size(), 1);
+    }
+
+    void aFolderThatIsDeletedLeavesTheList()
+    {
+        QVERIFY(QDir().mkpath(at(QStringLiteral("a"))));
+        AppConfig settings(m_dir->path());
+        settings.set(config::msfsCustomMappingPaths2024, {at(QStringLiteral("a"))});
+        QCOMPARE(settings.get(config::msfsCustomMappingPaths2024).size(), 1);
+        QVERIFY(QDir().rmdir(at(QStringLiteral("a"))));
+        QCOMPARE(settings.get(config::msfsCustomMappingPaths2024), QStringList());
+    }
+
+    void foldersAreDetectedOnlyForEmptyKeys()
+    {
+        qputenv("APPDATA", m_dir->path().toLocal8Bit());
+        QVERIFY(QDir().mkpath(at(QStringLiteral("sim/Community"))));
+        for (const char *edition : {"Microsoft Flight Simulator", "Microsoft Flight Simulator 2024"}) {
+            QVERIFY(QDir().mkpath(at(QLatin1String(edition))));
+            QFile file(at(QLatin1String(edition) + QStringLiteral("/UserCfg.opt")));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("InstalledPackagesPath \"" + m_dir->path().toUtf8() + "/sim\"\n");
+        }
+        writeFile("[MSFS]\nPackagesPath2020=moved\nCommunityPath2024=\"  \"\n");
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::msfsPackagesPath2020), QStringLiteral("moved"));
+        QCOMPARE(settings.get(config::msfsPackagesPath2024), at(QStringLiteral("sim")));
+        QCOMPARE(settings.get(config::msfsCommunityPath2020), at(QStringLiteral("sim/Community")));
+        QCOMPARE(settings.get(config::msfsCommunityPath2024), at(QStringLiteral("sim/Community")));
+        QCOMPARE(storedLine("PackagesPath2024"), at(QStringLiteral("sim")).toUtf8());
+    }
+
+    void anUnwritableFileWorksInMemory()
+    {
+        QFile blocker(at(QStringLiteral("blocker")));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        AppConfig settings(at(QStringLiteral("blocker/inside"))); // no folder can be made inside a file
+        const QSignalSpy changes(&settings, &AppConfig::configChanged);
+        settings.set(config::xplaneUdpPort, 50000);
+        settings.set(config::authPassword, QStringLiteral("pw"));
+        QCOMPARE(settings.get(config::xplaneUdpPort), 50000);
+        QCOMPARE(settings.get(config::authPassword), QStringLiteral("pw"));
+        QCOMPARE(changes.size(), 2);
+    }
+
+    void binaryGarbageGivesDefaults()
+    {
+        QByteArray garbage;
+        for (int i = 0; i < 20000; ++i)
+            garbage += static_cast<char>((i * 31) ^ (i >> 3));
+        writeFile(garbage);
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::xplaneUdpPort), 49000);
+        QCOMPARE(settings.get(config::authVatsim), true);
+    }
+
+    void aSerializedObjectIsSetAside_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        // A list of 2^31 items, and lists in lists deeper than the stack.
+        QTest::newRow("too large") << QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)");
+        QTest::newRow("too deep") << "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(200000) + ")";
+    }
+
+    void aSerializedObjectIsSetAside()
+    {
+        QFETCH(const QByteArray, value);
+        const QByteArray text = "[Auth]\nUsername=\"" + value + "\"\n";
+        writeFile(text);
+        QTest::ignoreMessage(QtWarningMsg, "AppConfig: config.ini holds a serialized object and was set aside");
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::authUsername), QString());
+        QFile aside(configPath() + QStringLiteral(".damaged"));
+        QVERIFY(aside.open(QIODevice::ReadOnly));
+        QCOMPARE(aside.readAll(), text);
+    }
+};
+
+TARVO_TEST(AppConfigTest)
+#include "AppConfigTest.moc"

@@ -1,0 +1,42 @@
+#include "AppConfig.h"
+#include "support/TestRegistry.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using tarvo::AppConfig;
+
+/// On Windows the folder decides who reads the file.
+class ConfigFileRightsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void nobodyElseReadsTheFile_data()
+    {
+        QTest::addColumn<bool>("exists");
+        QTest::newRow("new file") << false;
+        QTest::newRow("file that all may read") << true;
+    }
+
+    void nobodyElseReadsTheFile()
+    {
+        QFETCH(const bool, exists);
+        const QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("config.ini"));
+        if (exists) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther));
+        }
+        AppConfig settings(dir.path());
+        settings.set(tarvo::config::authPassword, QStringLiteral("pw"));
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        QCOMPARE(QFile::permissions(path) & others, QFile::Permissions());
+        QVERIFY(QFile::permissions(path) & QFile::WriteOwner);
+    }
+};
+
+TARVO_TEST(ConfigFileRightsTest)
+#include "ConfigFileRightsTest_posix.moc"
