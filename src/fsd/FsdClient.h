@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fsd/LineSplitter.h"
+#include "fsd/NameResolver.h"
 #include "fsd/pdu/ATCPosition.h"
 #include "fsd/pdu/AddATC.h"
 #include "fsd/pdu/AddPilot.h"
@@ -26,15 +28,20 @@
 #include "fsd/pdu/TextMessage.h"
 #include "fsd/pdu/Wallop.h"
 
+#include <QAbstractSocket>
+#include <QList>
 #include <QObject>
-#include <QPointer>
+#include <QString>
+#include <QStringList>
 
-#include <memory>
-
-class QDnsLookup;
 class QTcpSocket;
 
 namespace tarvo::fsd {
+
+namespace pdu {
+struct AuthChallenge;
+struct ChangeServer;
+} // namespace pdu
 
 /// The TCP end of the FSD protocol: resolves, connects, cuts the stream into PDUs, raises one signal for each, and
 /// writes finished lines. Answers challenges and follows server changes by itself. Main thread only.
@@ -58,6 +65,8 @@ public:
     void sendRaw(const QString &line);
     /// True between the socket's connect and any disconnect.
     bool isConnected() const { return m_connected; }
+    /// The resolved address of the current server; empty before the first connection.
+    const QString &serverAddress() const { return m_serverAddress; }
 
 signals:
     void raiseNetworkConnected();
@@ -94,11 +103,32 @@ signals:
     void raiseMuteReceived(const tarvo::fsd::pdu::Mute &pdu);
 
 private:
-    QTcpSocket *m_socket = nullptr; ///< child; replaced on a server change
+    class StackGuard;
+
+    void attach();
+    void onSocketConnected();
+    void onSocketError(QAbstractSocket::SocketError error);
+    void readSocket();
+    void dispatch(const QString &line);
+    void handle(const pdu::AuthChallenge &challenge);
+    void handle(const pdu::ChangeServer &change);
+    void onNewServerConnected(QTcpSocket *socket);
+    void onNewServerError(QTcpSocket *socket);
+    void abandonServerChange();
+    void dropConnection();
+    void retire(QTcpSocket *socket);
+
+    QTcpSocket *m_socket = nullptr; ///< child; a fresh one for each connection, and on a server change
     bool m_connected = false;
-    QString m_partialPacket; ///< text after the last complete line
-    QString m_serverAddress; ///< resolved
-    bool m_changingServer = false;
+    LineSplitter m_splitter;           ///< holds the text after the last complete line
+    QStringList m_lines;               ///< complete lines that wait for their turn
+    QString m_serverAddress;           ///< resolved
+    bool m_changingServer = false;     ///< socket errors are silent meanwhile
+    QTcpSocket *m_newSocket = nullptr; ///< child; connecting to the next server
+    NameResolver m_resolver;
+    int m_attempt = 0;             ///< counts connects and disconnects, so that a look-up knows when it was overtaken
+    int m_reactions = 0;           ///< socket reactions on the stack
+    QList<QTcpSocket *> m_retired; ///< to be deleted once no socket's own call can be on the stack
 };
 
 } // namespace tarvo::fsd

@@ -1,0 +1,302 @@
+#include "fsd/FsdClient.h"
+
+#include "fsd/Dispatcher.h"
+#include "fsd/pdu/AuthResponse.h"
+#include "fsd/pdu/FsdLine.h"
+#include "fsd/pdu/PDUFormatException.h"
+
+#include <QDebug>
+#include <QMetaEnum>
+#include <QPointer>
+#include <QTcpSocket>
+
+#include <optional>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+namespace tarvo::fsd {
+
+namespace {
+
+constexpr qint64 readBufferSize = 1 << 20; ///< bytes; bounds what piles up while a nested event loop runs
+
+template <class Pdu>
+using Signal = void (FsdClient::*)(const Pdu &);
+
+/// The signal of each PDU class, found by the class.
+constexpr std::tuple signalTable{
+    &FsdClient::raisePilotPositionReceived,
+    &FsdClient::raiseFastPilotPositionReceived,
+    &FsdClient::raiseATCPositionReceived,
+    &FsdClient::raiseServerIdentificationReceived,
+    &FsdClient::raiseClientIdentificationReceived,
+    &FsdClient::raiseAddATCReceived,
+    &FsdClient::raiseDeleteATCReceived,
+    &FsdClient::raiseAddPilotReceived,
+    &FsdClient::raiseDeletePilotReceived,
+    &FsdClient::raiseBroadcastMessageReceived,
+    &FsdClient::raiseWallopReceived,
+    &FsdClient::raiseRadioMessageReceived,
+    &FsdClient::raiseTextMessageReceived,
+    &FsdClient::raiseMetarResponseReceived,
+    &FsdClient::raisePlaneInfoRequestReceived,
+    &FsdClient::raisePlaneInfoResponseReceived,
+    &FsdClient::raiseFlightPlanReceived,
+    &FsdClient::raisePingReceived,
+    &FsdClient::raisePongReceived,
+    &FsdClient::raiseClientQueryReceived,
+    &FsdClient::raiseClientQueryResponseReceived,
+    &FsdClient::raiseKillRequestReceived,
+    &FsdClient::raiseProtocolErrorReceived,
+    &FsdClient::raiseSendFastReceived,
+    &FsdClient::raiseMuteReceived,
+};
+
+/// "RemoteHostClosedError: The remote host closed the connection"
+QString describe(QAbstractSocket::SocketError error, const QString &text)
+{
+    const QString key =
+        QString::fromLatin1(QMetaEnum::fromType<QAbstractSocket::SocketError>().valueToKey(static_cast<int>(error)));
+    return text.isEmpty() ? key : key + QLatin1StringView(": ") + text;
+}
+
+/// Closes for good. A socket that is still connecting would, if only closed, connect first and close then.
+void finish(QTcpSocket *socket)
+{
+    if (socket->state() == QAbstractSocket::HostLookupState || socket->state() == QAbstractSocket::ConnectingState)
+        socket->abort();
+    else
+        socket->close();
+}
+
+} // namespace
+
+/// Stands in every reaction to a socket. A retired socket may be one whose call is still on the stack, perhaps under a
+/// nested event loop, so that it is deleted only when the last reaction has ended.
+class FsdClient::StackGuard
+{
+public:
+    explicit StackGuard(FsdClient &client) : m_client(client) { ++m_client.m_reactions; }
+    ~StackGuard()
+    {
+        if (--m_client.m_reactions > 0)
+            return;
+        for (QTcpSocket *socket : std::as_const(m_client.m_retired))
+            socket->deleteLater();
+        m_client.m_retired.clear();
+    }
+    Q_DISABLE_COPY_MOVE(StackGuard)
+
+private:
+    FsdClient &m_client;
+};
+
+FsdClient::FsdClient(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
+{
+    attach();
+}
+
+FsdClient::~FsdClient()
+{
+    // Closing in the base destructor would reach for members that are gone by then.
+    for (QTcpSocket *socket : findChildren<QTcpSocket *>(Qt::FindDirectChildrenOnly))
+        socket->disconnect();
+}
+
+void FsdClient::attach()
+{
+    m_socket->setReadBufferSize(readBufferSize);
+    connect(m_socket, &QTcpSocket::readyRead, this, &FsdClient::readSocket);
+    connect(m_socket, &QTcpSocket::connected, this, &FsdClient::onSocketConnected);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &FsdClient::onSocketError);
+}
+
+bool FsdClient::connectToServer(const QString &host, quint16 port)
+{
+    m_resolver.abort();
+    const int attempt = ++m_attempt;
+    const std::optional<QString> address = m_resolver.resolve(host);
+    if (!address || attempt != m_attempt)
+        return false;
+    if (address->isEmpty()) {
+        emit raiseNetworkError(
+            QStringLiteral("Network server address returned null, possibly due to a failed DNS lookup."));
+        return false;
+    }
+
+    // A fresh socket each time: this may run inside a signal of the old one, which would close a connection started on
+    // itself when the signal returns.
+    abandonServerChange();
+    retire(std::exchange(m_socket, new QTcpSocket(this)));
+    attach();
+    m_connected = false;
+    m_serverAddress = *address;
+    m_splitter.reset();
+    m_lines.clear();
+    m_socket->connectToHost(m_serverAddress, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+    return true;
+}
+
+void FsdClient::disconnectFromServer()
+{
+    ++m_attempt;
+    m_resolver.abort();
+    dropConnection();
+}
+
+void FsdClient::sendRaw(const QString &line)
+{
+    if (!m_connected || line.isEmpty())
+        return;
+    const QByteArray bytes = line.toLatin1();
+    emit raiseRawDataSent(QString::fromUtf8(bytes)); // Latin-1 read as UTF-8: kept on purpose
+    if (!m_connected)
+        return;
+    m_socket->write(bytes);
+    m_socket->flush(); // a fast position leaves at once
+}
+
+void FsdClient::onSocketConnected()
+{
+    const StackGuard guard(*this);
+    m_connected = true;
+    emit raiseNetworkConnected();
+}
+
+void FsdClient::onSocketError(QAbstractSocket::SocketError error)
+{
+    if (m_changingServer)
+        return;
+    const StackGuard guard(*this);
+    const QTcpSocket *socket = m_socket;
+    emit raiseNetworkError(describe(error, m_socket->errorString()));
+    // A receiver may have connected anew; the guard keeps the old socket's address from being used again.
+    if (error == QAbstractSocket::RemoteHostClosedError && socket == m_socket)
+        dropConnection();
+}
+
+void FsdClient::readSocket()
+{
+    const StackGuard guard(*this);
+    // Again after the lines are handled: a socket does not announce what came in under its own readyRead.
+    while (m_socket->bytesAvailable() > 0) {
+        m_splitter.feed(QString::fromLatin1(m_socket->readAll()), m_lines);
+        // Lines that a nested event loop reads join the end of this queue. A disconnect empties it.
+        while (!m_lines.isEmpty())
+            dispatch(m_lines.takeFirst());
+    }
+}
+
+void FsdClient::dispatch(const QString &line)
+{
+    if (line.isEmpty())
+        return;
+    emit raiseRawDataReceived(line + QLatin1StringView("\r\n"));
+
+    std::optional<AnyPdu> parsed;
+    try {
+        parsed = parseLine(line);
+    } catch (const PDUFormatException &exception) {
+        emit raiseNetworkError(QStringLiteral("%1 (Raw packet: %2)").arg(exception.error(), exception.rawMessage()));
+        return;
+    }
+    std::visit(
+        [this]<class Pdu>(const Pdu &pdu) {
+            if constexpr (std::is_same_v<Pdu, pdu::AuthChallenge> || std::is_same_v<Pdu, pdu::ChangeServer>)
+                handle(pdu);
+            else
+                (this->*std::get<Signal<Pdu>>(signalTable))(pdu); // emits
+        },
+        *parsed);
+}
+
+void FsdClient::handle(const pdu::AuthChallenge &challenge)
+{
+    // The answer is the challenge itself; no key is involved.
+    sendRaw(toLine(pdu::AuthResponse(challenge.To, challenge.From, challenge.challenge)));
+}
+
+void FsdClient::handle(const pdu::ChangeServer &change)
+{
+    abandonServerChange();                     // a second change overtakes the first
+    const quint16 port = m_socket->peerPort(); // the old server may hang up during the look-up
+    auto *socket = new QTcpSocket(this);
+    m_newSocket = socket;
+    m_changingServer = true;
+    // The context is the socket, so that these two outlive the disconnection of the client from it, and act on later
+    // errors of the socket too.
+    connect(socket, &QTcpSocket::connected, socket, [this, socket] { onNewServerConnected(socket); });
+    connect(socket, &QTcpSocket::errorOccurred, socket, [this, socket] { onNewServerError(socket); });
+
+    const std::optional<QString> address = m_resolver.resolve(change.newServer);
+    if (m_newSocket != socket) // overtaken or disconnected meanwhile
+        return;
+    if (!address || address->isEmpty()) {
+        qWarning() << "Server change failed, no address found for" << change.newServer;
+        onNewServerError(socket);
+        return;
+    }
+    socket->connectToHost(*address, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+    m_splitter.reset();
+}
+
+/// The session goes on, over the new socket.
+void FsdClient::onNewServerConnected(QTcpSocket *socket)
+{
+    const StackGuard guard(*this);
+    readSocket(); // what is left on the old socket
+    if (m_newSocket != socket)
+        return;
+    socket->disconnect(this); // leaves the two closures
+    m_newSocket = nullptr;
+    retire(std::exchange(m_socket, socket));
+    m_changingServer = false;
+    m_serverAddress = socket->peerName(); // the address it was told
+    attach();
+    readSocket();
+}
+
+/// The old connection goes on if it still stands. Runs also for a later error of a socket that was changed to.
+void FsdClient::onNewServerError(QTcpSocket *socket)
+{
+    if (m_newSocket && m_newSocket != socket) // the next change is under way, and silences this one
+        return;
+    const StackGuard guard(*this);
+    abandonServerChange();
+    if (m_socket->state() != QAbstractSocket::ConnectedState)
+        dropConnection();
+}
+
+void FsdClient::abandonServerChange()
+{
+    m_changingServer = false;
+    if (QTcpSocket *socket = std::exchange(m_newSocket, nullptr))
+        retire(socket);
+}
+
+void FsdClient::dropConnection()
+{
+    abandonServerChange();
+    m_connected = false;
+    m_lines.clear(); // what came behind the reason is not handled any more
+    m_splitter.reset();
+    const QPointer<QTcpSocket> socket = m_socket;
+    emit raiseNetworkDisconnected();
+    if (socket == m_socket) // not when a receiver has connected anew
+        finish(m_socket);
+}
+
+/// Takes a socket out of use.
+void FsdClient::retire(QTcpSocket *socket)
+{
+    socket->disconnect(); // the client and the closures of a server change
+    finish(socket);
+    if (m_reactions > 0)
+        m_retired.append(socket);
+    else
+        socket->deleteLater();
+}
+
+} // namespace tarvo::fsd

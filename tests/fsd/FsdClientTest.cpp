@@ -1,0 +1,394 @@
+#include "fsd/FsdClient.h"
+#include "support/FsdPeer.h"
+#include "support/TestRegistry.h"
+
+#include <QSignalSpy>
+#include <QTcpSocket>
+#include <QTest>
+
+using tarvo::fsd::FsdClient;
+using tarvo::test::FsdPeer;
+
+namespace {
+
+const QString noAddress = QStringLiteral("Network server address returned null, possibly due to a failed DNS lookup.");
+const QString badName = QStringLiteral("not..a.name"); // fails without a name server
+
+/// A client and its server, connected unless told otherwise.
+struct Session
+{
+    FsdPeer peer;
+    FsdClient client;
+    QSignalSpy connected{&client, &FsdClient::raiseNetworkConnected};
+    QSignalSpy disconnected{&client, &FsdClient::raiseNetworkDisconnected};
+    QSignalSpy errors{&client, &FsdClient::raiseNetworkError};
+    QSignalSpy received{&client, &FsdClient::raiseRawDataReceived};
+    QSignalSpy sent{&client, &FsdClient::raiseRawDataSent};
+
+    bool open()
+    {
+        return client.connectToServer(peer.address(), peer.port()) &&
+               QTest::qWaitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
+    }
+};
+
+/// Runs `action` as the very next event, before a look-up that starts now can end.
+template <class Action>
+void soon(FsdClient &client, Action action)
+{
+    QMetaObject::invokeMethod(&client, action, Qt::QueuedConnection);
+}
+
+QString firstArgument(const QSignalSpy &spy, int call = 0)
+{
+    return spy.value(call).value(0).toString();
+}
+
+} // namespace
+
+class FsdClientTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void connectsToAnAddress()
+    {
+        Session session;
+        QVERIFY(!session.client.isConnected());
+        QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port()));
+        QVERIFY(!session.client.isConnected());
+        QTRY_COMPARE(session.connected.count(), 1);
+        QVERIFY(session.client.isConnected());
+        QCOMPARE(session.client.serverAddress(), QStringLiteral("127.0.0.1"));
+        QCOMPARE(session.errors.count(), 0);
+        QCOMPARE(session.disconnected.count(), 0);
+    }
+
+    void aNameWithoutAddressIsRefused_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::newRow("bad name") << badName;
+        QTest::newRow("empty") << QString();
+        QTest::newRow("IPv6 literal is looked up as a name") << QStringLiteral("::1");
+    }
+    void aNameWithoutAddressIsRefused()
+    {
+        QFETCH(QString, host);
+        Session session;
+        QVERIFY(!session.client.connectToServer(host, session.peer.port()));
+        QCOMPARE(session.errors.count(), 1);
+        QCOMPARE(firstArgument(session.errors), noAddress);
+        QCOMPARE(session.disconnected.count(), 0);
+        QCOMPARE(session.peer.connectionCount(), 0);
+    }
+
+    void aNameRunsTheEventLoopAnAddressDoesNot_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<bool>("looksUp");
+        QTest::newRow("IPv4 literal") << QStringLiteral("127.0.0.1") << false;
+        QTest::newRow("localhost") << QStringLiteral("localhost") << true;
+    }
+    void aNameRunsTheEventLoopAnAddressDoesNot()
+    {
+        QFETCH(QString, host);
+        QFETCH(bool, looksUp);
+        Session session;
+        bool ran = false;
+        soon(session.client, [&] { ran = true; });
+        session.client.connectToServer(host, session.peer.port());
+        QCOMPARE(ran, looksUp);
+    }
+
+    void disconnectEndsALookUp()
+    {
+        Session session;
+        soon(session.client, [&] { session.client.disconnectFromServer(); });
+        QVERIFY(!session.client.connectToServer(QStringLiteral("localhost"), session.peer.port()));
+        QCOMPARE(session.errors.count(), 0);
+        QCOMPARE(session.disconnected.count(), 1);
+        QVERIFY(!session.client.isConnected());
+        QCoreApplication::processEvents();
+        QCOMPARE(session.peer.connectionCount(), 0);
+        QCOMPARE(session.connected.count(), 0);
+    }
+
+    void aSecondConnectOvertakesALookUp()
+    {
+        Session session;
+        bool second = false;
+        soon(session.client,
+             [&] { second = session.client.connectToServer(session.peer.address(), session.peer.port()); });
+        QVERIFY(!session.client.connectToServer(QStringLiteral("localhost"), 1));
+        QVERIFY(second);
+        QTRY_COMPARE(session.connected.count(), 1);
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void aRefusedConnectionRaisesOnlyTheError()
+    {
+        Session session;
+        session.peer.stopListening();
+        QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port()));
+        QTRY_COMPARE(session.errors.count(), 1);
+        QCOMPARE(firstArgument(session.errors), QStringLiteral("ConnectionRefusedError: Connection refused"));
+        QCOMPARE(session.disconnected.count(), 0);
+        QCOMPARE(session.connected.count(), 0);
+    }
+
+    void closeByTheServerGivesErrorThenDisconnected()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QStringList order;
+        connect(&session.client, &FsdClient::raiseNetworkError, this,
+                [&](const QString &text) { order << text << (session.client.isConnected() ? u"up"_qs : u"down"_qs); });
+        connect(&session.client, &FsdClient::raiseNetworkDisconnected, this, [&] {
+            order << QStringLiteral("disconnected") << (session.client.isConnected() ? u"up"_qs : u"down"_qs);
+        });
+        session.peer.closeConnection();
+        QTRY_COMPARE(order, (QStringList{u"RemoteHostClosedError: The remote host closed the connection"_qs, u"up"_qs,
+                                         u"disconnected"_qs, u"down"_qs}));
+    }
+
+    void whatCameBeforeTheCloseIsHandled()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy kills(&session.client, &FsdClient::raiseKillRequestReceived);
+        session.peer.inject(QStringLiteral("$!!SERVER:CES1:bye"));
+        session.peer.closeConnection();
+        QTRY_COMPARE(session.disconnected.count(), 1);
+        QCOMPARE(kills.count(), 1);
+    }
+
+    void disconnectRaisesItsSignalBeforeItCloses()
+    {
+        Session session;
+        QVERIFY(session.open());
+        bool stillOpen = false;
+        connect(&session.client, &FsdClient::raiseNetworkDisconnected, this,
+                [&] { stillOpen = session.peer.isClientConnected() && !session.client.isConnected(); });
+        session.client.disconnectFromServer();
+        QCOMPARE(session.disconnected.count(), 1);
+        QVERIFY(stillOpen);
+        QVERIFY(session.peer.waitForClose());
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void disconnectRaisesItsSignalAlsoWhenNotConnected()
+    {
+        FsdClient client;
+        QSignalSpy disconnected(&client, &FsdClient::raiseNetworkDisconnected);
+        client.disconnectFromServer();
+        client.disconnectFromServer();
+        QCOMPARE(disconnected.count(), 2);
+    }
+
+    void disconnectWhileConnectingConnectsNothing()
+    {
+        Session session;
+        QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port()));
+        session.client.disconnectFromServer();
+        QVERIFY(session.open()); // the second attempt
+        QCOMPARE(session.connected.count(), 1);
+        QCOMPARE(session.disconnected.count(), 1);
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void connectsAnewFromInsideTheDisconnectedHandler_data()
+    {
+        QTest::addColumn<bool>("byServer");
+        QTest::newRow("the server closed") << true;
+        QTest::newRow("the pilot disconnected") << false;
+    }
+    void connectsAnewFromInsideTheDisconnectedHandler()
+    {
+        QFETCH(bool, byServer);
+        Session session;
+        QVERIFY(session.open());
+        session.peer.injectBytes("$PISERVER:CES1:1\r\n#TMSERVER:C"); // the cut line must not reach the next session
+        QTRY_COMPARE(session.received.count(), 1);
+        connect(
+            &session.client, &FsdClient::raiseNetworkDisconnected, this,
+            [&] { QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port())); },
+            Qt::SingleShotConnection);
+        if (byServer)
+            session.peer.closeConnection();
+        else
+            session.client.disconnectFromServer();
+        QVERIFY(session.peer.waitForConnection(2));
+        QTRY_COMPARE(session.connected.count(), 2);
+        QVERIFY(session.peer.expectNothing());
+        QVERIFY(session.client.isConnected());
+        QCOMPARE(session.disconnected.count(), 1);
+        QVERIFY(session.peer.isClientConnected());
+    }
+
+    void connectsAnewFromInsideTheErrorHandler()
+    {
+        Session session;
+        QVERIFY(session.open());
+        connect(
+            &session.client, &FsdClient::raiseNetworkError, this,
+            [&] { QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port())); },
+            Qt::SingleShotConnection);
+        session.peer.abortConnection();
+        QVERIFY(session.peer.waitForConnection(2));
+        QTRY_COMPARE(session.connected.count(), 2);
+        QVERIFY(session.peer.expectNothing());
+        QCOMPARE(session.disconnected.count(), 0); // the old connection's end came too late
+    }
+
+    void theRestOfAChunkIsNotDispatchedAfterADisconnect()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
+        connect(&session.client, &FsdClient::raiseKillRequestReceived, &session.client,
+                &FsdClient::disconnectFromServer);
+        session.peer.injectBytes("$!!SERVER:CES1:bye\r\n$PISERVER:CES1:1\r\n$PISER");
+        QVERIFY(session.peer.waitForClose());
+        QCOMPARE(session.disconnected.count(), 1);
+        QCOMPARE(pings.count(), 0);
+        QCOMPARE(session.received.count(), 1);
+
+        QVERIFY(session.open()); // nor does the cut line lead the next session's first
+        session.peer.inject(QStringLiteral("$PISERVER:CES1:2"));
+        QTRY_COMPARE(pings.count(), 1);
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void aLineCutAcrossTwoReadsIsPutTogether()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
+        session.peer.injectBytes("$PISERVER:CES1:1\r\n$PISER");
+        QTRY_COMPARE(pings.count(), 1);
+        session.peer.injectBytes("VER:CES1:2\r\n");
+        QTRY_COMPARE(pings.count(), 2);
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void aByteThatArrivesAloneIsLost()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy reads(session.client.findChild<QTcpSocket *>(), &QTcpSocket::readyRead);
+        session.peer.injectBytes("Z");
+        QTRY_COMPARE(reads.count(), 1);
+        QVERIFY(session.peer.expectNothing()); // "Z$ZC..." would be no challenge
+        QCOMPARE(session.errors.count(), 0);
+    }
+
+    void aMalformedLineIsReportedAndTheSessionGoesOn()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
+        QStringList order;
+        connect(&session.client, &FsdClient::raiseRawDataReceived, this, [&](const QString &line) { order << line; });
+        connect(&session.client, &FsdClient::raiseNetworkError, this, [&](const QString &text) { order << text; });
+        session.peer.injectBytes("X:abc\r\n\r\n$DISERVER:CES1:v\r\n$PISERVER:CES1:1\r\n");
+        QTRY_COMPARE(pings.count(), 1);
+        QCOMPARE(order,
+                 (QStringList{u"X:abc\r\n"_qs, u"Invalid PDU type. (Raw packet: X:abc)"_qs, u"$DISERVER:CES1:v\r\n"_qs,
+                              u"Invalid field count for ServerIdentification command. (Raw packet: SERVER:CES1:v)"_qs,
+                              u"$PISERVER:CES1:1\r\n"_qs}));
+        QVERIFY(session.client.isConnected());
+    }
+
+    void aPercentSignInALineIsNoPlaceholder()
+    {
+        Session session;
+        QVERIFY(session.open());
+        session.peer.inject(QStringLiteral("X%2%1"));
+        QTRY_COMPARE(session.errors.count(), 1);
+        QCOMPARE(firstArgument(session.errors), QStringLiteral("Invalid PDU type. (Raw packet: X%2%1)"));
+    }
+
+    void textIsLatin1InBothDirections()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
+        session.peer.injectBytes("$PISERVER:CES1:\xE9\xFF\r\n");
+        QTRY_COMPARE(pings.count(), 1);
+        QCOMPARE(firstArgument(session.received), QStringLiteral("$PISERVER:CES1:\u00E9\u00FF\r\n"));
+
+        session.client.sendRaw(QStringLiteral("#TMA:B:\u00E9\u4E2D\r\n"));
+        QTRY_COMPARE(session.peer.receivedBytes(), QByteArray("#TMA:B:\xE9?\r\n"));
+        // Latin-1 bytes read as UTF-8: a lone 0xE9 is no character there.
+        QCOMPARE(firstArgument(session.sent), QStringLiteral("#TMA:B:\uFFFD?\r\n"));
+    }
+
+    void nothingIsSentUnlessConnected()
+    {
+        Session session;
+        session.client.sendRaw(QStringLiteral("$PIA:B:1\r\n"));
+        QCOMPARE(session.sent.count(), 0);
+        QVERIFY(session.open());
+        session.client.sendRaw(QString());
+        QCOMPARE(session.sent.count(), 0);
+        session.client.sendRaw(QStringLiteral("$PIA:B:2\r\n"));
+        QCOMPARE(session.sent.count(), 1);
+        QVERIFY(session.peer.expect(QStringLiteral("$PIA:B:2")));
+        session.client.disconnectFromServer();
+        session.client.sendRaw(QStringLiteral("$PIA:B:3\r\n"));
+        QCOMPARE(session.sent.count(), 1);
+        QVERIFY(session.peer.waitForClose());
+        QCOMPARE(session.peer.receivedBytes(), QByteArray("$PIA:B:2\r\n"));
+    }
+
+    void whatIsSentBeforeADisconnectArrives()
+    {
+        Session session;
+        QVERIFY(session.open());
+        session.client.sendRaw(QStringLiteral("#DPCES1:1001\r\n"));
+        session.client.disconnectFromServer();
+        QVERIFY(session.peer.expect(QStringLiteral("#DPCES1:1001")));
+        QVERIFY(session.peer.waitForClose());
+    }
+
+    void aChallengeIsEchoedAndNotReported()
+    {
+        Session session;
+        QVERIFY(session.open());
+        session.peer.inject(QStringLiteral("$ZCSERVER:X:abc"));
+        QVERIFY(session.peer.expect(QStringLiteral("$ZRX:SERVER:abc")));
+        QCOMPARE(session.sent.count(), 1);
+        QCOMPARE(firstArgument(session.sent), QStringLiteral("$ZRX:SERVER:abc\r\n"));
+        QCOMPARE(session.errors.count(), 0);
+        QVERIFY(session.peer.expectNothing());
+    }
+
+    void aMalformedChallengeIsNotAnswered()
+    {
+        Session session;
+        QVERIFY(session.open());
+        session.peer.inject(QStringLiteral("$ZCSERVER:X"));
+        QVERIFY(session.peer.expectNothing());
+        QCOMPARE(firstArgument(session.errors),
+                 QStringLiteral("Invalid field count for AuthChallenge command. (Raw packet: SERVER:X)"));
+    }
+
+    void aHandlerThatRunsTheEventLoopKeepsTheOrder()
+    {
+        Session session;
+        QVERIFY(session.open());
+        QStringList order;
+        connect(&session.client, &FsdClient::raisePingReceived, this, [&](const tarvo::fsd::pdu::Ping &ping) {
+            order << ping.timestamp;
+            if (order.size() == 1) { // what comes in now waits behind the rest of the chunk
+                session.peer.inject(QStringLiteral("$PISERVER:CES1:3"));
+                QCoreApplication::processEvents();
+            }
+        });
+        session.peer.injectBytes("$PISERVER:CES1:1\r\n$PISERVER:CES1:2\r\n");
+        QTRY_COMPARE(order, (QStringList{u"1"_qs, u"2"_qs, u"3"_qs}));
+    }
+};
+
+TARVO_TEST(FsdClientTest)
+#include "FsdClientTest.moc"
