@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/AircraftState.h"
+#include "practice/Circuit.h"
 
 #include <QString>
 
@@ -20,24 +21,25 @@ public:
     double duration() const;
     /// The aeroplane `seconds` after the start. A pure function; any finite number is taken modulo the duration.
     AircraftState at(double seconds) const;
-    /// What the pilot is doing then, in English, such as "downwind".
+    /// What the pilot is doing then: "parked", "engine start", "taxi out", "line-up", "take-off", "climb", "crosswind",
+    /// "downwind", "base", "final", "flare", "roll-out", "vacate", "taxi in" or "shutdown".
     QString phaseAt(double seconds) const;
-    /// Seconds from the start of the loop to the start of the named phase, such as "take-off"; -1 for an unknown name.
+    /// Seconds from the start of the loop to the start of the named phase; -1 for an unknown name.
     double startOf(const QString &phase) const;
 
 private:
-    struct Knot;
-    struct Switch;
+    struct Switching
+    {
+        double time = 0;
+        bool AircraftState::*what = nullptr;
+        bool on = false;
+    };
 
     double wrapped(double seconds) const;
+    void interpolate(double seconds, Knot &value, Knot &derivative) const;
 
-    std::vector<Knot> m_knots;      ///< one a second; control points of a closed uniform cubic B-spline
-    std::vector<Switch> m_switches; ///< what is on and off, in order of time
-
-public:
-    Flight(const Flight &) = delete;
-    Flight &operator=(const Flight &) = delete;
-    ~Flight();
+    CircuitPlan m_plan;                  ///< its knots are the control points of a closed uniform cubic B-spline
+    std::vector<Switching> m_switchings; ///< in order of time
 };
 
 } // namespace tarvo::practice

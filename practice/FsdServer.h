@@ -1,6 +1,8 @@
 #pragma once
 
 #include "practice/AccountBook.h"
+#include "practice/FsdSettings.h"
+#include "practice/Roster.h"
 #include "practice/TokenAuthority.h"
 
 #include <QHostAddress>
@@ -8,31 +10,15 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class QTcpServer;
 
 namespace tarvo::practice {
 
-class FsdSession;
 class FsdDesk;
-
-/// What the FSD server allows and how often it acts.
-struct FsdSettings
-{
-    double relayRangeNm = 60;         ///< positions and radio reach this far; a controller's own range may be longer
-    double fastRangeNm = 5;           ///< pilots this near to each other are asked for fast positions
-    int pingIntervalMs = 30'000;      ///< 0: never by itself
-    int challengeIntervalMs = 60'000; ///< 0: never by itself
-    int identifyMs = 20'000;          ///< a client that hasn't logged in and identified itself by then is sent away
-    int silenceMs = 120'000;          ///< a client that sends nothing for so long is sent away
-    int maxClients = 64;
-    int maxLineBytes = 4096;      ///< a longer line is dropped
-    int maxQueuedBytes = 1 << 20; ///< a client that lets more pile up is cut off
-    int maxLinesPerSecond = 500;  ///< a client that sends more is cut off
-    int maxBadLines = 50;         ///< so many malformed lines end a session
-    QString greeting = QStringLiteral("Welcome to the practice network."); ///< empty: none
-};
+class FsdSession;
 
 /// The FSD server: greeting, login, relay of positions and text by distance, pings and challenges. Any number of
 /// clients up to the limit; what one of them sends can cost itself its line or its connection and nothing else.
@@ -100,11 +86,15 @@ signals:
 
 private:
     void acceptConnections();
+    void attach(FsdSession *session);
+    void remove(FsdSession *session);
     void keepAlive();
-    FsdSession *find(const QString &callsign) const;
+    /// Lets `action` work on the session of that callsign. Returns false when there is none.
+    bool with(const QString &callsign, const std::function<void(FsdSession &)> &action);
 
     FsdSettings m_settings;
     std::unique_ptr<QTcpServer> m_server;
+    Roster m_roster;
     std::unique_ptr<FsdDesk> m_desk;
     QTimer m_keepAlive;
 };

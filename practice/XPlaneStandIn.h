@@ -49,7 +49,8 @@ public:
     int subscriptionCount() const;
 
     /// The plugin: its version, its verdict on CSL paths, and what it says of its own accord.
-    PluginPeer &plugin();
+    PluginPeer &plugin() { return m_plugin; }
+    const PluginPeer &plugin() const { return m_plugin; }
 
     /// Sends what is due now. Called by a timer; a test with a clock of its own may call it.
     void tick();

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "model/AccountModels.h"
+#include "model/RatingList.h"
+
+#include <QJsonObject>
+
+namespace tarvo::practice {
+
+// The account records as the service writes them.
+
+QJsonObject toJson(const model::User &user);
+QJsonObject toJson(const model::UserHistory &history);
+QJsonObject toJson(const model::RatingList &ratings);
+QJsonObject profileJson(const model::User &user);
+
+} // namespace tarvo::practice

@@ -1,0 +1,341 @@
+#include "practice/FsdDesk.h"
+
+#include "common/Clock.h"
+#include "fsd/pdu/ATCPosition.h"
+#include "fsd/pdu/AuthChallenge.h"
+#include "fsd/pdu/AuthResponse.h"
+#include "fsd/pdu/ClientQuery.h"
+#include "fsd/pdu/ClientQueryResponse.h"
+#include "fsd/pdu/FastPilotPosition.h"
+#include "fsd/pdu/FlightPlan.h"
+#include "fsd/pdu/FsdLine.h"
+#include "fsd/pdu/PDUFormatException.h"
+#include "fsd/pdu/PilotPosition.h"
+#include "fsd/pdu/Ping.h"
+#include "fsd/pdu/Pong.h"
+#include "fsd/pdu/ServerIdentification.h"
+#include "fsd/pdu/TextMessage.h"
+
+#include <QDateTime>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvo::practice {
+
+using fsd::toLine;
+using fsd::pdu::ClientQueryType;
+
+namespace {
+const QString server = QStringLiteral("SERVER");
+constexpr int longestVisibilityNm = 600;
+
+QString randomChallenge()
+{
+    return QStringLiteral("%1").arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0'));
+}
+
+/// The interval, up to a quarter shorter or longer.
+qint64 jittered(int intervalMs)
+{
+    return intervalMs * 3 / 4 + QRandomGenerator::global()->bounded(intervalMs / 2 + 1);
+}
+} // namespace
+
+/// One identifier that a client may send.
+struct FsdDesk::Command
+{
+    QLatin1StringView identifier;
+    Handler handler;
+    int senderField = 0; ///< where the sender's callsign stands, once the identifier is taken off
+    bool beforeLogin = false;
+};
+
+const FsdDesk::Command FsdDesk::commands[] = {
+    {QLatin1StringView("$ID"), &FsdDesk::onIdentification, 0, true},
+    {QLatin1StringView("#AP"), &FsdDesk::onAddPilot, 0, true},
+    {QLatin1StringView("#AA"), &FsdDesk::onAddAtc, 0, true},
+    {QLatin1StringView("#DP"), &FsdDesk::onDelete},
+    {QLatin1StringView("#DA"), &FsdDesk::onDelete},
+    {QLatin1StringView("@"), &FsdDesk::onPilotPosition, 1},
+    {QLatin1StringView("^"), &FsdDesk::onFastPosition},
+    {QLatin1StringView("#SL"), &FsdDesk::onFastPosition},
+    {QLatin1StringView("#ST"), &FsdDesk::onFastPosition},
+    {QLatin1StringView("%"), &FsdDesk::onAtcPosition},
+    {QLatin1StringView("#TM"), &FsdDesk::onText},
+    {QLatin1StringView("$CQ"), &FsdDesk::onQuery},
+    {QLatin1StringView("$CR"), &FsdDesk::onForOthers},
+    {QLatin1StringView("#SB"), &FsdDesk::onForOthers},
+    {QLatin1StringView("$PI"), &FsdDesk::onPing},
+    {QLatin1StringView("$PO"), &FsdDesk::onForOthers},
+    {QLatin1StringView("$ZR"), &FsdDesk::onAuthResponse},
+    {QLatin1StringView("$FP"), &FsdDesk::onFlightPlan},
+};
+
+FsdDesk::FsdDesk(const AccountBook &accounts, const TokenAuthority &tokens, const Roster &roster,
+                 const FsdSettings &settings)
+    : m_roster(roster), m_settings(settings), m_login(accounts, tokens, roster), m_relay(roster, settings)
+{
+}
+
+void FsdDesk::greet(FsdSession &session)
+{
+    session.send(toLine(fsd::pdu::ServerIdentification(
+        server, QStringLiteral("CLIENT"), QStringLiteral("Tarvo practice FSD server 1.0"), randomChallenge())));
+}
+
+const FsdDesk::Command *FsdDesk::commandOf(const QString &line)
+{
+    const auto found = std::find_if(std::begin(commands), std::end(commands),
+                                    [&](const Command &command) { return line.startsWith(command.identifier); });
+    return found == std::end(commands) ? nullptr : found;
+}
+
+void FsdDesk::handle(FsdSession &session, const QString &line)
+{
+    const Command *command = commandOf(line);
+    if (!command) {
+        session.complain(FsdError::SyntaxError, {}, QStringLiteral("Syntax error"));
+        return;
+    }
+    QStringList fields = line.split(QLatin1Char(':'));
+    fields[0].remove(0, command->identifier.size());
+    if (!mayUse(session, *command, fields))
+        return;
+    try {
+        (this->*command->handler)(session, fields, line + QLatin1StringView("\r\n"));
+    } catch (const fsd::PDUFormatException &e) {
+        session.complain(FsdError::SyntaxError, {}, e.error());
+    }
+}
+
+bool FsdDesk::mayUse(FsdSession &session, const Command &command, const QStringList &fields) const
+{
+    if (command.beforeLogin)
+        return true;
+    const QString sender = fields.value(command.senderField);
+    if (session.loggedIn() && sender == session.identity->callsign)
+        return true;
+    session.complain(FsdError::InvalidSource, sender, QStringLiteral("Invalid source callsign"));
+    return false;
+}
+
+void FsdDesk::enter(FsdSession &session)
+{
+    const qint64 now = common::systemClock().steadyMs();
+    session.nextPingMs = now + m_settings.pingIntervalMs;
+    session.nextChallengeMs = now + jittered(m_settings.challengeIntervalMs);
+    emit loggedIn(session);
+    if (!m_settings.greeting.isEmpty())
+        session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign, m_settings.greeting)));
+    m_relay.introduce(session);
+}
+
+void FsdDesk::leave(FsdSession &session)
+{
+    if (session.loggedIn())
+        m_relay.farewell(session);
+}
+
+void FsdDesk::keepAlive(FsdSession &session, qint64 nowMs)
+{
+    const bool complete = session.loggedIn() && !session.announcedCallsign.isEmpty();
+    if (!complete && nowMs - session.connectedMs > m_settings.identifyMs) {
+        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("No identification"));
+        return;
+    }
+    if (nowMs - session.heardMs > m_settings.silenceMs) {
+        session.cutOff(QStringLiteral("silent"));
+        return;
+    }
+    if (!session.loggedIn())
+        return;
+    if (m_settings.pingIntervalMs > 0 && nowMs >= session.nextPingMs) {
+        session.nextPingMs = nowMs + m_settings.pingIntervalMs;
+        ping(session);
+    }
+    if (m_settings.challengeIntervalMs > 0 && nowMs >= session.nextChallengeMs) {
+        session.nextChallengeMs = nowMs + jittered(m_settings.challengeIntervalMs);
+        challenge(session);
+    }
+}
+
+void FsdDesk::ping(FsdSession &session)
+{
+    session.send(toLine(fsd::pdu::Ping(server, session.name(), QString::number(QDateTime::currentSecsSinceEpoch()))));
+}
+
+void FsdDesk::challenge(FsdSession &session)
+{
+    if (!session.openChallenge.isEmpty()) {
+        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("No answer to the challenge"));
+        return;
+    }
+    session.openChallenge = randomChallenge();
+    session.send(toLine(fsd::pdu::AuthChallenge(server, session.name(), session.openChallenge)));
+}
+
+void FsdDesk::onIdentification(FsdSession &session, const QStringList &fields, const QString &)
+{
+    if (m_login.identify(session, fields))
+        enter(session);
+}
+
+void FsdDesk::onAddPilot(FsdSession &session, const QStringList &fields, const QString &)
+{
+    if (m_login.addPilot(session, fields))
+        enter(session);
+}
+
+void FsdDesk::onAddAtc(FsdSession &session, const QStringList &fields, const QString &)
+{
+    if (m_login.addAtc(session, fields))
+        enter(session);
+}
+
+void FsdDesk::onDelete(FsdSession &session, const QStringList &, const QString &)
+{
+    session.finish();
+}
+
+void FsdDesk::moveTo(FsdSession &session, double latitude, double longitude, const QString &line)
+{
+    // Written so that "nan" fails, too.
+    if (!(std::abs(latitude) <= 90 && std::abs(longitude) <= 180)) {
+        session.complain(FsdError::SyntaxError, {}, QStringLiteral("No such place"));
+        return;
+    }
+    session.position = FsdPosition{latitude, longitude};
+    m_relay.toRange(session, line);
+    m_relay.updateFast();
+}
+
+void FsdDesk::onPilotPosition(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    const auto report = fsd::pdu::PilotPosition::parse(fields);
+    moveTo(session, report.latitude, report.longitude, line);
+}
+
+void FsdDesk::onFastPosition(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    using fsd::pdu::FastPilotPositionType;
+    const auto type = line.startsWith(u'^')                       ? FastPilotPositionType::Fast
+                      : line.startsWith(QLatin1StringView("#ST")) ? FastPilotPositionType::Stopped
+                                                                  : FastPilotPositionType::Slow;
+    const auto report = fsd::pdu::FastPilotPosition::parse(fields, type);
+    moveTo(session, report.latitude, report.longitude, line);
+}
+
+void FsdDesk::onAtcPosition(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    const auto report = fsd::pdu::ATCPosition::parse(fields);
+    if (!session.identity->observer) {
+        session.complain(FsdError::SyntaxError, {}, QStringLiteral("A pilot sends no controller's position"));
+        return;
+    }
+    session.facility = static_cast<int>(report.facility);
+    session.visibilityRangeNm = std::clamp(report.visibilityRange, 0, longestVisibilityNm);
+    moveTo(session, report.latitude, report.longitude, line);
+}
+
+void FsdDesk::onText(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    if (fields.size() < 3)
+        throw fsd::PDUFormatException(QStringLiteral("Invalid field count."), line);
+    const QString &to = fields.at(1);
+    if (to == QLatin1StringView("*S")) {
+        session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign,
+                                                  QStringLiteral("Your call to the supervisors was received."))));
+    } else if (to != server) {
+        m_relay.toRecipient(session, to, line);
+    } else if (fields.at(2) == QLatin1StringView("FP") && fields.size() > 4) { // FP : callsign : GET
+        answerFlightPlan(session, fields.at(3));
+    }
+}
+
+void FsdDesk::onQuery(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    if (fields.value(1) == server)
+        answerQuery(session, fields);
+    else
+        onForOthers(session, fields, line);
+}
+
+void FsdDesk::answerQuery(FsdSession &session, const QStringList &fields)
+{
+    const auto query = fsd::pdu::ClientQuery::parse(fields);
+    const QString subject = query.payload.value(0).toUpper();
+    const FsdSession *other = m_roster.find(subject);
+    QStringList answer;
+    switch (query.queryType) {
+    case ClientQueryType::IsValidAtc:
+        answer = {other && other->identity->observer && other->facility > 0 ? QStringLiteral("Y") : QStringLiteral("N"),
+                  subject};
+        break;
+    case ClientQueryType::Capabilities:
+        answer = {QStringLiteral("ATCINFO=1"), QStringLiteral("SECPOS=1"), QStringLiteral("FASTPOS=1")};
+        break;
+    case ClientQueryType::RealName:
+        answer = {QStringLiteral("Practice network"), QStringLiteral("1")};
+        break;
+    case ClientQueryType::PublicAddress:
+        answer = {session.peerAddress()};
+        break;
+    case ClientQueryType::FlightPlan:
+        answerFlightPlan(session, subject);
+        return;
+    default:
+        return; // the server has no answer to the other types
+    }
+    session.send(
+        toLine(fsd::pdu::ClientQueryResponse(server, session.identity->callsign, query.queryType, std::move(answer))));
+}
+
+void FsdDesk::answerFlightPlan(FsdSession &session, const QString &callsign)
+{
+    const FsdSession *other = m_roster.find(callsign);
+    if (!other || other->aircraftType.isEmpty()) {
+        session.sendError(FsdError::NoFlightPlan, callsign, QStringLiteral("No flight plan"));
+        return;
+    }
+    session.send(toLine(fsd::pdu::ClientQueryResponse(server, session.identity->callsign, ClientQueryType::FlightPlan,
+                                                      {callsign, other->aircraftType})));
+    session.send(other->flightPlan);
+}
+
+void FsdDesk::onPing(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    const auto request = fsd::pdu::Ping::parse(fields);
+    if (request.To == server)
+        session.send(toLine(fsd::pdu::Pong(server, request.From, request.timestamp)));
+    else
+        m_relay.toCallsign(session, request.To, line);
+}
+
+void FsdDesk::onAuthResponse(FsdSession &session, const QStringList &fields, const QString &)
+{
+    const auto answer = fsd::pdu::AuthResponse::parse(fields);
+    if (session.openChallenge.isEmpty() || answer.response != session.openChallenge) {
+        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("Wrong answer to the challenge"));
+        return;
+    }
+    session.openChallenge.clear();
+}
+
+void FsdDesk::onFlightPlan(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    session.aircraftType = fsd::pdu::FlightPlan::parse(fields).aircraftType;
+    session.flightPlan = line;
+    m_relay.toControllers(session, line);
+}
+
+void FsdDesk::onForOthers(FsdSession &session, const QStringList &fields, const QString &line)
+{
+    if (fields.size() < 3)
+        throw fsd::PDUFormatException(QStringLiteral("Invalid field count."), line);
+    if (fields.at(1) != server)
+        m_relay.toRecipient(session, fields.at(1), line);
+}
+
+} // namespace tarvo::practice
