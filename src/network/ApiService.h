@@ -9,7 +9,11 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
+
+class QNetworkReply;
+class QNetworkRequest;
 
 namespace tarvo {
 class AppConfig;
@@ -17,9 +21,13 @@ class AppConfig;
 
 namespace tarvo::network {
 
+struct RecordQuery;
+struct ReplyOutcome;
+
 /// Client of the account service: signs in, keeps the tokens alive, fetches the FSD token, history, profile and
-/// leaderboard. Main thread only. Every call is asynchronous; its callback runs once, on the main thread, also on
-/// failure. Texts in callbacks are for the user. The caller guards its callback against its own death.
+/// leaderboard. Main thread only. Every call is asynchronous; its callback runs once, from the event loop, also on
+/// failure; only clearSession() drops the callbacks of what is under way. Texts in callbacks are for the user. The
+/// caller guards its callback against its own death.
 class ApiService : public QObject
 {
     Q_OBJECT
@@ -45,21 +53,46 @@ public:
     void getUserProfile(RecordCallback<model::UserProfile> callback);
     void getLeaderboard(RecordCallback<model::RatingList> callback);
 
-    /// Forgets tokens and user and stops the refresh timer. Replies still under way store nothing. The configuration
-    /// is the caller's to clear.
+    /// Forgets tokens and user and stops the refresh timer. Replies still under way store nothing and call nobody.
+    /// The configuration is the caller's to clear.
     void clearSession();
+    /// How long a transfer may stand still before it fails as timed out; 30 s at first.
+    void setTransferTimeout(std::chrono::milliseconds timeout);
 
     const model::User &currentUser() const { return m_user; }
     bool hasToken() const { return !m_jwt.isEmpty(); }
 
 private:
+    using OutcomeHandler = std::function<void(const ReplyOutcome &)>;
+
+    QNetworkRequest request(const QString &path, const QString &bearer = {}) const;
+    void whenFinished(QNetworkReply *reply, OutcomeHandler handler);
+    /// Runs `task` from the event loop, unless the session was cleared meanwhile.
+    void later(std::function<void()> task);
+
+    void onLoginReply(const ReplyOutcome &outcome, const QStringList &secrets, const Callback &callback);
+    void onRefreshReply(const ReplyOutcome &outcome, const Callback &callback);
+    void acceptTokens(const model::AuthData &data);
+    void requestFSDToken(TokenCallback callback, bool mayRetry);
+    void refreshThenRequestFSDToken(TokenCallback callback, bool mayRetry);
+    template <class T>
+    void getRecord(const RecordQuery &query, RecordCallback<T> callback);
+
+    void armRefreshTimer();
+    void onRefreshTimeout();
+    qint64 nowSeconds() const;
+
+    AppConfig &m_config;
+    const common::Clock &m_clock;
     QNetworkAccessManager m_manager;
     QString m_baseUrl;
     QString m_jwt;
     QString m_refreshToken;
     model::User m_user;
-    QTimer m_refreshTimer;
-    qint64 m_jwtExpiry = 0; ///< Unix seconds, 0 for unknown
+    QTimer m_refreshTimer{this};
+    qint64 m_jwtExpiry = 0;    ///< Unix seconds, 0 for unknown
+    quint64 m_generation = 0;  ///< counts the cleared sessions, so that a late reply can tell that it is stale
+    bool m_waitGoesOn = false; ///< the timer runs a clamped part of a longer wait
 };
 
 } // namespace tarvo::network

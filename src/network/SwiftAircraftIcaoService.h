@@ -1,6 +1,10 @@
 #pragma once
 
-#include <QHash>
+#include "common/Clock.h"
+#include "network/IcaoDatabase.h"
+#include "network/IcaoSnapshot.h"
+#include "network/SwiftAircraftIcaoRow.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -14,38 +18,6 @@ class AppConfig;
 
 namespace tarvo::network {
 
-/// One aircraft type of the database.
-struct SwiftAircraftIcaoRow
-{
-    qint64 id = 0;
-    QString designator; ///< ICAO type designator, such as "B738"
-    QString manufacturer;
-    QString model;
-    QString type; ///< description such as "L2J"
-    QString engine;
-    int engineCount = 0;
-    QString wakeTurbulenceCategory;
-    int rank = 0;
-    bool realWorld = false;
-    bool legacy = false;
-    bool military = false;
-    QString created;
-    QString lastUpdated;
-
-    bool operator==(const SwiftAircraftIcaoRow &) const = default;
-};
-
-/// What normalize() made of a text.
-struct SwiftAircraftIcaoResult
-{
-    QString text;       ///< as given
-    QString canonical;  ///< the designator, or the trimmed upper-cased text when not found
-    bool exact = false; ///< the trimmed upper-cased text was itself the designator
-    bool found = false;
-
-    bool operator==(const SwiftAircraftIcaoResult &) const = default;
-};
-
 /// Knows the ICAO aircraft type designators. Loaded once from an SQLite file; every look-up is answered from memory.
 /// Main thread only. Never refuses a call: without data normalize() passes the text through.
 class SwiftAircraftIcaoService : public QObject
@@ -57,12 +29,13 @@ public:
     /// The program's own service, over AppConfig::instance().
     static SwiftAircraftIcaoService &instance();
 
-    explicit SwiftAircraftIcaoService(AppConfig &config, QObject *parent = nullptr);
+    explicit SwiftAircraftIcaoService(AppConfig &config, QObject *parent = nullptr,
+                                      const common::Clock &clock = common::systemClock());
     ~SwiftAircraftIcaoService() override;
 
     /// Runs the load order once, synchronously; later calls do nothing.
     void ensureLoaded();
-    bool isReady() const;
+    bool isReady() const { return m_ready; }
 
     /// The designator that a free text names.
     SwiftAircraftIcaoResult normalize(const QString &text) const;
@@ -70,11 +43,43 @@ public:
     QList<SwiftAircraftIcaoRow> rowsFor(const QString &designator) const;
     /// At most `limit` designators that fit what the pilot has typed so far, best first.
     QStringList suggest(const QString &query, int limit) const;
-    /// Calls back with normalize()'s result, now when loaded, else after the load.
+    /// Calls back with normalize()'s result, now when loaded, else after the load. Doesn't start the load.
     void normalizeAsync(const QString &text, std::function<void(const SwiftAircraftIcaoResult &)> callback);
 
 signals:
     void readyChanged();
+
+private:
+    struct PendingText
+    {
+        QString text;
+        std::function<void(const SwiftAircraftIcaoResult &)> callback;
+    };
+
+    /// Goes through the sources until one has made the service ready.
+    void loadFromSources();
+    /// Opens the writable database if it isn't open for writing yet, making it when it is missing.
+    bool switchToWritable();
+    /// Reads the open database into memory. True when that made the service ready.
+    bool loadSnapshot();
+    bool migrateDatabase(const QString &label, const QString &source);
+    bool copyDatabase(const QString &label, const QString &source);
+    void migrateLegacyJson();
+    void importDoc8643();
+    bool importRows(const IcaoImport &import);
+    void runPending();
+    QString underDataRoot(const QString &path) const;
+    QString importTime() const;
+
+    AppConfig &m_config;
+    const common::Clock &m_clock;
+    IcaoDatabase m_database;
+    bool m_ready = false;
+    bool m_loading = false;
+    bool m_loadAttempted = false;
+    bool m_migrationTried = false;
+    IcaoSnapshot m_snapshot;
+    QList<PendingText> m_pending;
 };
 
 } // namespace tarvo::network

@@ -1,0 +1,44 @@
+#include "network/ReplyOutcome.h"
+
+#include <QNetworkRequest>
+#include <QVariant>
+
+namespace tarvo::network {
+
+namespace {
+constexpr char tooLongProperty[] = "tarvoBodyTooLong";
+} // namespace
+
+bool ReplyOutcome::timedOut() const
+{
+    return error == QNetworkReply::TimeoutError || error == QNetworkReply::OperationCanceledError;
+}
+
+void limitBody(QNetworkReply *reply)
+{
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() <= longestReplyBody || reply->isFinished())
+            return;
+        reply->setProperty(tooLongProperty, true); // abort() alone would look like a time-out
+        reply->abort();
+    });
+}
+
+ReplyOutcome takeOutcome(QNetworkReply &reply)
+{
+    ReplyOutcome outcome{.error = reply.error(),
+                         .errorString = reply.errorString(),
+                         .httpStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
+                         .url = reply.request().url(),
+                         .body = {}};
+    const bool tooLong = reply.property(tooLongProperty).toBool() || reply.bytesAvailable() > longestReplyBody;
+    if (tooLong) {
+        outcome.error = QNetworkReply::UnknownContentError;
+        outcome.errorString = QStringLiteral("The reply is too long");
+    } else if (reply.isReadable()) {
+        outcome.body = reply.readAll();
+    }
+    return outcome;
+}
+
+} // namespace tarvo::network
