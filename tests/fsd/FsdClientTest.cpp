@@ -2,9 +2,14 @@
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
 
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
+
+#include <memory>
+#include <utility>
+#include <vector>
 
 using tarvo::fsd::FsdClient;
 using tarvo::test::FsdPeer;
@@ -371,6 +376,64 @@ private slots:
         QVERIFY(session.peer.expectNothing());
         QCOMPARE(firstArgument(session.errors),
                  QStringLiteral("Invalid field count for AuthChallenge command. (Raw packet: SERVER:X)"));
+    }
+
+    void eachLineRaisesItsOneSignal_data()
+    {
+        QTest::addColumn<QString>("signal"); // the row's name is the line; an empty signal stands for none
+        QTest::newRow("@N:A:1:1:1:1:1:1:1:1") << u"raisePilotPositionReceived"_qs;
+        QTest::newRow("^A:1:2:3:4:5:6:7:8:9:10:11") << u"raiseFastPilotPositionReceived"_qs;
+        QTest::newRow("%A:18500:1:1:1:1:1") << u"raiseATCPositionReceived"_qs;
+        QTest::newRow("$DIS:C:v:k") << u"raiseServerIdentificationReceived"_qs;
+        QTest::newRow("$IDA:S:1:c:3:0:1:s") << u"raiseClientIdentificationReceived"_qs;
+        QTest::newRow("#AAA:S:n:1:p:1") << u"raiseAddATCReceived"_qs;
+        QTest::newRow("#DAA:1") << u"raiseDeleteATCReceived"_qs;
+        QTest::newRow("#APA:S:1:p:1:9:1:n") << u"raiseAddPilotReceived"_qs;
+        QTest::newRow("#DPA:1") << u"raiseDeletePilotReceived"_qs;
+        QTest::newRow("#TMA:*:hi") << u"raiseBroadcastMessageReceived"_qs;
+        QTest::newRow("#TMA:*A:hi") << u"raiseBroadcastMessageReceived"_qs;
+        QTest::newRow("#TMA:*P:hi") << u"raiseBroadcastMessageReceived"_qs;
+        QTest::newRow("#TMA:*S:hi") << u"raiseWallopReceived"_qs;
+        QTest::newRow("#TMA:@18500:hi") << u"raiseRadioMessageReceived"_qs;
+        QTest::newRow("#TMA:B:hi") << u"raiseTextMessageReceived"_qs;
+        QTest::newRow("#TMSERVER:B:hi") << u"raiseTextMessageReceived"_qs;
+        QTest::newRow("$ARS:C:METAR:t") << u"raiseMetarResponseReceived"_qs;
+        QTest::newRow("$FPA:B:2:3:4:5:6:7:8:9:10:11:12:13:14:15:16") << u"raiseFlightPlanReceived"_qs;
+        QTest::newRow("#SBA:B:PIR") << u"raisePlaneInfoRequestReceived"_qs;
+        QTest::newRow("#SBA:B:PI:GEN:CSL=x") << u"raisePlaneInfoResponseReceived"_qs;
+        QTest::newRow("$PIA:B:1") << u"raisePingReceived"_qs;
+        QTest::newRow("$POA:B:1") << u"raisePongReceived"_qs;
+        QTest::newRow("$CQA:B:RN") << u"raiseClientQueryReceived"_qs;
+        QTest::newRow("$CRA:B:RN") << u"raiseClientQueryResponseReceived"_qs;
+        QTest::newRow("$!!S:C:r") << u"raiseKillRequestReceived"_qs;
+        QTest::newRow("$ERS:C:1:p:m") << u"raiseProtocolErrorReceived"_qs;
+        QTest::newRow("$SFS:C:1") << u"raiseSendFastReceived"_qs;
+        QTest::newRow("#SLA:1:2:3:4:5:6:7:8:9:10:11") << u"raiseFastPilotPositionReceived"_qs;
+        QTest::newRow("#STA:1:2:3:4:5") << u"raiseFastPilotPositionReceived"_qs;
+        QTest::newRow("#MUS:C:1") << u"raiseMuteReceived"_qs;
+        QTest::newRow("$ZCS:C:abc") << u""_qs;
+        QTest::newRow("$XXS:C:not..a.name") << u""_qs;
+    }
+    void eachLineRaisesItsOneSignal()
+    {
+        QFETCH(QString, signal);
+        const QString line = QString::fromLatin1(QTest::currentDataTag());
+        Session session;
+        QVERIFY(session.open());
+        const QMetaObject &meta = FsdClient::staticMetaObject;
+        std::vector<std::pair<QString, std::unique_ptr<QSignalSpy>>> spies;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            const QString name = QString::fromLatin1(meta.method(i).name());
+            if (meta.method(i).methodType() == QMetaMethod::Signal && name.startsWith(u"raise"))
+                spies.emplace_back(name, std::make_unique<QSignalSpy>(&session.client, meta.method(i)));
+        }
+        session.peer.inject(line);
+        QTRY_COMPARE(session.received.count(), 1);
+        QCOMPARE(firstArgument(session.received), line + u"\r\n"_qs);
+        for (const auto &[name, spy] : spies) {
+            if (name != u"raiseRawDataReceived" && name != u"raiseRawDataSent")
+                QCOMPARE(QStringList(spy->count(), name), name == signal ? QStringList{name} : QStringList());
+        }
     }
 
     void aHandlerThatRunsTheEventLoopKeepsTheOrder()

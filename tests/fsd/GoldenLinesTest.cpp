@@ -1,0 +1,171 @@
+#include "fsd/Dispatcher.h"
+#include "fsd/LineSplitter.h"
+#include "fsd/pdu/AuthResponse.h"
+#include "fsd/pdu/FsdLine.h"
+#include "fsd/pdu/MetarRequest.h"
+#include "fsd/pdu/PDUFormatException.h"
+#include "support/TestRegistry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QTest>
+
+#include <stdexcept>
+
+using namespace tarvo::fsd;
+
+namespace {
+
+/// Reads a line as the class of a golden file and writes it back, with its line end.
+using Replay = QString (*)(const QString &line);
+
+template <class Pdu>
+QString replayThroughDispatcher(const QString &line)
+{
+    const AnyPdu any = parseLine(line);
+    const auto *pdu = std::get_if<Pdu>(&any);
+    if (!pdu)
+        throw std::runtime_error("the line was read as another class");
+    return toLine(*pdu);
+}
+
+/// This client only ever sends it.
+QString replayAuthResponse(const QString &line)
+{
+    return toLine(pdu::AuthResponse::parse(line.sliced(pdu::AuthResponse::identifier.size()).split(u':')));
+}
+
+/// Has no identifier.
+QString replayMetarRequest(const QString &line)
+{
+    return pdu::MetarRequest::parse(line.split(u':')).serialize().join(u':') + QLatin1StringView("\r\n");
+}
+
+const QHash<QString, Replay> replays{
+    {QStringLiteral("PilotPosition"), replayThroughDispatcher<pdu::PilotPosition>},
+    {QStringLiteral("FastPilotPosition"), replayThroughDispatcher<pdu::FastPilotPosition>},
+    {QStringLiteral("ATCPosition"), replayThroughDispatcher<pdu::ATCPosition>},
+    {QStringLiteral("ServerIdentification"), replayThroughDispatcher<pdu::ServerIdentification>},
+    {QStringLiteral("ClientIdentification"), replayThroughDispatcher<pdu::ClientIdentification>},
+    {QStringLiteral("AddATC"), replayThroughDispatcher<pdu::AddATC>},
+    {QStringLiteral("DeleteATC"), replayThroughDispatcher<pdu::DeleteATC>},
+    {QStringLiteral("AddPilot"), replayThroughDispatcher<pdu::AddPilot>},
+    {QStringLiteral("DeletePilot"), replayThroughDispatcher<pdu::DeletePilot>},
+    {QStringLiteral("BroadcastMessage"), replayThroughDispatcher<pdu::BroadcastMessage>},
+    {QStringLiteral("Wallop"), replayThroughDispatcher<pdu::Wallop>},
+    {QStringLiteral("RadioMessage"), replayThroughDispatcher<pdu::RadioMessage>},
+    {QStringLiteral("TextMessage"), replayThroughDispatcher<pdu::TextMessage>},
+    {QStringLiteral("MetarRequest"), replayMetarRequest},
+    {QStringLiteral("MetarResponse"), replayThroughDispatcher<pdu::MetarResponse>},
+    {QStringLiteral("FlightPlan"), replayThroughDispatcher<pdu::FlightPlan>},
+    {QStringLiteral("PlaneInfoRequest"), replayThroughDispatcher<pdu::PlaneInfoRequest>},
+    {QStringLiteral("PlaneInfoResponse"), replayThroughDispatcher<pdu::PlaneInfoResponse>},
+    {QStringLiteral("Ping"), replayThroughDispatcher<pdu::Ping>},
+    {QStringLiteral("Pong"), replayThroughDispatcher<pdu::Pong>},
+    {QStringLiteral("ClientQuery"), replayThroughDispatcher<pdu::ClientQuery>},
+    {QStringLiteral("ClientQueryResponse"), replayThroughDispatcher<pdu::ClientQueryResponse>},
+    {QStringLiteral("AuthChallenge"), replayThroughDispatcher<pdu::AuthChallenge>},
+    {QStringLiteral("AuthResponse"), replayAuthResponse},
+    {QStringLiteral("KillRequest"), replayThroughDispatcher<pdu::KillRequest>},
+    {QStringLiteral("ProtocolError"), replayThroughDispatcher<pdu::ProtocolError>},
+    {QStringLiteral("SendFast"), replayThroughDispatcher<pdu::SendFast>},
+    {QStringLiteral("ChangeServer"), replayThroughDispatcher<pdu::ChangeServer>},
+    {QStringLiteral("Mute"), replayThroughDispatcher<pdu::Mute>},
+};
+
+/// The bytes of a cell: `\xE9` stands for the byte 0xE9.
+QByteArray bytesOf(const QByteArray &cell)
+{
+    QByteArray bytes = cell.trimmed();
+    for (qsizetype at = bytes.indexOf("\\x"); at >= 0; at = bytes.indexOf("\\x", at + 1))
+        bytes.replace(at, 4, QByteArray::fromHex(bytes.sliced(at + 2, 2)));
+    return bytes;
+}
+
+QString folder()
+{
+    return QStringLiteral(TARVO_SOURCE_DIR "/tests/fsd/golden");
+}
+
+/// The rows of one file, four cells each.
+QList<QByteArrayList> rowsOf(const QString &className)
+{
+    QList<QByteArrayList> rows;
+    QFile file(folder() + u'/' + className + QLatin1StringView(".txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        return rows;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (!line.trimmed().isEmpty() && !line.startsWith(';'))
+            rows.append(line.split('|'));
+    }
+    return rows;
+}
+
+} // namespace
+
+class GoldenLinesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyClassHasSixRows_data()
+    {
+        QTest::addColumn<QString>("className");
+        for (auto it = replays.begin(); it != replays.end(); ++it)
+            QTest::newRow(qUtf8Printable(it.key())) << it.key();
+    }
+    void everyClassHasSixRows()
+    {
+        QFETCH(QString, className);
+        QVERIFY(rowsOf(className).size() >= 6);
+    }
+
+    void everyFileIsReplayed()
+    {
+        for (const QString &name : QDir(folder()).entryList({QStringLiteral("*.txt")}))
+            QVERIFY2(replays.contains(name.chopped(4)), qUtf8Printable(name));
+    }
+
+    void lines_data()
+    {
+        QTest::addColumn<QString>("className");
+        QTest::addColumn<QByteArray>("in");
+        QTest::addColumn<QByteArray>("out");
+        QTest::addColumn<QByteArray>("error");
+        for (auto it = replays.begin(); it != replays.end(); ++it) {
+            for (const QByteArrayList &row : rowsOf(it.key())) {
+                QVERIFY2(row.size() == 4, row.join('|').constData());
+                QTest::addRow("%s: %s", qUtf8Printable(it.key()), row[0].trimmed().constData())
+                    << it.key() << bytesOf(row[1]) << bytesOf(row[2]) << bytesOf(row[3]);
+            }
+        }
+    }
+    void lines()
+    {
+        QFETCH(QString, className);
+        QFETCH(QByteArray, in);
+        QFETCH(QByteArray, out);
+        QFETCH(QByteArray, error);
+        LineSplitter splitter;
+        QStringList received;
+        splitter.feed(QString::fromLatin1(in + "\r\n"), received);
+        QCOMPARE(received.size(), 1);
+
+        QByteArray written;
+        QByteArray failure;
+        try {
+            written = replays[className](received.constFirst()).toLatin1();
+        } catch (const PDUFormatException &exception) {
+            failure =
+                (exception.error() + QLatin1StringView(" (Raw packet: ") + exception.rawMessage() + u')').toLatin1();
+        } catch (const std::runtime_error &wrong) {
+            failure = wrong.what();
+        }
+        QCOMPARE(failure, error);
+        QCOMPARE(written, error.isEmpty() ? out + "\r\n" : QByteArray());
+    }
+};
+
+TARVO_TEST(GoldenLinesTest)
+#include "GoldenLinesTest.moc"
