@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/Clock.h"
+#include "ui/viewmodel/LineLog.h"
+
 #include <QObject>
 #include <QString>
 #include <QVariantList>
@@ -33,7 +36,7 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(QVariantList atcLeaderboard READ atcLeaderboard NOTIFY leaderboardChanged)
 
 public:
-    using QObject::QObject;
+    explicit DashboardViewModel(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
 
     QString username() const { return m_username; }
     QString cid() const { return m_cid; }
@@ -51,7 +54,7 @@ public:
     double altitude() const { return m_altitude; }       ///< feet
     double heading() const { return m_heading; }         ///< degrees
     double groundSpeed() const { return m_groundSpeed; } ///< knots
-    QString serverLog() const { return m_serverLog; }
+    QString serverLog() const { return m_serverLog.text(); }
     QVariantList recentFlights() const { return m_recentFlights; }
     QVariantList pilotLeaderboard() const { return m_pilotLeaderboard; }
     QVariantList atcLeaderboard() const { return m_atcLeaderboard; }
@@ -92,23 +95,24 @@ signals:
     void simulatorReconnectRequest();
 
 private:
-    QString m_username = QStringLiteral("游客");
+    const common::Clock &m_clock;
+    QString m_username = tr("游客");
     QString m_cid = QStringLiteral("--");
     QString m_rating = QStringLiteral("--");
-    QString m_pilotTime = QStringLiteral("0小时 0分");
-    QString m_atcTime = QStringLiteral("0小时 0分");
+    QString m_pilotTime = tr("0小时 0分");
+    QString m_atcTime = tr("0小时 0分");
     QString m_avatarUrl;
     QString m_currentMode = QStringLiteral("NONE");
     bool m_simulatorConnected = false;
-    QString m_simulatorStatusText = QStringLiteral("未连接");
+    QString m_simulatorStatusText = tr("未连接");
     bool m_serverConnected = false;
-    QString m_serverStatusText = QStringLiteral("未连接");
+    QString m_serverStatusText = tr("未连接");
     double m_latitude = 0;
     double m_longitude = 0;
     double m_altitude = 0;
     double m_heading = 0;
     double m_groundSpeed = 0;
-    QString m_serverLog;
+    LineLog m_serverLog;
     QVariantList m_recentFlights;
     QVariantList m_pilotLeaderboard;
     QVariantList m_atcLeaderboard;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/Clock.h"
+#include "ui/viewmodel/LineLog.h"
+
 #include <QObject>
 #include <QString>
 #include <QVariantList>
@@ -39,7 +42,8 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(QVariantList typeCodeSuggestions READ typeCodeSuggestions NOTIFY typeCodeSuggestionsChanged)
 
 public:
-    explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr);
+    explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr,
+                                 const common::Clock &clock = common::systemClock());
 
     bool serverConnected() const { return m_serverConnected; }
     QString serverStatusText() const { return m_serverStatusText; }
@@ -60,7 +64,7 @@ public:
     QString formErrorText() const { return m_formErrorText; }
     QString realName() const { return m_realName; }
     QString homeAirport() const { return m_homeAirport; }
-    QString serverLog() const { return m_serverLog; }
+    QString serverLog() const { return m_serverLog.text(); }
     /// Newest first; maps with "time", "title", "detail" and "tag". The oldest rows go beyond 2,000.
     QVariantList recentEvents() const { return m_recentEvents; }
     /// Maps with "designator", "title" and "detail".
@@ -97,6 +101,9 @@ signals:
     void formChanged();
     void profileChanged();
     void logChanged();
+    /// Goes before logChanged, so that a page can add one line instead of laying out the whole log again.
+    void logLineAdded(QString line);
+    void logCleared();
     void recentEventsChanged();
     void typeCodeSuggestionsChanged();
     void connectRequested(QString callsign, QString typeCode, QString selcal, bool observer);
@@ -106,17 +113,21 @@ private:
     void formEdited();
     void updateModeTexts();
     void updateFormError();
+    /// The first rule of the form that is broken; empty when there is none.
+    QString firstFormProblem() const;
+    void setSuggestions(const QVariantList &suggestions);
 
     network::SwiftAircraftIcaoService &m_icao;
+    const common::Clock &m_clock;
     bool m_serverConnected = false;
-    QString m_serverStatusText = QStringLiteral("未连接");
+    QString m_serverStatusText = tr("未连接");
     QString m_endpoint;
-    QString m_protocolLabel = QStringLiteral("经典协议");
+    QString m_protocolLabel = tr("经典协议");
     QString m_currentMode = QStringLiteral("NONE");
-    QString m_platformLabel = QStringLiteral("未选择平台");
-    QString m_connectActionLabel = QStringLiteral("连接网络");
+    QString m_platformLabel = tr("未选择平台");
+    QString m_connectActionLabel = tr("连接网络");
     /// Differs by one character from the text that the mode table gives for the same situation: kept on purpose.
-    QString m_modeHintText = QStringLiteral("请先选择模拟平台。");
+    QString m_modeHintText = tr("请先选择模拟平台。");
     QString m_callsign;
     QString m_typeCode;
     QString m_selcal;
@@ -128,7 +139,7 @@ private:
     QString m_formErrorText;
     QString m_realName;
     QString m_homeAirport;
-    QString m_serverLog;
+    LineLog m_serverLog;
     QVariantList m_recentEvents;
     QVariantList m_typeCodeSuggestions;
 };

@@ -1,0 +1,46 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import "pages"
+
+/// The main window's content. The one place that names the context properties: pages get their view models handed
+/// down, and live without them ("--").
+Rectangle {
+    id: rootWindow
+
+    // qmllint disable unqualified
+    readonly property var dashboard: typeof dashboardBackend === "undefined" ? null : dashboardBackend
+    readonly property var server: typeof serverBackend === "undefined" ? null : serverBackend
+    // qmllint enable unqualified
+    readonly property string mode: dashboard?.currentMode ?? "NONE"
+
+    signal logoutRequested()
+
+    width: 1280
+    height: 800
+    color: Style.windowBackground
+
+    Loader {
+        anchors.fill: parent
+        focus: true
+        sourceComponent: rootWindow.mode === "MSFS" || rootWindow.mode === "XPLANE" ? mainDashboard : modeSelection
+    }
+
+    Component {
+        id: modeSelection
+
+        ModeSelection {
+            dashboard: rootWindow.dashboard
+            onLogoutRequested: rootWindow.logoutRequested()
+        }
+    }
+
+    Component {
+        id: mainDashboard
+
+        MainDashboard {
+            dashboard: rootWindow.dashboard
+            server: rootWindow.server
+            onLogoutRequested: rootWindow.logoutRequested()
+        }
+    }
+}

@@ -1,0 +1,20 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import ".."
+
+ScrollBar {
+    id: bar
+
+    padding: 2
+    minimumSize: 0.06
+
+    contentItem: Rectangle {
+        implicitWidth: 6
+        implicitHeight: 6
+        radius: 3
+        color: bar.pressed ? Style.textSecondary : Style.textMuted
+        opacity: bar.size < 1 && (bar.active || bar.hovered) ? 0.8 : bar.size < 1 ? 0.35 : 0
+
+        Behavior on opacity { NumberAnimation { duration: Style.animationShort } }
+    }
+}

@@ -1,0 +1,78 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import ".."
+
+/// Recent events, newest first: maps with "time", "title", "detail" and "tag".
+ListView {
+    id: list
+
+    clip: true
+    spacing: Style.spacingSmall
+    boundsBehavior: Flickable.StopAtBounds
+    ScrollBar.vertical: CustomScrollBar {}
+
+    delegate: ColumnLayout {
+        id: event
+
+        required property var modelData
+
+        width: ListView.view.width - Style.spacingMedium
+        spacing: 2
+
+        RowLayout {
+            spacing: Style.spacingSmall
+
+            AppText {
+                text: event.modelData.time ?? ""
+                color: Style.textMuted
+                font.pixelSize: Style.fontSmall
+            }
+
+            AppText {
+                Layout.fillWidth: true
+                text: event.modelData.title ?? ""
+                font.pixelSize: 13
+                font.weight: Font.DemiBold
+                elide: Text.ElideRight
+            }
+
+            Rectangle {
+                implicitWidth: tag.implicitWidth + 16
+                implicitHeight: 20
+                radius: 10
+                color: Style.accentSoft
+                visible: tag.text.length > 0
+
+                AppText {
+                    id: tag
+
+                    anchors.centerIn: parent
+                    text: event.modelData.tag ?? ""
+                    color: Style.textSecondary
+                    font.pixelSize: 11
+                }
+            }
+        }
+
+        AppText {
+            Layout.fillWidth: true
+            visible: text.length > 0
+            text: event.modelData.detail ?? ""
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+            wrapMode: Text.Wrap
+            maximumLineCount: 3
+            elide: Text.ElideRight
+        }
+    }
+
+    AppText {
+        anchors.centerIn: parent
+        visible: list.count === 0
+        text: qsTr("暂无事件")
+        color: Style.textMuted
+        font.pixelSize: 13
+    }
+}

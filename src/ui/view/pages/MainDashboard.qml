@@ -1,0 +1,69 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import ".."
+import "../components"
+
+/// Sidebar and one section at a time. A section is built anew at each switch and shows what the view models hold.
+Item {
+    id: main
+
+    required property var dashboard
+    required property var server
+    property string currentSection: "dashboard"
+
+    signal logoutRequested()
+
+    Rectangle {
+        anchors.fill: parent
+        gradient: Gradient {
+            GradientStop { position: 0; color: Style.bgGradientStart }
+            GradientStop { position: 0.4; color: Style.bgGradientMiddle }
+            GradientStop { position: 1; color: Style.bgGradientEnd }
+        }
+    }
+
+    Image {
+        anchors.fill: parent
+        source: "qrc:/resources/theme/noise.png"
+        fillMode: Image.Tile
+        opacity: 0.035
+    }
+
+    Sidebar {
+        id: sidebar
+
+        width: 252
+        height: parent.height
+        dashboard: main.dashboard
+        currentSection: main.currentSection
+        sections: [{ key: "dashboard", title: qsTr("总览") }, { key: "server", title: qsTr("服务器") }]
+        onSectionRequested: key => main.currentSection = key
+        onLogoutRequested: main.logoutRequested()
+    }
+
+    Loader {
+        objectName: "sectionLoader"
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.margins: 16
+        focus: true
+        sourceComponent: main.currentSection === "server" ? serverSection : overviewSection
+    }
+
+    Component {
+        id: overviewSection
+
+        DashboardOverviewPage {
+            dashboard: main.dashboard
+            server: main.server
+        }
+    }
+
+    Component {
+        id: serverSection
+
+        ServerPage { server: main.server }
+    }
+}

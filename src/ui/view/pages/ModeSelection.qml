@@ -1,0 +1,116 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import ".."
+import "../components"
+
+/// The first page after the login: which simulator the pilot flies.
+Item {
+    id: page
+
+    required property var dashboard
+
+    signal logoutRequested()
+
+    Row {
+        anchors.fill: parent
+
+        Repeater {
+            model: ["qrc:/resources/2020.jpg", "qrc:/resources/xplane.png"]
+
+            Item {
+                id: half
+
+                required property string modelData
+
+                width: page.width / 2
+                height: page.height
+                clip: true
+
+                Image {
+                    anchors.fill: parent
+                    source: half.modelData
+                    fillMode: Image.PreserveAspectCrop
+                    smooth: true
+                    mipmap: true
+                }
+
+                Rectangle {
+                    anchors.fill: parent
+                    color: Style.imageFilm
+                }
+            }
+        }
+    }
+
+    ColumnLayout {
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 2 * Style.paddingPage, 720)
+        spacing: Style.spacingLarge
+
+        Image {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.preferredWidth: 72
+            Layout.preferredHeight: 72
+            source: "qrc:/resources/logo.png"
+            sourceSize.width: 144
+            smooth: true
+        }
+
+        AppText {
+            Layout.fillWidth: true
+            Layout.bottomMargin: Style.spacingLarge
+            horizontalAlignment: Text.AlignHCenter
+            text: qsTr("请选择飞行模拟平台")
+            color: Style.onImage
+            font.pixelSize: Style.fontDisplay
+            font.weight: Font.Bold
+        }
+
+        ModeCard {
+            objectName: "xplaneCard"
+            Layout.alignment: Qt.AlignHCenter
+            focus: true
+            text: "X-Plane"
+            description: qsTr("X-Plane 飞行模拟")
+            versions: qsTr("支持 10 / 11 / 12")
+            onClicked: page.dashboard?.requestModeChange("XPLANE")
+        }
+
+        AbstractButton {
+            id: logoutButton
+
+            objectName: "logoutButton"
+            Layout.alignment: Qt.AlignHCenter
+            Layout.topMargin: Style.spacingLarge
+            implicitWidth: 160
+            implicitHeight: Style.controlHeight
+            text: qsTr("退出登录")
+            focusPolicy: Qt.StrongFocus
+            Keys.onReturnPressed: clicked()
+            onClicked: page.logoutRequested()
+
+            background: Rectangle {
+                radius: height / 2
+                color: logoutButton.hovered ? Style.glassHover : Style.glass
+                border.width: logoutButton.visualFocus ? 2 : 1
+                border.color: logoutButton.visualFocus ? Style.onImage : Style.glassBorder
+            }
+            contentItem: AppText {
+                text: logoutButton.text
+                color: Style.onImage
+                horizontalAlignment: Text.AlignHCenter
+            }
+            HoverHandler { cursorShape: Qt.PointingHandCursor }
+        }
+
+        CidText {
+            Layout.fillWidth: true
+            horizontalAlignment: Text.AlignHCenter
+            cid: page.dashboard?.cid ?? "--"
+            color: Style.onImageSoft
+            font.pixelSize: 13
+        }
+    }
+}

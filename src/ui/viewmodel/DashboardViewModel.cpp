@@ -1,0 +1,120 @@
+#include "ui/viewmodel/DashboardViewModel.h"
+
+#include "common/Clock.h"
+
+namespace tarvo::ui::viewmodel {
+
+DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock) : QObject(parent), m_clock(clock) {}
+
+void DashboardViewModel::setUserInfo(const QString &username, const QString &cid, const QString &rating)
+{
+    if (username == m_username && cid == m_cid && rating == m_rating)
+        return;
+    m_username = username;
+    m_cid = cid;
+    m_rating = rating;
+    emit userInfoChanged();
+}
+
+void DashboardViewModel::setTimes(const QString &pilotTime, const QString &atcTime)
+{
+    if (pilotTime == m_pilotTime && atcTime == m_atcTime)
+        return;
+    m_pilotTime = pilotTime;
+    m_atcTime = atcTime;
+    emit userInfoChanged();
+}
+
+void DashboardViewModel::setAvatarUrl(const QString &avatarUrl)
+{
+    if (avatarUrl == m_avatarUrl)
+        return;
+    m_avatarUrl = avatarUrl;
+    emit userInfoChanged();
+}
+
+void DashboardViewModel::setCurrentMode(const QString &mode)
+{
+    if (mode == m_currentMode)
+        return;
+    m_currentMode = mode;
+    emit currentModeChanged();
+}
+
+void DashboardViewModel::setSimulatorState(bool connected, const QString &statusText)
+{
+    if (connected == m_simulatorConnected && statusText == m_simulatorStatusText)
+        return;
+    m_simulatorConnected = connected;
+    m_simulatorStatusText = statusText;
+    emit simulatorStateChanged();
+}
+
+void DashboardViewModel::setServerState(bool connected, const QString &statusText)
+{
+    if (connected == m_serverConnected && statusText == m_serverStatusText)
+        return;
+    m_serverConnected = connected;
+    m_serverStatusText = statusText;
+    emit serverStateChanged();
+}
+
+void DashboardViewModel::setFlightData(double latitude, double longitude, double altitudeFeet, double heading,
+                                       double groundSpeed)
+{
+    if (latitude == m_latitude && longitude == m_longitude && altitudeFeet == m_altitude && heading == m_heading &&
+        groundSpeed == m_groundSpeed)
+        return;
+    m_latitude = latitude;
+    m_longitude = longitude;
+    m_altitude = altitudeFeet;
+    m_heading = heading;
+    m_groundSpeed = groundSpeed;
+    emit flightDataChanged();
+}
+
+void DashboardViewModel::setRecentFlights(const QVariantList &flights)
+{
+    if (flights == m_recentFlights)
+        return;
+    m_recentFlights = flights;
+    emit recentFlightsChanged();
+}
+
+void DashboardViewModel::setLeaderboard(const QVariantList &pilots, const QVariantList &controllers)
+{
+    if (pilots == m_pilotLeaderboard && controllers == m_atcLeaderboard)
+        return;
+    m_pilotLeaderboard = pilots;
+    m_atcLeaderboard = controllers;
+    emit leaderboardChanged();
+}
+
+void DashboardViewModel::appendServerLog(const QString &text)
+{
+    m_serverLog.append(m_clock.wallMs(), text);
+    emit serverLogChanged();
+}
+
+void DashboardViewModel::requestModeChange(const QString &mode)
+{
+    emit modeChangedRequest(mode);
+}
+
+void DashboardViewModel::requestServerConnect(const QString &callsign, const QString &typeCode, const QString &selcal,
+                                              bool observer)
+{
+    emit serverConnectRequest(callsign, typeCode, selcal, observer);
+}
+
+void DashboardViewModel::requestServerDisconnect()
+{
+    emit serverDisconnectRequest();
+}
+
+void DashboardViewModel::requestSimulatorReconnect()
+{
+    emit simulatorReconnectRequest();
+}
+
+} // namespace tarvo::ui::viewmodel

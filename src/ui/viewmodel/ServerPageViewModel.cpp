@@ -1,0 +1,271 @@
+#include "ui/viewmodel/ServerPageViewModel.h"
+
+#include "common/Clock.h"
+#include "network/SwiftAircraftIcaoService.h"
+
+#include <QDateTime>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace tarvo::ui::viewmodel {
+
+namespace {
+
+const QString connectingText = QStringLiteral("连接中...");
+const QString disconnectingText = QStringLiteral("断开中...");
+constexpr int maximumSuggestions = 10;
+constexpr qsizetype maximumEvents = 2000;
+
+/// What the page says in one simulator mode. The first of each pair is for an observer.
+struct ModeTexts
+{
+    QString platform;
+    QString action[2];
+    QString hint[2];
+};
+
+ModeTexts textsFor(const QString &mode)
+{
+    if (mode == QLatin1String("MSFS"))
+        return {QStringLiteral("Microsoft Flight Simulator"),
+                {ServerPageViewModel::tr("以观察员连接 MSFS"), ServerPageViewModel::tr("连接 MSFS 网络")},
+                {ServerPageViewModel::tr("观察员模式会自动规范呼号，并跳过机型代码要求。"),
+                 ServerPageViewModel::tr("MSFS 飞行模式需要填写呼号和机型代码。")}};
+    if (mode == QLatin1String("XPLANE"))
+        return {QStringLiteral("X-Plane"),
+                {ServerPageViewModel::tr("以观察员连接 X-Plane"), ServerPageViewModel::tr("连接 X-Plane 网络")},
+                {ServerPageViewModel::tr("适合监听和观察，同时保持 X-Plane 插件在线。"),
+                 ServerPageViewModel::tr("连接前建议先确认插件版本、CSL 配置和无线电状态。")}};
+    const QString action = ServerPageViewModel::tr("连接网络");
+    const QString hint = ServerPageViewModel::tr("请先选择模拟器平台。");
+    return {ServerPageViewModel::tr("未选择平台"), {action, action}, {hint, hint}};
+}
+
+bool isCallsign(const QString &text)
+{
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(QStringLiteral("[A-Z0-9_]{2,12}")));
+    return pattern.match(text).hasMatch();
+}
+
+QVariantMap suggestionFor(const QString &designator, const network::SwiftAircraftIcaoRow &row)
+{
+    QStringList title{row.manufacturer, row.model};
+    title.removeAll(QString());
+    QStringList detail;
+    if (!row.type.isEmpty())
+        detail << row.type;
+    if (!row.wakeTurbulenceCategory.isEmpty())
+        detail << QStringLiteral("WTC %1").arg(row.wakeTurbulenceCategory);
+    return {{QStringLiteral("designator"), designator},
+            {QStringLiteral("title"), title.join(u' ')},
+            {QStringLiteral("detail"), detail.join(QStringLiteral(" · "))}};
+}
+
+} // namespace
+
+ServerPageViewModel::ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent,
+                                         const common::Clock &clock)
+    : QObject(parent), m_icao(icao), m_clock(clock)
+{
+}
+
+void ServerPageViewModel::setCallsign(const QString &callsign)
+{
+    if (callsign == m_callsign)
+        return;
+    m_callsign = callsign;
+    formEdited();
+}
+
+void ServerPageViewModel::setTypeCode(const QString &typeCode)
+{
+    if (typeCode == m_typeCode)
+        return;
+    m_typeCode = typeCode;
+    formEdited();
+}
+
+void ServerPageViewModel::setSelcal(const QString &selcal)
+{
+    if (selcal == m_selcal)
+        return;
+    m_selcal = selcal;
+    formEdited();
+}
+
+void ServerPageViewModel::setObserverMode(bool observer)
+{
+    if (observer == m_observerMode)
+        return;
+    m_observerMode = observer;
+    updateModeTexts();
+    formEdited();
+}
+
+void ServerPageViewModel::setCoordinatedVoice(bool coordinated)
+{
+    if (coordinated == m_coordinatedVoice)
+        return;
+    m_coordinatedVoice = coordinated;
+    formEdited();
+}
+
+void ServerPageViewModel::setServerState(bool connected, const QString &statusText)
+{
+    if (connected == m_serverConnected && statusText == m_serverStatusText)
+        return;
+    m_serverConnected = connected;
+    m_serverStatusText = statusText;
+    updateFormError();
+    emit serverStateChanged();
+    emit formChanged();
+}
+
+void ServerPageViewModel::setConnectedAsObserver(bool observer)
+{
+    if (observer == m_connectedAsObserver)
+        return;
+    m_connectedAsObserver = observer;
+    emit serverStateChanged();
+}
+
+void ServerPageViewModel::setEndpoint(const QString &endpoint)
+{
+    if (endpoint == m_endpoint)
+        return;
+    m_endpoint = endpoint;
+    emit endpointChanged();
+}
+
+void ServerPageViewModel::setVatsimProtocol(bool vatsim)
+{
+    const QString label = vatsim ? tr("VATSIM 协议") : tr("经典协议");
+    if (label == m_protocolLabel)
+        return;
+    m_protocolLabel = label;
+    emit protocolChanged();
+}
+
+void ServerPageViewModel::setCurrentMode(const QString &mode)
+{
+    if (mode == m_currentMode)
+        return;
+    m_currentMode = mode;
+    updateModeTexts();
+    formEdited();
+}
+
+void ServerPageViewModel::setProfile(const QString &realName, const QString &homeAirport)
+{
+    if (realName == m_realName && homeAirport == m_homeAirport)
+        return;
+    m_realName = realName;
+    m_homeAirport = homeAirport;
+    emit profileChanged();
+}
+
+void ServerPageViewModel::appendLog(const QString &text)
+{
+    const QString line = m_serverLog.append(m_clock.wallMs(), text);
+    emit logLineAdded(line);
+    emit logChanged();
+}
+
+void ServerPageViewModel::addRecentEvent(const QString &title, const QString &detail, const QString &tag)
+{
+    const QString time = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs()).toString(QStringLiteral("hh:mm:ss"));
+    if (m_recentEvents.size() >= maximumEvents)
+        m_recentEvents.removeLast();
+    m_recentEvents.prepend(QVariantMap{{QStringLiteral("time"), time},
+                                       {QStringLiteral("title"), title},
+                                       {QStringLiteral("detail"), detail},
+                                       {QStringLiteral("tag"), tag}});
+    emit recentEventsChanged();
+}
+
+void ServerPageViewModel::requestConnect()
+{
+    if (m_canConnect)
+        emit connectRequested(m_callsign, m_typeCode, m_selcal, m_observerMode);
+}
+
+void ServerPageViewModel::requestDisconnect()
+{
+    emit disconnectRequested();
+}
+
+void ServerPageViewModel::clearServerLog()
+{
+    if (!m_serverLog.isEmpty()) {
+        m_serverLog.clear();
+        emit logCleared();
+        emit logChanged();
+    }
+    m_recentEvents.clear();
+    addRecentEvent(tr("日志已清空"), tr("服务器日志和最近事件已重置。"), tr("系统"));
+}
+
+void ServerPageViewModel::refreshTypeCodeSuggestions(const QString &query)
+{
+    QVariantList suggestions;
+    const QString text = query.trimmed();
+    const QStringList designators = text.isEmpty() ? QStringList() : m_icao.suggest(text, maximumSuggestions);
+    for (const QString &designator : designators)
+        suggestions << suggestionFor(designator, m_icao.rowsFor(designator).value(0));
+    setSuggestions(suggestions);
+}
+
+void ServerPageViewModel::applyTypeCodeSuggestion(const QString &designator)
+{
+    m_typeCode = designator;
+    setSuggestions({});
+    formEdited();
+}
+
+void ServerPageViewModel::setSuggestions(const QVariantList &suggestions)
+{
+    if (suggestions == m_typeCodeSuggestions)
+        return;
+    m_typeCodeSuggestions = suggestions;
+    emit typeCodeSuggestionsChanged();
+}
+
+void ServerPageViewModel::formEdited()
+{
+    updateFormError();
+    emit formChanged();
+}
+
+void ServerPageViewModel::updateModeTexts()
+{
+    const ModeTexts texts = textsFor(m_currentMode);
+    const int role = m_observerMode ? 0 : 1;
+    m_platformLabel = texts.platform;
+    m_connectActionLabel = texts.action[role];
+    m_modeHintText = texts.hint[role];
+    m_typeCodeRequired = !m_observerMode;
+}
+
+void ServerPageViewModel::updateFormError()
+{
+    m_formErrorText = m_serverConnected ? QString() : firstFormProblem();
+    m_canConnect = m_formErrorText.isEmpty() && !m_serverConnected;
+}
+
+QString ServerPageViewModel::firstFormProblem() const
+{
+    if (m_serverStatusText == connectingText)
+        return tr("正在连接服务器，请等待当前连接完成。");
+    if (m_serverStatusText == disconnectingText)
+        return tr("正在断开服务器，请稍后再连接。");
+    if (m_callsign.isEmpty())
+        return tr("请先填写呼号。");
+    if (!isCallsign(m_callsign.toUpper()))
+        return tr("呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。");
+    if (m_typeCodeRequired && m_typeCode.isEmpty())
+        return tr("飞行员模式需要填写机型代码。");
+    return {};
+}
+
+} // namespace tarvo::ui::viewmodel
