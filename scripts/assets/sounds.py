@@ -14,7 +14,7 @@ def note(path, start, frequency, level, decay):
     """A struck bar: a fundamental and two quiet overtones that fade faster."""
     subprocess.run(
         ["sox", "-R", "-n", "-r", "44100", "-b", "24", "-c", "1", str(path), "synth", str(decay), "sine", str(frequency),
-         "fade", "l", "0.006", str(decay), str(decay * 0.97), "vol", str(0.42 * level), "pad", str(start)], check=True)
+         "fade", "l", "0.006", str(decay), str(decay - 0.01), "vol", str(0.42 * level), "pad", str(start)], check=True)
 
 
 def write_sound(path, notes, decay):
@@ -26,7 +26,7 @@ def write_sound(path, notes, decay):
                 note(part, start, frequency * overtone, level * gain, decay * life)
                 parts.append(str(part))
         subprocess.run(["sox", "-R", "-m", "-v", "1", parts[0], *[a for p in parts[1:] for a in ("-v", "1", p)],
-                        "-C", "96.2", str(path), "reverb", "18", "40", "30", "norm", "-6", "fade", "t", "0", "-0",
+                        "-C", "96.2", str(path), "channels", "2", "reverb", "18", "40", "30", "norm", "-6", "fade", "t", "0", "-0",
                         "0.06"], check=True)
 
 

@@ -55,7 +55,7 @@ ComboBox {
         contentItem: ListView {
             clip: true
             implicitHeight: contentHeight
-            model: combo.popup.visible ? combo.delegateModel : null // qmllint disable type property
+            model: combo.popup.visible ? combo.delegateModel : null // qmllint disable type
             currentIndex: combo.highlightedIndex
             ScrollBar.vertical: CustomScrollBar {}
         }

@@ -50,7 +50,7 @@ CustomTextField {
     }
 
     function apply(designator: string): void {
-        Qt.inputMethod.commit() // qmllint disable property
+        Qt.inputMethod.commit() // qmllint disable type
         server?.applyTypeCodeSuggestion(designator)
     }
 

@@ -118,7 +118,7 @@ Card {
 
     /// Enter in a field connects; it never disconnects.
     function submit(): void {
-        Qt.inputMethod.commit() // qmllint disable property
+        Qt.inputMethod.commit() // qmllint disable type
         if (!connected)
             server?.requestConnect()
     }
