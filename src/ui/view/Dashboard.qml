@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import "pages"
 
@@ -29,8 +28,8 @@ Rectangle {
         id: modeSelection
 
         ModeSelection {
-            dashboard: rootWindow.dashboard
-            onLogoutRequested: rootWindow.logoutRequested()
+            dashboard: rootWindow.dashboard // qmllint disable unqualified
+            onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }
     }
 
@@ -38,9 +37,9 @@ Rectangle {
         id: mainDashboard
 
         MainDashboard {
-            dashboard: rootWindow.dashboard
-            server: rootWindow.server
-            onLogoutRequested: rootWindow.logoutRequested()
+            dashboard: rootWindow.dashboard // qmllint disable unqualified
+            server: rootWindow.server // qmllint disable unqualified
+            onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }
     }
 }

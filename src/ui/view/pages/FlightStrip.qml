@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import ".."
@@ -93,13 +92,13 @@ Card {
             AppText {
                 Layout.preferredHeight: 34
                 text: reading.value
-                color: strip.live ? Style.textActive : Style.textMuted
+                color: strip.live ? Style.textActive : Style.textMuted // qmllint disable unqualified
                 font.pixelSize: reading.valueSize
                 font.weight: Font.DemiBold
             }
 
             AppText {
-                visible: strip.live
+                visible: strip.live // qmllint disable unqualified
                 Layout.alignment: Qt.AlignBottom
                 bottomPadding: 6
                 text: reading.unit

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import ".."
 import "../components"
@@ -56,14 +55,14 @@ Item {
         id: overviewSection
 
         DashboardOverviewPage {
-            dashboard: main.dashboard
-            server: main.server
+            dashboard: main.dashboard // qmllint disable unqualified
+            server: main.server // qmllint disable unqualified
         }
     }
 
     Component {
         id: serverSection
 
-        ServerPage { server: main.server }
+        ServerPage { server: main.server } // qmllint disable unqualified
     }
 }

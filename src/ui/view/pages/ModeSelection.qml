@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -24,8 +23,8 @@ Item {
 
                 required property string modelData
 
-                width: page.width / 2
-                height: page.height
+                width: page.width / 2 // qmllint disable unqualified
+                height: page.height // qmllint disable unqualified
                 clip: true
 
                 Image {

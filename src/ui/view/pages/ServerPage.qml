@@ -173,7 +173,8 @@ ColumnLayout {
             Layout.fillWidth: true
             text: fact.value
             font.weight: Font.DemiBold
-            elide: Text.ElideRight
+            verticalAlignment: Text.AlignTop
+            wrapMode: Text.Wrap
         }
     }
 }

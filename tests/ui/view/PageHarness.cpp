@@ -1,0 +1,179 @@
+#include "PageHarness.h"
+
+#include <QDir>
+#include <QFile>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQmlError>
+#include <QTest>
+#include <QUrl>
+
+#include <functional>
+
+namespace tarvo::test {
+
+namespace {
+
+/// Some type data where the service looks for it.
+QString writeTypeData(const QString &folder)
+{
+    QDir(folder).mkpath(QStringLiteral("resources"));
+    QFile file(folder + QStringLiteral("/resources/Doc8643.txt"));
+    if (file.open(QIODevice::WriteOnly))
+        file.write("BOEING\t737-800\tB738\tL2J\tM\nBOEING\t737-700\tB737\tL2J\tM\nBOEING\t737 MAX 8\tB38M\tL2J\tM\n"
+                   "BOEING\t777-300ER\tB77W\tL2J\tH\nAIRBUS\tA-320\tA320\tL2J\tM\nAIRBUS\tA-320neo\tA20N\tL2J\tM\n"
+                   "CESSNA\t172 Skyhawk\tC172\tL1P\tL\n");
+    return folder;
+}
+
+void collect(QQuickItem *item, const std::function<bool(QQuickItem *)> &wanted, QList<QQuickItem *> &found)
+{
+    if (!item->isVisible())
+        return;
+    if (wanted(item))
+        found << item;
+    const QList<QQuickItem *> children = item->childItems();
+    for (QQuickItem *child : children)
+        collect(child, wanted, found);
+}
+
+bool isText(QQuickItem *item)
+{
+    return item->inherits("QQuickText");
+}
+
+} // namespace
+
+PageHarness::PageHarness(Backends backends, QSize size)
+    : m_config(writeTypeData(m_folder.path())),
+      m_icao(m_config),
+      m_dashboard(nullptr, m_clock),
+      m_server(m_icao, nullptr, m_clock)
+{
+    m_icao.ensureLoaded();
+    QObject::connect(view.engine(), &QQmlEngine::warnings, view.engine(), [this](const QList<QQmlError> &errors) {
+        for (const QQmlError &error : errors)
+            m_complaints << error.toString();
+    });
+    const bool present = backends == Backends::Present;
+    if (backends != Backends::Absent) {
+        view.rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), present ? &m_dashboard : nullptr);
+        view.rootContext()->setContextProperty(QStringLiteral("serverBackend"), present ? &m_server : nullptr);
+    }
+    view.setResizeMode(QQuickView::SizeRootObjectToView);
+    view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
+    view.resize(size);
+    view.show();
+    view.requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+}
+
+void PageHarness::fillAccount()
+{
+    m_dashboard.setUserInfo(QStringLiteral("欧阳靖远"), QStringLiteral("CID: 1001"), QStringLiteral("高级教员 (I3)"));
+    m_dashboard.setTimes(QStringLiteral("1286小时 47分"), QStringLiteral("342小时 09分"));
+    QVariantList flights;
+    for (int i = 0; i < 20; ++i)
+        flights << QVariantMap{{QStringLiteral("callsign"), QStringLiteral("CES%1").arg(2352 + 31 * i)},
+                               {QStringLiteral("time"),
+                                QStringLiteral("11-%1 19:4%2 - 22:1%2").arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10)},
+                               {QStringLiteral("duration"), QStringLiteral("2小时 %1分").arg(30 + i)}};
+    m_dashboard.setRecentFlights(flights);
+    const QStringList names{QStringLiteral("欧阳靖远"),
+                            QStringLiteral("李想"),
+                            QStringLiteral("Zhang Wei"),
+                            QStringLiteral("王小明"),
+                            QStringLiteral("司徒嘉慧"),
+                            QStringLiteral("陈晨"),
+                            QStringLiteral("Alexander von Humboldt"),
+                            QStringLiteral("刘洋"),
+                            QStringLiteral("赵一鸣"),
+                            QStringLiteral("孙悦")};
+    QVariantList pilots;
+    QVariantList controllers;
+    for (int i = 0; i < names.size(); ++i) {
+        const QVariantMap row{{QStringLiteral("rank"), i + 1},
+                              {QStringLiteral("name"), names.at(i)},
+                              {QStringLiteral("cid"), 1001 + i},
+                              {QStringLiteral("time"), QStringLiteral("%1小时 05分").arg(1286 - 97 * i)}};
+        pilots << row;
+        if (i < 7)
+            controllers << row;
+    }
+    m_dashboard.setLeaderboard(pilots, controllers);
+    m_server.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZSPD 上海浦东国际机场"));
+}
+
+void PageHarness::fillFlight()
+{
+    m_dashboard.setSimulatorState(true, QStringLiteral("已连接"));
+    m_dashboard.setFlightData(40.0801, 116.5846, 32150.4, 52.4, 451.6);
+}
+
+void PageHarness::connectToNetwork()
+{
+    m_server.setCallsign(QStringLiteral("ces2352"));
+    m_server.setTypeCode(QStringLiteral("B738"));
+    m_server.appendLog(QStringLiteral("正在连接 FSD 127.0.0.1:6809，呼号=CES2352，机型=B738，观察员模式=false"));
+    m_server.appendLog(QStringLiteral("FSD 已连接：CES2352"));
+    m_server.setEndpoint(QStringLiteral("127.0.0.1:6809"));
+    m_server.setServerState(true, QStringLiteral("已连接"));
+    m_dashboard.setServerState(true, QStringLiteral("已连接"));
+    m_server.addRecentEvent(QStringLiteral("网络已连接"), QStringLiteral("网络已连接，当前呼号：CES2352"),
+                            QStringLiteral("网络"));
+    m_server.addRecentEvent(QStringLiteral("通知"), QStringLiteral("Connected to network."), QStringLiteral("系统"));
+}
+
+void PageHarness::openSection(const QString &title)
+{
+    click(itemWithText(title));
+    QCoreApplication::processEvents();
+}
+
+QQuickItem *PageHarness::item(const QString &objectName) const
+{
+    QList<QQuickItem *> found;
+    collect(
+        view.rootObject(), [&](QQuickItem *candidate) { return candidate->objectName() == objectName; }, found);
+    return found.value(0);
+}
+
+QQuickItem *PageHarness::itemWithText(const QString &text) const
+{
+    const QList<QQuickItem *> all = texts();
+    for (QQuickItem *candidate : all)
+        if (candidate->property("text").toString() == text)
+            return candidate;
+    return nullptr;
+}
+
+QList<QQuickItem *> PageHarness::texts() const
+{
+    QList<QQuickItem *> found;
+    collect(view.contentItem(), isText, found);
+    return found;
+}
+
+void PageHarness::click(QQuickItem *item)
+{
+    QVERIFY(item);
+    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+}
+
+void PageHarness::type(const QString &text)
+{
+    for (const QChar letter : text)
+        QTest::keyClick(&view, letter.toLatin1());
+}
+
+QImage PageHarness::grab(const QString &name)
+{
+    const QImage picture = view.grabWindow();
+    const QString folder = qEnvironmentVariable("TARVO_SHOTS");
+    if (!folder.isEmpty())
+        picture.save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+    return picture;
+}
+
+} // namespace tarvo::test

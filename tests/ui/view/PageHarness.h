@@ -1,0 +1,67 @@
+#pragma once
+
+#include "AppConfig.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "support/ManualClock.h"
+#include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/ServerPageViewModel.h"
+
+#include <QImage>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace tarvo::test {
+
+/// Dashboard.qml in a window of its own, over real view models.
+class PageHarness
+{
+public:
+    /// What the context properties hold.
+    enum class Backends
+    {
+        Present,
+        Null,   ///< named, but null
+        Absent, ///< not even named
+    };
+
+    explicit PageHarness(Backends backends = Backends::Present, QSize size = {1280, 800});
+
+    ui::viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
+    ui::viewmodel::ServerPageViewModel &server() { return m_server; }
+    /// Everything that the QML engine has complained about.
+    QStringList complaints() const { return m_complaints; }
+
+    void fillAccount();
+    void fillFlight();
+    void connectToNetwork();
+    /// Opens the section with this title in the sidebar, by a click.
+    void openSection(const QString &title);
+
+    /// The visible item with this object name, or null.
+    QQuickItem *item(const QString &objectName) const;
+    /// The visible item that shows exactly this text, or null.
+    QQuickItem *itemWithText(const QString &text) const;
+    /// All visible items that show text.
+    QList<QQuickItem *> texts() const;
+    void click(QQuickItem *item);
+    /// Types Latin text into the item that has the focus.
+    void type(const QString &text);
+    /// Draws the window; kept in the folder of TARVO_SHOTS, when that is set, under this name.
+    QImage grab(const QString &name);
+
+private:
+    QTemporaryDir m_folder;
+    AppConfig m_config;
+    network::SwiftAircraftIcaoService m_icao;
+    ManualClock m_clock;
+    ui::viewmodel::DashboardViewModel m_dashboard;
+    ui::viewmodel::ServerPageViewModel m_server;
+    QStringList m_complaints;
+
+public:
+    QQuickView view; ///< the last member: the pages go before the models that they show
+};
+
+} // namespace tarvo::test

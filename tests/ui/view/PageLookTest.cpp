@@ -1,0 +1,66 @@
+#include "PageHarness.h"
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QTest>
+
+using tarvo::test::PageHarness;
+
+/// The pages as drawn: at every size, with and without data, nothing is cut and nothing complains.
+class PageLookTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everySizeShowsTheWholeText_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QSize>("size");
+        const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
+        const char *const pages[] = {"modes",  "overview",         "overview-offline",
+                                     "server", "server-connected", "server-error"};
+        for (const char *page : pages)
+            for (const QSize &size : sizes)
+                QTest::addRow("%s %dx%d", page, size.width(), size.height()) << QString::fromLatin1(page) << size;
+    }
+
+    void everySizeShowsTheWholeText()
+    {
+        QFETCH(QString, page);
+        QFETCH(QSize, size);
+        PageHarness harness(PageHarness::Backends::Present, size);
+        harness.fillAccount();
+        if (page != QLatin1String("modes"))
+            chooseXPlane(harness);
+        if (page == QLatin1String("overview") || page == QLatin1String("server-connected")) {
+            harness.fillFlight();
+            harness.connectToNetwork();
+        }
+        if (page.startsWith(QLatin1String("server")))
+            harness.openSection(QStringLiteral("服务器"));
+        if (page == QLatin1String("server-error"))
+            harness.server().setCallsign(QStringLiteral("呼号 有空格"));
+        QVERIFY(!harness.grab(QStringLiteral("%1-%2").arg(page).arg(size.width())).isNull());
+        const QList<QQuickItem *> texts = harness.texts();
+        QVERIFY(texts.size() > 3);
+        for (QQuickItem *text : texts)
+            QVERIFY2(isWhole(text), qPrintable(text->property("text").toString()));
+        QCOMPARE(harness.complaints(), QStringList());
+    }
+
+private:
+    static void chooseXPlane(PageHarness &harness)
+    {
+        harness.dashboard().setCurrentMode(QStringLiteral("XPLANE"));
+        harness.server().setCurrentMode(QStringLiteral("XPLANE"));
+        harness.dashboard().setSimulatorState(false, QStringLiteral("连接中..."));
+    }
+
+    static bool isWhole(QQuickItem *text)
+    {
+        return !text->property("truncated").toBool() && text->property("contentWidth").toReal() <= text->width() + 1.0;
+    }
+};
+
+TARVO_TEST(PageLookTest)
+#include "PageLookTest.moc"
