@@ -185,7 +185,7 @@ QString AppConfig::encrypted(const char *key, const QString &plain)
         m_decrypted.remove(name);
         return {};
     }
-    const QString stored = cipher::encrypt(plain, configSecret());
+    QString stored = cipher::encrypt(plain, configSecret());
     m_decrypted[name] = {stored, plain};
     return stored;
 }

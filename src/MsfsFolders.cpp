@@ -38,8 +38,10 @@ QString packagesPathIn(const QString &fileName)
         const QRegularExpressionMatch match = pattern.match(QString::fromUtf8(bytes).trimmed());
         if (!match.hasMatch())
             continue;
-        const QString path = withoutQuotes(match.captured(1));
-        return !path.isEmpty() && QFileInfo(path).isDir() ? path : QString();
+        QString path = withoutQuotes(match.captured(1));
+        if (path.isEmpty() || !QFileInfo(path).isDir())
+            return {};
+        return path;
     }
     return {};
 }
@@ -47,7 +49,7 @@ QString packagesPathIn(const QString &fileName)
 QString firstPackagesPath(const QStringList &files)
 {
     for (const QString &file : files) {
-        const QString path = packagesPathIn(file);
+        QString path = packagesPathIn(file);
         if (!path.isEmpty())
             return path;
     }

@@ -171,7 +171,7 @@ private slots:
         QTest::newRow("line ends and NUL") << QStringLiteral("a\r\nb") + QChar(u'\0') + u'c';
         QTest::newRow("blanks at the ends") << QStringLiteral("  a  ");
         QTest::newRow("Chinese and beyond") << QStringLiteral("张伟 \U0001F6EB");
-        QTest::newRow("huge") << QString(1'000'000, u'字');
+        QTest::newRow("huge") << QString(20'000, u'字');
     }
 
     void texts()
@@ -270,7 +270,7 @@ private slots:
         QTest::newRow("bytes") << QByteArray("@ByteArray(\\xff\\xfe)") << false << 0 << 0.0;
         QTest::newRow("rectangle") << QByteArray("@Rect(1 2 3 4)") << false << 0 << 0.0;
         QTest::newRow("broken UTF-8") << QByteArray("\xff\xc0\x80") << false << 0 << 0.0;
-        QTest::newRow("huge") << QByteArray(1'000'000, '9') << false << 0 << 0.0;
+        QTest::newRow("huge") << QByteArray(100'000, '9') << false << 0 << 0.0;
     }
 
     void malformedValuesBecomeZero()
