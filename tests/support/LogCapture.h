@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QMessageLogContext>
+#include <QString>
+#include <QStringList>
+#include <QtGlobal>
+
+#include <utility>
+
+namespace tarvo::test {
+
+/// Takes every log message for as long as it lives, instead of the program's output. One at a time; main thread only.
+class LogCapture
+{
+public:
+    struct Line
+    {
+        QtMsgType type;
+        QString text;
+    };
+
+    LogCapture() : m_outer(std::exchange(s_current, this)), m_previous(qInstallMessageHandler(&LogCapture::handle)) {}
+    ~LogCapture()
+    {
+        s_current = m_outer;
+        qInstallMessageHandler(m_previous);
+    }
+    LogCapture(const LogCapture &) = delete;
+    LogCapture &operator=(const LogCapture &) = delete;
+
+    const QList<Line> &lines() const { return m_lines; }
+
+    /// The texts of all lines, or of those of one level.
+    QStringList texts() const
+    {
+        QStringList result;
+        for (const Line &line : m_lines)
+            result.append(line.text);
+        return result;
+    }
+    QStringList texts(QtMsgType type) const
+    {
+        QStringList result;
+        for (const Line &line : m_lines) {
+            if (line.type == type)
+                result.append(line.text);
+        }
+        return result;
+    }
+    /// The lines that begin with `start`.
+    QStringList startingWith(const QString &start) const
+    {
+        QStringList result;
+        for (const Line &line : m_lines) {
+            if (line.text.startsWith(start))
+                result.append(line.text);
+        }
+        return result;
+    }
+    bool contains(const QString &part) const { return texts().join(QLatin1Char('\n')).contains(part); }
+
+private:
+    static void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
+    {
+        s_current->m_lines.append({type, text});
+    }
+
+    static inline LogCapture *s_current = nullptr;
+
+    LogCapture *m_outer;
+    QtMessageHandler m_previous;
+    QList<Line> m_lines;
+};
+
+} // namespace tarvo::test
