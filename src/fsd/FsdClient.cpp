@@ -181,12 +181,16 @@ void FsdClient::readSocket()
 {
     const StackGuard guard(*this);
     // Again after the lines are handled: a socket does not announce what came in under its own readyRead.
-    while (m_socket->bytesAvailable() > 0) {
-        m_splitter.feed(QString::fromLatin1(m_socket->readAll()), m_lines);
-        // Lines that a nested event loop reads join the end of this queue. A disconnect empties it.
-        while (!m_lines.isEmpty())
-            dispatch(m_lines.takeFirst());
-    }
+    while (m_socket->bytesAvailable() > 0)
+        receive(m_socket->readAll());
+}
+
+void FsdClient::receive(const QByteArray &bytes)
+{
+    m_splitter.feed(QString::fromLatin1(bytes), m_lines);
+    // Lines that a nested event loop reads join the end of this queue. A disconnect empties it.
+    while (!m_lines.isEmpty())
+        dispatch(m_lines.takeFirst());
 }
 
 void FsdClient::dispatch(const QString &line)

@@ -29,6 +29,7 @@
 #include "fsd/pdu/Wallop.h"
 
 #include <QAbstractSocket>
+#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -65,6 +66,8 @@ public:
     void sendRaw(const QString &line);
     /// True between the socket's connect and any disconnect.
     bool isConnected() const { return m_connected; }
+    /// Handles bytes that came from the server, as one read.
+    void receive(const QByteArray &bytes);
     /// The resolved address of the current server; empty before the first connection.
     const QString &serverAddress() const { return m_serverAddress; }
 
