@@ -110,7 +110,9 @@ void FsdServer::attach(FsdSession *session)
     connect(session, &FsdSession::ended, this, [this, session] { remove(session); });
     m_roster.add(session);
     emit clientConnected(session->name());
-    if (connectionCount() > m_settings.maxClients)
+    if (connectionCount() > 2 * m_settings.maxClients) // even those being sent away are too many
+        session->drop();
+    else if (connectionCount() > m_settings.maxClients)
         session->refuse(FsdError::ServerFull, {}, QStringLiteral("Server full"));
     else
         m_desk->greet(*session);

@@ -20,6 +20,8 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_fsd(m_accounts, m_tokens, m_settings.fsd),
       m_xplane(clock)
 {
+    if (!m_settings.secondAddress.isNull())
+        m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd);
 }
 
 PracticeNetwork::~PracticeNetwork()
@@ -30,18 +32,31 @@ PracticeNetwork::~PracticeNetwork()
 bool PracticeNetwork::start()
 {
     m_error.clear();
-    if (!m_settings.address.isLoopback())
-        m_error = QStringLiteral("%1 is not a loopback address").arg(m_settings.address.toString());
-    else if (!m_account.listen(m_settings.address, m_settings.httpPort))
-        m_error =
-            QStringLiteral("account service, TCP port %1: %2").arg(m_settings.httpPort).arg(m_account.errorString());
-    else if (!m_fsd.listen(m_settings.address, m_settings.fsdPort))
-        m_error = QStringLiteral("FSD server, TCP port %1: %2").arg(m_settings.fsdPort).arg(m_fsd.errorString());
-    else if (m_settings.simulator && !startSimulator())
-        m_error = QStringLiteral("X-Plane, %1").arg(m_xplane.errorString());
-    if (!m_error.isEmpty())
+    const bool started = startServers() && (!m_settings.simulator || startSimulator());
+    if (!started)
         stop();
-    return m_error.isEmpty();
+    return started;
+}
+
+bool PracticeNetwork::failed(const QString &what, const QString &why)
+{
+    m_error = QStringLiteral("%1: %2").arg(what, why);
+    return false;
+}
+
+bool PracticeNetwork::startServers()
+{
+    for (const QHostAddress &address : {m_settings.address, m_settings.secondAddress}) {
+        if (!address.isNull() && !address.isLoopback())
+            return failed(address.toString(), QStringLiteral("not an address of this machine alone"));
+    }
+    if (!m_account.listen(m_settings.address, m_settings.httpPort))
+        return failed(QStringLiteral("account service, TCP port %1").arg(m_settings.httpPort), m_account.errorString());
+    if (!m_fsd.listen(m_settings.address, m_settings.fsdPort))
+        return failed(QStringLiteral("FSD server, TCP port %1").arg(m_settings.fsdPort), m_fsd.errorString());
+    if (m_secondFsd && !m_secondFsd->listen(m_settings.secondAddress, m_fsd.port()))
+        return failed(QStringLiteral("second FSD server, TCP port %1").arg(m_fsd.port()), m_secondFsd->errorString());
+    return true;
 }
 
 bool PracticeNetwork::startSimulator()
@@ -51,13 +66,19 @@ bool PracticeNetwork::startSimulator()
         m_pluginFolder = std::make_unique<QTemporaryDir>();
         url = QStringLiteral("ipc://%1").arg(m_pluginFolder->filePath(QStringLiteral("plugin.ipc")));
     }
-    return m_xplane.start(m_settings.address, m_settings.xplanePort, url);
+    if (!url.startsWith(QLatin1StringView("ipc://")))
+        return failed(url, QStringLiteral("not an ipc address"));
+    if (!m_xplane.start(m_settings.address, m_settings.xplanePort, url))
+        return failed(QStringLiteral("X-Plane"), m_xplane.errorString());
+    return true;
 }
 
 void PracticeNetwork::stop()
 {
     m_xplane.stop();
     m_fsd.close();
+    if (m_secondFsd)
+        m_secondFsd->close();
     m_account.close();
     m_pluginFolder.reset();
 }

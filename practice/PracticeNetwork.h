@@ -24,6 +24,8 @@ struct PracticeSettings
     quint16 xplanePort = 49000;
     QString pluginUrl = QStringLiteral("ipc:///tmp//tarvoclient.ipc"); ///< empty: a socket in a temporary folder
     bool simulator = true;                                             ///< false leaves X-Plane's addresses alone
+    QHostAddress secondAddress; ///< another loopback address, such as 127.0.0.2, for a second FSD server on the same
+                                ///< port, where clients can be sent to; null: none
     FsdSettings fsd;
 
     /// Free ports and a plugin address of its own, for tests.
@@ -49,12 +51,16 @@ public:
     TokenAuthority &tokens() { return m_tokens; }
     AccountService &account() { return m_account; }
     FsdServer &fsd() { return m_fsd; }
+    /// Null unless the settings name a second address.
+    FsdServer *secondFsd() { return m_secondFsd.get(); }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Where the plugin listens: what a client dials.
     QString pluginUrl() const;
 
 private:
+    bool startServers();
     bool startSimulator();
+    bool failed(const QString &what, const QString &why);
 
     PracticeSettings m_settings;
     std::unique_ptr<QTemporaryDir> m_pluginFolder;
@@ -62,6 +68,7 @@ private:
     TokenAuthority m_tokens;
     AccountService m_account;
     FsdServer m_fsd;
+    std::unique_ptr<FsdServer> m_secondFsd;
     XPlaneStandIn m_xplane;
     QString m_error;
 };

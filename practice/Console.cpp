@@ -1,0 +1,124 @@
+#include "practice/Console.h"
+
+#include "practice/LineMask.h"
+
+#include <QTime>
+
+namespace tarvo::practice {
+
+namespace {
+QString printable(QString text)
+{
+    for (QChar &c : text) {
+        if (!c.isPrint())
+            c = u'?';
+    }
+    return text;
+}
+
+QString argumentText(const QVariant &argument)
+{
+    if (!argument.isValid())
+        return QStringLiteral("nil");
+    if (argument.typeId() != QMetaType::QVariantList)
+        return argument.toString();
+    QStringList items;
+    for (const QVariant &item : argument.toList())
+        items.append(argumentText(item));
+    return QStringLiteral("[%1]").arg(items.join(QStringLiteral(", ")));
+}
+
+QString messageText(const QString &name, const QVariantList &arguments)
+{
+    return QStringLiteral("%1 %2").arg(name, argumentText(arguments)).left(400);
+}
+} // namespace
+
+Console::Console(QTextStream &out, QObject *parent) : QObject(parent), m_out(out) {}
+
+void Console::say(const QString &area, const QString &text)
+{
+    m_out << QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz")) << ' ' << area.leftJustified(7) << ' '
+          << printable(text) << '\n';
+    m_out.flush();
+}
+
+void Console::announce(PracticeNetwork &network)
+{
+    const auto place = [](const FsdServer &server) {
+        return QStringLiteral("%1:%2").arg(server.address().toString()).arg(server.port());
+    };
+    say(QStringLiteral("account"), QStringLiteral("serving %1, user 1001, password practice; see %2")
+                                       .arg(network.account().baseUrl(), network.account().registerUrl()));
+    say(QStringLiteral("fsd"), QStringLiteral("serving %1").arg(place(network.fsd())));
+    if (network.secondFsd())
+        say(QStringLiteral("fsd2"), QStringLiteral("serving %1").arg(place(*network.secondFsd())));
+    if (network.pluginUrl().isEmpty())
+        return;
+    say(QStringLiteral("xplane"),
+        QStringLiteral("serving UDP port %1, plugin at %2").arg(network.xplane().udpPort()).arg(network.pluginUrl()));
+}
+
+void Console::follow(PracticeNetwork &network)
+{
+    connect(&network.account(), &AccountService::requestAnswered, this,
+            [this](const QString &method, const QString &path, int status) {
+                say(QStringLiteral("account"), QStringLiteral("%1 %2 -> %3").arg(method, path).arg(status));
+            });
+    followFsd(QStringLiteral("fsd"), network.fsd());
+    if (network.secondFsd())
+        followFsd(QStringLiteral("fsd2"), *network.secondFsd());
+    followXPlane(network.xplane());
+}
+
+void Console::followFsd(const QString &area, FsdServer &server)
+{
+    connect(&server, &FsdServer::lineReceived, this, [this, area](const QString &client, const QString &line) {
+        say(area, QStringLiteral("%1 <<< %2").arg(client, maskSecrets(line)));
+    });
+    connect(&server, &FsdServer::lineSent, this, [this, area](const QString &client, const QString &line) {
+        say(area, QStringLiteral("%1 >>> %2").arg(client, maskSecrets(line)));
+    });
+    connect(&server, &FsdServer::clientConnected, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 connected").arg(client)); });
+    connect(&server, &FsdServer::clientLoggedIn, this, [this, area](const QString &callsign, bool observer) {
+        say(area, QStringLiteral("%1 logged in as %2")
+                      .arg(callsign, observer ? QStringLiteral("observer") : QStringLiteral("pilot")));
+    });
+    connect(&server, &FsdServer::clientRefused, this, [this, area](const QString &client, const QString &reason) {
+        say(area, QStringLiteral("%1 sent away: %2").arg(client, reason));
+    });
+    connect(&server, &FsdServer::clientLeft, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
+}
+
+void Console::followXPlane(XPlaneStandIn &xplane)
+{
+    const QString area = QStringLiteral("xplane");
+    connect(&xplane, &XPlaneStandIn::phaseChanged, this, [this, area](const QString &phase) { say(area, phase); });
+    connect(&xplane, &XPlaneStandIn::subscribed, this,
+            [this, area](const QString &client, const QString &dataref, int rate) {
+                say(area, QStringLiteral("%1 subscribes %2 at %3/s").arg(client, dataref).arg(rate));
+            });
+    connect(&xplane, &XPlaneStandIn::written, this, [this, area](const QString &dataref, float value) {
+        say(area, QStringLiteral("write %1 = %2").arg(dataref).arg(static_cast<double>(value), 0, 'g', 9));
+    });
+    connect(&xplane, &XPlaneStandIn::commanded, this,
+            [this, area](const QString &command) { say(area, QStringLiteral("command %1").arg(command)); });
+    connect(&xplane, &XPlaneStandIn::refused, this, [this, area](const QString &client, const QString &reason) {
+        say(area, QStringLiteral("%1 refused: %2").arg(client, reason));
+    });
+    const QString plugin = QStringLiteral("plugin");
+    connect(&xplane.plugin(), &PluginPeer::messageReceived, this,
+            [this, plugin](const QString &name, const QVariantList &arguments) {
+                say(plugin, QStringLiteral("<<< %1").arg(messageText(name, arguments)));
+            });
+    connect(&xplane.plugin(), &PluginPeer::messageSent, this,
+            [this, plugin](const QString &name, const QVariantList &arguments) {
+                say(plugin, QStringLiteral(">>> %1").arg(messageText(name, arguments)));
+            });
+    connect(&xplane.plugin(), &PluginPeer::malformed, this,
+            [this, plugin](const QString &reason) { say(plugin, QStringLiteral("refused: %1").arg(reason)); });
+}
+
+} // namespace tarvo::practice

@@ -1,0 +1,206 @@
+#include "practice/ControlService.h"
+
+#include <QHttpServerRequest>
+#include <QHttpServerResponse>
+#include <QJsonArray>
+
+namespace tarvo::practice {
+
+namespace {
+QString text(const QUrlQuery &arguments, QLatin1StringView name)
+{
+    return arguments.queryItemValue(name, QUrl::FullyDecoded);
+}
+
+QString callsign(const QUrlQuery &arguments)
+{
+    return text(arguments, QLatin1StringView("callsign")).toUpper();
+}
+
+/// "on=1" or "on=true"; without the argument it is on.
+bool isOn(const QUrlQuery &arguments)
+{
+    const QString value = text(arguments, QLatin1StringView("on"));
+    return value.isEmpty() || value == QLatin1StringView("1") || value == QLatin1StringView("true");
+}
+
+/// A web page that is open in a browser must not reach into the practice network.
+bool comesFromAWebPage(const QHttpServerRequest &request)
+{
+    return !request.value("Origin").isEmpty();
+}
+} // namespace
+
+ControlService::ControlService(PracticeNetwork &network, QObject *parent) : QObject(parent), m_network(network)
+{
+    addClientVerbs();
+    addLoginVerbs();
+    addSimulatorVerbs();
+    addPluginVerbs();
+    addRoutes();
+}
+
+void ControlService::addRoutes()
+{
+    using Method = QHttpServerRequest::Method;
+    using Status = QHttpServerResponse::StatusCode;
+    QHttpServer &http = m_network.account().http();
+    http.route(QStringLiteral("/practice"), Method::Get, [this] { return QHttpServerResponse(state()); });
+    http.route(QStringLiteral("/practice/<arg>"), Method::Post,
+               [this](const QString &verb, const QHttpServerRequest &request) {
+                   const bool done = !comesFromAWebPage(request) && perform(verb, request.query());
+                   return QHttpServerResponse(QJsonObject{{QStringLiteral("done"), done}},
+                                              done ? Status::Ok : Status::NotFound);
+               });
+}
+
+bool ControlService::perform(const QString &verb, const QUrlQuery &arguments)
+{
+    const Action action = m_actions.value(verb);
+    return action && action(arguments);
+}
+
+QStringList ControlService::verbs() const
+{
+    QStringList list = m_actions.keys();
+    list.sort();
+    return list;
+}
+
+QJsonObject ControlService::state() const
+{
+    const XPlaneStandIn &xplane = m_network.xplane();
+    return {{QStringLiteral("callsigns"), QJsonArray::fromStringList(m_network.fsd().callsigns())},
+            {QStringLiteral("flight_time"), xplane.flightTime()},
+            {QStringLiteral("flight_duration"), xplane.flight().duration()},
+            {QStringLiteral("phase"), xplane.flight().phaseAt(xplane.flightTime())},
+            {QStringLiteral("paused"), xplane.isPaused()},
+            {QStringLiteral("subscriptions"), xplane.subscriptionCount()},
+            {QStringLiteral("verbs"), QJsonArray::fromStringList(verbs())}};
+}
+
+void ControlService::addClientVerbs()
+{
+    FsdServer &fsd = m_network.fsd();
+    using A = const QUrlQuery &;
+    m_actions[QStringLiteral("kill")] = [&fsd](A a) {
+        return fsd.kill(callsign(a), text(a, QLatin1StringView("reason")));
+    };
+    m_actions[QStringLiteral("drop")] = [&fsd](A a) { return fsd.dropClient(callsign(a)); };
+    m_actions[QStringLiteral("redirect")] = [&fsd](A a) {
+        return fsd.redirect(callsign(a), text(a, QLatin1StringView("to")));
+    };
+    m_actions[QStringLiteral("hand-over")] = [this](A a) {
+        return m_network.secondFsd() && m_network.fsd().handOver(callsign(a), *m_network.secondFsd());
+    };
+    m_actions[QStringLiteral("text")] = [&fsd](A a) {
+        return fsd.sendText(callsign(a), text(a, QLatin1StringView("text")));
+    };
+    m_actions[QStringLiteral("error")] = [&fsd](A a) {
+        return fsd.sendError(callsign(a), text(a, QLatin1StringView("type")).toInt(),
+                             text(a, QLatin1StringView("parameter")), text(a, QLatin1StringView("message")));
+    };
+    m_actions[QStringLiteral("fast")] = [&fsd](A a) { return fsd.setFast(callsign(a), isOn(a)); };
+    m_actions[QStringLiteral("ping")] = [&fsd](A a) { return fsd.ping(callsign(a)); };
+    m_actions[QStringLiteral("challenge")] = [&fsd](A a) { return fsd.challenge(callsign(a)); };
+    m_actions[QStringLiteral("line")] = [&fsd](A a) {
+        return fsd.sendLine(callsign(a), text(a, QLatin1StringView("line")));
+    };
+}
+
+void ControlService::addLoginVerbs()
+{
+    using A = const QUrlQuery &;
+    m_actions[QStringLiteral("reject-tokens")] = [this](A a) {
+        m_network.fsd().setRejectTokens(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("reject-logins")] = [this](A a) {
+        m_network.fsd().setRejectLogins(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("database-error")] = [this](A a) {
+        m_network.account().setDatabaseError(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("fsd-token-error")] = [this](A a) {
+        m_network.account().setFsdTokenError(text(a, QLatin1StringView("text")));
+        return true;
+    };
+    m_actions[QStringLiteral("bare-status")] = [this](A a) {
+        m_network.account().setBareStatus(text(a, QLatin1StringView("status")).toInt());
+        return true;
+    };
+    m_actions[QStringLiteral("token-life")] = [this](A a) {
+        m_network.tokens().setLife(TokenUse::Access, text(a, QLatin1StringView("seconds")).toLongLong());
+        return true;
+    };
+    m_actions[QStringLiteral("revoke-tokens")] = [this](A) {
+        m_network.tokens().revokeAll();
+        return true;
+    };
+}
+
+void ControlService::addSimulatorVerbs()
+{
+    XPlaneStandIn &xplane = m_network.xplane();
+    using A = const QUrlQuery &;
+    m_actions[QStringLiteral("pause")] = [&xplane](A a) {
+        xplane.setPaused(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("freeze")] = [&xplane](A a) {
+        xplane.setFrozen(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("flight")] = [this](A a) { return jump(a); };
+    m_actions[QStringLiteral("dataref")] = [&xplane](A a) {
+        return xplane.setValue(text(a, QLatin1StringView("name")), text(a, QLatin1StringView("value")).toFloat());
+    };
+    m_actions[QStringLiteral("command")] = [&xplane](A a) {
+        return xplane.command(text(a, QLatin1StringView("name")));
+    };
+}
+
+void ControlService::addPluginVerbs()
+{
+    PluginPeer &plugin = m_network.xplane().plugin();
+    using A = const QUrlQuery &;
+    m_actions[QStringLiteral("plugin-version")] = [&plugin](A a) {
+        plugin.setVersion(text(a, QLatin1StringView("version")).toLongLong());
+        return true;
+    };
+    m_actions[QStringLiteral("plugin-csl")] = [&plugin](A a) {
+        plugin.setCslValid(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("plugin-mute")] = [&plugin](A a) {
+        plugin.setMute(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("say-radio")] = [&plugin](A a) {
+        return plugin.sendRadioMessage(text(a, QLatin1StringView("text")));
+    };
+    m_actions[QStringLiteral("say-private")] = [&plugin](A a) {
+        return plugin.sendPrivateMessage(text(a, QLatin1StringView("to")), text(a, QLatin1StringView("text")));
+    };
+    m_actions[QStringLiteral("request-station")] = [&plugin](A a) { return plugin.requestStation(callsign(a)); };
+    m_actions[QStringLiteral("force-disconnect")] = [&plugin](A a) {
+        return plugin.forceDisconnect(text(a, QLatin1StringView("reason")));
+    };
+    m_actions[QStringLiteral("shut-down")] = [&plugin](A) { return plugin.shutDown(); };
+}
+
+bool ControlService::jump(const QUrlQuery &arguments)
+{
+    XPlaneStandIn &xplane = m_network.xplane();
+    const QString phase = text(arguments, QLatin1StringView("phase"));
+    const double time =
+        phase.isEmpty() ? text(arguments, QLatin1StringView("time")).toDouble() : xplane.flight().startOf(phase);
+    if (time < 0)
+        return false;
+    xplane.setFlightTime(time);
+    return true;
+}
+
+} // namespace tarvo::practice

@@ -1,0 +1,48 @@
+#include "practice/Console.h"
+#include "practice/ControlService.h"
+#include "practice/Options.h"
+#include "practice/StopSignal.h"
+
+#include <QCoreApplication>
+
+using namespace tarvo::practice;
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication app(argc, argv);
+    QTextStream out(stdout);
+    QTextStream errors(stderr);
+    QString error;
+    const std::optional<Options> options = readOptions(QCoreApplication::arguments(), &error);
+    if (!options) {
+        errors << "tarvo-practice: " << error << '\n';
+        return 1;
+    }
+    if (!options->information.isEmpty()) {
+        out << options->information;
+        return 0;
+    }
+
+    PracticeNetwork network(options->network);
+    const ControlService control(network);
+    network.tokens().setLife(TokenUse::Access, options->accessLife);
+    network.tokens().setLife(TokenUse::Refresh, options->refreshLife);
+    network.tokens().setLife(TokenUse::Fsd, options->fsdLife);
+    network.xplane().setFlightTime(options->flightTime);
+    const StopSignal stop;
+    QObject::connect(&stop, &StopSignal::raised, &app, &QCoreApplication::quit);
+    if (!network.start()) {
+        errors << "tarvo-practice: " << network.errorString() << '\n';
+        return 1;
+    }
+
+    Console console(out);
+    console.announce(network);
+    if (!options->quiet)
+        console.follow(network);
+    console.say(QStringLiteral("ready"), QStringLiteral("stop with Ctrl+C"));
+    const int result = QCoreApplication::exec();
+    network.stop();
+    console.say(QStringLiteral("stopped"), QString());
+    return result;
+}
