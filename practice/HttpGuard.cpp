@@ -34,7 +34,7 @@ void HttpGuard::watch(QTcpSocket *socket)
     connect(socket, &QTcpSocket::readyRead, this, [socket, idle, received] {
         idle->start(maxIdleMs);
         *received += socket->bytesAvailable();
-        if (*received > maxRequestBytes) // queued: the HTTP server is about to read from this socket
+        if (*received >= maxRequestBytes) // queued: the HTTP server is about to read from this socket
             QMetaObject::invokeMethod(socket, &QTcpSocket::abort, Qt::QueuedConnection);
     });
     connect(socket, &QTcpSocket::bytesWritten, this, [received] { *received = 0; }); // an answer ends a request
