@@ -1,0 +1,155 @@
+#include "manager/SessionLog.h"
+#include "support/ManualClock.h"
+#include "support/TestRegistry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tarvo::manager;
+using tarvo::test::ManualClock;
+
+namespace {
+
+constexpr qint64 noonUtc = 1'700'049'600'123; // 2023-11-15 12:00:00.123 UTC
+
+QString contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void makeFile(const QString &path, qint64 time)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("x");
+    file.flush();
+    QVERIFY(file.setFileTime(QDateTime::fromMSecsSinceEpoch(time), QFileDevice::FileModificationTime));
+}
+
+} // namespace
+
+class SessionLogTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void masks_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("secret");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("pilot") << u"#APAB1:SERVER:1001:pass:1:9:5:Li ZBAA"_qs << u"pass"_qs
+                               << u"#APAB1:SERVER:1001:******:1:9:5:Li ZBAA"_qs;
+        QTest::newRow("observer") << u"#AAAB1:SERVER:Li:1001:pass:1:9"_qs << u"pass"_qs
+                                  << u"#AAAB1:SERVER:Li:1001:******:1:9"_qs;
+        QTest::newRow("pilot, by place") << u"#APAB1:SERVER:1001:other:1:9:5:Li"_qs << u""_qs
+                                         << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("observer, by place")
+            << u"#AAAB1:SERVER:Li:1001:other:1:9"_qs << u""_qs << u"#AAAB1:SERVER:Li:1001:******:1:9"_qs;
+        QTest::newRow("empty password") << u"#APAB1:SERVER:1001::1:9:5:Li"_qs << u""_qs
+                                        << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("moved by a colon in the name")
+            << u"#AAAB1:SERVER:L:i:1001:pass:1:9"_qs << u"pass"_qs << u"#AAAB1:SERVER:L:i:******:******:1:9"_qs;
+        QTest::newRow("with a colon") << u"#APAB1:SERVER:1001:pa:ss:1:9:5:Li"_qs << u"pa:ss"_qs
+                                      << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("elsewhere in the line")
+            << u"#APAB1:SERVER:pass:pass:1:9:5:pass"_qs << u"pass"_qs << u"#APAB1:SERVER:******:******:1:9:5:******"_qs;
+        QTest::newRow("the identifier stays")
+            << u"#APAPB:SERVER:1001:AP:1:9:5:Li"_qs << u"AP"_qs << u"#AP******B:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("as the wire changes it")
+            << u"#APAB1:SERVER:1001:p\uFFFD:x:1:9:5:Li"_qs << u"pé:x"_qs << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("too short") << u"#APAB1:SERVER"_qs << u"pass"_qs << u"#APAB1:SERVER"_qs;
+        QTest::newRow("other line with the same text") << u"#TMAB1:AB2:pass"_qs << u"pass"_qs << u"#TMAB1:AB2:pass"_qs;
+        QTest::newRow("other case") << u"#apAB1:SERVER:1001:pass:1"_qs << u"pass"_qs << u"#apAB1:SERVER:1001:pass:1"_qs;
+    }
+
+    void masks()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, secret);
+        QTEST(maskedLoginLine(line, secret), "expected");
+    }
+
+    void receivedLoginLinesLoseOnlyTheSecret()
+    {
+        QCOMPARE(withoutSecret(u"#APAB2:SERVER:1002::1:9:5:Han"_qs, u"pass"_qs), u"#APAB2:SERVER:1002::1:9:5:Han"_qs);
+        QCOMPARE(withoutSecret(u"#APAB1:SERVER:1001:pass:1:9:5:Li"_qs, u"pass"_qs),
+                 u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs);
+        QCOMPARE(withoutSecret(u"#TMSERVER:AB1:pass"_qs, u"pass"_qs), u"#TMSERVER:AB1:pass"_qs);
+    }
+
+    void writesLinesWithUtcTime()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        SessionLog log(folder.filePath(u"deep/network"_qs), clock);
+        QVERIFY(log.isOpen());
+        QCOMPARE(QFileInfo(log.path()).fileName(), u"network-2023-11-15_12-00-00.log"_qs);
+        log.writeSent(u"#APAB1:SERVER:1001:pass:1:9:5:Li ZBAA\r\n"_qs, u"pass"_qs);
+        clock.advance(877);
+        log.writeReceived(u"$DISERVER:CLIENT:v:1\r\n"_qs, u"pass"_qs);
+        log.stopFlushing();
+        QCOMPARE(contents(log.path()), u"[12:00:00.123] >>> #APAB1:SERVER:1001:******:1:9:5:Li ZBAA\n"
+                                       "[12:00:01.000] <<< $DISERVER:CLIENT:v:1\n"_qs);
+    }
+
+    void theTimerBringsLinesToTheDisk()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        SessionLog log(folder.path(), clock);
+        log.startFlushing();
+        log.writeSent(u"$POA:B:1\r\n"_qs, {});
+        QCOMPARE(contents(log.path()), QString());
+        QTRY_COMPARE(contents(log.path()), u"[12:00:00.123] >>> $POA:B:1\n"_qs);
+    }
+
+    void keepsTenOlderFiles()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        for (int i = 0; i < 11; ++i)
+            makeFile(folder.filePath(u"old-%1"_qs.arg(i)), noonUtc - 100'000 + i * 1000);
+        const SessionLog log(folder.path(), clock);
+        const QStringList names = QDir(folder.path()).entryList(QDir::Files);
+        QCOMPARE(names.size(), 11);
+        QVERIFY(!names.contains(u"old-0"_qs));
+        QVERIFY(names.contains(u"old-1"_qs) && names.contains(QFileInfo(log.path()).fileName()));
+    }
+
+    void twoLogsOfOneSecondKeepBothTheirLines()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        QString path;
+        for (const char16_t *line : {u"$POA:B:1\r\n", u"$POA:B:2\r\n"}) {
+            SessionLog log(folder.path(), clock);
+            log.writeSent(QString::fromUtf16(line), {});
+            path = log.path();
+        }
+        QCOMPARE(contents(path), u"[12:00:00.123] >>> $POA:B:1\n[12:00:00.123] >>> $POA:B:2\n"_qs);
+    }
+
+    void goesOnWithoutALog()
+    {
+        QTemporaryDir folder;
+        makeFile(folder.filePath(u"taken"_qs), noonUtc);
+        const QString path = folder.filePath(u"taken/network"_qs);
+        ManualClock clock(noonUtc);
+        const QRegularExpression expected(u"^Unable to create directory "_qs + QRegularExpression::escape(path));
+        QTest::ignoreMessage(QtCriticalMsg, expected);
+        SessionLog log(path, clock);
+        QVERIFY(!log.isOpen());
+        log.startFlushing();
+        log.writeSent(u"$POA:B:1\r\n"_qs, {});
+        log.stopFlushing();
+        QCOMPARE(contents(folder.filePath(u"taken"_qs)), u"x"_qs);
+    }
+};
+
+TARVO_TEST(SessionLogTest)
+#include "SessionLogTest.moc"
