@@ -59,8 +59,9 @@ def hills(light, xx, yy):
     for seed, height, frequency, colour in layers:
         noise = Noise(seed)
         ridge = noise.fbm(columns * frequency, np.zeros(WIDTH) + 0.37, 7, 0.47)
-        valley = 0.45 + 0.55 * np.abs(columns - VANISHING_X / WIDTH) ** 0.5 * 1.5
-        top = HORIZON + 3 - height * (0.25 + 1.35 * ridge) * valley
+        valley = 0.55 + 0.75 * smoothstep(0.0, 0.45, np.abs(columns - 0.44))
+        peaks = 1 - np.abs(2 * noise.fbm(columns * frequency * 2.7, np.zeros(WIDTH) + 5.1, 6, 0.5) - 1)
+        top = HORIZON + 3 - height * (0.10 + 1.0 * ridge + 0.45 * peaks ** 3) * valley
         cover = np.clip(yy - top[None, :], 0, 1)
         warm = np.exp(-((xx - SUN_X) / 500) ** 2) * 0.5
         haze = np.clip((yy - top[None, :]) / 70, 0, 1) * 0.35

@@ -67,19 +67,16 @@ ColumnLayout {
                             note: page.server?.protocolLabel ?? "--"
                         }
 
-                        RowLayout {
+                        Fact {
                             Layout.fillWidth: true
-                            spacing: Style.spacingMedium
+                            label: qsTr("真实姓名")
+                            value: page.server?.realName || "--"
+                        }
 
-                            Fact {
-                                label: qsTr("真实姓名")
-                                value: page.server?.realName || "--"
-                            }
-
-                            Fact {
-                                label: qsTr("初始机场")
-                                value: page.server?.homeAirport || "--"
-                            }
+                        Fact {
+                            Layout.fillWidth: true
+                            label: qsTr("初始机场")
+                            value: page.server?.homeAirport || "--"
                         }
                     }
                 }
@@ -161,20 +158,26 @@ ColumnLayout {
         }
     }
 
-    component Fact: FormField {
+    component Fact: RowLayout {
         id: fact
 
+        property string label: ""
         property string value: "--"
 
-        Layout.fillWidth: true
-        Layout.preferredWidth: 1
+        spacing: Style.spacingMedium
+
+        AppText {
+            text: fact.label
+            color: Style.textSecondary
+            font.pixelSize: 13
+        }
 
         AppText {
             Layout.fillWidth: true
+            horizontalAlignment: Text.AlignRight
             text: fact.value
             font.weight: Font.DemiBold
-            verticalAlignment: Text.AlignTop
-            wrapMode: Text.Wrap
+            elide: Text.ElideRight
         }
     }
 }

@@ -1,0 +1,211 @@
+#include "ui/viewmodel/DashboardViewModel.h"
+
+#include "support/ManualClock.h"
+#include "support/TestRegistry.h"
+
+#include <QDateTime>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QObject>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <functional>
+
+using tarvo::ui::viewmodel::DashboardViewModel;
+
+namespace {
+
+using Action = std::function<void(DashboardViewModel &)>;
+
+QVariantList rows(const QString &name)
+{
+    return {QVariantMap{{QStringLiteral("name"), name}}};
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Action)
+
+class DashboardViewModelTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void startsAsTabled_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QByteArray>("notify");
+        const auto row = [](const char *name, const QVariant &value, const char *notify) {
+            QTest::newRow(name) << QByteArray(name) << value << QByteArray(notify);
+        };
+        row("username", QStringLiteral("游客"), "userInfoChanged");
+        row("cid", QStringLiteral("--"), "userInfoChanged");
+        row("rating", QStringLiteral("--"), "userInfoChanged");
+        row("pilotTime", QStringLiteral("0小时 0分"), "userInfoChanged");
+        row("atcTime", QStringLiteral("0小时 0分"), "userInfoChanged");
+        row("avatarUrl", QString(), "userInfoChanged");
+        row("currentMode", QStringLiteral("NONE"), "currentModeChanged");
+        row("simulatorConnected", false, "simulatorStateChanged");
+        row("simulatorStatusText", QStringLiteral("未连接"), "simulatorStateChanged");
+        row("serverConnected", false, "serverStateChanged");
+        row("serverStatusText", QStringLiteral("未连接"), "serverStateChanged");
+        for (const char *number : {"latitude", "longitude", "altitude", "heading", "groundSpeed"})
+            row(number, 0.0, "flightDataChanged");
+        row("serverLog", QString(), "serverLogChanged");
+        row("recentFlights", QVariantList(), "recentFlightsChanged");
+        row("pilotLeaderboard", QVariantList(), "leaderboardChanged");
+        row("atcLeaderboard", QVariantList(), "leaderboardChanged");
+    }
+
+    void startsAsTabled()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(QVariant, value);
+        QFETCH(QByteArray, notify);
+        const DashboardViewModel model;
+        const QMetaObject *type = model.metaObject();
+        const QMetaProperty property = type->property(type->indexOfProperty(name.constData()));
+        QVERIFY(property.isValid());
+        QCOMPARE(property.read(&model), value);
+        QCOMPARE(property.notifySignal().name(), notify);
+        QVERIFY(!property.isWritable());
+    }
+
+    void aSetterStoresAndTellsOnce_data()
+    {
+        QTest::addColumn<Action>("set");
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QVariantMap>("stored");
+        const auto row = [](const char *name, const char *signal, const Action &set, const QVariantMap &stored) {
+            QTest::newRow(name) << set << QByteArray(signal) << stored;
+        };
+        const QString text = QStringLiteral("甲");
+        row("user, all three", "userInfoChanged",
+            [=](auto &m) { m.setUserInfo(text, QStringLiteral("CID: 1"), QStringLiteral("S2")); },
+            {{QStringLiteral("username"), text},
+             {QStringLiteral("cid"), QStringLiteral("CID: 1")},
+             {QStringLiteral("rating"), QStringLiteral("S2")}});
+        row("name only", "userInfoChanged",
+            [=](auto &m) { m.setUserInfo(text, QStringLiteral("--"), QStringLiteral("--")); },
+            {{QStringLiteral("username"), text}});
+        row("number only", "userInfoChanged",
+            [=](auto &m) { m.setUserInfo(QStringLiteral("游客"), text, QStringLiteral("--")); },
+            {{QStringLiteral("cid"), text}});
+        row("rating only", "userInfoChanged",
+            [=](auto &m) { m.setUserInfo(QStringLiteral("游客"), QStringLiteral("--"), text); },
+            {{QStringLiteral("rating"), text}});
+        row("pilot time", "userInfoChanged", [=](auto &m) { m.setTimes(text, QStringLiteral("0小时 0分")); },
+            {{QStringLiteral("pilotTime"), text}, {QStringLiteral("atcTime"), QStringLiteral("0小时 0分")}});
+        row("controller time", "userInfoChanged", [=](auto &m) { m.setTimes(QStringLiteral("0小时 0分"), text); },
+            {{QStringLiteral("atcTime"), text}});
+        row("avatar", "userInfoChanged", [=](auto &m) { m.setAvatarUrl(text); }, {{QStringLiteral("avatarUrl"), text}});
+        row("mode", "currentModeChanged", [](auto &m) { m.setCurrentMode(QStringLiteral("XPLANE")); },
+            {{QStringLiteral("currentMode"), QStringLiteral("XPLANE")}});
+        row("simulator flag", "simulatorStateChanged",
+            [](auto &m) { m.setSimulatorState(true, QStringLiteral("未连接")); },
+            {{QStringLiteral("simulatorConnected"), true}});
+        row("simulator text", "simulatorStateChanged", [=](auto &m) { m.setSimulatorState(false, text); },
+            {{QStringLiteral("simulatorStatusText"), text}});
+        row("server flag", "serverStateChanged", [](auto &m) { m.setServerState(true, QStringLiteral("未连接")); },
+            {{QStringLiteral("serverConnected"), true}});
+        row("server text", "serverStateChanged", [=](auto &m) { m.setServerState(false, text); },
+            {{QStringLiteral("serverStatusText"), text}});
+        row("latitude", "flightDataChanged", [](auto &m) { m.setFlightData(1, 0, 0, 0, 0); },
+            {{QStringLiteral("latitude"), 1.0}});
+        row("longitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 2, 0, 0, 0); },
+            {{QStringLiteral("longitude"), 2.0}});
+        row("altitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 3, 0, 0); },
+            {{QStringLiteral("altitude"), 3.0}});
+        row("heading", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 4, 0); },
+            {{QStringLiteral("heading"), 4.0}});
+        row("ground speed", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 0, 5); },
+            {{QStringLiteral("groundSpeed"), 5.0}});
+        row("flights", "recentFlightsChanged", [=](auto &m) { m.setRecentFlights(rows(text)); },
+            {{QStringLiteral("recentFlights"), rows(text)}});
+        row("pilots", "leaderboardChanged", [=](auto &m) { m.setLeaderboard(rows(text), {}); },
+            {{QStringLiteral("pilotLeaderboard"), rows(text)}});
+        row("controllers", "leaderboardChanged", [=](auto &m) { m.setLeaderboard({}, rows(text)); },
+            {{QStringLiteral("atcLeaderboard"), rows(text)}});
+    }
+
+    void aSetterStoresAndTellsOnce()
+    {
+        QFETCH(Action, set);
+        QFETCH(QByteArray, signal);
+        QFETCH(QVariantMap, stored);
+        DashboardViewModel model;
+        const QMetaObject *type = model.metaObject();
+        QSignalSpy spy(&model, type->method(type->indexOfSignal(signal + "()")));
+        set(model);
+        QCOMPARE(spy.count(), 1);
+        for (auto it = stored.cbegin(); it != stored.cend(); ++it)
+            QCOMPARE(model.property(it.key().toLatin1().constData()), it.value());
+        set(model);
+        QCOMPARE(spy.count(), 1);
+    }
+
+    void appendServerLogAddsALineWithTheLocalTime()
+    {
+        tarvo::test::ManualClock clock(QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5)).toMSecsSinceEpoch());
+        DashboardViewModel model(nullptr, clock);
+        QSignalSpy spy(&model, &DashboardViewModel::serverLogChanged);
+        model.appendServerLog(QStringLiteral("一"));
+        clock.advance(61'000);
+        model.appendServerLog(QStringLiteral("二"));
+        QCOMPARE(model.serverLog(), QStringLiteral("[03:04:05] 一\n[03:05:06] 二"));
+        QCOMPARE(spy.count(), 2);
+    }
+
+    void requestsOnlyEmit()
+    {
+        DashboardViewModel model;
+        QSignalSpy mode(&model, &DashboardViewModel::modeChangedRequest);
+        QSignalSpy connects(&model, &DashboardViewModel::serverConnectRequest);
+        QSignalSpy disconnects(&model, &DashboardViewModel::serverDisconnectRequest);
+        QSignalSpy reconnects(&model, &DashboardViewModel::simulatorReconnectRequest);
+        model.requestModeChange(QStringLiteral("XPLANE"));
+        model.requestServerConnect(QStringLiteral("CCA1"), QStringLiteral("B738"), QStringLiteral("AB-CD"), true);
+        model.requestServerDisconnect();
+        model.requestSimulatorReconnect();
+        QCOMPARE(mode, (QList<QVariantList>{{QStringLiteral("XPLANE")}}));
+        QCOMPARE(connects, (QList<QVariantList>{
+                               {QStringLiteral("CCA1"), QStringLiteral("B738"), QStringLiteral("AB-CD"), true}}));
+        QCOMPARE(disconnects.count(), 1);
+        QCOMPARE(reconnects.count(), 1);
+        QCOMPARE(model.currentMode(), QStringLiteral("NONE"));
+    }
+
+    void pagesCanCall_data()
+    {
+        QTest::addColumn<QByteArray>("signature");
+        for (const char *signature :
+             {"requestModeChange(QString)", "requestServerConnect(QString,QString,QString,bool)",
+              "requestServerDisconnect()", "requestSimulatorReconnect()"})
+            QTest::newRow(signature) << QByteArray(signature);
+    }
+
+    void pagesCanCall()
+    {
+        QFETCH(QByteArray, signature);
+        QVERIFY(DashboardViewModel::staticMetaObject.indexOfMethod(signature.constData()) >= 0);
+    }
+
+    void signalsStandInOrder()
+    {
+        const QList<QByteArray> wanted{"userInfoChanged",      "currentModeChanged",      "simulatorStateChanged",
+                                       "serverStateChanged",   "flightDataChanged",       "serverLogChanged",
+                                       "recentFlightsChanged", "leaderboardChanged",      "modeChangedRequest",
+                                       "serverConnectRequest", "serverDisconnectRequest", "simulatorReconnectRequest"};
+        QList<QByteArray> found;
+        const QMetaObject &type = DashboardViewModel::staticMetaObject;
+        for (int i = type.methodOffset(); i < type.methodCount(); ++i)
+            if (type.method(i).methodType() == QMetaMethod::Signal)
+                found << type.method(i).name();
+        QCOMPARE(found, wanted);
+    }
+};
+
+TARVO_TEST(DashboardViewModelTest)
+#include "DashboardViewModelTest.moc"
