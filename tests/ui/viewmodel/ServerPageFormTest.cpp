@@ -23,8 +23,8 @@ private slots:
         QTest::addColumn<QString>("hint");
         const auto row = [](const char *name, const char *mode, bool observer, const char16_t *platform,
                             const char16_t *action, const char16_t *hint) {
-            QTest::newRow(name) << QString::fromLatin1(mode) << observer << QString(platform) << QString(action)
-                                << QString(hint);
+            QTest::newRow(name) << QString::fromLatin1(mode) << observer << QString::fromUtf16(platform)
+                                << QString::fromUtf16(action) << QString::fromUtf16(hint);
         };
         const char16_t *const msfs = u"Microsoft Flight Simulator";
         row("MSFS", "MSFS", false, msfs, u"连接 MSFS 网络", u"MSFS 飞行模式需要填写呼号和机型代码。");
