@@ -15,7 +15,6 @@
 #include <QPointer>
 #include <QPropertyAnimation>
 #include <QShowEvent>
-#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -62,6 +61,10 @@ LoginWindow::LoginWindow(AppConfig &config, network::ApiService &api, const Serv
     resize(minimumWindow);
     setAttribute(Qt::WA_OpaquePaintEvent);
     buildBrand();
+    m_autoLoginTimer.setObjectName(QStringLiteral("autoLoginTimer"));
+    m_autoLoginTimer.setSingleShot(true);
+    m_autoLoginTimer.setInterval(autoLoginDelay);
+    connect(&m_autoLoginTimer, &QTimer::timeout, this, &LoginWindow::tryAutoLogin);
     connect(m_form, &LoginForm::loginRequested, this, &LoginWindow::onLoginClicked);
     connect(m_form, &LoginForm::registerRequested, this, &LoginWindow::onRegisterClicked);
 }
@@ -179,15 +182,13 @@ void LoginWindow::scheduleAutoLogin()
     if (!m_form->autoLogin() || m_autoLoginTried)
         return;
     m_autoLoginTried = true;
-    QTimer::singleShot(autoLoginDelay, this, [self = QPointer<LoginWindow>(this)] {
-        // The pilot may have been quicker.
-        if (self && self->isVisible() && !self->m_form->isBusy())
-            self->tryAutoLogin();
-    });
+    m_autoLoginTimer.start();
 }
 
 void LoginWindow::tryAutoLogin()
 {
+    if (m_form->isBusy() || !isVisible())
+        return; // the pilot was quicker
     const QString token = m_config.get(config::authRefreshToken);
     if (token.isEmpty()) {
         tryPasswordLogin();

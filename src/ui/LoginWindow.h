@@ -3,6 +3,7 @@
 #include "ServiceEndpoints.h"
 #include "ui/PhotoBackdrop.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -62,6 +63,7 @@ private:
     QWidget *m_brand = nullptr;
     LoginForm *m_form;
     qreal m_panelOpacity = 1;
+    QTimer m_autoLoginTimer{this}; ///< lets the window appear before it signs in by itself
     bool m_autoLoginTried = false;
 };
 

@@ -1,0 +1,12 @@
+# Three programs in a folder of their own: the client writes its configuration and its log beside itself.
+add_executable(startup_bench startup.cpp)
+target_link_libraries(startup_bench PRIVATE Qt6::Core)
+add_executable(startup_empty startup/empty.cpp)
+target_link_libraries(startup_empty PRIVATE Qt6::Widgets)
+add_executable(startup_client startup/client.cpp)
+target_link_libraries(startup_client PRIVATE tarvo::app Qt6::QuickControls2)
+foreach(program startup_bench startup_empty startup_client)
+    target_include_directories(${program} PRIVATE ${CMAKE_CURRENT_LIST_DIR})
+    set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/startup)
+endforeach()
+add_dependencies(startup_bench startup_empty startup_client)

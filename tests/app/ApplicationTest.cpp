@@ -1,0 +1,237 @@
+#include "Application.h"
+
+#include "AppConfig.h"
+#include "manager/NetworkManager.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "support/FsdPeer.h"
+#include "support/TestRegistry.h"
+#include "ui/AccountPeer.h"
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace tarvo;
+
+namespace {
+
+/// The whole program over services of the test's own.
+struct Program
+{
+    QTemporaryDir folder;
+    AppConfig config{folder.path()};
+    test::AccountPeer account;
+    test::FsdPeer fsd;
+    network::ApiService api{config, account.endpoints()};
+    network::SwiftAircraftIcaoService icao{config};
+    Application application;
+
+    explicit Program(const QString &fsdHost = u"127.0.0.1"_qs)
+        : application(config, api, icao, endpoints(account, fsd, fsdHost, folder.path()))
+    {
+        account.acceptLogin();
+        config.set(config::authVatsim, false); // the classic login needs no token
+        application.loginWindow().show();
+    }
+
+    static ServiceEndpoints endpoints(const test::AccountPeer &account, const test::FsdPeer &fsd, const QString &host,
+                                      const QString &folder)
+    {
+        ServiceEndpoints endpoints = account.endpoints();
+        endpoints.fsdHost = host;
+        endpoints.fsdPort = fsd.port();
+        endpoints.localPluginUrl = u"ipc://"_qs + folder + u"/plugin.ipc"_qs;
+        return endpoints;
+    }
+    void signIn()
+    {
+        ui::LoginWindow &login = application.loginWindow();
+        login.findChild<QLineEdit *>(u"usernameEdit"_qs)->setText(u"1001"_qs);
+        login.findChild<QLineEdit *>(u"passwordEdit"_qs)->setText(u"practice"_qs);
+        login.onLoginClicked();
+        QTRY_VERIFY(application.mainWindow());
+    }
+    void signOut()
+    {
+        application.mainWindow()->onLogoutClicked();
+        QTRY_VERIFY(application.loginWindow().isVisible());
+    }
+    ui::MainWindow &main() const { return *application.mainWindow(); }
+    void connectAsObserver()
+    {
+        emit main().server().connectRequested(u"CES2352"_qs, QString(), QString(), true);
+        QVERIFY(fsd.waitForConnection());
+        QVERIFY(fsd.nextLine().startsWith(u"#AACES2352:"_qs));
+    }
+    /// The next lines of the client until one starts with `start`; null when none does.
+    QString lineStarting(const QString &start)
+    {
+        QString line;
+        do
+            line = fsd.nextLine();
+        while (!line.isNull() && !line.startsWith(start));
+        return line;
+    }
+};
+
+} // namespace
+
+class ApplicationTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void beforeTheLoginThereIsOnlyTheLoginWindow()
+    {
+        const Program program;
+        QVERIFY(!program.application.mainWindow());
+        QVERIFY(!program.application.networkManager());
+    }
+
+    void theMainWindowTakesTheLoginWindowsPlace()
+    {
+        Program program;
+        program.application.loginWindow().setGeometry(120, 90, 1120, 760);
+        const QPoint position = program.application.loginWindow().pos();
+        // The type data are looked for before anything can ask for them; here there are none.
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(u"^Swift aircraft ICAO SQLite data is not ready"_qs));
+        program.signIn();
+        QVERIFY(program.main().isVisible());
+        QVERIFY(!program.application.loginWindow().isVisible());
+        QCOMPARE(program.main().size(), QSize(1120, 760));
+        QCOMPARE(program.main().pos(), position);
+        QCOMPARE(program.main().minimumSize(), QSize(1000, 700));
+    }
+
+    void logoutForgetsTheAccountAndBringsTheLoginBack()
+    {
+        Program program;
+        program.application.loginWindow().move(120, 90);
+        const QPoint position = program.application.loginWindow().pos();
+        program.config.set(config::authRememberPassword, true);
+        program.signIn();
+        program.config.set(config::authAutoLogin, true);
+        program.config.set(config::xplaneUdpPort, 49005);
+        program.main().move(300, 300);
+
+        program.main().onLogoutClicked();
+
+        // At once: the account is forgotten and the window hidden, but not yet destroyed.
+        QVERIFY(!program.api.hasToken());
+        QVERIFY(!program.main().isVisible());
+        QVERIFY(program.application.networkManager());
+        QCOMPARE(program.config.get(config::sessionUsername), u"1001"_qs);
+        QTRY_VERIFY(program.application.loginWindow().isVisible());
+        QVERIFY(!program.application.mainWindow() && !program.application.networkManager());
+        for (const StringKey &key : {config::authToken, config::authRefreshToken, config::authUsername,
+                                     config::authPassword, config::sessionUsername, config::sessionPassword})
+            QCOMPARE(program.config.get(key), QString());
+        QVERIFY(!program.config.get(config::authRememberPassword));
+        QVERIFY(!program.config.get(config::authAutoLogin));
+        QVERIFY(!program.config.get(config::authVatsim));
+        QCOMPARE(program.config.get(config::xplaneUdpPort), 49005);
+        QCOMPARE(program.application.loginWindow().pos(), position);
+    }
+
+    void logoutWhileConnectedSaysGoodbyeFirst()
+    {
+        Program program;
+        program.signIn();
+        program.connectAsObserver();
+        program.main().onLogoutClicked();
+        QCOMPARE(program.lineStarting(u"#DA"_qs), u"#DACES2352:1001"_qs);
+        QVERIFY(program.fsd.waitForClose());
+        QTRY_VERIFY(program.application.loginWindow().isVisible());
+    }
+
+    void twoSessionsInOneProcess()
+    {
+        Program program;
+        program.signIn();
+        const std::weak_ptr<manager::NetworkManager> first = program.application.networkManager();
+        program.signOut();
+        QVERIFY(first.expired());
+        program.signIn();
+        QVERIFY(program.main().isVisible());
+        program.connectAsObserver();
+        program.signOut();
+        QVERIFY(!program.application.networkManager());
+    }
+
+    void aSecondLoginTearsTheFirstSessionDown()
+    {
+        Program program;
+        program.signIn();
+        const std::weak_ptr<manager::NetworkManager> first = program.application.networkManager();
+        emit program.application.loginWindow().loginSuccess();
+        QVERIFY(first.expired());
+        QVERIFY(program.application.networkManager());
+        QVERIFY(program.main().isVisible());
+    }
+
+    void eachPickOfAModeMakesAFreshAdapter()
+    {
+        Program program;
+        program.signIn();
+        QTest::ignoreMessage(QtInfoMsg, "Activating X-Plane backend");
+        program.main().onModeSelected(u"XPLANE"_qs);
+        const std::weak_ptr<simulator::Simulator> first = program.application.networkManager()->simulator();
+        QVERIFY(!first.expired());
+        QTest::ignoreMessage(QtInfoMsg, "Activating X-Plane backend");
+        program.main().onModeSelected(u"XPLANE"_qs);
+        QVERIFY(first.expired());
+        QVERIFY(program.application.networkManager()->simulator());
+        QCOMPARE(program.main().dashboard().simulatorStatusText(), u"连接中..."_qs);
+    }
+
+    void logoutWaitsForALookUpToUnwind()
+    {
+        Program program(u"no-such-host.invalid"_qs);
+        program.signIn();
+        const std::shared_ptr<manager::NetworkManager> network = program.application.networkManager();
+        bool resolving = false;
+        QTimer::singleShot(0, &program.main(), [&] {
+            resolving = network->isResolving();
+            program.main().onLogoutClicked();
+        });
+        emit program.main().server().connectRequested(u"CES2352"_qs, QString(), QString(), true);
+        QVERIFY(resolving);
+        QTRY_VERIFY(program.application.loginWindow().isVisible());
+        QVERIFY(!program.application.mainWindow());
+        QCOMPARE(program.fsd.connectionCount(), 0);
+    }
+
+    void closingTheMainWindowEndsTheProgram()
+    {
+        Program program;
+        program.signIn();
+        QTimer::singleShot(0, &program.main(), [&program] { program.main().close(); });
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(!program.application.loginWindow().isVisible());
+    }
+
+    void theProgramOutlivesALogout()
+    {
+        Program program;
+        program.signIn();
+        QTimer::singleShot(0, &program.main(), [&program] { program.main().onLogoutClicked(); });
+        QTimer check;
+        // Nothing but this closes a window of the pilot's.
+        connect(&check, &QTimer::timeout, &check, [&program] {
+            if (program.application.loginWindow().isVisible())
+                program.application.loginWindow().close();
+        });
+        check.start(0);
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(!program.application.mainWindow()); // the loop went on until the login window was back
+    }
+};
+
+TARVO_TEST(ApplicationTest)
+#include "ApplicationTest.moc"

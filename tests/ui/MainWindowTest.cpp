@@ -1,0 +1,270 @@
+#include "ui/MainWindow.h"
+
+#include "AppConfig.h"
+#include "manager/NetworkManager.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "support/TestRegistry.h"
+#include "ui/AccountPeer.h"
+
+#include <QApplication>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <qtestspontaneevent.h>
+
+using namespace tarvo;
+
+namespace {
+
+/// A main window over a session of its own; the FSD server at its far end only listens.
+struct Deck
+{
+    QTemporaryDir folder;
+    AppConfig config{folder.path()};
+    test::AccountPeer peer;
+    QTcpServer fsd;
+    ServiceEndpoints endpoints = endpointsOf(peer, fsd);
+    network::ApiService api{config, endpoints};
+    network::SwiftAircraftIcaoService icao{config};
+    std::shared_ptr<manager::NetworkManager> network =
+        std::make_shared<manager::NetworkManager>(config, api, icao, endpoints);
+    ui::MainWindow window{network, config, api, icao, endpoints};
+
+    static ServiceEndpoints endpointsOf(const test::AccountPeer &peer, QTcpServer &server)
+    {
+        server.listen(QHostAddress::LocalHost);
+        ServiceEndpoints endpoints = peer.endpoints();
+        endpoints.fsdHost = u"127.0.0.1"_qs;
+        endpoints.fsdPort = server.serverPort();
+        return endpoints;
+    }
+    ui::viewmodel::ServerPageViewModel &server() { return window.server(); }
+    ui::viewmodel::DashboardViewModel &dashboard() { return window.dashboard(); }
+    /// The newest event row as "title|detail|tag".
+    QString event()
+    {
+        const QVariantMap row = server().recentEvents().value(0).toMap();
+        return QStringList{row[u"title"_qs].toString(), row[u"detail"_qs].toString(), row[u"tag"_qs].toString()}.join(
+            u'|');
+    }
+    /// An observer's request, which needs no simulator.
+    void observe(const QString &callsign) { emit server().connectRequested(callsign, u"B738"_qs, u"AB-CD"_qs, true); }
+};
+
+} // namespace
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void isMadeAsTold()
+    {
+        const Deck deck;
+        QCOMPARE(deck.window.windowTitle(), u"TARVO Client - 控制面板"_qs);
+        QCOMPARE(deck.window.minimumSize(), QSize(1000, 700));
+        QCOMPARE(deck.window.currentMode(), u"NONE"_qs);
+        QCOMPARE(deck.window.view()->status(), QQuickView::Ready);
+        QCOMPARE(deck.window.view()->resizeMode(), QQuickView::SizeRootObjectToView);
+        QVERIFY(deck.window.view()->rootContext()->contextProperty(u"dashboardBackend"_qs).isValid());
+        QVERIFY(deck.window.view()->rootContext()->contextProperty(u"serverBackend"_qs).isValid());
+    }
+
+    void thePagesAskForLogout()
+    {
+        Deck deck;
+        const QSignalSpy logout(&deck.window, &ui::MainWindow::logoutRequested);
+        QMetaObject::invokeMethod(deck.window.view()->rootObject(), "logoutRequested");
+        QCOMPARE(logout.size(), 1);
+    }
+
+    void firstShowSetsTheDefaultsARestoreDoesNot()
+    {
+        Deck deck;
+        deck.window.show();
+        QCOMPARE(deck.dashboard().username(), u"未知用户"_qs);
+        deck.dashboard().setServerState(true, u"已连接"_qs);
+        QShowEvent restored;
+        QSpontaneKeyEvent::setSpontaneous(&restored);
+        qApp->notify(&deck.window, &restored); // sendEvent() would make it an own event
+        QCOMPARE(deck.dashboard().serverStatusText(), u"已连接"_qs);
+    }
+
+    void picksAMode_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("kept");
+        QTest::addColumn<int>("activations");
+        QTest::addColumn<QString>("simulatorStatus");
+        QTest::newRow("X-Plane") << u"XPLANE"_qs << u"XPLANE"_qs << 1 << u"连接中..."_qs;
+        QTest::newRow("none") << u"NONE"_qs << u"NONE"_qs << 0 << u"未连接"_qs;
+        QTest::newRow("unknown text") << u"GLIDER"_qs << u"NONE"_qs << 0 << u"未连接"_qs;
+    }
+    void picksAMode()
+    {
+        QFETCH(QString, mode);
+        QFETCH(int, activations);
+        Deck deck;
+        const QSignalSpy xplane(&deck.window, &ui::MainWindow::xplaneSelected);
+        deck.dashboard().requestModeChange(mode);
+        QTEST(deck.window.currentMode(), "kept");
+        QTEST(deck.dashboard().currentMode(), "kept");
+        QTEST(deck.server().currentMode(), "kept");
+        QCOMPARE(xplane.size(), activations);
+        QTEST(deck.dashboard().simulatorStatusText(), "simulatorStatus");
+        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button
+    }
+
+    void withoutASessionNothingHappens()
+    {
+        Deck deck;
+        ui::MainWindow window(nullptr, deck.config, deck.api, deck.icao);
+        const QSignalSpy xplane(&window, &ui::MainWindow::xplaneSelected);
+        window.onModeSelected(u"XPLANE"_qs);
+        emit window.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), true);
+        emit window.server().disconnectRequested();
+        QCOMPARE(window.currentMode(), u"NONE"_qs);
+        QCOMPARE(xplane.size(), 0);
+        QCOMPARE(window.server().serverStatusText(), u"未连接"_qs);
+    }
+
+    void connects()
+    {
+        Deck deck;
+        deck.observe(u"CES2352"_qs);
+        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
+        QCOMPARE(deck.dashboard().serverStatusText(), u"连接中..."_qs);
+        const QString line =
+            u"正在连接 FSD 127.0.0.1:%1，呼号=CES2352，机型=B738，观察员模式=是"_qs.arg(deck.fsd.serverPort());
+        QVERIFY2(deck.server().serverLog().contains(line), qPrintable(deck.server().serverLog()));
+        QVERIFY(deck.dashboard().serverLog().contains(line));
+        QTRY_VERIFY(deck.fsd.hasPendingConnections());
+        QVERIFY(deck.fsd.nextPendingConnection());
+        QVERIFY(!deck.fsd.hasPendingConnections()); // one request, one connection
+    }
+
+    void theDashboardConnectsTheSameWay()
+    {
+        Deck deck;
+        deck.dashboard().requestServerConnect(u"CES2352"_qs, QString(), QString(), true);
+        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
+        deck.dashboard().requestServerDisconnect();
+        QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
+    }
+
+    void aRefusalChangesNothingButTheEvents()
+    {
+        Deck deck;
+        emit deck.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+        QCOMPARE(deck.server().serverLog(), QString());
+        QCOMPARE(deck.event(), u"通知|飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。|系统"_qs);
+    }
+
+    void disconnects()
+    {
+        Deck deck;
+        deck.observe(u"CES2352"_qs);
+        QTRY_VERIFY(deck.fsd.hasPendingConnections());
+        const QSignalSpy states(&deck.server(), &ui::viewmodel::ServerPageViewModel::serverStateChanged);
+        emit deck.server().disconnectRequested();
+        QCOMPARE(states.size(), 2); // leaving, left
+        QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
+        QVERIFY(deck.server().serverLog().contains(u"正在断开 FSD 连接..."_qs));
+        QVERIFY(deck.dashboard().serverLog().contains(u"FSD 已断开：CES2352"_qs));
+    }
+
+    void aDisconnectWithoutAConnectionDoesNotBlockTheForm()
+    {
+        Deck deck;
+        emit deck.server().disconnectRequested();
+        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+    }
+
+    void showsTheConnection()
+    {
+        Deck deck;
+        emit deck.network->networkConnected(u"CES2352"_qs);
+        QVERIFY(deck.server().serverConnected() && deck.dashboard().serverConnected());
+        QCOMPARE(deck.server().serverStatusText(), u"已连接"_qs);
+        QCOMPARE(deck.server().endpoint(), u"127.0.0.1:%1"_qs.arg(deck.fsd.serverPort()));
+        QVERIFY(deck.server().serverLog().contains(u"FSD 已连接：CES2352"_qs));
+        QCOMPARE(deck.event(), u"网络已连接|网络已连接，当前呼号：CES2352|网络"_qs);
+        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/connect.mp3"_qs));
+        QCOMPARE(deck.window.sounds().volume(), 0.55F);
+    }
+
+    void showsTheDisconnection_data()
+    {
+        QTest::addColumn<bool>("forced");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("event");
+        QTest::newRow("wanted") << false << u"已断开"_qs << u"网络已断开|网络连接已断开：CES2352|网络"_qs;
+        QTest::newRow("forced") << true << u"已断开（强制）"_qs << u"网络已断开|网络连接已断开：CES2352|强制"_qs;
+    }
+    void showsTheDisconnection()
+    {
+        QFETCH(bool, forced);
+        Deck deck;
+        deck.observe(u"ces2352"_qs);
+        emit deck.network->networkConnected(u"CES2352"_qs);
+        QVERIFY(deck.server().connectedAsObserver());
+        emit deck.network->networkDisconnected(forced);
+        QTEST(deck.server().serverStatusText(), "status");
+        QTEST(deck.dashboard().serverStatusText(), "status");
+        QTEST(deck.event(), "event");
+        QVERIFY(!deck.server().serverConnected() && !deck.server().connectedAsObserver());
+        QCOMPARE(deck.server().endpoint(), QString());
+        QVERIFY(deck.server().serverLog().contains(u"FSD 已断开：CES2352"_qs));
+        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/disconnect.mp3"_qs));
+    }
+
+    void showsTheSimulator()
+    {
+        Deck deck;
+        emit deck.network->simulatorConnectionStateChanged(true);
+        QVERIFY(deck.dashboard().simulatorConnected());
+        QCOMPARE(deck.dashboard().simulatorStatusText(), u"已连接"_qs);
+        emit deck.network->simulatorConnectionStateChanged(false);
+        QCOMPARE(deck.dashboard().simulatorStatusText(), u"未连接"_qs);
+        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
+        QVERIFY(!deck.dashboard().simulatorConnected());
+    }
+
+    void showsTheFlight()
+    {
+        Deck deck;
+        manager::SimulatorData data;
+        data.aircraft.latitude = 40.07;
+        data.aircraft.longitude = 116.6;
+        data.aircraft.altitudeMslM = 1000;
+        data.aircraft.heading = 359;
+        data.aircraft.groundSpeed = 250;
+        emit deck.network->simulatorDataUpdated(data);
+        QCOMPARE(deck.dashboard().latitude(), 40.07);
+        QCOMPARE(deck.dashboard().longitude(), 116.6);
+        QCOMPARE(deck.dashboard().altitude(), 3280.84);
+        QCOMPARE(deck.dashboard().heading(), 359.0);
+        QCOMPARE(deck.dashboard().groundSpeed(), 250.0);
+    }
+
+    void followsTheProfile()
+    {
+        Deck deck;
+        QCOMPARE(deck.server().protocolLabel(), u"VATSIM 协议"_qs);
+        QCOMPARE(deck.server().homeAirport(), u"ZBAA"_qs);
+        deck.config.set(config::authVatsim, false);
+        deck.config.set(config::profileRealname, u"王小明"_qs);
+        QCOMPARE(deck.server().protocolLabel(), u"经典协议"_qs);
+        QCOMPARE(deck.server().realName(), u"王小明"_qs);
+    }
+};
+
+TARVO_TEST(MainWindowTest)
+#include "MainWindowTest.moc"
