@@ -81,7 +81,7 @@ void ApiService::login(const QString &username, const QString &password, Callbac
 void ApiService::onLoginReply(const ReplyOutcome &outcome, const QStringList &secrets, const Callback &callback)
 {
     qDebug() << "Login response status code:" << outcome.httpStatus;
-    qDebug().noquote() << "Login response data:" << redactedText(redactedBody(outcome.body), secrets);
+    qDebug().noquote() << "Login response data:" << redactedBody(outcome.body, secrets);
     // A refused login comes with an HTTP error as well: the body, if there is one, says more.
     if (outcome.body.isEmpty()) {
         callback(false, ReplyTexts::loginError(outcome));

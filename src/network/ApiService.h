@@ -84,7 +84,7 @@ private:
 
     AppConfig &m_config;
     const common::Clock &m_clock;
-    QNetworkAccessManager m_manager;
+    QNetworkAccessManager m_manager{this};
     QString m_baseUrl;
     QString m_jwt;
     QString m_refreshToken;

@@ -20,21 +20,33 @@ bool isSecret(const QString &key)
     return key == QLatin1String("token") || key == QLatin1String("flush_token") || key == QLatin1String("password");
 }
 
-// The recursion is bounded: the JSON reader refuses documents nested deeper than 1024.
-QJsonValue redacted(const QJsonValue &value)
+QString masked(QString text, const QStringList &secrets)
 {
+    for (const QString &secret : secrets) {
+        if (!secret.isEmpty())
+            text.replace(secret, mask());
+    }
+    return text;
+}
+
+// The recursion is bounded: the JSON reader refuses documents nested deeper than 1024.
+QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
+{
+    if (value.isString())
+        return masked(value.toString(), secrets);
     if (value.isArray()) {
         QJsonArray array;
         const QJsonArray original = value.toArray();
         for (const QJsonValue &item : original)
-            array.append(redacted(item));
+            array.append(masked(item, secrets));
         return array;
     }
     if (value.isObject()) {
         QJsonObject object;
         const QJsonObject original = value.toObject();
         for (auto it = original.begin(); it != original.end(); ++it)
-            object.insert(it.key(), isSecret(it.key()) ? QJsonValue(mask()) : redacted(it.value()));
+            object.insert(masked(it.key(), secrets),
+                          isSecret(it.key()) ? QJsonValue(mask()) : masked(it.value(), secrets));
         return object;
     }
     return value;
@@ -42,23 +54,20 @@ QJsonValue redacted(const QJsonValue &value)
 
 } // namespace
 
-QString redactedBody(const QByteArray &body)
+QString redactedBody(const QByteArray &body, const QStringList &secrets)
 {
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (document.isNull())
         return QStringLiteral("<%1 bytes, not JSON>").arg(body.size());
-    const QJsonDocument masked = document.isArray() ? QJsonDocument(redacted(document.array()).toArray())
-                                                    : QJsonDocument(redacted(document.object()).toObject());
-    return QString::fromUtf8(masked.toJson(QJsonDocument::Compact)).left(longestLoggedBody);
+    const QJsonDocument shown = document.isArray()
+                                    ? QJsonDocument(masked(QJsonValue(document.array()), secrets).toArray())
+                                    : QJsonDocument(masked(QJsonValue(document.object()), secrets).toObject());
+    return QString::fromUtf8(shown.toJson(QJsonDocument::Compact)).left(longestLoggedBody);
 }
 
 QString redactedText(const QString &text, const QStringList &secrets)
 {
-    QString result = text;
-    for (const QString &secret : secrets) {
-        if (!secret.isEmpty())
-            result.replace(secret, mask());
-    }
+    QString result = masked(text, secrets);
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
     result.replace(QLatin1Char('\r'), QLatin1Char(' '));
     return result;
