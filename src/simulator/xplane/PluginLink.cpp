@@ -1,5 +1,7 @@
 #include "simulator/xplane/PluginLink.h"
 
+#include "simulator/xplane/SocketCloser.h"
+
 #include <nng/protocol/pair1/pair.h>
 
 #include <QDebug>
@@ -7,6 +9,7 @@
 #include <QPointer>
 
 #include <bit>
+#include <utility>
 
 namespace tarvo::simulator::xplane {
 
@@ -30,10 +33,13 @@ PluginLink::~PluginLink()
         m_running = false;
     }
     m_inboxHasRoom.notify_all();
-    if (m_opened)
-        nng_close(m_socket);
+    if (m_receive)
+        nng_aio_stop(m_receive); // ends the receive call under way and refuses any other
     if (m_thread.joinable())
         m_thread.join();
+    nng_aio_free(m_receive);
+    if (m_opened)
+        closeInBackground(m_socket);
 }
 
 void PluginLink::open(const PluginAddress &address)
@@ -41,8 +47,7 @@ void PluginLink::open(const PluginAddress &address)
     connect(this, &PluginLink::inboxFilled, this, &PluginLink::drainInbox);
     openSocket();
     dial(address);
-    m_running = true;
-    m_thread = std::thread([this, socket = m_socket] { receiveLoop(socket); });
+    startReceiving();
     m_ready = true;
     for (const QByteArray &message : std::exchange(m_waiting, {}))
         sendNow(message);
@@ -89,19 +94,29 @@ void PluginLink::sendNow(const QByteArray &message)
     nng_send(m_socket, const_cast<char *>(message.constData()), size, NNG_FLAG_NONBLOCK);
 }
 
-void PluginLink::receiveLoop(nng_socket socket)
+void PluginLink::startReceiving()
+{
+    if (!m_opened || nng_aio_alloc(&m_receive, nullptr, nullptr) != 0)
+        return; // nothing will ever come; the attempts end in their time-out
+    m_running = true;
+    m_thread = std::thread([this] { receiveLoop(); });
+}
+
+void PluginLink::receiveLoop()
 {
     while (m_running) {
-        void *buffer = nullptr;
-        size_t size = 0;
-        const int result = nng_recv(socket, &buffer, &size, NNG_FLAG_ALLOC);
+        nng_recv_aio(m_socket, m_receive);
+        nng_aio_wait(m_receive);
+        const int result = nng_aio_result(m_receive);
         if (result != 0) {
             if (m_running)
                 qWarning() << "X-Plane plugin receive thread ends:" << nng_strerror(result);
             return;
         }
-        handleMessage(QByteArrayView(static_cast<const char *>(buffer), static_cast<qsizetype>(size)));
-        nng_free(buffer, size);
+        nng_msg *message = nng_aio_get_msg(m_receive);
+        handleMessage(QByteArrayView(static_cast<const char *>(nng_msg_body(message)),
+                                     static_cast<qsizetype>(nng_msg_len(message))));
+        nng_msg_free(message);
     }
 }
 

@@ -28,7 +28,8 @@ class PluginLink : public QObject
 
 public:
     using QObject::QObject;
-    /// Closes the socket, which wakes the thread, and waits for it. Bounded: nothing the plugin does can delay it.
+    /// Wakes the thread, waits for it and leaves the closing of the socket to the background. Nothing the plugin does
+    /// can delay this.
     ~PluginLink() override;
 
     /// Opens the socket, starts to dial, starts the thread and sends what was waiting. To be called once. A failure is
@@ -51,13 +52,15 @@ private:
     void openSocket();
     void dial(const PluginAddress &address);
     void sendNow(const QByteArray &message);
-    void receiveLoop(nng_socket socket);
+    void startReceiving();
+    void receiveLoop();
     void handleMessage(QByteArrayView message);
     void putIntoInbox(PluginReport report);
     std::optional<PluginReport> takeFromInbox();
     void drainInbox();
 
     nng_socket m_socket = NNG_SOCKET_INITIALIZER;
+    nng_aio *m_receive = nullptr;
     bool m_opened = false;
     bool m_ready = false;
     QList<QByteArray> m_waiting;

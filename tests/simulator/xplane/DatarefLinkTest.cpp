@@ -1,0 +1,294 @@
+#include "simulator/xplane/DatarefLink.h"
+#include "AdapterSupport.h"
+#include "support/TestRegistry.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <limits>
+
+using namespace tarvo;
+using namespace tarvo::simulator::xplane;
+using tarvo::test::DatarefPeer;
+using tarvo::test::fire;
+
+namespace {
+
+/// A link that has subscribed at a peer, so that the peer knows where to reply to.
+struct Bench : test::XPlaneSettings
+{
+    explicit Bench(const QString &host = QStringLiteral("127.0.0.1"))
+    {
+        config.set(config::xplaneUdpPort, peer.port());
+        config.set(config::xplaneNetworkAddress, host);
+        link = std::make_unique<DatarefLink>(config, clock);
+        fire(*link, "publish");
+    }
+
+    bool subscribe(bool remember = false)
+    {
+        link->subscribe(remember);
+        return QTest::qWaitFor([this] { return peer.subscriptions().size() == 53; });
+    }
+
+    /// Waits until all that was sent before has been read: a last, harmless value is seen to arrive.
+    bool settle()
+    {
+        const float marker = ++lastMarker;
+        peer.report(22, marker);
+        return QTest::qWaitFor([&] { return link->sample().user.altitudePressure == static_cast<double>(marker); });
+    }
+
+    test::ManualClock clock;
+    DatarefPeer peer;
+    std::unique_ptr<DatarefLink> link;
+    float lastMarker = 0;
+};
+
+} // namespace
+
+class DatarefLinkTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void subscribesToEveryRow_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("127.0.0.1") << QStringLiteral("127.0.0.1");
+        QTest::newRow("localhost") << QStringLiteral("localhost");
+        QTest::newRow("LOCALHOST") << QStringLiteral("LOCALHOST");
+        QTest::newRow("empty") << QString();
+    }
+
+    void subscribesToEveryRow()
+    {
+        QFETCH(QString, address);
+        Bench bench(address);
+        QVERIFY(bench.subscribe());
+        const auto subscriptions = bench.peer.subscriptions();
+        qint32 id = 0;
+        for (const Dataref &row : datarefs())
+            QCOMPARE(subscriptions.value(id++), (DatarefPeer::Subscription{QString::fromLatin1(row.name), row.rateHz}));
+        QCOMPARE(bench.peer.datagrams().size(), 53);
+    }
+
+    void subscribesAgainUnlessRemembered()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.peer.clear();
+        QVERIFY(bench.subscribe(true));
+        bench.peer.clear();
+        bench.link->subscribe(true); // all of them are in the list now
+        bench.link->command("marker");
+        QTRY_COMPARE(bench.peer.commands().size(), 1);
+        QCOMPARE(bench.peer.datagrams().size(), 1);
+        bench.peer.clear();
+        bench.link->clearSubscriptions();
+        QVERIFY(bench.subscribe());
+    }
+
+    void portIsReadAtEachSend()
+    {
+        Bench bench;
+        DatarefPeer other;
+        bench.config.set(config::xplaneUdpPort, other.port());
+        bench.link->command("sim/x");
+        QTRY_COMPARE(other.commands(), QStringList{QStringLiteral("sim/x")});
+        QVERIFY(bench.peer.datagrams().isEmpty());
+    }
+
+    void textThatIsNoAddressSendsNothing()
+    {
+        Bench bench(QStringLiteral("no-such-machine"));
+        bench.link->subscribe(false);
+        bench.link->write("sim/x", 1);
+        DatarefPeer stranger;
+        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.port());
+        stranger.sendRaw("marker");
+        QTRY_COMPARE(bench.peer.datagrams(), QList<QByteArray>{"marker"});
+    }
+
+    void replyRefreshesTheTime_data()
+    {
+        QTest::addColumn<QByteArray>("datagram");
+        QTest::addColumn<bool>("refreshes");
+        QTest::newRow("4 bytes") << QByteArray("RREF") << true;
+        QTest::newRow("5 bytes") << QByteArray("RREF,") << true;
+        QTest::newRow("12 bytes") << QByteArray("RREF,\x12\0\0\0\0\0\x20", 12) << true;
+        QTest::newRow("another tag") << QByteArray("DREF,\x12\0\0\0\0\0\x20\x42", 13) << false;
+        QTest::newRow("3 bytes") << QByteArray("RRE") << false;
+        QTest::newRow("empty") << QByteArray() << false;
+    }
+
+    void replyRefreshesTheTime()
+    {
+        QFETCH(QByteArray, datagram);
+        QFETCH(bool, refreshes);
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.link->setLastReplySeconds(7);
+        bench.peer.sendRaw(datagram);
+        if (refreshes) {
+            QTRY_COMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
+            QVERIFY(bench.link->sample().user == model::UserAircraftData());
+        } else {
+            // Datagrams of one socket arrive in order: when the marker is there, the other one was, too.
+            bench.clock.advance(5000);
+            QVERIFY(bench.settle());
+            QCOMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
+            QCOMPARE(bench.link->sample().user.latitude, 0.0);
+        }
+    }
+
+    void foreignHostIsDropped()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.link->setLastReplySeconds(7);
+        DatarefPeer stranger(QHostAddress(QStringLiteral("127.0.0.2")));
+        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.clientPort());
+        QSignalSpy replay(bench.link.get(), &DatarefLink::replayModeDetected);
+        stranger.report({{18, 40.0F}, {50, 1.0F}});
+        QTRY_VERIFY(!linkHasPending(bench));
+        QCOMPARE(bench.link->lastReplySeconds(), 7);
+        QVERIFY(bench.settle()); // and it does not stop those of the simulator
+        QCOMPARE(bench.link->sample().user.latitude, 0.0);
+        QCOMPARE(replay.size(), 0);
+    }
+
+    void anotherPortOfTheSimulatorCounts()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        DatarefPeer other;
+        other.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.clientPort());
+        other.report(18, 40);
+        QTRY_COMPARE(bench.link->sample().user.latitude, 40.0);
+    }
+
+    void allPendingDatagramsAreReadAtOnce()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        for (int i = 1; i <= 100; ++i)
+            bench.peer.report(18, static_cast<float>(i));
+        QTRY_COMPARE(bench.link->sample().user.latitude, 100.0);
+    }
+
+    void everyRecordOfAReplyCounts()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.peer.report({{18, 40.0F}, {19, 116.0F}, {53, 1.0F}, {0xffffffff, 1.0F}, {20, 100.0F}});
+        QTRY_COMPARE(bench.link->sample().user.altitudeMslM, 100.0);
+        QCOMPARE(bench.link->sample().user.latitude, 40.0);
+        QCOMPARE(bench.link->sample().user.longitude, 116.0);
+    }
+
+    void eventsAreRaised()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        QSignalSpy replay(bench.link.get(), &DatarefLink::replayModeDetected);
+        QSignalSpy paused(bench.link.get(), &DatarefLink::pausedChanged);
+        QSignalSpy version(bench.link.get(), &DatarefLink::versionChanged);
+        bench.peer.report({{50, 1.0F}, {50, 0.0F}, {50, 2.0F}, {51, 1.0F}, {51, 1.0F}, {51, 0.0F}});
+        bench.peer.report({{52, 0.0F}, {52, 120105.0F}, {52, 120105.0F}});
+        QVERIFY(bench.settle());
+        QCOMPARE(replay.size(), 2);
+        QCOMPARE(paused.size(), 2);
+        QCOMPARE(paused.at(0).first().toBool(), true);
+        QCOMPARE(paused.at(1).first().toBool(), false);
+        QCOMPARE(version.size(), 1);
+        QCOMPARE(version.first().first().toInt(), 120105);
+    }
+
+    void firstPublicationTellsAll()
+    {
+        test::XPlaneSettings settings;
+        test::ManualClock clock;
+        DatarefLink link(settings.config, clock);
+        QSignalSpy user(&link, &DatarefLink::userAircraftDataChanged);
+        QSignalSpy config(&link, &DatarefLink::userAircraftConfigDataChanged);
+        QSignalSpy radio(&link, &DatarefLink::radioStackStateChanged);
+        fire(link, "publish");
+        QCOMPARE(user.size(), 1);
+        QCOMPARE(config.size(), 1);
+        QCOMPARE(radio.size(), 1);
+        QVERIFY(user.first().first().value<model::UserAircraftData>() == model::UserAircraftData());
+        fire(link, "publish"); // nothing has changed
+        QCOMPARE(user.size(), 1);
+        QCOMPARE(config.size(), 1);
+        QCOMPARE(radio.size(), 1);
+    }
+
+    void onlyWhatChangedIsPublished_data()
+    {
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<int>("user");
+        QTest::addColumn<int>("config");
+        QTest::addColumn<int>("radio");
+        QTest::newRow("position") << 18U << 1 << 0 << 0;
+        QTest::newRow("gear") << 45U << 0 << 1 << 0;
+        QTest::newRow("COM1") << 4U << 0 << 0 << 1;
+        QTest::newRow("pause") << 51U << 0 << 0 << 0;
+    }
+
+    void onlyWhatChangedIsPublished()
+    {
+        QFETCH(quint32, id);
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        QVERIFY(bench.settle());
+        fire(*bench.link, "publish");
+        QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
+        QSignalSpy config(bench.link.get(), &DatarefLink::userAircraftConfigDataChanged);
+        QSignalSpy radio(bench.link.get(), &DatarefLink::radioStackStateChanged);
+        QSignalSpy paused(bench.link.get(), &DatarefLink::pausedChanged);
+        const auto sum = [&] { return user.size() + config.size() + radio.size() + paused.size(); };
+        bench.peer.report(id, 1);
+        QTRY_COMPARE(sum(), 1);
+        fire(*bench.link, "publish");
+        QTEST(static_cast<int>(user.size()), "user");
+        QTEST(static_cast<int>(config.size()), "config");
+        QTEST(static_cast<int>(radio.size()), "radio");
+    }
+
+    void notANumberCountsAsAChangeEveryTime()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.peer.report(18, std::numeric_limits<float>::quiet_NaN());
+        QTRY_VERIFY(qIsNaN(bench.link->sample().user.latitude));
+        QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
+        for (int i = 1; i <= 3; ++i) {
+            fire(*bench.link, "publish");
+            QCOMPARE(user.size(), i);
+        }
+    }
+
+    void clearingKeepsPauseAndVersion()
+    {
+        Bench bench;
+        QVERIFY(bench.subscribe());
+        bench.peer.report({{18, 40.0F}, {45, 1.0F}, {4, 118275.0F}, {51, 1.0F}, {52, 115000.0F}});
+        QTRY_COMPARE(bench.link->sample().version, 115000);
+        bench.link->clearAircraft();
+        QVERIFY(bench.link->sample().user == model::UserAircraftData());
+        QVERIFY(bench.link->sample().config == model::UserAircraftConfigData());
+        QVERIFY(bench.link->sample().radio == model::RadioStackState());
+        QVERIFY(bench.link->sample().paused);
+        QCOMPARE(bench.link->sample().version, 115000);
+    }
+
+private:
+    static bool linkHasPending(const Bench &bench)
+    {
+        return bench.link->findChild<QUdpSocket *>()->hasPendingDatagrams();
+    }
+};
+
+TARVO_TEST(DatarefLinkTest)
+#include "DatarefLinkTest.moc"

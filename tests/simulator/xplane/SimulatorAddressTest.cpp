@@ -1,0 +1,48 @@
+#include "simulator/xplane/SimulatorAddress.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+using namespace tarvo::simulator::xplane;
+
+class SimulatorAddressTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void addressMeans_data()
+    {
+        QTest::addColumn<QString>("configured");
+        QTest::addColumn<bool>("local");
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<QHostAddress>("host");
+        const QHostAddress here(QHostAddress::LocalHost);
+        const QString ipc = QStringLiteral("ipc:///x");
+        QTest::newRow("empty") << QString() << true << ipc << here;
+        QTest::newRow("127.0.0.1") << QStringLiteral("127.0.0.1") << true << ipc << here;
+        QTest::newRow("localhost") << QStringLiteral("localhost") << true << ipc << here;
+        QTest::newRow("LocalHost") << QStringLiteral("LocalHost") << true << ipc << here;
+        QTest::newRow("LOCALHOST") << QStringLiteral("LOCALHOST") << true << ipc << here;
+        QTest::newRow("another machine") << QStringLiteral("192.168.7.9") << false
+                                         << QStringLiteral("tcp://192.168.7.9:192.168.7.9")
+                                         << QHostAddress(QStringLiteral("192.168.7.9"));
+        QTest::newRow("another loopback address")
+            << QStringLiteral("127.0.0.2") << false << QStringLiteral("tcp://127.0.0.2:127.0.0.2")
+            << QHostAddress(QStringLiteral("127.0.0.2"));
+        QTest::newRow("a name") << QStringLiteral("sim%1-pc") << false << QStringLiteral("tcp://sim%1-pc:sim%1-pc")
+                                << QHostAddress();
+    }
+
+    void addressMeans()
+    {
+        QFETCH(QString, configured);
+        QTEST(isLocalMachine(configured), "local");
+        const PluginAddress address = pluginAddress(configured, QStringLiteral("ipc:///x"));
+        QTEST(address.local, "local");
+        QTEST(address.url, "url");
+        QTEST(datarefHost(configured), "host");
+    }
+};
+
+TARVO_TEST(SimulatorAddressTest)
+#include "SimulatorAddressTest.moc"
