@@ -66,6 +66,9 @@ public:
     void sendRaw(const QString &line);
     /// True between the socket's connect and any disconnect.
     bool isConnected() const { return m_connected; }
+    /// True while a name is looked up, for a connection or for a server change: a call of this client is then on the
+    /// stack under a nested event loop, and the client must not be destroyed.
+    bool isResolving() const { return m_resolver.isBusy(); }
     /// Handles bytes that came from the server, as one read.
     void receive(const QByteArray &bytes);
     /// The resolved address of the current server; empty before the first connection.

@@ -23,6 +23,8 @@ public:
     /// the program. An IPv4 literal is its own answer. Anything else, "localhost" and IPv6 literals too, is looked up
     /// in a nested event loop: events go on being handled during the call.
     std::optional<QString> resolve(const QString &host);
+    /// True while resolve() is on the stack.
+    bool isBusy() const { return !m_lookups.isEmpty(); }
     /// Ends every look-up that is under way.
     void abort();
 

@@ -48,9 +48,9 @@ public:
     /// The current backend; may be empty.
     std::shared_ptr<simulator::Simulator> simulator() const { return m_simulator; }
 
-    /// True while connectToNetwork() is on the stack: it runs the event loop during a name look-up, and until it has
-    /// returned this object must not be destroyed.
-    bool isResolving() const { return m_resolving > 0; }
+    /// True while a name is looked up, by connectToNetwork() or because the server sends the session elsewhere: the
+    /// event loop then runs on top of a call of this object, which must not be destroyed before that call has returned.
+    bool isResolving() const { return m_resolving > 0 || m_fsd.isResolving(); }
 
     /// Under what name the current or the last connection ran.
     const model::ConnectInfo &connectInfo() const { return m_connectInfo; }
