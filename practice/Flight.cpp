@@ -15,6 +15,10 @@ constexpr double runwayCourse = 352.5;
 constexpr double fieldElevation = 35;         ///< metres
 constexpr double metresPerDegree = 111'194.9; ///< of latitude, on a sphere of 6371 km
 constexpr double wheelsTouch = 0.15;          ///< metres; the struts take that much
+// The wind rocks the aeroplane, also on its stand: a simulator never delivers the same sample for long, and a client
+// may take unchanging data for a simulator that hangs.
+constexpr double rockingDegrees = 0.02;
+constexpr double rockingSeconds = 6; ///< of one swing, as near as makes whole swings in a loop
 
 /// A switch that the pilot moves some seconds after the start of a phase.
 struct Cue
@@ -69,6 +73,13 @@ void place(AircraftState &state, const Knot &value, const Knot &speed)
     state.heightM = value[Height];
     state.altitudeM = fieldElevation + value[Height];
     state.onGround = value[Height] < wheelsTouch;
+}
+
+void rock(double seconds, double loop, Knot &value, Knot &rate)
+{
+    const double pace = 2 * M_PI * std::round(loop / rockingSeconds) / loop; // radians per second
+    value[Bank] += rockingDegrees * std::sin(pace * seconds);
+    rate[Bank] += rockingDegrees * pace * std::cos(pace * seconds);
 }
 
 void turn(AircraftState &state, const Knot &value, const Knot &rate)
@@ -141,6 +152,7 @@ AircraftState Flight::at(double seconds) const
     Knot value;
     Knot rate;
     interpolate(time, value, rate);
+    rock(time, duration(), value, rate);
     AircraftState state;
     place(state, value, rate);
     turn(state, value, rate);
