@@ -1,0 +1,212 @@
+#pragma once
+
+#include "AppConfig.h"
+#include "manager/ClientIdentity.h"
+#include "manager/NetworkManager.h"
+#include "manager/UserAircraftManager.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+#include "practice/PracticeNetwork.h"
+#include "simulator/xplane/XPlaneAdapter.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace tarvo::test {
+
+/// The practice network on free ports, and what its FSD server hears.
+struct Network
+{
+    practice::PracticeNetwork practice{quietSettings()};
+    QStringList heard; ///< lines of all clients, in order, without the configuration messages
+
+    Network()
+    {
+        started = practice.start();
+        listenTo(practice.fsd());
+    }
+
+    void listenTo(practice::FsdServer &server)
+    {
+        QObject::connect(&server, &practice::FsdServer::lineReceived, &server,
+                         [this](const QString &, const QString &line) {
+                             if (!line.contains(QStringLiteral(":@94386:")))
+                                 heard << line;
+                         });
+    }
+
+    static practice::PracticeSettings quietSettings()
+    {
+        practice::PracticeSettings settings = practice::PracticeSettings::ephemeral();
+        settings.fsd.pingIntervalMs = 0;
+        settings.fsd.challengeIntervalMs = 0;
+        return settings;
+    }
+
+    /// The heard lines that begin so.
+    QStringList linesOf(const QString &prefix) const
+    {
+        QStringList found;
+        for (const QString &line : heard) {
+            if (line.startsWith(prefix))
+                found << line;
+        }
+        return found;
+    }
+
+    bool started = false;
+};
+
+enum class Protocol
+{
+    Classic,
+    Token
+};
+
+/// The client as the program composes it, without its windows: one data folder, any number of login sessions.
+class Client
+{
+public:
+    Client(Network &network, Protocol protocol)
+        : m_endpoints(endpointsOf(network)), config(root.path()), api(config, m_endpoints), icao(config)
+    {
+        config.set(config::authVatsim, protocol == Protocol::Token);
+        config.set(config::xplaneUdpPort, network.practice.xplane().udpPort());
+        icao.ensureLoaded();
+    }
+
+    QTemporaryDir root;
+
+private:
+    ServiceEndpoints m_endpoints;
+
+public:
+    AppConfig config;
+    network::ApiService api;
+    network::SwiftAircraftIcaoService icao;
+    std::shared_ptr<manager::NetworkManager> manager;
+    std::shared_ptr<manager::UserAircraftManager> aircraft;
+
+    QStringList notifications; ///< texts, in order
+    QStringList events;        ///< "connected AB1", "disconnected", "disconnected forced"
+
+    /// Signs in to the account service and composes a session, as the login window and what follows it do.
+    bool signIn(const QString &password = QStringLiteral("practice"))
+    {
+        bool answered = false;
+        bool accepted = false;
+        api.login(QStringLiteral("1001"), QStringLiteral("practice"), [&](bool success, const QString &) {
+            answered = true;
+            accepted = success;
+        });
+        if (!QTest::qWaitFor([&] { return answered; }) || !accepted)
+            return false;
+        config.set(config::sessionUsername, QStringLiteral("1001"));
+        config.set(config::sessionPassword, password);
+        manager = std::make_shared<manager::NetworkManager>(config, api, icao, m_endpoints);
+        aircraft = std::make_shared<manager::UserAircraftManager>(manager);
+        listen();
+        return true;
+    }
+
+    /// Installs X-Plane and waits until it is connected and then delivers.
+    bool activateXPlane()
+    {
+        using simulator::Simulator;
+        const auto xplane = std::make_shared<simulator::xplane::XPlaneAdapter>(config, m_endpoints);
+        bool connected = false;
+        bool live = false;
+        QObject::connect(xplane.get(), &Simulator::simConnectionStateChanged, xplane.get(),
+                         [&](bool on) { connected = on; });
+        QObject::connect(xplane.get(), &Simulator::userAircraftDataChanged, xplane.get(), [&] { live = connected; });
+        manager->setSimulator(xplane);
+        const bool delivered = QTest::qWaitFor([&] { return live; }, 20'000);
+        xplane->disconnect(xplane.get());
+        return delivered;
+    }
+
+    bool connectPilot()
+    {
+        return manager->connectToNetwork(QStringLiteral("ab1"), QStringLiteral("b738"), QStringLiteral("EF-GH"), false);
+    }
+    bool connectObserver() { return manager->connectToNetwork(QStringLiteral("ab1"), {}, {}, true); }
+
+    /// What a logout does, in its order.
+    void signOut()
+    {
+        api.clearSession();
+        for (const StringKey &key :
+             {config::authToken, config::authRefreshToken, config::authUsername, config::authPassword})
+            config.reset(key);
+        manager->disconnectFromNetwork();
+        aircraft.reset();
+        manager.reset();
+        config.reset(config::sessionUsername);
+        config.reset(config::sessionPassword);
+    }
+
+    /// Raises the signal of one of the session's timers.
+    bool fire(const char *timer) const
+    {
+        auto *found = manager->findChild<QTimer *>(QLatin1StringView(timer));
+        return found && QMetaObject::invokeMethod(found, "timeout");
+    }
+    bool isRunning(const char *timer) const
+    {
+        const auto *found = manager->findChild<QTimer *>(QLatin1StringView(timer));
+        return found && found->isActive();
+    }
+
+    /// All network logs, one after the other.
+    QString networkLog() const
+    {
+        const QDir folder(config.logsFolder() + QStringLiteral("/network"));
+        QString text;
+        for (const QString &name : folder.entryList(QDir::Files, QDir::Name)) {
+            QFile file(folder.filePath(name));
+            if (file.open(QIODevice::ReadOnly))
+                text += QString::fromUtf8(file.readAll());
+        }
+        return text;
+    }
+
+private:
+    static ServiceEndpoints endpointsOf(Network &network)
+    {
+        ServiceEndpoints endpoints;
+        endpoints.apiBaseUrl = network.practice.account().baseUrl();
+        endpoints.fsdHost = QStringLiteral("127.0.0.1");
+        endpoints.fsdPort = network.practice.fsd().port();
+        endpoints.localPluginUrl = network.practice.pluginUrl();
+        return endpoints;
+    }
+
+    void listen()
+    {
+        using manager::NetworkManager;
+        QObject::connect(manager.get(), &NetworkManager::notificationPosted, manager.get(),
+                         [this](const QString &text) { notifications << text; });
+        QObject::connect(manager.get(), &NetworkManager::networkConnected, manager.get(),
+                         [this](const QString &callsign) { events << QStringLiteral("connected ") + callsign; });
+        QObject::connect(manager.get(), &NetworkManager::networkDisconnected, manager.get(), [this](bool forced) {
+            events << (forced ? QStringLiteral("disconnected forced") : QStringLiteral("disconnected"));
+        });
+    }
+};
+
+/// The line that answers every greeting.
+inline QString identification()
+{
+    return QStringLiteral("$IDAB1:SERVER:bdc0:TarvoClient:3:0:1001:") + manager::machineId();
+}
+
+} // namespace tarvo::test
+
+/// Waits until these and no other events have been heard since they were last taken, and takes them.
+#define TRY_EVENTS(client, ...)                                                                                        \
+    QTRY_COMPARE((client).events, (QStringList{__VA_ARGS__}));                                                         \
+    (client).events.clear()
