@@ -62,6 +62,7 @@ QtObject {
 
     // On photographs
     readonly property color imageFilm: "#70000000"
+    readonly property color imageFoot: "#B0000000"
     readonly property color glass: "#28FFFFFF"
     readonly property color glassHover: "#3CFFFFFF"
     readonly property color glassBorder: "#50FFFFFF"

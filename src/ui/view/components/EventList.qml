@@ -24,14 +24,14 @@ ListView {
             spacing: Style.spacingSmall
 
             AppText {
-                text: event.modelData.time ?? ""
+                text: event.modelData?.time ?? ""
                 color: Style.textMuted
                 font.pixelSize: Style.fontSmall
             }
 
             AppText {
                 Layout.fillWidth: true
-                text: event.modelData.title ?? ""
+                text: event.modelData?.title ?? ""
                 font.pixelSize: 13
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
@@ -48,7 +48,7 @@ ListView {
                     id: tag
 
                     anchors.centerIn: parent
-                    text: event.modelData.tag ?? ""
+                    text: event.modelData?.tag ?? ""
                     color: Style.textSecondary
                     font.pixelSize: 11
                 }
@@ -58,7 +58,7 @@ ListView {
         AppText {
             Layout.fillWidth: true
             visible: text.length > 0
-            text: event.modelData.detail ?? ""
+            text: event.modelData?.detail ?? ""
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap

@@ -12,6 +12,9 @@ Rectangle {
     /// The text is taken afresh when it has outgrown the source's own limit by a good deal.
     readonly property int refreshAfter: 2500
     property int lines: 0
+    readonly property alias text: area.text
+    property alias contentY: flick.contentY
+    readonly property bool atEnd: flick.contentY >= flick.contentHeight - flick.height - 8
     property bool follow: true
 
     radius: Style.radiusButton
@@ -35,7 +38,7 @@ Rectangle {
     }
 
     function add(line: string): void {
-        follow = flick.contentY >= flick.contentHeight - flick.height - 8
+        follow = atEnd
         if (lines >= refreshAfter) {
             reload()
             return
@@ -61,15 +64,18 @@ Rectangle {
         anchors.fill: parent
         anchors.margins: 2
         clip: true
+        contentWidth: width
+        contentHeight: area.implicitHeight
         onContentHeightChanged: if (view.follow) view.toEnd()
         onHeightChanged: if (view.follow) view.toEnd()
-        onMovementEnded: view.follow = atYEnd
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: CustomScrollBar {}
 
-        TextArea.flickable: CustomTextArea {
+        // Not TextArea.flickable: that follows the text cursor, and so every new line.
+        CustomTextArea {
             id: area
 
+            width: flick.width
             readOnly: true
             font.pixelSize: Style.fontSmall
             background: null

@@ -11,7 +11,7 @@ Card {
     property string unit: ""
     property color accentColor: Style.accent
 
-    contentPadding: 18
+    contentPadding: 16
     implicitHeight: 104
 
     ColumnLayout {
@@ -47,7 +47,7 @@ Card {
                 Layout.fillHeight: true
                 text: card.value
                 color: Style.textActive
-                font.pixelSize: Style.fontValue
+                font.pixelSize: 20
                 font.weight: Font.DemiBold
                 fontSizeMode: Text.HorizontalFit
                 minimumPixelSize: Style.fontSmall

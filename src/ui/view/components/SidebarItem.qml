@@ -20,8 +20,6 @@ AbstractButton {
         color: item.selected ? Style.sidebarItemSelected : item.hovered || item.down ? Style.sidebarItemHover : "transparent"
         border.width: item.visualFocus ? 2 : 0
         border.color: Style.controlBorderActive
-
-        Behavior on color { ColorAnimation { duration: Style.animationShort } }
     }
     contentItem: Row {
         spacing: Style.spacingMedium

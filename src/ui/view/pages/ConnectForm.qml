@@ -10,6 +10,8 @@ Card {
     required property var server
     readonly property bool connected: server?.serverConnected ?? false
 
+    Component.onCompleted: if (!connected) callsignField.forceActiveFocus()
+
     ColumnLayout {
         anchors.fill: parent
         spacing: Style.spacingMedium
@@ -25,10 +27,11 @@ Card {
             label: qsTr("呼号")
 
             CustomTextField {
+                id: callsignField
+
                 objectName: "callsignField"
                 Layout.fillWidth: true
                 enabled: !form.connected
-                focus: true
                 text: form.server?.callsign ?? ""
                 placeholderText: qsTr("例如：B2352 / CES2352 / CES2352A")
                 font.capitalization: text.length > 0 ? Font.AllUppercase : Font.MixedCase

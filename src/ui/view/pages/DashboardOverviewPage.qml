@@ -23,9 +23,11 @@ ColumnLayout {
 
         Layout.fillWidth: true
         Layout.fillHeight: true
-        // Room for the cards' shadows, which the view would cut off.
+        // Room for the cards' shadows, which the view would cut off; and it scrolls to the window's edge.
         Layout.leftMargin: -8
+        Layout.bottomMargin: -16
         padding: 8
+        bottomPadding: 0
         rightPadding: Style.spacingMedium
         contentWidth: availableWidth
         ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
@@ -135,7 +137,7 @@ ColumnLayout {
 
             RowLayout {
                 Layout.fillWidth: true
-                Layout.bottomMargin: Style.spacingSmall
+                Layout.bottomMargin: Style.paddingPage
                 spacing: Style.spacingGrid
 
                 LeaderboardCard {

@@ -43,8 +43,8 @@ Card {
         Reading {
             Layout.preferredWidth: 220
             name: qsTr("位置")
-            value: strip.number(strip.dashboard?.latitude, v => strip.angle(v, "N", "S", 2)) + "  "
-                   + strip.number(strip.dashboard?.longitude, v => strip.angle(v, "E", "W", 3))
+            value: strip.number(strip.dashboard?.latitude, latitude => strip.number(strip.dashboard?.longitude,
+                longitude => strip.angle(latitude, "N", "S", 2) + "  " + strip.angle(longitude, "E", "W", 3)))
             valueSize: 18
         }
     }

@@ -44,7 +44,7 @@ Card {
 
                     AppText {
                         anchors.centerIn: parent
-                        text: String(row.modelData.rank ?? row.index + 1)
+                        text: String(row.modelData?.rank ?? row.index + 1)
                         color: row.podium ? Style.buttonText : Style.textSecondary
                         font.pixelSize: Style.fontSmall
                         font.weight: Font.DemiBold
@@ -53,12 +53,12 @@ Card {
 
                 AppText {
                     Layout.fillWidth: true
-                    text: row.modelData.name || String(row.modelData.cid ?? "--")
+                    text: row.modelData?.name || String(row.modelData?.cid ?? "--")
                     elide: Text.ElideRight
                 }
 
                 AppText {
-                    text: row.modelData.time ?? "--"
+                    text: row.modelData?.time ?? "--"
                     color: Style.textSecondary
                     font.pixelSize: 13
                 }

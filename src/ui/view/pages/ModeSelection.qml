@@ -45,6 +45,7 @@ Item {
 
     ColumnLayout {
         anchors.centerIn: parent
+        anchors.verticalCenterOffset: -40
         width: Math.min(parent.width - 2 * Style.paddingPage, 720)
         spacing: Style.spacingLarge
 
@@ -70,19 +71,38 @@ Item {
         ModeCard {
             objectName: "xplaneCard"
             Layout.alignment: Qt.AlignHCenter
-            focus: true
+            Component.onCompleted: forceActiveFocus()
             text: "X-Plane"
             description: qsTr("X-Plane 飞行模拟")
             versions: qsTr("支持 10 / 11 / 12")
             onClicked: page.dashboard?.requestModeChange("XPLANE")
         }
+    }
+
+    // Keeps the line at the foot legible on any picture.
+    Rectangle {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 220
+        gradient: Gradient {
+            GradientStop { position: 0; color: "transparent" }
+            GradientStop { position: 0.65; color: Style.imageFoot }
+            GradientStop { position: 1; color: Style.imageFoot }
+        }
+    }
+
+    ColumnLayout {
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.paddingPage
+        spacing: Style.spacingMedium
 
         AbstractButton {
             id: logoutButton
 
             objectName: "logoutButton"
             Layout.alignment: Qt.AlignHCenter
-            Layout.topMargin: Style.spacingLarge
             implicitWidth: 160
             implicitHeight: Style.controlHeight
             text: qsTr("退出登录")
@@ -105,8 +125,7 @@ Item {
         }
 
         CidText {
-            Layout.fillWidth: true
-            horizontalAlignment: Text.AlignHCenter
+            Layout.alignment: Qt.AlignHCenter
             cid: page.dashboard?.cid ?? "--"
             color: Style.onImageSoft
             font.pixelSize: 13

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import ".."
 import "../components"
@@ -27,6 +28,7 @@ Card {
             clip: true
             boundsBehavior: Flickable.StopAtBounds
             model: card.flights
+            ScrollBar.vertical: CustomScrollBar {}
 
             delegate: Item {
                 id: row
@@ -51,21 +53,21 @@ Card {
 
                     AppText {
                         Layout.preferredWidth: 96
-                        text: row.modelData.callsign ?? "--"
+                        text: row.modelData?.callsign ?? "--"
                         font.weight: Font.DemiBold
                         elide: Text.ElideRight
                     }
 
                     AppText {
                         Layout.fillWidth: true
-                        text: row.modelData.time ?? "--"
+                        text: row.modelData?.time ?? "--"
                         color: Style.textSecondary
                         font.pixelSize: 13
                         elide: Text.ElideRight
                     }
 
                     AppText {
-                        text: row.modelData.duration ?? "--"
+                        text: row.modelData?.duration ?? "--"
                         font.pixelSize: 13
                     }
                 }

@@ -41,7 +41,9 @@ ColumnLayout {
             Layout.fillHeight: true
             Layout.preferredWidth: Math.max(340, Math.min(460, page.width * 0.38))
             Layout.leftMargin: -8
+            Layout.bottomMargin: -16
             padding: 8
+            bottomPadding: 0
             contentWidth: availableWidth
             ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
             ScrollBar.vertical: CustomScrollBar {
@@ -83,6 +85,7 @@ ColumnLayout {
 
                 ConnectForm {
                     Layout.fillWidth: true
+                    Layout.bottomMargin: Style.paddingPage
                     server: page.server
                 }
             }

@@ -1,0 +1,220 @@
+#include "PageHarness.h"
+#include "support/TestRegistry.h"
+
+#include <QInputMethodEvent>
+#include <QObject>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using tarvo::test::PageHarness;
+using tarvo::ui::viewmodel::ServerPageViewModel;
+
+/// The server page under real keys and clicks.
+class ServerPageTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_harness = std::make_unique<PageHarness>();
+        m_harness->dashboard().setCurrentMode(QStringLiteral("XPLANE"));
+        m_harness->server().setCurrentMode(QStringLiteral("XPLANE"));
+        m_harness->openSection(QStringLiteral("服务器"));
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(m_harness->complaints(), QStringList());
+        m_harness.reset();
+    }
+
+    void theCallsignIsTypedFirstAndShownUpperCase()
+    {
+        m_harness->type(QStringLiteral("ces2352"));
+        QCOMPARE(model().callsign(), QStringLiteral("ces2352"));
+        const QFont font = field("callsignField")->property("font").value<QFont>();
+        QCOMPARE(font.capitalization(), QFont::AllUppercase);
+    }
+
+    void tabGoesThroughTheForm()
+    {
+        m_harness->type(QStringLiteral("ces2352\t"));
+        QVERIFY(field("typeCodeField")->hasActiveFocus());
+        m_harness->type(QStringLiteral("b738\t"));
+        QVERIFY(field("selcalField")->hasActiveFocus());
+        m_harness->type(QStringLiteral("ab-cd\t"));
+        QVERIFY(field("observerBox")->hasActiveFocus());
+        m_harness->type(QStringLiteral(" \t"));
+        QVERIFY(field("connectButton")->hasActiveFocus());
+        QSignalSpy requested(&model(), &ServerPageViewModel::connectRequested);
+        m_harness->type(QStringLiteral(" "));
+        QCOMPARE(requested, (QList<QVariantList>{
+                                {QStringLiteral("ces2352"), QStringLiteral("b738"), QStringLiteral("ab-cd"), true}}));
+    }
+
+    void theErrorStandsAtTheDisabledButton()
+    {
+        m_harness->type(QStringLiteral("a"));
+        const QQuickItem *error = field("formError");
+        QVERIFY(error);
+        QCOMPARE(error->property("text").toString(), model().formErrorText());
+        const QQuickItem *button = field("connectButton");
+        QVERIFY(!button->isEnabled());
+        const qreal gap = error->mapToScene({}).y() - button->mapToScene(QPointF(0, button->height())).y();
+        QVERIFY(gap >= 0 && gap < 24);
+        m_harness->type(QStringLiteral("b1234\tb738"));
+        QVERIFY(button->isEnabled());
+        QVERIFY(!field("formError"));
+        QCOMPARE(field("modeHint")->property("text").toString(), model().modeHintText());
+    }
+
+    void aClickConnectsAndDisconnects()
+    {
+        m_harness->type(QStringLiteral("ces2352\tb738\t"));
+        QCOMPARE(field("connectButton")->property("text").toString(), QStringLiteral("连接 X-Plane 网络"));
+        QSignalSpy connects(&model(), &ServerPageViewModel::connectRequested);
+        QSignalSpy disconnects(&model(), &ServerPageViewModel::disconnectRequested);
+        m_harness->click(field("connectButton"));
+        QCOMPARE(connects.count(), 1);
+        model().setServerState(true, QStringLiteral("已连接"));
+        QVERIFY(!field("callsignField")->isEnabled());
+        m_harness->click(field("connectButton"));
+        QCOMPARE(disconnects.count(), 1);
+        QCOMPARE(connects.count(), 1);
+    }
+
+    void enterInAFieldConnects()
+    {
+        model().setTypeCode(QStringLiteral("B738"));
+        QSignalSpy connects(&model(), &ServerPageViewModel::connectRequested);
+        m_harness->type(QStringLiteral("ces2352"));
+        QTest::keyClick(&m_harness->view, Qt::Key_Return);
+        QCOMPARE(connects.count(), 1);
+    }
+
+    void theObserverBoxIsTheModels()
+    {
+        m_harness->click(field("observerBox"));
+        QVERIFY(model().observerMode());
+        QCOMPARE(field("connectButton")->property("text").toString(), QStringLiteral("以观察员连接 X-Plane"));
+        model().setObserverMode(false);
+        QVERIFY(!field("observerBox")->property("checked").toBool());
+    }
+
+    void suggestionsAppearWhileTyping()
+    {
+        m_harness->type(QStringLiteral("\tb73"));
+        QVERIFY(field("typeCodeField")->hasActiveFocus());
+        QCOMPARE(model().typeCodeSuggestions().size(), 2);
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
+        QVERIFY(m_harness->itemWithText(QStringLiteral("L2J · WTC M")));
+        m_harness->grab(QStringLiteral("server-suggestions"));
+    }
+
+    void aComposedTextCountsAsTyped()
+    {
+        m_harness->type(QStringLiteral("\tb7"));
+        QInputMethodEvent composing(QStringLiteral("38"), {});
+        QCoreApplication::sendEvent(field("typeCodeField"), &composing);
+        QCOMPARE(model().typeCodeSuggestions().size(), 1);
+    }
+
+    void suggestionsByKeyboard_data()
+    {
+        QTest::addColumn<QList<int>>("keys");
+        QTest::addColumn<QString>("typeCode");
+        QTest::newRow("down, Enter") << QList<int>{Qt::Key_Down, Qt::Key_Return} << QStringLiteral("B737");
+        QTest::newRow("down twice, keypad Enter")
+            << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Enter} << QStringLiteral("B738");
+        QTest::newRow("down wraps") << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}
+                                    << QStringLiteral("B737");
+        QTest::newRow("up starts at the end") << QList<int>{Qt::Key_Up, Qt::Key_Return} << QStringLiteral("B738");
+        QTest::newRow("Escape keeps what was typed")
+            << QList<int>{Qt::Key_Down, Qt::Key_Escape, Qt::Key_Return} << QStringLiteral("b73");
+        QTest::newRow("Enter without a choice") << QList<int>{Qt::Key_Return} << QStringLiteral("b73");
+    }
+
+    void suggestionsByKeyboard()
+    {
+        QFETCH(QList<int>, keys);
+        QFETCH(QString, typeCode);
+        m_harness->type(QStringLiteral("\tb73"));
+        for (const int key : keys)
+            QTest::keyClick(&m_harness->view, Qt::Key(key));
+        QCOMPARE(model().typeCode(), typeCode);
+        if (typeCode != QLatin1String("b73"))
+            QCOMPARE(model().typeCodeSuggestions(), QVariantList());
+    }
+
+    void aClickTakesASuggestion()
+    {
+        m_harness->type(QStringLiteral("\tb73"));
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
+        m_harness->click(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
+        QCOMPARE(model().typeCode(), QStringLiteral("B738"));
+        QCOMPARE(field("typeCodeField")->property("text").toString(), QStringLiteral("B738"));
+    }
+
+    void leavingTheFieldClosesTheSuggestions()
+    {
+        m_harness->type(QStringLiteral("\tb73\t"));
+        QCOMPARE(model().typeCodeSuggestions(), QVariantList());
+    }
+
+    void theLogGrowsAtItsEnd()
+    {
+        model().appendLog(QStringLiteral("一"));
+        model().appendLog(QStringLiteral("<i>二</i>"));
+        QCOMPARE(logText(), model().serverLog());
+        m_harness->click(field("clearLogButton"));
+        QCOMPARE(logText(), QString());
+        QCOMPARE(field("eventList")->property("count").toInt(), 1);
+        model().appendLog(QStringLiteral("三"));
+        QCOMPARE(logText(), model().serverLog());
+    }
+
+    void aLongLogStaysBoundedAndAtItsEnd()
+    {
+        for (int i = 0; i < 5100; ++i)
+            model().appendLog(QString::number(i));
+        const QString text = logText();
+        QVERIFY(text.endsWith(QLatin1String(" 5099")));
+        QVERIFY(text.count(u'\n') < 2600);
+        const QQuickItem *view = field("logView");
+        QVERIFY(view->property("atEnd").toBool());
+    }
+
+    void aReaderWhoScrolledUpIsLeftThere()
+    {
+        for (int i = 0; i < 200; ++i)
+            model().appendLog(QString::number(i));
+        QQuickItem *view = field("logView");
+        QVERIFY(view->property("atEnd").toBool());
+        QVERIFY(view->setProperty("contentY", 0.0));
+        model().appendLog(QStringLiteral("new"));
+        QCOMPARE(view->property("contentY").toReal(), 0.0);
+        QVERIFY(!view->property("atEnd").toBool());
+    }
+
+    void aNewPageShowsTheWholeLog()
+    {
+        model().appendLog(QStringLiteral("一"));
+        m_harness->openSection(QStringLiteral("总览"));
+        model().appendLog(QStringLiteral("二"));
+        m_harness->openSection(QStringLiteral("服务器"));
+        QCOMPARE(logText(), model().serverLog());
+    }
+
+private:
+    ServerPageViewModel &model() { return m_harness->server(); }
+    QQuickItem *field(const char *name) { return m_harness->item(QString::fromLatin1(name)); }
+    QString logText() { return field("logView")->property("text").toString(); }
+
+    std::unique_ptr<PageHarness> m_harness;
+};
+
+TARVO_TEST(ServerPageTest)
+#include "ServerPageTest.moc"
