@@ -1,0 +1,247 @@
+#!/usr/bin/env python3
+"""Runs the practice network and the client beside each other. Called by scripts/demo, which builds both.
+
+With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
+pictures of every window stay in build/demo, and the lines that the server saw are printed as they stood on the wire.
+"""
+import argparse
+import contextlib
+import os
+import pathlib
+import re
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PICTURES = ROOT / 'build' / 'demo'
+USERNAME, PASSWORD = '1001', 'practice'
+CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
+LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
+
+
+class Failure(Exception):
+    """Something that should have happened did not."""
+
+
+def wait_until(what, test, seconds=20):
+    """Polls `test` until it returns something; the windows give no other sign to the outside."""
+    deadline = time.monotonic() + seconds
+    while time.monotonic() < deadline:
+        result = test()
+        if result:
+            return result
+        time.sleep(0.05)
+    raise Failure(f'{what}: nothing after {seconds} s')
+
+
+class Practice:
+    """The practice network; keeps what it printed."""
+
+    def __init__(self, program):
+        self.lines = []
+        self.process = subprocess.Popen([program], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                        errors='replace')
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.append(line.rstrip('\n'))
+            print(line, end='', flush=True)
+
+    def wait_for(self, pattern, seconds=20, start=0):
+        """The number of the first line from `start` that holds `pattern`."""
+        def found():
+            if self.process.poll() is not None:
+                raise Failure('the practice network stopped; its last lines say why')
+            return next((i + 1 for i in range(start, len(self.lines)) if re.search(pattern, self.lines[i])), None)
+        return wait_until(f'practice network, "{pattern}"', found, seconds) - 1
+
+    def stop(self):
+        self.process.send_signal(signal.SIGTERM)
+        if self.process.wait(10) != 0:
+            raise Failure(f'the practice network ended with {self.process.returncode}')
+
+
+@contextlib.contextmanager
+def virtual_display():
+    """A display of 1280x800 with a window manager; sets DISPLAY."""
+    read, write = os.pipe()
+    server = subprocess.Popen(['Xvfb', '-displayfd', str(write), '-screen', '0', '1280x800x24', '-nolisten', 'tcp',
+                               '-noreset'], pass_fds=[write], stderr=subprocess.DEVNULL)
+    os.close(write)
+    with os.fdopen(read) as numbers:
+        os.environ['DISPLAY'] = ':' + numbers.readline().strip()
+    manager = subprocess.Popen(['openbox'], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    try:
+        yield
+    finally:
+        for process in (manager, server):
+            process.terminate()
+            process.wait()
+
+
+def xdotool(*words):
+    result = subprocess.run(['xdotool', *map(str, words)], capture_output=True, text=True)
+    return result.stdout.split() if result.returncode == 0 else []
+
+
+def window(title):
+    found = xdotool('search', '--onlyvisible', '--name', f'^{title}$')
+    return found[-1] if found else None
+
+
+def screenshot():
+    return subprocess.run(['import', '-window', 'root', 'png:-'], capture_output=True, check=True).stdout
+
+
+def picture(name):
+    """Saves the display as it is once it has come to rest."""
+    previous = None
+    def rested():
+        nonlocal previous
+        now = screenshot()
+        if now == previous:
+            return now
+        previous = now
+        time.sleep(0.2)
+    try:
+        image = wait_until(name, rested, 4)
+    except Failure:  # live figures keep changing: the newest picture is as good as any
+        image = previous
+    (PICTURES / f'{name}.png').write_bytes(image)
+
+
+class Window:
+    """A window of the client, found by its title."""
+
+    def __init__(self, title):
+        self.id = wait_until(f'window "{title}"', lambda: window(title))
+        xdotool('windowactivate', '--sync', self.id)
+        geometry = dict(w.split('=') for w in xdotool('getwindowgeometry', '--shell', self.id) if '=' in w)
+        self.x, self.y = int(geometry['X']), int(geometry['Y'])
+        self.width, self.height = int(geometry['WIDTH']), int(geometry['HEIGHT'])
+
+    def click(self, x, y):
+        """Clicks at a point of the window, in pixels; negative ones count from the right and the bottom."""
+        xdotool('mousemove', '--sync', self.x + x % self.width, self.y + y % self.height, 'click', 1)
+
+
+def type_text(text):
+    xdotool('type', '--delay', 20, text)
+
+
+def press(*keys):
+    for key in keys:
+        xdotool('key', key)
+
+
+def fly(client, practice):
+    """From the login to the logout, as a pilot would."""
+    Window(LOGIN_TITLE)
+    picture('1-login')
+    type_text(USERNAME)
+    press('Tab')
+    type_text(PASSWORD)
+    press('Return')
+
+    main = Window(MAIN_TITLE)
+    picture('2-mode-selection')
+    main.click(*X_PLANE_CARD)
+    practice.wait_for(r'RREF')
+    wait_until('live data', lambda: client.poll() is None)
+    picture('3-overview')
+
+    main.click(*SERVER_ITEM)
+    picture('4-server-page')
+    fill_form(main)
+    connected = practice.wait_for(r'#AP' + CALLSIGN)
+    practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
+    picture('5-connected')
+    main.click(*CONNECT_BUTTON)
+    practice.wait_for(r'#DP' + CALLSIGN)
+    picture('6-disconnected')
+    main.click(*LOGOUT_ITEM)
+    Window(LOGIN_TITLE)
+    picture('7-login-again')
+    press('alt+F4')
+    if client.wait(10) != 0:
+        raise Failure(f'the client ended with {client.returncode}')
+
+
+def fill_form(main):
+    main.click(*CALLSIGN_FIELD)
+    type_text(CALLSIGN)
+    press('Tab')
+    type_text(SELCAL)
+    press('Tab')
+    type_text(TYPE_CODE)
+    press('Escape')
+    main.click(*CONNECT_BUTTON)
+
+
+# Where the pilot clicks, in pixels of a main window of 1000x700.
+X_PLANE_CARD = (500, 350)
+SERVER_ITEM = (120, 180)
+LOGOUT_ITEM = (120, -60)
+CALLSIGN_FIELD = (400, 250)
+CONNECT_BUTTON = (400, 420)
+
+
+def write_config(programs, account):
+    words = [USERNAME, PASSWORD] if account else []
+    subprocess.run([programs / 'tarvo-demo-config', programs, *words], check=True)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument('--bin', required=True, type=pathlib.Path)
+    parser.add_argument('--headless', action='store_true')
+    parser.add_argument('--check', action='store_true', help='exit with 1 unless everything went as it should')
+    arguments = parser.parse_args()
+    programs = arguments.bin.resolve()
+    PICTURES.mkdir(parents=True, exist_ok=True)
+
+    practice = Practice(programs / 'tarvo-practice')
+    client = None
+    failure = None
+    try:
+        practice.wait_for('ready')
+        write_config(programs, account=not arguments.headless)
+        if arguments.headless:
+            with virtual_display():
+                client = subprocess.Popen([programs / 'TarvoClient'])
+                try:
+                    fly(client, practice)
+                finally:
+                    if client.poll() is None:
+                        picture('at-the-end')
+                        client.terminate()
+                        client.wait()
+        else:
+            client = subprocess.Popen([programs / 'TarvoClient'])
+            client.wait()
+    except (Failure, KeyboardInterrupt) as reason:
+        failure = reason
+    finally:
+        if practice.process.poll() is None:
+            practice.stop()
+    if arguments.headless:
+        report(practice)
+    if failure:
+        print(f'the demonstration failed: {failure}', file=sys.stderr)
+    sys.exit(1 if failure and arguments.check else 0)
+
+
+def report(practice):
+    print('\nFSD lines as the server saw them:')
+    for line in practice.lines:
+        if re.search(r'FSD .*(<<<|>>>)', line):
+            print('  ' + line)
+    print(f'Pictures: {PICTURES.relative_to(ROOT)}')
+
+
+if __name__ == '__main__':
+    main()
