@@ -31,6 +31,9 @@ add_compile_definitions(
 
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-Wno-maybe-uninitialized) # g++ 12 finds it in every optimised std::optional
+    endif()
     if(TARVO_WERROR)
         add_compile_options(-Werror)
     endif()
