@@ -150,8 +150,7 @@ def fly(client, practice):
     main = Window(MAIN_TITLE)
     picture('2-mode-selection')
     main.click(*X_PLANE_CARD)
-    practice.wait_for(r'RREF')
-    wait_until('live data', lambda: client.poll() is None)
+    practice.wait_for(r'plugin +<<< VER')
     picture('3-overview')
 
     main.click(*SERVER_ITEM)
@@ -159,13 +158,13 @@ def fly(client, practice):
     fill_form(main)
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
-    picture('5-connected')
+    picture('6-connected')
     main.click(*CONNECT_BUTTON)
     practice.wait_for(r'#DP' + CALLSIGN)
-    picture('6-disconnected')
+    picture('7-disconnected')
     main.click(*LOGOUT_ITEM)
     Window(LOGIN_TITLE)
-    picture('7-login-again')
+    picture('8-login-again')
     press('alt+F4')
     if client.wait(10) != 0:
         raise Failure(f'the client ended with {client.returncode}')
@@ -175,19 +174,20 @@ def fill_form(main):
     main.click(*CALLSIGN_FIELD)
     type_text(CALLSIGN)
     press('Tab')
+    type_text(TYPE_CODE[:3])
+    picture('5-suggestions')
+    type_text(TYPE_CODE[3:])
+    press('Escape', 'Tab')
     type_text(SELCAL)
-    press('Tab')
-    type_text(TYPE_CODE)
-    press('Escape')
     main.click(*CONNECT_BUTTON)
 
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
-X_PLANE_CARD = (500, 350)
+X_PLANE_CARD = (500, 382)
 SERVER_ITEM = (120, 180)
-LOGOUT_ITEM = (120, -60)
-CALLSIGN_FIELD = (400, 250)
-CONNECT_BUTTON = (400, 420)
+LOGOUT_ITEM = (120, 268)
+CALLSIGN_FIELD = (430, 329)
+CONNECT_BUTTON = (430, 503)
 
 
 def write_config(programs, account):
