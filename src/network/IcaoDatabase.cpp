@@ -125,6 +125,7 @@ bool IcaoDatabase::openFile(QString path, Mode mode)
     if (mode == Mode::Writable && !QDir().mkpath(folder))
         return failed("Failed to create swift aircraft ICAO database directory:", folder);
     QSqlDatabase database = QSqlDatabase::addDatabase(m_driver, m_connectionName);
+    m_registered = true;
     if (!database.isValid()) {
         database = QSqlDatabase();
         close();
@@ -152,7 +153,8 @@ void IcaoDatabase::close()
 {
     m_path.clear();
     m_writable = false;
-    if (QSqlDatabase::contains(m_connectionName))
+    // The toolkit's registry of connections is not asked without need: at process exit it goes before this object.
+    if (std::exchange(m_registered, false))
         QSqlDatabase::removeDatabase(m_connectionName);
 }
 

@@ -66,6 +66,7 @@ private:
     QString m_connectionName;
     QString m_driver;
     QString m_path;
+    bool m_registered = false; ///< the toolkit knows a connection of this name
     bool m_writable = false;
 };
 
