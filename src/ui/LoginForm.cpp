@@ -15,6 +15,7 @@ namespace tarvo::ui {
 
 namespace {
 constexpr int controlHeight = 46;
+constexpr QColor placeholderText{255, 255, 255, 170};
 
 QLabel *makeLabel(const QString &text, const char *type, QWidget *parent)
 {
@@ -63,6 +64,9 @@ QLineEdit *LoginForm::makeField(const QString &name, const QString &placeholder)
     field->setAccessibleName(placeholder);
     field->setMinimumHeight(controlHeight);
     field->setMaxLength(256);
+    QPalette palette = field->palette();
+    palette.setColor(QPalette::PlaceholderText, placeholderText); // style sheets can't set it yet
+    field->setPalette(palette);
     return field;
 }
 

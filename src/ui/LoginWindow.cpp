@@ -32,16 +32,16 @@ constexpr auto autoLoginDelay = 500ms;
 constexpr int fadeMs = 420;
 constexpr QColor placeholderColour{0x1A, 0x2B, 0x47};
 
-/// Darkens the photograph towards the panel and the foot, so that text stands out on it.
+/// Darkens the photograph towards the panel, and at the top, where text stands on it.
 void paintShade(QPainter &painter, const QRect &area)
 {
     QLinearGradient across(area.topLeft(), area.topRight());
-    across.setColorAt(0.0, QColor(8, 14, 28, 60));
-    across.setColorAt(1.0, QColor(8, 14, 28, 130));
+    across.setColorAt(0.0, QColor(8, 14, 28, 20));
+    across.setColorAt(1.0, QColor(8, 14, 28, 110));
     painter.fillRect(area, across);
     QLinearGradient down(area.topLeft(), area.bottomLeft());
-    down.setColorAt(0.55, QColor(8, 14, 28, 0));
-    down.setColorAt(1.0, QColor(8, 14, 28, 170));
+    down.setColorAt(0.0, QColor(8, 14, 28, 110));
+    down.setColorAt(0.45, QColor(8, 14, 28, 0));
     painter.fillRect(area, down);
 }
 } // namespace
@@ -108,7 +108,7 @@ void LoginWindow::layOut()
     const int margin = std::max(sideMargin, width() / 12);
     m_form->setGeometry(width() - margin - panelWidth, (height() - panelHeight) / 2, panelWidth, panelHeight);
     const QSize brand = m_brand->sizeHint();
-    m_brand->setGeometry(QRect(QPoint(margin, height() - sideMargin - brand.height()), brand));
+    m_brand->setGeometry(QRect(QPoint(margin, sideMargin), brand));
     update();
 }
 
