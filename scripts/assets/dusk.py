@@ -4,7 +4,7 @@ import numpy as np
 
 from paper import Noise, add_spot, bloom, blur, gradient, linear, mask_of, mix, smoothstep, to_image
 
-WIDTH, HEIGHT = 1920, 1344
+WIDTH, HEIGHT = 2000, 1400
 HORIZON = 800  # row
 SUN_X = 1180  # column of the glow
 VANISHING_X = 900
