@@ -10,7 +10,7 @@ Card {
     required property var dashboard
     readonly property bool live: dashboard?.simulatorConnected ?? false
 
-    contentPadding: 18
+    contentPadding: 20
 
     RowLayout {
         anchors.fill: parent
