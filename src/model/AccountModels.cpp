@@ -55,7 +55,7 @@ QList<UserHistoryEntry> entries(const QJsonObject &object, QLatin1String key)
 {
     QList<UserHistoryEntry> list;
     const QJsonArray array = object.value(key).toArray();
-    for (const QJsonValue &item : array) {
+    for (const auto &item : array) {
         if (!item.isObject())
             continue;
         UserHistoryEntry entry;

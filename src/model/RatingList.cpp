@@ -11,7 +11,7 @@ QList<RatingEntry> rows(const QJsonValue &value)
 {
     QList<RatingEntry> list;
     const QJsonArray array = value.toArray();
-    for (const QJsonValue &item : array) {
+    for (const auto &item : array) {
         if (!item.isObject())
             continue;
         const QJsonObject object = item.toObject();

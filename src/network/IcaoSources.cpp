@@ -100,7 +100,7 @@ LegacyIcaoJson parseLegacyIcaoJson(const QByteArray &json)
     }
     result.label = root.value(QLatin1String("latest")).toString();
     const QJsonArray array = data.toArray();
-    for (const QJsonValue &item : array) {
+    for (const auto &item : array) {
         if (item.isObject())
             result.rows.append(jsonRow(item.toObject()));
     }

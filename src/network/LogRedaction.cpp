@@ -37,7 +37,7 @@ QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
     if (value.isArray()) {
         QJsonArray array;
         const QJsonArray original = value.toArray();
-        for (const QJsonValue &item : original)
+        for (const auto &item : original)
             array.append(masked(item, secrets));
         return array;
     }
