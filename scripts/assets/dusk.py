@@ -96,7 +96,7 @@ def runway_cover(right, ahead):
     inside = np.clip((RUNWAY_HALF_WIDTH + 7.5 - np.abs(right)) / soft + 0.5, 0, 1)
     taxiway = np.clip((9 - np.abs(ahead - 330 - 0.10 * np.abs(right))) / (soft * 14), 0, 1) * (right > 0) * (right < 420)
     parallel = np.clip((10 - np.abs(right - 200)) / soft + 0.5, 0, 1) * (ahead > 120)
-    return np.clip(np.maximum(inside * smoothstep(55, 57, ahead), np.maximum(taxiway, parallel) * 0.75), 0, 1)
+    return np.clip(np.maximum(inside * smoothstep(50, 52, ahead), np.maximum(taxiway, parallel) * 0.75), 0, 1)
 
 
 def tarmac(xx, yy, right, ahead, noise):
