@@ -28,6 +28,12 @@ struct Float32
     float value;
 };
 
+/// True, or nil in the place of false.
+struct TrueOrNil
+{
+    bool value;
+};
+
 /// Packs one message. The arguments follow in the order of the calls; `argumentCount` of them are announced.
 class MessageWriter
 {
@@ -55,6 +61,14 @@ public:
 
     void put(Float64 number) { putTagged('\xcb', qToBigEndian(std::bit_cast<quint64>(number.value))); }
     void put(Float32 number) { putTagged('\xca', qToBigEndian(std::bit_cast<quint32>(number.value))); }
+
+    void put(TrueOrNil flag)
+    {
+        if (flag.value)
+            m_packer.pack_true();
+        else
+            m_packer.pack_nil();
+    }
 
     template <class T>
     void put(const std::optional<T> &value)
@@ -140,12 +154,10 @@ QByteArray add(const model::RemoteAircraft &aircraft)
 QByteArray configuration(const model::RemoteAircraft &aircraft)
 {
     const model::AircraftConfiguration &config = aircraft.configuration;
-    // "full" is true or nil, never false.
-    const std::optional<bool> full = config.isFullData == true ? config.isFullData : std::nullopt;
-    return packed("ACCONF", aircraft.callsign, full, anyEngine(config.engines, &Engine::on),
-                  anyEngine(config.engines, &Engine::isReversing), config.onGround, flapsRatio(config.flapsPct),
-                  config.gearDown, config.lights.beaconOn, config.lights.landingOn, config.lights.navOn,
-                  config.lights.strobeOn, config.lights.taxiOn);
+    return packed("ACCONF", aircraft.callsign, TrueOrNil{config.isFullData.value_or(false)},
+                  anyEngine(config.engines, &Engine::on), anyEngine(config.engines, &Engine::isReversing),
+                  config.onGround, flapsRatio(config.flapsPct), config.gearDown, config.lights.beaconOn,
+                  config.lights.landingOn, config.lights.navOn, config.lights.strobeOn, config.lights.taxiOn);
 }
 
 QByteArray remove(const QString &callsign, const QString &reason)

@@ -125,7 +125,5 @@ private slots:
     }
 };
 
-Q_DECLARE_METATYPE(bool ConnectionAttempt::*)
-
 TARVO_TEST(ConnectionAttemptTest)
 #include "ConnectionAttemptTest.moc"

@@ -18,8 +18,6 @@ using Reader = double (*)(const DatarefSample &);
 
 } // namespace
 
-Q_DECLARE_METATYPE(Reader)
-
 class DatarefTableTest : public QObject
 {
     Q_OBJECT

@@ -7,8 +7,6 @@
 using namespace tarvo::simulator::xplane;
 using tarvo::test::packPluginMessage;
 
-Q_DECLARE_METATYPE(PluginReport)
-
 class PluginReportsTest : public QObject
 {
     Q_OBJECT

@@ -569,7 +569,5 @@ private slots:
     }
 };
 
-Q_DECLARE_METATYPE(std::function<void(Simulator &)>)
-
 TARVO_TEST(XPlaneAdapterTest)
 #include "XPlaneAdapterTest.moc"

@@ -1,0 +1,1 @@
+tarvo_fuzz(rref SOURCES rref_fuzz.cpp USES tarvo::xplane)
