@@ -55,7 +55,7 @@ bool FsdLogin::addPilot(FsdSession &session, const QStringList &fields)
 {
     auto pdu = fsd::pdu::AddPilot::parse(fields);
     Request request{{pdu.From, pdu.cid, pdu.realName, false, {}},
-                    pdu.To,
+                    fields.value(1), // reading the line takes its recipient for granted
                     pdu.password,
                     static_cast<int>(pdu.rating),
                     static_cast<int>(pdu.protocolRevision)};
@@ -68,7 +68,7 @@ bool FsdLogin::addAtc(FsdSession &session, const QStringList &fields)
 {
     auto pdu = fsd::pdu::AddATC::parse(fields);
     Request request{{pdu.From, pdu.cid, pdu.realName, true, {}},
-                    fields.value(1), // reading an "#AA" doesn't tell its recipient
+                    fields.value(1),
                     pdu.password,
                     static_cast<int>(pdu.rating),
                     static_cast<int>(pdu.protocolRevision)};

@@ -71,8 +71,6 @@ void FsdSession::read()
     const auto cost = static_cast<double>(lines.size() + chunk.size() / bytesThatCostALine);
     if (m_ending || !withinBudget(cost))
         return;
-    for (int overlong = m_reader.takeOverlong(); overlong > 0 && isOpen(); --overlong)
-        complain(FsdError::SyntaxError, {}, QStringLiteral("Line too long"));
     for (const QByteArray &line : lines) {
         if (!isOpen())
             return;
@@ -81,6 +79,8 @@ void FsdSession::read()
         else
             emit lineReceived(QString::fromLatin1(line));
     }
+    for (int overlong = m_reader.takeOverlong(); overlong > 0 && isOpen(); --overlong)
+        complain(FsdError::SyntaxError, {}, QStringLiteral("Line too long"));
 }
 
 bool FsdSession::withinBudget(double cost)

@@ -76,11 +76,32 @@ QVariant unpack(const msgpack::object &object)
 struct PluginPeer::Socket
 {
     nng_socket handle = NNG_SOCKET_INITIALIZER;
+    nng_listener listener = NNG_LISTENER_INITIALIZER;
 
     Socket() = default;
     Socket(const Socket &) = delete;
     Socket &operator=(const Socket &) = delete;
-    ~Socket() { nng_close(handle); }
+    ~Socket()
+    {
+        // nng_close() of nng 1.5 never returns while more messages wait than the receive buffer holds: so nobody may
+        // send any more, and what has come is taken out.
+        nng_listener_close(listener);
+        while (!receive().isNull()) {
+        }
+        nng_close(handle);
+    }
+
+    /// The next message; null when there is none.
+    QByteArray receive() const
+    {
+        void *data = nullptr;
+        std::size_t size = 0;
+        if (nng_recv(handle, &data, &size, NNG_FLAG_ALLOC | NNG_FLAG_NONBLOCK) != 0)
+            return {};
+        QByteArray bytes(static_cast<const char *>(data), static_cast<qsizetype>(size));
+        nng_free(data, size);
+        return bytes.isNull() ? QByteArray("") : bytes;
+    }
 
     /// Opens and listens; an nng error number or 0.
     int open(const QByteArray &url, int *readable)
@@ -90,7 +111,7 @@ struct PluginPeer::Socket
         nng_socket_set_size(handle, NNG_OPT_RECVMAXSZ, largestMessage);
         nng_socket_set_int(handle, NNG_OPT_SENDBUF, buffered);
         nng_socket_set_int(handle, NNG_OPT_RECVBUF, buffered);
-        if (const int error = nng_listen(handle, url.constData(), nullptr, 0))
+        if (const int error = nng_listen(handle, url.constData(), &listener, 0))
             return error;
         return nng_socket_get_int(handle, NNG_OPT_RECVFD, readable);
     }
@@ -153,12 +174,9 @@ void PluginPeer::setMute(bool mute)
 void PluginPeer::receiveAll()
 {
     while (m_socket) {
-        void *data = nullptr;
-        std::size_t size = 0;
-        if (nng_recv(m_socket->handle, &data, &size, NNG_FLAG_ALLOC | NNG_FLAG_NONBLOCK) != 0)
+        const QByteArray bytes = m_socket->receive();
+        if (bytes.isNull())
             return;
-        const QByteArray bytes(static_cast<const char *>(data), static_cast<qsizetype>(size));
-        nng_free(data, size);
         receive(bytes);
     }
 }

@@ -1,0 +1,83 @@
+#include "practice/Options.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+using namespace tarvo::practice;
+
+class OptionsTest : public QObject
+{
+    Q_OBJECT
+
+    static std::optional<Options> read(const QStringList &arguments, QString *error)
+    {
+        return readOptions(QStringList{QStringLiteral("tarvo-practice")} + arguments, error);
+    }
+
+private slots:
+    void defaultsAreTheNetworksOwn()
+    {
+        QString error;
+        const auto options = read({}, &error);
+        QVERIFY(options);
+        QCOMPARE(options->network.httpPort, 8080);
+        QCOMPARE(options->network.fsdPort, 6809);
+        QCOMPARE(options->network.xplanePort, 49000);
+        QCOMPARE(options->network.pluginUrl, QStringLiteral("ipc:///tmp//tarvoclient.ipc"));
+        QCOMPARE(options->network.address, QHostAddress(QHostAddress::LocalHost));
+        QVERIFY(options->network.secondAddress.isNull());
+        QCOMPARE(options->network.fsd.pingIntervalMs, 30'000);
+        QCOMPARE(options->accessLife, 3600);
+        QVERIFY(!options->quiet);
+    }
+
+    void readsWhatIsGiven()
+    {
+        QString error;
+        const auto options =
+            read({QStringLiteral("--http-port"), QStringLiteral("0"), QStringLiteral("--token-life=5"),
+                  QStringLiteral("--second-address=127.0.0.2"), QStringLiteral("--quiet"),
+                  QStringLiteral("--range=2.5"), QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator")},
+                 &error);
+        QVERIFY2(options, qPrintable(error));
+        QCOMPARE(options->network.httpPort, 0);
+        QCOMPARE(options->accessLife, 5);
+        QCOMPARE(options->network.secondAddress, QHostAddress(QStringLiteral("127.0.0.2")));
+        QCOMPARE(options->network.fsd.relayRangeNm, 2.5);
+        QCOMPARE(options->flightTime, 200.0);
+        QVERIFY(options->quiet);
+        QVERIFY(!options->network.simulator);
+    }
+
+    void refusesNonsense_data()
+    {
+        QTest::addColumn<QString>("argument");
+        QTest::newRow("port too high") << QStringLiteral("--fsd-port=65536");
+        QTest::newRow("port of letters") << QStringLiteral("--fsd-port=fsd");
+        QTest::newRow("negative life") << QStringLiteral("--token-life=-1");
+        QTest::newRow("no number") << QStringLiteral("--range=nan");
+        QTest::newRow("the world's address") << QStringLiteral("--address=0.0.0.0");
+        QTest::newRow("another machine's address") << QStringLiteral("--second-address=192.0.2.1");
+        QTest::newRow("name as address") << QStringLiteral("--address=localhost");
+        QTest::newRow("unknown option") << QStringLiteral("--fly");
+        QTest::newRow("stray word") << QStringLiteral("fly");
+    }
+
+    void refusesNonsense()
+    {
+        QFETCH(QString, argument);
+        QString error;
+        QVERIFY(!read({argument}, &error));
+        QVERIFY(!error.isEmpty());
+    }
+
+    void informs()
+    {
+        QString error;
+        QVERIFY(read({QStringLiteral("--help")}, &error)->information.contains(QStringLiteral("--fsd-port")));
+        QVERIFY(read({QStringLiteral("--version")}, &error)->information.startsWith(QStringLiteral("tarvo-practice")));
+    }
+};
+
+TARVO_TEST(OptionsTest)
+#include "OptionsTest.moc"
