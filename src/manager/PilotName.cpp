@@ -8,11 +8,11 @@ const QLatin1StringView unknownName("Unknown");
 
 QString pilotName(const NameSources &sources)
 {
-    const QString profile = sources.profileName.trimmed();
+    QString profile = sources.profileName.trimmed();
     if (!profile.isEmpty() && profile.compare(unknownName, Qt::CaseInsensitive) != 0)
         return profile;
     for (const QString &source : {sources.accountName, sources.username}) {
-        if (const QString name = source.trimmed(); !name.isEmpty())
+        if (QString name = source.trimmed(); !name.isEmpty())
             return name;
     }
     return unknownName;

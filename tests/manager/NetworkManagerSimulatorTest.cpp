@@ -24,6 +24,15 @@ QStringList *watch(Session &s, QStringList *told)
     return told;
 }
 
+/// As texts: comparing two empty lists of numbers trips the undefined-behaviour sanitizer inside the toolkit.
+QStringList texts(const QList<uint> &numbers)
+{
+    QStringList list;
+    for (const uint number : numbers)
+        list << QString::number(number);
+    return list;
+}
+
 } // namespace
 
 class NetworkManagerSimulatorTest : public QObject
@@ -80,7 +89,7 @@ private slots:
         QCOMPARE(oldCalls, (QStringList{u"removeAllAircraft"_qs, u"clearControllers"_qs}));
         QVERIFY(old.expired());
         QCOMPARE(s.manager->simulator(), next);
-        QCOMPARE(s.manager->transmitFrequencies(), QList<uint>());
+        QVERIFY(s.manager->transmitFrequencies().isEmpty());
         QVERIFY(!s.connectPilot()); // its data are another simulator's
     }
 
@@ -211,17 +220,18 @@ private slots:
     {
         QTest::addColumn<bool>("com1");
         QTest::addColumn<bool>("com2");
-        QTest::addColumn<QList<uint>>("expected");
-        QTest::newRow("none") << false << false << QList<uint>{};
-        QTest::newRow("COM1") << true << false << QList<uint>{118500};
-        QTest::newRow("COM2") << false << true << QList<uint>{121700};
-        QTest::newRow("both") << true << true << QList<uint>{118500, 121700};
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("none") << false << false << QStringList{};
+        QTest::newRow("COM1") << true << false << QStringList{u"118500"_qs};
+        QTest::newRow("COM2") << false << true << QStringList{u"121700"_qs};
+        QTest::newRow("both") << true << true << QStringList{u"118500"_qs, u"121700"_qs};
     }
 
     void transmitFrequencies()
     {
         QFETCH(bool, com1);
         QFETCH(bool, com2);
+        QFETCH(QStringList, expected);
         Session s;
         s.addSimulator();
         model::RadioStackState radio;
@@ -232,7 +242,7 @@ private slots:
         radio.com1TransmitEnabled = com1;
         radio.com2TransmitEnabled = com2;
         emit s.sim->radioStackStateChanged(radio);
-        QTEST(s.manager->transmitFrequencies(), "expected");
+        QCOMPARE(texts(s.manager->transmitFrequencies()), expected);
     }
 
     void forwards()
