@@ -147,7 +147,7 @@ private slots:
         QTRY_VERIFY(!panel->graphicsEffect());
     }
 
-    void paintsAtTwiceTheScale()
+    void paintsThePhotograph()
     {
         Desk desk;
         desk.window.show();
