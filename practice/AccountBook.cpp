@@ -71,10 +71,9 @@ AccountBook::AccountBook()
     add(pilot(1003, QStringLiteral("Zhao Mingyue"), 97, 205, 5));
 }
 
-void AccountBook::add(Account account)
+void AccountBook::add(const Account &account)
 {
-    const qint64 cid = account.user.cid;
-    m_accounts.insert(cid, std::move(account));
+    m_accounts.insert(account.user.cid, account);
 }
 
 const Account *AccountBook::find(qint64 cid) const

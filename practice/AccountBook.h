@@ -22,7 +22,7 @@ public:
     AccountBook();
 
     /// Adds an account under its user's CID, or replaces it.
-    void add(Account account);
+    void add(const Account &account);
     /// Null when there is none. `name` is the CID as text, or the user name.
     const Account *find(const QString &name) const;
     const Account *find(qint64 cid) const;

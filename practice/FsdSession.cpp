@@ -68,7 +68,8 @@ void FsdSession::read()
     const QByteArray chunk = m_socket->readAll();
     heardMs = steadyNow();
     const QList<QByteArray> lines = m_reader.feed(chunk);
-    const auto cost = static_cast<double>(lines.size() + chunk.size() / bytesThatCostALine);
+    const qsizetype fullChunks = chunk.size() / bytesThatCostALine;
+    const auto cost = static_cast<double>(lines.size() + fullChunks);
     if (m_ending || !withinBudget(cost))
         return;
     for (const QByteArray &line : lines) {

@@ -187,7 +187,7 @@ private slots:
     void silenceIsNoIdentification()
     {
         PracticeSettings settings = quietSettings();
-        settings.fsd.identifyMs = 300;
+        settings.fsd.identifyMs = 1000;
         start(settings);
         FsdPeer mute(m_network->fsd());
         FsdPeer halfway(m_network->fsd());

@@ -142,7 +142,7 @@ private slots:
         QSignalSpy received(m_plugin.get(), &PluginPeer::messageReceived);
         QVERIFY(m_client->send(QByteArray("\x92\xa3XYZ\x97\xc0\xc3\x2a\xff\xcb\x3f\xf8\0\0\0\0\0\0"
                                           "\xca\x3f\0\0\0\x91\xa1x",
-                                          29)));
+                                          27)));
         QTRY_COMPARE(received.size(), 1);
         QCOMPARE(received.at(0).at(0).toString(), QStringLiteral("XYZ"));
         const QVariantList arguments = received.at(0).at(1).toList();
