@@ -7,6 +7,8 @@
 namespace tarvo::practice {
 
 namespace {
+constexpr int burstMs = 100; // a client asks for all its datarefs well within that
+
 QString printable(QString text)
 {
     for (QChar &c : text) {
@@ -34,7 +36,12 @@ QString messageText(const QString &name, const QVariantList &arguments)
 }
 } // namespace
 
-Console::Console(QTextStream &out, QObject *parent) : QObject(parent), m_out(out) {}
+Console::Console(QTextStream &out, QObject *parent) : QObject(parent), m_out(out)
+{
+    m_burst.setSingleShot(true);
+    m_burst.setInterval(burstMs);
+    connect(&m_burst, &QTimer::timeout, this, &Console::saySubscriptions);
+}
 
 void Console::say(const QString &area, const QString &text)
 {
@@ -92,14 +99,29 @@ void Console::followFsd(const QString &area, FsdServer &server)
             [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
 }
 
+void Console::countSubscription(const QString &client, int ratePerSecond)
+{
+    const QString verb = ratePerSecond > 0 ? QStringLiteral("subscribes") : QStringLiteral("unsubscribes");
+    ++m_subscriptions[QStringLiteral("%1 %2").arg(client, verb)];
+    if (!m_burst.isActive())
+        m_burst.start();
+}
+
+void Console::saySubscriptions()
+{
+    for (auto it = m_subscriptions.cbegin(); it != m_subscriptions.cend(); ++it) {
+        const QString what = it.value() == 1 ? QStringLiteral("dataref") : QStringLiteral("datarefs");
+        say(QStringLiteral("xplane"), QStringLiteral("%1 %2 %3").arg(it.key()).arg(it.value()).arg(what));
+    }
+    m_subscriptions.clear();
+}
+
 void Console::followXPlane(XPlaneStandIn &xplane)
 {
     const QString area = QStringLiteral("xplane");
     connect(&xplane, &XPlaneStandIn::phaseChanged, this, [this, area](const QString &phase) { say(area, phase); });
     connect(&xplane, &XPlaneStandIn::subscribed, this,
-            [this, area](const QString &client, const QString &dataref, int rate) {
-                say(area, QStringLiteral("%1 subscribes %2 at %3/s").arg(client, dataref).arg(rate));
-            });
+            [this](const QString &client, const QString &, int rate) { countSubscription(client, rate); });
     connect(&xplane, &XPlaneStandIn::written, this, [this, area](const QString &dataref, float value) {
         say(area, QStringLiteral("write %1 = %2").arg(dataref).arg(static_cast<double>(value), 0, 'g', 9));
     });

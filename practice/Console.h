@@ -2,8 +2,10 @@
 
 #include "practice/PracticeNetwork.h"
 
+#include <QMap>
 #include <QObject>
 #include <QTextStream>
+#include <QTimer>
 
 namespace tarvo::practice {
 
@@ -25,8 +27,12 @@ public:
 private:
     void followFsd(const QString &area, FsdServer &server);
     void followXPlane(XPlaneStandIn &xplane);
+    void countSubscription(const QString &client, int ratePerSecond);
+    void saySubscriptions();
 
     QTextStream &m_out;
+    QMap<QString, int> m_subscriptions; ///< how often who did what in the burst that is under way
+    QTimer m_burst;
 };
 
 } // namespace tarvo::practice

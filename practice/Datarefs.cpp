@@ -1,5 +1,7 @@
 #include "practice/Datarefs.h"
 
+#include "common/Units.h"
+
 #include <QtMath>
 
 #include <cmath>
@@ -8,14 +10,13 @@ namespace tarvo::practice {
 
 namespace {
 constexpr double knotsPerMetrePerSecond = 1.94384;
-constexpr double feetPerMetre = 3.28084;
 constexpr double seaLevelInHg = 30.05;
 constexpr double standardInHg = 29.92126;
 
 /// Feet that a pressure altimeter set to standard shows (the standard atmosphere's formula).
 double pressureAltitudeFt(double altitudeM)
 {
-    return altitudeM * feetPerMetre + 145'366.45 * (1 - std::pow(seaLevelInHg / standardInHg, 0.190284));
+    return altitudeM * common::feetPerMetre + 145'366.45 * (1 - std::pow(seaLevelInHg / standardInHg, 0.190284));
 }
 
 using S = const AircraftState &;
