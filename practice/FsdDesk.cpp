@@ -1,8 +1,6 @@
 #include "practice/FsdDesk.h"
 
-#include "common/Clock.h"
 #include "fsd/pdu/ATCPosition.h"
-#include "fsd/pdu/AuthChallenge.h"
 #include "fsd/pdu/AuthResponse.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/ClientQueryResponse.h"
@@ -16,9 +14,6 @@
 #include "fsd/pdu/ServerIdentification.h"
 #include "fsd/pdu/TextMessage.h"
 
-#include <QDateTime>
-#include <QRandomGenerator>
-
 #include <algorithm>
 #include <cmath>
 
@@ -30,17 +25,6 @@ using fsd::pdu::ClientQueryType;
 namespace {
 const QString server = QStringLiteral("SERVER");
 constexpr int longestVisibilityNm = 600;
-
-QString randomChallenge()
-{
-    return QStringLiteral("%1").arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0'));
-}
-
-/// The interval, up to a quarter shorter or longer.
-qint64 jittered(int intervalMs)
-{
-    return intervalMs * 3 / 4 + QRandomGenerator::global()->bounded(intervalMs / 2 + 1);
-}
 } // namespace
 
 /// One identifier that a client may send.
@@ -74,15 +58,20 @@ const FsdDesk::Command FsdDesk::commands[] = {
 };
 
 FsdDesk::FsdDesk(const AccountBook &accounts, const TokenAuthority &tokens, const Roster &roster,
-                 const FsdSettings &settings)
-    : m_roster(roster), m_settings(settings), m_login(accounts, tokens, roster), m_relay(roster, settings)
+                 const FsdKeepAlive &keepAlive, const FsdSettings &settings)
+    : m_roster(roster),
+      m_keepAlive(keepAlive),
+      m_settings(settings),
+      m_login(accounts, tokens, roster),
+      m_relay(roster, settings)
 {
 }
 
 void FsdDesk::greet(FsdSession &session)
 {
-    session.send(toLine(fsd::pdu::ServerIdentification(
-        server, QStringLiteral("CLIENT"), QStringLiteral("Tarvo practice FSD server 1.0"), randomChallenge())));
+    session.send(toLine(fsd::pdu::ServerIdentification(server, QStringLiteral("CLIENT"),
+                                                       QStringLiteral("Tarvo practice FSD server 1.0"),
+                                                       FsdKeepAlive::newChallenge())));
 }
 
 const FsdDesk::Command *FsdDesk::commandOf(const QString &line)
@@ -123,9 +112,7 @@ bool FsdDesk::mayUse(FsdSession &session, const Command &command, const QStringL
 
 void FsdDesk::enter(FsdSession &session)
 {
-    const qint64 now = common::systemClock().steadyMs();
-    session.nextPingMs = now + m_settings.pingIntervalMs;
-    session.nextChallengeMs = now + jittered(m_settings.challengeIntervalMs);
+    m_keepAlive.begin(session);
     emit loggedIn(session);
     if (!m_settings.greeting.isEmpty())
         session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign, m_settings.greeting)));
@@ -136,44 +123,6 @@ void FsdDesk::leave(FsdSession &session)
 {
     if (session.loggedIn())
         m_relay.farewell(session);
-}
-
-void FsdDesk::keepAlive(FsdSession &session, qint64 nowMs)
-{
-    const bool complete = session.loggedIn() && !session.announcedCallsign.isEmpty();
-    if (!complete && nowMs - session.connectedMs > m_settings.identifyMs) {
-        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("No identification"));
-        return;
-    }
-    if (nowMs - session.heardMs > m_settings.silenceMs) {
-        session.cutOff(QStringLiteral("silent"));
-        return;
-    }
-    if (!session.loggedIn())
-        return;
-    if (m_settings.pingIntervalMs > 0 && nowMs >= session.nextPingMs) {
-        session.nextPingMs = nowMs + m_settings.pingIntervalMs;
-        ping(session);
-    }
-    if (m_settings.challengeIntervalMs > 0 && nowMs >= session.nextChallengeMs) {
-        session.nextChallengeMs = nowMs + jittered(m_settings.challengeIntervalMs);
-        challenge(session);
-    }
-}
-
-void FsdDesk::ping(FsdSession &session)
-{
-    session.send(toLine(fsd::pdu::Ping(server, session.name(), QString::number(QDateTime::currentSecsSinceEpoch()))));
-}
-
-void FsdDesk::challenge(FsdSession &session)
-{
-    if (!session.openChallenge.isEmpty()) {
-        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("No answer to the challenge"));
-        return;
-    }
-    session.openChallenge = randomChallenge();
-    session.send(toLine(fsd::pdu::AuthChallenge(server, session.name(), session.openChallenge)));
 }
 
 void FsdDesk::onIdentification(FsdSession &session, const QStringList &fields, const QString &)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "practice/FsdKeepAlive.h"
 #include "practice/FsdLogin.h"
 #include "practice/FsdRelay.h"
 
@@ -13,22 +14,23 @@ class FsdDesk : public QObject
     Q_OBJECT
 
 public:
+    /// Everything that it is given must outlive it.
     FsdDesk(const AccountBook &accounts, const TokenAuthority &tokens, const Roster &roster,
-            const FsdSettings &settings);
+            const FsdKeepAlive &keepAlive, const FsdSettings &settings);
 
     /// The first line of a session.
     void greet(FsdSession &session);
+    /// Does what a line, without its line end, asks for. One that is malformed, unknown or sent under a callsign that
+    /// isn't the session's gets "$ER" and counts against the session.
     void handle(FsdSession &session, const QString &line);
-    /// Pings, challenges and time limits; `nowMs` is steady time.
-    void keepAlive(FsdSession &session, qint64 nowMs);
-    void ping(FsdSession &session);
-    void challenge(FsdSession &session);
     /// What is left to do when a session has ended.
     void leave(FsdSession &session);
 
+    /// Who gets in: what refuses logins, and who is expected from another server.
     FsdLogin &login() { return m_login; }
 
 signals:
+    /// The session has its identity now; nothing has been sent to it since.
     void loggedIn(FsdSession &session);
 
 private:
@@ -59,6 +61,7 @@ private:
     void moveTo(FsdSession &session, double latitude, double longitude, const QString &line);
 
     const Roster &m_roster;
+    const FsdKeepAlive &m_keepAlive;
     const FsdSettings &m_settings;
     FsdLogin m_login;
     FsdRelay m_relay;

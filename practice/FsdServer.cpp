@@ -1,6 +1,5 @@
 #include "practice/FsdServer.h"
 
-#include "common/Clock.h"
 #include "fsd/pdu/ChangeServer.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/KillRequest.h"
@@ -20,16 +19,19 @@ const QString server = QStringLiteral("SERVER");
 constexpr int keepAliveMs = 200;
 } // namespace
 
-FsdServer::FsdServer(const AccountBook &accounts, const TokenAuthority &tokens, FsdSettings settings, QObject *parent)
+FsdServer::FsdServer(const AccountBook &accounts, const TokenAuthority &tokens, FsdSettings settings,
+                     const common::Clock &clock, QObject *parent)
     : QObject(parent),
       m_settings(std::move(settings)),
+      m_clock(clock),
+      m_keepAlive(m_settings, clock),
       m_server(std::make_unique<QTcpServer>()),
-      m_desk(std::make_unique<FsdDesk>(accounts, tokens, m_roster, m_settings))
+      m_desk(std::make_unique<FsdDesk>(accounts, tokens, m_roster, m_keepAlive, m_settings))
 {
     connect(m_server.get(), &QTcpServer::newConnection, this, &FsdServer::acceptConnections);
     connect(m_desk.get(), &FsdDesk::loggedIn, this,
             [this](FsdSession &session) { emit clientLoggedIn(session.name(), session.identity->observer); });
-    connect(&m_keepAlive, &QTimer::timeout, this, &FsdServer::keepAlive);
+    connect(&m_timer, &QTimer::timeout, this, &FsdServer::keepAlive);
 }
 
 FsdServer::~FsdServer()
@@ -41,14 +43,14 @@ bool FsdServer::listen(const QHostAddress &address, quint16 port)
 {
     if (!m_server->listen(address, port))
         return false;
-    m_keepAlive.start(keepAliveMs);
+    m_timer.start(keepAliveMs);
     return true;
 }
 
 void FsdServer::close()
 {
     m_server->close();
-    m_keepAlive.stop();
+    m_timer.stop();
     const QList<FsdSession *> sessions = m_roster.all();
     for (FsdSession *session : sessions) {
         m_roster.remove(session);
@@ -91,7 +93,7 @@ int FsdServer::connectionCount() const
 void FsdServer::acceptConnections()
 {
     while (QTcpSocket *socket = m_server->nextPendingConnection()) {
-        auto session = std::make_unique<FsdSession>(socket, m_settings, this);
+        auto session = std::make_unique<FsdSession>(socket, m_settings, m_clock, this);
         attach(session.release()); // a child of this; remove() ends it
     }
 }
@@ -129,11 +131,10 @@ void FsdServer::remove(FsdSession *session)
 
 void FsdServer::keepAlive()
 {
-    const qint64 now = common::systemClock().steadyMs();
     const QList<FsdSession *> sessions = m_roster.all();
     for (FsdSession *session : sessions) {
         if (session->isOpen())
-            m_desk->keepAlive(*session, now);
+            m_keepAlive.step(*session);
     }
 }
 
@@ -195,12 +196,12 @@ bool FsdServer::setFast(const QString &callsign, bool fast)
 
 bool FsdServer::ping(const QString &callsign)
 {
-    return with(callsign, [this](FsdSession &session) { m_desk->ping(session); });
+    return with(callsign, [this](FsdSession &session) { m_keepAlive.ping(session); });
 }
 
 bool FsdServer::challenge(const QString &callsign)
 {
-    return with(callsign, [this](FsdSession &session) { m_desk->challenge(session); });
+    return with(callsign, [this](FsdSession &session) { m_keepAlive.challenge(session); });
 }
 
 bool FsdServer::sendLine(const QString &callsign, const QString &line)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/Clock.h"
 #include "practice/AccountBook.h"
+#include "practice/FsdKeepAlive.h"
 #include "practice/FsdSettings.h"
 #include "practice/Roster.h"
 #include "practice/TokenAuthority.h"
@@ -27,8 +29,9 @@ class FsdServer : public QObject
     Q_OBJECT
 
 public:
+    /// The clock rules time limits, pings, challenges and the lines a client may send each second.
     FsdServer(const AccountBook &accounts, const TokenAuthority &tokens, FsdSettings settings = {},
-              QObject *parent = nullptr);
+              const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
     ~FsdServer() override;
 
     /// Starts to serve; port 0 takes a free one. Returns false when the port can't be had; see errorString().
@@ -43,6 +46,10 @@ public:
     QStringList callsigns() const;
     /// Connections, logged in or not.
     int connectionCount() const;
+
+    /// Does what is due by now: sends away who is past a time limit, pings, challenges. Called by a timer; a test with
+    /// a clock of its own may call it.
+    void keepAlive();
 
     // What a developer breaks things with. All take the callsign of a client that is logged in, in upper case, and
     // return false when there is none.
@@ -88,15 +95,16 @@ private:
     void acceptConnections();
     void attach(FsdSession *session);
     void remove(FsdSession *session);
-    void keepAlive();
     /// Lets `action` work on the session of that callsign. Returns false when there is none.
     bool with(const QString &callsign, const std::function<void(FsdSession &)> &action);
 
     FsdSettings m_settings;
+    const common::Clock &m_clock;
+    FsdKeepAlive m_keepAlive;
     std::unique_ptr<QTcpServer> m_server;
     Roster m_roster;
     std::unique_ptr<FsdDesk> m_desk;
-    QTimer m_keepAlive;
+    QTimer m_timer;
 };
 
 } // namespace tarvo::practice

@@ -1,6 +1,5 @@
 #include "practice/FsdSession.h"
 
-#include "common/Clock.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/ProtocolError.h"
 
@@ -17,25 +16,21 @@ constexpr qsizetype bytesThatCostALine = 1024; // so that endless bytes without 
 constexpr int finishWithinMs = 2000;
 const QLatin1StringView lineEnd("\r\n");
 
-qint64 steadyNow()
-{
-    return common::systemClock().steadyMs();
-}
-
 bool hasControlCharacter(const QByteArray &line)
 {
     return std::any_of(line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; });
 }
 } // namespace
 
-FsdSession::FsdSession(QTcpSocket *socket, const FsdSettings &settings, QObject *parent)
+FsdSession::FsdSession(QTcpSocket *socket, const FsdSettings &settings, const common::Clock &clock, QObject *parent)
     : QObject(parent),
       m_settings(settings),
+      m_clock(clock),
       m_socket(socket),
       m_reader(settings.maxLineBytes),
       m_peer(QStringLiteral("%1:%2").arg(socket->peerAddress().toString()).arg(socket->peerPort())),
       m_budget(2.0 * settings.maxLinesPerSecond),
-      m_budgetMs(steadyNow())
+      m_budgetMs(m_clock.steadyMs())
 {
     connectedMs = heardMs = m_budgetMs;
     m_socket->setParent(this);
@@ -66,7 +61,7 @@ QString FsdSession::peerAddress() const
 void FsdSession::read()
 {
     const QByteArray chunk = m_socket->readAll();
-    heardMs = steadyNow();
+    heardMs = m_clock.steadyMs();
     const QList<QByteArray> lines = m_reader.feed(chunk);
     const qsizetype fullChunks = chunk.size() / bytesThatCostALine;
     const auto cost = static_cast<double>(lines.size() + fullChunks);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Clock.h"
 #include "practice/FsdErrors.h"
 #include "practice/FsdSettings.h"
 #include "practice/LineReader.h"
@@ -35,8 +36,8 @@ class FsdSession : public QObject
     Q_OBJECT
 
 public:
-    /// Takes the socket over.
-    FsdSession(QTcpSocket *socket, const FsdSettings &settings, QObject *parent);
+    /// Takes the socket over. Settings and clock must outlive it.
+    FsdSession(QTcpSocket *socket, const FsdSettings &settings, const common::Clock &clock, QObject *parent);
     ~FsdSession() override;
 
     /// The callsign, or address and port before the login.
@@ -87,6 +88,7 @@ private:
     bool withinBudget(double cost);
 
     const FsdSettings &m_settings;
+    const common::Clock &m_clock;
     QTcpSocket *m_socket; ///< a child
     LineReader m_reader;
     QString m_peer;

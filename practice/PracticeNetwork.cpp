@@ -17,11 +17,11 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_settings(std::move(settings)),
       m_tokens(clock),
       m_account(m_accounts, m_tokens),
-      m_fsd(m_accounts, m_tokens, m_settings.fsd),
+      m_fsd(m_accounts, m_tokens, m_settings.fsd, clock),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())
-        m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd);
+        m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd, clock);
 }
 
 PracticeNetwork::~PracticeNetwork()

@@ -1,4 +1,5 @@
 #include "Peers.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -17,16 +18,23 @@ class FsdLoginTest : public QObject
 {
     Q_OBJECT
 
+    ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
 
     void start(const PracticeSettings &settings)
     {
-        m_network = std::make_unique<PracticeNetwork>(settings);
+        m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
         QVERIFY2(m_network->start(), qPrintable(m_network->errorString()));
     }
     QByteArray tokenLogin(TokenUse use = TokenUse::Fsd, qint64 cid = 1001)
     {
         return "#APAB1:SERVER:1001:" + m_network->tokens().issue(use, cid) + ":1:100:5:Lin Xiaozhou ZBAA";
+    }
+    /// Lets time pass, and the server do what is due then.
+    void pass(qint64 ms)
+    {
+        m_clock.advance(ms);
+        m_network->fsd().keepAlive();
     }
 
 private slots:
@@ -186,14 +194,19 @@ private slots:
 
     void silenceIsNoIdentification()
     {
-        PracticeSettings settings = quietSettings();
-        settings.fsd.identifyMs = 1000;
-        start(settings);
+        QSignalSpy refused(&m_network->fsd(), &FsdServer::clientRefused);
         FsdPeer mute(m_network->fsd());
         FsdPeer halfway(m_network->fsd());
         halfway.send(pilotLogin); // no "$ID"
         FsdPeer whole(m_network->fsd());
         whole.logIn("XY2");
+        settle(whole, "XY2");
+        settle(halfway, "AB1");
+        QTRY_VERIFY(mute.got("$DI"));
+        pass(20'000); // just in time
+        QCOMPARE(refused.size(), 0);
+        pass(1);
+        QCOMPARE(refused.size(), 2);
         QTRY_VERIFY(mute.closed());
         QTRY_VERIFY(halfway.closed());
         QVERIFY(mute.got("$ERSERVER:unknown:16::No identification"));
@@ -202,12 +215,17 @@ private slots:
 
     void theDeadAreSentAway()
     {
-        PracticeSettings settings = quietSettings();
-        settings.fsd.silenceMs = 300;
-        start(settings);
+        QSignalSpy refused(&m_network->fsd(), &FsdServer::clientRefused);
         FsdPeer peer(m_network->fsd());
         peer.logIn("AB1");
-        QTRY_VERIFY(peer.got("#TM"));
+        settle(peer, "AB1");
+        pass(120'000);
+        settle(peer, "AB1"); // alive in the last moment
+        pass(120'000);
+        QCOMPARE(refused.size(), 0);
+        pass(1);
+        QCOMPARE(refused.size(), 1);
+        QCOMPARE(refused.at(0), (QVariantList{QStringLiteral("AB1"), QStringLiteral("silent")}));
         QTRY_VERIFY(peer.closed());
     }
 

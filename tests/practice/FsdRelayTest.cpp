@@ -1,4 +1,5 @@
 #include "Peers.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -13,20 +14,13 @@ class FsdRelayTest : public QObject
 {
     Q_OBJECT
 
+    ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<FsdPeer> m_a;
     std::unique_ptr<FsdPeer> m_b;
     std::unique_ptr<FsdPeer> m_tower;
 
     FsdServer &fsd() { return m_network->fsd(); }
-    /// Waits until the server has handled everything that `peer` sent.
-    void settle(FsdPeer &peer, const QByteArray &callsign)
-    {
-        static int serial = 0;
-        const QByteArray mark = QByteArray::number(++serial);
-        peer.send("$PI" + callsign + ":SERVER:" + mark);
-        QTRY_VERIFY(peer.got("$POSERVER:" + callsign + ':' + mark + "\r\n"));
-    }
     void place(double latitudeOfB)
     {
         m_a->report("AB1", 40.0, 116.5);
@@ -38,7 +32,7 @@ class FsdRelayTest : public QObject
 private slots:
     void init()
     {
-        m_network = std::make_unique<PracticeNetwork>(quietSettings());
+        m_network = std::make_unique<PracticeNetwork>(quietSettings(), m_clock);
         QVERIFY(m_network->start());
         m_a = std::make_unique<FsdPeer>(fsd());
         m_a->logIn("AB1");
@@ -275,14 +269,31 @@ private slots:
     void pingsAndChallengesByItself()
     {
         PracticeSettings settings = quietSettings();
-        settings.fsd.pingIntervalMs = 50;
-        settings.fsd.challengeIntervalMs = 400;
-        m_network = std::make_unique<PracticeNetwork>(settings);
+        settings.fsd.pingIntervalMs = 30'000;
+        settings.fsd.challengeIntervalMs = 44'000;
+        m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
         QVERIFY(m_network->start());
         FsdPeer peer(fsd());
         peer.logIn("AB1");
-        QTRY_VERIFY(peer.count("$PISERVER:AB1:") >= 2);
-        QTRY_VERIFY(peer.got("$ZCSERVER:AB1:"));
+        settle(peer, "AB1");
+        const auto after = [&](qint64 ms) {
+            m_clock.advance(ms);
+            fsd().keepAlive();
+            fsd().keepAlive(); // once is enough
+            settle(peer, "AB1");
+        };
+        after(29'999);
+        QVERIFY(!peer.got("$PI"));
+        QVERIFY(!peer.got("$ZC")); // comes after 33 to 55 seconds
+        const QByteArray seconds = QByteArray::number((m_clock.wallMs() + 1) / 1000);
+        after(1);
+        QCOMPARE(peer.count("$PISERVER:AB1:"), 1);
+        QVERIFY(peer.got("$PISERVER:AB1:" + seconds + "\r\n"));
+        after(25'000);
+        QCOMPARE(peer.count("$PISERVER:AB1:"), 1);
+        QCOMPARE(peer.count("$ZCSERVER:AB1:"), 1);
+        after(5'000);
+        QCOMPARE(peer.count("$PISERVER:AB1:"), 2);
     }
 
     void everyLineIsTold()

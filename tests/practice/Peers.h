@@ -60,6 +60,15 @@ private:
     QByteArray m_received;
 };
 
+/// Waits until the server has handled everything that `peer`, logged in under that callsign, has sent.
+inline void settle(FsdPeer &peer, const QByteArray &callsign)
+{
+    static int serial = 0;
+    const QByteArray mark = QByteArray::number(++serial);
+    peer.send("$PI" + callsign + ":SERVER:" + mark);
+    QTRY_VERIFY(peer.got("$POSERVER:" + callsign + ':' + mark + "\r\n"));
+}
+
 /// What a web service answered.
 struct Answer
 {
