@@ -14,6 +14,7 @@ if(NOT secretLength EQUAL 64 OR NOT TARVO_CONFIG_SECRET MATCHES "^[0-9A-Fa-f]+$"
 endif()
 
 option(TARVO_WERROR "Treat warnings as errors" OFF)
+option(TARVO_BUILD_PRACTICE "Build the practice network; the tests need it" ON)
 option(TARVO_BUILD_BENCH "Build the benchmarks" OFF)
 option(TARVO_BUILD_FUZZ "Build the libFuzzer targets (needs clang)" OFF)
 set(TARVO_SANITIZE "" CACHE STRING "Sanitizers, as given to -fsanitize=")

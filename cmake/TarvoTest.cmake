@@ -1,4 +1,4 @@
-# tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...] [DATA <definition>...])
+# tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...])
 #
 # One test program, <name>_test, for one folder of tests/. Its classes register themselves with TARVO_TEST
 # (tests/support/TestRegistry.h). GUI gives it a QApplication on the offscreen platform.

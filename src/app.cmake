@@ -1,7 +1,3 @@
-if(NOT TARGET tarvo::ui OR NOT TARGET tarvo::xplane)
-    return() # the program stands on both
-endif()
-
 # The program. Application is a library of its own, so that tests can compose login sessions.
 add_library(tarvo_app STATIC Application.cpp Application.h)
 add_library(tarvo::app ALIAS tarvo_app)
@@ -11,6 +7,6 @@ target_link_libraries(tarvo_app PUBLIC tarvo::ui tarvo::manager tarvo::xplane)
 add_executable(TarvoClient main.cpp)
 target_link_libraries(TarvoClient PRIVATE tarvo::app Qt6::QuickControls2)
 set_target_properties(TarvoClient PROPERTIES WIN32_EXECUTABLE ON)
-if(WIN32 AND EXISTS ${PROJECT_SOURCE_DIR}/resources/TarvoClient.rc)
+if(WIN32)
     target_sources(TarvoClient PRIVATE ${PROJECT_SOURCE_DIR}/resources/TarvoClient.rc)
 endif()

@@ -73,7 +73,12 @@ def virtual_display():
                                '-noreset'], pass_fds=[write], stderr=subprocess.DEVNULL)
     os.close(write)
     with os.fdopen(read) as numbers:
-        os.environ['DISPLAY'] = ':' + numbers.readline().strip()
+        number = numbers.readline().strip()
+    if not number:
+        raise Failure('Xvfb did not start')
+    os.environ['DISPLAY'] = ':' + number
+    os.environ['QT_QPA_PLATFORM'] = 'xcb'
+    os.environ.pop('WAYLAND_DISPLAY', None)
     manager = subprocess.Popen(['openbox'], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
         yield
@@ -199,10 +204,10 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--bin', required=True, type=pathlib.Path)
     parser.add_argument('--headless', action='store_true')
-    parser.add_argument('--check', action='store_true', help='exit with 1 unless everything went as it should')
     arguments = parser.parse_args()
     programs = arguments.bin.resolve()
     PICTURES.mkdir(parents=True, exist_ok=True)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
     practice = Practice(programs / 'tarvo-practice')
     client = None
@@ -222,23 +227,27 @@ def main():
                         client.wait()
         else:
             client = subprocess.Popen([programs / 'TarvoClient'])
-            client.wait()
+            if client.wait() != 0:
+                raise Failure(f'the client ended with {client.returncode}')
     except (Failure, KeyboardInterrupt) as reason:
-        failure = reason
+        failure = reason or 'interrupted'
     finally:
+        if client and client.poll() is None:
+            client.terminate()
+            client.wait()
         if practice.process.poll() is None:
             practice.stop()
     if arguments.headless:
         report(practice)
     if failure:
         print(f'the demonstration failed: {failure}', file=sys.stderr)
-    sys.exit(1 if failure and arguments.check else 0)
+    sys.exit(1 if failure else 0)
 
 
 def report(practice):
     print('\nFSD lines as the server saw them:')
     for line in practice.lines:
-        if re.search(r'FSD .*(<<<|>>>)', line):
+        if re.search(r' fsd .*(<<<|>>>)', line):
             print('  ' + line)
     print(f'Pictures: {PICTURES.relative_to(ROOT)}')
 

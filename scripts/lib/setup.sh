@@ -10,7 +10,6 @@ required_packages() { sed -e 's/#.*//' -e '/^[[:space:]]*$/d' scripts/lib/packag
 missing_packages() {
     local package
     for package in $(required_packages); do
-        # A virtual package counts when something installed provides it.
         dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q 'ok installed' || echo "$package"
     done
 }
@@ -27,7 +26,10 @@ ensure_packages() {
     local missing sudo=
     missing=$(missing_packages)
     [ -z "$missing" ] && return
-    [ "$(id -u)" -eq 0 ] || sudo=sudo
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "these packages are missing, and there is no sudo to install them:" $missing
+        sudo=sudo
+    fi
     step "Installing" $missing
     $sudo apt-get update -qq
     $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
@@ -37,7 +39,7 @@ ensure_packages() {
 configure_and_build() {
     local preset=$1; shift
     step "Building: $preset"
-    cmake --preset "$preset" >"build-$preset.log" 2>&1 || { cat "build-$preset.log"; rm -f "build-$preset.log"; exit 1; }
-    rm -f "build-$preset.log"
+    mkdir -p "build/$preset"
+    cmake --preset "$preset" >"build/$preset/configure.log" 2>&1 || { cat "build/$preset/configure.log"; exit 1; }
     cmake --build "build/$preset" ${@:+--target "$@"}
 }

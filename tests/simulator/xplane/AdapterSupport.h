@@ -8,6 +8,7 @@
 #include "support/PluginPeer.h"
 
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 #include <memory>

@@ -1,1 +1,0 @@
-tarvo_fuzz(rref SOURCES rref_fuzz.cpp USES tarvo::xplane)
