@@ -4,9 +4,16 @@
 #include <QHttpServerResponse>
 #include <QJsonArray>
 
+#include <cmath>
+#include <limits>
+#include <optional>
+
 namespace tarvo::practice {
 
 namespace {
+constexpr qint64 longestLife = 1'000'000'000; // seconds
+using Int = std::numeric_limits<int>;
+
 QString text(const QUrlQuery &arguments, QLatin1StringView name)
 {
     return arguments.queryItemValue(name, QUrl::FullyDecoded);
@@ -15,6 +22,22 @@ QString text(const QUrlQuery &arguments, QLatin1StringView name)
 QString callsign(const QUrlQuery &arguments)
 {
     return text(arguments, QLatin1StringView("callsign")).toUpper();
+}
+
+/// The whole number that the argument is, from `least` to `most`; nothing for anything else.
+std::optional<qint64> whole(const QUrlQuery &arguments, QLatin1StringView name, qint64 least, qint64 most)
+{
+    bool ok = false;
+    const qint64 value = text(arguments, name).toLongLong(&ok);
+    return ok && value >= least && value <= most ? std::optional(value) : std::nullopt;
+}
+
+/// The finite number that the argument is; nothing for anything else.
+std::optional<double> number(const QUrlQuery &arguments, QLatin1StringView name)
+{
+    bool ok = false;
+    const double value = text(arguments, name).toDouble(&ok);
+    return ok && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 /// "on=1" or "on=true"; without the argument it is on.
@@ -97,8 +120,9 @@ void ControlService::addClientVerbs()
         return fsd.sendText(callsign(a), text(a, QLatin1StringView("text")));
     };
     m_actions[QStringLiteral("error")] = [&fsd](A a) {
-        return fsd.sendError(callsign(a), text(a, QLatin1StringView("type")).toInt(),
-                             text(a, QLatin1StringView("parameter")), text(a, QLatin1StringView("message")));
+        const auto type = whole(a, QLatin1StringView("type"), Int::min(), Int::max());
+        return type && fsd.sendError(callsign(a), static_cast<int>(*type), text(a, QLatin1StringView("parameter")),
+                                     text(a, QLatin1StringView("message")));
     };
     m_actions[QStringLiteral("fast")] = [&fsd](A a) { return fsd.setFast(callsign(a), isOn(a)); };
     m_actions[QStringLiteral("ping")] = [&fsd](A a) { return fsd.ping(callsign(a)); };
@@ -128,12 +152,17 @@ void ControlService::addLoginVerbs()
         return true;
     };
     m_actions[QStringLiteral("bare-status")] = [this](A a) {
-        m_network.account().setBareStatus(text(a, QLatin1StringView("status")).toInt());
+        const auto status = whole(a, QLatin1StringView("status"), 0, 599);
+        if (!status || (*status != 0 && *status < 100))
+            return false;
+        m_network.account().setBareStatus(static_cast<int>(*status));
         return true;
     };
     m_actions[QStringLiteral("token-life")] = [this](A a) {
-        m_network.tokens().setLife(TokenUse::Access, text(a, QLatin1StringView("seconds")).toLongLong());
-        return true;
+        const auto seconds = whole(a, QLatin1StringView("seconds"), -longestLife, longestLife);
+        if (seconds)
+            m_network.tokens().setLife(TokenUse::Access, *seconds);
+        return seconds.has_value();
     };
     m_actions[QStringLiteral("revoke-tokens")] = [this](A) {
         m_network.tokens().revokeAll();
@@ -155,7 +184,9 @@ void ControlService::addSimulatorVerbs()
     };
     m_actions[QStringLiteral("flight")] = [this](A a) { return jump(a); };
     m_actions[QStringLiteral("dataref")] = [&xplane](A a) {
-        return xplane.setValue(text(a, QLatin1StringView("name")), text(a, QLatin1StringView("value")).toFloat());
+        const auto value = number(a, QLatin1StringView("value"));
+        return value && std::abs(*value) <= std::numeric_limits<float>::max() &&
+               xplane.setValue(text(a, QLatin1StringView("name")), static_cast<float>(*value));
     };
     m_actions[QStringLiteral("command")] = [&xplane](A a) {
         return xplane.command(text(a, QLatin1StringView("name")));
@@ -167,8 +198,10 @@ void ControlService::addPluginVerbs()
     PluginPeer &plugin = m_network.xplane().plugin();
     using A = const QUrlQuery &;
     m_actions[QStringLiteral("plugin-version")] = [&plugin](A a) {
-        plugin.setVersion(text(a, QLatin1StringView("version")).toLongLong());
-        return true;
+        const auto version = whole(a, QLatin1StringView("version"), -1, std::numeric_limits<qint64>::max());
+        if (version)
+            plugin.setVersion(*version);
+        return version.has_value();
     };
     m_actions[QStringLiteral("plugin-csl")] = [&plugin](A a) {
         plugin.setCslValid(isOn(a));
@@ -195,11 +228,11 @@ bool ControlService::jump(const QUrlQuery &arguments)
 {
     XPlaneStandIn &xplane = m_network.xplane();
     const QString phase = text(arguments, QLatin1StringView("phase"));
-    const double time =
-        phase.isEmpty() ? text(arguments, QLatin1StringView("time")).toDouble() : xplane.flight().startOf(phase);
-    if (time < 0)
+    const auto time =
+        phase.isEmpty() ? number(arguments, QLatin1StringView("time")) : std::optional(xplane.flight().startOf(phase));
+    if (!time || *time < 0)
         return false;
-    xplane.setFlightTime(time);
+    xplane.setFlightTime(*time);
     return true;
 }
 

@@ -82,6 +82,8 @@ private slots:
         QCOMPARE(m_network->tokens().life(TokenUse::Access), 5);
         m_web->post(QStringLiteral("/practice/bare-status?status=503"), {});
         QCOMPARE(m_web->logIn().status, 503);
+        QCOMPARE(m_web->post(QStringLiteral("/practice/bare-status?status=0"), {}).status, 200);
+        QCOMPARE(m_web->logIn().status, 200);
     }
 
     void handlesTheSimulator()
@@ -111,6 +113,59 @@ private slots:
     {
         QFETCH(QString, verb);
         QCOMPARE(m_web->post(QStringLiteral("/practice/") + verb, {}).status, 404);
+    }
+
+    void refusesABadNumber_data()
+    {
+        QTest::addColumn<QString>("verb");
+        const auto rows = [](const char16_t *verb, std::initializer_list<const char16_t *> numbers) {
+            for (const char16_t *number : numbers) {
+                const QString text = QString::fromUtf16(verb) + QString::fromUtf16(number);
+                QTest::newRow(qPrintable(text)) << text;
+            }
+        };
+        rows(u"token-life?seconds=", {u"", u"x", u"5s", u"1.5", u"9223372036854775807", u"9223372036854775808"});
+        rows(u"plugin-version?version=", {u"", u"x", u"-2", u"1.5", u"9223372036854775808"});
+        rows(u"bare-status?status=", {u"", u"x", u"-1", u"1", u"99", u"600", u"4294967796"});
+        rows(u"error?callsign=AB1&type=", {u"", u"x", u"1.5", u"2147483648"});
+        rows(u"flight?time=", {u"", u"x", u"-1", u"nan", u"inf"});
+        rows(u"dataref?name=sim/cockpit/radios/transponder_code&value=", {u"", u"x", u"7700x", u"nan", u"1e39"});
+        QTest::newRow("no seconds") << QStringLiteral("token-life");
+        QTest::newRow("no time and no phase") << QStringLiteral("flight");
+    }
+
+    void refusesABadNumber()
+    {
+        QFETCH(QString, verb);
+        m_network->xplane().setFlightTime(100);
+        const QString code = QStringLiteral("sim/cockpit/radios/transponder_code");
+        const float before = m_network->xplane().value(code);
+        const Answer answer = m_web->post(QStringLiteral("/practice/") + verb, {});
+        QCOMPARE(answer.status, 404);
+        QCOMPARE(answer.json, (QJsonObject{{QStringLiteral("done"), false}}));
+        QCOMPARE(m_network->tokens().life(TokenUse::Access), 3600);
+        QCOMPARE(m_network->xplane().flightTime(), 100.0);
+        QCOMPARE(m_network->xplane().value(code), before);
+        QCOMPARE(m_web->logIn().status, 200);
+        settle(*m_pilot, "AB1");
+        QVERIFY(!m_pilot->got("$ER"));
+    }
+
+    void takesNumbersAtTheEdge_data()
+    {
+        QTest::addColumn<QString>("verb");
+        QTest::newRow("no version") << QStringLiteral("plugin-version?version=-1");
+        QTest::newRow("lowest status") << QStringLiteral("bare-status?status=100");
+        QTest::newRow("highest status") << QStringLiteral("bare-status?status=599");
+        QTest::newRow("born expired") << QStringLiteral("token-life?seconds=0");
+        QTest::newRow("start of the flight") << QStringLiteral("flight?time=0");
+        QTest::newRow("negative error type") << QStringLiteral("error?callsign=AB1&type=-1");
+    }
+
+    void takesNumbersAtTheEdge()
+    {
+        QFETCH(QString, verb);
+        QCOMPARE(m_web->post(QStringLiteral("/practice/") + verb, {}).status, 200);
     }
 
     void aWebPageHasNoHandInIt()
