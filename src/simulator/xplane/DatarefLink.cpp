@@ -4,10 +4,12 @@
 #include "simulator/xplane/RrefPacket.h"
 #include "simulator/xplane/SimulatorAddress.h"
 
+#include <QDebug>
 #include <QMetaObject>
 #include <QPointer>
 
 #include <array>
+#include <utility>
 
 namespace tarvo::simulator::xplane {
 
@@ -17,6 +19,8 @@ constexpr int publishIntervalMs = 50;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
 constexpr int datagramsPerRound = 1000;
 constexpr qsizetype largestDatagram = 65536;
+constexpr int lowestPort = 1;
+constexpr int highestPort = 65535;
 
 bool sameIpv4(const QHostAddress &a, const QHostAddress &b)
 {
@@ -146,7 +150,19 @@ void DatarefLink::send(const QByteArray &packet)
     if (m_target.isNull())
         return;
     // A simulator that is not there is no error here: the silence is noticed by the adapter.
-    m_socket.writeDatagram(packet, m_target, static_cast<quint16>(m_config.get(config::xplaneUdpPort)));
+    m_socket.writeDatagram(packet, m_target, targetPort());
+}
+
+quint16 DatarefLink::targetPort()
+{
+    const int port = m_config.get(config::xplaneUdpPort);
+    if (port >= lowestPort && port <= highestPort) {
+        m_refusedPort.reset();
+        return static_cast<quint16>(port);
+    }
+    if (std::exchange(m_refusedPort, port) != port) // once, and not for each of the packets
+        qWarning() << "X-Plane UDP port" << port << "does not exist; using" << config::xplaneUdpPort.defaultValue;
+    return static_cast<quint16>(config::xplaneUdpPort.defaultValue);
 }
 
 } // namespace tarvo::simulator::xplane

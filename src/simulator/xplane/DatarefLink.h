@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <QUdpSocket>
 
+#include <optional>
+
 namespace tarvo {
 class AppConfig;
 }
@@ -23,9 +25,11 @@ class DatarefLink : public QObject
     Q_OBJECT
 
 public:
-    /// Takes the simulator's address from the settings; its port is read anew at each send.
+    /// Takes the simulator's address from the settings; its port is read anew at each send. A port outside 1 to 65535
+    /// is warned about once, and the default one is used. Settings and clock outlive the link.
     DatarefLink(const AppConfig &config, const common::Clock &clock, QObject *parent = nullptr);
 
+    /// The values as last reported; nothing waits for the next publication here.
     const DatarefSample &sample() const { return m_sample; }
     /// Forgets the own aircraft. Pause, version and what was published stay.
     void clearAircraft();
@@ -36,9 +40,12 @@ public:
 
     /// Subscribes to every dataref that is not in the list of subscriptions. `remember` adds it to that list.
     void subscribe(bool remember);
+    /// Empties the list of subscriptions; X-Plane itself is not told.
     void clearSubscriptions() { m_subscribed.clear(); }
 
+    /// Writes one value, in the dataref's own unit. Lost without notice when no simulator is there.
     void write(QByteArrayView dataref, float value);
+    /// Runs one of X-Plane's commands, such as "sim/transponder/transponder_ident". Lost in the same way.
     void command(QByteArrayView command);
 
 public slots:
@@ -46,11 +53,17 @@ public slots:
     void publish();
 
 signals:
+    /// The own aircraft's motion; raised by publish().
     void userAircraftDataChanged(const tarvo::model::UserAircraftData &data);
+    /// Its lights, engines, gear and flaps; raised by publish().
     void userAircraftConfigDataChanged(const tarvo::model::UserAircraftConfigData &data);
+    /// Its radios and transponder; raised by publish().
     void radioStackStateChanged(const tarvo::model::RadioStackState &radioStack);
+    /// A replay is running. Comes at once, and with every record that says so: about once a second.
     void replayModeDetected();
+    /// Comes at once.
     void pausedChanged(bool paused);
+    /// X-Plane's internal version number, such as 120105. Comes at once, and never with 0.
     void versionChanged(int version);
 
 private:
@@ -58,11 +71,13 @@ private:
     void receive(QByteArrayView datagram, const QHostAddress &sender);
     void raise(DatarefEvent event);
     void send(const QByteArray &packet);
+    quint16 targetPort();
 
     const AppConfig &m_config;
     const common::Clock &m_clock;
     QUdpSocket m_socket;
     QHostAddress m_target;
+    std::optional<int> m_refusedPort; ///< the configured port that was last complained about
     qint64 m_lastReplySeconds = 0;
     DatarefSample m_sample;
     model::UserAircraftData m_publishedUser;

@@ -19,6 +19,17 @@ constexpr int socketBufferMessages = 8192;
 constexpr qsizetype tooLarge = 65536;
 constexpr size_t inboxCapacity = 256;
 
+/// Every malformed message gets its line, up to this many; a plugin that is merely broken does not reach it.
+constexpr quint64 malformedBurst = 20;
+
+/// Beyond the burst only each doubling of the count is logged (40, 80, 160...): a flood of bad messages must not become
+/// a flood of lines that fills the disk. The line tells the count, so that none is lost from sight.
+bool isLogged(quint64 malformedCount)
+{
+    return malformedCount <= malformedBurst ||
+           (malformedCount % malformedBurst == 0 && std::has_single_bit(malformedCount / malformedBurst));
+}
+
 QString errorText(int result)
 {
     return QString::fromUtf8(nng_strerror(result));
@@ -124,8 +135,7 @@ void PluginLink::handleMessage(QByteArrayView message)
 {
     PluginReport report = unpackReport(message);
     if (const auto *malformed = std::get_if<report::Malformed>(&report)) {
-        // Each doubling of the count is logged, so that a flood of bad messages is no flood of lines.
-        if (std::has_single_bit(++m_malformedCount))
+        if (isLogged(++m_malformedCount))
             qWarning() << "X-Plane plugin message dropped:" << malformed->why << "total" << m_malformedCount;
     } else if (!std::holds_alternative<report::Unknown>(report)) {
         putIntoInbox(std::move(report));

@@ -92,6 +92,7 @@ void XPlaneAdapter::tick()
     if (m_attempt.isComplete(now, lastReply)) {
         m_attempt.setConnected();
         m_attemptTimer.stop();
+        // Raised last, so that a receiver may reconnect at once.
         emit simConnectionStateChanged(true);
     } else if (m_attempt.isLost(now, lastReply)) {
         m_datarefs->clearAircraft();
@@ -146,6 +147,7 @@ void XPlaneAdapter::disconnectSimulator()
 {
     m_attempt.setDisconnected();
     m_datarefs->clearSubscriptions();
+    // Raised last, so that a receiver may reconnect at once.
     emit simConnectionStateChanged(false);
 }
 

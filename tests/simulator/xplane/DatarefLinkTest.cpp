@@ -1,5 +1,6 @@
 #include "simulator/xplane/DatarefLink.h"
 #include "AdapterSupport.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -99,6 +100,55 @@ private slots:
         QVERIFY(bench.peer.datagrams().isEmpty());
     }
 
+    void portOutsideTheRangeIsTheDefaultOne_data()
+    {
+        QTest::addColumn<int>("base");
+        QTest::addColumn<bool>("addPeer");
+        QTest::newRow("70000") << 70000 << false;
+        QTest::newRow("65536") << 65536 << false;
+        QTest::newRow("0") << 0 << false;
+        QTest::newRow("-1") << -1 << false;
+        QTest::newRow("the peer's, once cut to 16 bits") << 65536 << true;
+        QTest::newRow("the peer's, once wrapped around") << -65536 << true;
+    }
+
+    void portOutsideTheRangeIsTheDefaultOne()
+    {
+        QFETCH(int, base);
+        QFETCH(bool, addPeer);
+        Bench bench;
+        const int port = base + (addPeer ? bench.peer.port() : 0);
+        bench.config.set(config::xplaneUdpPort, port);
+        {
+            const test::LogCapture log;
+            bench.link->command("sim/x");
+            bench.link->command("sim/y");
+            QCOMPARE(log.texts(QtWarningMsg),
+                     QStringList{QStringLiteral("X-Plane UDP port %1 does not exist; using 49000").arg(port)});
+        }
+        bench.config.set(config::xplaneUdpPort, bench.peer.port());
+        bench.link->command("sim/marker");
+        QTRY_VERIFY(!bench.peer.commands().isEmpty());
+        QCOMPARE(bench.peer.commands(), QStringList{QStringLiteral("sim/marker")});
+    }
+
+    void portsAtTheEndsOfTheRangeAreUsed_data()
+    {
+        QTest::addColumn<int>("port");
+        QTest::newRow("lowest") << 1;
+        QTest::newRow("highest") << 65535;
+    }
+
+    void portsAtTheEndsOfTheRangeAreUsed()
+    {
+        QFETCH(int, port);
+        Bench bench;
+        bench.config.set(config::xplaneUdpPort, port);
+        const test::LogCapture log;
+        bench.link->command("sim/x");
+        QCOMPARE(log.texts(QtWarningMsg), QStringList());
+    }
+
     void textThatIsNoAddressSendsNothing()
     {
         Bench bench(QStringLiteral("no-such-machine"));
@@ -172,9 +222,15 @@ private slots:
     {
         Bench bench;
         QVERIFY(bench.subscribe());
+        QSignalSpy rounds(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead);
+        QList<double> afterEachRound; // this comes after the link's own handling of the same signal
+        connect(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead, this,
+                [&] { afterEachRound.append(bench.link->sample().user.latitude); });
         for (int i = 1; i <= 100; ++i)
             bench.peer.report(18, static_cast<float>(i));
-        QTRY_COMPARE(bench.link->sample().user.latitude, 100.0);
+        QVERIFY(rounds.isEmpty()); // no events were handled: all of them are pending
+        QVERIFY(rounds.wait());
+        QCOMPARE(afterEachRound.first(), 100.0);
     }
 
     void everyRecordOfAReplyCounts()

@@ -155,6 +155,8 @@ private slots:
         Bench bench;
         const QTemporaryDir first;
         const QTemporaryDir second;
+        const QString log = QStringLiteral("^Validating X-Plane CSL paths: .*\"%1/?\", \"%2/?\"");
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(log.arg(first.path(), second.path())));
         bench.config.set(config::xplaneCsl, {first.path(), second.path()});
         QVERIFY(bench.begin());
         QCOMPARE(bench.mapping->takeFirst().first().toString(), QStringLiteral("X-Plane CSL 验证中：2 个路径"));
@@ -294,6 +296,87 @@ private slots:
         QCOMPARE(bench.connection->last().first().toBool(), false);
         bench.tick();
         QCOMPARE(bench.connection->size(), 2); // there is no attempt under way
+    }
+
+    void shutdownWhileNotConnectedTellsItAndForgetsTheVersion()
+    {
+        Bench bench;
+        QVERIFY(bench.begin());
+        QVERIFY(bench.answerVersion(65536));
+        bench.plugin->send(QStringLiteral("SHUTDOWN"));
+        QTRY_COMPARE(bench.connection->size(), 1);
+        QCOMPARE(bench.connection->first().first().toBool(), false);
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 1); // the version that came before does not count any more
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 2); // the attempt itself goes on
+        QCOMPARE(bench.connection->last().first().toBool(), true);
+    }
+
+    void receiverMayReconnectAtOnce_data()
+    {
+        QTest::addColumn<bool>("bySilence");
+        QTest::newRow("after a shutdown") << false;
+        QTest::newRow("after silence") << true;
+    }
+
+    void receiverMayReconnectAtOnce()
+    {
+        QFETCH(bool, bySilence);
+        Bench bench;
+        QVERIFY(bench.connect());
+        bench.simulator.clear();
+        bench.plugin->clear();
+        QObject::connect(bench.adapter.get(), &Simulator::simConnectionStateChanged, this, [&bench](bool connected) {
+            if (!connected)
+                bench.adapter->reconnectSimulator();
+        });
+        if (bySilence) {
+            bench.clock.advance(16'000);
+            bench.tick();
+        } else {
+            bench.plugin->send(QStringLiteral("SHUTDOWN"));
+        }
+        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 3); // true, false, true
+        QCOMPARE(bench.connection->last().first().toBool(), true);
+    }
+
+    void verdictIsTheLastOfItsSignals_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QStringList>("signalled");
+        const QString invalid = QStringLiteral("invalid");
+        const QString version = QStringLiteral("version");
+        const QStringList csl{QStringLiteral("mapping"), QStringLiteral("csl")};
+        QTest::newRow("old version") << QStringLiteral("VER") << QVariantList{65535} << QStringList{invalid, version};
+        QTest::newRow("no version") << QStringLiteral("VER") << QVariantList{} << QStringList{invalid, version};
+        QTest::newRow("good version") << QStringLiteral("VER") << QVariantList{65536} << QStringList{version};
+        QTest::newRow("good paths") << QStringLiteral("CSL") << QVariantList{QVariantList{}, true} << csl;
+        QTest::newRow("bad paths") << QStringLiteral("CSL") << QVariantList{QVariantList{}, false} << csl;
+    }
+
+    void verdictIsTheLastOfItsSignals()
+    {
+        QFETCH(QString, name);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QStringList, signalled);
+        Bench bench;
+        QVERIFY(bench.begin());
+        QStringList order;
+        const auto note = [&order](const char *what) { return [&order, what] { order << QString::fromLatin1(what); }; };
+        const XPlaneAdapter *adapter = bench.adapter.get();
+        connect(adapter, &Simulator::invalidPluginVersion, this, note("invalid"));
+        connect(adapter, &Simulator::pluginVersionChecked, this, note("version"));
+        connect(adapter, &Simulator::trafficMappingStatusChanged, this, note("mapping"));
+        connect(adapter, &Simulator::cslValidationChecked, this, note("csl"));
+        bench.plugin->send(name, arguments);
+        QTRY_COMPARE(order, signalled);
     }
 
     void textIsHandedOnUnlessEmpty_data()
@@ -552,8 +635,16 @@ private slots:
         for (const auto &moment : moments) {
             Bench bench;
             moment(bench);
+            QVERIFY(!QTest::currentTestFailed());
             bench.adapter.reset(); // would hang if the thread did not leave
-            QVERIFY(!bench.adapter);
+            if (!bench.plugin)
+                bench.startPlugin();
+            QTRY_VERIFY(!bench.plugin->hasClient());
+            // The plugin speaks to one client only: a successor gets through when nothing is left of this one.
+            bench.makeAdapter();
+            bench.dial();
+            bench.adapter->networkDisconnected();
+            QTRY_COMPARE(bench.plugin->count(QStringLiteral("DISCON")), 1);
         }
     }
 
