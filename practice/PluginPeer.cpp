@@ -1,10 +1,12 @@
 #include "practice/PluginPeer.h"
 
+#include <QDeadlineTimer>
 #include <QStringList>
 
 #include <msgpack.hpp>
 #include <nng/nng.h>
 #include <nng/protocol/pair1/pair.h>
+#include <nng/supplemental/util/platform.h>
 
 namespace tarvo::practice {
 
@@ -13,6 +15,8 @@ constexpr std::size_t largestMessage = 1 << 20;
 constexpr std::size_t mostElements = 4096;
 constexpr std::size_t deepest = 8;
 constexpr int buffered = 1024; // messages; a client that subscribes to nothing reads them late
+constexpr nng_duration quietMs = 20;
+constexpr qint64 longestDrainMs = 200;
 
 using Packer = msgpack::packer<msgpack::sbuffer>;
 
@@ -76,19 +80,31 @@ QVariant unpack(const msgpack::object &object)
 struct PluginPeer::Socket
 {
     nng_socket handle = NNG_SOCKET_INITIALIZER;
-    nng_listener listener = NNG_LISTENER_INITIALIZER;
 
     Socket() = default;
     Socket(const Socket &) = delete;
     Socket &operator=(const Socket &) = delete;
     ~Socket()
     {
-        // nng_close() of nng 1.5 never returns while more messages wait than the receive buffer holds: so nobody may
-        // send any more, and what has come is taken out.
-        nng_listener_close(listener);
-        while (!receive().isNull()) {
-        }
+        awaitQuiet();
         nng_close(handle);
+    }
+
+    /// nng 1.5 has a flaw: when a pipe is closed at this end just as a message comes in, the close may wait for ever.
+    /// So the socket is read empty until nothing has come for a moment. A peer that never stops is read no more
+    /// instead: once the receive buffer is full, nothing comes in, either.
+    void awaitQuiet() const
+    {
+        nng_socket_set_ms(handle, NNG_OPT_RECVTIMEO, quietMs);
+        const QDeadlineTimer deadline(longestDrainMs);
+        nng_msg *message = nullptr;
+        while (nng_recvmsg(handle, &message, 0) == 0) {
+            nng_msg_free(message);
+            if (deadline.hasExpired()) {
+                nng_msleep(quietMs);
+                return;
+            }
+        }
     }
 
     /// The next message; null when there is none.
@@ -111,7 +127,7 @@ struct PluginPeer::Socket
         nng_socket_set_size(handle, NNG_OPT_RECVMAXSZ, largestMessage);
         nng_socket_set_int(handle, NNG_OPT_SENDBUF, buffered);
         nng_socket_set_int(handle, NNG_OPT_RECVBUF, buffered);
-        if (const int error = nng_listen(handle, url.constData(), &listener, 0))
+        if (const int error = nng_listen(handle, url.constData(), nullptr, 0))
             return error;
         return nng_socket_get_int(handle, NNG_OPT_RECVFD, readable);
     }
