@@ -2,7 +2,9 @@
 
 #include <QDebug>
 
-#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -12,6 +14,60 @@ namespace {
 
 constexpr nng_duration quietMs = 20;
 constexpr std::chrono::seconds longestDrain{1};
+constexpr std::chrono::milliseconds longestWaitAtExit{100};
+
+/// Counts the closers at work. Each of them shares in it, so that one which outlives the program's own objects still
+/// finds it there.
+class PendingClosers
+{
+public:
+    void add()
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_count;
+    }
+
+    void remove()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            --m_count;
+        }
+        m_changed.notify_all();
+    }
+
+    bool wait(std::chrono::milliseconds longest)
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, longest, [this] { return m_count == 0; });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_count = 0;
+};
+
+/// Lets the program's exit wait a moment for the closers.
+class ExitGuard
+{
+public:
+    ExitGuard() = default;
+    ~ExitGuard() { m_pending->wait(longestWaitAtExit); }
+    ExitGuard(const ExitGuard &) = delete;
+    ExitGuard &operator=(const ExitGuard &) = delete;
+
+    const std::shared_ptr<PendingClosers> &pending() const { return m_pending; }
+
+private:
+    std::shared_ptr<PendingClosers> m_pending = std::make_shared<PendingClosers>();
+};
+
+const std::shared_ptr<PendingClosers> &pendingClosers()
+{
+    static const ExitGuard guard;
+    return guard.pending();
+}
 
 } // namespace
 
@@ -30,11 +86,22 @@ void closeWhenQuiet(nng_socket socket)
 
 void closeInBackground(nng_socket socket)
 {
+    const std::shared_ptr<PendingClosers> pending = pendingClosers();
+    pending->add();
     try {
-        std::thread(closeWhenQuiet, socket).detach();
+        std::thread([socket, pending] {
+            closeWhenQuiet(socket);
+            pending->remove();
+        }).detach();
     } catch (const std::system_error &) {
+        pending->remove();
         qWarning() << "X-Plane plugin socket stays open: no thread to close it";
     }
+}
+
+bool waitForClosers(std::chrono::milliseconds longest)
+{
+    return pendingClosers()->wait(longest);
 }
 
 } // namespace tarvo::simulator::xplane

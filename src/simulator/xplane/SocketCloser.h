@@ -2,6 +2,8 @@
 
 #include <nng/nng.h>
 
+#include <chrono>
+
 namespace tarvo::simulator::xplane {
 
 // nng 1.5 has a flaw: when a pipe is closed at this end just as a message comes in, the close may wait for ever, and no
@@ -11,7 +13,11 @@ namespace tarvo::simulator::xplane {
 /// was sent before gets its time to leave. Blocks: never to be called on the main thread of the program.
 void closeWhenQuiet(nng_socket socket);
 
-/// The same on a thread of its own; returns at once.
+/// The same on a thread of its own; returns at once. The program's exit waits for such threads, 100 ms for all of them
+/// together: enough for what was sent last to leave, unless the plugin keeps sending or does not read.
 void closeInBackground(nng_socket socket);
+
+/// Waits until no such thread is at work; false when that takes longer.
+bool waitForClosers(std::chrono::milliseconds longest);
 
 } // namespace tarvo::simulator::xplane
