@@ -43,7 +43,7 @@ private slots:
         plugin.send(QStringLiteral("ADDED"), {QStringLiteral("A")});
         QVERIFY(program.waitForFinished());
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(program.exitCode(), 0);
+        QCOMPARE(program.exitCode(), 0); // it has waited for its closer
         QList<QByteArray> expected;
         for (int i = 0; i < messages; ++i)
             expected.append(message::heartbeat(QString::number(i)));
