@@ -81,15 +81,15 @@ void ApiService::login(const QString &username, const QString &password, Callbac
 void ApiService::onLoginReply(const ReplyOutcome &outcome, const QStringList &secrets, const Callback &callback)
 {
     qDebug() << "Login response status code:" << outcome.httpStatus;
-    qDebug().noquote() << "Login response data:" << redactedBody(outcome.body, secrets);
+    model::ApiResponse<model::AuthData> response;
+    response.parse(jsonObject(outcome.body));
+    const QStringList allSecrets = secrets + QStringList{response.data.token, response.data.flushToken};
+    qDebug().noquote() << "Login response data:" << redactedBody(outcome.body, allSecrets);
     // A refused login comes with an HTTP error as well: the body, if there is one, says more.
     if (outcome.body.isEmpty()) {
         callback(false, ReplyTexts::loginError(outcome));
         return;
     }
-    model::ApiResponse<model::AuthData> response;
-    response.parse(jsonObject(outcome.body));
-    const QStringList allSecrets = secrets + QStringList{response.data.token, response.data.flushToken};
     qDebug().noquote() << "Login response code:" << redactedText(response.code, allSecrets)
                        << "message:" << redactedText(response.message, allSecrets);
     if (response.code != QLatin1String("LOGIN_SUCCESS")) {
@@ -111,12 +111,13 @@ void ApiService::refresh(const QString &refreshToken, Callback callback, bool fi
         refreshRequest.setUrl(url);
     }
     logRequest("Refresh", refreshRequest);
-    whenFinished(m_manager.get(refreshRequest), [this, callback = std::move(callback)](const ReplyOutcome &outcome) {
-        onRefreshReply(outcome, callback);
-    });
+    whenFinished(m_manager.get(refreshRequest),
+                 [this, refreshToken, callback = std::move(callback)](const ReplyOutcome &outcome) {
+                     onRefreshReply(outcome, refreshToken, callback);
+                 });
 }
 
-void ApiService::onRefreshReply(const ReplyOutcome &outcome, const Callback &callback)
+void ApiService::onRefreshReply(const ReplyOutcome &outcome, const QString &usedToken, const Callback &callback)
 {
     if (!outcome.ok()) {
         callback(false, ReplyTexts::refreshError(outcome));
@@ -124,7 +125,7 @@ void ApiService::onRefreshReply(const ReplyOutcome &outcome, const Callback &cal
     }
     model::ApiResponse<model::AuthData> response;
     response.parse(jsonObject(outcome.body));
-    const QStringList secrets{response.data.token, response.data.flushToken, m_refreshToken, m_jwt};
+    const QStringList secrets{response.data.token, response.data.flushToken, usedToken, m_refreshToken, m_jwt};
     qDebug().noquote().nospace() << "Refresh response code: " << redactedText(response.code, secrets)
                                  << " message: " << redactedText(response.message, secrets);
     // The code is not looked at: a token is success.
@@ -257,6 +258,11 @@ QNetworkRequest ApiService::request(const QString &path, const QString &bearer) 
 {
     QNetworkRequest result(QUrl(m_baseUrl + path));
     result.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    // The bearer token is the whole session: nothing that one pilot's replies leave behind goes out with another's.
+    for (const QNetworkRequest::Attribute attribute :
+         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
+          QNetworkRequest::AuthenticationReuseAttribute})
+        result.setAttribute(attribute, QNetworkRequest::Manual);
     if (!bearer.isEmpty())
         result.setRawHeader("Authorization", "Bearer " + bearer.toUtf8());
     return result;
@@ -305,11 +311,11 @@ void ApiService::onRefreshTimeout()
         qWarning("Cannot auto refresh token: flush token is empty");
         return;
     }
-    refresh(m_refreshToken, [](bool success, const QString &message) {
+    refresh(m_refreshToken, [secrets = QStringList{m_refreshToken, m_jwt}](bool success, const QString &message) {
         if (success)
             qInfo("Auto refresh token success");
         else
-            qWarning().noquote() << "Auto refresh token fail, message:" << redactedText(message, {});
+            qWarning().noquote() << "Auto refresh token fail, message:" << redactedText(message, secrets);
     });
 }
 

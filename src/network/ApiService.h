@@ -71,7 +71,7 @@ private:
     void later(std::function<void()> task);
 
     void onLoginReply(const ReplyOutcome &outcome, const QStringList &secrets, const Callback &callback);
-    void onRefreshReply(const ReplyOutcome &outcome, const Callback &callback);
+    void onRefreshReply(const ReplyOutcome &outcome, const QString &usedToken, const Callback &callback);
     void acceptTokens(const model::AuthData &data);
     void requestFSDToken(TokenCallback callback, bool mayRetry);
     void refreshThenRequestFSDToken(TokenCallback callback, bool mayRetry);

@@ -112,7 +112,10 @@ QList<SwiftAircraftIcaoRow> parseDoc8643(QIODevice &device)
     QList<SwiftAircraftIcaoRow> rows;
     bool first = true;
     while (!device.atEnd()) {
-        QString line = QString::fromUtf8(device.readLine(longestLine));
+        const QByteArray bytes = device.readLine(longestLine);
+        if (bytes.isEmpty()) // a read error: no line comes any more
+            break;
+        QString line = QString::fromUtf8(bytes);
         if (std::exchange(first, false) && line.startsWith(QChar::ByteOrderMark))
             line.remove(0, 1);
         std::optional<SwiftAircraftIcaoRow> row = doc8643Row(line);

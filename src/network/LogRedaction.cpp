@@ -8,7 +8,7 @@ namespace tarvo::network {
 
 namespace {
 
-constexpr qsizetype longestLoggedBody = 4096;
+constexpr qsizetype longestLogged = 4096;
 
 QString mask()
 {
@@ -62,12 +62,12 @@ QString redactedBody(const QByteArray &body, const QStringList &secrets)
     const QJsonDocument shown = document.isArray()
                                     ? QJsonDocument(masked(QJsonValue(document.array()), secrets).toArray())
                                     : QJsonDocument(masked(QJsonValue(document.object()), secrets).toObject());
-    return QString::fromUtf8(shown.toJson(QJsonDocument::Compact)).left(longestLoggedBody);
+    return QString::fromUtf8(shown.toJson(QJsonDocument::Compact)).left(longestLogged);
 }
 
 QString redactedText(const QString &text, const QStringList &secrets)
 {
-    QString result = masked(text, secrets);
+    QString result = masked(text, secrets).left(longestLogged); // a cut secret would not be found
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
     result.replace(QLatin1Char('\r'), QLatin1Char(' '));
     return result;

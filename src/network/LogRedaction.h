@@ -12,7 +12,7 @@ namespace tarvo::network {
 QString redactedBody(const QByteArray &body, const QStringList &secrets);
 
 /// `text` with each of the secrets that occurs in it written as "******", and line breaks made blanks, so that a
-/// service can neither echo a secret into the log nor forge a line of it.
+/// service can neither echo a secret into the log nor forge a line of it. Cut to 4096 characters.
 QString redactedText(const QString &text, const QStringList &secrets);
 
 } // namespace tarvo::network

@@ -3,6 +3,8 @@
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
+#include <QNetworkCookie>
+#include <QNetworkCookieJar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -208,7 +210,8 @@ private slots:
         const QJsonObject data{{QStringLiteral("token"), jwt},
                                {QStringLiteral("flush_token"), QStringLiteral("fresh-7")}};
         const QJsonObject reply{{QStringLiteral("code"), QStringLiteral("LOGIN_SUCCESS")},
-                                {QStringLiteral("message"), QStringLiteral("hello ") + m_password},
+                                {QStringLiteral("message"),
+                                 QStringLiteral("hello ") + m_password + u' ' + jwt + QStringLiteral(" fresh-7")},
                                 {QStringLiteral("data"), data}};
         fixture.peer.answer("POST", sessionsPath, {.body = QJsonDocument(reply).toJson()});
         LogCapture log;
@@ -219,12 +222,31 @@ private slots:
             QStringLiteral("Login request: %1/users/sessions").arg(fixture.peer.baseUrl()),
             QStringLiteral("Login response status code: 200"),
             QStringLiteral("Login response data: {\"code\":\"LOGIN_SUCCESS\",\"data\":{\"flush_token\":\"******\","
-                           "\"token\":\"******\"},\"message\":\"hello ******\"}"),
-            QStringLiteral("Login response code: LOGIN_SUCCESS message: hello ******"),
+                           "\"token\":\"******\"},\"message\":\"hello ****** ****** ******\"}"),
+            QStringLiteral("Login response code: LOGIN_SUCCESS message: hello ****** ****** ******"),
         };
         QCOMPARE(log.texts(QtDebugMsg), expected);
         for (const QString &secret : {jwt, QStringLiteral("fresh-7"), m_password})
             QVERIFY(!log.contains(secret));
+    }
+
+    void cookiesGoNowhere()
+    {
+        ApiFixture fixture;
+        fixture.peer.answer("POST", sessionsPath,
+                            {.body = ApiFixture::authBody(QStringLiteral("LOGIN_SUCCESS"), QStringLiteral("jwt"),
+                                                          QStringLiteral("refresh")),
+                             .setCookie = "session=pilot-a; Path=/"});
+        Told told;
+        fixture.start().login(m_user, m_password, told.callback());
+        QTRY_COMPARE(told.calls, 1);
+        QVERIFY(told.success);
+        fixture.service->clearSession();
+        fixture.service->login(QStringLiteral("2002"), m_password, told.callback());
+        QTRY_COMPARE(told.calls, 2);
+        QCOMPARE(fixture.peer.requests().size(), 2);
+        QVERIFY(fixture.peer.requests().last().header("Cookie").isNull());
+        QVERIFY(fixture.manager()->cookieJar()->cookiesForUrl(QUrl(fixture.peer.baseUrl())).isEmpty());
     }
 
     void aReplyAfterTheSessionWasClearedDoesNothing()

@@ -108,6 +108,20 @@ private slots:
         QVERIFY(fixture.service->hasToken());
     }
 
+    void theLogOfAFailedAutoRefreshHoldsNoSecret()
+    {
+        ApiFixture fixture;
+        const QString jwt = fixture.jwtExpiringIn(3600);
+        const QJsonObject reply{{QStringLiteral("message"), QStringLiteral("no refresh-1 for %1\nplease").arg(jwt)}};
+        fixture.peer.answer("GET", sessionsPath, {.body = QJsonDocument(reply).toJson()});
+        LogCapture log;
+        fixture.startSignedIn(jwt);
+        fixture.fireTimer();
+        QTRY_COMPARE(log.texts(QtWarningMsg),
+                     QStringList(QStringLiteral("Auto refresh token fail, message: no ****** for ****** please")));
+        QVERIFY(!log.contains(QStringLiteral("refresh-1")));
+    }
+
     void withoutRefreshTokenTheTimeoutOnlyLogs()
     {
         ApiFixture fixture;

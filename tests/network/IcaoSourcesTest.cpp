@@ -4,7 +4,36 @@
 #include <QBuffer>
 #include <QTest>
 
+#include <algorithm>
+
 using namespace tarvo::network;
+
+namespace {
+
+/// A file on a medium that gives up after its first bytes: it says that there is more, but no read succeeds.
+class BrokenDevice : public QIODevice
+{
+public:
+    explicit BrokenDevice(const QByteArray &readable) : m_readable(readable) { open(ReadOnly | Unbuffered); }
+    qint64 size() const override { return 1000; }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        if (m_readable.isEmpty())
+            return -1;
+        const QByteArray part = m_readable.left(maxSize);
+        std::copy(part.begin(), part.end(), data);
+        m_readable.remove(0, part.size());
+        return part.size();
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    QByteArray m_readable;
+};
+
+} // namespace
 
 /// Reading the legacy JSON and the text table.
 class IcaoSourcesTest : public QObject
@@ -76,6 +105,14 @@ private slots:
         QCOMPARE(rows.at(0).id, 1);
         QCOMPARE(rows.at(1).id, 2);
         QCOMPARE(rows.at(1).rank, 2);
+    }
+
+    void aReadErrorEndsTheTable()
+    {
+        BrokenDevice broken{QByteArray()};
+        QVERIFY(parseDoc8643(broken).isEmpty());
+        BrokenDevice breaking("A\tB\tB738\tL2J\tM\n");
+        QCOMPARE(parseDoc8643(breaking).size(), 1);
     }
 
     void makerAndModelAreCleaned()

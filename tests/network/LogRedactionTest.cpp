@@ -55,6 +55,9 @@ private slots:
         QTest::newRow("harmless") << QStringLiteral("fine") << QStringLiteral("fine");
         QTest::newRow("echoed") << QStringLiteral("no pass!word here, pass!word")
                                 << QStringLiteral("no ****** here, ******");
+        QTest::newRow("endless") << QString(100000, u'x') << QString(4096, u'x');
+        QTest::newRow("secret across the cut")
+            << QString(4090, u'x') + QStringLiteral("pass!word") << QString(4090, u'x') + QStringLiteral("******");
         QTest::newRow("forged line") << QStringLiteral("a\r\n2024 | INFO") << QStringLiteral("a  2024 | INFO");
     }
 

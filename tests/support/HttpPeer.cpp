@@ -101,7 +101,9 @@ void HttpPeer::send(Pending &pending)
         return;
     }
     const auto status = static_cast<QHttpServerResponder::StatusCode>(pending.answer.status);
-    if (pending.answer.location.isEmpty())
+    if (!pending.answer.setCookie.isEmpty())
+        pending.responder.write(pending.answer.body, {{"Set-Cookie", pending.answer.setCookie}}, status);
+    else if (pending.answer.location.isEmpty())
         pending.responder.write(pending.answer.body, "application/json", status);
     else
         pending.responder.write(pending.answer.body, {{"Location", pending.answer.location}}, status);

@@ -43,7 +43,8 @@ public:
         int status = 200;
         QByteArray body = {};
         Delivery delivery = Delivery::AtOnce;
-        QByteArray location = {}; ///< header "Location", when not empty
+        QByteArray location = {};  ///< header "Location", when not empty
+        QByteArray setCookie = {}; ///< header "Set-Cookie", when not empty
     };
 
     /// Listens on 127.0.0.1, on any free port.
