@@ -17,6 +17,14 @@ constexpr int cornerRadius = 16;  ///< as in the style sheets
 constexpr int badgeSide = 44;
 constexpr int fadeMs = 180;
 
+constexpr qsizetype longestMessage = 500; ///< characters
+
+/// A server's text may be of any length; the dialog has to fit the screen.
+QString shortened(const QString &message)
+{
+    return message.size() <= longestMessage ? message : message.left(longestMessage) + QStringLiteral("…");
+}
+
 QLabel *makeBadge(QWidget *parent)
 {
     auto *badge = new QLabel(QStringLiteral("!"), parent);
@@ -58,7 +66,7 @@ void ErrorDialog::build(const QString &title, const QString &message)
 
     auto *titleLabel = new QLabel(title, content);
     titleLabel->setObjectName(QStringLiteral("titleLabel"));
-    auto *messageLabel = new QLabel(message, content);
+    auto *messageLabel = new QLabel(shortened(message), content);
     messageLabel->setObjectName(QStringLiteral("messageLabel"));
     messageLabel->setTextFormat(Qt::PlainText); // it may quote what a server said
     messageLabel->setWordWrap(true);

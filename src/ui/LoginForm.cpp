@@ -15,6 +15,7 @@ namespace tarvo::ui {
 
 namespace {
 constexpr int controlHeight = 46;
+constexpr int longestInput = 4096; ///< characters; what is beyond is cut
 constexpr QColor placeholderText{255, 255, 255, 170};
 
 QLabel *makeLabel(const QString &text, const char *type, QWidget *parent)
@@ -63,7 +64,7 @@ QLineEdit *LoginForm::makeField(const QString &name, const QString &placeholder)
     field->setPlaceholderText(placeholder);
     field->setAccessibleName(placeholder);
     field->setMinimumHeight(controlHeight);
-    field->setMaxLength(256);
+    field->setMaxLength(longestInput);
     QPalette palette = field->palette();
     palette.setColor(QPalette::PlaceholderText, placeholderText); // style sheets can't set it yet
     field->setPalette(palette);

@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "network/ApiService.h"
+#include "network/LogRedaction.h"
 #include "ui/ErrorDialog.h"
 #include "ui/LoginForm.h"
 
@@ -149,7 +150,11 @@ void LoginWindow::fadeIn()
     });
     // An effect renders its widget twice: it goes when it has done its work.
     connect(
-        fade, &QPropertyAnimation::finished, m_form, [this] { m_form->setGraphicsEffect(nullptr); },
+        fade, &QPropertyAnimation::finished, m_form,
+        [this, done = QPointer<QGraphicsEffect>(effect)] {
+            if (done && m_form->graphicsEffect() == done) // a later show may have begun another fade
+                m_form->setGraphicsEffect(nullptr);
+        },
         Qt::QueuedConnection);
     fade->start();
 }
@@ -213,7 +218,10 @@ void LoginWindow::tryAutoLogin()
 
 void LoginWindow::refreshFailed(const QString &reason)
 {
-    qWarning() << "Auto login with refresh token failed: " << reason;
+    const QStringList secrets{m_config.get(config::authRefreshToken), m_config.get(config::authToken),
+                              m_form->password()};
+    qWarning().noquote().nospace() << "Auto login with refresh token failed: "
+                                   << network::redactedText(reason, secrets);
     m_api.clearSession();
     m_config.reset(config::authToken);
     m_config.reset(config::authRefreshToken);
@@ -227,7 +235,7 @@ void LoginWindow::tryPasswordLogin()
         return;
     }
     qInfo() << "Trying auto login with username and password...";
-    startPasswordLogin(true);
+    startPasswordLogin();
 }
 
 void LoginWindow::onLoginClicked()
@@ -239,24 +247,21 @@ void LoginWindow::onLoginClicked()
         ErrorDialog::open(tr("登录失败"), tr("请输入用户名和密码"), this);
         return;
     }
-    startPasswordLogin(false);
+    startPasswordLogin();
 }
 
-void LoginWindow::startPasswordLogin(bool automatic)
+void LoginWindow::startPasswordLogin()
 {
     m_form->setBusy(true);
     m_api.login(m_form->username(), m_form->password(),
-                [self = QPointer<LoginWindow>(this), automatic](bool success, const QString &reason) {
+                [self = QPointer<LoginWindow>(this)](bool success, const QString &reason) {
                     if (!self)
                         return;
                     if (!success) {
-                        if (automatic)
-                            qWarning() << "Auto login with password failed: " << reason;
                         self->passwordLoginFailed(reason);
                         return;
                     }
-                    if (automatic)
-                        qInfo() << "Auto login with password success";
+                    qInfo() << "Auto login with password success"; // also by hand: one line for both
                     self->storeForm();
                     self->finish();
                 });
@@ -264,6 +269,8 @@ void LoginWindow::startPasswordLogin(bool automatic)
 
 void LoginWindow::passwordLoginFailed(const QString &reason)
 {
+    qWarning().noquote().nospace() << "Auto login with password failed: "
+                                   << network::redactedText(reason, {m_form->password()});
     m_form->setBusy(false);
     ErrorDialog::open(tr("登录失败"), reason.isEmpty() ? tr("登录失败，请检查用户名和密码") : reason, this);
 }

@@ -51,7 +51,7 @@ private:
     void tryAutoLogin();
     void tryPasswordLogin();
     void refreshFailed(const QString &reason);
-    void startPasswordLogin(bool automatic);
+    void startPasswordLogin();
     void passwordLoginFailed(const QString &reason);
     void rememberForSession(const QString &username, const QString &password);
     void finish();

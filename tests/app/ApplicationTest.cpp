@@ -12,14 +12,20 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QShowEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <qtestspontaneevent.h>
 
 using namespace tarvo;
 
 namespace {
+
+const QByteArray historyLine = "GET /api/users/histories/self";
+const QByteArray profileLine = "GET /api/users/profiles/self";
+const QByteArray leaderboardLine = "GET /api/server/rating";
 
 /// The whole program over services of the test's own.
 struct Program
@@ -107,6 +113,24 @@ private slots:
         QCOMPARE(program.main().size(), QSize(1120, 760));
         QCOMPARE(program.main().pos(), position);
         QCOMPARE(program.main().minimumSize(), QSize(1000, 700));
+    }
+
+    void theAccountIsAskedOnceForEachSession()
+    {
+        Program program;
+        const QList<QByteArray> calls{historyLine, profileLine, leaderboardLine};
+        program.signIn();
+        for (const QByteArray &call : calls)
+            QTRY_COMPARE(program.account.count(call), 1);
+        QShowEvent restored;
+        QSpontaneKeyEvent::setSpontaneous(&restored);
+        qApp->notify(&program.main(), &restored); // sendEvent() would make it an own event
+        bool answered = false;                    // after whatever the event may have asked for
+        program.api.getLeaderboard([&answered](bool, const model::RatingList &, const QString &) { answered = true; });
+        QTRY_VERIFY(answered);
+        QCOMPARE(program.account.count(historyLine), 1);
+        QCOMPARE(program.account.count(profileLine), 1);
+        QCOMPARE(program.account.count(leaderboardLine), 2); // the window's and the test's
     }
 
     void logoutForgetsTheAccountAndBringsTheLoginBack()

@@ -43,6 +43,14 @@ private slots:
         QVERIFY(label->height() >= label->heightForWidth(label->width()));
     }
 
+    void cutsAMessageThatWouldOutgrowTheScreen()
+    {
+        const ErrorDialog whole(u"登录失败"_qs, QString(500, u'x'));
+        QCOMPARE(whole.findChild<QLabel *>(u"messageLabel"_qs)->text(), QString(500, u'x'));
+        const ErrorDialog cut(u"登录失败"_qs, QString(100'000, u'x'));
+        QCOMPARE(cut.findChild<QLabel *>(u"messageLabel"_qs)->text(), QString(500, u'x') + u"…"_qs);
+    }
+
     void opensFadingInOnTheMiddleOfItsParentAndGoesWithTheButton()
     {
         QWidget parent;

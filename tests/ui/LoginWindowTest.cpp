@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "network/ApiService.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountPeer.h"
 #include "ui/ErrorDialog.h"
@@ -12,8 +13,10 @@
 #include <QCheckBox>
 #include <QDesktopServices>
 #include <QGraphicsEffect>
+#include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPropertyAnimation>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -145,6 +148,65 @@ private slots:
         auto *panel = desk.part<QFrame>("GlassPanel");
         QVERIFY(panel->graphicsEffect());
         QTRY_VERIFY(!panel->graphicsEffect());
+    }
+
+    void aFadeThatHasEndedLeavesTheNextOneAlone()
+    {
+        Desk desk;
+        desk.window.show();
+        auto *panel = desk.part<QFrame>("GlassPanel");
+        auto *fade = panel->graphicsEffect()->findChild<QPropertyAnimation *>();
+        fade->setCurrentTime(fade->duration()); // ends it; what follows is queued
+        auto *next = new QGraphicsOpacityEffect(panel);
+        panel->setGraphicsEffect(next);
+        QCoreApplication::processEvents();
+        QCOMPARE(panel->graphicsEffect(), next);
+    }
+
+    void aLongPasswordIsRestoredWhole()
+    {
+        Desk desk;
+        const QString secret(4000, u'p');
+        desk.store(u"1001"_qs, secret, true, false);
+        desk.window.show();
+        QCOMPARE(desk.password()->text(), secret);
+    }
+
+    void theLogOfAFailedLoginHoldsNoSecret_data()
+    {
+        QTest::addColumn<bool>("automatic");
+        QTest::newRow("by itself") << true;
+        QTest::newRow("by hand") << false;
+    }
+    void theLogOfAFailedLoginHoldsNoSecret()
+    {
+        QFETCH(bool, automatic);
+        Desk desk;
+        desk.store(u"1001"_qs, u"practice"_qs, true, automatic);
+        desk.peer.answer(loginLine, {{u"code"_qs, u"NO practice"_qs}});
+        test::LogCapture log;
+        desk.window.show();
+        if (!automatic)
+            desk.loginButton()->click();
+        QTRY_VERIFY(desk.error());
+        QCOMPARE(log.startingWith(u"Auto login with password failed: "_qs),
+                 QStringList(u"Auto login with password failed: 登录失败 (错误代码: NO ******)"_qs));
+        QVERIFY(!log.contains(u"practice"_qs));
+    }
+
+    void theLogOfAFailedRefreshHoldsNoSecret()
+    {
+        Desk desk;
+        desk.store(u"1001"_qs, u"practice"_qs, true, true);
+        desk.config.set(config::authRefreshToken, u"kept-7"_qs);
+        desk.peer.acceptLogin();
+        desk.peer.answer(refreshLine, {{u"message"_qs, u"not kept-7\nnor practice"_qs}});
+        test::LogCapture log;
+        desk.window.show();
+        QTRY_COMPARE(desk.success.size(), 1);
+        QCOMPARE(log.startingWith(u"Auto login with refresh token failed: "_qs),
+                 QStringList(u"Auto login with refresh token failed: not ****** nor ******"_qs));
+        QVERIFY(!log.contains(u"kept-7"_qs));
     }
 
     void paintsThePhotograph()
@@ -285,13 +347,18 @@ private slots:
     {
         Desk desk;
         desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.config.set(config::authToken, u"old jwt"_qs);
+        desk.peer.acceptLogin();
+        bool signedIn = false;
+        desk.api.login(u"1001"_qs, u"practice"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
+        QTRY_VERIFY(signedIn);
+        QVERIFY(desk.api.hasToken());
         desk.config.set(config::authRefreshToken, u"stale"_qs);
         desk.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs); // of the password, too
         desk.window.show();
         QTRY_COMPARE(desk.errorText(), u"用户名或密码错误"_qs);
         QCOMPARE(desk.peer.count(refreshLine), 1);
-        QCOMPARE(desk.peer.count(loginLine), 1);
+        QCOMPARE(desk.peer.count(loginLine), 2); // the one before, and the one of this window
+        QVERIFY(!desk.api.hasToken());
         QCOMPARE(desk.config.get(config::authToken), QString());
         QCOMPARE(desk.config.get(config::authRefreshToken), QString());
         QVERIFY(!desk.busy());
@@ -330,9 +397,11 @@ private slots:
         desk.window.hide();
         desk.window.show();
         QTRY_VERIFY(desk.error());
+        QVERIFY(!desk.timer()->isActive());
         desk.error()->close();
         desk.window.hide();
         desk.window.show();
+        QVERIFY(!desk.timer()->isActive());
         QTRY_VERIFY(!desk.error());
         desk.peer.acceptLogin();
         desk.loginButton()->click();

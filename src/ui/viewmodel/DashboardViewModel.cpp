@@ -4,13 +4,18 @@
 
 namespace tarvo::ui::viewmodel {
 
+namespace {
+constexpr qsizetype longestUsername = 64; ///< characters; a page lays it out on one line
+} // namespace
+
 DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock) : QObject(parent), m_clock(clock) {}
 
 void DashboardViewModel::setUserInfo(const QString &username, const QString &cid, const QString &rating)
 {
-    if (username == m_username && cid == m_cid && rating == m_rating)
+    const QString shownName = username.left(longestUsername);
+    if (shownName == m_username && cid == m_cid && rating == m_rating)
         return;
-    m_username = username;
+    m_username = shownName;
     m_cid = cid;
     m_rating = rating;
     emit userInfoChanged();

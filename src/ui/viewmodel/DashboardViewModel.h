@@ -60,6 +60,7 @@ public:
     QVariantList atcLeaderboard() const { return m_atcLeaderboard; }
 
     // The program's side. Each emits only on a change.
+    /// A longer user name is cut to 64 characters.
     void setUserInfo(const QString &username, const QString &cid, const QString &rating);
     void setTimes(const QString &pilotTime, const QString &atcTime);
     void setAvatarUrl(const QString &avatarUrl);

@@ -5,12 +5,18 @@
 
 namespace tarvo::ui::viewmodel {
 
+QString LineLog::flattened(const QString &text)
+{
+    QString line = text.left(maximumLineLength);
+    for (const char16_t lineBreak : {u'\r', u'\n', u'\u2028', u'\u2029'})
+        line.replace(QChar(lineBreak), QChar(u' '));
+    return line;
+}
+
 QString LineLog::append(qint64 wallMs, const QString &text)
 {
     const QDateTime time = QDateTime::fromMSecsSinceEpoch(wallMs);
-    QString line = time.toString(QStringLiteral("[hh:mm:ss] ")) + text.left(maximumLineLength);
-    for (const char16_t lineBreak : {u'\r', u'\n', u'\u2028', u'\u2029'})
-        line.replace(QChar(lineBreak), QChar(u' '));
+    const QString line = time.toString(QStringLiteral("[hh:mm:ss] ")) + flattened(text);
     if (m_lines.size() >= maximumLines)
         m_lines.removeFirst();
     m_lines.append(line);

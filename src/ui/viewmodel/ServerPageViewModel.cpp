@@ -178,8 +178,8 @@ void ServerPageViewModel::addRecentEvent(const QString &title, const QString &de
     if (m_recentEvents.size() >= maximumEvents)
         m_recentEvents.removeLast();
     m_recentEvents.prepend(QVariantMap{{QStringLiteral("time"), time},
-                                       {QStringLiteral("title"), title},
-                                       {QStringLiteral("detail"), detail},
+                                       {QStringLiteral("title"), LineLog::flattened(title)},
+                                       {QStringLiteral("detail"), LineLog::flattened(detail)},
                                        {QStringLiteral("tag"), tag}});
     emit recentEventsChanged();
 }

@@ -86,6 +86,7 @@ public:
     void setProfile(const QString &realName, const QString &homeAirport);
     /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
     void appendLog(const QString &text);
+    /// Texts are flattened and cut as a line of the log.
     void addRecentEvent(const QString &title, const QString &detail, const QString &tag);
 
     Q_INVOKABLE void requestConnect();

@@ -73,6 +73,16 @@ private slots:
         QVERIFY(!property.isWritable());
     }
 
+    void aLongUserNameIsCut()
+    {
+        DashboardViewModel model;
+        QSignalSpy told(&model, &DashboardViewModel::userInfoChanged);
+        for (int i = 0; i < 2; ++i)
+            model.setUserInfo(QString(100'000, u'x'), QStringLiteral("1"), QStringLiteral("2"));
+        QCOMPARE(model.username(), QString(64, u'x'));
+        QCOMPARE(told.count(), 1);
+    }
+
     void aSetterStoresAndTellsOnce_data()
     {
         QTest::addColumn<Action>("set");

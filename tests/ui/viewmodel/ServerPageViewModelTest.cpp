@@ -182,6 +182,18 @@ private slots:
         QCOMPARE(field(events.at(1), "title"), QStringLiteral("一"));
     }
 
+    void anEventIsOneLineOfBoundedLength()
+    {
+        ServerPageFixture fixture;
+        fixture.model.addRecentEvent(QStringLiteral("a\r\nb"), QString(100'000, u'x'), QString());
+        fixture.model.addRecentEvent(QString(100'000, u'y'), QStringLiteral("c\u2028d\u2029e"), QString());
+        const QVariantList events = fixture.model.recentEvents();
+        QCOMPARE(field(events.at(1), "title"), QStringLiteral("a  b"));
+        QCOMPARE(field(events.at(1), "detail"), QString(4096, u'x'));
+        QCOMPARE(field(events.at(0), "title"), QString(4096, u'y'));
+        QCOMPARE(field(events.at(0), "detail"), QStringLiteral("c d e"));
+    }
+
     void keepsTheNewestEvents()
     {
         ServerPageFixture fixture;
