@@ -25,7 +25,7 @@ QVariant defaultOf(const StringKey &key)
 
 QVariant defaultOf(const PathListKey &)
 {
-    return QStringList();
+    return QString(); // an empty list as the file shows it best
 }
 
 template <typename Key>
@@ -54,18 +54,21 @@ void keepToTheUser(const QString &path)
         QFile::setPermissions(path, permissions & ~others);
 }
 
-/// A file that can't be ours is kept under another name, and the program starts with its defaults.
-void setAsideIfHarmful(const QString &path)
+bool isHarmful(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !holdsSerializedObject(file.readAll()))
-        return;
-    file.close();
+    return file.open(QIODevice::ReadOnly) && holdsSerializedObject(file.readAll());
+}
+
+/// Keeps the file under another name. False when it still stands where it stood.
+bool setAside(const QString &path)
+{
     const QString aside = path + QStringLiteral(".damaged");
     QFile::remove(aside);
-    qWarning("AppConfig: config.ini holds a serialized object and was set aside");
-    if (!file.rename(aside))
-        file.remove();
+    if (!QFile::rename(path, aside))
+        return QFile::remove(path);
+    keepToTheUser(aside); // it may hold the password as well
+    return true;
 }
 
 } // namespace
@@ -79,11 +82,26 @@ AppConfig &AppConfig::instance()
 AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
     : QObject(parent), m_dataRoot(dataRoot), m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini")))
 {
-    setAsideIfHarmful(m_configPath);
-    m_settings = std::make_unique<QSettings>(m_configPath, QSettings::IniFormat);
+    openFile();
     writeMissingDefaults();
     keepToTheUser(m_configPath);
     detectFolders();
+}
+
+/// A file that can't be ours is set aside, and the program starts with its defaults. Where it can't be moved, the
+/// settings live elsewhere until the program ends: QSettings must not read it.
+void AppConfig::openFile()
+{
+    QString path = m_configPath;
+    if (isHarmful(path)) {
+        m_startupWarning = QStringLiteral("AppConfig: config.ini holds a serialized object and was set aside");
+        if (!setAside(path)) {
+            m_startupWarning = QStringLiteral("AppConfig: config.ini holds a serialized object and is not used");
+            m_substitute = std::make_unique<QTemporaryDir>();
+            path = m_substitute->filePath(QStringLiteral("config.ini"));
+        }
+    }
+    m_settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
 }
 
 void AppConfig::writeMissingDefaults()
@@ -217,7 +235,8 @@ void AppConfig::set(const RealKey &key, double value)
 
 void AppConfig::set(const PathListKey &key, const QStringList &value)
 {
-    store(key.key, value);
+    // QSettings writes an empty list as "@Invalid()".
+    store(key.key, value.isEmpty() ? QVariant(QString()) : QVariant(value));
 }
 
 void AppConfig::reset(const StringKey &key)

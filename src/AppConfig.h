@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QVariant>
 
 #include <memory>
@@ -44,6 +45,9 @@ public:
     /// Sets a text key to its default.
     void reset(const StringKey &key);
 
+    /// What went wrong with the file at the start, for the log, which opens later; empty when nothing did.
+    QString startupWarning() const { return m_startupWarning; }
+
     /// "logs" in the data root.
     QString logsFolder() const;
     /// The folder that holds "config.ini".
@@ -60,6 +64,7 @@ private:
         QString plain;
     };
 
+    void openFile();
     void writeMissingDefaults();
     void detectFolders();
     QVariant read(const char *key, const QVariant &defaultValue = {}) const;
@@ -68,9 +73,12 @@ private:
     void store(const char *key, const QVariant &value);
     void announce(const char *key);
 
-    std::unique_ptr<QSettings> m_settings;
+    /// Holds the settings while a harmful file can't be moved out of the way; gone with the program.
+    std::unique_ptr<QTemporaryDir> m_substitute;
+    std::unique_ptr<QSettings> m_settings; // goes before its folder
     QString m_dataRoot;
     QString m_configPath;
+    QString m_startupWarning;
     QMap<QString, QVariant> m_volatile;
     /// The last plain text of each encrypted key: deriving the cipher's key is slow on purpose.
     mutable QMap<QString, Decrypted> m_decrypted;

@@ -28,6 +28,8 @@ void Application::setUp()
     logging::installHandler();
     const QString name = QStringLiteral("%1.log").arg(logging::fileTimeStamp(common::systemClock().wallMs()));
     logging::openLogFile(QDir(AppConfig::instance().logsFolder()).filePath(name));
+    if (const QString warning = AppConfig::instance().startupWarning(); !warning.isEmpty())
+        qWarning().noquote() << warning;
 }
 
 Application::Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,

@@ -76,14 +76,14 @@ private slots:
         QCOMPARE(readFile(), QByteArray("[Auth]\nAutoLogin=false\nPassword=\nRefreshToken=\nRememberPassword=false\n"
                                         "Username=\nVatsim=true\n\n"
                                         "[MSFS]\nCommunityPath2020=\nCommunityPath2024=\n"
-                                        "CustomMappingPaths2020=@Invalid()\nCustomMappingPaths2024=@Invalid()\n"
+                                        "CustomMappingPaths2020=\nCustomMappingPaths2024=\n"
                                         "LibraryReloadToken=0\nPackagesPath2020=\nPackagesPath2024=\n\n"
                                         "[Profile]\nHomeAirport=ZBAA\nRealname=\n\n"
                                         "[Voice]\nConflictPlayDevice=0\nConflictVolume=1\nDriver=13\n"
                                         "InputDevice=Default\nMicGain=0\nOutputHeadphoneDevice=Default\n"
                                         "OutputSpeakerDevice=Default\nPttKey=kb:163\nPttPlayDevice=0\n"
                                         "PttPressFreq=1500\nPttReleaseFreq=1000\nPttVolume=1\n\n"
-                                        "[XPlane]\nCSL=@Invalid()\nNetworkAddress=127.0.0.1\nUDPPort=49000\n"));
+                                        "[XPlane]\nCSL=\nNetworkAddress=127.0.0.1\nUDPPort=49000\n"));
     }
 
     void defaultsAreRead()
@@ -409,6 +409,35 @@ private slots:
         QCOMPARE(settings.get(config::authVatsim), true);
     }
 
+    void anEmptyPathListIsAnEmptyText()
+    {
+        AppConfig settings(m_dir->path());
+        settings.set(config::xplaneCsl, QStringList{m_dir->path()});
+        settings.set(config::xplaneCsl, QStringList());
+        QCOMPARE(storedLine("CSL"), QByteArray());
+        QCOMPARE(settings.get(config::xplaneCsl), QStringList());
+    }
+
+    void emptyPathListsAreRead_data()
+    {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::newRow("empty text") << QByteArray();
+        QTest::newRow("as earlier versions wrote it") << QByteArray("@Invalid()");
+    }
+
+    void emptyPathListsAreRead()
+    {
+        QFETCH(const QByteArray, stored);
+        writeFile("[XPlane]\nCSL=" + stored + "\n");
+        QCOMPARE(AppConfig(m_dir->path()).get(config::xplaneCsl), QStringList());
+    }
+
+    void anOrdinaryStartWarnsOfNothing()
+    {
+        writeFile("[Auth]\nUsername=1001\n");
+        QCOMPARE(AppConfig(m_dir->path()).startupWarning(), QString());
+    }
+
     void aSerializedObjectIsSetAside_data()
     {
         QTest::addColumn<QByteArray>("value");
@@ -422,8 +451,9 @@ private slots:
         QFETCH(const QByteArray, value);
         const QByteArray text = "[Auth]\nUsername=\"" + value + "\"\n";
         writeFile(text);
-        QTest::ignoreMessage(QtWarningMsg, "AppConfig: config.ini holds a serialized object and was set aside");
         const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.startupWarning(),
+                 QStringLiteral("AppConfig: config.ini holds a serialized object and was set aside"));
         QCOMPARE(settings.get(config::authUsername), QString());
         QFile aside(configPath() + QStringLiteral(".damaged"));
         QVERIFY(aside.open(QIODevice::ReadOnly));
