@@ -9,10 +9,13 @@
 #include <QUdpSocket>
 #include <QtEndian>
 
+#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <map>
+#include <string>
+#include <vector>
 
 using namespace tarvo::simulator::xplane;
 
@@ -53,6 +56,12 @@ void readOnly(std::array<RrefRecord, 53> &records, QByteArrayView bytes)
         std::memcpy(&records[static_cast<size_t>(i)], bytes.data() + headerSize + i * recordSize, recordSize);
 }
 
+/// Values handled per second.
+benchmark::Counter valuesRate(double perIteration)
+{
+    return {perIteration, benchmark::Counter::kIsIterationInvariantRate};
+}
+
 void ReadRecords(benchmark::State &state)
 {
     const QByteArray reply = replyWith(0, 53);
@@ -62,6 +71,7 @@ void ReadRecords(benchmark::State &state)
         benchmark::DoNotOptimize(records);
         benchmark::ClobberMemory();
     }
+    state.counters["values"] = valuesRate(53);
 }
 BENCHMARK(ReadRecords);
 
@@ -74,6 +84,7 @@ void DecodeAndApply(benchmark::State &state)
         benchmark::DoNotOptimize(sample);
         benchmark::ClobberMemory();
     }
+    state.counters["values"] = valuesRate(53);
 }
 BENCHMARK(DecodeAndApply);
 
@@ -93,76 +104,59 @@ void DatagramOfOneValue(benchmark::State &state)
         apply(sample, QByteArrayView(buffer.data(), std::max<qint64>(size, 0)));
         benchmark::DoNotOptimize(sample);
     }
+    state.counters["values"] = valuesRate(1);
 }
 BENCHMARK(DatagramOfOneValue);
 
-/// Nanoseconds for one call, best of several rounds.
-template <class Work>
-double nanoseconds(Work work, int calls)
+/// Prints the measurements as usual and keeps them, for the ratios between them: processor time, in nanoseconds.
+class RatioReporter : public benchmark::ConsoleReporter
 {
-    double best = 0;
-    for (int round = 0; round < 7; ++round) {
-        const auto begin = std::chrono::steady_clock::now();
-        for (int i = 0; i < calls; ++i)
-            work();
-        const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - begin;
-        if (round == 0 || taken.count() / calls < best)
-            best = taken.count() / calls;
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (!run.error_occurred && run.run_type == Run::RT_Iteration)
+                m_nanoseconds[run.benchmark_name()] = run.GetAdjustedCPUTime();
+        }
     }
-    return best;
-}
 
-void printRatios()
-{
-    const QByteArray reply = replyWith(0, 53);
-    std::array<RrefRecord, 53> records;
-    DatarefSample sample;
-    const double reading = nanoseconds(
-        [&] {
-            readOnly(records, reply);
-            benchmark::DoNotOptimize(records);
-            benchmark::ClobberMemory();
-        },
-        100'000);
-    const double applying = nanoseconds(
-        [&] {
-            apply(sample, reply);
-            benchmark::DoNotOptimize(sample);
-            benchmark::ClobberMemory();
-        },
-        100'000);
-    int valuesPerSecond = 0;
-    for (const Dataref &row : datarefs())
-        valuesPerSecond += row.rateHz;
+    void printRatios() const
+    {
+        const double reading = measured("ReadRecords");
+        const double applying = measured("DecodeAndApply");
+        const double datagram = measured("DatagramOfOneValue");
+        int valuesPerSecond = 0;
+        for (const Dataref &row : datarefs())
+            valuesPerSecond += row.rateHz;
+        if (reading > 0 && applying > 0)
+            std::printf("all 53 values, decoding and applying against only reading: ratio %.1f\n", applying / reading);
+        if (datagram > 0)
+            std::printf("%d values a second, each in a datagram of its own (sending included): %.3f%% of one core\n",
+                        valuesPerSecond, valuesPerSecond * datagram / 1e9 * 100);
+        if (applying > 0)
+            std::printf("the same values, decoding and applying alone: %.5f%% of one core\n",
+                        valuesPerSecond * applying / 53 / 1e9 * 100);
+    }
 
-    QUdpSocket simulator;
-    QUdpSocket client;
-    client.bind(QHostAddress(QHostAddress::LocalHost), 0);
-    const QByteArray one = replyWith(18, 19);
-    std::array<char, 65536> buffer;
-    const double datagram = nanoseconds(
-        [&] {
-            simulator.writeDatagram(one, QHostAddress(QHostAddress::LocalHost), client.localPort());
-            QHostAddress sender;
-            const qint64 size = client.readDatagram(buffer.data(), buffer.size(), &sender);
-            apply(sample, QByteArrayView(buffer.data(), std::max<qint64>(size, 0)));
-        },
-        5'000);
+private:
+    /// 0 for one that was not run.
+    double measured(const char *name) const
+    {
+        const auto found = m_nanoseconds.find(name);
+        return found == m_nanoseconds.end() ? 0 : found->second;
+    }
 
-    std::printf("all 53 values: %.0f ns to decode and apply, %.0f ns only to read; ratio %.1f\n", applying, reading,
-                applying / reading);
-    std::printf("%d values a second, each in a datagram of its own (sending included): %.3f%% of one core\n",
-                valuesPerSecond, valuesPerSecond * datagram / 1e9 * 100);
-    std::printf("the same values, decoding and applying alone: %.5f%% of one core\n",
-                valuesPerSecond * applying / 53 / 1e9 * 100);
-}
+    std::map<std::string, double> m_nanoseconds;
+};
 
 } // namespace
 
 int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    printRatios();
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    reporter.printRatios();
     return 0;
 }
