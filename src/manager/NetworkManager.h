@@ -121,6 +121,7 @@ private:
     void completeLogin();
     void onForceDisconnect(const QString &reason);
     void sendDeletePdu();
+    void deleteAndDisconnect();
     QString normalizedType(const QString &typeCode) const;
     QString username() const;
     QString password() const;

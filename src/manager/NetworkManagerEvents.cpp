@@ -42,8 +42,9 @@ void NetworkManager::onServerIdentification(const ServerIdentification &pdu)
     answer.minorVersion = clientIdentity::minorVersion;
     answer.cid = username();
     answer.systemUniqueId = machineId();
+    const quint64 generation = m_generation;
     sendPdu(answer);
-    if (m_config.get(config::authVatsim))
+    if (generation == m_generation && m_config.get(config::authVatsim))
         requestFsdToken();
 }
 

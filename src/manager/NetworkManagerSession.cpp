@@ -72,8 +72,9 @@ QString NetworkManager::normalizedType(const QString &typeCode) const
 
 void NetworkManager::onNetworkConnected()
 {
+    const quint64 generation = m_generation;
     notify(tr("Connected to network."), MessageType::Info);
-    if (!m_config.get(config::authVatsim))
+    if (generation == m_generation && !m_config.get(config::authVatsim))
         logIn(password());
 }
 
@@ -103,10 +104,14 @@ void NetworkManager::onFsdToken(bool success, const QString &token, const QStrin
 
 void NetworkManager::logIn(const QString &password)
 {
+    const quint64 generation = m_generation;
     m_loginSecret = password;
     sendLoginPdu();
+    if (generation != m_generation)
+        return; // a server that has gone shows while a line is sent, and the session is over by then
     sendPdu(ClientQuery(m_connectInfo.callsign, QStringLiteral("SERVER"), ClientQueryType::PublicAddress, {}));
-    m_reporter.start();
+    if (generation == m_generation)
+        m_reporter.start();
 }
 
 void NetworkManager::sendLoginPdu()
@@ -153,8 +158,7 @@ void NetworkManager::disconnectFromNetwork()
     if (!isBusy())
         return;
     m_phase = Phase::Disconnecting;
-    sendDeletePdu();
-    m_fsd.disconnectFromServer();
+    deleteAndDisconnect();
 }
 
 void NetworkManager::onForceDisconnect(const QString &reason)
@@ -163,8 +167,16 @@ void NetworkManager::onForceDisconnect(const QString &reason)
         return;
     m_forced = true;
     m_forcedReason = reason;
+    deleteAndDisconnect();
+}
+
+void NetworkManager::deleteAndDisconnect()
+{
+    const quint64 generation = m_generation;
     sendDeletePdu();
-    m_fsd.disconnectFromServer();
+    // When the server has gone already, the farewell itself ends the session.
+    if (generation == m_generation)
+        m_fsd.disconnectFromServer();
 }
 
 void NetworkManager::sendDeletePdu()

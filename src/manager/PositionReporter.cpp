@@ -26,9 +26,10 @@ PositionReporter::PositionReporter(std::function<OwnPosition()> position, QObjec
 void PositionReporter::start()
 {
     const OwnPosition own = m_position();
+    // First the timer: a report may find the server gone, and the stop() that follows has to last.
+    m_slowTimer.start(own.observer ? observerIntervalMs : pilotIntervalMs);
     sendSlowPosition(own);
     sendFast(own, stoppedReport(own));
-    m_slowTimer.start(own.observer ? observerIntervalMs : pilotIntervalMs);
 }
 
 void PositionReporter::stop()

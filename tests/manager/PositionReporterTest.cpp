@@ -217,6 +217,15 @@ private slots:
         QVERIFY(!reports.timer("slowTimer")->isActive());
     }
 
+    void aStopDuringTheFirstReportsLasts()
+    {
+        Reports reports;
+        QObject::connect(&reports.reporter, &PositionReporter::lineReady, &reports.reporter,
+                         [&] { reports.reporter.stop(); });
+        reports.reporter.start();
+        QVERIFY(!reports.timer("slowTimer")->isActive());
+    }
+
     void theTimersDriveTheTicks()
     {
         Reports reports;
