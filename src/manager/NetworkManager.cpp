@@ -17,13 +17,6 @@ QString networkLogFolder(const AppConfig &config)
     return QDir(config.logsFolder()).filePath(QStringLiteral("network"));
 }
 
-/// What the pilot typed for this login session, else what is stored.
-QString sessionOrStored(const AppConfig &config, const StringKey &session, const StringKey &stored)
-{
-    const QString typed = config.get(session);
-    return typed.isEmpty() ? config.get(stored) : typed;
-}
-
 } // namespace
 
 NetworkManager::NetworkManager(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
@@ -77,19 +70,19 @@ void NetworkManager::connectFsdClient()
 
 QString NetworkManager::username() const
 {
-    return sessionOrStored(m_config, config::sessionUsername, config::authUsername);
+    return signInName(m_config);
 }
 
 QString NetworkManager::password() const
 {
-    return sessionOrStored(m_config, config::sessionPassword, config::authPassword);
+    // What was typed for this login session goes before what is stored.
+    const QString typed = m_config.get(config::sessionPassword);
+    return typed.isEmpty() ? m_config.get(config::authPassword) : typed;
 }
 
 QString NetworkManager::realName() const
 {
-    return pilotName({.profileName = m_config.get(config::profileRealname),
-                      .accountName = m_api.currentUser().username,
-                      .username = username()});
+    return pilotName(m_config, m_api);
 }
 
 QString NetworkManager::realNameWithAirport() const

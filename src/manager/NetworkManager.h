@@ -63,7 +63,7 @@ public:
     void sendConfiguration(const QString &to, const model::AircraftConfiguration &configuration);
 
 public slots:
-    /// Starts a connection. Returns true when the TCP connect was started; a refusal has been posted as a notification.
+    /// Starts a connection. Returns true while it is under way; why it isn't has been posted as a notification.
     bool connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
     /// The user's wish to leave.
     void disconnectFromNetwork();

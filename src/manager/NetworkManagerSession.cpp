@@ -37,7 +37,8 @@ bool NetworkManager::connectToNetwork(const QString &callsign, const QString &ty
     // While a name was looked up anything may have happened, another connection included.
     if (!started && generation == m_generation)
         endSession();
-    return started;
+    // An address that can't be reached fails inside the call: the session is then over, as everybody has been told.
+    return started && generation == m_generation;
 }
 
 void NetworkManager::beginSession(const model::ConnectInfo &info)

@@ -1,5 +1,8 @@
 #include "manager/PilotName.h"
 
+#include "AppConfig.h"
+#include "network/ApiService.h"
+
 namespace tarvo::manager {
 
 namespace {
@@ -16,6 +19,19 @@ QString pilotName(const NameSources &sources)
             return name;
     }
     return unknownName;
+}
+
+QString pilotName(const AppConfig &config, const network::ApiService &api)
+{
+    return pilotName({.profileName = config.get(config::profileRealname),
+                      .accountName = api.currentUser().username,
+                      .username = signInName(config)});
+}
+
+QString signInName(const AppConfig &config)
+{
+    const QString typed = config.get(config::sessionUsername);
+    return typed.isEmpty() ? config.get(config::authUsername) : typed;
 }
 
 QString homeAirport(const QString &setting)

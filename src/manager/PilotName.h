@@ -2,6 +2,13 @@
 
 #include <QString>
 
+namespace tarvo {
+class AppConfig;
+}
+namespace tarvo::network {
+class ApiService;
+}
+
 namespace tarvo::manager {
 
 /// Where a pilot's name may come from, in the order of preference.
@@ -14,6 +21,12 @@ struct NameSources
 
 /// The first source that isn't blank, trimmed; "Unknown" if all are.
 QString pilotName(const NameSources &sources);
+
+/// The name that a session started now would run under.
+QString pilotName(const AppConfig &config, const network::ApiService &api);
+
+/// What the pilot signs in with: typed for this session, else stored.
+QString signInName(const AppConfig &config);
 
 /// Trimmed and upper-cased; "ZBAA" for an empty one and for "ZZZZ", which stands for no airport.
 QString homeAirport(const QString &setting);

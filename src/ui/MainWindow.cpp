@@ -3,6 +3,7 @@
 #include "AppConfig.h"
 #include "common/Units.h"
 #include "manager/NetworkManager.h"
+#include "manager/PilotName.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "ui/WindowBackdrop.h"
@@ -30,6 +31,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network, AppConf
                        network::SwiftAircraftIcaoService &icao, const ServiceEndpoints &endpoints, QWidget *parent)
     : QMainWindow(parent),
       m_config(config),
+      m_api(api),
       m_endpoints(endpoints),
       m_network(std::move(network)),
       m_server(icao),
@@ -86,6 +88,7 @@ void MainWindow::connectRequests()
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
     connect(&m_server, &ServerPageViewModel::disconnectRequested, this, &MainWindow::onDisconnectRequested);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
+    connect(&m_dashboard, &DashboardViewModel::userInfoChanged, this, &MainWindow::updateProfile);
 }
 
 void MainWindow::connectSession()
@@ -107,7 +110,8 @@ void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
     if (event->spontaneous())
-        return; // back from the task bar: the pages stay as they are
+        return;      // back from the task bar: the pages stay as they are
+    updateProfile(); // another account may have signed in
     m_account.applyUserInfoDefaults();
     m_account.loadUserInfo();
     m_account.loadUserHistory();
@@ -117,7 +121,8 @@ void MainWindow::showEvent(QShowEvent *event)
 void MainWindow::updateProfile()
 {
     m_server.setVatsimProtocol(m_config.get(config::authVatsim));
-    m_server.setProfile(m_config.get(config::profileRealname), m_config.get(config::profileHomeAirport));
+    m_server.setProfile(manager::pilotName(m_config, m_api),
+                        manager::homeAirport(m_config.get(config::profileHomeAirport)));
 }
 
 void MainWindow::onLogoutClicked()
@@ -145,7 +150,7 @@ void MainWindow::onConnectRequested(const QString &callsign, const QString &type
 {
     if (!m_network || !m_network->connectToNetwork(callsign, typeCode, selcal, observer))
         return; // a refusal has told its reason
-    setServerState(false, tr("连接中..."));
+    setServerState(false, viewmodel::ServerPageViewModel::connectingText());
     log(tr("正在连接 FSD %1:%2，呼号=%3，机型=%4，观察员模式=%5")
             .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), callsign, typeCode,
                  observer ? tr("是") : tr("否")));
@@ -156,7 +161,7 @@ void MainWindow::onDisconnectRequested()
     if (!m_network)
         return;
     // Told first: the session ends inside the call, and its end sets the last text.
-    const QString leaving = tr("断开中...");
+    const QString leaving = viewmodel::ServerPageViewModel::disconnectingText();
     setServerState(m_server.serverConnected(), leaving);
     log(tr("正在断开 FSD 连接..."));
     m_network->disconnectFromNetwork();

@@ -74,6 +74,7 @@ private:
     void log(const QString &text);
 
     AppConfig &m_config;
+    network::ApiService &m_api;
     ServiceEndpoints m_endpoints;
     QString m_mode = QStringLiteral("NONE");
     std::shared_ptr<manager::NetworkManager> m_network;

@@ -53,6 +53,19 @@ private slots:
         QCOMPARE(s.takeNotifications().last(), busy);
     }
 
+    void anAddressWithoutARouteIsNoConnection()
+    {
+        Session s(tarvo::test::Protocol::Classic, u"255.255.255.255"_qs);
+        for (int attempt = 0; attempt < 2; ++attempt) { // the second isn't refused as busy
+            QVERIFY(!s.connectObserver());
+            const QStringList posted = s.takeNotifications();
+            QCOMPARE(posted.size(), 2);
+            QCOMPARE(posted.first(), u"9 Connecting to network..."_qs);
+            QVERIFY2(posted.last().startsWith(u"10 NetworkError"_qs), qPrintable(posted.last()));
+            QCOMPARE(s.takeEvents(), QStringList{u"disconnected"_qs});
+        }
+    }
+
     void aPilotNeedsASimulator()
     {
         Session s;

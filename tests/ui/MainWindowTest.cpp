@@ -8,6 +8,7 @@
 #include "ui/AccountPeer.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickView>
@@ -120,6 +121,20 @@ private slots:
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button
     }
 
+    void thePagesGoBeforeWhatTheyShow()
+    {
+        Deck deck;
+        auto window = std::make_unique<ui::MainWindow>(deck.network, deck.config, deck.api, deck.icao, deck.endpoints);
+        const QPointer<ui::viewmodel::DashboardViewModel> dashboard(&window->dashboard());
+        const QPointer<ui::viewmodel::ServerPageViewModel> server(&window->server());
+        int seen = 0;
+        const auto look = [&] { seen += dashboard && server ? 1 : 0; };
+        connect(window->view(), &QObject::destroyed, this, look);
+        connect(window->view()->rootObject(), &QObject::destroyed, this, look);
+        window.reset();
+        QCOMPARE(seen, 2);
+    }
+
     void withoutASessionNothingHappens()
     {
         Deck deck;
@@ -164,6 +179,21 @@ private slots:
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
         QCOMPARE(deck.server().serverLog(), QString());
         QCOMPARE(deck.event(), u"通知|飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。|系统"_qs);
+    }
+
+    void aConnectionThatFailsAtOnceLeavesTheFormFree()
+    {
+        Deck deck;
+        deck.endpoints.fsdHost = u"255.255.255.255"_qs; // no route: the error comes inside the call
+        const auto network =
+            std::make_shared<manager::NetworkManager>(deck.config, deck.api, deck.icao, deck.endpoints);
+        ui::MainWindow window(network, deck.config, deck.api, deck.icao, deck.endpoints);
+        window.server().setCallsign(u"CES2352"_qs);
+        window.server().setObserverMode(true);
+        window.server().requestConnect();
+        QCOMPARE(window.server().serverStatusText(), u"已断开"_qs);
+        QCOMPARE(window.dashboard().serverStatusText(), u"已断开"_qs);
+        QVERIFY(window.server().canConnect());
     }
 
     void disconnects()
@@ -263,6 +293,49 @@ private slots:
         deck.config.set(config::profileRealname, u"王小明"_qs);
         QCOMPARE(deck.server().protocolLabel(), u"经典协议"_qs);
         QCOMPARE(deck.server().realName(), u"王小明"_qs);
+    }
+
+    void theProfileIsWhatTheNetworkWillSee()
+    {
+        Deck deck;
+        QCOMPARE(deck.server().realName(), u"Unknown"_qs);
+        deck.config.set(config::profileHomeAirport, u" zspd "_qs);
+        QCOMPARE(deck.server().homeAirport(), u"ZSPD"_qs);
+        deck.config.set(config::profileHomeAirport, u"zzzz"_qs);
+        QCOMPARE(deck.server().homeAirport(), u"ZBAA"_qs);
+        deck.config.set(config::authUsername, u"1001"_qs);
+        QCOMPARE(deck.server().realName(), u"1001"_qs);
+        deck.config.set(config::sessionUsername, u"1002"_qs); // typed for this session
+        QCOMPARE(deck.server().realName(), u"1002"_qs);
+        deck.config.set(config::profileRealname, u"uNKNOWN"_qs);
+        QCOMPARE(deck.server().realName(), u"1002"_qs);
+    }
+
+    void theAccountsNameArrivesWithItsData()
+    {
+        Deck deck;
+        deck.peer.acceptLogin();
+        bool signedIn = false;
+        deck.api.login(u"1001"_qs, u"secret"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
+        QTRY_VERIFY(signedIn);
+        const QString account = deck.api.currentUser().username;
+        QVERIFY(!account.isEmpty());
+        deck.window.show();
+        QCOMPARE(deck.server().realName(), account);
+    }
+
+    void aChangeOfTheAccountsDataRefreshesTheProfile()
+    {
+        Deck deck;
+        deck.peer.acceptLogin();
+        deck.window.show();
+        QCOMPARE(deck.server().realName(), u"Unknown"_qs);
+        bool signedIn = false;
+        deck.api.login(u"1001"_qs, u"secret"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
+        QTRY_VERIFY(signedIn);
+        const QString account = deck.api.currentUser().username;
+        deck.dashboard().setUserInfo(account, u"CID: 1001"_qs, u"3"_qs);
+        QCOMPARE(deck.server().realName(), account);
     }
 };
 

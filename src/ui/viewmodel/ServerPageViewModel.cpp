@@ -12,8 +12,6 @@ namespace tarvo::ui::viewmodel {
 
 namespace {
 
-const QString connectingText = QStringLiteral("连接中...");
-const QString disconnectingText = QStringLiteral("断开中...");
 constexpr int maximumSuggestions = 10;
 constexpr qsizetype maximumEvents = 2000;
 
@@ -255,9 +253,9 @@ void ServerPageViewModel::updateFormError()
 
 QString ServerPageViewModel::firstFormProblem() const
 {
-    if (m_serverStatusText == connectingText)
+    if (m_serverStatusText == connectingText())
         return tr("正在连接服务器，请等待当前连接完成。");
-    if (m_serverStatusText == disconnectingText)
+    if (m_serverStatusText == disconnectingText())
         return tr("正在断开服务器，请稍后再连接。");
     if (m_callsign.isEmpty())
         return tr("请先填写呼号。");

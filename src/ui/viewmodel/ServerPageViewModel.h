@@ -45,6 +45,11 @@ public:
     explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr,
                                  const common::Clock &clock = common::systemClock());
 
+    /// The states in which a connection can't be asked for. The form's rules compare with them, so that they are never
+    /// translated.
+    static QString connectingText() { return QStringLiteral("连接中..."); }
+    static QString disconnectingText() { return QStringLiteral("断开中..."); }
+
     bool serverConnected() const { return m_serverConnected; }
     QString serverStatusText() const { return m_serverStatusText; }
     QString endpoint() const { return m_endpoint; }
