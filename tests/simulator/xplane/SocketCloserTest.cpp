@@ -1,11 +1,9 @@
 #include "simulator/xplane/SocketCloser.h"
-#include "simulator/xplane/PluginMessages.h"
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
 
 #include <nng/protocol/pair1/pair.h>
 
-#include <QProcess>
 #include <QTest>
 
 using namespace tarvo::simulator::xplane;
@@ -30,24 +28,6 @@ private slots:
         QVERIFY(!waitForClosers(0ms)); // it takes 20 ms of silence at least
         QVERIFY(waitForClosers(5s));
         QTRY_VERIFY(!plugin.hasClient());
-    }
-
-    void lastWordsOfAProgramThatEndsAtOnce()
-    {
-        constexpr int messages = 20;
-        const tarvo::test::PluginAddressDir address;
-        PluginPeer plugin(address.url());
-        QProcess program;
-        program.start(QStringLiteral(TARVO_LAST_WORDS_PROGRAM), {address.url(), QString::number(messages)});
-        QTRY_VERIFY(plugin.hasClient());
-        plugin.send(QStringLiteral("ADDED"), {QStringLiteral("A")});
-        QVERIFY(program.waitForFinished());
-        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(program.exitCode(), 0); // it has waited for its closer
-        QList<QByteArray> expected;
-        for (int i = 0; i < messages; ++i)
-            expected.append(message::heartbeat(QString::number(i)));
-        QTRY_COMPARE(plugin.messages(), expected);
     }
 };
 
