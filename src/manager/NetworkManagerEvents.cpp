@@ -10,6 +10,7 @@
 #include "fsd/pdu/Pong.h"
 #include "fsd/pdu/TextMessage.h"
 #include "manager/ClientIdentity.h"
+#include "manager/OneLine.h"
 
 #include <QDebug>
 
@@ -32,7 +33,7 @@ bool isServer(const QString &callsign)
 
 void NetworkManager::onServerIdentification(const ServerIdentification &pdu)
 {
-    qInfo().noquote() << "Server version:" << pdu.version;
+    qInfo().noquote() << "Server version:" << onOneLine(pdu.version);
     ClientIdentification answer;
     answer.From = m_connectInfo.callsign;
     answer.To = QStringLiteral("SERVER");
@@ -158,7 +159,7 @@ void NetworkManager::onProtocolError(const ProtocolError &pdu)
         return;
     }
     if (const QString callsign = pdu.parameter.trimmed().toUpper(); !callsign.isEmpty())
-        qInfo().noquote() << "No flight plan available for" << callsign;
+        qInfo().noquote() << "No flight plan available for" << onOneLine(callsign);
 }
 
 void NetworkManager::onRawDataSent(const QString &line)

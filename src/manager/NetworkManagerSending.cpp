@@ -6,6 +6,7 @@
 #include "fsd/pdu/RadioMessage.h"
 #include "fsd/pdu/TextMessage.h"
 #include "fsd/pdu/Wallop.h"
+#include "manager/OneLine.h"
 
 namespace tarvo::manager {
 
@@ -17,14 +18,12 @@ constexpr int wallopColour = 0xEB2F06;
 /// Everybody in reach hears what is sent to this pseudo-callsign.
 const QLatin1StringView configurationChannel("@94386");
 
-/// A line end within a text would let the text write lines of its own.
 QString asOneLine(QString line)
 {
     const QLatin1StringView lineEnd("\r\n");
     if (line.endsWith(lineEnd))
         line.chop(lineEnd.size());
-    line.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
-    return line + lineEnd;
+    return onOneLine(line) + lineEnd;
 }
 
 } // namespace

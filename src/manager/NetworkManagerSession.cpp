@@ -213,7 +213,7 @@ void NetworkManager::onNetworkDisconnected()
 void NetworkManager::onNetworkError(const QString &error)
 {
     const quint64 generation = m_generation;
-    notify(error, MessageType::Error);
+    notify(withoutSecretInPacket(error, m_loginSecret), MessageType::Error);
     if (m_fsd.isConnected() || generation != m_generation)
         return;
     endSession();

@@ -2,6 +2,7 @@
 
 #include "Logging.h"
 #include "common/Clock.h"
+#include "manager/OneLine.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -32,17 +33,39 @@ QStringView withoutLineEnd(QStringView line)
     return line;
 }
 
+/// The forms that a secret takes on its way: as it is, as it is sent, as that comes back from the server, and as the
+/// sent line, Latin-1 read as UTF-8, is told.
+QStringList formsOf(const QString &secret)
+{
+    const QByteArray sent = onOneLine(secret).toLatin1();
+    QStringList forms{secret, onOneLine(secret), QString::fromLatin1(sent), QString::fromUtf8(sent)};
+    forms.removeDuplicates();
+    return forms;
+}
+
+QString masked(QString text, const QString &secret)
+{
+    if (secret.isEmpty())
+        return text;
+    for (const QString &form : formsOf(secret))
+        text.replace(form, mask);
+    return text;
+}
+
 } // namespace
 
 QString withoutSecret(const QString &line, const QString &secret)
 {
-    if (passwordField(line) < 0 || secret.isEmpty())
+    if (passwordField(line) < 0)
         return line;
-    QString rest = line.mid(identifierLength);
-    rest.replace(secret, mask);
-    // A sent line is Latin-1 read back as UTF-8, and the secret in it went the same way.
-    rest.replace(QString::fromUtf8(secret.toLatin1()), mask);
-    return line.left(identifierLength) + rest;
+    return line.left(identifierLength) + masked(line.mid(identifierLength), secret);
+}
+
+QString withoutSecretInPacket(const QString &error, const QString &secret)
+{
+    // Only what the server sent: a mask in the client's own words would give away a secret that is one of them.
+    const qsizetype packet = error.indexOf(QLatin1StringView("(Raw packet: "));
+    return packet < 0 ? error : error.left(packet) + masked(error.mid(packet), secret);
 }
 
 QString maskedLoginLine(const QString &line, const QString &secret)
@@ -94,7 +117,7 @@ void SessionLog::write(QLatin1StringView arrow, const QString &line)
         return;
     const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs(), Qt::UTC);
     m_stream << QLatin1Char('[') << now.toString(u"HH:mm:ss.zzz") << QLatin1StringView("] ") << arrow
-             << QLatin1Char(' ') << withoutLineEnd(line) << QLatin1Char('\n');
+             << QLatin1Char(' ') << onOneLine(withoutLineEnd(line).toString()) << QLatin1Char('\n');
 }
 
 void SessionLog::startFlushing()

@@ -53,4 +53,8 @@ QString maskedLoginLine(const QString &line, const QString &secret);
 /// `line` with "******" wherever the non-empty `secret` stands, if it is an "#AP" or "#AA" line.
 QString withoutSecret(const QString &line, const QString &secret);
 
+/// `error` with "******" wherever the non-empty `secret` stands in the raw packet that it quotes: a server may send the
+/// login line back, too short to be read as one.
+QString withoutSecretInPacket(const QString &error, const QString &secret);
+
 } // namespace tarvo::manager

@@ -1,4 +1,5 @@
 #include "manager/Session.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
 #include <QRegularExpression>
@@ -160,6 +161,29 @@ private slots:
         QVERIFY(s.peer.expectNothing());
         QCOMPARE(s.takeNotifications(), QStringList{u"10 Invalid PDU type. (Raw packet: X:abc)"_qs});
         QCOMPARE(s.takeEvents(), QStringList());
+    }
+
+    void anEchoedSecretIsNotShown()
+    {
+        OnlineSession s;
+        QVERIFY(s.online);
+        s.peer.inject(u"#APAB1:SERVER:1001:secret"_qs);
+        QVERIFY(s.peer.expectNothing());
+        QCOMPARE(s.takeNotifications(), QStringList{u"10 Invalid field count for AddPilot command. "
+                                                    "(Raw packet: AB1:SERVER:1001:******)"_qs});
+    }
+
+    void whatTheServerSaysIsLoggedOnOneLine()
+    {
+        OnlineSession s;
+        QVERIFY(s.online);
+        test::LogCapture log;
+        s.peer.inject(u"$DISERVER:CLIENT:FSD\n3\rx:abc"_qs);
+        s.peer.inject(u"$ERSERVER:AB1:8:ab\n2:No flightplan"_qs);
+        EXPECT_LINE(s, Session::identification());
+        QVERIFY(s.peer.expectNothing());
+        QCOMPARE(log.texts(QtInfoMsg),
+                 (QStringList{u"Server version: FSD 3 x"_qs, u"No flight plan available for AB 2"_qs}));
     }
 
     void sendFast()

@@ -62,6 +62,8 @@ private slots:
             << u"#APAPB:SERVER:1001:AP:1:9:5:Li"_qs << u"AP"_qs << u"#AP******B:SERVER:1001:******:1:9:5:Li"_qs;
         QTest::newRow("as the wire changes it")
             << u"#APAB1:SERVER:1001:p\uFFFD:x:1:9:5:Li"_qs << u"pé:x"_qs << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("sent on one line") << u"#APAB1:SERVER:1001:pa  ss:x:1:9:5:Li"_qs << u"pa\r\nss:x"_qs
+                                          << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
         QTest::newRow("too short") << u"#APAB1:SERVER"_qs << u"pass"_qs << u"#APAB1:SERVER"_qs;
         QTest::newRow("other line with the same text") << u"#TMAB1:AB2:pass"_qs << u"pass"_qs << u"#TMAB1:AB2:pass"_qs;
         QTest::newRow("other case") << u"#apAB1:SERVER:1001:pass:1"_qs << u"pass"_qs << u"#apAB1:SERVER:1001:pass:1"_qs;
@@ -80,6 +82,41 @@ private slots:
         QCOMPARE(withoutSecret(u"#APAB1:SERVER:1001:pass:1:9:5:Li"_qs, u"pass"_qs),
                  u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs);
         QCOMPARE(withoutSecret(u"#TMSERVER:AB1:pass"_qs, u"pass"_qs), u"#TMSERVER:AB1:pass"_qs);
+    }
+
+    void errorsLoseTheSecretOfTheirPacket_data()
+    {
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QString>("secret");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("in the packet") << u"Invalid field. (Raw packet: AB1:SERVER:1001:pass)"_qs << u"pass"_qs
+                                       << u"Invalid field. (Raw packet: AB1:SERVER:1001:******)"_qs;
+        QTest::newRow("not in the words before") << u"Invalid field. (Raw packet: AB1:field)"_qs << u"field"_qs
+                                                 << u"Invalid field. (Raw packet: AB1:******)"_qs;
+        QTest::newRow("as it comes back")
+            << u"Bad. (Raw packet: AB1:\u00E9?)"_qs << u"\u00E9\u5BC6"_qs << u"Bad. (Raw packet: AB1:******)"_qs;
+        QTest::newRow("no secret") << u"Bad. (Raw packet: AB1)"_qs << u""_qs << u"Bad. (Raw packet: AB1)"_qs;
+        QTest::newRow("no packet") << u"HostNotFoundError: Host not found"_qs << u"Host"_qs
+                                   << u"HostNotFoundError: Host not found"_qs;
+    }
+
+    void errorsLoseTheSecretOfTheirPacket()
+    {
+        QFETCH(QString, error);
+        QFETCH(QString, secret);
+        QTEST(withoutSecretInPacket(error, secret), "expected");
+    }
+
+    void aLineCannotWriteFurtherLines()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        SessionLog log(folder.path(), clock);
+        log.writeReceived(u"#TMA:B:x\n[12:00:00.123] >>> $POA:B:1\ry\r\n"_qs, {});
+        log.writeSent(u"$ZRA:B:x\ny\r\n"_qs, {});
+        log.stopFlushing();
+        QCOMPARE(contents(log.path()), u"[12:00:00.123] <<< #TMA:B:x [12:00:00.123] >>> $POA:B:1 y\n"
+                                       "[12:00:00.123] >>> $ZRA:B:x y\n"_qs);
     }
 
     void writesLinesWithUtcTime()
