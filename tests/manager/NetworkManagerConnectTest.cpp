@@ -1,4 +1,5 @@
 #include "manager/Session.h"
+#include "network/IcaoDatabase.h"
 #include "support/TestRegistry.h"
 
 using namespace tarvo;
@@ -30,6 +31,29 @@ private slots:
         Session s;
         QVERIFY(s.manager->connectToNetwork(u" ab1 "_qs, u" b738 "_qs, u" ef-gh "_qs, true));
         QCOMPARE(s.manager->connectInfo(), (model::ConnectInfo{u"AB1"_qs, u"B738"_qs, u" ef-gh "_qs, true}));
+    }
+
+    void theTypeBecomesItsDesignator()
+    {
+        Session s;
+        {
+            network::IcaoDatabase database(u"designators"_qs);
+            QVERIFY(database.open(s.root.filePath(u"cache/swift/aircrafticao.sqlite"_qs),
+                                  network::IcaoDatabase::Mode::Writable));
+            network::IcaoImport import;
+            import.rows.resize(1);
+            import.rows[0].id = 1;
+            import.rows[0].designator = u"B738"_qs;
+            QVERIFY(database.replaceAll(import));
+        }
+        s.icao.ensureLoaded();
+        QVERIFY(s.icao.isReady());
+        s.addSimulator();
+        QVERIFY(s.manager->connectToNetwork(u"ab1"_qs, u" b738/l "_qs, QString(), false));
+        QCOMPARE(s.manager->connectInfo().typeCode, u"B738"_qs);
+        s.manager->disconnectFromNetwork();
+        QVERIFY(s.manager->connectToNetwork(u"ab1"_qs, u" xyz/l "_qs, QString(), false));
+        QCOMPARE(s.manager->connectInfo().typeCode, u"XYZ/L"_qs); // unknown: as it was typed
     }
 
     void anObserverNeedsNoType()

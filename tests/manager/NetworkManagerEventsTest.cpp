@@ -119,6 +119,15 @@ private slots:
         QCOMPARE(received.at(0).at(1).toString(), text);
     }
 
+    void anAddressThatIsNotToldIsEmpty()
+    {
+        OnlineSession s;
+        QVERIFY(s.online);
+        s.peer.inject(u"$CRSERVER:AB1:IP"_qs); // in place of the address told before
+        s.peer.inject(u"$CQAB2:AB1:INF"_qs);
+        QVERIFY(s.peer.nextLine().contains(u" IP= SYS_UID="_qs));
+    }
+
     void ping()
     {
         OnlineSession s;

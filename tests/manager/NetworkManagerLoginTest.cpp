@@ -264,6 +264,51 @@ private slots:
         QCOMPARE(s.takeNotifications().last(), disconnected);
     }
 
+    /// Both ends of a session, told to pilot, simulator and listeners in one fixed order.
+    void whoHearsWhatInWhichOrder()
+    {
+        Session s;
+        s.addSimulator();
+        QVERIFY(s.connectPilot());
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        auto *manager = s.manager.get();
+        connect(manager, &NetworkManager::notificationPosted, manager,
+                [&s](const QString &text) { s.sim->calls << u"posted "_qs + text; });
+        connect(manager, &NetworkManager::networkConnected, manager,
+                [&s](const QString &callsign) { s.sim->calls << u"signal connected "_qs + callsign; });
+        connect(manager, &NetworkManager::networkDisconnected, manager,
+                [&s](bool) { s.sim->calls << u"signal disconnected"_qs; });
+        s.peer.inject(u"$CRSERVER:AB1:IP:10.0.0.9"_qs);
+        QVERIFY(s.peer.expectNothing());
+        QCOMPARE(s.sim->takeCalls(), (QStringList{u"posted Connected to network."_qs, u"signal connected AB1"_qs,
+                                                  u"networkConnected AB1 EF-GH pilot"_qs}));
+        s.manager->disconnectFromNetwork();
+        QCOMPARE(s.sim->takeCalls(),
+                 (QStringList{u"posted Disconnected from network."_qs, u"networkDisconnected"_qs,
+                              u"removeAllAircraft"_qs, u"clearControllers"_qs, u"signal disconnected"_qs}));
+    }
+
+    /// Each step reads the protocol when it comes: a login that has gone out classically stays, and the greeting that
+    /// follows the change asks for a token, which logs in a second time.
+    void changingToTokensBeforeTheGreetingLogsInAgain()
+    {
+        Session s;
+        QVERIFY(s.connectObserver());
+        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
+        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
+        EXPECT_LINE(s, observerSlow);
+        s.config.set(config::authVatsim, true);
+        s.peer.inject(greeting);
+        EXPECT_LINE(s, Session::identification());
+        QTRY_COMPARE(s.tokens.waiting(), 1);
+        s.tokens.grant(u"t0ken"_qs);
+        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
+        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
+        EXPECT_LINE(s, observerSlow);
+        QVERIFY(s.peer.expectNothing());
+    }
+
     void onlyTheFirstMarkerCompletesTheLogin()
     {
         Session s;
@@ -372,6 +417,19 @@ private slots:
         QVERIFY(s.connectObserver());
     }
 
+    void aNameThatIsNotFound()
+    {
+        Session s(Protocol::Classic, u"not..a.name"_qs);
+        for (int i = 0; i < 2; ++i) { // idle again after the first
+            QVERIFY(!s.connectObserver());
+            QCOMPARE(s.takeNotifications(),
+                     (QStringList{connecting, u"10 Network server address returned null, possibly due to a failed "
+                                              "DNS lookup."_qs}));
+            QCOMPARE(s.takeEvents(), QStringList{u"disconnected"_qs});
+        }
+        QCOMPARE(s.peer.connectionCount(), 0);
+    }
+
     void aDisconnectEndsTheNameLookUp()
     {
         Session s(Protocol::Classic, u"no-such-host.invalid"_qs);
@@ -389,6 +447,14 @@ private slots:
         QCOMPARE(s.takeNotifications(), (QStringList{connecting, disconnected}));
         QCOMPARE(s.takeEvents(), QStringList{u"disconnected"_qs});
         QCOMPARE(s.peer.connectionCount(), 0);
+    }
+
+    void theLogReachesTheDiskWhileConnected()
+    {
+        Session s;
+        QVERIFY(s.connectObserver());
+        QTRY_VERIFY(!logLines(s).filter(u">>> #AA"_qs).isEmpty());
+        QVERIFY(s.peer.isClientConnected());
     }
 
     void theLogMasksThePassword()
