@@ -6,13 +6,11 @@ namespace tarvo::fsd::pdu {
 
 namespace {
 
-constexpr quint32 wireOffset = 100000; // kHz; the wire leaves out the leading 1
-
 QList<quint32> readFrequencies(const QString &text)
 {
     QList<quint32> frequencies;
     for (const QStringView item : QStringView(text).split(QLatin1Char('&'), Qt::SkipEmptyParts))
-        frequencies.append(fields::toUInt32(item) + wireOffset);
+        frequencies.append(fields::toFrequency(item));
     return frequencies;
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace tarvo::fsd::pdu::fields {
 
@@ -65,6 +66,13 @@ qint32 toInt32(QStringView text)
 quint32 toUInt32(QStringView text)
 {
     return text.toUInt();
+}
+
+quint32 toFrequency(QStringView text)
+{
+    const quint32 value = toUInt32(text);
+    constexpr quint32 highest = std::numeric_limits<quint32>::max() - frequencyOffset;
+    return value > highest ? frequencyOffset : value + frequencyOffset;
 }
 
 QString fixed(double value, int decimals)

@@ -22,6 +22,11 @@ double toDouble(QStringView text);
 qint32 toInt32(QStringView text);
 quint32 toUInt32(QStringView text);
 
+/// kHz; the wire leaves out the leading 1 of a frequency: 18500 stands for 118500.
+constexpr quint32 frequencyOffset = 100000;
+/// The frequency in kHz that a wire text stands for. One whose sum does not fit 32 bits is out of range, too.
+quint32 toFrequency(QStringView text);
+
 /// `value` with exactly `decimals` digits after the point.
 QString fixed(double value, int decimals);
 

@@ -8,15 +8,13 @@ namespace tarvo::fsd::pdu {
 
 namespace {
 
-constexpr quint32 wireOffset = 100000; // kHz; the wire leaves out the leading 1
-
 QList<quint32> readFrequencies(const QString &text)
 {
     QList<quint32> frequencies;
     const auto items = QStringView(text).split(QLatin1Char('&')); // empty items stay
     frequencies.reserve(items.size());
     for (const QStringView item : items) // the first character goes, whether it is "@" or not
-        frequencies.append(fields::toUInt32(item.mid(1)) + wireOffset);
+        frequencies.append(fields::toFrequency(item.mid(1)));
     return frequencies;
 }
 
@@ -25,7 +23,7 @@ QString writeFrequencies(const QList<quint32> &frequencies)
     QStringList items;
     items.reserve(frequencies.size());
     for (const quint32 frequency : frequencies)
-        items.append(QLatin1Char('@') + QString::number(frequency - wireOffset));
+        items.append(QLatin1Char('@') + QString::number(frequency - fields::frequencyOffset));
     return items.join(QLatin1Char('&'));
 }
 
