@@ -253,6 +253,7 @@ void FsdClient::onNewServerConnected(QTcpSocket *socket)
     readSocket(); // what is left on the old socket
     if (m_newSocket != socket)
         return;
+    m_splitter.reset();       // a half line of the old server must not lead the new one's first
     socket->disconnect(this); // leaves the two closures
     m_newSocket = nullptr;
     retire(std::exchange(m_socket, socket));

@@ -3,11 +3,14 @@
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 
+#include <algorithm>
 #include <optional>
 
 using tarvo::fsd::FsdClient;
+using tarvo::fsd::pdu::Ping;
 using tarvo::test::FsdPeer;
 
 namespace {
@@ -22,6 +25,14 @@ struct TwoServers
     QSignalSpy disconnected{&client, &FsdClient::raiseNetworkDisconnected};
     QSignalSpy errors{&client, &FsdClient::raiseNetworkError};
     QSignalSpy pings{&client, &FsdClient::raisePingReceived};
+    QStringList from;       ///< the senders of the pings
+    bool nestedWell = true; ///< the actions of whenPinged() succeeded
+
+    TwoServers()
+    {
+        QObject::connect(&client, &FsdClient::raisePingReceived, &client,
+                         [this](const Ping &ping) { from << ping.From; });
+    }
 
     bool open()
     {
@@ -36,6 +47,32 @@ struct TwoServers
     void change(const QString &server = QStringLiteral("127.0.0.2"))
     {
         first.inject(QStringLiteral("$XXSERVER:CES1:%1").arg(server));
+    }
+    /// Runs `action` under the signal of the ping with this text.
+    template <class Action>
+    void whenPinged(const QString &text, Action action)
+    {
+        QObject::connect(&client, &FsdClient::raisePingReceived, &client, [this, text, action](const Ping &ping) {
+            if (ping.timestamp == text)
+                nestedWell = action() && nestedWell;
+        });
+    }
+    bool layInFirst(const QByteArray &bytes) { return lay(first, bytes); }
+    bool layInSecond(const QByteArray &bytes) { return second->waitForConnection() && lay(*second, bytes); }
+    /// Lets `server` send, and waits until the bytes are in the client's socket.
+    bool lay(FsdPeer &server, const QByteArray &bytes)
+    {
+        server.injectBytes(bytes);
+        return QTest::qWaitFor([&] {
+            const auto sockets = client.findChildren<QTcpSocket *>();
+            return std::any_of(sockets.begin(), sockets.end(), [&](QTcpSocket *socket) {
+                return socket->peerName() == server.address() && socket->bytesAvailable() == bytes.size();
+            });
+        });
+    }
+    bool waitForSwap()
+    {
+        return QTest::qWaitFor([this] { return client.serverAddress() == second->address(); });
     }
     /// Opens and moves to the second server.
     bool move()
@@ -93,6 +130,93 @@ private slots:
         QVERIFY(net.second->waitForConnection());
         QVERIFY(net.second->expectNothing());
         QCOMPARE(net.pings.count(), 1);
+    }
+
+    void theHalfLineBehindAChangeIsForgotten()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QVERIFY(net.listenAsSecond());
+        net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PISER");
+        QVERIFY(net.second->waitForConnection() && net.first.waitForClose());
+        net.second->inject(QStringLiteral("$PISERVER:CES1:new"));
+        QTRY_COMPARE(net.pings.count(), 1);
+        QCOMPARE(net.from, QStringList{QStringLiteral("SERVER")});
+        QCOMPARE(net.errors.count(), 0);
+    }
+
+    void theHalfLineBehindARefusedChangeIsForgottenToo()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QSignalSpy received(&net.client, &FsdClient::raiseRawDataReceived);
+        net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PISER"); // nobody listens there
+        QTRY_COMPARE(received.count(), 1);
+        net.first.inject(QStringLiteral("VER:CES1:old"));
+        QTRY_COMPARE(received.count(), 2);
+        QCOMPARE(net.pings.count(), 0);
+        QCOMPARE(net.errors.count(), 1);
+        QCOMPARE(net.errors.at(0).at(0).toString(), QStringLiteral("Invalid PDU type. (Raw packet: VER:CES1:old)"));
+    }
+
+    // What a server says under a nested event loop waits in its socket, unannounced. The two tests below lay bytes
+    // there, so that only the reading at the swap can find them.
+
+    void whatWaitsInTheOldSocketIsHandledAtTheSwap_data()
+    {
+        QTest::addColumn<QByteArray>("late");
+        QTest::newRow("a line") << QByteArray("$PIOLD:CES1:late\r\n");
+        QTest::newRow("a line and a half") << QByteArray("$PIOLD:CES1:late\r\n$PISER");
+    }
+    void whatWaitsInTheOldSocketIsHandledAtTheSwap()
+    {
+        QFETCH(QByteArray, late);
+        TwoServers net;
+        QVERIFY(net.open());
+        QVERIFY(net.listenAsSecond());
+        net.whenPinged(QStringLiteral("1"), [&] { return net.layInFirst(late); });
+        net.whenPinged(QStringLiteral("2"), [&] { return net.waitForSwap(); });
+        net.first.injectBytes("$PIA:CES1:1\r\n$XXSERVER:CES1:127.0.0.2\r\n$PIB:CES1:2\r\n");
+        QVERIFY(net.second->waitForConnection() && net.waitForSwap());
+        net.second->inject(QStringLiteral("$PISERVER:CES1:new"));
+        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"B"_qs, u"OLD"_qs, u"SERVER"_qs}));
+        QVERIFY(net.nestedWell);
+        QCOMPARE(net.errors.count(), 0);
+    }
+
+    void whatWaitsInTheNewSocketIsHandledAtTheSwap()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QVERIFY(net.listenAsSecond());
+        net.whenPinged(QStringLiteral("1"), [&] { return net.layInFirst("$PIOLD:CES1:late\r\n"); });
+        net.whenPinged(QStringLiteral("2"), [&] { return net.waitForSwap(); });
+        net.whenPinged(QStringLiteral("late"), [&] { return net.layInSecond("$PINEW:CES1:early\r\n"); });
+        net.first.injectBytes("$PIA:CES1:1\r\n$XXSERVER:CES1:127.0.0.2\r\n$PIB:CES1:2\r\n");
+        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"B"_qs, u"OLD"_qs, u"NEW"_qs}));
+        QVERIFY(net.nestedWell);
+        QCOMPARE(net.errors.count(), 0);
+    }
+
+    void aLaterChangeOvertakesALookUp()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QVERIFY(net.listenAsSecond());
+        connect(
+            &net.client, &FsdClient::raiseRawDataReceived, this,
+            [&] {
+                QMetaObject::invokeMethod(
+                    &net.client, [&] { net.client.receive("$XXSERVER:CES1:127.0.0.2\r\n"); }, Qt::QueuedConnection);
+            },
+            Qt::SingleShotConnection);
+        net.change(QStringLiteral("localhost"));
+        QVERIFY(net.second->waitForConnection());
+        QVERIFY(net.second->expectNothing());
+        QTRY_VERIFY(!net.client.isResolving());
+        QVERIFY(net.second->expectNothing()); // the look-up's answer changes nothing any more
+        QCOMPARE(net.client.serverAddress(), QStringLiteral("127.0.0.2"));
+        QCOMPARE(net.disconnected.count(), 0);
     }
 
     void aRefusedChangeKeepsTheOldServer()
