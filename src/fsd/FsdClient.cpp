@@ -22,6 +22,10 @@ namespace {
 
 constexpr qint64 readBufferSize = 1 << 20; ///< bytes; bounds what piles up while a nested event loop runs
 
+/// Bytes that may wait to be written. Far above what a live link ever holds back; without a bound a server that asks
+/// and never reads the answers could fill the memory.
+constexpr qint64 maximumUnsent = 4 << 20;
+
 template <class Pdu>
 using Signal = void (FsdClient::*)(const Pdu &);
 
@@ -150,12 +154,32 @@ void FsdClient::sendRaw(const QString &line)
 {
     if (!m_connected || line.isEmpty())
         return;
+    // An error other than the server's close leaves the connected flag, and a socket that nothing can be written to.
+    if (m_socket->state() != QAbstractSocket::ConnectedState)
+        return;
+    if (m_socket->bytesToWrite() > maximumUnsent) {
+        endUnreadConnection();
+        return;
+    }
     const QByteArray bytes = line.toLatin1();
     emit raiseRawDataSent(QString::fromUtf8(bytes)); // Latin-1 read as UTF-8: kept on purpose
     if (!m_connected)
         return;
     m_socket->write(bytes);
     m_socket->flush(); // a fast position leaves at once
+}
+
+/// The server takes nothing any more: the same as if it had closed.
+void FsdClient::endUnreadConnection()
+{
+    qWarning() << "FSD connection ended, the server does not read:" << m_socket->bytesToWrite() << "bytes wait";
+    m_socket->abort();    // closing would wait for the bytes to leave
+    if (m_changingServer) // the end of the old server is silent
+        return;
+    const QPointer<QTcpSocket> socket = m_socket;
+    emit raiseNetworkError(QStringLiteral("The server does not read what it is sent."));
+    if (m_connected && socket == m_socket) // not when a receiver has disconnected or connected anew
+        dropConnection();
 }
 
 void FsdClient::onSocketConnected()

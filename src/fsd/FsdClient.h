@@ -63,6 +63,7 @@ public:
     /// Closes. Raises raiseNetworkDisconnected first, also when not connected.
     void disconnectFromServer();
     /// Writes one finished line, with its line end, as Latin-1. Does nothing when not connected or when it is empty.
+    /// Ends the connection, as if the server had closed it, when megabytes wait because the server does not read.
     void sendRaw(const QString &line);
     /// True between the socket's connect and any disconnect.
     bool isConnected() const { return m_connected; }
@@ -112,6 +113,7 @@ private:
     class StackGuard;
 
     void attach();
+    void endUnreadConnection();
     void onSocketConnected();
     void onSocketError(QAbstractSocket::SocketError error);
     void readSocket();

@@ -3,10 +3,13 @@
 #include "support/TestRegistry.h"
 
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -354,6 +357,52 @@ private slots:
         session.client.disconnectFromServer();
         QVERIFY(session.peer.expect(QStringLiteral("#DPCES1:1001")));
         QVERIFY(session.peer.waitForClose());
+    }
+
+    void aServerThatNeverReadsIsLeft()
+    {
+        QTcpServer deaf;
+        QVERIFY(deaf.listen(QHostAddress::LocalHost));
+        deaf.pauseAccepting(); // the connection stands, and nobody reads
+        Session session;
+        QVERIFY(session.client.connectToServer(u"127.0.0.1"_qs, deaf.serverPort()));
+        QTRY_VERIFY(session.client.isConnected());
+        auto *socket = session.client.findChild<QTcpSocket *>();
+        qint64 mostUnsent = 0;
+        connect(&session.client, &FsdClient::raiseRawDataSent, this,
+                [&] { mostUnsent = std::max(mostUnsent, socket->bytesToWrite()); });
+        QStringList order;
+        connect(&session.client, &FsdClient::raiseNetworkError, this, [&](const QString &text) {
+            order << text;
+            session.client.sendRaw(u"$PIA:B:1\r\n"_qs); // changes nothing
+        });
+        connect(&session.client, &FsdClient::raiseNetworkDisconnected, this, [&] { order << u"disconnected"_qs; });
+
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"the server does not read"_qs));
+        const QByteArray challenge = "$ZCS:C:" + QByteArray(512 * 1024, 'x') + "\r\n";
+        session.client.receive(challenge.repeated(64));
+        QCOMPARE(order, (QStringList{u"The server does not read what it is sent."_qs, u"disconnected"_qs}));
+        QVERIFY(!session.client.isConnected());
+        QVERIFY(session.received.count() < 64);                       // the rest of the chunk is not handled
+        QCOMPARE(session.sent.count(), session.received.count() - 1); // nor the last answer sent
+        QVERIFY(mostUnsent > 1024 * 1024 && mostUnsent <= 4 * 1024 * 1024);
+        QCOMPARE(socket->bytesToWrite(), 0);
+        QCOMPARE(socket->state(), QAbstractSocket::UnconnectedState); // does not wait for the bytes to leave
+    }
+
+    void nothingIsSentOverASocketThatAnErrorHasClosed()
+    {
+        Session session;
+        QVERIFY(session.open());
+        auto *socket = session.client.findChild<QTcpSocket *>();
+        socket->abort();
+        emit socket->errorOccurred(QAbstractSocket::NetworkError);
+        QCOMPARE(session.errors.count(), 1);
+        QVERIFY(session.client.isConnected()); // only a close by the server clears it
+        QTest::failOnWarning(QRegularExpression(u"."_qs));
+        session.client.sendRaw(u"$PIA:B:1\r\n"_qs);
+        QCOMPARE(session.sent.count(), 0);
+        QCOMPARE(session.errors.count(), 1);
     }
 
     void aChallengeIsEchoedAndNotReported()
