@@ -189,11 +189,16 @@ private slots:
         TwoServers net;
         QVERIFY(net.open());
         QVERIFY(net.listenAsSecond());
-        net.whenPinged(QStringLiteral("1"), [&] { return net.layInFirst("$PIOLD:CES1:late\r\n"); });
-        net.whenPinged(QStringLiteral("2"), [&] { return net.waitForSwap(); });
-        net.whenPinged(QStringLiteral("late"), [&] { return net.layInSecond("$PINEW:CES1:early\r\n"); });
-        net.first.injectBytes("$PIA:CES1:1\r\n$XXSERVER:CES1:127.0.0.2\r\n$PIB:CES1:2\r\n");
-        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"B"_qs, u"OLD"_qs, u"NEW"_qs}));
+        net.whenPinged(QStringLiteral("1"), [&] { // the last moment before the swap
+            QTcpSocket *socket = net.client.findChildren<QTcpSocket *>().constLast();
+            connect(socket, &QTcpSocket::stateChanged, this, [&](QAbstractSocket::SocketState state) {
+                if (state == QAbstractSocket::ConnectedState)
+                    net.nestedWell = net.layInSecond("$PINEW:CES1:early\r\n") && net.nestedWell;
+            });
+            return socket->state() == QAbstractSocket::ConnectingState;
+        });
+        net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PIA:CES1:1\r\n");
+        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"NEW"_qs}));
         QVERIFY(net.nestedWell);
         QCOMPARE(net.errors.count(), 0);
     }
