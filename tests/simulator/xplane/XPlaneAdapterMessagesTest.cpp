@@ -1,0 +1,251 @@
+#include "AdapterBench.h"
+#include "simulator/xplane/PluginMessages.h"
+#include "support/TestRegistry.h"
+
+#include <QThread>
+
+using namespace tarvo;
+using simulator::Simulator;
+using simulator::SimulatorType;
+using simulator::xplane::XPlaneAdapter;
+using Bench = test::AdapterBench;
+namespace message = simulator::xplane::message;
+
+namespace {
+
+model::RemoteAircraft aircraft()
+{
+    model::RemoteAircraft one;
+    one.callsign = QStringLiteral("CCA1");
+    one.typeCode = QStringLiteral("B738");
+    one.configuration.gearDown = true;
+    return one;
+}
+} // namespace
+
+class XPlaneAdapterMessagesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void verdictIsTheLastOfItsSignals_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QStringList>("signalled");
+        const QString invalid = QStringLiteral("invalid");
+        const QString version = QStringLiteral("version");
+        const QStringList csl{QStringLiteral("mapping"), QStringLiteral("csl")};
+        QTest::newRow("old version") << QStringLiteral("VER") << QVariantList{65535} << QStringList{invalid, version};
+        QTest::newRow("no version") << QStringLiteral("VER") << QVariantList{} << QStringList{invalid, version};
+        QTest::newRow("good version") << QStringLiteral("VER") << QVariantList{65536} << QStringList{version};
+        QTest::newRow("good paths") << QStringLiteral("CSL") << QVariantList{QVariantList{}, true} << csl;
+        QTest::newRow("bad paths") << QStringLiteral("CSL") << QVariantList{QVariantList{}, false} << csl;
+    }
+
+    void verdictIsTheLastOfItsSignals()
+    {
+        QFETCH(QString, name);
+        QFETCH(QVariantList, arguments);
+        QFETCH(QStringList, signalled);
+        Bench bench;
+        QVERIFY(bench.begin());
+        QStringList order;
+        const auto note = [&order](const char *what) { return [&order, what] { order << QString::fromLatin1(what); }; };
+        const XPlaneAdapter *adapter = bench.adapter.get();
+        connect(adapter, &Simulator::invalidPluginVersion, this, note("invalid"));
+        connect(adapter, &Simulator::pluginVersionChecked, this, note("version"));
+        connect(adapter, &Simulator::trafficMappingStatusChanged, this, note("mapping"));
+        connect(adapter, &Simulator::cslValidationChecked, this, note("csl"));
+        bench.plugin->send(name, arguments);
+        QTRY_COMPARE(order, signalled);
+    }
+
+    void textIsHandedOnUnlessEmpty_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<QStringList>("signalled");
+        const auto add = [](const char *name, const char *message, const QVariantList &arguments,
+                            const QStringList &signalled) {
+            QTest::newRow(name) << QString::fromLatin1(message) << arguments << signalled;
+        };
+        const QString a = QStringLiteral("A");
+        const QString b = QStringLiteral("你好");
+        const QString none;
+        add("ADDED", "ADDED", {a}, {QStringLiteral("added"), a});
+        add("ADDED empty", "ADDED", {none}, {});
+        add("DELETED", "DELETED", {a}, {QStringLiteral("removed"), a});
+        add("DELETED empty", "DELETED", {none}, {});
+        add("REQSTATION", "REQSTATION", {a}, {QStringLiteral("station"), a});
+        add("REQSTATION empty", "REQSTATION", {none}, {});
+        add("RDIOSENT", "RDIOSENT", {b}, {QStringLiteral("radio"), b});
+        add("RDIOSENT empty", "RDIOSENT", {none}, {});
+        add("PRIVSENT", "PRIVSENT", {a, b}, {QStringLiteral("private"), a, b});
+        add("PRIVSENT without a text", "PRIVSENT", {a, none}, {});
+        add("PRIVSENT to nobody", "PRIVSENT", {none, b}, {});
+        add("FORCEDISC", "FORCEDISC", {a}, {QStringLiteral("disconnect"), a});
+        add("FORCEDISC empty", "FORCEDISC", {none}, {QStringLiteral("disconnect"), none});
+        add("unknown", "HELLO", {a}, {});
+    }
+
+    void textIsHandedOnUnlessEmpty()
+    {
+        QFETCH(QString, name);
+        QFETCH(QVariantList, arguments);
+        Bench bench;
+        bench.dial();
+        QStringList signalled;
+        const auto note = [&signalled](const char *what) {
+            return [&signalled, what](const QString &text) { signalled << QString::fromLatin1(what) << text; };
+        };
+        const XPlaneAdapter *adapter = bench.adapter.get();
+        connect(adapter, &Simulator::aircraftAddedToSim, this, note("added"));
+        connect(adapter, &Simulator::aircraftRemovedFromSim, this, note("removed"));
+        connect(adapter, &Simulator::requestStationInfo, this, note("station"));
+        connect(adapter, &Simulator::radioMessageSent, this, note("radio"));
+        connect(adapter, &Simulator::forceDisconnect, this, note("disconnect"));
+        connect(adapter, &Simulator::privateMessageSent, this,
+                [&](const QString &to, const QString &text) { signalled << QStringLiteral("private") << to << text; });
+        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.plugin->send(name, arguments);
+        QVERIFY(bench.answerVersion(65536)); // messages keep their order: this is the last one
+        QTEST(signalled, "signalled");
+    }
+
+    void signalsComeOnTheMainThread()
+    {
+        Bench bench;
+        bench.dial();
+        QThread *thread = nullptr;
+        connect(
+            bench.adapter.get(), &Simulator::aircraftAddedToSim, bench.adapter.get(),
+            [&thread] { thread = QThread::currentThread(); }, Qt::DirectConnection);
+        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.plugin->send(QStringLiteral("ADDED"), {QStringLiteral("A")});
+        QTRY_VERIFY(thread);
+        QCOMPARE(thread, QThread::currentThread());
+    }
+
+    void operationsBecomeMessages_data()
+    {
+        QTest::addColumn<std::function<void(Simulator &)>>("operation");
+        QTest::addColumn<QByteArray>("message");
+        const auto add = [](const char *name, std::function<void(Simulator &)> operation, const QByteArray &bytes) {
+            QTest::newRow(name) << std::move(operation) << bytes;
+        };
+        const auto one = aircraft();
+        const QString a = QStringLiteral("A");
+        const QString b = QStringLiteral("B");
+        const model::AircraftVisualState at{.latitude = 1};
+        model::Controller station;
+        station.callsign = a;
+        station.frequency = 118275;
+        station.valid = true;
+        add(
+            "add", [=](Simulator &s) { s.addAircraft(one); }, message::add(one));
+        add(
+            "configuration", [=](Simulator &s) { s.updateAircraftConfiguration(one); }, message::configuration(one));
+        add(
+            "remove", [=](Simulator &s) { s.removeAircraft(one, a); }, message::remove(one.callsign, a));
+        add(
+            "remove all", [](Simulator &s) { s.removeAllAircraft(); }, message::removeAll());
+        add(
+            "controllers", [=](Simulator &s) { s.setControllers({station}); }, message::controllers({station}));
+        add(
+            "no controllers", [](Simulator &s) { s.clearControllers(); }, message::controllers({}));
+        add(
+            "position", [=](Simulator &s) { s.positionUpdate(one, at); }, message::position(one, at));
+        add(
+            "fast position",
+            [=](Simulator &s) {
+                s.fastPositionUpdate(one, at, {1, 2, 3}, {4, 5, 6});
+            },
+            message::fastPosition(one, at, {1, 2, 3}, {4, 5, 6}));
+        add(
+            "heartbeat", [=](Simulator &s) { s.aircraftHeartbeat(a); }, message::heartbeat(a));
+        add(
+            "radio sent", [=](Simulator &s) { s.showRadioMessageSent(a); }, message::radioSent(a));
+        add(
+            "radio received", [=](Simulator &s) { s.showRadioMessageReceived(a, b, true); },
+            message::radioReceived(a, b, true));
+        add(
+            "notification", [=](Simulator &s) { s.showNotification(a, 255); }, message::notification(a, 255));
+        add(
+            "private sent", [=](Simulator &s) { s.showPrivateMessageSent(a, b); }, message::privateSent(a, b));
+        add(
+            "private received", [=](Simulator &s) { s.showPrivateMessageReceived(a, b); },
+            message::privateReceived(a, b));
+        add(
+            "connected", [=](Simulator &s) { s.networkConnected(a, b, true); }, message::networkConnected(a, b, true));
+        add(
+            "disconnected", [](Simulator &s) { s.networkDisconnected(); }, message::networkDisconnected());
+        add(
+            "station", [=](Simulator &s) { s.setStationCallsign(2, a); }, message::stationCallsign(2, a));
+    }
+
+    void operationsBecomeMessages()
+    {
+        QFETCH(std::function<void(Simulator &)>, operation);
+        QFETCH(QByteArray, message);
+        Bench bench;
+        operation(*bench.adapter); // before the dial, where nothing is lost
+        bench.dial();
+        bench.adapter->selcalAlert(); // has no message
+        operation(*bench.adapter);    // and after it, connected or not
+        QTRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message, message}));
+    }
+
+    void radioEntriesAreWritten()
+    {
+        Bench bench;
+        bench.adapter->setTransponderCode(2000);
+        bench.adapter->setCom1Frequency(118275);
+        bench.adapter->setCom2Frequency(121800);
+        bench.adapter->transponderIdent();
+        const QList<test::DatarefPeer::Write> expected{
+            {QStringLiteral("sim/cockpit/radios/transponder_code"), 2000.0F},
+            {QStringLiteral("sim/cockpit2/radios/actuators/com1_frequency_hz_833"), 118275.0F},
+            {QStringLiteral("sim/cockpit2/radios/actuators/com2_frequency_hz_833"), 121800.0F}};
+        QTRY_COMPARE(bench.simulator.commands(), QStringList{QStringLiteral("sim/transponder/transponder_ident")});
+        QCOMPARE(bench.simulator.writes(), expected);
+    }
+
+    void transponderModeToggles()
+    {
+        Bench bench;
+        QVERIFY(bench.begin());
+        bench.simulator.clear();
+        const QString dataref = QStringLiteral("sim/cockpit/radios/transponder_mode");
+        bench.adapter->transponderModeToggle();
+        QTRY_COMPARE(bench.simulator.commands(), QStringList{QStringLiteral("sim/transponder/transponder_alt")});
+        QCOMPARE(bench.simulator.writes(), (QList<test::DatarefPeer::Write>{{dataref, 3.0F}}));
+        QVERIFY(bench.simulator.datagrams().first().startsWith("DREF"));
+        QSignalSpy radio(bench.adapter.get(), &Simulator::radioStackStateChanged);
+        QVERIFY(bench.report(10, 3, [&] {
+            return !radio.isEmpty() && radio.last().first().value<model::RadioStackState>().squawkingModeC;
+        }));
+        bench.simulator.clear();
+        bench.adapter->transponderModeToggle();
+        QTRY_COMPARE(bench.simulator.commands(), QStringList{QStringLiteral("sim/transponder/transponder_standby")});
+        QCOMPARE(bench.simulator.writes(), (QList<test::DatarefPeer::Write>{{dataref, 1.0F}}));
+    }
+
+    void altitudesFollowTheValues()
+    {
+        Bench bench;
+        QVERIFY(bench.begin());
+        QCOMPARE(bench.adapter->simulatorType(), SimulatorType::Unknown);
+        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
+        bench.simulator.report({{20, 1000.0F}, {22, 3300.0F}, {23, 29.0F}, {24, -100.0F}, {52, 120105.0F}});
+        QTRY_COMPARE(version.size(), 1);
+        QCOMPARE(version.first().first().toInt(), 120105);
+        QCOMPARE(bench.adapter->simulatorType(), SimulatorType::XPlane12);
+        QCOMPARE(bench.adapter->pressureAltitudeFeet(), 3180.84);
+        QCOMPARE(bench.adapter->trueAltitudeFeet(), 3300.0);
+        QCOMPARE(bench.adapter->adjustRemoteAltitude(3000), 3100.0);
+    }
+};
+
+TARVO_TEST(XPlaneAdapterMessagesTest)
+#include "XPlaneAdapterMessagesTest.moc"
