@@ -10,6 +10,16 @@
 
 namespace tarvo::test {
 
+/// A Boeing of somebody else's with its gear down.
+inline model::RemoteAircraft remoteAircraft()
+{
+    model::RemoteAircraft one;
+    one.callsign = QStringLiteral("CCA1");
+    one.typeCode = QStringLiteral("B738");
+    one.configuration.gearDown = true;
+    return one;
+}
+
 /// A bench whose adapter has dialled and whose plugin is there; all spies are set.
 struct AdapterBench : XPlaneBench
 {

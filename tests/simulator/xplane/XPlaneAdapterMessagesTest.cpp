@@ -11,18 +11,6 @@ using simulator::xplane::XPlaneAdapter;
 using Bench = test::AdapterBench;
 namespace message = simulator::xplane::message;
 
-namespace {
-
-model::RemoteAircraft aircraft()
-{
-    model::RemoteAircraft one;
-    one.callsign = QStringLiteral("CCA1");
-    one.typeCode = QStringLiteral("B738");
-    one.configuration.gearDown = true;
-    return one;
-}
-} // namespace
-
 class XPlaneAdapterMessagesTest : public QObject
 {
     Q_OBJECT
@@ -134,7 +122,7 @@ private slots:
         const auto add = [](const char *name, std::function<void(Simulator &)> operation, const QByteArray &bytes) {
             QTest::newRow(name) << std::move(operation) << bytes;
         };
-        const auto one = aircraft();
+        const auto one = test::remoteAircraft();
         const QString a = QStringLiteral("A");
         const QString b = QStringLiteral("B");
         const model::AircraftVisualState at{.latitude = 1};

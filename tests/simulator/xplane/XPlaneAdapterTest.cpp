@@ -6,6 +6,7 @@
 
 using namespace tarvo;
 using simulator::Simulator;
+using simulator::SimulatorType;
 using simulator::xplane::XPlaneAdapter;
 using Bench = test::AdapterBench;
 namespace message = simulator::xplane::message;
@@ -144,8 +145,8 @@ private slots:
         Bench bench;
         bench.adapter->reconnectSimulator();
         QVERIFY(!bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
-        bench.adapter->addAircraft(aircraft());
-        bench.adapter->updateAircraftConfiguration(aircraft());
+        bench.adapter->addAircraft(test::remoteAircraft());
+        bench.adapter->updateAircraftConfiguration(test::remoteAircraft());
         bench.dial();
         QTRY_COMPARE(bench.plugin->names(),
                      (QStringList{QStringLiteral("ADD"), QStringLiteral("ACCONF"), QStringLiteral("VER")}));
