@@ -74,7 +74,8 @@ void PageHarness::fillAccount()
     m_dashboard.setTimes(QStringLiteral("1286小时 47分"), QStringLiteral("342小时 09分"));
     QVariantList flights;
     for (int i = 0; i < 20; ++i)
-        flights << QVariantMap{{QStringLiteral("callsign"), QStringLiteral("CES%1").arg(2352 + 31 * i)},
+        flights << QVariantMap{{QStringLiteral("callsign"),
+                                i == 1 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i)},
                                {QStringLiteral("time"),
                                 QStringLiteral("11-%1 19:4%2 - 22:1%2").arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10)},
                                {QStringLiteral("duration"), QStringLiteral("2小时 %1分").arg(30 + i)}};

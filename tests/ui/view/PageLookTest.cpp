@@ -17,7 +17,7 @@ private slots:
         QTest::addColumn<QString>("page");
         QTest::addColumn<QSize>("size");
         const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
-        const char *const pages[] = {"modes",  "overview",         "overview-offline",
+        const char *const pages[] = {"modes",  "overview",         "overview-offline", "overview-failed",
                                      "server", "server-connected", "server-error"};
         for (const char *page : pages)
             for (const QSize &size : sizes)
@@ -36,6 +36,8 @@ private slots:
             harness.fillFlight();
             harness.connectToNetwork();
         }
+        if (page == QLatin1String("overview-failed"))
+            failEverything(harness);
         if (page.startsWith(QLatin1String("server")))
             harness.openSection(QStringLiteral("服务器"));
         if (page == QLatin1String("server-error"))
@@ -54,6 +56,15 @@ private:
         harness.dashboard().setCurrentMode(QStringLiteral("XPLANE"));
         harness.server().setCurrentMode(QStringLiteral("XPLANE"));
         harness.dashboard().setSimulatorState(false, QStringLiteral("连接中..."));
+    }
+
+    /// The longest status texts, beside a long name.
+    static void failEverything(PageHarness &harness)
+    {
+        harness.dashboard().setUserInfo(QStringLiteral("Alexander von Humboldt"), QStringLiteral("CID: 1001"),
+                                        QStringLiteral("高级教员 (I3)"));
+        harness.dashboard().setSimulatorState(false, QStringLiteral("连接失败"));
+        harness.dashboard().setServerState(false, QStringLiteral("已断开（强制）"));
     }
 
     static bool isWhole(QQuickItem *text)

@@ -108,6 +108,8 @@ Rectangle {
                     Layout.fillWidth: true
                     text: sidebar.dashboard?.username || "--"
                     font.weight: Font.DemiBold
+                    fontSizeMode: Text.HorizontalFit
+                    minimumPixelSize: Style.fontSmall
                     elide: Text.ElideRight
                 }
 

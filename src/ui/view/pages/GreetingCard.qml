@@ -38,6 +38,8 @@ Card {
                 color: Style.textActive
                 font.pixelSize: Style.fontValue
                 font.weight: Font.DemiBold
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 14
                 elide: Text.ElideRight
             }
 

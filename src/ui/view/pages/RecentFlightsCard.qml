@@ -52,7 +52,7 @@ Card {
                     spacing: Style.spacingMedium
 
                     AppText {
-                        Layout.preferredWidth: 96
+                        Layout.preferredWidth: 128 // a callsign of twelve characters
                         text: row.modelData?.callsign ?? "--"
                         font.weight: Font.DemiBold
                         elide: Text.ElideRight
