@@ -26,7 +26,7 @@ class Failure(Exception):
     """Something that should have happened did not."""
 
 
-def wait_until(what, test, seconds=20):
+def wait_until(what, test, seconds=60):
     """Polls `test` until it returns something; the windows give no other sign to the outside."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
@@ -51,7 +51,7 @@ class Practice:
             self.lines.append(line.rstrip('\n'))
             print(line, end='', flush=True)
 
-    def wait_for(self, pattern, seconds=20, start=0):
+    def wait_for(self, pattern, seconds=60, start=0):
         """The number of the first line from `start` that holds `pattern`."""
         def found():
             if self.process.poll() is not None:
@@ -102,21 +102,19 @@ def screenshot():
     return subprocess.run(['import', '-window', 'root', 'png:-'], capture_output=True, check=True).stdout
 
 
+def at_rest():
+    """The display once it has come to rest; live figures keep changing, and then the newest picture is as good as any."""
+    image = screenshot()
+    for _ in range(20):
+        time.sleep(0.1)
+        previous, image = image, screenshot()
+        if image == previous:
+            break
+    return image
+
+
 def picture(name):
-    """Saves the display as it is once it has come to rest."""
-    previous = None
-    def rested():
-        nonlocal previous
-        now = screenshot()
-        if now == previous:
-            return now
-        previous = now
-        time.sleep(0.2)
-    try:
-        image = wait_until(name, rested, 4)
-    except Failure:  # live figures keep changing: the newest picture is as good as any
-        image = previous
-    (PICTURES / f'{name}.png').write_bytes(image)
+    (PICTURES / f'{name}.png').write_bytes(at_rest())
 
 
 class Window:
@@ -130,8 +128,13 @@ class Window:
         self.width, self.height = int(geometry['WIDTH']), int(geometry['HEIGHT'])
 
     def click(self, x, y):
-        """Clicks at a point of the window, in pixels; negative ones count from the right and the bottom."""
-        xdotool('mousemove', '--sync', self.x + x % self.width, self.y + y % self.height, 'click', 1)
+        """Clicks at a point of the window, in pixels; negative ones count from the right and the bottom. Returns when
+        the display shows that the click has arrived, so that keys typed next reach what was clicked."""
+        xdotool('mousemove', '--sync', self.x + x % self.width, self.y + y % self.height)
+        before = at_rest()
+        xdotool('click', 1)
+        wait_until(f'click at {x}, {y}', lambda: screenshot() != before)
+        at_rest()
 
 
 def type_text(text):
