@@ -86,7 +86,7 @@ void closeWhenQuiet(nng_socket socket)
 
 void closeInBackground(nng_socket socket)
 {
-    const std::shared_ptr<PendingClosers> pending = pendingClosers();
+    const std::shared_ptr<PendingClosers> &pending = pendingClosers();
     pending->add();
     try {
         std::thread([socket, pending] {

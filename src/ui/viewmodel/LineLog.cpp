@@ -16,7 +16,7 @@ QString LineLog::flattened(const QString &text)
 QString LineLog::append(qint64 wallMs, const QString &text)
 {
     const QDateTime time = QDateTime::fromMSecsSinceEpoch(wallMs);
-    const QString line = time.toString(QStringLiteral("[hh:mm:ss] ")) + flattened(text);
+    QString line = time.toString(QStringLiteral("[hh:mm:ss] ")) + flattened(text);
     if (m_lines.size() >= maximumLines)
         m_lines.removeFirst();
     m_lines.append(line);
