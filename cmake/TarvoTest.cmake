@@ -15,7 +15,7 @@ function(tarvo_test name)
     endif()
     target_link_libraries(${target} PRIVATE ${ARG_USES} Qt6::Test)
     target_precompile_headers(${target} PRIVATE <QTest> <QString> <QSignalSpy>)
-    add_test(NAME ${name} COMMAND ${target})
+    add_test(NAME ${name} COMMAND ${target} -silent) # what passes would bury what fails
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     set_property(TEST ${name} PROPERTY ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen"

@@ -1,5 +1,7 @@
 #include "simulator/xplane/SocketCloser.h"
 
+#include <nng/supplemental/util/platform.h>
+
 #include <QDebug>
 
 #include <condition_variable>
@@ -81,6 +83,9 @@ void closeWhenQuiet(nng_socket socket)
             break;
         nng_msg_free(message);
     }
+    // A peer that floods without end: once nobody reads, its messages stop at the full queue, and nng_close, which
+    // hangs while they pour in, gets through.
+    nng_msleep(quietMs);
     nng_close(socket);
 }
 
