@@ -60,12 +60,23 @@ void NetworkManager::connectFsdClient()
     connect(&m_fsd, &FsdClient::raiseAddPilotReceived, this, &NetworkManager::onAddPilot);
     connect(&m_fsd, &FsdClient::raiseClientQueryReceived, this, &NetworkManager::onClientQuery);
     connect(&m_fsd, &FsdClient::raiseClientQueryResponseReceived, this, &NetworkManager::onClientQueryResponse);
+    connect(&m_fsd, &FsdClient::raisePilotPositionReceived, this, &NetworkManager::onPilotPosition);
+    connect(&m_fsd, &FsdClient::raiseFastPilotPositionReceived, this, &NetworkManager::onFastPilotPosition);
+    connect(&m_fsd, &FsdClient::raiseATCPositionReceived, this, &NetworkManager::onATCPosition);
+    connect(&m_fsd, &FsdClient::raiseDeletePilotReceived, this, &NetworkManager::onDeletePilot);
+    connect(&m_fsd, &FsdClient::raiseDeleteATCReceived, this, &NetworkManager::onDeleteATC);
     connect(&m_fsd, &FsdClient::raisePingReceived, this, &NetworkManager::onPing);
     connect(&m_fsd, &FsdClient::raiseTextMessageReceived, this, &NetworkManager::onTextMessage);
+    connect(&m_fsd, &FsdClient::raiseRadioMessageReceived, this, &NetworkManager::onRadioMessage);
+    connect(&m_fsd, &FsdClient::raiseBroadcastMessageReceived, this, &NetworkManager::onBroadcastMessage);
+    connect(&m_fsd, &FsdClient::raisePlaneInfoRequestReceived, this, &NetworkManager::onPlaneInfoRequest);
+    connect(&m_fsd, &FsdClient::raisePlaneInfoResponseReceived, this, &NetworkManager::onPlaneInfoResponse);
+    connect(&m_fsd, &FsdClient::raiseFlightPlanReceived, this, &NetworkManager::onFlightPlan);
     connect(&m_fsd, &FsdClient::raiseKillRequestReceived, this, &NetworkManager::onKillRequest);
     connect(&m_fsd, &FsdClient::raiseSendFastReceived, this, &NetworkManager::onSendFast);
     connect(&m_fsd, &FsdClient::raiseRawDataSent, this, &NetworkManager::onRawDataSent);
     connect(&m_fsd, &FsdClient::raiseRawDataReceived, this, &NetworkManager::onRawDataReceived);
+    connect(&m_fsd, &FsdClient::raiseMuteReceived, this, &NetworkManager::onMute);
 }
 
 QString NetworkManager::username() const

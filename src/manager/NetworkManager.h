@@ -10,14 +10,18 @@
 #include "manager/SimulatorDataWatch.h"
 #include "model/AircraftConfiguration.h"
 #include "model/ConnectInfo.h"
+#include "model/RadioMessageReceived.h"
+#include "model/RemoteAircraft.h"
 #include "simulator/Simulator.h"
 
 #include <QList>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 #include <QVariantList>
 
 #include <memory>
+#include <optional>
 
 namespace tarvo {
 class AppConfig;
@@ -62,6 +66,23 @@ public:
     void sendConfigurationToAll(const model::AircraftConfiguration &configuration);
     void sendConfiguration(const QString &to, const model::AircraftConfiguration &configuration);
 
+    // Questions to the other clients and about them; each is dropped when not connected.
+    /// What the callsign's client can do; capabilitiesResponseReceived answers.
+    void requestCapabilities(const QString &callsign);
+    /// Tells the callsign what this client can do, unasked.
+    void sendOwnCapabilities(const QString &callsign);
+    /// Model and filed type of the callsign's aircraft; aircraftInfoReceived answers, once for each.
+    void requestPlaneInfoAndFlightPlan(const QString &callsign);
+    /// The callsign's whole aircraft configuration; aircraftConfigurationInfoReceived answers.
+    void requestFullConfiguration(const QString &callsign);
+    /// Whether the callsign is a station that the server knows; isValidAtcReceived answers if so.
+    void requestValidAtc(const QString &callsign);
+
+    /// What is known of the aircraft of that upper-case callsign.
+    std::optional<model::RemoteAircraft> remoteAircraft(const QString &callsign) const;
+    /// All other aircraft, in no order.
+    QList<model::RemoteAircraft> remoteAircraft() const;
+
 public slots:
     /// Starts a connection. Returns true while it is under way; why it isn't has been posted as a notification.
     bool connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
@@ -75,18 +96,52 @@ public slots:
     void sendWallop(const QString &message);
     /// Asks a client for its pilot's name.
     void requestRealName(const QString &callsign);
+    /// Asks a station for its ATIS; controllerAtisReceived answers.
+    void requestControllerAtis(const QString &callsign);
 
 signals:
     /// The server has accepted the login; once for each connection.
     void networkConnected(const QString &callsign);
     void networkDisconnected(bool forced);
     void notificationPosted(const QString &message, tarvo::common::MessageType type);
+    /// A station has left.
+    void controllerDeleted(const QString &from);
+    /// A pilot has left.
+    void pilotDeleted(const QString &from);
+    /// The server has deleted the own callsign: nothing may be transmitted any more.
+    void disableVoiceTransmit();
     void serverMessageReceived(const QString &message);
+    void privateMessageReceived(const QString &from, const QString &message);
     void privateMessageSent(const QString &to, const QString &message);
+    void broadcastMessageReceived(const QString &from, const QString &message);
     void radioMessageSent(const QString &message, const QList<uint> &frequencies);
     void wallopSent(const QString &message);
+    void radioMessageReceived(const tarvo::network::RadioMessageReceived &args);
+    /// The own SELCAL code was called. `frequencies`: kHz, those it was heard on.
+    void selcalAlertReceived(const QString &from, const QList<uint> &frequencies);
+    /// `json`: a configuration message as received, whether it can be read or not.
     void aircraftConfigurationInfoReceived(const QString &from, const QString &json);
     void capabilitiesRequestReceived(const QString &from);
+    /// `data`: the answer's fields joined by ":", such as "VERSION=1:ACCONFIG=1".
+    void capabilitiesResponseReceived(const QString &from, const QString &data);
+    /// A station's position report. `frequency`: kHz, the first that it names; `lat`, `lon`: degrees.
+    void controllerUpdateReceived(const QString &from, quint32 frequency, double lat, double lon);
+    /// The server has confirmed the station.
+    void isValidAtcReceived(const QString &from);
+    void realNameReceived(const QString &from, const QString &name);
+    /// The lines of a station's ATIS that was asked for.
+    void controllerAtisReceived(const QString &from, const QStringList &atis);
+    /// `visualState`: degrees, metres; `groundSpeed`: knots.
+    void slowPositionUpdateReceived(const QString &from, const tarvo::model::AircraftVisualState &visualState,
+                                    double groundSpeed);
+    /// Vectors as the simulator takes them; both zero for an aircraft that has stopped.
+    void fastPositionUpdateReceived(const QString &from, const tarvo::model::AircraftVisualState &visualState,
+                                    const tarvo::model::VelocityVector &positionalVelocityVector,
+                                    const tarvo::model::VelocityVector &rotationalVelocityVector);
+    /// Type and airline of an aircraft, as far as they are known by now.
+    void aircraftInfoReceived(const QString &from, const QString &equipment, const QString &airline);
+    /// The server silences the own voice, or no longer.
+    void muteReceived(bool mute);
     void simulatorChanged();
     void simulatorConnectionStateChanged(bool connected);
     void simulatorConnectionFailed(const QString &message);
@@ -155,6 +210,25 @@ private:
     void answerQuery(const fsd::pdu::ClientQuery &query, const QStringList &payload);
     void answerCapabilities(const fsd::pdu::ClientQuery &query);
     void sendClientInformation(const QString &to);
+
+    // Text, radio and stations (NetworkManagerText.cpp)
+    void onBroadcastMessage(const fsd::pdu::BroadcastMessage &pdu);
+    void onRadioMessage(const fsd::pdu::RadioMessage &pdu);
+    void onATCPosition(const fsd::pdu::ATCPosition &pdu);
+    void onDeleteATC(const fsd::pdu::DeleteATC &pdu);
+    void onMute(const fsd::pdu::Mute &pdu);
+
+    // The other aircraft (NetworkManagerTraffic.cpp)
+    void onPilotPosition(const fsd::pdu::PilotPosition &pdu);
+    void onFastPilotPosition(const fsd::pdu::FastPilotPosition &pdu);
+    void onDeletePilot(const fsd::pdu::DeletePilot &pdu);
+    void onPlaneInfoRequest(const fsd::pdu::PlaneInfoRequest &pdu);
+    void onPlaneInfoResponse(const fsd::pdu::PlaneInfoResponse &pdu);
+    void onFlightPlan(const fsd::pdu::FlightPlan &pdu);
+    void onFlightPlanAnswer(const fsd::pdu::ClientQueryResponse &pdu);
+    void onConfiguration(const QString &from, const QString &json);
+    void moveTrafficToNewSimulator();
+    void forgetTraffic();
 
     // What the simulator says (NetworkManagerSimulator.cpp)
     void releaseSimulator();

@@ -21,7 +21,6 @@ using namespace fsd::pdu;
 
 namespace {
 
-constexpr int serverMessageColour = 0x85A664;
 constexpr int noFlightPlan = 8; ///< the error type that only answers a question
 
 bool isServer(const QString &callsign)
@@ -82,7 +81,7 @@ void NetworkManager::onClientQuery(const ClientQuery &pdu)
         break;
     case ClientQueryType::AircraftConfiguration:
         // The text holds colons, which the wire has cut.
-        emit aircraftConfigurationInfoReceived(pdu.From, pdu.payload.join(QLatin1Char(':')));
+        onConfiguration(pdu.From, pdu.payload.join(QLatin1Char(':')));
         break;
     default:
         break;
@@ -119,25 +118,22 @@ void NetworkManager::sendClientInformation(const QString &to)
 
 void NetworkManager::onClientQueryResponse(const ClientQueryResponse &pdu)
 {
-    if (pdu.queryType != ClientQueryType::PublicAddress)
-        return;
-    m_publicAddress = pdu.payload.value(0);
-    completeLogin();
+    switch (pdu.queryType) {
+    case ClientQueryType::PublicAddress:
+        m_publicAddress = pdu.payload.value(0);
+        completeLogin();
+        break;
+    case ClientQueryType::FlightPlan:
+        onFlightPlanAnswer(pdu);
+        break;
+    default:
+        break;
+    }
 }
 
 void NetworkManager::onPing(const Ping &pdu)
 {
     sendPdu(Pong(pdu.To, pdu.From, pdu.timestamp));
-}
-
-void NetworkManager::onTextMessage(const TextMessage &pdu)
-{
-    if (!isServer(pdu.From))
-        return;
-    const QString message = pdu.message;
-    emit serverMessageReceived(message);
-    if (m_simulator)
-        m_simulator->showNotification(message, serverMessageColour);
 }
 
 void NetworkManager::onKillRequest(const KillRequest &pdu)

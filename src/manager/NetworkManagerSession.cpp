@@ -208,6 +208,7 @@ void NetworkManager::onNetworkDisconnected()
         m_simulator->clearControllers();
     }
     emit networkDisconnected(forced);
+    forgetTraffic();
 }
 
 void NetworkManager::onNetworkError(const QString &error)
@@ -218,6 +219,7 @@ void NetworkManager::onNetworkError(const QString &error)
         return;
     endSession();
     emit networkDisconnected(false);
+    forgetTraffic(); // or the next session would take those who are gone for present
 }
 
 } // namespace tarvo::manager

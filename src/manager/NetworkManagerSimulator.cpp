@@ -19,6 +19,7 @@ void NetworkManager::setSimulator(std::shared_ptr<Simulator> simulator)
         m_dataWatchdog.start();
     clearOwnAircraft();
     announceSimulatorState();
+    moveTrafficToNewSimulator();
     emit simulatorChanged();
 
     QTimer::singleShot(0, this, [this, installed = std::weak_ptr<Simulator>(m_simulator)] {
@@ -45,6 +46,7 @@ void NetworkManager::connectSimulatorState(const Simulator &simulator)
         connect(&simulator, &Simulator::userAircraftDataChanged, this, &NetworkManager::onUserAircraftData),
         connect(&simulator, &Simulator::userAircraftConfigDataChanged, this, &NetworkManager::onUserAircraftConfigData),
         connect(&simulator, &Simulator::radioStackStateChanged, this, &NetworkManager::onRadioStackState),
+        connect(&simulator, &Simulator::requestStationInfo, this, &NetworkManager::requestControllerAtis),
         connect(&simulator, &Simulator::radioMessageSent, this, &NetworkManager::sendRadioMessage),
         connect(&simulator, &Simulator::privateMessageSent, this, &NetworkManager::sendPrivateMessage),
         connect(&simulator, &Simulator::forceDisconnect, this, &NetworkManager::onForceDisconnect),
