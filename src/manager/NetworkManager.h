@@ -4,6 +4,7 @@
 #include "common/Clock.h"
 #include "common/MessageType.h"
 #include "fsd/FsdClient.h"
+#include "manager/AtisBuffers.h"
 #include "manager/PositionReporter.h"
 #include "manager/SessionLog.h"
 #include "manager/SimulatorData.h"
@@ -214,9 +215,14 @@ private:
     // Text, radio and stations (NetworkManagerText.cpp)
     void onBroadcastMessage(const fsd::pdu::BroadcastMessage &pdu);
     void onRadioMessage(const fsd::pdu::RadioMessage &pdu);
+    void onSelcal(const QString &from, const QList<uint> &frequencies);
     void onATCPosition(const fsd::pdu::ATCPosition &pdu);
     void onDeleteATC(const fsd::pdu::DeleteATC &pdu);
     void onMute(const fsd::pdu::Mute &pdu);
+    void onValidAtcAnswer(const fsd::pdu::ClientQueryResponse &pdu);
+    void onAtisAnswer(const fsd::pdu::ClientQueryResponse &pdu);
+    void announceAtis(const QString &callsign);
+    void showNotification(const QString &message, int colour);
 
     // The other aircraft (NetworkManagerTraffic.cpp)
     void onPilotPosition(const fsd::pdu::PilotPosition &pdu);
@@ -260,6 +266,7 @@ private:
     QTimer m_dataWatchdog;
     QList<uint> m_transmitFrequencies; ///< kHz
     PositionReporter m_reporter;
+    AtisBuffers m_atis;
 
     model::ConnectInfo m_connectInfo;
     QString m_publicAddress; ///< as the server told it

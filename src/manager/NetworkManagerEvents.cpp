@@ -11,6 +11,7 @@
 #include "fsd/pdu/TextMessage.h"
 #include "manager/ClientIdentity.h"
 #include "manager/OneLine.h"
+#include "manager/ServerCallsign.h"
 
 #include <QDebug>
 
@@ -22,11 +23,6 @@ using namespace fsd::pdu;
 namespace {
 
 constexpr int noFlightPlan = 8; ///< the error type that only answers a question
-
-bool isServer(const QString &callsign)
-{
-    return callsign.toUpper() == QLatin1StringView("SERVER");
-}
 
 } // namespace
 
@@ -95,11 +91,10 @@ void NetworkManager::answerQuery(const ClientQuery &query, const QStringList &pa
 
 void NetworkManager::answerCapabilities(const ClientQuery &query)
 {
-    const ClientQuery asked = query; // the original lives only for its signal
-    if (!isServer(asked.From))
-        emit capabilitiesRequestReceived(asked.From);
-    answerQuery(asked, {QStringLiteral("VERSION=1"), QStringLiteral("ATCINFO=1"), QStringLiteral("MODELDESC=1"),
-                        QStringLiteral("ACCONFIG=1"), QStringLiteral("VISUPDATE=1")});
+    const QString from = query.From; // the original lives only for its signal
+    if (!isServer(from))
+        emit capabilitiesRequestReceived(from);
+    sendOwnCapabilities(from);
 }
 
 void NetworkManager::sendClientInformation(const QString &to)
@@ -119,6 +114,18 @@ void NetworkManager::sendClientInformation(const QString &to)
 void NetworkManager::onClientQueryResponse(const ClientQueryResponse &pdu)
 {
     switch (pdu.queryType) {
+    case ClientQueryType::IsValidAtc:
+        onValidAtcAnswer(pdu);
+        break;
+    case ClientQueryType::Capabilities:
+        emit capabilitiesResponseReceived(pdu.From, pdu.payload.join(QLatin1Char(':')));
+        break;
+    case ClientQueryType::RealName:
+        emit realNameReceived(pdu.From, pdu.payload.value(0));
+        break;
+    case ClientQueryType::Atis:
+        onAtisAnswer(pdu);
+        break;
     case ClientQueryType::PublicAddress:
         m_publicAddress = pdu.payload.value(0);
         completeLogin();

@@ -4,6 +4,14 @@
 
 namespace tarvo::model {
 
+/// The frequency that `kHz` names on a 25 kHz grid: one that ends in 20 or 70 stands for the one 5 above it, so that
+/// 118020 and 118025 are the same channel.
+constexpr quint32 normalisedFrequency(quint32 kHz)
+{
+    const quint32 ending = kHz % 100;
+    return ending == 20 || ending == 70 ? kHz + 5 : kHz;
+}
+
 /// A controller in reach.
 struct Controller
 {

@@ -1,4 +1,4 @@
-#include "manager/Session.h"
+#include "manager/OnlineSession.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -6,29 +6,8 @@
 
 using namespace tarvo;
 using tarvo::manager::NetworkManager;
+using tarvo::test::OnlineSession;
 using tarvo::test::Session;
-
-namespace {
-
-/// A pilot who is on the network, with everything that the login sent already read.
-struct OnlineSession : Session
-{
-    OnlineSession()
-    {
-        addSimulator();
-        online = connectPilot();
-        for (int i = 0; i < 4; ++i)
-            online = online && !peer.nextLine().isNull();
-        peer.inject(QStringLiteral("$CRSERVER:AB1:IP:10.0.0.9"));
-        online = online && peer.expectNothing() && takeEvents() == QStringList{QStringLiteral("connected AB1")};
-        takeNotifications();
-        sim->takeCalls();
-    }
-
-    bool online = false;
-};
-
-} // namespace
 
 class NetworkManagerEventsTest : public QObject
 {
@@ -134,19 +113,6 @@ private slots:
         QVERIFY(s.online);
         s.peer.inject(u"$PISERVER:AB1:1234567"_qs);
         EXPECT_LINE(s, u"$POAB1:SERVER:1234567"_qs);
-    }
-
-    void textOfTheServer()
-    {
-        OnlineSession s;
-        QVERIFY(s.online);
-        QSignalSpy received(s.manager.get(), &NetworkManager::serverMessageReceived);
-        s.peer.inject(u"#TMserver:AB1:Welcome: enjoy"_qs);
-        s.peer.inject(u"#TMAB2:AB1:hello"_qs);
-        QVERIFY(s.peer.expectNothing());
-        QCOMPARE(received.size(), 1);
-        QCOMPARE(received.at(0).at(0).toString(), u"Welcome: enjoy"_qs);
-        QCOMPARE(s.sim->takeCalls(), QStringList{u"showNotification 85a664 Welcome: enjoy"_qs});
     }
 
     void protocolErrors()

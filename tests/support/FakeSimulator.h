@@ -16,8 +16,9 @@ public:
 
     QStringList calls;
     simulator::SimulatorType type = simulator::SimulatorType::XPlane12;
-    double trueAltitude = 0;     ///< feet
-    double pressureAltitude = 0; ///< feet
+    double trueAltitude = 0;              ///< feet
+    double pressureAltitude = 0;          ///< feet
+    QList<model::Controller> controllers; ///< as last set
 
     /// The calls so far, which are then forgotten.
     QStringList takeCalls()
@@ -47,9 +48,14 @@ public:
     void removeAllAircraft() override { note(u"removeAllAircraft"_qs); }
     void setControllers(const QList<model::Controller> &list) override
     {
+        controllers = list;
         note(u"setControllers %1"_qs.arg(list.size()));
     }
-    void clearControllers() override { note(u"clearControllers"_qs); }
+    void clearControllers() override
+    {
+        controllers.clear();
+        note(u"clearControllers"_qs);
+    }
     void positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &) override
     {
         note(u"positionUpdate %1"_qs.arg(aircraft.callsign));

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/Clock.h"
+#include "model/Controller.h"
+#include "model/RadioStackState.h"
+
+#include <QList>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace tarvo::simulator {
+class Simulator;
+}
+
+namespace tarvo::manager {
+
+class NetworkManager;
+
+/// Keeps the list of controllers in reach, ages them out, feeds the simulator's station list and tells it which station
+/// each radio is tuned to. Main thread only.
+class ControllerManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ControllerManager(std::shared_ptr<NetworkManager> network,
+                               const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
+    ~ControllerManager() override;
+
+    /// All that are known, in the order of their first report: those without a frequency, not yet confirmed or about to
+    /// go included. Empty while there is no connection.
+    const QList<model::Controller> &controllers() const { return m_controllers; }
+
+signals:
+    /// The list is emptied without a word when a connection begins or ends. A changed station is deleted and added
+    // again.
+    void controllerAdded(const tarvo::model::Controller &controller);
+    void controllerDeleted(const tarvo::model::Controller &controller);
+    /// Something changed that no list shows: the station has no frequency.
+    void controllerUpdated(const tarvo::model::Controller &controller);
+
+private:
+    void connectNetwork();
+    void onNetworkConnected();
+    void onNetworkDisconnected();
+    void onSimulatorChanged();
+    void disconnectSimulator();
+    void onRadioStackState(const model::RadioStackState &state);
+    void onControllerUpdate(const QString &from, quint32 frequency, double latitude, double longitude);
+    void onIsValidAtc(const QString &from);
+    void onRealName(const QString &from, const QString &name);
+    void onControllerDeleted(const QString &from);
+    void onTick();
+
+    void addController(const QString &callsign, quint32 frequency, double latitude, double longitude);
+    void moveController(model::Controller &known, quint32 frequency, double latitude, double longitude);
+    void announceDetails(const model::Controller &controller);
+    void republish(const model::Controller &controller);
+    void deleteExpired();
+    void refreshStations();
+    void setStationCallsign(int radio, const QString &callsign);
+    QString stationOn(quint32 frequency) const;
+    model::Controller *find(const QString &callsign);
+    qint64 now() const { return m_clock.wallMs() / 1000; }
+
+    std::shared_ptr<NetworkManager> m_network;
+    const common::Clock &m_clock;
+    std::shared_ptr<simulator::Simulator> m_simulator; ///< may be empty
+    QList<QMetaObject::Connection> m_simulatorConnections;
+    QList<model::Controller> m_controllers;
+    model::RadioStackState m_radio;
+    QTimer m_timer;
+    quint64 m_generation = 0; ///< changes whenever the list is emptied
+};
+
+} // namespace tarvo::manager

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "manager/Session.h"
+
+namespace tarvo::test {
+
+/// A pilot who is on the network, with everything that the login sent already read.
+struct OnlineSession : Session
+{
+    OnlineSession()
+    {
+        addSimulator();
+        online = connectPilot();
+        for (int i = 0; i < 4; ++i)
+            online = online && !peer.nextLine().isNull();
+        peer.inject(QStringLiteral("$CRSERVER:AB1:IP:10.0.0.9"));
+        online = online && peer.expectNothing() && takeEvents() == QStringList{QStringLiteral("connected AB1")};
+        takeNotifications();
+        sim->takeCalls();
+    }
+
+    bool online = false;
+};
+
+} // namespace tarvo::test
