@@ -1,0 +1,371 @@
+#include "ui/viewmodel/SimulatorPageViewModel.h"
+
+#include "common/Units.h"
+
+#include <QStringList>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace tarvo::ui::viewmodel {
+
+namespace {
+
+constexpr qsizetype maximumPlotRows = 200;
+constexpr double visibleMoveNm = 0.05; ///< the plot's own movement below this is not told; 0.4 s at 450 knots
+constexpr double visibleClimbFeet = 50;
+constexpr double largestShownNumber = 999'999;
+constexpr qsizetype longestStatus = 200; ///< characters; a page wraps it in a card
+constexpr int knownEngines = 4;
+
+/// Equal, or the very same bits: a NaN that stays is no change.
+bool isSameSample(const model::UserAircraftData &one, const model::UserAircraftData &other)
+{
+    using Bits = std::array<quint64, sizeof(model::UserAircraftData) / sizeof(quint64)>;
+    return one == other || std::bit_cast<Bits>(one) == std::bit_cast<Bits>(other);
+}
+
+/// A number for a text; "--" when there is nothing sensible to show.
+QString number(double value, int decimals)
+{
+    if (!(std::abs(value) <= largestShownNumber))
+        return QStringLiteral("--");
+    const double scale = std::pow(10.0, decimals);
+    return QString::number(std::round(value * scale) / scale + 0.0, 'f', decimals); // + 0.0: never "-0"
+}
+
+QString percent(double ratio)
+{
+    return QStringLiteral("%1%").arg(number(ratio * 100, 0));
+}
+
+QString megahertz(quint32 kilohertz)
+{
+    return QStringLiteral("%1.%2").arg(kilohertz / 1000).arg(kilohertz % 1000, 3, 10, QLatin1Char('0'));
+}
+
+double finiteOrZero(double value)
+{
+    return std::isfinite(value) ? value : 0;
+}
+
+TrafficTarget targetFrom(const model::RemoteAircraft &aircraft)
+{
+    const model::AircraftVisualState &state = aircraft.visualState;
+    return {aircraft.callsign,
+            aircraft.typeCode,
+            state.latitude,
+            state.longitude,
+            state.altitudeMslM * common::feetPerMetre,
+            state.heading,
+            aircraft.groundSpeed};
+}
+
+TrafficTarget targetFrom(const QVariantMap &row)
+{
+    constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+    const auto value = [&row](const char *key) {
+        bool known = false;
+        const double found = row.value(QLatin1String(key)).toDouble(&known);
+        return known ? found : unknown;
+    };
+    TrafficTarget target{row.value(QStringLiteral("label")).toString(),
+                         QString(),
+                         value("latitude"),
+                         value("longitude"),
+                         value("altitudeFeet"),
+                         value("headingTrue"),
+                         value("groundSpeedKnots")};
+    // Snapshots whose definition carries positions alone fill the rest with zeros.
+    if (target.altitudeFeet == 0 && target.heading == 0 && target.groundSpeed == 0)
+        target.altitudeFeet = target.heading = target.groundSpeed = unknown;
+    return target;
+}
+
+QVariantMap rowFor(const PlotContact &contact)
+{
+    return {{QStringLiteral("callsign"), contact.target.callsign},
+            {QStringLiteral("type"), contact.target.type},
+            {QStringLiteral("bearing"), contact.bearing},
+            {QStringLiteral("distanceNm"), contact.distanceNm},
+            {QStringLiteral("relativeAltitudeFeet"), contact.relativeAltitudeFeet},
+            {QStringLiteral("heading"), contact.target.heading},
+            {QStringLiteral("groundSpeed"), contact.target.groundSpeed}};
+}
+
+} // namespace
+
+SimulatorPageViewModel::SimulatorPageViewModel(QObject *parent) : QObject(parent) {}
+
+void SimulatorPageViewModel::setMode(const QString &mode)
+{
+    const bool xplane = mode == QLatin1String("XPLANE");
+    const bool msfs = mode == QLatin1String("MSFS");
+    const QString known = xplane || msfs ? mode : QStringLiteral("NONE");
+    if (known == m_mode)
+        return;
+    m_mode = known;
+    m_simulatorName = xplane ? QStringLiteral("X-Plane")
+                      : msfs ? QStringLiteral("Microsoft Flight Simulator")
+                             : tr("未选择");
+    m_plugin = {};
+    emit stateChanged();
+    clearOwnAircraft();
+    clearTraffic();
+}
+
+void SimulatorPageViewModel::setSimulatorState(bool connected, const QString &text)
+{
+    if (connected == m_connected && text == m_statusText)
+        return;
+    const bool lost = m_connected && !connected;
+    m_connected = connected;
+    m_statusText = text;
+    emit stateChanged();
+    if (lost)
+        clearOwnAircraft();
+}
+
+void SimulatorPageViewModel::setText(QString &member, const QString &text)
+{
+    if (text == member)
+        return;
+    member = text;
+    emit stateChanged();
+}
+
+void SimulatorPageViewModel::setPluginValid(bool valid)
+{
+    setText(m_plugin.plugin, valid ? tr("有效") : tr("无效"));
+}
+
+void SimulatorPageViewModel::setCslValid(bool valid)
+{
+    setText(m_plugin.csl, valid ? tr("有效") : tr("无效"));
+}
+
+void SimulatorPageViewModel::setTrafficMappingStatus(const QString &status)
+{
+    const QString shown = status.left(longestStatus).simplified();
+    setText(m_plugin.mapping, shown.isEmpty() ? tr("未知") : shown);
+}
+
+void SimulatorPageViewModel::setXPlaneVersion(int version)
+{
+    setText(m_plugin.version, version > 0 ? QStringLiteral("X-Plane %1").arg(version) : tr("未获取"));
+}
+
+void SimulatorPageViewModel::clearPlugin()
+{
+    if (m_plugin == PluginTexts())
+        return;
+    m_plugin = {};
+    emit stateChanged();
+}
+
+void SimulatorPageViewModel::setOwnAircraft(const model::UserAircraftData &aircraft,
+                                            const model::UserAircraftConfigData &config,
+                                            const model::RadioStackState &radio, bool paused)
+{
+    model::UserAircraftConfigData shownConfig = config;
+    shownConfig.flapsRatio = finiteOrZero(config.flapsRatio);
+    shownConfig.speedbrakeRatio = finiteOrZero(config.speedbrakeRatio);
+    const bool moved = !m_hasData || !isSameSample(aircraft, m_aircraft);
+    const bool configured = !m_hasData || shownConfig != m_config;
+    const bool tuned = !m_hasData || radio != m_radio;
+    if (!moved && !configured && !tuned && paused == m_paused)
+        return;
+    m_hasData = true;
+    m_paused = paused;
+    m_aircraft = aircraft;
+    m_config = shownConfig;
+    m_radio = radio;
+    if (moved)
+        updateMotionTexts();
+    if (configured)
+        updateConfigTexts();
+    if (tuned)
+        updateRadioTexts();
+    emit dataChanged();
+    if (moved && hasMovedVisibly())
+        plotChanged();
+}
+
+void SimulatorPageViewModel::updateMotionTexts()
+{
+    m_texts.motionSummary = tr("地速 %1 节 | 垂直速度 %2 m/s | 前轮角 %3°")
+                                .arg(number(m_aircraft.groundSpeed, 0), number(m_aircraft.altitudeVelocity, 1),
+                                     number(m_aircraft.noseWheelAngle, 1));
+}
+
+void SimulatorPageViewModel::updateConfigTexts()
+{
+    m_texts.flapsLabel = percent(m_config.flapsRatio);
+    m_texts.speedbrakeLabel =
+        m_config.speedbrakeArmed && m_config.speedbrakeRatio <= 0 ? tr("预位") : percent(m_config.speedbrakeRatio);
+
+    const bool running[] = {m_config.engine1Running, m_config.engine2Running, m_config.engine3Running,
+                            m_config.engine4Running};
+    const bool reversing[] = {m_config.engine1Reversing, m_config.engine2Reversing, m_config.engine3Reversing,
+                              m_config.engine4Reversing};
+    const int shown = std::clamp(m_config.engineCount, 0, knownEngines);
+    m_engineStates.clear();
+    for (int i = 0; i < shown; ++i)
+        m_engineStates << QVariantMap{{QStringLiteral("index"), i},
+                                      {QStringLiteral("running"), running[i]},
+                                      {QStringLiteral("reversing"), reversing[i]},
+                                      {QStringLiteral("label"), QStringLiteral("ENG%1").arg(i + 1)}};
+    m_texts.engineSummary = shown == 0
+                                ? tr("未检测到发动机")
+                                : QStringList{tr("%1 台发动机").arg(m_config.engineCount),
+                                              tr("%1 台运行中").arg(std::count(running, running + shown, true)),
+                                              tr("%1 台反推").arg(std::count(reversing, reversing + shown, true))}
+                                      .join(QStringLiteral(" | "));
+}
+
+void SimulatorPageViewModel::updateRadioTexts()
+{
+    m_texts.com1Frequency = megahertz(m_radio.com1Frequency);
+    m_texts.com2Frequency = megahertz(m_radio.com2Frequency);
+    m_texts.transponderCode = QStringLiteral("%1").arg(m_radio.transponderCode, 4, 10, QLatin1Char('0'));
+    const QString com1 = QStringLiteral("COM1 %1").arg(m_texts.com1Frequency);
+    const QString com2 = QStringLiteral("COM2 %1").arg(m_texts.com2Frequency);
+    m_texts.activeTransmitLabel = m_radio.com1TransmitEnabled ? com1 : m_radio.com2TransmitEnabled ? com2 : tr("无");
+    QStringList receiving;
+    if (m_radio.com1ReceiveEnabled)
+        receiving << com1;
+    if (m_radio.com2ReceiveEnabled)
+        receiving << com2;
+    m_texts.activeReceiveLabel = receiving.isEmpty() ? tr("无") : receiving.join(QStringLiteral(" / "));
+}
+
+void SimulatorPageViewModel::clearOwnAircraft()
+{
+    if (!m_hasData)
+        return;
+    m_hasData = false;
+    m_paused = false;
+    m_aircraft = {};
+    m_config = {};
+    m_radio = {};
+    m_texts = {};
+    m_engineStates.clear();
+    emit dataChanged();
+    plotChanged();
+}
+
+void SimulatorPageViewModel::setTrafficContacts(const QVariantList &contacts)
+{
+    if (contacts == m_trafficContacts)
+        return;
+    m_trafficContacts = contacts;
+    m_targets.clear();
+    for (const QVariant &contact : contacts)
+        m_targets << targetFrom(contact.toMap());
+    plotChanged();
+}
+
+void SimulatorPageViewModel::setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft)
+{
+    QList<TrafficTarget> targets;
+    targets.reserve(aircraft.size());
+    for (const model::RemoteAircraft &one : aircraft)
+        targets << targetFrom(one);
+    if (targets == m_targets)
+        return;
+    m_targets = targets;
+    plotChanged();
+}
+
+void SimulatorPageViewModel::clearTraffic()
+{
+    if (m_targets.isEmpty() && m_trafficContacts.isEmpty())
+        return;
+    m_targets.clear();
+    m_trafficContacts.clear();
+    plotChanged();
+}
+
+void SimulatorPageViewModel::plotChanged()
+{
+    m_plotContacts.reset();
+    m_plotOrigin.reset();
+    if (m_hasData)
+        m_plotOrigin = ownPosition();
+    emit trafficChanged();
+}
+
+PlotOrigin SimulatorPageViewModel::ownPosition() const
+{
+    return {m_aircraft.latitude, m_aircraft.longitude, m_aircraft.altitudeMslM * common::feetPerMetre};
+}
+
+bool SimulatorPageViewModel::hasMovedVisibly() const
+{
+    if (!m_plotOrigin)
+        return true;
+    if (m_targets.isEmpty())
+        return false; // an empty plot looks the same from everywhere
+    const PlotOrigin now = ownPosition();
+    const bool had = isPosition(m_plotOrigin->latitude, m_plotOrigin->longitude);
+    if (!had || !isPosition(now.latitude, now.longitude))
+        return had != isPosition(now.latitude, now.longitude);
+    const double movedNm = greatCircleNm(m_plotOrigin->latitude, m_plotOrigin->longitude, now.latitude, now.longitude);
+    const double climbed = std::abs(now.altitudeFeet - m_plotOrigin->altitudeFeet);
+    return movedNm > visibleMoveNm || climbed > visibleClimbFeet ||
+           std::isfinite(now.altitudeFeet) != std::isfinite(m_plotOrigin->altitudeFeet);
+}
+
+QVariantList SimulatorPageViewModel::plotContacts() const
+{
+    if (!m_plotContacts) {
+        m_plotContacts.emplace();
+        if (m_plotOrigin) {
+            const QList<PlotContact> contacts = plotTraffic(*m_plotOrigin, m_targets, maximumPlotRows);
+            for (const PlotContact &contact : contacts)
+                *m_plotContacts << rowFor(contact);
+        }
+    }
+    return *m_plotContacts;
+}
+
+QString SimulatorPageViewModel::trafficSummary() const
+{
+    return m_targets.isEmpty() ? tr("附近暂无交通目标") : tr("附近 %1 个交通目标").arg(m_targets.size());
+}
+
+void SimulatorPageViewModel::requestReconnect()
+{
+    emit reconnectRequested();
+}
+
+void SimulatorPageViewModel::requestSetCom1Frequency(const QString &frequency)
+{
+    emit setCom1FrequencyRequested(frequency);
+}
+
+void SimulatorPageViewModel::requestSetCom2Frequency(const QString &frequency)
+{
+    emit setCom2FrequencyRequested(frequency);
+}
+
+void SimulatorPageViewModel::requestSetTransponderCode(const QString &code)
+{
+    emit setTransponderCodeRequested(code);
+}
+
+void SimulatorPageViewModel::requestTransponderIdent()
+{
+    emit transponderIdentRequested();
+}
+
+void SimulatorPageViewModel::requestTransponderModeToggle()
+{
+    emit transponderModeToggleRequested();
+}
+
+} // namespace tarvo::ui::viewmodel

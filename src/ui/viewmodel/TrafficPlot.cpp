@@ -1,0 +1,78 @@
+#include "ui/viewmodel/TrafficPlot.h"
+
+#include <QtMath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvo::ui::viewmodel {
+
+namespace {
+
+constexpr double earthRadiusNm = 6371.0088 / 1.852; ///< mean radius of the earth
+
+/// A target at exactly 0/0 has not told its position yet.
+bool hasPosition(const TrafficTarget &target)
+{
+    return isPosition(target.latitude, target.longitude) && (target.latitude != 0 || target.longitude != 0);
+}
+
+PlotContact seenFrom(const PlotOrigin &own, const TrafficTarget &target)
+{
+    return {target, greatCircleNm(own.latitude, own.longitude, target.latitude, target.longitude),
+            initialBearing(own.latitude, own.longitude, target.latitude, target.longitude),
+            target.altitudeFeet - own.altitudeFeet};
+}
+
+} // namespace
+
+bool isPosition(double latitude, double longitude)
+{
+    return std::abs(latitude) <= 90 && std::isfinite(longitude); // a NaN is below nothing
+}
+
+double greatCircleNm(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude)
+{
+    const double from = qDegreesToRadians(fromLatitude);
+    const double to = qDegreesToRadians(toLatitude);
+    // Half angles keep short distances exact. The sine has the period of the longitudes, so the date line is no edge.
+    const double north = std::sin((to - from) / 2);
+    const double east = std::sin(qDegreesToRadians(toLongitude - fromLongitude) / 2);
+    const double square = north * north + std::cos(from) * std::cos(to) * east * east;
+    return 2 * earthRadiusNm * std::asin(std::sqrt(std::clamp(square, 0.0, 1.0)));
+}
+
+double initialBearing(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude)
+{
+    const double from = qDegreesToRadians(fromLatitude);
+    const double to = qDegreesToRadians(toLatitude);
+    const double turn = qDegreesToRadians(toLongitude - fromLongitude);
+    const double east = std::sin(turn) * std::cos(to);
+    // cos(from) sin(to) - sin(from) cos(to) cos(turn), written so that equal positions give exactly 0.
+    const double half = std::sin(turn / 2);
+    const double north = std::sin(to - from) + 2 * std::sin(from) * std::cos(to) * half * half;
+    const double degrees = qRadiansToDegrees(std::atan2(east, north));
+    const double positive = degrees < 0 ? degrees + 360 : degrees + 0.0; // no -0
+    return positive < 360 ? positive : 0;                                // a hair west of north rounds up
+}
+
+QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum)
+{
+    QList<PlotContact> contacts;
+    if (!isPosition(own.latitude, own.longitude) || maximum <= 0)
+        return contacts;
+    contacts.reserve(targets.size());
+    for (const TrafficTarget &target : targets)
+        if (hasPosition(target))
+            contacts << seenFrom(own, target);
+    const auto nearer = [](const PlotContact &one, const PlotContact &other) {
+        return one.distanceNm != other.distanceNm ? one.distanceNm < other.distanceNm
+                                                  : one.target.callsign < other.target.callsign;
+    };
+    const qsizetype kept = std::min(maximum, contacts.size());
+    std::partial_sort(contacts.begin(), contacts.begin() + kept, contacts.end(), nearer);
+    contacts.resize(kept);
+    return contacts;
+}
+
+} // namespace tarvo::ui::viewmodel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QtGlobal>
+
+#include <limits>
+
+namespace tarvo::ui::viewmodel {
+
+/// One other aircraft as it was told. A number that isn't known is NaN.
+struct TrafficTarget
+{
+    QString callsign;
+    QString type;         ///< ICAO type designator; empty while unknown
+    double latitude = 0;  ///< degrees
+    double longitude = 0; ///< degrees
+    double altitudeFeet = std::numeric_limits<double>::quiet_NaN();
+    double heading = std::numeric_limits<double>::quiet_NaN();     ///< degrees, true
+    double groundSpeed = std::numeric_limits<double>::quiet_NaN(); ///< knots
+
+    bool operator==(const TrafficTarget &) const = default;
+};
+
+/// Where the plot is drawn from.
+struct PlotOrigin
+{
+    double latitude = 0;  ///< degrees
+    double longitude = 0; ///< degrees
+    double altitudeFeet = 0;
+};
+
+/// One other aircraft as it is seen from the origin.
+struct PlotContact
+{
+    TrafficTarget target;
+    double distanceNm = 0;           ///< along the great circle
+    double bearing = 0;              ///< degrees from true north, 0 to below 360
+    double relativeAltitudeFeet = 0; ///< above the origin; NaN when either altitude is unknown
+};
+
+/// True for finite degrees with a latitude of at most 90 on either side.
+bool isPosition(double latitude, double longitude);
+
+/// Nautical miles along the great circle between two positions.
+double greatCircleNm(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude);
+
+/// The course on which the great circle leaves the first position, in degrees, 0 to below 360; 0 for the same position
+/// twice.
+double initialBearing(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude);
+
+/// The targets as seen from `own`, nearest first, at most `maximum` of them. Targets without a position are left out;
+/// from an origin without a position nothing is seen.
+QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum);
+
+} // namespace tarvo::ui::viewmodel
