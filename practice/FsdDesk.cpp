@@ -196,6 +196,7 @@ void FsdDesk::onText(FsdSession &session, const QStringList &fields, const QStri
     if (to == QLatin1StringView("*S")) {
         session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign,
                                                   QStringLiteral("Your call to the supervisors was received."))));
+        m_relay.toResidents(line);
     } else if (to != server) {
         m_relay.toRecipient(session, to, line);
     } else if (fields.at(2) == QLatin1StringView("FP") && fields.size() > 4) { // FP : callsign : GET
@@ -215,7 +216,7 @@ void FsdDesk::answerQuery(FsdSession &session, const QStringList &fields)
 {
     const auto query = fsd::pdu::ClientQuery::parse(fields);
     const QString subject = query.payload.value(0).toUpper();
-    const FsdSession *other = m_roster.find(subject);
+    const FsdClientRecord *other = m_roster.record(subject);
     QStringList answer;
     switch (query.queryType) {
     case ClientQueryType::IsValidAtc:
@@ -243,13 +244,18 @@ void FsdDesk::answerQuery(FsdSession &session, const QStringList &fields)
 
 void FsdDesk::answerFlightPlan(FsdSession &session, const QString &callsign)
 {
-    const FsdSession *other = m_roster.find(callsign);
+    const FsdClientRecord *other = m_roster.record(callsign);
     if (!other || other->aircraftType.isEmpty()) {
         session.sendError(FsdError::NoFlightPlan, callsign, QStringLiteral("No flight plan"));
         return;
     }
-    session.send(toLine(fsd::pdu::ClientQueryResponse(server, session.identity->callsign, ClientQueryType::FlightPlan,
-                                                      {callsign, other->aircraftType})));
+    const QString answer = toLine(fsd::pdu::ClientQueryResponse(
+        server, session.identity->callsign, ClientQueryType::FlightPlan, {callsign, other->aircraftType}));
+    if (other->inCrowd) {
+        session.sendQuietly((answer + other->flightPlan).toLatin1());
+        return;
+    }
+    session.send(answer);
     session.send(other->flightPlan);
 }
 

@@ -43,7 +43,7 @@ bool FsdLogin::identify(FsdSession &session, const QStringList &fields)
     session.announcedCallsign = id.From;
     session.announcedCid = id.cid;
     const FsdIdentity expected = m_expected.value(id.From);
-    if (session.loggedIn() || expected.cid != id.cid || m_roster.find(id.From))
+    if (session.loggedIn() || expected.cid != id.cid || m_roster.record(id.From))
         return false;
     m_expected.remove(id.From);
     session.identity = expected;
@@ -96,7 +96,7 @@ bool FsdLogin::mayEnter(FsdSession &session, const Request &request) const
 {
     const QString &callsign = request.identity.callsign;
     const QString &cid = request.identity.cid;
-    const FsdSession *holder = m_roster.find(callsign);
+    const FsdClientRecord *holder = m_roster.record(callsign);
     const Account *account = m_accounts.find(cid);
     const bool otherThanAnnounced =
         !session.announcedCallsign.isEmpty() && (session.announcedCallsign != callsign || session.announcedCid != cid);

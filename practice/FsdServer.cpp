@@ -26,6 +26,7 @@ FsdServer::FsdServer(const AccountBook &accounts, const TokenAuthority &tokens, 
       m_clock(clock),
       m_keepAlive(m_settings, clock),
       m_server(std::make_unique<QTcpServer>()),
+      m_relay(m_roster, m_settings),
       m_desk(std::make_unique<FsdDesk>(accounts, tokens, m_roster, m_keepAlive, m_settings))
 {
     connect(m_server.get(), &QTcpServer::newConnection, this, &FsdServer::acceptConnections);
@@ -103,7 +104,8 @@ void FsdServer::attach(FsdSession *session)
     connect(session, &FsdSession::lineSent, this,
             [this, session](const QString &line) { emit lineSent(session->name(), line); });
     connect(session, &FsdSession::lineReceived, this, [this, session](const QString &line) {
-        emit lineReceived(session->name(), line);
+        if (!m_roster.isForCrowd(line))
+            emit lineReceived(session->name(), line);
         if (session->isOpen())
             m_desk->handle(*session, line);
     });
@@ -136,6 +138,41 @@ void FsdServer::keepAlive()
         if (session->isOpen())
             m_keepAlive.step(*session);
     }
+    m_relay.updateFast(); // residents move without a line that comes in
+}
+
+bool FsdServer::addResident(FsdResident &resident)
+{
+    if (!m_roster.addResident(&resident))
+        return false;
+    m_relay.introduce(resident);
+    return true;
+}
+
+void FsdServer::removeResident(FsdResident &resident)
+{
+    if (m_roster.resident(resident.callsign()) != &resident)
+        return;
+    m_roster.removeResident(&resident);
+    m_relay.farewell(resident);
+}
+
+bool FsdServer::say(const FsdResident &resident, const QString &line)
+{
+    return m_relay.say(resident, line);
+}
+
+void FsdServer::sayPositions(const QList<FsdReport> &reports)
+{
+    m_relay.sayPositions(reports);
+}
+
+QStringList FsdServer::residents() const
+{
+    QStringList list;
+    for (const FsdResident *resident : m_roster.residents())
+        list.append(resident->callsign());
+    return list;
 }
 
 bool FsdServer::with(const QString &callsign, const std::function<void(FsdSession &)> &action)

@@ -3,6 +3,7 @@
 #include "common/Clock.h"
 #include "practice/AccountBook.h"
 #include "practice/FsdKeepAlive.h"
+#include "practice/FsdRelay.h"
 #include "practice/FsdSettings.h"
 #include "practice/Roster.h"
 #include "practice/TokenAuthority.h"
@@ -47,9 +48,22 @@ public:
     /// Connections, logged in or not.
     int connectionCount() const;
 
-    /// Does what is due by now: sends away who is past a time limit, pings, challenges. Called by a timer; a test with
-    /// a clock of its own may call it.
+    /// Does what is due by now: sends away who is past a time limit, pings, challenges, looks who is near to whom.
+    /// Called by a timer; a test with a clock of its own may call it.
     void keepAlive();
+
+    /// Lets a resident in: the others are told of it, and it is told of them as they come. No limit of the settings
+    /// holds for residents. Returns false when its callsign is taken. It must not end before removeResident().
+    bool addResident(FsdResident &resident);
+    /// Tells the others that it is gone. One that never came in is ignored.
+    void removeResident(FsdResident &resident);
+    /// Carries a line of a resident, with its line end, to the connected clients: a position, which must be the one of
+    /// its record, to those in range, anything else to its recipient. Returns false when it reaches nobody.
+    bool say(const FsdResident &resident, const QString &line);
+    /// Positions of many residents at once; each client gets them in one piece.
+    void sayPositions(const QList<FsdReport> &reports);
+    /// The callsigns of the residents, in the order in which they came.
+    QStringList residents() const;
 
     // What a developer breaks things with. All take the callsign of a client that is logged in, in upper case, and
     // return false when there is none.
@@ -82,7 +96,8 @@ public:
 
 signals:
     /// A line came or went, without its line end, as it stands on the wire: print it through maskSecrets(). `client` is
-    /// the callsign, or address and port before the login.
+    /// the callsign, or address and port before the login. Positions of residents and all that has to do with a crowd
+    /// are left out.
     void lineReceived(const QString &client, const QString &line);
     void lineSent(const QString &client, const QString &line);
     void clientConnected(const QString &client);
@@ -103,6 +118,7 @@ private:
     FsdKeepAlive m_keepAlive;
     std::unique_ptr<QTcpServer> m_server;
     Roster m_roster;
+    FsdRelay m_relay;
     std::unique_ptr<FsdDesk> m_desk;
     QTimer m_timer;
 };

@@ -94,13 +94,19 @@ void FsdSession::send(const QString &line)
 {
     if (!isOpen())
         return;
-    const QByteArray bytes = line.toLatin1();
-    if (m_socket->bytesToWrite() + bytes.size() > m_settings.maxQueuedBytes) {
-        cutOff(QStringLiteral("doesn't read what is sent"));
+    sendQuietly(line.toLatin1());
+    if (isOpen())
+        emit lineSent(line.endsWith(lineEnd) ? line.chopped(lineEnd.size()) : line);
+}
+
+void FsdSession::sendQuietly(const QByteArray &lines)
+{
+    if (!isOpen())
         return;
-    }
-    m_socket->write(bytes);
-    emit lineSent(line.endsWith(lineEnd) ? line.chopped(lineEnd.size()) : line);
+    if (m_socket->bytesToWrite() + lines.size() > m_settings.maxQueuedBytes)
+        cutOff(QStringLiteral("doesn't read what is sent"));
+    else
+        m_socket->write(lines);
 }
 
 void FsdSession::sendError(FsdError error, const QString &parameter, const QString &message)

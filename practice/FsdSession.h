@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "practice/FsdClientRecord.h"
 #include "practice/FsdErrors.h"
 #include "practice/FsdSettings.h"
 #include "practice/LineReader.h"
@@ -14,24 +15,8 @@
 
 namespace tarvo::practice {
 
-/// Who a logged-in client is.
-struct FsdIdentity
-{
-    QString callsign; ///< upper case
-    QString cid;
-    QString realName;
-    bool observer = false; ///< logged in with "#AA"
-    QString announcement;  ///< his login line as the others get it: without the password
-};
-
-struct FsdPosition
-{
-    double latitude = 0;  ///< degrees
-    double longitude = 0; ///< degrees
-};
-
 /// One connection to the FSD server: socket, line limits, and what is known of the client behind it.
-class FsdSession : public QObject
+class FsdSession : public QObject, public FsdClientRecord
 {
     Q_OBJECT
 
@@ -49,6 +34,8 @@ public:
 
     /// Sends a finished line, with its line end. A client that doesn't read is cut off.
     void send(const QString &line);
+    /// Sends finished lines in one go, without telling of them one by one.
+    void sendQuietly(const QByteArray &lines);
     void sendError(FsdError error, const QString &parameter, const QString &message);
     /// Counts a line that was of no use, tells the client, and ends the session when it is one too many.
     void complain(FsdError error, const QString &parameter, const QString &message);
@@ -61,18 +48,11 @@ public:
     /// Ends the session at once without giving a reason.
     void drop();
 
-    std::optional<FsdIdentity> identity; ///< set by the login
-    bool handedOver = false;             ///< came from another server: may log in once more under its callsign
-    QString announcedCallsign;           ///< from "$ID"; empty until then
+    bool handedOver = false;   ///< came from another server: may log in once more under its callsign
+    QString announcedCallsign; ///< from "$ID"; empty until then
     QString announcedCid;
-    std::optional<FsdPosition> position;
-    QString flightPlan;           ///< the "$FP" line as filed; empty without one
-    QString aircraftType;         ///< of the flight plan
-    double visibilityRangeNm = 0; ///< of a controller
-    int facility = 0;             ///< of a controller; 0 is an observer
-    bool fast = false;            ///< told to send fast positions
-    QString openChallenge;        ///< not answered yet
-    qint64 connectedMs = 0;       ///< steady time, as are the others
+    QString openChallenge;  ///< not answered yet
+    qint64 connectedMs = 0; ///< steady time, as are the others
     qint64 heardMs = 0;
     qint64 nextPingMs = 0;
     qint64 nextChallengeMs = 0;

@@ -28,7 +28,7 @@ FsdSession *Roster::find(const QString &callsign) const
     return nullptr;
 }
 
-QList<FsdSession *> Roster::others(const FsdSession &self) const
+QList<FsdSession *> Roster::others(const FsdClientRecord &self) const
 {
     QList<FsdSession *> list;
     for (FsdSession *session : m_sessions) {
@@ -38,17 +38,60 @@ QList<FsdSession *> Roster::others(const FsdSession &self) const
     return list;
 }
 
-QList<FsdSession *> Roster::inRange(const FsdSession &self, double rangeNm) const
+bool reach(const FsdClientRecord &a, const FsdClientRecord &b, double rangeNm)
+{
+    const double range = std::max({rangeNm, a.visibilityRangeNm, b.visibilityRangeNm});
+    return a.position && b.position && distanceNm(*a.position, *b.position) <= range;
+}
+
+QList<FsdSession *> Roster::inRange(const FsdClientRecord &self, double rangeNm) const
 {
     QList<FsdSession *> list;
-    if (!self.position)
-        return list;
     for (FsdSession *other : others(self)) {
-        const double reach = std::max({rangeNm, self.visibilityRangeNm, other->visibilityRangeNm});
-        if (other->position && distanceNm(*self.position, *other->position) <= reach)
+        if (reach(self, *other, rangeNm))
             list.append(other);
     }
     return list;
+}
+
+bool Roster::addResident(FsdResident *resident)
+{
+    const QString callsign = resident->callsign().toUpper();
+    if (find(callsign) || m_byCallsign.contains(callsign))
+        return false;
+    m_residents.append(resident);
+    m_byCallsign.insert(callsign, resident);
+    m_crowd += resident->inCrowd ? 1 : 0;
+    return true;
+}
+
+void Roster::removeResident(FsdResident *resident)
+{
+    if (m_residents.removeOne(resident)) {
+        m_byCallsign.remove(resident->callsign().toUpper());
+        m_crowd -= resident->inCrowd ? 1 : 0;
+    }
+}
+
+const FsdClientRecord *Roster::record(const QString &callsign) const
+{
+    if (const FsdClientRecord *session = find(callsign))
+        return session;
+    return resident(callsign);
+}
+
+bool Roster::isForCrowd(const QString &line) const
+{
+    constexpr qsizetype recipient = 1;
+    constexpr qsizetype subject = 3; // of a question to the server, such as "FP"
+    if (m_crowd == 0)
+        return false;
+    for (const qsizetype field : {recipient, subject}) {
+        const FsdResident *found = resident(line.section(QLatin1Char(':'), field, field));
+        if (found && found->inCrowd)
+            return true;
+    }
+    return false;
 }
 
 } // namespace tarvo::practice
