@@ -1,0 +1,59 @@
+#pragma once
+
+#include "model/RadioMessageReceived.h"
+
+#include <QCoreApplication>
+#include <QList>
+#include <QString>
+#include <QVariantMap>
+
+namespace tarvo::ui::viewmodel {
+
+/// One message of the messages page, as it happened. The functions make one for each kind of event; callsigns are
+/// upper-case, bodies stand as given.
+struct Message
+{
+    Q_DECLARE_TR_FUNCTIONS(Message)
+
+public:
+    QString type = {}; ///< "private_in", "private_out", "radio_in", "radio_out", "server", "system", "broadcast", ...
+    QString channel = {}; ///< the channel's key
+    QString from = {};
+    QString to = {};
+    QString body = {};
+    QString meta = {};        ///< a short second line
+    QString frequencies = {}; ///< MHz, joined by ", "
+    bool isDirect = false;
+
+    static Message privateReceived(const QString &from, const QString &own, const QString &body);
+    static Message privateSent(const QString &to, const QString &own, const QString &body);
+    static Message radioReceived(const network::RadioMessageReceived &args);
+    static Message radioSent(const QString &own, const QString &body, const QList<uint> &frequencies);
+    static Message serverText(const QString &body);
+    static Message broadcastReceived(const QString &from, const QString &body);
+    static Message wallopSent(const QString &own, const QString &body);
+    /// Has no body: the call says everything.
+    static Message selcalCall(const QString &from, const QList<uint> &frequencies);
+    static Message systemNote(const QString &body);
+
+    /// The sender of server texts. Nobody can be answered under it.
+    static QString serverName() { return tr("服务器"); }
+    /// The sender of system notes. Nobody can be answered under it.
+    static QString systemName() { return tr("系统"); }
+
+    bool isPrivate() const;
+    bool isIncoming() const;
+    /// 2 for what is meant for the pilot alone, else 1.
+    int priority() const;
+    /// The row of the list. `id`: its number; `wallMs`: ms since the epoch.
+    QVariantMap row(qint64 id, qint64 wallMs, bool unread) const;
+};
+
+/// "118.025" for 118025 kHz.
+QString megahertz(uint kilohertz);
+/// "hh:mm:ss" in local time. `wallMs`: ms since the epoch.
+QString localTime(qint64 wallMs);
+/// Callsigns compare exactly once they are trimmed and upper-case.
+QString normalisedCallsign(const QString &callsign);
+
+} // namespace tarvo::ui::viewmodel

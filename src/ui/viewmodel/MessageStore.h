@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ui/viewmodel/Message.h"
+
+#include <QHash>
+#include <QString>
+#include <QVariantList>
+
+#include <optional>
+
+namespace tarvo::ui::viewmodel {
+
+/// The one list of messages, oldest first, with its counts. Adding costs the same however long the list is; a channel's
+/// list is put together when somebody asks for it.
+class MessageStore
+{
+public:
+    /// The oldest message goes beyond this.
+    static constexpr qsizetype maximumMessages = 300;
+
+    /// What matters of a row to the counts.
+    struct Tally
+    {
+        QString type;
+        QString channel;
+        bool unread = false;
+
+        bool operator==(const Tally &) const = default;
+    };
+
+    const QVariantList &all() const { return m_rows; }
+    /// The messages whose channel is exactly `channel`; all for "ALL".
+    QVariantList inChannel(const QString &channel) const;
+    int unread() const { return m_unreadTotal; }
+    int unreadIn(const QString &channel) const;
+    /// How many messages are of this type.
+    int ofType(const QString &type) const { return m_byType.value(type); }
+
+    /// Gives the message the next number; numbers run from 1 and are never used again. Returns the one that had to go.
+    std::optional<Tally> append(const Message &message, qint64 wallMs, bool unread);
+    /// False when there was none unread.
+    bool markRead(const QString &channel);
+    void clear();
+
+private:
+    Tally takeFirst();
+    void countUnread(const QString &channel, int difference);
+
+    QVariantList m_rows;
+    QHash<QString, int> m_byType;
+    QHash<QString, int> m_unread; ///< by channel; holds no zero
+    int m_unreadTotal = 0;
+    qint64 m_lastId = 0;
+};
+
+} // namespace tarvo::ui::viewmodel

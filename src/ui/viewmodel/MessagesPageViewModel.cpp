@@ -1,0 +1,387 @@
+#include "ui/viewmodel/MessagesPageViewModel.h"
+
+#include <QVariantMap>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace tarvo::ui::viewmodel {
+
+MessagesPageViewModel::MessagesPageViewModel(QObject *parent, const common::Clock &clock)
+    : QObject(parent), m_clock(clock)
+{
+}
+
+QVariantList MessagesPageViewModel::channels() const
+{
+    QVariantList entries;
+    for (const QString &key : channels::fixed()) {
+        entries << channelEntry(key, true);
+        if (key == channels::privateOverview())
+            for (const PrivateSession &session : m_sessions.all())
+                entries << channelEntry(session.callsign, false);
+    }
+    return entries;
+}
+
+QVariantMap MessagesPageViewModel::channelEntry(const QString &key, bool fixed) const
+{
+    return {{QStringLiteral("key"), key},
+            {QStringLiteral("label"), channels::label(key)},
+            {QStringLiteral("active"), key == m_activeChannel},
+            {QStringLiteral("unread"), m_store.unreadIn(key)},
+            {QStringLiteral("canSend"), canSend(key)},
+            {QStringLiteral("fixed"), fixed}};
+}
+
+QVariantList MessagesPageViewModel::privateSessions() const
+{
+    QVariantList rows;
+    for (const PrivateSession &session : m_sessions.all())
+        rows << QVariantMap{{QStringLiteral("callsign"), session.callsign},
+                            {QStringLiteral("unread"), m_store.unreadIn(session.callsign)},
+                            {QStringLiteral("lastMessage"), session.lastMessage},
+                            {QStringLiteral("lastTime"), session.lastTime}};
+    return rows;
+}
+
+QVariantList MessagesPageViewModel::nearbyClients() const
+{
+    QVariantList rows;
+    for (const QVariantMap &row : m_nearby)
+        rows << row;
+    return rows;
+}
+
+QString MessagesPageViewModel::summaryText() const
+{
+    if (m_store.all().isEmpty())
+        return tr("暂无消息");
+    return tr("%1 条消息 | 私聊 %2 | 无线电 %3 | 服务 %4 | 告警 %5")
+        .arg(m_store.all().size())
+        .arg(countOf({"private_in", "private_out"}))
+        .arg(countOf({"radio_in", "radio_out"}))
+        .arg(countOf({"server", "system", "broadcast"}))
+        .arg(countOf({"wallop_out", "selcal"}));
+}
+
+QString MessagesPageViewModel::activeChannelTitle() const
+{
+    const bool stands = channels::fixed().contains(m_activeChannel) || m_sessions.contains(m_activeChannel);
+    return stands ? channels::label(m_activeChannel) : m_activeChannel;
+}
+
+QString MessagesPageViewModel::composePlaceholder() const
+{
+    if (!m_networkConnected)
+        return tr("网络未连接");
+    if (m_activeChannel == channels::radio())
+        return tr("发送无线电文本消息...");
+    if (m_activeChannel == channels::wallop())
+        return tr("发送 WALLOP 管理员报告...");
+    if (m_sessions.contains(m_activeChannel))
+        return tr("发送私聊消息给 %1...").arg(m_activeChannel);
+    return tr("当前频道只读");
+}
+
+void MessagesPageViewModel::setActiveChannel(const QString &channel)
+{
+    tell(enterChannel(channel));
+}
+
+void MessagesPageViewModel::setDraftTarget(const QString &target)
+{
+    tell(writeDraft(target, m_draftMessage));
+}
+
+void MessagesPageViewModel::setDraftMessage(const QString &message)
+{
+    tell(writeDraft(m_draftTarget, message));
+}
+
+void MessagesPageViewModel::setActiveFilter(const QString &filter)
+{
+    if (filter == m_activeFilter)
+        return;
+    m_activeFilter = filter;
+    tell(Change::Messages);
+}
+
+void MessagesPageViewModel::setNetworkConnected(bool connected)
+{
+    if (connected == m_networkConnected)
+        return;
+    m_networkConnected = connected;
+    tell({Change::ChannelStats, Change::NetworkState, Change::Compose});
+}
+
+void MessagesPageViewModel::setOwnCallsign(const QString &callsign)
+{
+    m_ownCallsign = normalisedCallsign(callsign);
+}
+
+void MessagesPageViewModel::addPrivateReceived(const QString &from, const QString &message)
+{
+    add(Message::privateReceived(from, m_ownCallsign, message));
+}
+
+void MessagesPageViewModel::addPrivateSent(const QString &to, const QString &message)
+{
+    add(Message::privateSent(to, m_ownCallsign, message));
+}
+
+void MessagesPageViewModel::addRadioReceived(const network::RadioMessageReceived &args)
+{
+    add(Message::radioReceived(args));
+}
+
+void MessagesPageViewModel::addRadioSent(const QString &message, const QList<uint> &frequencies)
+{
+    add(Message::radioSent(m_ownCallsign, message, frequencies));
+}
+
+void MessagesPageViewModel::addServerMessage(const QString &message)
+{
+    add(Message::serverText(message));
+}
+
+void MessagesPageViewModel::addBroadcast(const QString &from, const QString &message)
+{
+    add(Message::broadcastReceived(from, message));
+}
+
+void MessagesPageViewModel::addWallopSent(const QString &message)
+{
+    add(Message::wallopSent(m_ownCallsign, message));
+}
+
+void MessagesPageViewModel::addSelcal(const QString &from, const QList<uint> &frequencies)
+{
+    add(Message::selcalCall(from, frequencies));
+}
+
+void MessagesPageViewModel::addSystemNote(const QString &text)
+{
+    add(Message::systemNote(text));
+}
+
+void MessagesPageViewModel::setNearbyController(const model::Controller &controller)
+{
+    if (controller.frequency == model::Controller::noFrequency) {
+        removeNearbyController(controller.callsign);
+        return;
+    }
+    const QString callsign = normalisedCallsign(controller.callsign);
+    // What a pilot tunes: a station reports 118.025 as 118020.
+    const uint kilohertz = controller.normalisedFrequency != 0 ? controller.normalisedFrequency : controller.frequency;
+    const QVariantMap row{{QStringLiteral("callsign"), callsign},
+                          {QStringLiteral("type"), QStringLiteral("atc")},
+                          {QStringLiteral("frequency"), megahertz(kilohertz)},
+                          {QStringLiteral("name"), controller.realName}};
+    const bool full = m_nearby.size() >= maximumNearbyClients && !m_nearby.contains(callsign);
+    if (full || callsign.isEmpty() || m_nearby.value(callsign) == row)
+        return;
+    m_nearby.insert(callsign, row);
+    tell(Change::NearbyClients);
+}
+
+void MessagesPageViewModel::removeNearbyController(const QString &callsign)
+{
+    if (m_nearby.remove(normalisedCallsign(callsign)) > 0)
+        tell(Change::NearbyClients);
+}
+
+void MessagesPageViewModel::clearNearby()
+{
+    if (m_nearby.isEmpty())
+        return;
+    m_nearby.clear();
+    tell(Change::NearbyClients);
+}
+
+void MessagesPageViewModel::clearMessages()
+{
+    if (m_store.all().isEmpty())
+        return;
+    Changes changes{Change::Messages, Change::ChannelStats};
+    if (!activeMessages().isEmpty())
+        changes |= Change::ActiveMessages;
+    const QList<PrivateSession> &sessions = m_sessions.all();
+    if (std::any_of(sessions.cbegin(), sessions.cend(),
+                    [this](const PrivateSession &session) { return m_store.unreadIn(session.callsign) > 0; }))
+        changes |= Change::Sessions;
+    m_store.clear();
+    tell(changes);
+}
+
+void MessagesPageViewModel::sendPrivateMessage(const QString &target, const QString &message)
+{
+    const QString callsign = normalisedCallsign(target);
+    if (callsign.isEmpty() || !canSendText(message))
+        return;
+    emit privateMessageRequested(callsign, message);
+    tell(writeDraft({}, {}));
+}
+
+void MessagesPageViewModel::sendRadioMessage(const QString &message)
+{
+    if (!canSendText(message))
+        return;
+    emit radioMessageRequested(message);
+    tell(writeDraft({}, {}));
+}
+
+void MessagesPageViewModel::sendWallopMessage(const QString &message)
+{
+    if (!canSendText(message))
+        return;
+    emit wallopRequested(message);
+    tell(writeDraft({}, {}));
+}
+
+void MessagesPageViewModel::prepareReply(const QString &from)
+{
+    const QString callsign = normalisedCallsign(from);
+    if (callsign.isEmpty() || callsign == Message::serverName() || callsign == Message::systemName() ||
+        channels::isReserved(callsign))
+        return;
+    const Changes drafted = writeDraft(callsign, m_draftMessage);
+    const Changes opened = openSession(callsign);
+    tell(drafted | opened | enterChannel(callsign));
+}
+
+void MessagesPageViewModel::openPrivateSession(const QString &callsign)
+{
+    const QString key = normalisedCallsign(callsign);
+    if (key.isEmpty() || channels::isReserved(key))
+        return;
+    const Changes opened = openSession(key);
+    tell(opened | enterChannel(key));
+}
+
+void MessagesPageViewModel::closePrivateSession(const QString &callsign)
+{
+    const QString key = normalisedCallsign(callsign);
+    if (!m_sessions.contains(key))
+        return;
+    Changes changes{Change::ChannelStats, Change::Sessions};
+    changes |= markRead(key); // nobody could open the channel to read them
+    m_sessions.close(key);
+    if (key == m_activeChannel)
+        changes |= enterChannel(channels::radio());
+    tell(changes);
+}
+
+void MessagesPageViewModel::add(const Message &message)
+{
+    const qint64 now = m_clock.wallMs();
+    Changes changes = Change::Messages;
+    if (message.isPrivate() && message.channel != channels::privateOverview()) {
+        changes |= openSession(message.channel);
+        m_sessions.note(message.channel, message.body, localTime(now));
+        changes |= Change::Sessions;
+    }
+    const bool unread = message.isIncoming() && message.channel != m_activeChannel;
+    const std::optional<MessageStore::Tally> gone = m_store.append(message, now, unread);
+    if (gone != MessageStore::Tally{message.type, message.channel, unread})
+        changes |= Change::ChannelStats;
+    if (isShown(message.channel) || (gone && isShown(gone->channel)))
+        changes |= Change::ActiveMessages;
+    if (gone && gone->unread && m_sessions.contains(gone->channel))
+        changes |= Change::Sessions;
+    tell(changes);
+    if (message.isIncoming())
+        emit messageSoundRequested(message.type, message.priority());
+}
+
+void MessagesPageViewModel::tell(Changes changes)
+{
+    using Model = MessagesPageViewModel;
+    constexpr std::pair<Change, void (Model::*)()> notices[] = {
+        {Change::Messages, &Model::messagesChanged},
+        {Change::ChannelStats, &Model::channelStatsChanged},
+        {Change::ActiveChannel, &Model::activeChannelChanged},
+        {Change::ActiveMessages, &Model::activeMessagesChanged},
+        {Change::Sessions, &Model::sessionsChanged},
+        {Change::Unread, &Model::unreadChanged},
+        {Change::NetworkState, &Model::networkStateChanged},
+        {Change::NearbyClients, &Model::nearbyClientsChanged},
+        {Change::Compose, &Model::composeChanged},
+    };
+    if (m_toldUnread != m_store.unread())
+        changes |= Change::Unread;
+    m_toldUnread = m_store.unread();
+    for (const auto &[change, notice] : notices)
+        if (changes.testFlag(change))
+            emit(this->*notice)();
+}
+
+MessagesPageViewModel::Changes MessagesPageViewModel::openSession(const QString &callsign)
+{
+    QString evicted;
+    if (!m_sessions.open(callsign, m_activeChannel, evicted))
+        return {};
+    Changes changes{Change::ChannelStats, Change::Sessions};
+    if (callsign == m_activeChannel) // a word without a session until now: nothing could be sent there
+        changes |= Changes{Change::ActiveChannel, Change::Compose};
+    if (!evicted.isEmpty())
+        changes |= markRead(evicted);
+    return changes;
+}
+
+MessagesPageViewModel::Changes MessagesPageViewModel::enterChannel(const QString &channel)
+{
+    if (channel == m_activeChannel)
+        return {};
+    m_activeChannel = channel;
+    return markRead(channel) | Changes{Change::ChannelStats, Change::ActiveChannel, Change::ActiveMessages,
+                                       Change::Unread, Change::Compose};
+}
+
+MessagesPageViewModel::Changes MessagesPageViewModel::markRead(const QString &channel)
+{
+    if (!m_store.markRead(channel))
+        return {};
+    Changes changes{Change::Messages, Change::ChannelStats};
+    if (m_sessions.contains(channel))
+        changes |= Change::Sessions;
+    if (isShown(channel))
+        changes |= Change::ActiveMessages;
+    return changes;
+}
+
+MessagesPageViewModel::Changes MessagesPageViewModel::writeDraft(const QString &target, const QString &message)
+{
+    if (target == m_draftTarget && message == m_draftMessage)
+        return {};
+    m_draftTarget = target;
+    m_draftMessage = message;
+    return Change::Compose;
+}
+
+bool MessagesPageViewModel::isShown(const QString &channel) const
+{
+    return m_activeChannel == channel || m_activeChannel == channels::all();
+}
+
+bool MessagesPageViewModel::canSend(const QString &channel) const
+{
+    return m_networkConnected &&
+           (channel == channels::radio() || channel == channels::wallop() || m_sessions.contains(channel));
+}
+
+bool MessagesPageViewModel::canSendText(const QString &text) const
+{
+    return m_networkConnected && !text.trimmed().isEmpty();
+}
+
+int MessagesPageViewModel::countOf(std::initializer_list<const char *> types) const
+{
+    int count = 0;
+    for (const char *type : types)
+        count += m_store.ofType(QLatin1String(type));
+    return count;
+}
+
+} // namespace tarvo::ui::viewmodel

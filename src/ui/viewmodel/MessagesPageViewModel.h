@@ -1,0 +1,171 @@
+#pragma once
+
+#include "common/Clock.h"
+#include "model/Controller.h"
+#include "model/RadioMessageReceived.h"
+#include "ui/viewmodel/MessageChannels.h"
+#include "ui/viewmodel/MessageStore.h"
+#include "ui/viewmodel/PrivateSessions.h"
+
+#include <QFlags>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+#include <initializer_list>
+
+namespace tarvo::ui::viewmodel {
+
+/// All messages of a run, shown through channels; the line that is being written, and the stations nearby. Holds
+/// presentation state only: MainWindow feeds it and sends what it requests. In QML it is the context property
+/// "messagesBackend".
+///
+/// A message is a map with "id", "time", "timestamp", "type", "direction", "directionLabel", "channel", "from", "to",
+/// "message", "meta", "frequencies", "isDirect", "priority" and "unread".
+class MessagesPageViewModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QVariantList messages READ messages NOTIFY messagesChanged)
+    Q_PROPERTY(QVariantList filteredMessages READ filteredMessages NOTIFY messagesChanged)
+    Q_PROPERTY(QVariantList channels READ channels NOTIFY channelStatsChanged)
+    Q_PROPERTY(QString activeChannel READ activeChannel WRITE setActiveChannel NOTIFY activeChannelChanged)
+    Q_PROPERTY(QVariantList activeMessages READ activeMessages NOTIFY activeMessagesChanged)
+    Q_PROPERTY(QVariantList privateSessions READ privateSessions NOTIFY sessionsChanged)
+    Q_PROPERTY(QVariantList nearbyClients READ nearbyClients NOTIFY nearbyClientsChanged)
+    Q_PROPERTY(QString draftTarget READ draftTarget WRITE setDraftTarget NOTIFY composeChanged)
+    Q_PROPERTY(QString draftMessage READ draftMessage WRITE setDraftMessage NOTIFY composeChanged)
+    Q_PROPERTY(QString activeFilter READ activeFilter WRITE setActiveFilter NOTIFY messagesChanged)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY channelStatsChanged)
+    Q_PROPERTY(int unreadCount READ unreadCount NOTIFY unreadChanged)
+    Q_PROPERTY(bool networkConnected READ networkConnected NOTIFY networkStateChanged)
+    Q_PROPERTY(bool activeChannelCanSend READ activeChannelCanSend NOTIFY composeChanged)
+    Q_PROPERTY(QString activeChannelTitle READ activeChannelTitle NOTIFY activeChannelChanged)
+    Q_PROPERTY(QString composePlaceholder READ composePlaceholder NOTIFY composeChanged)
+
+public:
+    /// More stations than this are not listed.
+    static constexpr qsizetype maximumNearbyClients = 2000;
+
+    explicit MessagesPageViewModel(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
+
+    /// Oldest first; the oldest goes beyond 300.
+    QVariantList messages() const { return m_store.all(); }
+    /// The messages that `activeFilter` lets through.
+    QVariantList filteredMessages() const { return m_store.inChannel(m_activeFilter); }
+    /// Maps with "key", "label", "active", "unread", "canSend" and "fixed".
+    QVariantList channels() const;
+    QString activeChannel() const { return m_activeChannel; }
+    QVariantList activeMessages() const { return m_store.inChannel(m_activeChannel); }
+    /// Maps with "callsign", "unread", "lastMessage" and "lastTime".
+    QVariantList privateSessions() const;
+    /// Maps with "callsign", "type" ("atc"), "frequency" (MHz, three decimals) and "name", by callsign.
+    QVariantList nearbyClients() const;
+    QString draftTarget() const { return m_draftTarget; }
+    QString draftMessage() const { return m_draftMessage; }
+    QString activeFilter() const { return m_activeFilter; }
+    QString summaryText() const;
+    int unreadCount() const { return m_store.unread(); }
+    bool networkConnected() const { return m_networkConnected; }
+    bool activeChannelCanSend() const { return canSend(m_activeChannel); }
+    QString activeChannelTitle() const;
+    QString composePlaceholder() const;
+
+    /// Shows the channel and marks its messages read.
+    void setActiveChannel(const QString &channel);
+    void setDraftTarget(const QString &target);
+    void setDraftMessage(const QString &message);
+    void setActiveFilter(const QString &filter);
+
+    // The program's side. Callsigns are trimmed and upper-cased; bodies are kept as given; frequencies are kHz.
+    void setNetworkConnected(bool connected);
+    void setOwnCallsign(const QString &callsign);
+    void addPrivateReceived(const QString &from, const QString &message);
+    void addPrivateSent(const QString &to, const QString &message);
+    void addRadioReceived(const network::RadioMessageReceived &args);
+    void addRadioSent(const QString &message, const QList<uint> &frequencies);
+    void addServerMessage(const QString &message);
+    void addBroadcast(const QString &from, const QString &message);
+    void addWallopSent(const QString &message);
+    void addSelcal(const QString &from, const QList<uint> &frequencies);
+    void addSystemNote(const QString &text);
+    /// Adds or updates a station; one without a frequency is not listed.
+    void setNearbyController(const model::Controller &controller);
+    void removeNearbyController(const QString &callsign);
+    void clearNearby();
+
+    /// Sessions stay; their counts go.
+    Q_INVOKABLE void clearMessages();
+    // Sending does nothing without text or without a network. The list gets the message when it is reported as sent.
+    Q_INVOKABLE void sendPrivateMessage(const QString &target, const QString &message);
+    Q_INVOKABLE void sendRadioMessage(const QString &message);
+    Q_INVOKABLE void sendWallopMessage(const QString &message);
+    /// `from`: a message's sender. Its session becomes the active channel and its callsign the draft's target.
+    Q_INVOKABLE void prepareReply(const QString &from);
+    Q_INVOKABLE void openPrivateSession(const QString &callsign);
+    /// The session's messages stay in the list, as read.
+    Q_INVOKABLE void closePrivateSession(const QString &callsign);
+    /// Those whose channel is exactly `channel`; all for "ALL".
+    Q_INVOKABLE QVariantList messagesForChannel(const QString &channel) const { return m_store.inChannel(channel); }
+    Q_INVOKABLE int unreadForChannel(const QString &channel) const { return m_store.unreadIn(channel); }
+
+signals:
+    void messagesChanged();
+    void channelStatsChanged();
+    void activeChannelChanged();
+    void activeMessagesChanged();
+    void sessionsChanged();
+    void unreadChanged();
+    void networkStateChanged();
+    void nearbyClientsChanged();
+    void composeChanged();
+    void messageSoundRequested(QString type, int priority);
+    void privateMessageRequested(QString target, QString message);
+    void radioMessageRequested(QString message);
+    void wallopRequested(QString message);
+
+private:
+    /// What one step has changed. Told at its end, when everything fits together again.
+    enum class Change : unsigned
+    {
+        Messages = 1U << 0U,
+        ChannelStats = 1U << 1U,
+        ActiveChannel = 1U << 2U,
+        ActiveMessages = 1U << 3U,
+        Sessions = 1U << 4U,
+        Unread = 1U << 5U,
+        NetworkState = 1U << 6U,
+        NearbyClients = 1U << 7U,
+        Compose = 1U << 8U,
+    };
+    Q_DECLARE_FLAGS(Changes, Change)
+
+    void add(const Message &message);
+    /// Emits the signals in their order. A listener may come back into the model: nothing is changed after this.
+    void tell(Changes changes);
+    Changes openSession(const QString &callsign);
+    Changes enterChannel(const QString &channel);
+    Changes markRead(const QString &channel);
+    Changes writeDraft(const QString &target, const QString &message);
+    /// True when the active channel shows messages of `channel`.
+    bool isShown(const QString &channel) const;
+    bool canSend(const QString &channel) const;
+    bool canSendText(const QString &text) const;
+    QVariantMap channelEntry(const QString &key, bool fixed) const;
+    int countOf(std::initializer_list<const char *> types) const;
+
+    const common::Clock &m_clock;
+    MessageStore m_store;
+    PrivateSessions m_sessions;
+    QMap<QString, QVariantMap> m_nearby; ///< by callsign
+    QString m_activeChannel = channels::radio();
+    QString m_activeFilter = channels::all();
+    QString m_draftTarget;
+    QString m_draftMessage;
+    QString m_ownCallsign;
+    bool m_networkConnected = false;
+    int m_toldUnread = 0; ///< the unread count that listeners know
+};
+
+} // namespace tarvo::ui::viewmodel
