@@ -18,21 +18,9 @@ QString printable(QString text)
     return text;
 }
 
-QString argumentText(const QVariant &argument)
-{
-    if (!argument.isValid())
-        return QStringLiteral("nil");
-    if (argument.typeId() != QMetaType::QVariantList)
-        return argument.toString();
-    QStringList items;
-    for (const QVariant &item : argument.toList())
-        items.append(argumentText(item));
-    return QStringLiteral("[%1]").arg(items.join(QStringLiteral(", ")));
-}
-
 QString messageText(const QString &name, const QVariantList &arguments)
 {
-    return QStringLiteral("%1 %2").arg(name, argumentText(arguments)).left(400);
+    return PluginMessage{name, arguments}.toText().left(400);
 }
 } // namespace
 
@@ -76,6 +64,14 @@ void Console::follow(PracticeNetwork &network)
     if (network.secondFsd())
         followFsd(QStringLiteral("fsd2"), *network.secondFsd());
     followXPlane(network.xplane());
+}
+
+void Console::follow(const ScriptPlayer &player)
+{
+    const QString area = QStringLiteral("scene");
+    connect(&player, &ScriptPlayer::played, this, [this, area](const QString &text) { say(area, text); });
+    connect(&player, &ScriptPlayer::finished, this, [this, area] { say(area, QStringLiteral("is over")); });
+    connect(&player, &ScriptPlayer::failed, this, [this, area](const QString &error) { say(area, error); });
 }
 
 void Console::followFsd(const QString &area, FsdServer &server)

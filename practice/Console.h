@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/PracticeNetwork.h"
+#include "practice/ScriptPlayer.h"
 
 #include <QMap>
 #include <QObject>
@@ -22,6 +23,7 @@ public:
     void announce(PracticeNetwork &network);
     /// From now on says what happens.
     void follow(PracticeNetwork &network);
+    void follow(const ScriptPlayer &player);
     void say(const QString &area, const QString &text);
 
 private:

@@ -4,62 +4,37 @@
 #include <QHttpServerResponse>
 #include <QJsonArray>
 
-#include <cmath>
-#include <limits>
-#include <optional>
-
 namespace tarvo::practice {
 
 namespace {
-constexpr qint64 longestLife = 1'000'000'000; // seconds
-using Int = std::numeric_limits<int>;
-
-QString text(const QUrlQuery &arguments, QLatin1StringView name)
-{
-    return arguments.queryItemValue(name, QUrl::FullyDecoded);
-}
-
-QString callsign(const QUrlQuery &arguments)
-{
-    return text(arguments, QLatin1StringView("callsign")).toUpper();
-}
-
-/// The whole number that the argument is, from `least` to `most`; nothing for anything else.
-std::optional<qint64> whole(const QUrlQuery &arguments, QLatin1StringView name, qint64 least, qint64 most)
-{
-    bool ok = false;
-    const qint64 value = text(arguments, name).toLongLong(&ok);
-    return ok && value >= least && value <= most ? std::optional(value) : std::nullopt;
-}
-
-/// The finite number that the argument is; nothing for anything else.
-std::optional<double> number(const QUrlQuery &arguments, QLatin1StringView name)
-{
-    bool ok = false;
-    const double value = text(arguments, name).toDouble(&ok);
-    return ok && std::isfinite(value) ? std::optional(value) : std::nullopt;
-}
-
-/// "on=1" or "on=true"; without the argument it is on.
-bool isOn(const QUrlQuery &arguments)
-{
-    const QString value = text(arguments, QLatin1StringView("on"));
-    return value.isEmpty() || value == QLatin1StringView("1") || value == QLatin1StringView("true");
-}
-
 /// A web page that is open in a browser must not reach into the practice network.
 bool comesFromAWebPage(const QHttpServerRequest &request)
 {
     return !request.value("Origin").isEmpty();
 }
+
+/// What the plugin draws.
+QJsonArray drawn(const PluginPeer &plugin)
+{
+    QJsonArray list;
+    for (const DrawnAircraft &aircraft : plugin.aircraft())
+        list.append(QJsonObject{{QStringLiteral("callsign"), aircraft.callsign},
+                                {QStringLiteral("airline"), aircraft.airline},
+                                {QStringLiteral("type"), aircraft.type},
+                                {QStringLiteral("latitude"), aircraft.latitude},
+                                {QStringLiteral("longitude"), aircraft.longitude},
+                                {QStringLiteral("altitude_m"), aircraft.altitudeM},
+                                {QStringLiteral("heading"), aircraft.heading},
+                                {QStringLiteral("ground_speed"), aircraft.groundSpeed},
+                                {QStringLiteral("moved"), aircraft.moved},
+                                {QStringLiteral("positions"), aircraft.positions}});
+    return list;
+}
 } // namespace
 
-ControlService::ControlService(PracticeNetwork &network, QObject *parent) : QObject(parent), m_network(network)
+ControlService::ControlService(PracticeNetwork &network, QObject *parent)
+    : QObject(parent), m_network(network), m_controls(network)
 {
-    addClientVerbs();
-    addLoginVerbs();
-    addSimulatorVerbs();
-    addPluginVerbs();
     addRoutes();
 }
 
@@ -79,15 +54,12 @@ void ControlService::addRoutes()
 
 bool ControlService::perform(const QString &verb, const QUrlQuery &arguments)
 {
-    const Action action = m_actions.value(verb);
-    return action && action(arguments);
-}
-
-QStringList ControlService::verbs() const
-{
-    QStringList list = m_actions.keys();
-    list.sort();
-    return list;
+    ControlArguments decoded;
+    for (const auto &[name, value] : arguments.queryItems(QUrl::FullyDecoded)) {
+        if (!decoded.contains(name))
+            decoded.insert(name, value);
+    }
+    return m_controls.perform(verb, decoded);
 }
 
 QJsonObject ControlService::state() const
@@ -99,141 +71,9 @@ QJsonObject ControlService::state() const
             {QStringLiteral("phase"), xplane.flight().phaseAt(xplane.flightTime())},
             {QStringLiteral("paused"), xplane.isPaused()},
             {QStringLiteral("subscriptions"), xplane.subscriptionCount()},
-            {QStringLiteral("verbs"), QJsonArray::fromStringList(verbs())}};
-}
-
-void ControlService::addClientVerbs()
-{
-    FsdServer &fsd = m_network.fsd();
-    using A = const QUrlQuery &;
-    m_actions[QStringLiteral("kill")] = [&fsd](A a) {
-        return fsd.kill(callsign(a), text(a, QLatin1StringView("reason")));
-    };
-    m_actions[QStringLiteral("drop")] = [&fsd](A a) { return fsd.dropClient(callsign(a)); };
-    m_actions[QStringLiteral("redirect")] = [&fsd](A a) {
-        return fsd.redirect(callsign(a), text(a, QLatin1StringView("to")));
-    };
-    m_actions[QStringLiteral("hand-over")] = [this](A a) {
-        return m_network.secondFsd() && m_network.fsd().handOver(callsign(a), *m_network.secondFsd());
-    };
-    m_actions[QStringLiteral("text")] = [&fsd](A a) {
-        return fsd.sendText(callsign(a), text(a, QLatin1StringView("text")));
-    };
-    m_actions[QStringLiteral("error")] = [&fsd](A a) {
-        const auto type = whole(a, QLatin1StringView("type"), Int::min(), Int::max());
-        return type && fsd.sendError(callsign(a), static_cast<int>(*type), text(a, QLatin1StringView("parameter")),
-                                     text(a, QLatin1StringView("message")));
-    };
-    m_actions[QStringLiteral("fast")] = [&fsd](A a) { return fsd.setFast(callsign(a), isOn(a)); };
-    m_actions[QStringLiteral("ping")] = [&fsd](A a) { return fsd.ping(callsign(a)); };
-    m_actions[QStringLiteral("challenge")] = [&fsd](A a) { return fsd.challenge(callsign(a)); };
-    m_actions[QStringLiteral("line")] = [&fsd](A a) {
-        return fsd.sendLine(callsign(a), text(a, QLatin1StringView("line")));
-    };
-}
-
-void ControlService::addLoginVerbs()
-{
-    using A = const QUrlQuery &;
-    m_actions[QStringLiteral("reject-tokens")] = [this](A a) {
-        m_network.fsd().setRejectTokens(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("reject-logins")] = [this](A a) {
-        m_network.fsd().setRejectLogins(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("database-error")] = [this](A a) {
-        m_network.account().setDatabaseError(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("fsd-token-error")] = [this](A a) {
-        m_network.account().setFsdTokenError(text(a, QLatin1StringView("text")));
-        return true;
-    };
-    m_actions[QStringLiteral("bare-status")] = [this](A a) {
-        const auto status = whole(a, QLatin1StringView("status"), 0, 599);
-        if (!status || (*status != 0 && *status < 100))
-            return false;
-        m_network.account().setBareStatus(static_cast<int>(*status));
-        return true;
-    };
-    m_actions[QStringLiteral("token-life")] = [this](A a) {
-        const auto seconds = whole(a, QLatin1StringView("seconds"), -longestLife, longestLife);
-        if (seconds)
-            m_network.tokens().setLife(TokenUse::Access, *seconds);
-        return seconds.has_value();
-    };
-    m_actions[QStringLiteral("revoke-tokens")] = [this](A) {
-        m_network.tokens().revokeAll();
-        return true;
-    };
-}
-
-void ControlService::addSimulatorVerbs()
-{
-    XPlaneStandIn &xplane = m_network.xplane();
-    using A = const QUrlQuery &;
-    m_actions[QStringLiteral("pause")] = [&xplane](A a) {
-        xplane.setPaused(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("freeze")] = [&xplane](A a) {
-        xplane.setFrozen(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("flight")] = [this](A a) { return jump(a); };
-    m_actions[QStringLiteral("dataref")] = [&xplane](A a) {
-        const auto value = number(a, QLatin1StringView("value"));
-        return value && std::abs(*value) <= std::numeric_limits<float>::max() &&
-               xplane.setValue(text(a, QLatin1StringView("name")), static_cast<float>(*value));
-    };
-    m_actions[QStringLiteral("command")] = [&xplane](A a) {
-        return xplane.command(text(a, QLatin1StringView("name")));
-    };
-}
-
-void ControlService::addPluginVerbs()
-{
-    PluginPeer &plugin = m_network.xplane().plugin();
-    using A = const QUrlQuery &;
-    m_actions[QStringLiteral("plugin-version")] = [&plugin](A a) {
-        const auto version = whole(a, QLatin1StringView("version"), -1, std::numeric_limits<qint64>::max());
-        if (version)
-            plugin.setVersion(*version);
-        return version.has_value();
-    };
-    m_actions[QStringLiteral("plugin-csl")] = [&plugin](A a) {
-        plugin.setCslValid(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("plugin-mute")] = [&plugin](A a) {
-        plugin.setMute(isOn(a));
-        return true;
-    };
-    m_actions[QStringLiteral("say-radio")] = [&plugin](A a) {
-        return plugin.sendRadioMessage(text(a, QLatin1StringView("text")));
-    };
-    m_actions[QStringLiteral("say-private")] = [&plugin](A a) {
-        return plugin.sendPrivateMessage(text(a, QLatin1StringView("to")), text(a, QLatin1StringView("text")));
-    };
-    m_actions[QStringLiteral("request-station")] = [&plugin](A a) { return plugin.requestStation(callsign(a)); };
-    m_actions[QStringLiteral("force-disconnect")] = [&plugin](A a) {
-        return plugin.forceDisconnect(text(a, QLatin1StringView("reason")));
-    };
-    m_actions[QStringLiteral("shut-down")] = [&plugin](A) { return plugin.shutDown(); };
-}
-
-bool ControlService::jump(const QUrlQuery &arguments)
-{
-    XPlaneStandIn &xplane = m_network.xplane();
-    const QString phase = text(arguments, QLatin1StringView("phase"));
-    const auto time =
-        phase.isEmpty() ? number(arguments, QLatin1StringView("time")) : std::optional(xplane.flight().startOf(phase));
-    if (!time || *time < 0)
-        return false;
-    xplane.setFlightTime(*time);
-    return true;
+            {QStringLiteral("plugin"), xplane.plugin().isListening()},
+            {QStringLiteral("aircraft"), drawn(xplane.plugin())},
+            {QStringLiteral("verbs"), QJsonArray::fromStringList(m_controls.verbs())}};
 }
 
 } // namespace tarvo::practice

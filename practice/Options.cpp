@@ -30,6 +30,7 @@ constexpr ValueOption valueOptions[] = {
     {"challenge", "Seconds between challenges, about; 0 for none.", "seconds", "60"},
     {"range", "Nautical miles that positions and radio reach.", "miles", "60"},
     {"fast-range", "Nautical miles within which pilots are asked for fast positions.", "miles", "5"},
+    {"script", "Scene to play, one event a line.", "file", ""},
     {"flight-time", "Seconds into the flight at which it begins.", "seconds", "0"},
 };
 
@@ -112,6 +113,7 @@ Options fill(const QCommandLineParser &parser, Values &values)
     options.refreshLife = values.whole("refresh-life", 0, longest);
     options.fsdLife = values.whole("fsd-token-life", 0, longest);
     options.flightTime = values.number("flight-time", 0, longest);
+    options.script = values.text("script");
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     return options;
 }

@@ -1,9 +1,8 @@
 #include "practice/PluginPeer.h"
 
 #include <QDeadlineTimer>
-#include <QStringList>
 
-#include <msgpack.hpp>
+#include <algorithm>
 #include <nng/nng.h>
 #include <nng/protocol/pair1/pair.h>
 #include <nng/supplemental/util/platform.h>
@@ -12,69 +11,10 @@ namespace tarvo::practice {
 
 namespace {
 constexpr std::size_t largestMessage = 1 << 20;
-constexpr std::size_t mostElements = 4096;
-constexpr std::size_t deepest = 8;
 constexpr int buffered = 1024; // messages; a client that subscribes to nothing reads them late
 constexpr nng_duration quietMs = 20;
 constexpr qint64 longestDrainMs = 200;
-
-using Packer = msgpack::packer<msgpack::sbuffer>;
-
-void pack(Packer &packer, const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-        packer.pack(value.toBool());
-        break;
-    case QMetaType::Int:
-    case QMetaType::LongLong:
-    case QMetaType::UInt:
-        packer.pack(value.toLongLong());
-        break;
-    case QMetaType::Float:
-    case QMetaType::Double:
-        packer.pack(value.toDouble());
-        break;
-    case QMetaType::QString:
-        packer.pack(value.toString().toStdString());
-        break;
-    case QMetaType::QStringList:
-    case QMetaType::QVariantList: {
-        const QVariantList list = value.toList();
-        packer.pack_array(static_cast<uint32_t>(list.size()));
-        for (const QVariant &item : list)
-            pack(packer, item);
-        break;
-    }
-    default:
-        packer.pack_nil();
-    }
-}
-
-QVariant unpack(const msgpack::object &object)
-{
-    switch (object.type) {
-    case msgpack::type::BOOLEAN:
-        return object.via.boolean;
-    case msgpack::type::POSITIVE_INTEGER:
-    case msgpack::type::NEGATIVE_INTEGER:
-        return QVariant::fromValue(static_cast<qint64>(object.via.i64));
-    case msgpack::type::FLOAT32:
-        return static_cast<float>(object.via.f64);
-    case msgpack::type::FLOAT64:
-        return object.via.f64;
-    case msgpack::type::STR:
-        return QString::fromUtf8(object.via.str.ptr, static_cast<qsizetype>(object.via.str.size));
-    case msgpack::type::ARRAY: {
-        QVariantList list;
-        for (uint32_t i = 0; i < object.via.array.size; ++i)
-            list.append(unpack(object.via.array.ptr[i]));
-        return list;
-    }
-    default:
-        return {};
-    }
-}
+constexpr qsizetype mostPending = 10'000; // answers; what comes when so many are due stays without one
 } // namespace
 
 struct PluginPeer::Socket
@@ -133,7 +73,12 @@ struct PluginPeer::Socket
     }
 };
 
-PluginPeer::PluginPeer(QObject *parent) : QObject(parent) {}
+PluginPeer::PluginPeer(const common::Clock &clock, QObject *parent) : QObject(parent), m_clock(clock)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &PluginPeer::answerDue);
+}
 
 PluginPeer::~PluginPeer()
 {
@@ -160,6 +105,21 @@ void PluginPeer::close()
 {
     m_notifier.reset(); // before the descriptor that it watches goes away
     m_socket.reset();
+    m_timer.stop();
+    m_pending.clear();
+    m_drawn.clear();
+}
+
+bool PluginPeer::vanish()
+{
+    const bool wasThere = isListening();
+    close();
+    return wasThere;
+}
+
+bool PluginPeer::comeBack()
+{
+    return !isListening() && !m_url.isEmpty() && listen(m_url);
 }
 
 QString PluginPeer::url() const
@@ -187,6 +147,16 @@ void PluginPeer::setMute(bool mute)
     m_mute = mute;
 }
 
+void PluginPeer::setAddAnswering(PluginAnswering answering)
+{
+    m_addAnswering = answering;
+}
+
+void PluginPeer::setDelAnswering(PluginAnswering answering)
+{
+    m_delAnswering = answering;
+}
+
 void PluginPeer::receiveAll()
 {
     while (m_socket) {
@@ -199,52 +169,88 @@ void PluginPeer::receiveAll()
 
 void PluginPeer::receive(const QByteArray &bytes)
 {
-    QString name;
-    QVariantList arguments;
-    try {
-        const msgpack::unpack_limit limit(mostElements, mostElements, largestMessage, largestMessage, largestMessage,
-                                          deepest);
-        const msgpack::object_handle handle =
-            msgpack::unpack(bytes.constData(), static_cast<std::size_t>(bytes.size()), nullptr, nullptr, limit);
-        const QVariant message = unpack(handle.get());
-        const QVariantList parts = message.toList();
-        if (parts.size() != 2 || parts.at(0).typeId() != QMetaType::QString ||
-            parts.at(1).typeId() != QMetaType::QVariantList) {
-            emit malformed(QStringLiteral("not a name and its arguments"));
-            return;
-        }
-        name = parts.at(0).toString();
-        arguments = parts.at(1).toList();
-    } catch (const std::exception &) { // whatever the unpacker finds wrong with the bytes
-        emit malformed(QStringLiteral("%1 bytes that are no message").arg(bytes.size()));
+    QString error;
+    const std::optional<PluginMessage> message = PluginMessage::fromBytes(bytes, &error);
+    if (!message) {
+        emit malformed(error);
         return;
     }
-    emit messageReceived(name, arguments);
-    if (!m_mute)
-        answer(name, arguments);
+    if (message->name == QLatin1StringView("DELALL"))
+        m_pending.clear();
+    m_drawn.take(*message);
+    emit messageReceived(message->name, message->arguments);
+    if (!m_mute && isListening())
+        answer(*message);
 }
 
-void PluginPeer::answer(const QString &name, const QVariantList &arguments)
+void PluginPeer::answer(const PluginMessage &message)
 {
-    const QString callsign = arguments.value(0).toString();
-    if (name == QLatin1StringView("VER"))
-        send(name, m_version < 0 ? QVariantList() : QVariantList{m_version});
-    else if (name == QLatin1StringView("CSL"))
-        send(name, {arguments.value(0).toList(), m_cslValid});
-    else if (name == QLatin1StringView("ADD") && !callsign.isEmpty())
-        send(QStringLiteral("ADDED"), {callsign});
-    else if (name == QLatin1StringView("DEL") && !callsign.isEmpty())
-        send(QStringLiteral("DELETED"), {callsign});
+    const bool aboutOne = !message.arguments.value(0).toString().isEmpty();
+    if (message.name == QLatin1StringView("VER"))
+        send(message.name, m_version < 0 ? QVariantList() : QVariantList{m_version});
+    else if (message.name == QLatin1StringView("CSL"))
+        send(message.name, {message.arguments.value(0).toList(), m_cslValid});
+    else if (message.name == QLatin1StringView("ADD") && aboutOne)
+        answerLater(message, m_addAnswering);
+    else if (message.name == QLatin1StringView("DEL") && aboutOne)
+        answerLater(message, m_delAnswering);
+}
+
+void PluginPeer::answerLater(const PluginMessage &message, const PluginAnswering &answering)
+{
+    if (answering.silent)
+        return;
+    Pending pending{m_clock.steadyMs() + answering.delayMs, message};
+    bool waits = answering.delayMs > 0;
+    for (const Pending &earlier : m_pending) {
+        if (earlier.callsign() != pending.callsign())
+            continue;
+        waits = true; // a DEL doesn't overtake the ADD that is still being worked on
+        pending.dueMs = std::max(pending.dueMs, earlier.dueMs);
+    }
+    if (!waits) {
+        carryOut(message);
+    } else if (m_pending.size() < mostPending) {
+        const auto place = std::upper_bound(m_pending.begin(), m_pending.end(), pending.dueMs,
+                                            [](qint64 due, const Pending &other) { return due < other.dueMs; });
+        m_pending.insert(place, pending);
+        armTimer();
+    }
+}
+
+void PluginPeer::carryOut(const PluginMessage &message)
+{
+    const QString callsign = message.arguments.value(0).toString();
+    const bool added = message.name == QLatin1StringView("ADD");
+    if (added)
+        m_drawn.add(message.arguments);
+    else
+        m_drawn.remove(callsign);
+    send(added ? QStringLiteral("ADDED") : QStringLiteral("DELETED"), {callsign});
+}
+
+void PluginPeer::answerDue()
+{
+    const qint64 now = m_clock.steadyMs();
+    while (!m_pending.isEmpty() && m_pending.constFirst().dueMs <= now) {
+        const Pending pending = m_pending.takeFirst();
+        if (!m_mute)
+            carryOut(pending.message);
+    }
+    armTimer();
+}
+
+void PluginPeer::armTimer()
+{
+    if (m_pending.isEmpty())
+        m_timer.stop();
+    else
+        m_timer.start(static_cast<int>(std::max<qint64>(1, m_pending.constFirst().dueMs - m_clock.steadyMs())));
 }
 
 bool PluginPeer::send(const QString &name, const QVariantList &arguments)
 {
-    msgpack::sbuffer buffer;
-    Packer packer(buffer);
-    packer.pack_array(2);
-    packer.pack(name.toStdString());
-    pack(packer, QVariant(arguments));
-    if (!sendRaw(QByteArray(buffer.data(), static_cast<qsizetype>(buffer.size()))))
+    if (!sendRaw(PluginMessage{name, arguments}.toBytes()))
         return false;
     emit messageSent(name, arguments);
     return true;

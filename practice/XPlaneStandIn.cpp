@@ -36,7 +36,8 @@ QString printable(const QString &text)
 }
 } // namespace
 
-XPlaneStandIn::XPlaneStandIn(const common::Clock &clock, QObject *parent) : QObject(parent), m_clock(clock)
+XPlaneStandIn::XPlaneStandIn(const common::Clock &clock, QObject *parent)
+    : QObject(parent), m_clock(clock), m_plugin(clock)
 {
     resetClock(0);
     m_timer.setTimerType(Qt::PreciseTimer);

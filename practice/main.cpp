@@ -1,6 +1,7 @@
 #include "practice/Console.h"
 #include "practice/ControlService.h"
 #include "practice/Options.h"
+#include "practice/ScriptPlayer.h"
 #include "practice/StopSignal.h"
 
 #include <QCoreApplication>
@@ -29,6 +30,11 @@ int main(int argc, char **argv)
     network.tokens().setLife(TokenUse::Refresh, options->refreshLife);
     network.tokens().setLife(TokenUse::Fsd, options->fsdLife);
     network.xplane().setFlightTime(options->flightTime);
+    ScriptPlayer player(network);
+    if (!options->script.isEmpty() && !player.loadFile(options->script)) {
+        errors << "tarvo-practice: " << player.error() << '\n';
+        return 1;
+    }
     const StopSignal stop;
     QObject::connect(&stop, &StopSignal::raised, &app, &QCoreApplication::quit);
     if (!network.start()) {
@@ -40,6 +46,7 @@ int main(int argc, char **argv)
     console.announce(network);
     if (!options->quiet)
         console.follow(network);
+    console.follow(player);
     console.say(QStringLiteral("ready"), QStringLiteral("stop with Ctrl+C"));
     const int result = QCoreApplication::exec();
     network.stop();
