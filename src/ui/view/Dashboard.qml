@@ -8,6 +8,7 @@ Rectangle {
 
     // qmllint disable unqualified
     readonly property var dashboard: typeof dashboardBackend === "undefined" ? null : dashboardBackend
+    readonly property var simulator: typeof simulatorBackend === "undefined" ? null : simulatorBackend
     readonly property var server: typeof serverBackend === "undefined" ? null : serverBackend
     // qmllint enable unqualified
     readonly property string mode: dashboard?.currentMode ?? "NONE"
@@ -38,6 +39,7 @@ Rectangle {
 
         MainDashboard {
             dashboard: rootWindow.dashboard // qmllint disable unqualified
+            simulator: rootWindow.simulator // qmllint disable unqualified
             server: rootWindow.server // qmllint disable unqualified
             onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }

@@ -78,6 +78,7 @@ private slots:
     {
         QTest::addColumn<QString>("section");
         QTest::newRow("overview") << QStringLiteral("dashboard");
+        QTest::newRow("simulator") << QStringLiteral("simulator");
         QTest::newRow("server") << QStringLiteral("server");
     }
 
@@ -91,6 +92,7 @@ private slots:
                 complaints << error.toString();
         });
         view.setInitialProperties({{QStringLiteral("dashboard"), QVariant::fromValue(nullptr)},
+                                   {QStringLiteral("simulator"), QVariant::fromValue(nullptr)},
                                    {QStringLiteral("server"), QVariant::fromValue(nullptr)},
                                    {QStringLiteral("currentSection"), section}});
         view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/pages/MainDashboard.qml")));

@@ -59,6 +59,7 @@ PageHarness::PageHarness(Backends backends, QSize size)
     if (backends != Backends::Absent) {
         view.rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), present ? &m_dashboard : nullptr);
         view.rootContext()->setContextProperty(QStringLiteral("serverBackend"), present ? &m_server : nullptr);
+        view.rootContext()->setContextProperty(QStringLiteral("simulatorBackend"), present ? &m_simulator : nullptr);
     }
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));

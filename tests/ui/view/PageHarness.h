@@ -5,6 +5,7 @@
 #include "support/ManualClock.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
+#include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include <QImage>
 #include <QQuickItem>
@@ -30,6 +31,7 @@ public:
 
     ui::viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
     ui::viewmodel::ServerPageViewModel &server() { return m_server; }
+    ui::viewmodel::SimulatorPageViewModel &simulator() { return m_simulator; }
     /// Everything that the QML engine has complained about.
     QStringList complaints() const { return m_complaints; }
 
@@ -58,6 +60,7 @@ private:
     ManualClock m_clock;
     ui::viewmodel::DashboardViewModel m_dashboard;
     ui::viewmodel::ServerPageViewModel m_server;
+    ui::viewmodel::SimulatorPageViewModel m_simulator;
     QStringList m_complaints;
 
 public:

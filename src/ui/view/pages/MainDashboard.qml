@@ -7,6 +7,7 @@ Item {
     id: main
 
     required property var dashboard
+    required property var simulator
     required property var server
     property string currentSection: "dashboard"
 
@@ -35,7 +36,11 @@ Item {
         height: parent.height
         dashboard: main.dashboard
         currentSection: main.currentSection
-        sections: [{ key: "dashboard", title: qsTr("总览") }, { key: "server", title: qsTr("服务器") }]
+        sections: [
+            { key: "dashboard", title: qsTr("总览") },
+            { key: "simulator", title: qsTr("模拟器") },
+            { key: "server", title: qsTr("服务器") }
+        ]
         onSectionRequested: key => main.currentSection = key
         onLogoutRequested: main.logoutRequested()
     }
@@ -48,7 +53,10 @@ Item {
         anchors.bottom: parent.bottom
         anchors.margins: 16
         focus: true
-        sourceComponent: main.currentSection === "server" ? serverSection : overviewSection
+        sourceComponent: ({
+            simulator: simulatorSection,
+            server: serverSection
+        })[main.currentSection] ?? overviewSection
     }
 
     Component {
@@ -58,6 +66,12 @@ Item {
             dashboard: main.dashboard // qmllint disable unqualified
             server: main.server // qmllint disable unqualified
         }
+    }
+
+    Component {
+        id: simulatorSection
+
+        SimulatorPage { simulator: main.simulator } // qmllint disable unqualified
     }
 
     Component {
