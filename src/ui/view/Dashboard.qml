@@ -10,6 +10,7 @@ Rectangle {
     readonly property var dashboard: typeof dashboardBackend === "undefined" ? null : dashboardBackend
     readonly property var simulator: typeof simulatorBackend === "undefined" ? null : simulatorBackend
     readonly property var server: typeof serverBackend === "undefined" ? null : serverBackend
+    readonly property var messages: typeof messagesBackend === "undefined" ? null : messagesBackend
     // qmllint enable unqualified
     readonly property string mode: dashboard?.currentMode ?? "NONE"
 
@@ -41,6 +42,7 @@ Rectangle {
             dashboard: rootWindow.dashboard // qmllint disable unqualified
             simulator: rootWindow.simulator // qmllint disable unqualified
             server: rootWindow.server // qmllint disable unqualified
+            messages: rootWindow.messages // qmllint disable unqualified
             onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }
     }

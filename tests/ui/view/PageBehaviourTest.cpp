@@ -80,6 +80,7 @@ private slots:
         QTest::newRow("overview") << QStringLiteral("dashboard");
         QTest::newRow("simulator") << QStringLiteral("simulator");
         QTest::newRow("server") << QStringLiteral("server");
+        QTest::newRow("messages") << QStringLiteral("messages");
     }
 
     void withoutBackendsTheSectionsShowPlaceholders()
@@ -94,6 +95,7 @@ private slots:
         view.setInitialProperties({{QStringLiteral("dashboard"), QVariant::fromValue(nullptr)},
                                    {QStringLiteral("simulator"), QVariant::fromValue(nullptr)},
                                    {QStringLiteral("server"), QVariant::fromValue(nullptr)},
+                                   {QStringLiteral("messages"), QVariant::fromValue(nullptr)},
                                    {QStringLiteral("currentSection"), section}});
         view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/pages/MainDashboard.qml")));
         QVERIFY(view.rootObject());

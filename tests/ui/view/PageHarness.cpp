@@ -48,7 +48,8 @@ PageHarness::PageHarness(Backends backends, QSize size)
     : m_config(writeTypeData(m_folder.path())),
       m_icao(m_config),
       m_dashboard(nullptr, m_clock),
-      m_server(m_icao, nullptr, m_clock)
+      m_server(m_icao, nullptr, m_clock),
+      m_messages(nullptr, m_clock)
 {
     m_icao.ensureLoaded();
     QObject::connect(view.engine(), &QQmlEngine::warnings, view.engine(), [this](const QList<QQmlError> &errors) {
@@ -59,6 +60,7 @@ PageHarness::PageHarness(Backends backends, QSize size)
     if (backends != Backends::Absent) {
         view.rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), present ? &m_dashboard : nullptr);
         view.rootContext()->setContextProperty(QStringLiteral("serverBackend"), present ? &m_server : nullptr);
+        view.rootContext()->setContextProperty(QStringLiteral("messagesBackend"), present ? &m_messages : nullptr);
         view.rootContext()->setContextProperty(QStringLiteral("simulatorBackend"), present ? &m_simulator : nullptr);
     }
     view.setResizeMode(QQuickView::SizeRootObjectToView);

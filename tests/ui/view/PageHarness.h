@@ -4,6 +4,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/ManualClock.h"
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
@@ -31,6 +32,7 @@ public:
 
     ui::viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
     ui::viewmodel::ServerPageViewModel &server() { return m_server; }
+    ui::viewmodel::MessagesPageViewModel &messages() { return m_messages; }
     ui::viewmodel::SimulatorPageViewModel &simulator() { return m_simulator; }
     /// Everything that the QML engine has complained about.
     QStringList complaints() const { return m_complaints; }
@@ -60,6 +62,7 @@ private:
     ManualClock m_clock;
     ui::viewmodel::DashboardViewModel m_dashboard;
     ui::viewmodel::ServerPageViewModel m_server;
+    ui::viewmodel::MessagesPageViewModel m_messages;
     ui::viewmodel::SimulatorPageViewModel m_simulator;
     QStringList m_complaints;
 

@@ -10,6 +10,8 @@ Rectangle {
     property string currentSection: "dashboard"
     /// Rows of { key, title }.
     property var sections: []
+    /// Shown at the item "messages".
+    property int unreadCount: 0
 
     signal sectionRequested(string key)
     signal logoutRequested()
@@ -55,6 +57,7 @@ Rectangle {
                 Layout.fillWidth: true
                 text: modelData.title
                 selected: sidebar.currentSection === modelData.key // qmllint disable unqualified
+                badge: modelData.key === "messages" ? sidebar.unreadCount : 0 // qmllint disable unqualified
                 onClicked: sidebar.sectionRequested(modelData.key) // qmllint disable unqualified
             }
         }

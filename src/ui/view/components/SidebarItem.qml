@@ -2,15 +2,17 @@ import QtQuick
 import QtQuick.Controls.Basic
 import ".."
 
-/// One line of the sidebar: a dot in place of an icon, and the title.
+/// One line of the sidebar: a dot in place of an icon, the title, and how much is waiting there.
 AbstractButton {
     id: item
 
     property bool selected: false
+    /// No badge at 0.
+    property int badge: 0
 
     implicitHeight: 46
     leftPadding: Style.spacingLarge
-    rightPadding: Style.spacingMedium
+    rightPadding: Style.spacingMedium + (countBadge.visible ? countBadge.width + Style.spacingSmall : 0)
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
@@ -43,5 +45,16 @@ AbstractButton {
             elide: Text.ElideRight
         }
     }
+
+    CountBadge {
+        id: countBadge
+
+        objectName: "sidebarBadge"
+        anchors.right: parent.right
+        anchors.rightMargin: Style.spacingMedium
+        anchors.verticalCenter: parent.verticalCenter
+        count: item.badge
+    }
+
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

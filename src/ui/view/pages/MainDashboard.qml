@@ -9,6 +9,7 @@ Item {
     required property var dashboard
     required property var simulator
     required property var server
+    required property var messages
     property string currentSection: "dashboard"
 
     signal logoutRequested()
@@ -36,10 +37,12 @@ Item {
         height: parent.height
         dashboard: main.dashboard
         currentSection: main.currentSection
+        unreadCount: main.messages?.unreadCount ?? 0
         sections: [
             { key: "dashboard", title: qsTr("总览") },
             { key: "simulator", title: qsTr("模拟器") },
-            { key: "server", title: qsTr("服务器") }
+            { key: "server", title: qsTr("服务器") },
+            { key: "messages", title: qsTr("消息") }
         ]
         onSectionRequested: key => main.currentSection = key
         onLogoutRequested: main.logoutRequested()
@@ -55,7 +58,8 @@ Item {
         focus: true
         sourceComponent: ({
             simulator: simulatorSection,
-            server: serverSection
+            server: serverSection,
+            messages: messagesSection
         })[main.currentSection] ?? overviewSection
     }
 
@@ -78,5 +82,11 @@ Item {
         id: serverSection
 
         ServerPage { server: main.server } // qmllint disable unqualified
+    }
+
+    Component {
+        id: messagesSection
+
+        MessagesPage { messages: main.messages } // qmllint disable unqualified
     }
 }
