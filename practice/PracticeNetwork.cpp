@@ -9,6 +9,7 @@ PracticeSettings PracticeSettings::ephemeral()
     settings.fsdPort = 0;
     settings.xplanePort = 0;
     settings.pluginUrl.clear();
+    settings.company.present = false;
     return settings;
 }
 

@@ -2,6 +2,7 @@
 
 #include "practice/AccountBook.h"
 #include "practice/AccountService.h"
+#include "practice/CompanySettings.h"
 #include "practice/FsdServer.h"
 #include "practice/TokenAuthority.h"
 #include "practice/XPlaneStandIn.h"
@@ -27,8 +28,10 @@ struct PracticeSettings
     QHostAddress secondAddress; ///< another loopback address, such as 127.0.0.2, for a second FSD server on the same
                                 ///< port, where clients can be sent to; null: none
     FsdSettings fsd;
+    CompanySettings company;
+    CrowdSettings crowd;
 
-    /// Free ports and a plugin address of its own, for tests.
+    /// Free ports, a plugin address of its own and no company, for tests.
     static PracticeSettings ephemeral();
 };
 

@@ -29,16 +29,21 @@ private slots:
         QCOMPARE(options->network.fsd.pingIntervalMs, 30'000);
         QCOMPARE(options->accessLife, 3600);
         QVERIFY(!options->quiet);
+        QVERIFY(options->network.company.present);
+        QCOMPARE(options->network.company.broadcastIntervalMs, 300'000);
+        QCOMPARE(options->network.crowd.pilots, 0);
+        QCOMPARE(options->network.crowd.rateHz, 5.0);
     }
 
     void readsWhatIsGiven()
     {
         QString error;
-        const auto options =
-            read({QStringLiteral("--http-port"), QStringLiteral("0"), QStringLiteral("--token-life=5"),
-                  QStringLiteral("--second-address=127.0.0.2"), QStringLiteral("--quiet"),
-                  QStringLiteral("--range=2.5"), QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator")},
-                 &error);
+        const auto options = read(
+            {QStringLiteral("--http-port"), QStringLiteral("0"), QStringLiteral("--token-life=5"),
+             QStringLiteral("--second-address=127.0.0.2"), QStringLiteral("--quiet"), QStringLiteral("--range=2.5"),
+             QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator"), QStringLiteral("--no-company"),
+             QStringLiteral("--pilots=500"), QStringLiteral("--rate=2.5"), QStringLiteral("--broadcast=10")},
+            &error);
         QVERIFY2(options, qPrintable(error));
         QCOMPARE(options->network.httpPort, 0);
         QCOMPARE(options->accessLife, 5);
@@ -47,6 +52,10 @@ private slots:
         QCOMPARE(options->flightTime, 200.0);
         QVERIFY(options->quiet);
         QVERIFY(!options->network.simulator);
+        QVERIFY(!options->network.company.present);
+        QCOMPARE(options->network.company.broadcastIntervalMs, 10'000);
+        QCOMPARE(options->network.crowd.pilots, 500);
+        QCOMPARE(options->network.crowd.rateHz, 2.5);
     }
 
     void refusesNonsense_data()
@@ -55,6 +64,8 @@ private slots:
         QTest::newRow("port too high") << QStringLiteral("--fsd-port=65536");
         QTest::newRow("port of letters") << QStringLiteral("--fsd-port=fsd");
         QTest::newRow("negative life") << QStringLiteral("--token-life=-1");
+        QTest::newRow("too many pilots") << QStringLiteral("--pilots=5001");
+        QTest::newRow("pilots that never move") << QStringLiteral("--rate=0");
         QTest::newRow("no number") << QStringLiteral("--range=nan");
         QTest::newRow("the world's address") << QStringLiteral("--address=0.0.0.0");
         QTest::newRow("another machine's address") << QStringLiteral("--second-address=192.0.2.1");
