@@ -31,6 +31,7 @@ NetworkManager::NetworkManager(AppConfig &config, network::ApiService &api, netw
       m_fsd(this),
       m_dataWatchdog(this),
       m_reporter([this] { return ownPosition(); }, this),
+      m_types(icao),
       m_log(networkLogFolder(config), clock)
 {
     m_dataWatchdog.setObjectName(QStringLiteral("dataWatchdog"));

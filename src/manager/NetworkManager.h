@@ -4,8 +4,10 @@
 #include "common/Clock.h"
 #include "common/MessageType.h"
 #include "fsd/FsdClient.h"
+#include "manager/AircraftTypeRules.h"
 #include "manager/AtisBuffers.h"
 #include "manager/PositionReporter.h"
+#include "manager/RemoteAircraftTable.h"
 #include "manager/SessionLog.h"
 #include "manager/SimulatorData.h"
 #include "manager/SimulatorDataWatch.h"
@@ -233,6 +235,27 @@ private:
     void onFlightPlan(const fsd::pdu::FlightPlan &pdu);
     void onFlightPlanAnswer(const fsd::pdu::ClientQueryResponse &pdu);
     void onConfiguration(const QString &from, const QString &json);
+    /// What a flight plan has told of an aircraft's type.
+    struct FiledType
+    {
+        QString typeCode;
+        bool differs; ///< from what was known before
+    };
+
+    QDateTime now() const;
+    model::RemoteAircraft *obtainAircraft(const QString &callsign);
+    void prepareAircraft(const QString &callsign);
+    template <class Tell>
+    void tellSimulator(const QString &callsign, const Tell &tell);
+    void updateConfigurationInSimulator(const QString &callsign);
+    void syncAircraft(const QString &callsign);
+    void addToSimulator(model::RemoteAircraft &aircraft);
+    void requestConfiguration(const QString &callsign);
+    void requestFlightPlanByText(const QString &callsign);
+    std::optional<FiledType> storeFiledType(const QString &callsign, const QString &type);
+    void showFiledType(const QString &callsign, const FiledType &filed);
+    void storeConfiguration(const QString &callsign, const model::AircraftConfiguration &configuration);
+    void announceAircraftInfo(const QString &callsign);
     void moveTrafficToNewSimulator();
     void forgetTraffic();
 
@@ -267,6 +290,8 @@ private:
     QList<uint> m_transmitFrequencies; ///< kHz
     PositionReporter m_reporter;
     AtisBuffers m_atis;
+    TypeNormalizer m_types;
+    RemoteAircraftTable m_traffic;
 
     model::ConnectInfo m_connectInfo;
     QString m_publicAddress; ///< as the server told it

@@ -161,8 +161,11 @@ void NetworkManager::onProtocolError(const ProtocolError &pdu)
         notify(tr("Network Error: %1").arg(pdu.message), MessageType::Error);
         return;
     }
-    if (const QString callsign = pdu.parameter.trimmed().toUpper(); !callsign.isEmpty())
-        qInfo().noquote() << "No flight plan available for" << onOneLine(callsign);
+    const QString callsign = normalizedCallsign(pdu.parameter);
+    if (callsign.isEmpty())
+        return;
+    m_traffic.typeAnswered(callsign);
+    qInfo().noquote() << "No flight plan available for" << onOneLine(callsign);
 }
 
 void NetworkManager::onRawDataSent(const QString &line)

@@ -7,7 +7,6 @@
 #include "manager/ConnectRequest.h"
 #include "manager/NetworkManagerSending.h"
 #include "network/ApiService.h"
-#include "network/SwiftAircraftIcaoService.h"
 
 #include <QPointer>
 
@@ -67,8 +66,9 @@ QString NetworkManager::normalizedType(const QString &typeCode) const
     const QString typed = typeCode.trimmed().toUpper();
     if (typed.isEmpty())
         return {};
-    const network::SwiftAircraftIcaoResult result = m_icao.normalize(typeCode.trimmed());
-    return result.found ? result.canonical : typed;
+    // Unlike other pilots' types, the own one is never cut to a code: it goes out as it was typed.
+    const QString known = knownDesignator(m_icao, typeCode);
+    return known.isEmpty() ? typed : known;
 }
 
 void NetworkManager::onNetworkConnected()

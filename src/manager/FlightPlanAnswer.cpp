@@ -1,0 +1,88 @@
+#include "manager/FlightPlanAnswer.h"
+
+#include "manager/AircraftTypeRules.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <optional>
+
+namespace tarvo::manager {
+
+namespace {
+
+constexpr QLatin1StringView callsignKeys[] = {QLatin1StringView("CALLSIGN"), QLatin1StringView("CID"),
+                                              QLatin1StringView("PILOT"), QLatin1StringView("FROM")};
+constexpr QLatin1StringView typeKeys[] = {QLatin1StringView("AIRCRAFT"),     QLatin1StringView("EQUIPMENT"),
+                                          QLatin1StringView("AIRCRAFTTYPE"), QLatin1StringView("AIRCRAFT_TYPE"),
+                                          QLatin1StringView("TYPE"),         QLatin1StringView("ACFT")};
+
+struct KeyedField
+{
+    QString key; ///< upper-case
+    QString value;
+};
+
+std::optional<KeyedField> readKeyed(const QString &field)
+{
+    const qsizetype equals = field.indexOf(QLatin1Char('='));
+    if (equals < 0)
+        return std::nullopt;
+    return KeyedField{field.left(equals).trimmed().toUpper(), field.sliced(equals + 1).trimmed()};
+}
+
+QList<KeyedField> keyedFields(const QStringList &payload)
+{
+    QList<KeyedField> result;
+    for (const QString &field : payload) {
+        if (const std::optional<KeyedField> keyed = readKeyed(field))
+            result.append(*keyed);
+    }
+    return result;
+}
+
+/// By the keys' priority, wherever their fields stand. A key without a value tells nothing.
+QString keyedCallsign(const QList<KeyedField> &fields)
+{
+    for (const QLatin1StringView key : callsignKeys) {
+        for (const KeyedField &field : fields) {
+            if (field.key == key && !field.value.isEmpty())
+                return field.value.toUpper();
+        }
+    }
+    return {};
+}
+
+QString callsignOf(const QString &from, const QStringList &payload, const QList<KeyedField> &fields)
+{
+    static const QRegularExpression callsign(QStringLiteral("^[A-Z0-9_]{2,12}$"));
+    const QString sender = from.trimmed().toUpper();
+    if (!sender.isEmpty() && sender != QLatin1StringView("SERVER"))
+        return sender;
+    if (const QString keyed = keyedCallsign(fields); !keyed.isEmpty())
+        return keyed;
+    const QString first = payload.value(0).trimmed().toUpper();
+    return callsign.match(first).hasMatch() ? first : QString();
+}
+
+/// By the fields' order, whichever key they have.
+QString typeOf(const QStringList &payload, const QList<KeyedField> &fields)
+{
+    for (const KeyedField &field : fields) {
+        if (std::find(std::begin(typeKeys), std::end(typeKeys), field.key) == std::end(typeKeys))
+            continue;
+        if (const QString type = typeFromFlightPlan(field.value); !type.isEmpty())
+            return type;
+    }
+    return typeFromFlightPlan(payload.value(1));
+}
+
+} // namespace
+
+FlightPlanAnswer FlightPlanAnswer::read(const QString &from, const QStringList &payload)
+{
+    const QList<KeyedField> fields = keyedFields(payload);
+    return {callsignOf(from, payload, fields), typeOf(payload, fields)};
+}
+
+} // namespace tarvo::manager
