@@ -34,8 +34,7 @@ public:
     const QList<model::Controller> &controllers() const { return m_controllers; }
 
 signals:
-    /// The list is emptied without a word when a connection begins or ends. A changed station is deleted and added
-    // again.
+    // When a connection begins or ends the list is emptied without a word. A station that changes is deleted and added.
     void controllerAdded(const tarvo::model::Controller &controller);
     void controllerDeleted(const tarvo::model::Controller &controller);
     /// Something changed that no list shows: the station has no frequency.

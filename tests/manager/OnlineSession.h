@@ -7,10 +7,10 @@ namespace tarvo::test {
 /// A pilot who is on the network, with everything that the login sent already read.
 struct OnlineSession : Session
 {
-    OnlineSession()
+    explicit OnlineSession(const QString &selcal = QStringLiteral("EF-GH"))
     {
         addSimulator();
-        online = connectPilot();
+        online = manager->connectToNetwork(u"ab1"_qs, u"b738"_qs, selcal, false);
         for (int i = 0; i < 4; ++i)
             online = online && !peer.nextLine().isNull();
         peer.inject(QStringLiteral("$CRSERVER:AB1:IP:10.0.0.9"));

@@ -1,0 +1,109 @@
+#include "manager/RadioReception.h"
+#include "manager/SelcalCode.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+using namespace tarvo::manager;
+using tarvo::model::RadioStackState;
+
+class RadioReceptionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void heard_data()
+    {
+        QTest::addColumn<QString>("on"); // which receivers
+        QTest::addColumn<uint>("com1");
+        QTest::addColumn<uint>("com2");
+        QTest::addColumn<QList<uint>>("sent");
+        QTest::addColumn<QList<uint>>("expected");
+        using Kilohertz = QList<uint>;
+        QTest::newRow("on COM1") << u"12"_qs << 118500U << 121700U << Kilohertz{118500} << Kilohertz{118500};
+        QTest::newRow("on COM2") << u"12"_qs << 118500U << 121700U << Kilohertz{121700} << Kilohertz{121700};
+        QTest::newRow("on both radios once")
+            << u"12"_qs << 118500U << 118500U << Kilohertz{118500} << Kilohertz{118500};
+        QTest::newRow("in the text's order")
+            << u"12"_qs << 118500U << 121700U << Kilohertz{121700, 122800, 118500} << Kilohertz{121700, 118500};
+        QTest::newRow("named twice") << u"12"_qs << 118500U << 121700U << Kilohertz{118500, 118500}
+                                     << Kilohertz{118500};
+        QTest::newRow("COM1 off") << u"2"_qs << 118500U << 121700U << Kilohertz{118500, 121700} << Kilohertz{121700};
+        QTest::newRow("COM2 off") << u"1"_qs << 118500U << 121700U << Kilohertz{118500, 121700} << Kilohertz{118500};
+        QTest::newRow("COM1 off, COM2 on the same")
+            << u"2"_qs << 118500U << 118500U << Kilohertz{118500} << Kilohertz{118500};
+        QTest::newRow("both off") << QString() << 118500U << 121700U << Kilohertz{118500, 121700} << Kilohertz{};
+        QTest::newRow("on neither") << u"12"_qs << 118500U << 121700U << Kilohertz{122800} << Kilohertz{};
+        QTest::newRow("5 kHz away") << u"12"_qs << 118020U << 121700U << Kilohertz{118025} << Kilohertz{};
+        QTest::newRow("no frequency") << u"12"_qs << 118500U << 121700U << Kilohertz{} << Kilohertz{};
+    }
+
+    void heard()
+    {
+        QFETCH(QString, on);
+        QFETCH(uint, com1);
+        QFETCH(uint, com2);
+        QFETCH(QList<uint>, sent);
+        QFETCH(QList<uint>, expected);
+        RadioStackState radio;
+        radio.com1Frequency = com1;
+        radio.com2Frequency = com2;
+        radio.com1ReceiveEnabled = on.contains(u'1');
+        radio.com2ReceiveEnabled = on.contains(u'2');
+        QCOMPARE(heardFrequencies(sent, radio), expected);
+    }
+
+    void selcal_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("called"); // null: no call
+        QTest::newRow("with hyphen") << u"SELCAL EF-GH"_qs << u"EFGH"_qs;
+        QTest::newRow("without hyphen") << u"SELCAL EFGH"_qs << u"EFGH"_qs;
+        QTest::newRow("lower-case code") << u"SELCAL ef-Gh"_qs << u"EFGH"_qs;
+        QTest::newRow("lower-case word") << u"selcal EF-GH"_qs << QString();
+        QTest::newRow("mixed-case word") << u"Selcal EF-GH"_qs << QString();
+        QTest::newRow("too short") << u"SELCAL EF-G"_qs << QString();
+        QTest::newRow("too long") << u"SELCAL EF-GHJ"_qs << QString();
+        QTest::newRow("a digit") << u"SELCAL E1-GH"_qs << QString();
+        QTest::newRow("two hyphens") << u"SELCAL EF--GH"_qs << QString();
+        QTest::newRow("hyphen elsewhere") << u"SELCAL E-FGH"_qs << QString();
+        QTest::newRow("two blanks") << u"SELCAL  EF-GH"_qs << QString();
+        QTest::newRow("blank behind") << u"SELCAL EF-GH "_qs << QString();
+        QTest::newRow("within a text") << u"try SELCAL EF-GH"_qs << QString();
+        QTest::newRow("other letters") << u"SELCAL ÄF-GH"_qs << QString();
+        QTest::newRow("word alone") << u"SELCAL "_qs << QString();
+        QTest::newRow("empty") << QString(u""_qs) << QString();
+    }
+
+    void selcal()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, called);
+        const std::optional<QString> code = calledSelcal(text);
+        QCOMPARE(code.has_value(), !called.isNull());
+        QCOMPARE(code.value_or(QString()), called);
+    }
+
+    void ownSelcal_data()
+    {
+        QTest::addColumn<QString>("own");
+        QTest::addColumn<bool>("isOwn");
+        QTest::newRow("same") << u"EF-GH"_qs << true;
+        QTest::newRow("without hyphen") << u"EFGH"_qs << true;
+        QTest::newRow("lower case") << u"ef-gh"_qs << true;
+        QTest::newRow("another") << u"EF-GJ"_qs << false;
+        QTest::newRow("longer") << u"EF-GHJ"_qs << false;
+        QTest::newRow("none") << QString() << false;
+        QTest::newRow("a hyphen alone") << u"-"_qs << false;
+    }
+
+    void ownSelcal()
+    {
+        QFETCH(QString, own);
+        QFETCH(bool, isOwn);
+        QCOMPARE(isOwnSelcal(u"EFGH"_qs, own), isOwn);
+    }
+};
+
+TARVO_TEST(RadioReceptionTest)
+#include "RadioReceptionTest.moc"
