@@ -3,6 +3,8 @@
 #include "AppConfig.h"
 #include "Logging.h"
 #include "common/Clock.h"
+#include "manager/AircraftManager.h"
+#include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "manager/UserAircraftManager.h"
 #include "network/ApiService.h"
@@ -55,8 +57,11 @@ void Application::compose()
     m_loginWindow.hide();
     m_icao.ensureLoaded();
     m_networkManager = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints);
+    m_aircraftManager = std::make_shared<manager::AircraftManager>(m_networkManager);
     m_userAircraftManager = std::make_shared<manager::UserAircraftManager>(m_networkManager);
-    m_mainWindow = std::make_unique<ui::MainWindow>(m_networkManager, m_config, m_api, m_icao, m_endpoints);
+    m_controllerManager = std::make_shared<manager::ControllerManager>(m_networkManager);
+    m_mainWindow =
+        std::make_unique<ui::MainWindow>(m_networkManager, m_controllerManager, m_config, m_api, m_icao, m_endpoints);
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::logoutRequested, &m_loginWindow, [this] { logOut(); });
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::xplaneSelected, &m_loginWindow, [this] { activateXPlane(); });
     openMainWindow();
@@ -105,7 +110,9 @@ void Application::cleanUp()
     if (m_networkManager)
         m_networkManager->disconnectFromNetwork();
     m_mainWindow.reset();
+    m_controllerManager.reset();
     m_userAircraftManager.reset();
+    m_aircraftManager.reset();
     m_networkManager.reset();
 }
 

@@ -17,6 +17,8 @@ class ApiService;
 class SwiftAircraftIcaoService;
 } // namespace network
 namespace manager {
+class AircraftManager;
+class ControllerManager;
 class NetworkManager;
 class UserAircraftManager;
 } // namespace manager
@@ -60,7 +62,9 @@ private:
     ui::LoginWindow m_loginWindow;
     QPoint m_loginPosition;
     std::shared_ptr<manager::NetworkManager> m_networkManager;
+    std::shared_ptr<manager::AircraftManager> m_aircraftManager;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraftManager;
+    std::shared_ptr<manager::ControllerManager> m_controllerManager;
     std::unique_ptr<ui::MainWindow> m_mainWindow;
 };
 

@@ -6,6 +6,8 @@
 #include "manager/PilotName.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "ui/MessagesFeed.h"
+#include "ui/SimulatorFeed.h"
 #include "ui/WindowBackdrop.h"
 
 #include <QDebug>
@@ -27,13 +29,16 @@ QUrl soundUrl(const char *name)
 }
 } // namespace
 
-MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network, AppConfig &config, network::ApiService &api,
-                       network::SwiftAircraftIcaoService &icao, const ServiceEndpoints &endpoints, QWidget *parent)
+MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
+                       std::shared_ptr<manager::ControllerManager> controllers, AppConfig &config,
+                       network::ApiService &api, network::SwiftAircraftIcaoService &icao,
+                       const ServiceEndpoints &endpoints, QWidget *parent)
     : QMainWindow(parent),
       m_config(config),
       m_api(api),
       m_endpoints(endpoints),
       m_network(std::move(network)),
+      m_controllers(std::move(controllers)),
       m_server(icao),
       m_account(api, m_dashboard)
 {
@@ -60,7 +65,9 @@ void MainWindow::createView()
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setColor(Qt::transparent);
     m_view->rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), &m_dashboard);
+    m_view->rootContext()->setContextProperty(QStringLiteral("simulatorBackend"), &m_simulator);
     m_view->rootContext()->setContextProperty(QStringLiteral("serverBackend"), &m_server);
+    m_view->rootContext()->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
     m_view->setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
 
     QWidget *container = QWidget::createWindowContainer(m_view, this); // takes the view
@@ -104,6 +111,8 @@ void MainWindow::connectSession()
     connect(network, &NetworkManager::simulatorDataUpdated, this, &MainWindow::onSimulatorData);
     connect(network, &NetworkManager::notificationPosted, this,
             [this](const QString &message) { m_server.addRecentEvent(tr("通知"), message, tr("系统")); });
+    m_simulatorFeed = std::make_unique<SimulatorFeed>(m_network, m_simulator);
+    m_messagesFeed = std::make_unique<MessagesFeed>(m_network, m_controllers, m_messages, m_sounds);
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -137,12 +146,13 @@ void MainWindow::onModeSelected(const QString &mode)
     const bool xplane = mode == QLatin1String("XPLANE");
     m_mode = xplane ? mode : QStringLiteral("NONE");
     m_dashboard.setCurrentMode(m_mode);
+    m_simulator.setMode(m_mode);
     m_server.setCurrentMode(m_mode);
     if (!xplane)
         return;
     emit xplaneSelected();
     // The server page's status is left alone: there the same words would block the connect button.
-    m_dashboard.setSimulatorState(false, tr("连接中..."));
+    setSimulatorState(false, tr("连接中..."));
 }
 
 void MainWindow::onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal,
@@ -192,12 +202,12 @@ void MainWindow::onNetworkDisconnected(bool forced)
 
 void MainWindow::onSimulatorStateChanged(bool connected)
 {
-    m_dashboard.setSimulatorState(connected, connected ? tr("已连接") : tr("未连接"));
+    setSimulatorState(connected, connected ? tr("已连接") : tr("未连接"));
 }
 
 void MainWindow::onSimulatorFailed(const QString &message)
 {
-    m_dashboard.setSimulatorState(false, tr("连接失败"));
+    setSimulatorState(false, tr("连接失败"));
     m_server.addRecentEvent(tr("模拟器连接失败"), message, tr("模拟器"));
 }
 
@@ -206,6 +216,12 @@ void MainWindow::onSimulatorData(const manager::SimulatorData &sample)
     const model::UserAircraftData &aircraft = sample.aircraft;
     m_dashboard.setFlightData(aircraft.latitude, aircraft.longitude, aircraft.altitudeMslM * common::feetPerMetre,
                               aircraft.heading, aircraft.groundSpeed);
+}
+
+void MainWindow::setSimulatorState(bool connected, const QString &text)
+{
+    m_dashboard.setSimulatorState(connected, text);
+    m_simulator.setSimulatorState(connected, text);
 }
 
 void MainWindow::setServerState(bool connected, const QString &text)

@@ -5,7 +5,9 @@
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
+#include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include <QMainWindow>
 
@@ -21,11 +23,15 @@ class ApiService;
 class SwiftAircraftIcaoService;
 } // namespace tarvo::network
 namespace tarvo::manager {
+class ControllerManager;
 class NetworkManager;
 struct SimulatorData;
 } // namespace tarvo::manager
 
 namespace tarvo::ui {
+
+class MessagesFeed;
+class SimulatorFeed;
 
 /// Hosts the QML pages, owns their view models, feeds these from the session and turns their requests into calls.
 class MainWindow : public QMainWindow
@@ -33,7 +39,8 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    MainWindow(std::shared_ptr<manager::NetworkManager> network, AppConfig &config, network::ApiService &api,
+    MainWindow(std::shared_ptr<manager::NetworkManager> network,
+               std::shared_ptr<manager::ControllerManager> controllers, AppConfig &config, network::ApiService &api,
                network::SwiftAircraftIcaoService &icao, const ServiceEndpoints &endpoints = {},
                QWidget *parent = nullptr);
     ~MainWindow() override;
@@ -42,7 +49,9 @@ public:
     QString currentMode() const { return m_mode; }
 
     viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
+    viewmodel::SimulatorPageViewModel &simulator() { return m_simulator; }
     viewmodel::ServerPageViewModel &server() { return m_server; }
+    viewmodel::MessagesPageViewModel &messages() { return m_messages; }
     SoundPlayer &sounds() { return m_sounds; }
     QQuickView *view() const { return m_view; }
 
@@ -70,6 +79,7 @@ private:
     void onSimulatorStateChanged(bool connected);
     void onSimulatorFailed(const QString &message);
     void onSimulatorData(const manager::SimulatorData &sample);
+    void setSimulatorState(bool connected, const QString &text);
     void setServerState(bool connected, const QString &text);
     void log(const QString &text);
 
@@ -78,10 +88,15 @@ private:
     ServiceEndpoints m_endpoints;
     QString m_mode = QStringLiteral("NONE");
     std::shared_ptr<manager::NetworkManager> m_network;
+    std::shared_ptr<manager::ControllerManager> m_controllers;
     viewmodel::DashboardViewModel m_dashboard;
+    viewmodel::SimulatorPageViewModel m_simulator;
     viewmodel::ServerPageViewModel m_server;
+    viewmodel::MessagesPageViewModel m_messages;
     AccountFeed m_account;
     SoundPlayer m_sounds;
+    std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< as long as there is a session, as is the next
+    std::unique_ptr<MessagesFeed> m_messagesFeed;
     QQuickView *m_view = nullptr; ///< owned by the central widget
 };
 

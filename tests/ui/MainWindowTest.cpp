@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "AppConfig.h"
+#include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
@@ -34,7 +35,8 @@ struct Deck
     network::SwiftAircraftIcaoService icao{config};
     std::shared_ptr<manager::NetworkManager> network =
         std::make_shared<manager::NetworkManager>(config, api, icao, endpoints);
-    ui::MainWindow window{network, config, api, icao, endpoints};
+    std::shared_ptr<manager::ControllerManager> controllers = std::make_shared<manager::ControllerManager>(network);
+    ui::MainWindow window{network, controllers, config, api, icao, endpoints};
 
     static ServiceEndpoints endpointsOf(const test::AccountPeer &peer, QTcpServer &server)
     {
@@ -72,8 +74,9 @@ private slots:
         QCOMPARE(deck.window.currentMode(), u"NONE"_qs);
         QCOMPARE(deck.window.view()->status(), QQuickView::Ready);
         QCOMPARE(deck.window.view()->resizeMode(), QQuickView::SizeRootObjectToView);
-        QVERIFY(deck.window.view()->rootContext()->contextProperty(u"dashboardBackend"_qs).isValid());
-        QVERIFY(deck.window.view()->rootContext()->contextProperty(u"serverBackend"_qs).isValid());
+        for (const QString &backend :
+             {u"dashboardBackend"_qs, u"simulatorBackend"_qs, u"serverBackend"_qs, u"messagesBackend"_qs})
+            QVERIFY2(deck.window.view()->rootContext()->contextProperty(backend).isValid(), qPrintable(backend));
     }
 
     void thePagesAskForLogout()
@@ -124,7 +127,8 @@ private slots:
     void thePagesGoBeforeWhatTheyShow()
     {
         Deck deck;
-        auto window = std::make_unique<ui::MainWindow>(deck.network, deck.config, deck.api, deck.icao, deck.endpoints);
+        auto window =
+            std::make_unique<ui::MainWindow>(deck.network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
         const QPointer<ui::viewmodel::DashboardViewModel> dashboard(&window->dashboard());
         const QPointer<ui::viewmodel::ServerPageViewModel> server(&window->server());
         int seen = 0;
@@ -138,7 +142,7 @@ private slots:
     void withoutASessionNothingHappens()
     {
         Deck deck;
-        ui::MainWindow window(nullptr, deck.config, deck.api, deck.icao);
+        ui::MainWindow window(nullptr, nullptr, deck.config, deck.api, deck.icao);
         const QSignalSpy xplane(&window, &ui::MainWindow::xplaneSelected);
         window.onModeSelected(u"XPLANE"_qs);
         emit window.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), true);
@@ -187,7 +191,7 @@ private slots:
         deck.endpoints.fsdHost = u"255.255.255.255"_qs; // no route: the error comes inside the call
         const auto network =
             std::make_shared<manager::NetworkManager>(deck.config, deck.api, deck.icao, deck.endpoints);
-        ui::MainWindow window(network, deck.config, deck.api, deck.icao, deck.endpoints);
+        ui::MainWindow window(network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
         window.server().setCallsign(u"CES2352"_qs);
         window.server().setObserverMode(true);
         window.server().requestConnect();

@@ -34,6 +34,7 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::newRow("connect") << u":/resources/sounds/connect.mp3"_qs;
+        QTest::newRow("message") << u":/resources/sounds/manager.mp3"_qs;
         QTest::newRow("disconnect") << u":/resources/sounds/disconnect.mp3"_qs;
     }
     void theSoundsAreBuiltIn()

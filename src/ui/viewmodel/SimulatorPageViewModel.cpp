@@ -2,6 +2,7 @@
 
 #include "common/Units.h"
 
+#include <QMetaMethod>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -279,6 +280,11 @@ void SimulatorPageViewModel::setRemoteAircraft(const QList<model::RemoteAircraft
         return;
     m_targets = targets;
     plotChanged();
+}
+
+bool SimulatorPageViewModel::isTrafficShown() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&SimulatorPageViewModel::trafficChanged));
 }
 
 void SimulatorPageViewModel::clearTraffic()

@@ -175,6 +175,8 @@ public:
     void setTrafficContacts(const QVariantList &contacts);
     /// Feeds the plot with X-Plane. Once or twice a second is enough.
     void setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft);
+    /// False while nobody shows the traffic: then it needs no feeding.
+    bool isTrafficShown() const;
 
     Q_INVOKABLE void requestReconnect();
     Q_INVOKABLE void requestSetCom1Frequency(const QString &frequency);

@@ -1,0 +1,109 @@
+#include "ui/SimulatorFeed.h"
+
+#include "manager/NetworkManager.h"
+#include "ui/viewmodel/SimulatorPageViewModel.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace tarvo::ui {
+
+using manager::NetworkManager;
+using simulator::Simulator;
+using viewmodel::SimulatorPageViewModel;
+
+namespace {
+constexpr int trafficIntervalMs = 1000;
+constexpr double highestMegahertz = 1000;
+} // namespace
+
+std::optional<quint32> comFrequencyKhz(const QString &megahertz)
+{
+    bool isNumber = false;
+    const double value = megahertz.trimmed().toDouble(&isNumber);
+    if (!isNumber || !(value > 0 && value < highestMegahertz)) // written so that a NaN is refused
+        return std::nullopt;
+    return static_cast<quint32>(std::lround(value * 1000));
+}
+
+std::optional<int> transponderCode(const QString &digits)
+{
+    static const QRegularExpression octal(QStringLiteral("^[0-7]{1,4}\\z"));
+    const QString trimmed = digits.trimmed();
+    if (!octal.match(trimmed).hasMatch())
+        return std::nullopt;
+    return trimmed.toInt();
+}
+
+SimulatorFeed::SimulatorFeed(std::shared_ptr<NetworkManager> network, SimulatorPageViewModel &page, QObject *parent)
+    : QObject(parent), m_network(std::move(network)), m_page(page), m_trafficTimer(this)
+{
+    m_trafficTimer.setObjectName(QStringLiteral("trafficTimer"));
+    m_trafficTimer.setInterval(trafficIntervalMs);
+    connect(&m_trafficTimer, &QTimer::timeout, this, &SimulatorFeed::showTraffic);
+    connectSession();
+    connectRequests();
+}
+
+void SimulatorFeed::connectSession()
+{
+    const NetworkManager *network = m_network.get();
+    connect(network, &NetworkManager::simulatorDataUpdated, this, &SimulatorFeed::showSample);
+    connect(network, &NetworkManager::simulatorPluginStatusUpdated, &m_page, &SimulatorPageViewModel::setPluginValid);
+    connect(network, &NetworkManager::simulatorCslStatusUpdated, &m_page, &SimulatorPageViewModel::setCslValid);
+    connect(network, &NetworkManager::simulatorTrafficMappingStatusUpdated, &m_page,
+            &SimulatorPageViewModel::setTrafficMappingStatus);
+    connect(network, &NetworkManager::simulatorXPlaneVersionUpdated, &m_page,
+            &SimulatorPageViewModel::setXPlaneVersion);
+    connect(network, &NetworkManager::simulatorTrafficSnapshotUpdated, &m_page,
+            &SimulatorPageViewModel::setTrafficContacts);
+    connect(network, &NetworkManager::simulatorChanged, &m_page, &SimulatorPageViewModel::clearPlugin);
+    connect(network, &NetworkManager::networkConnected, &m_trafficTimer, [this] { m_trafficTimer.start(); });
+    connect(network, &NetworkManager::networkDisconnected, this, &SimulatorFeed::forgetTraffic);
+}
+
+void SimulatorFeed::connectRequests()
+{
+    // Each wish goes to the simulator that is there at that moment.
+    const auto current = [this](auto action) {
+        if (const std::shared_ptr<Simulator> simulator = m_network->simulator())
+            action(*simulator);
+    };
+    connect(&m_page, &SimulatorPageViewModel::reconnectRequested, m_network.get(), &NetworkManager::reconnectSimulator);
+    connect(&m_page, &SimulatorPageViewModel::setCom1FrequencyRequested, this, [current](const QString &text) {
+        if (const auto frequency = comFrequencyKhz(text))
+            current([&](Simulator &simulator) { simulator.setCom1Frequency(*frequency); });
+    });
+    connect(&m_page, &SimulatorPageViewModel::setCom2FrequencyRequested, this, [current](const QString &text) {
+        if (const auto frequency = comFrequencyKhz(text))
+            current([&](Simulator &simulator) { simulator.setCom2Frequency(*frequency); });
+    });
+    connect(&m_page, &SimulatorPageViewModel::setTransponderCodeRequested, this, [current](const QString &text) {
+        if (const auto code = transponderCode(text))
+            current([&](Simulator &simulator) { simulator.setTransponderCode(*code); });
+    });
+    connect(&m_page, &SimulatorPageViewModel::transponderIdentRequested, this,
+            [current] { current([](Simulator &simulator) { simulator.transponderIdent(); }); });
+    connect(&m_page, &SimulatorPageViewModel::transponderModeToggleRequested, this,
+            [current] { current([](Simulator &simulator) { simulator.transponderModeToggle(); }); });
+}
+
+void SimulatorFeed::showSample(const manager::SimulatorData &sample)
+{
+    m_page.setOwnAircraft(sample.aircraft, sample.config, sample.radio, sample.simPaused);
+}
+
+void SimulatorFeed::showTraffic()
+{
+    if (m_page.isTrafficShown())
+        m_page.setRemoteAircraft(m_network->remoteAircraft());
+}
+
+void SimulatorFeed::forgetTraffic()
+{
+    m_trafficTimer.stop();
+    m_page.setRemoteAircraft({});
+}
+
+} // namespace tarvo::ui

@@ -1,0 +1,165 @@
+#include "ui/MessagesFeed.h"
+
+#include "manager/ControllerManager.h"
+#include "manager/Session.h"
+#include "support/TestRegistry.h"
+#include "ui/SoundPlayer.h"
+#include "ui/viewmodel/MessagesPageViewModel.h"
+
+#include <functional>
+
+using namespace tarvo;
+using manager::NetworkManager;
+using test::Session;
+using ui::viewmodel::MessagesPageViewModel;
+
+namespace {
+
+/// The messages page's model over a session that is on the network as AB1.
+struct Desk
+{
+    Session session;
+    std::shared_ptr<manager::ControllerManager> controllers =
+        std::make_shared<manager::ControllerManager>(session.manager);
+    MessagesPageViewModel page;
+    ui::SoundPlayer sounds;
+    QSignalSpy played{&sounds, &ui::SoundPlayer::played};
+    ui::MessagesFeed feed{session.manager, controllers, page, sounds};
+
+    Desk() { emit session.manager->networkConnected(u"AB1"_qs); }
+
+    /// The newest message as "type channel from>to: text".
+    QString newest() const
+    {
+        const QVariantMap row = page.messages().value(page.messages().size() - 1).toMap();
+        const auto text = [&row](const QString &key) { return row[key].toString(); };
+        return u"%1 %2 %3>%4: %5"_qs.arg(text(u"type"_qs), text(u"channel"_qs), text(u"from"_qs), text(u"to"_qs),
+                                         text(u"message"_qs));
+    }
+};
+
+} // namespace
+
+using Event = std::function<void(NetworkManager &)>;
+using Wish = std::function<void(MessagesPageViewModel &)>;
+Q_DECLARE_METATYPE(Event)
+Q_DECLARE_METATYPE(Wish)
+
+class MessagesFeedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whatIsSaidReachesThePage_data()
+    {
+        QTest::addColumn<Event>("event");
+        QTest::addColumn<QString>("row");
+        QTest::addColumn<float>("volume"); // 0: silent
+        const auto add = [](const char *name, Event event, const QString &row, float volume) {
+            QTest::newRow(name) << std::move(event) << row << volume;
+        };
+        add(
+            "server", [](NetworkManager &network) { emit network.serverMessageReceived(u"welcome"_qs); },
+            u"server SERVER 服务器>: welcome"_qs, 0.55F);
+        add(
+            "private in", [](NetworkManager &network) { emit network.privateMessageReceived(u"CES1"_qs, u"hi"_qs); },
+            u"private_in CES1 CES1>AB1: hi"_qs, 0.75F);
+        add(
+            "private out", [](NetworkManager &network) { emit network.privateMessageSent(u"CES1"_qs, u"hello"_qs); },
+            u"private_out CES1 AB1>CES1: hello"_qs, 0);
+        add(
+            "broadcast", [](NetworkManager &network) { emit network.broadcastMessageReceived(u"SUP"_qs, u"all"_qs); },
+            u"broadcast BROADCAST SUP>全体: all"_qs, 0.55F);
+        add(
+            "wallop", [](NetworkManager &network) { emit network.wallopSent(u"help"_qs); },
+            u"wallop_out WALLOP AB1>: help"_qs, 0);
+        add(
+            "radio out", [](NetworkManager &network) { emit network.radioMessageSent(u"ready"_qs, {118500}); },
+            u"radio_out RADIO AB1>: ready"_qs, 0);
+        add(
+            "radio in",
+            [](NetworkManager &network) {
+                emit network.radioMessageReceived({.from = u"TWR"_qs,
+                                                   .message = u"cleared"_qs,
+                                                   .frequencies = QVariant::fromValue(QList<uint>{118500}),
+                                                   .direct = false,
+                                                   .dualReceive = false});
+            },
+            u"radio_in RADIO TWR>118.500: cleared"_qs, 0.55F);
+        add(
+            "a note",
+            [](NetworkManager &network) {
+                emit network.notificationPosted(u"Connecting"_qs, common::MessageType::Info);
+            },
+            u"system SERVER 系统>: Connecting"_qs, 0);
+    }
+    void whatIsSaidReachesThePage()
+    {
+        QFETCH(Event, event);
+        QFETCH(QString, row);
+        QFETCH(float, volume);
+        Desk desk;
+        event(*desk.session.manager);
+        QCOMPARE(desk.newest(), row);
+        QCOMPARE(desk.played.size(), volume > 0 ? 1 : 0);
+        if (volume > 0) {
+            QCOMPARE(desk.sounds.source(), QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
+            QCOMPARE(desk.sounds.volume(), volume);
+        }
+    }
+
+    void selcalIsHeard()
+    {
+        Desk desk;
+        emit desk.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
+        QCOMPARE(desk.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
+        QCOMPARE(desk.sounds.volume(), 0.75F);
+    }
+
+    void wishesReachTheNetwork()
+    {
+        Desk desk;
+        const QSignalSpy sent(desk.session.manager.get(), &NetworkManager::privateMessageSent);
+        const QSignalSpy wallop(desk.session.manager.get(), &NetworkManager::wallopSent);
+        const QSignalSpy radio(desk.session.manager.get(), &NetworkManager::radioMessageSent);
+        desk.page.sendPrivateMessage(u"CES1"_qs, u"hi"_qs);
+        QCOMPARE(sent.size(), 1);
+        QCOMPARE(sent[0], (QVariantList{u"CES1"_qs, u"hi"_qs}));
+        desk.page.sendWallopMessage(u"help"_qs);
+        QCOMPARE(wallop.size(), 1);
+        desk.page.sendRadioMessage(u"unheard"_qs); // no radio transmits
+        QCOMPARE(radio.size(), 0);
+        desk.session.addSimulator();
+        model::RadioStackState radios;
+        radios.com1TransmitEnabled = true;
+        radios.com1Frequency = 118500;
+        emit desk.session.sim->radioStackStateChanged(radios);
+        desk.page.sendRadioMessage(u"ready"_qs);
+        QCOMPARE(radio.size(), 1);
+    }
+
+    void stationsComeAndGo()
+    {
+        Desk desk;
+        const model::Controller tower{.callsign = u"ZBAA_TWR"_qs, .frequency = 118500};
+        emit desk.controllers->controllerAdded(tower);
+        QCOMPARE(desk.page.nearbyClients().size(), 1);
+        emit desk.controllers->controllerUpdated(tower);
+        QCOMPARE(desk.page.nearbyClients().size(), 1);
+        emit desk.controllers->controllerDeleted(tower);
+        QVERIFY(desk.page.nearbyClients().isEmpty());
+    }
+
+    void theEndOfTheSessionEmptiesTheStations()
+    {
+        Desk desk;
+        QVERIFY(desk.page.networkConnected());
+        emit desk.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
+        emit desk.session.manager->networkDisconnected(false);
+        QVERIFY(!desk.page.networkConnected());
+        QVERIFY(desk.page.nearbyClients().isEmpty());
+    }
+};
+
+TARVO_TEST(MessagesFeedTest)
+#include "MessagesFeedTest.moc"
