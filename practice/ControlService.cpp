@@ -66,6 +66,7 @@ QJsonObject ControlService::state() const
 {
     const XPlaneStandIn &xplane = m_network.xplane();
     return {{QStringLiteral("callsigns"), QJsonArray::fromStringList(m_network.fsd().callsigns())},
+            {QStringLiteral("residents"), QJsonArray::fromStringList(m_network.fsd().residents())},
             {QStringLiteral("flight_time"), xplane.flightTime()},
             {QStringLiteral("flight_duration"), xplane.flight().duration()},
             {QStringLiteral("phase"), xplane.flight().phaseAt(xplane.flightTime())},

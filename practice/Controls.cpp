@@ -84,6 +84,7 @@ std::optional<QByteArray> bytes(const ControlArguments &arguments, QLatin1String
 Controls::Controls(PracticeNetwork &network) : m_network(network)
 {
     addClientVerbs();
+    addCastVerbs();
     addLoginVerbs();
     addSimulatorVerbs();
     addPluginVerbs();
@@ -130,6 +131,24 @@ void Controls::addClientVerbs()
     m_actions[QStringLiteral("challenge")] = [&fsd](A a) { return fsd.challenge(callsign(a)); };
     m_actions[QStringLiteral("line")] = [&fsd](A a) {
         return fsd.sendLine(callsign(a), text(a, QLatin1StringView("line")));
+    };
+}
+
+void Controls::addCastVerbs()
+{
+    Cast &cast = m_network.cast();
+    using A = const ControlArguments &;
+    m_actions[QStringLiteral("join")] = [&cast](A a) {
+        const QString as = text(a, QLatin1StringView("as"));
+        const bool controller = as == QLatin1StringView("controller");
+        if (!controller && !as.isEmpty() && as != QLatin1StringView("pilot"))
+            return false;
+        return cast.join(callsign(a), a.value(QStringLiteral("cid"), QStringLiteral("1002")),
+                         a.value(QStringLiteral("name"), QStringLiteral("Actor")), controller);
+    };
+    m_actions[QStringLiteral("leave")] = [&cast](A a) { return cast.leave(callsign(a)); };
+    m_actions[QStringLiteral("speak")] = [&cast](A a) {
+        return cast.speak(callsign(a), text(a, QLatin1StringView("line")));
     };
 }
 

@@ -19,6 +19,7 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_tokens(clock),
       m_account(m_accounts, m_tokens),
       m_fsd(m_accounts, m_tokens, m_settings.fsd, clock),
+      m_cast(m_fsd),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())

@@ -2,6 +2,7 @@
 
 #include "practice/AccountBook.h"
 #include "practice/AccountService.h"
+#include "practice/Cast.h"
 #include "practice/CompanySettings.h"
 #include "practice/FsdServer.h"
 #include "practice/TokenAuthority.h"
@@ -57,6 +58,8 @@ public:
     /// Null unless the settings name a second address.
     FsdServer *secondFsd() { return m_secondFsd.get(); }
     XPlaneStandIn &xplane() { return m_xplane; }
+    /// Clients of fsd() that say what they are told.
+    Cast &cast() { return m_cast; }
     /// Where the plugin listens: what a client dials.
     QString pluginUrl() const;
 
@@ -71,6 +74,7 @@ private:
     TokenAuthority m_tokens;
     AccountService m_account;
     FsdServer m_fsd;
+    Cast m_cast;
     std::unique_ptr<FsdServer> m_secondFsd;
     XPlaneStandIn m_xplane;
     QString m_error;
