@@ -139,14 +139,14 @@ void ControllerManager::moveController(Controller &known, quint32 frequency, dou
     // back. It is a new one with its next report.
     if (!known.valid || frequency == Controller::noFrequency)
         known.deletePending = true;
-    republish(known);
+    republish(Controller(known));
 }
 
 void ControllerManager::onIsValidAtc(const QString &from)
 {
     if (Controller *known = find(from)) {
         known->valid = true;
-        announceDetails(*known);
+        announceDetails(Controller(*known));
     }
 }
 
@@ -154,26 +154,24 @@ void ControllerManager::onRealName(const QString &from, const QString &name)
 {
     if (Controller *known = find(from)) {
         known->realName = name;
-        announceDetails(*known);
+        announceDetails(Controller(*known));
     }
 }
 
 void ControllerManager::announceDetails(const Controller &controller)
 {
-    const Controller copy = controller; // a listener may change the list
-    if (copy.frequency == Controller::noFrequency)
-        emit controllerUpdated(copy);
+    if (controller.frequency == Controller::noFrequency)
+        emit controllerUpdated(controller);
     else
-        republish(copy);
+        republish(controller);
 }
 
 void ControllerManager::republish(const Controller &controller)
 {
-    const Controller copy = controller; // a listener may change the list
     const quint64 generation = m_generation;
-    emit controllerDeleted(copy);
+    emit controllerDeleted(controller);
     if (generation == m_generation)
-        emit controllerAdded(copy);
+        emit controllerAdded(controller);
 }
 
 void ControllerManager::onControllerDeleted(const QString &from)

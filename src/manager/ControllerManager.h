@@ -55,6 +55,7 @@ private:
 
     void addController(const QString &callsign, quint32 frequency, double latitude, double longitude);
     void moveController(model::Controller &known, quint32 frequency, double latitude, double longitude);
+    // Both take a copy, never an element: a listener may change the list.
     void announceDetails(const model::Controller &controller);
     void republish(const model::Controller &controller);
     void deleteExpired();
