@@ -1,0 +1,288 @@
+#include "traffic/Ledger.h"
+
+#include "traffic/Scene.h"
+
+#include <msgpack.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <string_view>
+
+namespace tarvo::bench {
+
+namespace {
+
+constexpr int never = std::numeric_limits<int>::max();
+constexpr int fastCopies = 2;
+constexpr double tolerance = 1e-6;
+
+bool isNear(double a, double b)
+{
+    return std::abs(a - b) < tolerance;
+}
+
+double milliseconds(std::int64_t ns)
+{
+    return static_cast<double>(ns) / 1e6;
+}
+
+} // namespace
+
+std::int64_t steadyNs()
+{
+    return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+}
+
+/// One message, unpacked: a name and arguments, the first of which is mostly a callsign.
+class Ledger::Message
+{
+public:
+    explicit Message(QByteArrayView bytes)
+    {
+        try {
+            m_handle = msgpack::unpack(bytes.data(), static_cast<std::size_t>(bytes.size()));
+        } catch (const msgpack::unpack_error &) {
+            return; // has no name then
+        }
+        const msgpack::object &whole = m_handle.get();
+        if (whole.type != msgpack::type::ARRAY || whole.via.array.size != 2 ||
+            whole.via.array.ptr[1].type != msgpack::type::ARRAY)
+            return;
+        m_name = text(whole.via.array.ptr[0]);
+        m_arguments = &whole.via.array.ptr[1].via.array;
+    }
+
+    std::string_view name() const { return m_name; }
+    std::string_view callsign() const { return m_arguments && m_arguments->size > 0 ? text(m_arguments->ptr[0]) : ""; }
+    /// The argument at that place; NaN for one that is no float64.
+    double number(std::uint32_t place) const
+    {
+        if (!m_arguments || place >= m_arguments->size || m_arguments->ptr[place].type != msgpack::type::FLOAT64)
+            return std::numeric_limits<double>::quiet_NaN();
+        return m_arguments->ptr[place].via.f64;
+    }
+    std::uint32_t argumentCount() const { return m_arguments ? m_arguments->size : 0; }
+
+private:
+    static std::string_view text(const msgpack::object &object)
+    {
+        return object.type == msgpack::type::STR ? std::string_view(object.via.str.ptr, object.via.str.size) : "";
+    }
+
+    msgpack::object_handle m_handle;
+    std::string_view m_name;
+    const msgpack::object_array *m_arguments = nullptr;
+};
+
+Ledger::Kind::Kind(int pilots, int most)
+    : reports(most),
+      nextNumber(static_cast<size_t>(pilots)),
+      first(static_cast<size_t>(pilots)),
+      last(static_cast<size_t>(pilots)),
+      sent(static_cast<size_t>(pilots) * static_cast<size_t>(most)),
+      copies(sent.size()),
+      newest(static_cast<size_t>(pilots), -1)
+{
+    for (std::atomic<int> &number : first)
+        number = never;
+    for (std::atomic<int> &number : last)
+        number = never;
+}
+
+int Ledger::Kind::next(int pilot)
+{
+    return std::min(nextNumber[static_cast<size_t>(pilot)]++, reports - 1);
+}
+
+void Ledger::Kind::noteSent(int pilot, int number)
+{
+    sent[rowOf(pilot) + static_cast<size_t>(number)] = steadyNs();
+}
+
+bool Ledger::Kind::isMeasured(int pilot, int number) const
+{
+    return number >= first[static_cast<size_t>(pilot)] && number < last[static_cast<size_t>(pilot)];
+}
+
+Ledger::Ledger(int pilots, int reports)
+    : m_pilots(pilots),
+      m_fast(pilots, reports),
+      m_slow(pilots, reports),
+      m_complete(static_cast<size_t>(pilots)),
+      m_heartbeatDue(static_cast<size_t>(pilots))
+{
+}
+
+void Ledger::begin()
+{
+    for (Kind *kind : {&m_fast, &m_slow}) {
+        for (size_t pilot = 0; pilot < kind->first.size(); ++pilot)
+            kind->first[pilot] = kind->nextNumber[pilot];
+    }
+}
+
+void Ledger::end()
+{
+    for (Kind *kind : {&m_fast, &m_slow}) {
+        for (size_t pilot = 0; pilot < kind->last.size(); ++pilot)
+            kind->last[pilot] = kind->nextNumber[pilot];
+    }
+}
+
+int Ledger::completeCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return static_cast<int>(std::count(m_complete.begin(), m_complete.end(), true));
+}
+
+std::uint64_t Ledger::missingOf(const Kind &kind, int pilot, int copiesDue) const
+{
+    const size_t row = kind.rowOf(pilot);
+    std::uint64_t missing = 0;
+    for (int number = kind.first[static_cast<size_t>(pilot)]; number < kind.last[static_cast<size_t>(pilot)]; ++number)
+        missing += static_cast<std::uint64_t>(std::max(0, copiesDue - kind.copies[row + static_cast<size_t>(number)]));
+    return missing;
+}
+
+std::uint64_t Ledger::outstanding() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::uint64_t missing = 0;
+    for (int pilot = 0; pilot < m_pilots; ++pilot) {
+        missing += missingOf(m_fast, pilot, fastCopies) + missingOf(m_slow, pilot, 1);
+        missing += m_heartbeatDue[static_cast<size_t>(pilot)] ? 1 : 0;
+    }
+    return missing;
+}
+
+std::uint64_t Ledger::measuredLines() const
+{
+    std::uint64_t lines = 0;
+    for (const Kind *kind : {&m_fast, &m_slow}) {
+        for (size_t pilot = 0; pilot < kind->first.size(); ++pilot)
+            lines += static_cast<std::uint64_t>(kind->last[pilot] - kind->first[pilot]);
+    }
+    return lines;
+}
+
+Tally Ledger::tally() const
+{
+    const std::uint64_t missing = outstanding();
+    const std::lock_guard lock(m_mutex);
+    Tally tally = m_tally;
+    tally.missing = missing;
+    if (m_latencies.empty())
+        return tally;
+    std::vector<std::int64_t> sorted = m_latencies;
+    std::sort(sorted.begin(), sorted.end());
+    tally.medianMs = milliseconds(sorted[sorted.size() / 2]);
+    tally.percentile99Ms = milliseconds(sorted[sorted.size() * 99 / 100]);
+    tally.maximumMs = milliseconds(sorted.back());
+    return tally;
+}
+
+QString Ledger::receive(QByteArrayView bytes, std::int64_t now)
+{
+    const Message message(bytes);
+    const std::lock_guard lock(m_mutex);
+    if (message.name() == "FSTPOS")
+        receiveFast(message, now);
+    else if (message.name() == "POS")
+        receiveSlow(message, now);
+    else if (message.name() == "HB")
+        receiveHeartbeat(message);
+    else if (message.name() == "DEL" || message.name().empty())
+        blame(QStringLiteral("a message that may not come"));
+    else if (message.name() == "ADD")
+        return QString::fromUtf8(message.callsign().data(), static_cast<qsizetype>(message.callsign().size()));
+    return {};
+}
+
+int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now)
+{
+    const auto place = static_cast<size_t>(pilot);
+    const size_t report = kind.rowOf(pilot) + static_cast<size_t>(std::max(number, 0));
+    if (number < 0 || number >= kind.reports || kind.sent[report] == 0) {
+        blame(QStringLiteral("report %1 of pilot %2, which was never sent").arg(number).arg(pilot));
+        return -1;
+    }
+    const int before = kind.copies[report]++;
+    if (number < kind.newest[place] || before >= mostCopies)
+        blame(QStringLiteral("report %1 of pilot %2 after %3, copy %4")
+                  .arg(number)
+                  .arg(pilot)
+                  .arg(kind.newest[place])
+                  .arg(before + 1));
+    kind.newest[place] = number;
+    if (kind.isMeasured(pilot, number)) {
+        ++m_tally.messages;
+        m_latencies.push_back(now - kind.sent[report]);
+    }
+    return before;
+}
+
+void Ledger::receiveFast(const Message &message, std::int64_t now)
+{
+    const int pilot = scene::pilotOf(message.callsign());
+    if (pilot < 0 || pilot >= m_pilots || message.argumentCount() != 16)
+        return blame(QStringLiteral("a fast position of nobody"));
+    const int number = scene::fastNumberAt(pilot, message.number(1));
+    const int before = note(m_fast, pilot, number, fastCopies, now);
+    if (before < 0)
+        return;
+    const bool measured = m_fast.isMeasured(pilot, number);
+    m_complete[static_cast<size_t>(pilot)] = m_complete[static_cast<size_t>(pilot)] || before + 1 == fastCopies;
+    const scene::Report due = scene::fastReport(pilot, number);
+    // An aircraft that is on one of the two ways only, at the start, gives no first and second message.
+    const double speed = before == 0 ? due.groundSpeed : scene::slowReport(pilot, 0).groundSpeed;
+    const double values[] = {due.latitude,    due.longitude,   due.altitude,    due.height,        due.heading,
+                             due.bank,        due.pitch,       due.velocity[0], due.velocity[1],   due.velocity[2],
+                             due.rotation[0], due.rotation[1], due.rotation[2], due.noseWheelAngle};
+    bool right = !measured || isNear(message.number(15), speed);
+    for (std::uint32_t i = 0; i < std::size(values); ++i)
+        right = right && isNear(message.number(i + 1), values[i]);
+    if (!right)
+        blame(QStringLiteral("values of fast report %1 of pilot %2").arg(number).arg(pilot));
+}
+
+void Ledger::receiveSlow(const Message &message, std::int64_t now)
+{
+    const int pilot = scene::pilotOf(message.callsign());
+    if (pilot < 0 || pilot >= m_pilots || message.argumentCount() != 9)
+        return blame(QStringLiteral("a slow position of nobody"));
+    const int number = scene::slowNumberAt(pilot, message.number(1));
+    if (note(m_slow, pilot, number, 1, now) < 0)
+        return;
+    const scene::Report due = scene::slowReport(pilot, number);
+    const double values[] = {due.latitude, due.longitude, due.altitude, due.height,
+                             due.heading,  due.bank,      due.pitch,    due.groundSpeed};
+    bool right = true;
+    for (std::uint32_t i = 0; i < std::size(values); ++i)
+        right = right && isNear(message.number(i + 1), values[i]);
+    if (m_slow.isMeasured(pilot, number)) {
+        right = right && !m_heartbeatDue[static_cast<size_t>(pilot)];
+        m_heartbeatDue[static_cast<size_t>(pilot)] = true;
+    }
+    if (!right)
+        blame(QStringLiteral("slow report %1 of pilot %2").arg(number).arg(pilot));
+}
+
+void Ledger::receiveHeartbeat(const Message &message)
+{
+    const int pilot = scene::pilotOf(message.callsign());
+    if (pilot < 0 || pilot >= m_pilots)
+        return blame(QStringLiteral("a heartbeat of nobody"));
+    if (m_heartbeatDue[static_cast<size_t>(pilot)])
+        ++m_tally.messages;
+    m_heartbeatDue[static_cast<size_t>(pilot)] = false;
+}
+
+void Ledger::blame(const QString &what)
+{
+    if (m_tally.wrong++ == 0)
+        m_tally.firstWrong = what;
+}
+
+} // namespace tarvo::bench

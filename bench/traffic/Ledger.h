@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace tarvo::bench {
+
+/// Nanoseconds of the one clock that both ends of the peer read.
+std::int64_t steadyNs();
+
+/// What came of one measurement.
+struct Tally
+{
+    std::uint64_t messages = 0; ///< FSTPOS, POS and HB
+    std::uint64_t missing = 0;  ///< messages that did not come
+    std::uint64_t wrong = 0;    ///< out of order, too many, or with other values than were sent
+    QString firstWrong;         ///< the first of these in words
+    double medianMs = 0;        ///< from before the line is written to after its message is there
+    double percentile99Ms = 0;  ///< the same
+    double maximumMs = 0;       ///< the same
+};
+
+/// Keeps when each line was sent and checks each message that the plugin gets for it. Every fast report reaches the
+/// plugin twice, first with the ground speed that follows from its velocities, then with that of the last slow report;
+/// every slow report gives a position and then a heartbeat. One thread sends, one receives.
+class Ledger
+{
+public:
+    /// `reports`: the most that one pilot may send of a kind.
+    Ledger(int pilots, int reports);
+
+    // The sender's side.
+    /// The number of the pilot's next report.
+    int nextFast(int pilot) { return m_fast.next(pilot); }
+    int nextSlow(int pilot) { return m_slow.next(pilot); }
+    /// Notes the time; to be called just before the report is written.
+    void noteFast(int pilot, int number) { m_fast.noteSent(pilot, number); }
+    void noteSlow(int pilot, int number) { m_slow.noteSent(pilot, number); }
+    /// What is sent from now on is measured.
+    void begin();
+    /// What is sent from now on isn't.
+    void end();
+    /// How many aircraft the plugin gets both ways by now.
+    int completeCount() const;
+    /// Messages of the measured time that are still to come.
+    std::uint64_t outstanding() const;
+    std::uint64_t measuredLines() const;
+    Tally tally() const;
+
+    // The receiver's side.
+    /// One message of the client, packed. Gives the callsign that is to be answered: an ADD's, else nothing.
+    QString receive(QByteArrayView message, std::int64_t now);
+
+private:
+    struct Kind
+    {
+        Kind(int pilots, int reports);
+
+        int next(int pilot);
+        void noteSent(int pilot, int number);
+        size_t rowOf(int pilot) const { return static_cast<size_t>(pilot) * static_cast<size_t>(reports); }
+        bool isMeasured(int pilot, int number) const;
+
+        int reports;
+        std::vector<int> nextNumber;                 ///< of each pilot; the sender's own
+        std::vector<std::atomic<int>> first;         ///< of each pilot: the first measured report
+        std::vector<std::atomic<int>> last;          ///< of each pilot: behind the last measured report
+        std::vector<std::atomic<std::int64_t>> sent; ///< of each report of each pilot
+        std::vector<std::uint8_t> copies;            ///< of each report of each pilot
+        std::vector<int> newest;                     ///< of each pilot: the number of the last message; -1 for none
+    };
+
+    class Message;
+
+    void receiveFast(const Message &message, std::int64_t now);
+    void receiveSlow(const Message &message, std::int64_t now);
+    void receiveHeartbeat(const Message &message);
+    /// Notes one copy of a report that came. Gives how many had come before, -1 for one that may not come.
+    int note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now);
+    void blame(const QString &what);
+    std::uint64_t missingOf(const Kind &kind, int pilot, int copiesDue) const;
+
+    const int m_pilots;
+    mutable std::mutex m_mutex; ///< guards all that the receiver writes
+    Kind m_fast;
+    Kind m_slow;
+    std::vector<bool> m_complete;     ///< of each pilot
+    std::vector<bool> m_heartbeatDue; ///< of each pilot
+    std::vector<std::int64_t> m_latencies;
+    Tally m_tally;
+};
+
+} // namespace tarvo::bench

@@ -1,0 +1,154 @@
+#include "traffic/LoadRun.h"
+
+#include "practice/XPlaneStandIn.h"
+#include "traffic/ClientUnderTest.h"
+#include "traffic/FsdEnd.h"
+#include "traffic/PluginEnd.h"
+#include "traffic/ProcessCost.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace tarvo::bench {
+
+namespace {
+
+constexpr int longestStartMs = 60'000;
+constexpr int longestCrowdMs = 90'000;
+constexpr int settleMs = 6'000; ///< the start's questions and their answers are over by then
+constexpr int longestDrainMs = 5'000;
+constexpr int slowIntervalMs = 5'000;
+constexpr int lookIntervalMs = 50;
+
+/// Everybody but the client.
+class World
+{
+public:
+    explicit World(const Load &load)
+        : m_load(load),
+          ledger(load.pilots, reportsOf(load)),
+          plugin(urlOf(QStringLiteral("plugin")), ledger),
+          fsd(load.pilots, load.rate, ledger)
+    {
+    }
+
+    ~World()
+    {
+        fsd.hangUp();
+        if (!client.waitForFinished(5000))
+            client.kill();
+        client.waitForFinished();
+    }
+    World(const World &) = delete;
+    World &operator=(const World &) = delete;
+
+    /// Empty when all is there.
+    QString start()
+    {
+        // The stand-in's own plugin end is of no use here: it listens where nobody dials.
+        if (!plugin.isListening() || !fsd.listen() ||
+            !xplane.start(QHostAddress(QHostAddress::LocalHost), 0, urlOf(QStringLiteral("unused"))))
+            return QStringLiteral("no free port");
+        QDir(m_folder.path()).mkpath(QStringLiteral("client/resources"));
+        QFile::copy(QStringLiteral(TARVO_SOURCE_DIR "/resources/Doc8643.txt"),
+                    m_folder.filePath(QStringLiteral("client/resources/Doc8643.txt")));
+        const ClientArguments arguments{.folder = m_folder.filePath(QStringLiteral("client")),
+                                        .fsdPort = fsd.port(),
+                                        .xplanePort = xplane.udpPort(),
+                                        .pluginUrl = urlOf(QStringLiteral("plugin"))};
+        client.setProcessChannelMode(QProcess::ForwardedChannels);
+        client.start(QCoreApplication::applicationFilePath(),
+                     QStringList{QStringLiteral("client")} + arguments.toWords());
+        return client.waitForStarted() ? QString() : QStringLiteral("the client does not start");
+    }
+
+    /// Runs the event loop until `condition` holds; false when that takes longer or the client ends.
+    bool waitFor(int longestMs, const std::function<bool()> &condition)
+    {
+        const QDeadlineTimer deadline(longestMs);
+        while (!condition()) {
+            if (deadline.hasExpired() || client.state() == QProcess::NotRunning)
+                return false;
+            pass(lookIntervalMs);
+        }
+        return true;
+    }
+
+    void pass(int ms)
+    {
+        QEventLoop loop;
+        QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+
+private:
+    static int reportsOf(const Load &load)
+    {
+        const double longest = load.seconds + (longestCrowdMs + settleMs) / 1000.0 + 10;
+        return static_cast<int>(longest * std::max(load.rate, 1.0));
+    }
+    QString urlOf(const QString &name) const { return QStringLiteral("ipc://%1/%2.ipc").arg(m_folder.path(), name); }
+
+    const Load m_load;
+    QTemporaryDir m_folder;
+
+public:
+    Ledger ledger;
+    PluginEnd plugin;
+    FsdEnd fsd;
+    practice::XPlaneStandIn xplane;
+    QProcess client;
+};
+
+void measure(World &world, const Load &load, LoadResult &result)
+{
+    const ProcessCost before = costOf(world.client.processId());
+    const std::int64_t start = steadyNs();
+    world.ledger.begin();
+    world.pass(static_cast<int>(load.seconds * 1000));
+    world.ledger.end();
+    result.seconds = static_cast<double>(steadyNs() - start) / 1e9;
+    const ProcessCost after = costOf(world.client.processId());
+    result.cpuShare = (after.cpuSeconds - before.cpuSeconds) / result.seconds;
+    result.residentCrowdMiB = before.residentMiB;
+    result.residentEndMiB = after.residentMiB;
+    world.fsd.stopTraffic();
+    world.waitFor(longestDrainMs, [&] { return world.ledger.outstanding() == 0; });
+    result.lines = world.ledger.measuredLines();
+    result.tally = world.ledger.tally();
+}
+
+} // namespace
+
+LoadResult runLoad(const Load &load)
+{
+    LoadResult result;
+    World world(load);
+    result.failure = world.start();
+    if (!result.failure.isEmpty())
+        return result;
+    if (!world.waitFor(longestStartMs, [&] { return world.fsd.isLoggedIn(); })) {
+        result.failure = QStringLiteral("the client does not log in");
+        return result;
+    }
+    result.residentStartMiB = costOf(world.client.processId()).residentMiB;
+    if (!world.waitFor(longestCrowdMs, [&] { return world.ledger.completeCount() == load.pilots; })) {
+        result.failure = QStringLiteral("only %1 of %2 aircraft reach the plugin both ways")
+                             .arg(world.ledger.completeCount())
+                             .arg(load.pilots);
+        return result;
+    }
+    world.fsd.setSlowInterval(slowIntervalMs);
+    world.pass(settleMs);
+    measure(world, load, result);
+    return result;
+}
+
+} // namespace tarvo::bench

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "traffic/Ledger.h"
+
+#include <QString>
+
+namespace tarvo::bench {
+
+struct Load
+{
+    int pilots = 500;
+    double rate = 5;     ///< fast reports of each pilot in a second
+    double seconds = 10; ///< measured, after everybody is there
+};
+
+struct LoadResult
+{
+    QString failure;    ///< why nothing could be measured; empty when it could
+    double seconds = 0; ///< really measured
+    std::uint64_t lines = 0;
+    Tally tally;
+    double cpuShare = 0;         ///< of one core, by the client with all its threads; 1 is all of it
+    double residentStartMiB = 0; ///< of the client, before the first pilot
+    double residentCrowdMiB = 0; ///< when everybody is there
+    double residentEndMiB = 0;
+
+    double cpuPerLineUs() const { return lines > 0 ? cpuShare * seconds * 1e6 / static_cast<double>(lines) : 0; }
+};
+
+/// Starts a client in a process of its own, plays everybody else, and measures. Needs a QCoreApplication.
+LoadResult runLoad(const Load &load);
+
+} // namespace tarvo::bench
