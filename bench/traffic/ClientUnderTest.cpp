@@ -4,6 +4,7 @@
 #include "Logging.h"
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
+#include "manager/AircraftManager.h"
 #include "manager/NetworkManager.h"
 #include "manager/UserAircraftManager.h"
 #include "network/ApiService.h"
@@ -47,6 +48,7 @@ public:
         m_config.set(config::authVatsim, false);
         m_icao.ensureLoaded();
         m_network = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints);
+        m_aircraft = std::make_shared<manager::AircraftManager>(m_network);
         m_userAircraft = std::make_shared<manager::UserAircraftManager>(m_network);
         m_adapter = std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints);
         connectWhenLive();
@@ -56,6 +58,7 @@ public:
     ~Client()
     {
         m_userAircraft.reset();
+        m_aircraft.reset();
         m_network.reset();
     }
     Client(const Client &) = delete;
@@ -92,6 +95,7 @@ private:
     network::ApiService m_api;
     network::SwiftAircraftIcaoService m_icao;
     std::shared_ptr<manager::NetworkManager> m_network;
+    std::shared_ptr<manager::AircraftManager> m_aircraft;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraft;
     std::shared_ptr<simulator::xplane::XPlaneAdapter> m_adapter;
     QObject m_context;
