@@ -4,10 +4,11 @@
 #include "common/Clock.h"
 #include "manager/OneLine.h"
 
-#include <QDateTime>
 #include <QDebug>
 #include <QDir>
 #include <QStringList>
+
+#include <array>
 
 namespace tarvo::manager {
 
@@ -31,6 +32,24 @@ QStringView withoutLineEnd(QStringView line)
     while (line.endsWith(QLatin1Char('\n')) || line.endsWith(QLatin1Char('\r')))
         line.chop(1);
     return line;
+}
+
+/// "HH:mm:ss.zzz", UTC, with the closing zero. Every line of the traffic bears one: the toolkit's own formatting would
+/// cost as much as all the rest of the line.
+std::array<char, 13> timeOfDay(qint64 wallMs)
+{
+    constexpr qint64 msOfDay = 86'400'000;
+    const qint64 ms = (wallMs % msOfDay + msOfDay) % msOfDay;
+    std::array<char, 13> text{"00:00:00.000"};
+    const auto put = [&text](size_t place, qint64 value, qint64 firstDigit) {
+        for (qint64 unit = firstDigit; unit > 0; unit /= 10)
+            text[place++] = static_cast<char>('0' + value / unit % 10);
+    };
+    put(0, ms / 3'600'000, 10);
+    put(3, ms / 60'000 % 60, 10);
+    put(6, ms / 1000 % 60, 10);
+    put(9, ms % 1000, 100);
+    return text;
 }
 
 /// The forms that a secret takes on its way: as it is, as it is sent, as that comes back from the server, and as the
@@ -115,9 +134,14 @@ void SessionLog::write(QLatin1StringView arrow, const QString &line)
 {
     if (!isOpen())
         return;
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs(), Qt::UTC);
-    m_stream << QLatin1Char('[') << now.toString(u"HH:mm:ss.zzz") << QLatin1StringView("] ") << arrow
-             << QLatin1Char(' ') << onOneLine(withoutLineEnd(line).toString()) << QLatin1Char('\n');
+    const QStringView text = withoutLineEnd(line);
+    m_stream << QLatin1Char('[') << QLatin1StringView(timeOfDay(m_clock.wallMs()).data()) << QLatin1StringView("] ")
+             << arrow << QLatin1Char(' ');
+    if (text.contains(QLatin1Char('\r')) || text.contains(QLatin1Char('\n')))
+        m_stream << onOneLine(text.toString());
+    else
+        m_stream << text;
+    m_stream << QLatin1Char('\n');
 }
 
 void SessionLog::startFlushing()

@@ -60,6 +60,7 @@ private:
     void drainInbox();
 
     nng_socket m_socket = NNG_SOCKET_INITIALIZER;
+    nng_aio *m_send = nullptr;
     nng_aio *m_receive = nullptr;
     bool m_opened = false;
     bool m_ready = false;
