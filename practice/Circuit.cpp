@@ -8,61 +8,6 @@
 namespace tarvo::practice {
 
 namespace {
-/// One piece of the way. The speed changes evenly over it, height and pitch evenly in time.
-struct Leg
-{
-    const char16_t *phase; ///< begins here; null goes on with the phase before
-    double length;         ///< metres of a straight, seconds of a hold at standstill, radius of a turn
-    double turn;           ///< degrees, left positive; 0 is a straight
-    double exitSpeed;      ///< metres per second
-    double exitHeight;     ///< metres
-    double exitPitch;      ///< degrees
-};
-
-// A twin-engine airliner of the smaller kind: rotates at 66 m/s (128 knots), flies the circuit at 1500 feet and 92 m/s
-// (179 knots), turns with 1900 m radius (24 degrees of bank), comes down final at 3 degrees and 71 m/s (138 knots).
-constexpr Leg legs[] = {
-    {u"parked", 10, 0, 0, 0, 0},       {u"engine start", 35, 0, 0, 0, 0},
-    {u"taxi out", 40, 0, 7, 0, 0}, // from the stand at 400 m along, 280 m left, nose towards the runway
-    {nullptr, 40, -90, 7, 0, 0},       {nullptr, 80, 0, 12, 0, 0},
-    {nullptr, 160, 0, 12, 0, 0},       {nullptr, 80, 0, 7, 0, 0},
-    {nullptr, 40, 90, 7, 0, 0},        {nullptr, 120, 0, 7, 0, 0},
-    {u"line-up", 40, 90, 7, 0, 0},     {nullptr, 40, 0, 0, 0, 0},
-    {nullptr, 8, 0, 0, 0, 0},          {u"take-off", 990, 0, 66, 0, 0},
-    {nullptr, 288.4, 0, 75, 0, 9},     {u"climb", 600, 0, 82, 70, 14},
-    {nullptr, 2241.6, 0, 90, 340, 11}, {u"crosswind", 1900, 90, 92, 457, 5},
-    {nullptr, 1900, 90, 92, 457, 4},   {u"downwind", 5200, 0, 92, 457, 4},
-    {nullptr, 2400, 0, 85, 457, 4.5},  {u"base", 1900, 90, 80, 330, 3},
-    {nullptr, 1900, 90, 74, 196.5, 2}, {u"final", 3500, 0, 71, 13.1, 2},
-    {u"flare", 250, 0, 69, 0, 5},      {u"roll-out", 279.4, 0, 58, 0, 1},
-    {nullptr, 627.8, 0, 15, 0, 0},     {nullptr, 102.8, 0, 8, 0, 0},
-    {u"vacate", 40, 90, 8, 0, 0},      {nullptr, 120, 0, 8, 0, 0},
-    {nullptr, 40, 90, 8, 0, 0},        {u"taxi in", 100, 0, 15, 0, 0},
-    {nullptr, 620, 0, 15, 0, 0},       {nullptr, 100, 0, 8, 0, 0},
-    {nullptr, 40, -90, 8, 0, 0},       {nullptr, 80, 0, 6, 0, 0},
-    {nullptr, 50, 180, 6, 0, 0},       {nullptr, 40, 0, 0, 0, 0},
-    {u"shutdown", 20, 0, 0, 0, 0},
-};
-
-/// A surface that starts to move some seconds after the start of a phase.
-struct Move
-{
-    const char16_t *phase;
-    double after; ///< seconds
-    Channel channel;
-    double target;
-    double perSecond;
-};
-
-constexpr Move moves[] = {
-    {u"taxi out", 5, Flaps, 0.25, 0.05}, {u"climb", 22, Flaps, 0, 0.04}, {u"downwind", 40, Flaps, 0.25, 0.05},
-    {u"base", 5, Flaps, 0.625, 0.05},    {u"final", 2, Flaps, 1, 0.05},  {u"roll-out", 4, Speedbrake, 1, 0.5},
-    {u"vacate", 0, Speedbrake, 0, 0.25}, {u"vacate", 8, Flaps, 0, 0.05},
-};
-
-constexpr double startAlong = 400;
-constexpr double startLeft = 280;
-constexpr double startAngle = -M_PI_2;
 constexpr double gravity = 9.80665;
 constexpr double wheelBase = 15.6;  ///< metres
 constexpr int smoothingSeconds = 2; ///< to either side
@@ -115,11 +60,17 @@ Knot Piece::at(double time) const
     return knot;
 }
 
-std::vector<Piece> layOut()
+std::vector<Piece> layOut(const Pattern &pattern)
 {
     std::vector<Piece> pieces;
-    Piece next{.leg = nullptr, .along = startAlong, .left = startLeft, .angle = startAngle};
-    for (const Leg &leg : legs) {
+    Piece next{.leg = nullptr,
+               .speed = pattern.startSpeed,
+               .along = pattern.startAlong,
+               .left = pattern.startLeft,
+               .angle = pattern.startAngle,
+               .height = pattern.startHeight,
+               .pitch = pattern.startPitch};
+    for (const Leg &leg : pattern.legs) {
         next.leg = &leg;
         next.seconds = isHold(leg, next.speed) ? leg.length : 2 * distanceOf(leg) / (next.speed + leg.exitSpeed);
         pieces.push_back(next);
@@ -139,12 +90,16 @@ std::vector<Piece> layOut()
 std::vector<Knot> sampleEachSecond(const std::vector<Piece> &pieces)
 {
     const Piece &last = pieces.back();
-    const auto count = static_cast<std::size_t>(std::ceil(last.start + last.seconds)); // the last hold fills it up
+    const double end = last.start + last.seconds;
+    // A hold at the end fills the last second up; a flight without one is a little slower or faster instead.
+    const bool holds = isHold(*last.leg, last.speed);
+    const auto count = static_cast<std::size_t>(holds ? std::ceil(end) : std::round(end));
+    const double pace = holds ? 1.0 : end / static_cast<double>(count);
     std::vector<Knot> knots;
     knots.reserve(count);
     std::size_t current = 0;
     for (std::size_t second = 0; second < count; ++second) {
-        const auto time = static_cast<double>(second);
+        const double time = pace * static_cast<double>(second);
         while (current + 1 < pieces.size() && pieces[current + 1].start <= time)
             ++current;
         knots.push_back(pieces[current].at(time));
@@ -152,26 +107,26 @@ std::vector<Knot> sampleEachSecond(const std::vector<Piece> &pieces)
     return knots;
 }
 
-/// The knot `offset` seconds away on the closed loop, with the angle carried on.
-Knot around(const std::vector<Knot> &knots, std::size_t index, int offset)
+/// The knot `offset` seconds away on the closed loop, with the angle, which gains `turned` in a loop, carried on.
+Knot around(const std::vector<Knot> &knots, double turned, std::size_t index, int offset)
 {
     const auto count = static_cast<int>(knots.size());
     const int wanted = static_cast<int>(index) + offset;
     Knot knot = knots[static_cast<std::size_t>((wanted + count) % count)];
     if (wanted < 0)
-        knot[Angle] -= angleOfLoop();
+        knot[Angle] -= turned;
     else if (wanted >= count)
-        knot[Angle] += angleOfLoop();
+        knot[Angle] += turned;
     return knot;
 }
 
 /// Takes the corners off: each knot becomes the mean of its neighbourhood.
-std::vector<Knot> smoothed(const std::vector<Knot> &knots)
+std::vector<Knot> smoothed(const std::vector<Knot> &knots, double turned)
 {
     std::vector<Knot> result(knots.size());
     for (std::size_t i = 0; i < knots.size(); ++i) {
         for (int offset = -smoothingSeconds; offset <= smoothingSeconds; ++offset) {
-            const Knot neighbour = around(knots, i, offset);
+            const Knot neighbour = around(knots, turned, i, offset);
             for (std::size_t channel = 0; channel < channelCount; ++channel)
                 result[i][channel] += neighbour[channel] / (2 * smoothingSeconds + 1);
         }
@@ -180,11 +135,11 @@ std::vector<Knot> smoothed(const std::vector<Knot> &knots)
 }
 
 /// Bank in the air and nose wheel on the ground, as the turns demand.
-void steer(std::vector<Knot> &knots)
+void steer(std::vector<Knot> &knots, double turned)
 {
     for (std::size_t i = 0; i < knots.size(); ++i) {
-        const Knot before = around(knots, i, -1);
-        const Knot after = around(knots, i, 1);
+        const Knot before = around(knots, turned, i, -1);
+        const Knot after = around(knots, turned, i, 1);
         const double speed = std::hypot(after[Along] - before[Along], after[Left] - before[Left]) / 2;
         const double leftTurn = (after[Angle] - before[Angle]) / 2; // radians per second
         const double airborne = std::clamp((knots[i][Height] - 3) / 27, 0.0, 1.0);
@@ -194,7 +149,7 @@ void steer(std::vector<Knot> &knots)
     }
 }
 
-void moveSurfaces(CircuitPlan &plan)
+void moveSurfaces(CircuitPlan &plan, std::span<const Move> moves)
 {
     for (const Channel channel : {Flaps, Speedbrake}) {
         double position = 0;
@@ -215,28 +170,24 @@ void moveSurfaces(CircuitPlan &plan)
 }
 } // namespace
 
-double angleOfLoop()
-{
-    return 4 * M_PI;
-}
-
 double CircuitPlan::startOf(const QString &phase) const
 {
     const auto found = std::find_if(phases.begin(), phases.end(), [&](const Phase &p) { return p.name == phase; });
     return found == phases.end() ? -1 : found->start;
 }
 
-CircuitPlan planCircuit()
+CircuitPlan planCircuit(const Pattern &pattern)
 {
     CircuitPlan plan;
-    const std::vector<Piece> pieces = layOut();
+    const std::vector<Piece> pieces = layOut(pattern);
     for (const Piece &piece : pieces) {
+        plan.turned += qDegreesToRadians(piece.leg->turn);
         if (piece.leg->phase)
             plan.phases.push_back({QString::fromUtf16(piece.leg->phase), piece.start});
     }
-    plan.knots = smoothed(sampleEachSecond(pieces));
-    steer(plan.knots);
-    moveSurfaces(plan);
+    plan.knots = smoothed(sampleEachSecond(pieces), plan.turned);
+    steer(plan.knots, plan.turned);
+    moveSurfaces(plan, pattern.moves);
     return plan;
 }
 

@@ -1,5 +1,7 @@
 #include "practice/Flight.h"
 
+#include "practice/Patterns.h"
+
 #include <QtMath>
 
 #include <algorithm>
@@ -20,53 +22,16 @@ constexpr double wheelsTouch = 0.15;          ///< metres; the struts take that 
 constexpr double rockingDegrees = 0.02;
 constexpr double rockingSeconds = 6; ///< of one swing, as near as makes whole swings in a loop
 
-/// A switch that the pilot moves some seconds after the start of a phase.
-struct Cue
-{
-    const char16_t *phase;
-    double after; ///< seconds
-    bool AircraftState::*what;
-    bool on;
-};
-
-constexpr Cue cues[] = {
-    {u"parked", 3, &AircraftState::avionics, true},
-    {u"parked", 5, &AircraftState::navLights, true},
-    {u"engine start", 0, &AircraftState::beacon, true},
-    {u"engine start", 8, &AircraftState::engine2, true},
-    {u"engine start", 24, &AircraftState::engine1, true},
-    {u"taxi out", 0, &AircraftState::taxiLights, true},
-    {u"line-up", 0, &AircraftState::strobes, true},
-    {u"line-up", 2, &AircraftState::landingLights, true},
-    {u"line-up", 4, &AircraftState::modeC, true},
-    {u"climb", 5, &AircraftState::gearDown, false},
-    {u"climb", 9, &AircraftState::taxiLights, false},
-    {u"base", 0, &AircraftState::gearDown, true},
-    {u"base", 6, &AircraftState::speedbrakeArmed, true},
-    {u"final", 0, &AircraftState::taxiLights, true},
-    {u"roll-out", 4, &AircraftState::speedbrakeArmed, false},
-    {u"roll-out", 5, &AircraftState::reverse, true},
-    {u"roll-out", 18, &AircraftState::reverse, false},
-    {u"vacate", 4, &AircraftState::landingLights, false},
-    {u"vacate", 6, &AircraftState::strobes, false},
-    {u"vacate", 9, &AircraftState::modeC, false},
-    {u"shutdown", 1, &AircraftState::taxiLights, false},
-    {u"shutdown", 5, &AircraftState::engine1, false},
-    {u"shutdown", 6, &AircraftState::engine2, false},
-    {u"shutdown", 10, &AircraftState::beacon, false},
-    {u"shutdown", 14, &AircraftState::navLights, false},
-    {u"shutdown", 17, &AircraftState::avionics, false},
-};
-
-void place(AircraftState &state, const Knot &value, const Knot &speed)
+void place(AircraftState &state, const Knot &value, const Knot &speed, double eastShift, double northShift)
 {
     const double course = qDegreesToRadians(runwayCourse);
     const double east = std::sin(course);
     const double north = std::cos(course);
     // To the left of the runway's direction lies (-north, east).
     const double metresPerDegreeEast = metresPerDegree * std::cos(qDegreesToRadians(thresholdLatitude));
-    state.latitude = thresholdLatitude + (value[Along] * north + value[Left] * east) / metresPerDegree;
-    state.longitude = thresholdLongitude + (value[Along] * east - value[Left] * north) / metresPerDegreeEast;
+    state.latitude = thresholdLatitude + (value[Along] * north + value[Left] * east + northShift) / metresPerDegree;
+    state.longitude =
+        thresholdLongitude + (value[Along] * east - value[Left] * north + eastShift) / metresPerDegreeEast;
     state.eastVelocity = speed[Along] * east - speed[Left] * north;
     state.northVelocity = speed[Along] * north + speed[Left] * east;
     state.upVelocity = speed[Height];
@@ -100,9 +65,11 @@ void turn(AircraftState &state, const Knot &value, const Knot &rate)
 }
 } // namespace
 
-Flight::Flight() : m_plan(planCircuit())
+Flight::Flight() : Flight(homeCircuit()) {}
+
+Flight::Flight(const Pattern &pattern) : m_plan(planCircuit(pattern)), m_east(pattern.east), m_north(pattern.north)
 {
-    for (const Cue &cue : cues)
+    for (const Cue &cue : pattern.cues)
         m_switchings.push_back({m_plan.startOf(QString::fromUtf16(cue.phase)) + cue.after, cue.what, cue.on});
     std::stable_sort(m_switchings.begin(), m_switchings.end(),
                      [](const Switching &a, const Switching &b) { return a.time < b.time; });
@@ -136,9 +103,9 @@ void Flight::interpolate(double seconds, Knot &value, Knot &derivative) const
         const int wanted = index - 1 + i;
         Knot knot = m_plan.knots[static_cast<std::size_t>((wanted + count) % count)];
         if (wanted < 0)
-            knot[Angle] -= angleOfLoop();
+            knot[Angle] -= m_plan.turned;
         else if (wanted >= count)
-            knot[Angle] += angleOfLoop();
+            knot[Angle] += m_plan.turned;
         for (std::size_t channel = 0; channel < channelCount; ++channel) {
             value[channel] += weights[i] * knot[channel];
             derivative[channel] += slopes[i] * knot[channel];
@@ -154,7 +121,7 @@ AircraftState Flight::at(double seconds) const
     interpolate(time, value, rate);
     rock(time, duration(), value, rate);
     AircraftState state;
-    place(state, value, rate);
+    place(state, value, rate, m_east, m_north);
     turn(state, value, rate);
     state.noseWheel = value[Steer];
     state.flaps = std::clamp(value[Flaps], 0.0, 1.0);

@@ -13,17 +13,34 @@ PracticeSettings PracticeSettings::ephemeral()
     return settings;
 }
 
+namespace {
+/// What the FSD server allows when there is a crowd: a client that meets it has some questions about each pilot of it,
+/// all at once, and gets as many answers.
+FsdSettings withRoomFor(const CrowdSettings &crowd, FsdSettings settings)
+{
+    constexpr int questions = 8;
+    constexpr int answerBytes = 4096;
+    settings.maxLinesPerSecond += questions * crowd.pilots;
+    settings.maxQueuedBytes += answerBytes * crowd.pilots;
+    return settings;
+}
+} // namespace
+
 PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock &clock, QObject *parent)
     : QObject(parent),
       m_settings(std::move(settings)),
       m_tokens(clock),
       m_account(m_accounts, m_tokens),
-      m_fsd(m_accounts, m_tokens, m_settings.fsd, clock),
+      m_fsd(m_accounts, m_tokens, withRoomFor(m_settings.crowd, m_settings.fsd), clock),
       m_cast(m_fsd),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())
         m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd, clock);
+    if (m_settings.company.present)
+        m_company = std::make_unique<Company>(m_fsd, m_settings.company, clock);
+    if (m_settings.crowd.pilots > 0)
+        m_crowd = std::make_unique<Crowd>(m_fsd, m_settings.crowd, clock);
 }
 
 PracticeNetwork::~PracticeNetwork()
@@ -35,9 +52,15 @@ bool PracticeNetwork::start()
 {
     m_error.clear();
     const bool started = startServers() && (!m_settings.simulator || startSimulator());
-    if (!started)
+    if (!started) {
         stop();
-    return started;
+        return false;
+    }
+    if (m_company)
+        m_company->start();
+    if (m_crowd)
+        m_crowd->start();
+    return true;
 }
 
 bool PracticeNetwork::failed(const QString &what, const QString &why)
@@ -78,6 +101,10 @@ bool PracticeNetwork::startSimulator()
 void PracticeNetwork::stop()
 {
     m_xplane.stop();
+    if (m_crowd)
+        m_crowd->stop();
+    if (m_company)
+        m_company->stop();
     m_fsd.close();
     if (m_secondFsd)
         m_secondFsd->close();

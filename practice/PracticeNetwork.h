@@ -3,7 +3,8 @@
 #include "practice/AccountBook.h"
 #include "practice/AccountService.h"
 #include "practice/Cast.h"
-#include "practice/CompanySettings.h"
+#include "practice/Company.h"
+#include "practice/Crowd.h"
 #include "practice/FsdServer.h"
 #include "practice/TokenAuthority.h"
 #include "practice/XPlaneStandIn.h"
@@ -57,6 +58,8 @@ public:
     FsdServer &fsd() { return m_fsd; }
     /// Null unless the settings name a second address.
     FsdServer *secondFsd() { return m_secondFsd.get(); }
+    /// Null when the settings want none.
+    Company *company() { return m_company.get(); }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Clients of fsd() that say what they are told.
     Cast &cast() { return m_cast; }
@@ -76,6 +79,8 @@ private:
     FsdServer m_fsd;
     Cast m_cast;
     std::unique_ptr<FsdServer> m_secondFsd;
+    std::unique_ptr<Company> m_company;
+    std::unique_ptr<Crowd> m_crowd;
     XPlaneStandIn m_xplane;
     QString m_error;
 };
