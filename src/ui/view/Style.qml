@@ -69,6 +69,21 @@ QtObject {
     readonly property color onImage: "#FFFFFF"
     readonly property color onImageSoft: "#D8E1EC"
 
+    // Instruments: a dark glass in the bright page
+    readonly property color instrumentBezel: "#0B1220"
+    readonly property color instrumentGlass: "#111B2E"
+    readonly property color instrumentFilm: "#70060B16"
+    readonly property color instrumentGrid: "#2B3B57"
+    readonly property color instrumentLine: "#F1F5F9"
+    readonly property color instrumentDim: "#8CA0BC"
+    readonly property color instrumentOwn: "#FACC15"
+    readonly property color instrumentActive: "#4ADE80"
+    readonly property color instrumentTraffic: "#67E8F9"
+    readonly property color skyHigh: "#123A8C"
+    readonly property color skyLow: "#7DB7F0"
+    readonly property color groundNear: "#A0713F"
+    readonly property color groundFar: "#3F2A17"
+
     // Type
     readonly property int fontSmall: 12
     readonly property int fontBody: 14

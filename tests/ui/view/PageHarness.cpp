@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QUrl>
 
+#include <cmath>
 #include <functional>
 
 namespace tarvo::test {
@@ -126,6 +127,80 @@ void PageHarness::connectToNetwork()
     m_server.addRecentEvent(QStringLiteral("网络已连接"), QStringLiteral("网络已连接，当前呼号：CES2352"),
                             QStringLiteral("网络"));
     m_server.addRecentEvent(QStringLiteral("通知"), QStringLiteral("Connected to network."), QStringLiteral("系统"));
+}
+
+void PageHarness::fillSimulator(const QString &mode)
+{
+    m_dashboard.setCurrentMode(mode);
+    m_server.setCurrentMode(mode);
+    m_simulator.setMode(mode);
+    m_simulator.setSimulatorState(true, QStringLiteral("已连接"));
+    m_dashboard.setSimulatorState(true, QStringLiteral("已连接"));
+    m_simulator.setPluginValid(true);
+    m_simulator.setCslValid(true);
+    m_simulator.setTrafficMappingStatus(QStringLiteral("已加载 1286 个模型"));
+    m_simulator.setXPlaneVersion(120105);
+    model::UserAircraftData aircraft;
+    aircraft.latitude = 31.1434;
+    aircraft.longitude = 121.8052;
+    aircraft.altitudeMslM = 2512.4;
+    aircraft.altitudeAglM = 2508.1;
+    aircraft.altitudePressure = 8251;
+    aircraft.groundSpeed = 268.4;
+    aircraft.pitch = 7.4;
+    aircraft.bank = 21.5;
+    aircraft.heading = 52.4;
+    aircraft.latitudeVelocity = 84.2;
+    aircraft.longitudeVelocity = 109.7;
+    aircraft.altitudeVelocity = 9.1;
+    aircraft.headingVelocity = 0.026;
+    model::UserAircraftConfigData config;
+    config.beaconOn = config.navLightsOn = config.strobesOn = config.landingLightsOn = true;
+    config.engineCount = 2;
+    config.engine1Running = config.engine2Running = true;
+    config.flapsRatio = 0.25;
+    config.speedbrakeArmed = true;
+    model::RadioStackState radio;
+    radio.avionicsPowerOn = true;
+    radio.com1Frequency = 121800;
+    radio.com2Frequency = 124550;
+    radio.com1TransmitEnabled = radio.com1ReceiveEnabled = radio.com2ReceiveEnabled = true;
+    radio.com1Volume = 100;
+    radio.com2Volume = 80;
+    radio.squawkingModeC = true;
+    radio.transponderCode = 2145;
+    m_simulator.setOwnAircraft(aircraft, config, radio, false);
+}
+
+void PageHarness::fillTraffic(int count)
+{
+    const QStringList types{QStringLiteral("B738"), QStringLiteral("A320"), QStringLiteral("B77W"), QString(),
+                            QStringLiteral("C172")};
+    QList<model::RemoteAircraft> table;
+    QVariantList snapshot;
+    for (int i = 0; i < count; ++i) {
+        model::RemoteAircraft aircraft;
+        aircraft.callsign = i == 2 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i);
+        aircraft.typeCode = types.at(i % types.size());
+        const double angle = 0.7 + 2.4 * i;
+        const double degrees = 0.05 + 0.4 * (i % 40) / 40.0;
+        aircraft.visualState.latitude = 31.1434 + degrees * std::cos(angle);
+        aircraft.visualState.longitude = 121.8052 + degrees * std::sin(angle);
+        aircraft.visualState.altitudeMslM = 2512 + 410.0 * (i % 7 - 3);
+        aircraft.visualState.heading = (140 * i) % 360;
+        aircraft.groundSpeed = 240;
+        table << aircraft;
+        snapshot << QVariantMap{{QStringLiteral("label"), aircraft.callsign},
+                                {QStringLiteral("latitude"), aircraft.visualState.latitude},
+                                {QStringLiteral("longitude"), aircraft.visualState.longitude},
+                                {QStringLiteral("altitudeFeet"), 0.0},
+                                {QStringLiteral("headingTrue"), 0.0},
+                                {QStringLiteral("groundSpeedKnots"), 0.0}};
+    }
+    if (m_simulator.msfsMode())
+        m_simulator.setTrafficContacts(snapshot);
+    else
+        m_simulator.setRemoteAircraft(table);
 }
 
 void PageHarness::openSection(const QString &title)

@@ -40,6 +40,10 @@ public:
     void fillAccount();
     void fillFlight();
     void connectToNetwork();
+    /// A turning climb in this mode, with everything that the simulator page shows.
+    void fillSimulator(const QString &mode);
+    /// `count` aircraft around that flight, each at another bearing, distance and height.
+    void fillTraffic(int count);
     /// Opens the section with this title in the sidebar, by a click.
     void openSection(const QString &title);
 

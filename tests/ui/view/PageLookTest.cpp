@@ -17,8 +17,9 @@ private slots:
         QTest::addColumn<QString>("page");
         QTest::addColumn<QSize>("size");
         const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
-        const char *const pages[] = {"modes",  "overview",         "overview-offline", "overview-failed",
-                                     "server", "server-connected", "server-error"};
+        const char *const pages[] = {
+            "modes",        "overview",  "overview-offline",  "overview-failed", "server",         "server-connected",
+            "server-error", "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd"};
         for (const char *page : pages)
             for (const QSize &size : sizes)
                 QTest::addRow("%s %dx%d", page, size.width(), size.height()) << QString::fromLatin1(page) << size;
@@ -40,9 +41,16 @@ private slots:
             failEverything(harness);
         if (page.startsWith(QLatin1String("server")))
             harness.openSection(QStringLiteral("服务器"));
+        if (page.startsWith(QLatin1String("simulator")))
+            showSimulator(harness, page);
         if (page == QLatin1String("server-error"))
             harness.server().setCallsign(QStringLiteral("呼号 有空格"));
         QVERIFY(!harness.grab(QStringLiteral("%1-%2").arg(page).arg(size.width())).isNull());
+        if (QQuickItem *scroll = harness.item(QStringLiteral("simulatorScroll"))) {
+            auto *flickable = scroll->property("contentItem").value<QQuickItem *>();
+            flickable->setProperty("contentY", flickable->property("contentHeight").toReal() - flickable->height());
+            harness.grab(QStringLiteral("%1-%2-end").arg(page).arg(size.width()));
+        }
         const QList<QQuickItem *> texts = harness.texts();
         QVERIFY(texts.size() > 3);
         for (QQuickItem *text : texts)
@@ -65,6 +73,19 @@ private:
                                         QStringLiteral("高级教员 (I3)"));
         harness.dashboard().setSimulatorState(false, QStringLiteral("连接失败"));
         harness.dashboard().setServerState(false, QStringLiteral("已断开（强制）"));
+    }
+
+    static void showSimulator(PageHarness &harness, const QString &page)
+    {
+        if (page == QLatin1String("simulator-offline")) {
+            harness.simulator().setMode(QStringLiteral("XPLANE"));
+            harness.simulator().setSimulatorState(false, QStringLiteral("连接中..."));
+        } else {
+            harness.fillSimulator(page.endsWith(QLatin1String("msfs")) ? QStringLiteral("MSFS")
+                                                                       : QStringLiteral("XPLANE"));
+            harness.fillTraffic(page.endsWith(QLatin1String("crowd")) ? 300 : 6);
+        }
+        harness.openSection(QStringLiteral("模拟器"));
     }
 
     static bool isWhole(QQuickItem *text)

@@ -1,0 +1,171 @@
+import QtQuick
+import ".."
+
+/// The primary flight display: artificial horizon, bank scale, ground speed, altitude and heading. Nothing in it moves
+/// by itself: it is drawn again only when a value changes.
+Rectangle {
+    id: display
+
+    /// Degrees, knots, feet, feet per minute; anything that isn't finite is shown as absent.
+    property real pitch: 0
+    property real bank: 0
+    property real heading: 0
+    property real groundSpeed: 0
+    property real altitude: 0
+    property real climb: 0
+    property bool live: false
+    property bool paused: false
+    readonly property bool upright: live && Number.isFinite(pitch) && Number.isFinite(bank)
+    readonly property real tapeWidth: 60
+    readonly property real centre: (height - 2 * bezel) / 2
+    readonly property real bezel: 5
+
+    implicitWidth: 320
+    implicitHeight: 320
+    radius: 18
+    color: Style.instrumentBezel
+
+    function finite(value: real): real {
+        return Number.isFinite(value) ? value : 0
+    }
+
+    function turned(degrees: real): real {
+        return (finite(degrees) % 360 + 360) % 360
+    }
+
+    Item {
+        id: glass
+
+        anchors.fill: parent
+        anchors.margins: display.bezel
+        clip: true
+
+        Horizon {
+            anchors.fill: parent
+            pitch: display.upright ? Math.max(-90, Math.min(90, display.pitch)) : 0
+            bank: display.upright ? display.bank % 360 : 0
+            topKeep: Math.max(24, height / 2 - bankScale.radius + 18) // the ladder stays under the arc
+            bottomKeep: 44
+            sideKeep: display.tapeWidth
+            rungSize: Math.min(38, bankScale.radius * 0.27)
+            opacity: display.upright ? 1 : 0.35
+        }
+
+        BankScale {
+            id: bankScale
+
+            x: glass.width / 2
+            y: glass.height / 2
+            radius: Math.min(glass.height / 2 - 26, (glass.width / 2 - display.tapeWidth) / 0.87 - 10)
+            bank: display.upright ? display.bank % 360 : 0
+        }
+
+        // The aeroplane: two wings and the nose, always in the middle.
+        Repeater {
+            model: [-1, 1]
+
+            Item {
+                required property int modelData
+
+                x: glass.width / 2 // qmllint disable unqualified
+                y: glass.height / 2 // qmllint disable unqualified
+                transform: Scale { xScale: modelData } // qmllint disable unqualified
+
+                Rectangle { x: 23; y: -3.5; width: 8; height: 16; radius: 2; color: Style.instrumentBezel }
+                Rectangle { x: 23; y: -3.5; width: 44; height: 7; radius: 2; color: Style.instrumentBezel }
+                Rectangle { x: 25; y: -2; width: 4; height: 13; radius: 1; color: Style.instrumentOwn }
+                Rectangle { x: 25; y: -2; width: 40; height: 4; radius: 1; color: Style.instrumentOwn }
+            }
+        }
+
+        Rectangle {
+            x: (glass.width - width) / 2
+            y: (glass.height - height) / 2
+            width: 8
+            height: 8
+            radius: 2
+            color: Style.instrumentOwn
+            border.width: 1.5
+            border.color: Style.instrumentBezel
+        }
+
+        Tape {
+            width: display.tapeWidth
+            height: parent.height
+            title: qsTr("地速 kt")
+            value: display.finite(display.groundSpeed)
+            live: display.live && Number.isFinite(display.groundSpeed)
+            minimum: 0
+        }
+
+        Tape {
+            anchors.right: parent.right
+            width: display.tapeWidth
+            height: parent.height
+            title: qsTr("海高 ft")
+            value: display.finite(display.altitude)
+            live: display.live && Number.isFinite(display.altitude)
+            step: 100
+            marksAtLeft: true
+        }
+
+        HeadingTape {
+            anchors.bottom: parent.bottom
+            x: display.tapeWidth
+            width: parent.width - 2 * display.tapeWidth
+            heading: display.turned(display.heading)
+            live: display.live && Number.isFinite(display.heading)
+        }
+
+        Rectangle {
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            width: display.tapeWidth
+            height: 24
+            color: Style.instrumentBezel
+            visible: display.live && Number.isFinite(display.climb)
+
+            AppText {
+                anchors.fill: parent
+                anchors.margins: 2
+                text: (display.climb >= 10 ? "+" : "") + (10 * Math.round(display.climb / 10) + 0).toFixed(0) + " fpm"
+                color: Style.instrumentTraffic
+                font.pixelSize: 11
+                horizontalAlignment: Text.AlignHCenter
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 7
+            }
+        }
+
+        Rectangle {
+            anchors.horizontalCenter: parent.horizontalCenter
+            y: glass.height / 2 + 26
+            width: notice.implicitWidth + 24
+            height: 28
+            radius: 14
+            visible: notice.text.length > 0
+            color: Style.instrumentBezel
+            border.width: 1
+            border.color: display.upright ? Style.statusPending : Style.instrumentGrid
+
+            AppText {
+                id: notice
+
+                anchors.centerIn: parent
+                text: !display.upright ? qsTr("无姿态数据") : display.paused ? qsTr("已暂停") : ""
+                color: display.upright ? Style.statusPending : Style.instrumentDim
+                font.pixelSize: 13
+                font.weight: Font.DemiBold
+            }
+        }
+    }
+
+    // Rounds the glass: a frame of the bezel's colour over its square corners.
+    Rectangle {
+        anchors.fill: parent
+        color: "transparent"
+        radius: parent.radius
+        border.width: display.bezel + 2
+        border.color: parent.color
+    }
+}

@@ -1,0 +1,157 @@
+import QtQuick
+import ".."
+
+/// The aircraft around the own one, which is in the middle and heads up. The outer ring grows and shrinks so that nine
+/// of ten contacts are inside it; the others stand faint at its edge.
+Rectangle {
+    id: radar
+
+    /// Rows with "callsign", "bearing", "distanceNm", "relativeAltitudeFeet" and "heading", nearest first.
+    property var contacts: []
+    property real heading: 0
+    property bool live: false
+    readonly property real up: live && Number.isFinite(heading) ? (heading % 360 + 360) % 360 : 0
+    readonly property int count: contacts?.length ?? 0
+    readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 0
+    /// Nautical miles at the outer ring.
+    readonly property int range: rangeFor(farthest)
+    /// How many symbols are kept: grows in steps, so that they aren't built anew with each aircraft that comes.
+    readonly property int capacity: count <= 12 ? 12 : count <= 50 ? 50 : 200
+    /// The nearest ones carry texts; more would hide each other.
+    readonly property int namedContacts: count <= 50 ? 6 : 3
+    readonly property int measuredContacts: 24
+
+    function rangeFor(distance: real): int {
+        const ranges = [2, 5, 10, 20, 40, 80, 160, 320]
+        for (const miles of ranges)
+            if (miles >= distance)
+                return miles
+        return ranges[ranges.length - 1]
+    }
+
+    implicitWidth: 320
+    implicitHeight: 320
+    radius: 18
+    color: Style.instrumentBezel
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 5
+        radius: 13
+        color: Style.instrumentGlass
+    }
+
+    Item {
+        id: centre
+
+        readonly property real outer: Math.min(radar.width, radar.height) / 2 - 22
+
+        x: radar.width / 2
+        y: radar.height / 2 + 8
+
+        Repeater {
+            model: 3
+
+            Rectangle {
+                id: ring
+
+                required property int index
+                readonly property real size: centre.outer * (index + 1) / 4 // qmllint disable unqualified
+
+                x: -size
+                y: -size
+                width: 2 * size
+                height: 2 * size
+                radius: size
+                color: "transparent"
+                border.width: 1
+                border.color: index === 1 ? Style.instrumentDim : Style.instrumentGrid
+                opacity: index === 1 ? 0.7 : 1
+            }
+        }
+
+        CompassRose {
+            radius: centre.outer
+            heading: radar.up
+        }
+
+        Repeater {
+            model: radar.capacity
+
+            RadarContact {
+                required property int index
+
+                contact: index < radar.count ? radar.contacts[index] ?? null : null // qmllint disable unqualified
+                upHeading: radar.up // qmllint disable unqualified
+                range: radar.range // qmllint disable unqualified
+                radius: centre.outer // qmllint disable unqualified
+                named: index < radar.namedContacts // qmllint disable unqualified
+                measured: index < radar.measuredContacts // qmllint disable unqualified
+                room: radar.width / 2 // qmllint disable unqualified
+                z: -index
+            }
+        }
+
+        // The own aeroplane: fuselage, wings, tail.
+        Item {
+            z: 1
+            opacity: radar.live ? 1 : 0.4
+
+            Rectangle { x: -2; y: -11; width: 4; height: 23; radius: 2; color: Style.instrumentLine }
+            Rectangle { x: -11; y: -3; width: 22; height: 3.5; radius: 1.5; color: Style.instrumentLine }
+            Rectangle { x: -5; y: 8; width: 10; height: 3; radius: 1.5; color: Style.instrumentLine }
+        }
+    }
+
+    // The lubber line under the heading.
+    Rectangle {
+        x: centre.x - 1
+        y: centre.y - centre.outer - 5
+        width: 2
+        height: 14
+        color: Style.instrumentOwn
+    }
+
+    Rectangle {
+        x: centre.x - width / 2
+        y: 3
+        width: 56
+        height: 22
+        radius: 6
+        color: Style.instrumentBezel
+        border.width: 1
+        border.color: Style.instrumentDim
+
+        AppText {
+            anchors.centerIn: parent
+            text: radar.live && Number.isFinite(radar.heading) ? String(Math.round(radar.up) % 360 || 360).padStart(3, "0") + "°" : "--"
+            color: Style.instrumentActive
+            font.pixelSize: 13
+            font.weight: Font.DemiBold
+        }
+    }
+
+    Repeater {
+        model: [0.5, 1]
+
+        AppText {
+            id: miles
+
+            required property real modelData
+
+            x: centre.x + centre.outer * modelData * 0.7071 - (modelData === 1 ? -4 : width + 1) // qmllint disable unqualified
+            y: centre.y + centre.outer * modelData * 0.7071 - (modelData === 1 ? 2 : height + 1) // qmllint disable unqualified
+            text: String(radar.range * modelData) // qmllint disable unqualified
+            color: Style.instrumentDim
+            font.pixelSize: 11
+        }
+    }
+
+    AppText {
+        x: 14
+        y: parent.height - height - 10
+        text: qsTr("量程 %1 NM").arg(radar.range)
+        color: Style.instrumentDim
+        font.pixelSize: 11
+    }
+}
