@@ -39,12 +39,13 @@ MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_
 void MessagesFeed::connectSession()
 {
     connect(m_network.get(), &NetworkManager::networkConnected, this, [this](const QString &callsign) {
+        m_page.clearNearby(); // the controllers' list is emptied without a word, here and at the end
         m_page.setOwnCallsign(callsign);
         m_page.setNetworkConnected(true);
     });
     connect(m_network.get(), &NetworkManager::networkDisconnected, this, [this] {
         m_page.setNetworkConnected(false);
-        m_page.clearNearby(); // the controllers' list is emptied without a word
+        m_page.clearNearby();
     });
     connect(m_network.get(), &NetworkManager::notificationPosted, this,
             [this](const QString &message) { m_page.addSystemNote(message); });

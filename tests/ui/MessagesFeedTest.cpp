@@ -150,6 +150,14 @@ private slots:
         QVERIFY(desk.page.nearbyClients().isEmpty());
     }
 
+    void aNewSessionBeginsWithoutStations()
+    {
+        Desk desk;
+        emit desk.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
+        emit desk.session.manager->networkConnected(u"AB1"_qs);
+        QVERIFY(desk.page.nearbyClients().isEmpty());
+    }
+
     void theEndOfTheSessionEmptiesTheStations()
     {
         Desk desk;
