@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 namespace tarvo::test {
 
 /// A simulator that does nothing but write down what it is told, one text for each call, such as
@@ -18,7 +20,20 @@ public:
     simulator::SimulatorType type = simulator::SimulatorType::XPlane12;
     double trueAltitude = 0;              ///< feet
     double pressureAltitude = 0;          ///< feet
+    double remoteAltitudeShift = 0;       ///< feet; what other aircraft's altitudes are adjusted by
     QList<model::Controller> controllers; ///< as last set
+
+    /// What a call about another aircraft was told; a slow position and those without one have no vectors.
+    struct Told
+    {
+        model::RemoteAircraft aircraft;
+        model::AircraftVisualState state;
+        model::VelocityVector positional;
+        model::VelocityVector rotational;
+    };
+    QList<Told> told; ///< one for each call about an aircraft, heartbeats excepted
+    /// Runs within each call, after it is written down: a simulator that comes back.
+    std::function<void(const QString &call)> onCall;
 
     /// The calls so far, which are then forgotten.
     QStringList takeCalls()
@@ -35,14 +50,17 @@ public:
     void transponderModeToggle() override { note(u"transponderModeToggle"_qs); }
     void addAircraft(const model::RemoteAircraft &aircraft) override
     {
+        told.append({aircraft, aircraft.visualState, {}, {}});
         note(u"addAircraft %1"_qs.arg(aircraft.callsign));
     }
     void updateAircraftConfiguration(const model::RemoteAircraft &aircraft) override
     {
+        told.append({aircraft, aircraft.visualState, {}, {}});
         note(u"updateAircraftConfiguration %1"_qs.arg(aircraft.callsign));
     }
     void removeAircraft(const model::RemoteAircraft &aircraft, const QString &reason) override
     {
+        told.append({aircraft, aircraft.visualState, {}, {}});
         note(u"removeAircraft %1 %2"_qs.arg(aircraft.callsign, reason));
     }
     void removeAllAircraft() override { note(u"removeAllAircraft"_qs); }
@@ -56,13 +74,15 @@ public:
         controllers.clear();
         note(u"clearControllers"_qs);
     }
-    void positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &) override
+    void positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state) override
     {
+        told.append({aircraft, state, {}, {}});
         note(u"positionUpdate %1"_qs.arg(aircraft.callsign));
     }
-    void fastPositionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &,
-                            const model::VelocityVector &, const model::VelocityVector &) override
+    void fastPositionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state,
+                            const model::VelocityVector &positional, const model::VelocityVector &rotational) override
     {
+        told.append({aircraft, state, positional, rotational});
         note(u"fastPositionUpdate %1"_qs.arg(aircraft.callsign));
     }
     void aircraftHeartbeat(const QString &callsign) override { note(u"aircraftHeartbeat %1"_qs.arg(callsign)); }
@@ -97,10 +117,15 @@ public:
     void reconnectSimulator() override { note(u"reconnectSimulator"_qs); }
     double pressureAltitudeFeet() const override { return pressureAltitude; }
     double trueAltitudeFeet() const override { return trueAltitude; }
-    double adjustRemoteAltitude(double altitudeFeet) const override { return altitudeFeet; }
+    double adjustRemoteAltitude(double altitudeFeet) const override { return altitudeFeet + remoteAltitudeShift; }
 
 private:
-    void note(const QString &call) { calls.append(call); }
+    void note(const QString &call)
+    {
+        calls.append(call);
+        if (const auto callBack = onCall) // a copy: it may put another one in its place
+            callBack(call);
+    }
 };
 
 } // namespace tarvo::test

@@ -1,0 +1,144 @@
+#include "manager/RemoteAircraftTable.h"
+#include "support/LogCapture.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+using namespace tarvo;
+using namespace tarvo::manager;
+using tarvo::model::RemoteAircraft;
+
+namespace {
+
+const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
+
+QString callsignOf(qsizetype number)
+{
+    return QStringLiteral("X%1").arg(number);
+}
+
+} // namespace
+
+/// The other aircraft by callsign, and what was asked about them.
+class RemoteAircraftTableTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anUnknownAircraftIsMade()
+    {
+        RemoteAircraftTable table;
+        QCOMPARE(table.find(u"CCA1"_qs), nullptr);
+        RemoteAircraft expected;
+        expected.callsign = u"CCA1"_qs;
+        expected.airline = u"CCA"_qs;
+        expected.lastUpdate = noon;
+        RemoteAircraft *made = table.obtain(u"CCA1"_qs, noon);
+        QVERIFY(made);
+        QCOMPARE(*made, expected);
+        made->typeCode = u"B738"_qs;
+        QCOMPARE(table.obtain(u"CCA1"_qs, noon.addSecs(1))->typeCode, u"B738"_qs);
+        QCOMPARE(table.find(u"CCA1"_qs)->lastUpdate, noon); // only the making sets it
+        QCOMPARE(std::as_const(table).find(u"cca1"_qs), nullptr);
+        QCOMPARE(table.size(), 1);
+    }
+
+    void refusedCallsigns_data()
+    {
+        QTest::addColumn<QString>("callsign");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("empty") << QString() << false;
+        QTest::newRow("longest") << QString(RemoteAircraftTable::longestCallsign, QLatin1Char('A')) << true;
+        QTest::newRow("too long") << QString(RemoteAircraftTable::longestCallsign + 1, QLatin1Char('A')) << false;
+        QTest::newRow("a million") << QString(1'000'000, QLatin1Char('A')) << false;
+    }
+
+    void refusedCallsigns()
+    {
+        QFETCH(QString, callsign);
+        RemoteAircraftTable table;
+        QTEST(table.obtain(callsign, noon) != nullptr, "accepted");
+        QTEST(table.size() == 1, "accepted");
+    }
+
+    void aFullTableIgnoresNewcomersAndSaysSoOnce()
+    {
+        RemoteAircraftTable table;
+        const test::LogCapture log;
+        for (qsizetype i = 0; i < RemoteAircraftTable::maximumSize; ++i)
+            QVERIFY(table.obtain(callsignOf(i), noon));
+        QCOMPARE(log.texts(), QStringList());
+        QCOMPARE(table.obtain(u"NEW"_qs, noon), nullptr);
+        QCOMPARE(table.obtain(u"NEWER"_qs, noon), nullptr);
+        QCOMPARE(log.texts(QtWarningMsg),
+                 QStringList{u"No room for more than 4000 other aircraft; new ones are ignored"_qs});
+        QVERIFY(table.obtain(callsignOf(0), noon)); // those who are there stay
+        QVERIFY(table.take(callsignOf(7)));
+        QVERIFY(table.obtain(u"NEW"_qs, noon));
+        QCOMPARE(table.size(), RemoteAircraftTable::maximumSize);
+        table.clear();
+        QCOMPARE(table.size(), 0);
+    }
+
+    void aTypeIsAskedOnceUntilItIsAnswered()
+    {
+        RemoteAircraftTable table;
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs)); // nobody
+        table.obtain(u"AB2"_qs, noon);
+        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs));
+        table.typeAnswered(u"AB3"_qs);
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs));
+        table.typeAnswered(u"AB2"_qs);
+        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        table.typeAnswered(u"AB2"_qs);
+        table.find(u"AB2"_qs)->typeCode = u"B738"_qs;
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs)); // known
+    }
+
+    void aConfigurationIsAskedOnceUntilItIsAnswered()
+    {
+        RemoteAircraftTable table;
+        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
+        table.obtain(u"AB2"_qs, noon);
+        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
+        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
+        table.configurationAnswered(u"AB3"_qs);
+        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
+        table.configurationAnswered(u"AB2"_qs);
+        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
+        QVERIFY(table.shouldAskForType(u"AB2"_qs)); // one has nothing to do with the other
+    }
+
+    void whoHasLeftIsAskedAnew()
+    {
+        RemoteAircraftTable table;
+        table.obtain(u"AB2"_qs, noon)->state = RemoteAircraft::State::InSimulator;
+        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
+        const std::optional<RemoteAircraft> taken = table.take(u"AB2"_qs);
+        QVERIFY(taken);
+        QCOMPARE(taken->state, RemoteAircraft::State::InSimulator);
+        QVERIFY(!table.take(u"AB2"_qs));
+        QCOMPARE(table.obtain(u"AB2"_qs, noon)->state, RemoteAircraft::State::New);
+        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
+    }
+
+    void lists()
+    {
+        RemoteAircraftTable table;
+        for (const char *callsign : {"CD3", "AB2", "EF4"})
+            table.obtain(QLatin1StringView(callsign), noon);
+        QCOMPARE(table.callsigns(), (QStringList{u"AB2"_qs, u"CD3"_qs, u"EF4"_qs}));
+        QStringList listed;
+        const QList<RemoteAircraft> all = table.all();
+        for (const RemoteAircraft &aircraft : all)
+            listed << aircraft.callsign;
+        listed.sort();
+        QCOMPARE(listed, table.callsigns());
+    }
+};
+
+TARVO_TEST(RemoteAircraftTableTest)
+#include "RemoteAircraftTableTest.moc"
