@@ -75,6 +75,12 @@ void finish(QTcpSocket *socket)
         socket->close();
 }
 
+/// A second small line must not wait until the server has confirmed the first. Takes effect on a connected socket only.
+void sendAtOnce(QTcpSocket &socket)
+{
+    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+}
+
 } // namespace
 
 /// Stands in every reaction to a socket. A retired socket may be one whose call is still on the stack, perhaps under a
@@ -185,6 +191,7 @@ void FsdClient::endUnreadConnection()
 void FsdClient::onSocketConnected()
 {
     const StackGuard guard(*this);
+    sendAtOnce(*m_socket);
     m_connected = true;
     emit raiseNetworkConnected();
 }
@@ -279,6 +286,7 @@ void FsdClient::onNewServerConnected(QTcpSocket *socket)
         return;
     m_splitter.reset();       // a half line of the old server must not lead the new one's first
     socket->disconnect(this); // leaves the two closures
+    sendAtOnce(*socket);
     m_newSocket = nullptr;
     retire(std::exchange(m_socket, socket));
     m_changingServer = false;
