@@ -5,6 +5,7 @@
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
 #include "manager/AircraftManager.h"
+#include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "manager/UserAircraftManager.h"
 #include "network/ApiService.h"
@@ -50,6 +51,7 @@ public:
         m_network = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints);
         m_aircraft = std::make_shared<manager::AircraftManager>(m_network);
         m_userAircraft = std::make_shared<manager::UserAircraftManager>(m_network);
+        m_controllers = std::make_shared<manager::ControllerManager>(m_network);
         m_adapter = std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints);
         connectWhenLive();
         m_network->setSimulator(m_adapter);
@@ -57,6 +59,7 @@ public:
 
     ~Client()
     {
+        m_controllers.reset();
         m_userAircraft.reset();
         m_aircraft.reset();
         m_network.reset();
@@ -97,6 +100,7 @@ private:
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::AircraftManager> m_aircraft;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraft;
+    std::shared_ptr<manager::ControllerManager> m_controllers;
     std::shared_ptr<simulator::xplane::XPlaneAdapter> m_adapter;
     QObject m_context;
     bool m_simulatorConnected = false;

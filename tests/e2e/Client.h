@@ -1,7 +1,9 @@
 #pragma once
 
 #include "AppConfig.h"
+#include "manager/AircraftManager.h"
 #include "manager/ClientIdentity.h"
+#include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "manager/UserAircraftManager.h"
 #include "network/ApiService.h"
@@ -89,7 +91,9 @@ public:
     network::ApiService api;
     network::SwiftAircraftIcaoService icao;
     std::shared_ptr<manager::NetworkManager> manager;
+    std::shared_ptr<manager::AircraftManager> traffic;
     std::shared_ptr<manager::UserAircraftManager> aircraft;
+    std::shared_ptr<manager::ControllerManager> controllers;
 
     QStringList notifications; ///< texts, in order
     QStringList events;        ///< "connected AB1", "disconnected", "disconnected forced"
@@ -108,7 +112,9 @@ public:
         config.set(config::sessionUsername, QStringLiteral("1001"));
         config.set(config::sessionPassword, password);
         manager = std::make_shared<manager::NetworkManager>(config, api, icao, m_endpoints);
+        traffic = std::make_shared<manager::AircraftManager>(manager);
         aircraft = std::make_shared<manager::UserAircraftManager>(manager);
+        controllers = std::make_shared<manager::ControllerManager>(manager);
         listen();
         return true;
     }
@@ -143,7 +149,9 @@ public:
              {config::authToken, config::authRefreshToken, config::authUsername, config::authPassword})
             config.reset(key);
         manager->disconnectFromNetwork();
+        controllers.reset();
         aircraft.reset();
+        traffic.reset();
         manager.reset();
         config.reset(config::sessionUsername);
         config.reset(config::sessionPassword);
