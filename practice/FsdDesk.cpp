@@ -200,7 +200,7 @@ void FsdDesk::onText(FsdSession &session, const QStringList &fields, const QStri
     } else if (to != server) {
         m_relay.toRecipient(session, to, line);
     } else if (fields.at(2) == QLatin1StringView("FP") && fields.size() > 4) { // FP : callsign : GET
-        answerFlightPlan(session, fields.at(3));
+        answerFlightPlan(session, fields.at(3), false);
     }
 }
 
@@ -233,7 +233,7 @@ void FsdDesk::answerQuery(FsdSession &session, const QStringList &fields)
         answer = {session.peerAddress()};
         break;
     case ClientQueryType::FlightPlan:
-        answerFlightPlan(session, subject);
+        answerFlightPlan(session, subject, true);
         return;
     default:
         return; // the server has no answer to the other types
@@ -242,7 +242,7 @@ void FsdDesk::answerQuery(FsdSession &session, const QStringList &fields)
         toLine(fsd::pdu::ClientQueryResponse(server, session.identity->callsign, query.queryType, std::move(answer))));
 }
 
-void FsdDesk::answerFlightPlan(FsdSession &session, const QString &callsign)
+void FsdDesk::answerFlightPlan(FsdSession &session, const QString &callsign, bool withPlan)
 {
     const FsdClientRecord *other = m_roster.record(callsign);
     if (!other || other->aircraftType.isEmpty()) {
@@ -251,12 +251,14 @@ void FsdDesk::answerFlightPlan(FsdSession &session, const QString &callsign)
     }
     const QString answer = toLine(fsd::pdu::ClientQueryResponse(
         server, session.identity->callsign, ClientQueryType::FlightPlan, {callsign, other->aircraftType}));
+    const QString plan = withPlan ? other->flightPlan : QString();
     if (other->inCrowd) {
-        session.sendQuietly((answer + other->flightPlan).toLatin1());
+        session.sendQuietly((answer + plan).toLatin1());
         return;
     }
     session.send(answer);
-    session.send(other->flightPlan);
+    if (withPlan)
+        session.send(plan);
 }
 
 void FsdDesk::onPing(FsdSession &session, const QStringList &fields, const QString &line)

@@ -57,7 +57,9 @@ private:
     void onForOthers(FsdSession &session, const QStringList &fields, const QString &line);
 
     void answerQuery(FsdSession &session, const QStringList &fields);
-    void answerFlightPlan(FsdSession &session, const QString &callsign);
+    /// A client of the token protocol asks by text for every plan that it gets: with the plan in the answer to that,
+    /// the two would never come to an end.
+    void answerFlightPlan(FsdSession &session, const QString &callsign, bool withPlan);
     void moveTo(FsdSession &session, double latitude, double longitude, const QString &line);
 
     const Roster &m_roster;

@@ -59,7 +59,7 @@ private slots:
         row("nothing is none", "$CQAB1:SERVER:ATC", "$CRSERVER:AB1:ATC:N:\r\n");
         row("flight plan", "$CQAB1:SERVER:FP:XY2", "$CRSERVER:AB1:FP:XY2:B738\r\n");
         row("flight plan itself", "$CQAB1:SERVER:FP:XY2", "$FPXY2:SERVER:I:B738:");
-        row("flight plan by text", "#TMAB1:SERVER:FP:XY2:GET", "$FPXY2:SERVER:I:B738:");
+        row("flight plan by text", "#TMAB1:SERVER:FP:XY2:GET", "$CRSERVER:AB1:FP:XY2:B738\r\n");
         row("no flight plan", "$CQAB1:SERVER:FP:AB1", "$ERSERVER:AB1:8:AB1:No flight plan\r\n");
         row("no such pilot", "$CQAB1:SERVER:FP:NOBODY", "$ERSERVER:AB1:8:NOBODY:No flight plan\r\n");
         row("no such recipient", "$CQAB1:NOBODY:RN", "$ERSERVER:AB1:7:NOBODY:No such callsign\r\n");

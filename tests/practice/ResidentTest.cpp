@@ -205,7 +205,7 @@ private slots:
         row("a controller", "$CQAB1:SERVER:ATC:zbaa_twr", "$CRSERVER:AB1:ATC:Y:ZBAA_TWR\r\n");
         row("a pilot is none", "$CQAB1:SERVER:ATC:RES1", "$CRSERVER:AB1:ATC:N:RES1\r\n");
         row("flight plan", "$CQAB1:SERVER:FP:RES1", "$CRSERVER:AB1:FP:RES1:B738\r\n$FPRES1:SERVER:I:B738\r\n");
-        row("flight plan by text", "#TMAB1:SERVER:FP:RES1:GET", "$FPRES1:SERVER:I:B738\r\n");
+        row("flight plan by text", "#TMAB1:SERVER:FP:RES1:GET", "$CRSERVER:AB1:FP:RES1:B738\r\n");
         row("no flight plan", "$CQAB1:SERVER:FP:ZBAA_TWR", "$ERSERVER:AB1:8:ZBAA_TWR:No flight plan\r\n");
     }
 
