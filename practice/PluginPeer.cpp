@@ -169,6 +169,7 @@ void PluginPeer::receiveAll()
 
 void PluginPeer::receive(const QByteArray &bytes)
 {
+    emit bytesReceived(bytes);
     QString error;
     const std::optional<PluginMessage> message = PluginMessage::fromBytes(bytes, &error);
     if (!message) {

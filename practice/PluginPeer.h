@@ -75,6 +75,8 @@ public:
     bool sendRaw(const QByteArray &bytes);
 
 signals:
+    /// Whatever came from the client, before it is read.
+    void bytesReceived(const QByteArray &bytes);
     /// A message of the client; nil arguments are invalid variants.
     void messageReceived(const QString &name, const QVariantList &arguments);
     void messageSent(const QString &name, const QVariantList &arguments);

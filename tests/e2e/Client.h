@@ -15,7 +15,9 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
+#include <functional>
 #include <memory>
 
 namespace tarvo::test {
@@ -23,10 +25,10 @@ namespace tarvo::test {
 /// The practice network on free ports, and what its FSD server hears.
 struct Network
 {
-    practice::PracticeNetwork practice{quietSettings()};
-    QStringList heard; ///< lines of all clients, in order, without the configuration messages
+    practice::PracticeNetwork practice;
+    QStringList heard; ///< lines of all clients, in order, without the configuration messages to all
 
-    Network()
+    explicit Network(const common::Clock &clock = common::systemClock()) : practice(quietSettings(), clock)
     {
         started = practice.start();
         listenTo(practice.fsd());
@@ -73,8 +75,9 @@ enum class Protocol
 class Client
 {
 public:
-    Client(Network &network, Protocol protocol)
-        : m_endpoints(endpointsOf(network)), config(root.path()), api(config, m_endpoints), icao(config)
+    /// The clock is that of the session, not of the services and the simulator.
+    Client(Network &network, Protocol protocol, const common::Clock &clock = common::systemClock())
+        : m_endpoints(endpointsOf(network)), m_clock(clock), config(root.path()), api(config, m_endpoints), icao(config)
     {
         config.set(config::authVatsim, protocol == Protocol::Token);
         config.set(config::xplaneUdpPort, network.practice.xplane().udpPort());
@@ -85,6 +88,7 @@ public:
 
 private:
     ServiceEndpoints m_endpoints;
+    const common::Clock &m_clock;
 
 public:
     AppConfig config;
@@ -111,16 +115,17 @@ public:
             return false;
         config.set(config::sessionUsername, QStringLiteral("1001"));
         config.set(config::sessionPassword, password);
-        manager = std::make_shared<manager::NetworkManager>(config, api, icao, m_endpoints);
-        traffic = std::make_shared<manager::AircraftManager>(manager);
+        manager = std::make_shared<manager::NetworkManager>(config, api, icao, m_endpoints, m_clock);
+        traffic = std::make_shared<manager::AircraftManager>(manager, m_clock);
         aircraft = std::make_shared<manager::UserAircraftManager>(manager);
-        controllers = std::make_shared<manager::ControllerManager>(manager);
+        controllers = std::make_shared<manager::ControllerManager>(manager, m_clock);
         listen();
         return true;
     }
 
-    /// Installs X-Plane and waits until it is connected and then delivers.
-    bool activateXPlane()
+    /// Installs X-Plane and waits until it is connected and then delivers. `meanwhile` is called while it waits, to
+    /// move a simulator whose clock stands still.
+    bool activateXPlane(const std::function<void()> &meanwhile = [] {})
     {
         using simulator::Simulator;
         const auto xplane = std::make_shared<simulator::xplane::XPlaneAdapter>(config, m_endpoints);
@@ -129,8 +134,19 @@ public:
         QObject::connect(xplane.get(), &Simulator::simConnectionStateChanged, xplane.get(),
                          [&](bool on) { connected = on; });
         QObject::connect(xplane.get(), &Simulator::userAircraftDataChanged, xplane.get(), [&] { live = connected; });
+        // Where another one was before, its socket closes in the time before the dial: a plugin has room for one.
+        auto *dial = xplane->findChild<QTimer *>(QStringLiteral("dial"));
+        if (!manager->simulator() && dial)
+            dial->setInterval(0);
         manager->setSimulator(xplane);
-        const bool delivered = QTest::qWaitFor([&] { return live; }, 20'000);
+        auto *tick = xplane->findChild<QTimer *>(QStringLiteral("tick"));
+        const auto delivers = [&] {
+            meanwhile();
+            if (!connected)
+                QMetaObject::invokeMethod(tick, "timeout");
+            return live;
+        };
+        const bool delivered = tick && QTest::qWaitFor(delivers, 20'000);
         xplane->disconnect(xplane.get());
         return delivered;
     }
@@ -157,16 +173,22 @@ public:
         config.reset(config::sessionPassword);
     }
 
-    /// Raises the signal of one of the session's timers.
+    /// Raises the signal of one of the session's timers, such as "slowTimer", "staleTimer" or "controllerTimer".
     bool fire(const char *timer) const
     {
-        auto *found = manager->findChild<QTimer *>(QLatin1StringView(timer));
+        QTimer *found = findTimer(timer);
         return found && QMetaObject::invokeMethod(found, "timeout");
     }
     bool isRunning(const char *timer) const
     {
-        const auto *found = manager->findChild<QTimer *>(QLatin1StringView(timer));
+        const QTimer *found = findTimer(timer);
         return found && found->isActive();
+    }
+    /// Keeps a timer from going off by itself.
+    void stop(const char *timer) const
+    {
+        if (QTimer *found = findTimer(timer))
+            found->stop();
     }
 
     /// All network logs, one after the other.
@@ -183,6 +205,16 @@ public:
     }
 
 private:
+    QTimer *findTimer(const char *name) const
+    {
+        for (const QObject *owner :
+             std::initializer_list<const QObject *>{manager.get(), traffic.get(), aircraft.get(), controllers.get()}) {
+            if (QTimer *found = owner ? owner->findChild<QTimer *>(QLatin1StringView(name)) : nullptr)
+                return found;
+        }
+        return nullptr;
+    }
+
     static ServiceEndpoints endpointsOf(Network &network)
     {
         ServiceEndpoints endpoints;

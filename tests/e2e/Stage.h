@@ -1,0 +1,87 @@
+#pragma once
+
+#include "e2e/Client.h"
+#include "model/RadioStackState.h"
+#include "practice/PluginMessage.h"
+#include "support/ManualClock.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <initializer_list>
+
+namespace tarvo::test {
+
+/// A client beside an X-Plane and a server in a world where nothing happens by itself: the session's clock and the
+/// simulator's stand still, the session's timers don't go off. Whatever the client says is kept in order: lines to the
+/// server, bytes to the plugin, signals to the program.
+class Stage
+{
+public:
+    explicit Stage(Protocol protocol = Protocol::Classic);
+
+    /// Signs in and connects X-Plane.
+    bool open();
+    /// Goes online as AB1, a B738 with the SELCAL EF-GH; what the login says is kept.
+    bool goOnline();
+    bool goOnlineAsObserver();
+    /// open() and goOnline(); what was said is forgotten. `pilots` and `controllers` are on the network already.
+    bool start(const QStringList &pilots = {}, const QStringList &controllers = {});
+    /// Puts another X-Plane in the place of the one that is there, with the same plugin.
+    bool replaceSimulator();
+
+    /// Lets the server send lines to AB1, and waits until the client and all that answers it have come to rest.
+    bool hear(const QStringList &lines);
+    /// Waits until everything that is under way between server, client and plugin has arrived.
+    bool settle();
+
+    /// What was said since it was last taken. Own positions are left out of the lines.
+    QStringList takeLines();
+    /// Each as shown() shows it.
+    QStringList takeMessages();
+    qsizetype messageCount() const { return m_messages.size(); }
+    QStringList takeSignals();
+
+    /// Sets a dataref and waits until the client has its value.
+    bool turn(const QString &dataref, float value, const std::function<bool(const model::RadioStackState &)> &known);
+    bool tuneCom1(int kHz);
+    bool tuneCom2(int kHz);
+    bool receiveOnCom2();
+
+    practice::FsdServer &server() { return network.practice.fsd(); }
+    practice::PluginPeer &plugin() { return network.practice.xplane().plugin(); }
+    practice::XPlaneStandIn &xplane() { return network.practice.xplane(); }
+    manager::NetworkManager &manager() { return *client.manager; }
+
+    /// What the client's two records say of an aircraft; one without a callsign when there is none.
+    model::RemoteAircraft inNetworkTable(const QString &callsign) const;
+    model::RemoteAircraft inTrafficList(const QString &callsign) const;
+
+    ManualClock simulatorClock; ///< and the services'
+    ManualClock clock;          ///< the session's
+    Network network;
+    Client client;
+
+private:
+    bool activateXPlane();
+    void watchPlugin();
+    void watchRadio();
+    void watchTextSignals();
+    void watchTrafficSignals();
+    void watchStationSignals();
+    template <class... Arguments>
+    void watch(void (manager::NetworkManager::*signal)(Arguments...), const QString &name);
+    bool awaitLogin();
+    void stopTimers();
+    bool passRound();
+
+    QList<QByteArray> m_messages;
+    QStringList m_signals;
+    model::RadioStackState m_radio;
+    int m_mark = 0;
+};
+
+/// Messages as takeMessages() gives them.
+QStringList told(std::initializer_list<practice::PluginMessage> messages);
+
+} // namespace tarvo::test

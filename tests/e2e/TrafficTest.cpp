@@ -1,0 +1,427 @@
+#include "e2e/Stage.h"
+#include "e2e/TrafficLines.h"
+#include "support/TestRegistry.h"
+
+using namespace tarvo;
+using namespace tarvo::test;
+using State = model::RemoteAircraft::State;
+
+namespace {
+
+constexpr practice::PluginAnswering silent{.silent = true, .delayMs = 0};
+const QVariant nil;
+
+/// The aircraft in the simulator by way of the session's table, and known to the list, which still waits.
+bool introduce(Stage &stage, int knots)
+{
+    const bool introduced = stage.hear({slowPosition(cca, knots), planeInfo(cca)});
+    stage.takeLines();
+    stage.takeMessages();
+    return introduced;
+}
+
+} // namespace
+
+/// Other pilots, from their first position to the plugin's last answer.
+class TrafficTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aWholeLife_data()
+    {
+        QTest::addColumn<Protocol>("protocol");
+        QTest::newRow("classic") << Protocol::Classic;
+        QTest::newRow("token") << Protocol::Token;
+    }
+
+    void aWholeLife()
+    {
+        QFETCH(Protocol, protocol);
+        Stage stage(protocol);
+        QVERIFY(stage.start({cca}));
+        const QStringList questions = typeQuestions(cca, protocol == Protocol::Token);
+
+        // First seen: asked what it is, by the session and by the list.
+        QVERIFY(stage.hear({slowPosition(cca, 250)}));
+        const QStringList greeting{u"$CQAB1:CCA123:CAPS"_qs, ownCapabilities(cca)};
+        QCOMPARE(stage.takeLines(), questions + greeting + questions);
+        QCOMPARE(stage.takeMessages(), QStringList());
+        QCOMPARE(stage.inNetworkTable(cca).state, State::New);
+        QCOMPARE(stage.inTrafficList(cca).state, State::New);
+
+        // Its type is known: it appears.
+        QVERIFY(stage.hear({planeInfo(cca)}));
+        QCOMPARE(stage.takeLines(), QStringList{configurationQuestion(cca)});
+        QCOMPARE(stage.takeMessages(), told({add(cca)}));
+        QCOMPARE(stage.takeSignals().last(), u"aircraft CCA123 B738 CCA"_qs);
+        QCOMPARE(stage.inNetworkTable(cca).state, State::InSimulator);
+        QCOMPARE(stage.inTrafficList(cca).state, State::InSimulator); // the plugin has said so
+
+        QVERIFY(stage.hear({u"$CRCCA123:AB1:CAPS:VERSION=1:ACCONFIG=1"_qs}));
+        QCOMPARE(stage.takeLines(), QStringList{configurationQuestion(cca)});
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        QCOMPARE(stage.takeMessages(), told({acconfFull(cca), acconfFull(cca)}));
+
+        QVERIFY(stage.hear({fastPosition(cca, u"3.0000:1.0000:4.0000"_qs)}));
+        const double knots = 5 * 1.943844;
+        QCOMPARE(stage.takeMessages(), told({fstpos(cca, 3, 1, 4, knots), fstpos(cca, 3, 1, 4, 250)}));
+        QVERIFY(stage.hear({slowPosition(cca, 240)}));
+        QCOMPARE(stage.takeMessages(), told({pos(cca, 240), hb(cca)}));
+        QCOMPARE(stage.takeLines(), QStringList());
+
+        QVERIFY(stage.hear({deletion(cca)}));
+        QCOMPARE(stage.takeMessages(), told({del(cca, u"Pilot disconnected"_qs), del(cca, u"Deleted"_qs)}));
+        QCOMPARE(stage.takeSignals().last(), u"pilot deleted CCA123"_qs);
+        QCOMPARE(stage.client.traffic->aircraft().size(), 0);
+        QCOMPARE(stage.manager().remoteAircraft().size(), 0);
+        QCOMPARE(stage.plugin().aircraft().size(), 0);
+    }
+
+    void theServerKnowsTheFiledType_data() { aWholeLife_data(); }
+
+    void theServerKnowsTheFiledType()
+    {
+        QFETCH(Protocol, protocol);
+        Stage stage(protocol);
+        QVERIFY(stage.start({cca}));
+        stage.network.practice.cast().speak(
+            cca, u"$FPCCA123:SERVER:I:H/B744/L:450:ZBAA:1000:1000:35000:ZSPD:2:0:4:0:ZSNJ:RMK:ROUTE"_qs);
+        QVERIFY(stage.hear({slowPosition(cca, 250)})); // comes to rest in token mode, too
+        QVERIFY(stage.takeLines().contains(configurationQuestion(cca)));
+        QCOMPARE(stage.takeMessages().first(), told({add(cca, u"CCA"_qs, u"B744"_qs)}).first());
+        QCOMPARE(stage.inTrafficList(cca).typeCode, u"B744"_qs);
+    }
+
+    // --- when the plugin answers, late or never ---
+
+    void standingItIsAddedAtOnce()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setAddAnswering(silent);
+        QVERIFY(introduce(stage, 0));
+        QCOMPARE(stage.inTrafficList(cca).state, State::New);
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        QCOMPARE(stage.takeMessages(), told({acconfFull(cca), add(cca), acconfFull(cca)}));
+        QCOMPARE(stage.inTrafficList(cca).state, State::Pending);
+    }
+
+    void movingItWaitsForAFastPosition()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setAddAnswering(silent);
+        QVERIFY(introduce(stage, 300));
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        QCOMPARE(stage.takeMessages(), told({acconfFull(cca), acconfFull(cca)}));
+        QVERIFY(stage.hear({slowPosition(cca, 300)}));
+        QCOMPARE(stage.takeMessages(), told({pos(cca, 300), hb(cca)}));
+        QVERIFY(stage.hear({fastPosition(cca, u"3.0000:1.0000:4.0000"_qs)}));
+        QCOMPARE(stage.takeMessages().size(), 2); // it can be placed now, but nothing adds it yet
+        QCOMPARE(stage.inTrafficList(cca).state, State::New);
+        QVERIFY(stage.hear({slowPosition(cca, 300)}));
+        QCOMPARE(stage.takeMessages(), told({pos(cca, 300), hb(cca), add(cca), acconfFull(cca)}));
+        QCOMPARE(stage.inTrafficList(cca).state, State::Pending);
+    }
+
+    void aSilentPluginIsAskedAgain()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setAddAnswering(silent);
+        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        stage.takeMessages();
+        stage.clock.advance(10'000);
+        QVERIFY(stage.hear({planeInfo(cca)})); // an event that looks after all of them
+        QCOMPARE(stage.takeMessages(), QStringList());
+        stage.clock.advance(1);
+        QVERIFY(stage.hear({slowPosition(cca, 0)})); // this doesn't, while it is pending
+        QCOMPARE(stage.takeMessages(), told({pos(cca, 0), hb(cca)}));
+        QVERIFY(stage.hear({planeInfo(cca)}));
+        QCOMPARE(stage.takeMessages(), told({add(cca), acconfFull(cca)}));
+        QCOMPARE(stage.inTrafficList(cca).state, State::Pending);
+        QCOMPARE(stage.plugin().aircraft().size(), 0);
+    }
+
+    void aLateAnswerCounts()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setAddAnswering({.silent = false, .delayMs = 12'000});
+        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        stage.clock.advance(11'000);
+        stage.simulatorClock.advance(11'000);
+        QVERIFY(stage.hear({planeInfo(cca)}));
+        QCOMPARE(stage.takeMessages().last(), told({acconfFull(cca)}).first());
+        QCOMPARE(stage.inTrafficList(cca).state, State::Pending);
+        stage.simulatorClock.advance(1'000); // the first additions are answered now, the last one isn't
+        stage.plugin().answerDue();
+        QVERIFY(stage.settle());
+        QCOMPARE(stage.inTrafficList(cca).state, State::InSimulator);
+        QCOMPARE(stage.plugin().pendingAnswers(), 1);
+        stage.clock.advance(11'000);
+        QVERIFY(stage.hear({planeInfo(cca), slowPosition(cca, 0)}));
+        QCOMPARE(stage.takeMessages(), told({pos(cca, 0), hb(cca)})); // added no more
+    }
+
+    void aLateFarewellCounts()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setDelAnswering({.silent = false, .delayMs = 12'000});
+        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.hear({deletion(cca)}));
+        QCOMPARE(stage.takeMessages(), told({del(cca, u"Pilot disconnected"_qs), del(cca, u"Deleted"_qs)}));
+        QCOMPARE(stage.manager().remoteAircraft().size(), 0);
+        QCOMPARE(stage.inTrafficList(cca).state, State::InSimulator);
+        stage.simulatorClock.advance(12'000);
+        stage.plugin().answerDue();
+        QVERIFY(stage.settle());
+        QCOMPARE(stage.client.traffic->aircraft().size(), 0);
+    }
+
+    void silenceMakesItStale()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.plugin().setDelAnswering(silent);
+        QVERIFY(introduce(stage, 0));
+        stage.clock.advance(15'000);
+        QVERIFY(stage.client.fire("staleTimer"));
+        QVERIFY(stage.settle());
+        QCOMPARE(stage.takeMessages(), QStringList());
+        stage.clock.advance(1);
+        for (int turn = 0; turn < 2; ++turn) { // as long as the plugin doesn't answer
+            QVERIFY(stage.client.fire("staleTimer"));
+            QVERIFY(stage.settle());
+            QCOMPARE(stage.takeMessages(), told({del(cca, u"Stale"_qs)}));
+            QCOMPARE(stage.inTrafficList(cca).state, State::InSimulator);
+        }
+        stage.plugin().setDelAnswering({});
+        QVERIFY(stage.client.fire("staleTimer"));
+        QVERIFY(stage.settle());
+        QCOMPARE(stage.client.traffic->aircraft().size(), 0);
+        QCOMPARE(stage.inNetworkTable(cca).state, State::InSimulator); // the session's table waits for the server
+    }
+
+    void anIgnoredPilotIsNotTheListsBusiness()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        stage.client.traffic->setIgnoreList({u"cca123"_qs});
+        QVERIFY(stage.hear({slowPosition(cca, 0), planeInfo(cca), fullConfiguration(cca), slowPosition(cca, 0)}));
+        QCOMPARE(stage.takeMessages(), told({add(cca), acconfFull(cca), pos(cca, 0)}));
+        QCOMPARE(stage.inTrafficList(cca).state, State::Ignored);
+        QVERIFY(stage.hear({deletion(cca)}));
+        QCOMPARE(stage.takeMessages(), told({del(cca, u"Pilot disconnected"_qs)}));
+        QCOMPARE(stage.client.traffic->aircraft().size(), 0);
+    }
+
+    // --- positions ---
+
+    void groundSpeedOfFastPositions_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<practice::PluginMessage>("shown");
+        QTest::newRow("computed") << fastPosition(cca, u"30.0000:9.0000:40.0000"_qs)
+                                  << fstpos(cca, 30, 9, 40, 50 * 1.943844);
+        QTest::newRow("noise keeps what was known")
+            << fastPosition(cca, u"0.0400:0.0000:0.0000"_qs) << fstpos(cca, 0.04, 0, 0, 250);
+        QTest::newRow("at most 900") << fastPosition(cca, u"600.0000:0.0000:0.0000"_qs) << fstpos(cca, 600, 0, 0, 900);
+        QTest::newRow("slow report") << fastPosition(cca, u"3.0000:0.0000:4.0000"_qs, u"#SL"_qs)
+                                     << fstpos(cca, 3, 0, 4, 5 * 1.943844);
+    }
+
+    void groundSpeedOfFastPositions()
+    {
+        QFETCH(QString, line);
+        QFETCH(practice::PluginMessage, shown);
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(introduce(stage, 250));
+        QVERIFY(stage.hear({line}));
+        practice::PluginMessage again = shown; // the list keeps the speed of the slow report
+        again.arguments.last() = 250.0;
+        QCOMPARE(stage.takeMessages(), told({shown, again}));
+    }
+
+    void aStoppedReportHasNoMotion()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(introduce(stage, 250));
+        QVERIFY(stage.hear({stoppedPosition(cca)}));
+        practice::PluginMessage first = fstpos(cca, 0, 0, 0, 0);
+        for (const int rotation : {11, 12, 13})
+            first.arguments[rotation] = 0.0;
+        practice::PluginMessage second = first;
+        second.arguments.last() = 250.0;
+        QCOMPARE(stage.takeMessages(), told({first, second}));
+    }
+
+    void ownEchoesAreNobodysAircraft()
+    {
+        Stage stage;
+        QVERIFY(stage.start());
+        QVERIFY(stage.hear({slowPosition(u"AB1"_qs, 9), fastPosition(u"AB1"_qs, u"3.0000:0.0000:4.0000"_qs),
+                            stoppedPosition(u"AB1"_qs), slowPosition(u"ab1"_qs, 9)}));
+        QCOMPARE(stage.manager().remoteAircraft().size(), 0);
+        QCOMPARE(stage.takeLines() + stage.takeMessages(), QStringList());
+    }
+
+    void withoutASimulatorThereIsNoTraffic()
+    {
+        Network network;
+        Client client(network, Protocol::Classic);
+        QVERIFY(network.started && client.signIn() && client.connectObserver());
+        TRY_EVENTS(client, u"connected AB1"_qs);
+        QVERIFY(network.practice.fsd().sendLine(u"AB1"_qs, slowPosition(cca, 9)));
+        QVERIFY(network.practice.fsd().ping(u"AB1"_qs));
+        QTRY_COMPARE(network.linesOf(u"$POAB1:"_qs).size(), 1);
+        QCOMPARE(client.manager->remoteAircraft().size(), 0);
+        QCOMPARE(network.linesOf(u"#SB"_qs), QStringList());
+    }
+
+    // --- what it looks like ---
+
+    void configurationsMerge()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(introduce(stage, 0));
+
+        // Parts of an unknown whole: only the session's table, which keeps the last message, tells of it.
+        QVERIFY(stage.hear({configuration(cca, u"\"gear_down\":true"_qs)}));
+        QCOMPARE(stage.takeMessages(), told({acconf(cca, {nil, nil, nil, nil, nil, true, nil, nil, nil, nil, nil})}));
+        QVERIFY(stage.hear({fullConfiguration(cca)}));
+        QCOMPARE(stage.takeMessages(), told({acconfFull(cca), acconfFull(cca)}));
+
+        // One light tells of all five; the rest of the merged record stays.
+        QVERIFY(stage.hear({configuration(cca, u"\"lights\":{\"nav_on\":false}"_qs)}));
+        QCOMPARE(stage.takeMessages(),
+                 told({acconf(cca, {nil, nil, nil, nil, nil, nil, nil, nil, false, nil, nil}),
+                       acconf(cca, {true, true, false, true, 0.25F, true, nil, nil, false, nil, nil})}));
+        // An engine stands for the whole block, too.
+        QVERIFY(stage.hear({configuration(cca, u"\"engines\":{\"1\":{\"is_reversing\":true}}"_qs)}));
+        QCOMPARE(stage.takeMessages(),
+                 told({acconf(cca, {nil, false, true, nil, nil, nil, nil, nil, nil, nil, nil}),
+                       acconf(cca, {true, false, true, true, 0.25F, true, nil, nil, false, nil, nil})}));
+        QVERIFY(stage.hear({configuration(cca, u"\"flaps_pct\":33,\"on_ground\":false,\"spoilers_out\":true"_qs)}));
+        QCOMPARE(stage.takeMessages(),
+                 told({acconf(cca, {nil, nil, nil, false, 0.33F, nil, nil, nil, nil, nil, nil}),
+                       acconf(cca, {true, false, true, false, 0.33F, true, nil, nil, false, nil, nil})}));
+        QCOMPARE(stage.takeLines(), QStringList());
+    }
+
+    void anUnreadableConfigurationIsPassedOnAndChangesNothing()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(introduce(stage, 0));
+        stage.takeSignals();
+        QVERIFY(stage.hear({u"$CQCCA123:AB1:ACC:{\"config\":{"_qs, u"$CQCCA123:AB1:ACC"_qs}));
+        QCOMPARE(stage.takeSignals(),
+                 (QStringList{u"configuration CCA123 {\"config\":{"_qs, u"configuration CCA123 "_qs}));
+        QCOMPARE(stage.takeMessages(), QStringList());
+    }
+
+    void aFullConfigurationIsGivenOnRequest()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(stage.hear({u"$CQCCA123:AB1:ACC:{\"request\":\"full\"}"_qs}));
+        const QString own = u"{\"config\":{\"is_full_data\":true,\"lights\":{\"strobe_on\":false,\"landing_on\":false,"
+                            u"\"taxi_on\":false,\"beacon_on\":false,\"nav_on\":true},\"engines\":{\"1\":{\"on\":false,"
+                            u"\"is_reversing\":false},\"2\":{\"on\":false,\"is_reversing\":false}},\"gear_down\":true,"
+                            u"\"flaps_pct\":0,\"spoilers_out\":false,\"on_ground\":true}}"_qs;
+        QCOMPARE(stage.takeLines(), QStringList{u"$CQAB1:CCA123:ACC:"_qs + own});
+    }
+
+    void liveries_data()
+    {
+        QTest::addColumn<QStringList>("answers");
+        QTest::addColumn<QString>("livery");
+        QTest::addColumn<QString>("hint");
+        QTest::newRow("a livery") << QStringList{u"EQUIPMENT=B738:LIVERY=air china"_qs} << u"AIR CHINA"_qs << QString();
+        QTest::newRow("SWIFT_ names a model")
+            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_b738cca"_qs} << u"SWIFT_B738CCA"_qs << u"SWIFT_B738CCA"_qs;
+        QTest::newRow("a CSL field names it better")
+            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_b738cca:CSL=Bluebell 738"_qs} << u"SWIFT_B738CCA"_qs
+            << u"Bluebell 738"_qs;
+        QTest::newRow("m_csl") << QStringList{u"EQUIPMENT=B738:m_csl=Bluebell 738"_qs} << QString()
+                               << u"Bluebell 738"_qs;
+        QTest::newRow("a hint outlives another SWIFT_")
+            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_1"_qs, u"EQUIPMENT=B738:LIVERY=swift_2"_qs} << u"SWIFT_2"_qs
+            << u"SWIFT_1"_qs;
+        QTest::newRow("an empty livery takes nothing back")
+            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_1"_qs, u"EQUIPMENT=B738"_qs} << u"SWIFT_1"_qs << u"SWIFT_1"_qs;
+        QTest::newRow("SWIFT_ must stand in front")
+            << QStringList{u"EQUIPMENT=B738:LIVERY=my swift_1"_qs} << u"MY SWIFT_1"_qs << QString();
+    }
+
+    void liveries()
+    {
+        QFETCH(QStringList, answers);
+        QFETCH(QString, livery);
+        QFETCH(QString, hint);
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(stage.hear({slowPosition(cca, 0)}));
+        for (const QString &answer : answers)
+            QVERIFY(stage.hear({planeInfo(cca, answer)}));
+        for (const model::RemoteAircraft &record : {stage.inNetworkTable(cca), stage.inTrafficList(cca)}) {
+            QCOMPARE(record.livery, livery);
+            QCOMPARE(record.remoteModelHint, hint);
+            QCOMPARE(record.typeCode, u"B738"_qs);
+        }
+        QCOMPARE(stage.takeMessages(), told({add(cca)})); // neither travels to the plugin
+    }
+
+    // --- when the stage itself changes ---
+
+    void aSimulatorIsReplacedInTheMiddle()
+    {
+        const QString csn = u"CSN7"_qs;
+        Stage stage;
+        QVERIFY(stage.start({cca, csn, u"NOTYPE"_qs}));
+        QVERIFY(stage.hear({slowPosition(csn, 0), planeInfo(csn), slowPosition(cca, 0), planeInfo(cca),
+                            fullConfiguration(cca), slowPosition(u"NOTYPE"_qs, 0)}));
+        stage.takeMessages();
+        stage.takeLines();
+        QVERIFY(stage.replaceSimulator());
+        QVERIFY(stage.settle());
+        const QStringList messages = stage.takeMessages();
+        QCOMPARE(messages.mid(0, 2), told({bare(u"DELALL"_qs), stations({})}));
+        QCOMPARE(messages.mid(2),
+                 told({add(cca), acconfFull(cca), add(csn, u"CSN"_qs), bare(u"VER"_qs), tuned(1, {}), tuned(2, {})}));
+        QCOMPARE(stage.inTrafficList(csn).state, State::InSimulator);
+        QCOMPARE(stage.inNetworkTable(u"NOTYPE"_qs).state, State::New);
+        QCOMPARE(stage.plugin().aircraft().size(), 2);
+        QCOMPARE(stage.client.events, QStringList{u"connected AB1"_qs}); // the session goes on
+
+        QVERIFY(stage.hear({slowPosition(cca, 5), deletion(csn)}));
+        QCOMPARE(stage.takeMessages(),
+                 told({pos(cca, 5), hb(cca), del(csn, u"Pilot disconnected"_qs), del(csn, u"Deleted"_qs)}));
+        QCOMPARE(stage.plugin().aircraft().size(), 1);
+    }
+
+    void atTheEndAllAreTakenAway()
+    {
+        Stage stage;
+        QVERIFY(stage.start({cca}));
+        QVERIFY(introduce(stage, 0));
+        stage.manager().disconnectFromNetwork();
+        QTRY_VERIFY(stage.messageCount() >= 4);
+        QCOMPARE(stage.takeMessages(),
+                 told({bare(u"DISCON"_qs), bare(u"DELALL"_qs), stations({}), bare(u"DELALL"_qs)}));
+        QCOMPARE(stage.manager().remoteAircraft().size(), 0);
+        QCOMPARE(stage.client.traffic->aircraft().size(), 0);
+        QCOMPARE(stage.plugin().aircraft().size(), 0);
+    }
+};
+
+TARVO_TEST(TrafficTest)
+#include "TrafficTest.moc"
