@@ -246,6 +246,11 @@ bool FsdServer::sendLine(const QString &callsign, const QString &line)
     return with(callsign, [&](FsdSession &session) { session.send(line + QLatin1StringView("\r\n")); });
 }
 
+bool FsdServer::sendBytes(const QString &callsign, const QByteArray &bytes)
+{
+    return with(callsign, [&](FsdSession &session) { session.sendQuietly(bytes); });
+}
+
 void FsdServer::setRejectTokens(bool reject)
 {
     m_desk->login().rejectTokens = reject;

@@ -88,6 +88,8 @@ public:
     bool challenge(const QString &callsign);
     /// Any line, without its line end, such as a malformed one.
     bool sendLine(const QString &callsign, const QString &line);
+    /// Any bytes as they stand, such as half a line.
+    bool sendBytes(const QString &callsign, const QByteArray &bytes);
 
     /// Refuses every FSD token, or none.
     void setRejectTokens(bool reject);
