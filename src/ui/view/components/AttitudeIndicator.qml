@@ -6,7 +6,7 @@ import ".."
 Rectangle {
     id: display
 
-    /// Degrees, knots, feet, feet per minute; anything that isn't finite is shown as absent.
+    /// Degrees, knots, feet, feet per minute; what isn't finite, or absurd, is shown as absent.
     property real pitch: 0
     property real bank: 0
     property real heading: 0
@@ -15,7 +15,7 @@ Rectangle {
     property real climb: 0
     property bool live: false
     property bool paused: false
-    readonly property bool upright: live && Number.isFinite(pitch) && Number.isFinite(bank)
+    readonly property bool upright: live && known(pitch) && known(bank)
     readonly property real tapeWidth: 60
     readonly property real centre: (height - 2 * bezel) / 2
     readonly property real bezel: 5
@@ -25,12 +25,13 @@ Rectangle {
     radius: 18
     color: Style.instrumentBezel
 
-    function finite(value: real): real {
-        return Number.isFinite(value) ? value : 0
+    /// False for what no aeroplane has.
+    function known(value: real): bool {
+        return Math.abs(value) < 1e6
     }
 
-    function turned(degrees: real): real {
-        return (finite(degrees) % 360 + 360) % 360
+    function sane(value: real): real {
+        return known(value) ? value : 0
     }
 
     Item {
@@ -42,6 +43,7 @@ Rectangle {
 
         Horizon {
             anchors.fill: parent
+            objectName: "horizon"
             pitch: display.upright ? Math.max(-90, Math.min(90, display.pitch)) : 0
             bank: display.upright ? display.bank % 360 : 0
             topKeep: Math.max(24, height / 2 - bankScale.radius + 18) // the ladder stays under the arc
@@ -93,8 +95,8 @@ Rectangle {
             width: display.tapeWidth
             height: parent.height
             title: qsTr("地速 kt")
-            value: display.finite(display.groundSpeed)
-            live: display.live && Number.isFinite(display.groundSpeed)
+            value: display.sane(display.groundSpeed)
+            live: display.live && display.known(display.groundSpeed)
             minimum: 0
         }
 
@@ -103,8 +105,8 @@ Rectangle {
             width: display.tapeWidth
             height: parent.height
             title: qsTr("海高 ft")
-            value: display.finite(display.altitude)
-            live: display.live && Number.isFinite(display.altitude)
+            value: display.sane(display.altitude)
+            live: display.live && display.known(display.altitude)
             step: 100
             marksAtLeft: true
         }
@@ -113,8 +115,8 @@ Rectangle {
             anchors.bottom: parent.bottom
             x: display.tapeWidth
             width: parent.width - 2 * display.tapeWidth
-            heading: display.turned(display.heading)
-            live: display.live && Number.isFinite(display.heading)
+            heading: (display.sane(display.heading) % 360 + 360) % 360
+            live: display.live && display.known(display.heading)
         }
 
         Rectangle {
@@ -123,7 +125,7 @@ Rectangle {
             width: display.tapeWidth
             height: 24
             color: Style.instrumentBezel
-            visible: display.live && Number.isFinite(display.climb)
+            visible: display.live && display.known(display.climb)
 
             AppText {
                 anchors.fill: parent

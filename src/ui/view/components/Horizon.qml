@@ -98,11 +98,14 @@ Item {
 
                         required property int index
                         readonly property real degrees: 87.5 - 2.5 * index
+                        /// Pixels over the middle, as long as the wings are level.
+                        readonly property real above: (degrees - horizon.pitch) * horizon.pixelsPerDegree // qmllint disable unqualified
                         readonly property bool labelled: degrees % 10 === 0
                         readonly property real half: horizon.rungSize * (labelled ? 1 : degrees % 5 === 0 ? 0.55 : 0.28) // qmllint disable unqualified
 
                         y: -degrees * horizon.pixelsPerDegree // qmllint disable unqualified
-                        visible: degrees !== 0 && Math.abs(degrees - horizon.pitch) < 24 // qmllint disable unqualified
+                        visible: degrees !== 0 && above < horizon.height / 2 - horizon.topKeep - 6 // qmllint disable unqualified
+                            && -above < horizon.height / 2 - horizon.bottomKeep // qmllint disable unqualified
 
                         Rectangle {
                             x: -rung.half

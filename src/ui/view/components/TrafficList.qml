@@ -46,7 +46,7 @@ ListView {
     }
 
     function figure(value: var, format: var): string {
-        return Number.isFinite(value) ? format(value) : "--"
+        return Number.isFinite(value) && Math.abs(value) < 1e6 ? format(value) : "--"
     }
 
     component TrafficRow: RowLayout {

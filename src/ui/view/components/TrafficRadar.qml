@@ -12,7 +12,7 @@ Rectangle {
     property bool live: false
     readonly property real up: live && Number.isFinite(heading) ? (heading % 360 + 360) % 360 : 0
     readonly property int count: contacts?.length ?? 0
-    readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 0
+    readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 20
     /// Nautical miles at the outer ring.
     readonly property int range: rangeFor(farthest)
     /// How many symbols are kept: grows in steps, so that they aren't built anew with each aircraft that comes.
@@ -79,6 +79,7 @@ Rectangle {
             model: radar.capacity
 
             RadarContact {
+                objectName: "radarContact"
                 required property int index
 
                 contact: index < radar.count ? radar.contacts[index] ?? null : null // qmllint disable unqualified
