@@ -73,8 +73,9 @@ QString TypeNormalizer::normalized(const QString &text)
     const QString key = text.size() > longestText ? text.left(longestText) : text;
     if (const auto found = m_remembered.constFind(key); found != m_remembered.constEnd())
         return *found;
-    const QString known = knownDesignator(m_icao, key);
-    const QString result = known.isEmpty() ? typeCodeFromText(key) : known;
+    QString result = knownDesignator(m_icao, key);
+    if (result.isEmpty())
+        result = typeCodeFromText(key);
     m_remembered.insert(key, result);
     return result;
 }

@@ -56,10 +56,10 @@ QString keyedCallsign(const QList<KeyedField> &fields)
 QString callsignOf(const QString &from, const QStringList &payload, const QList<KeyedField> &fields)
 {
     static const QRegularExpression callsign(QStringLiteral("^[A-Z0-9_]{2,12}$"));
-    const QString sender = from.trimmed().toUpper();
+    QString sender = from.trimmed().toUpper();
     if (!sender.isEmpty() && sender != QLatin1StringView("SERVER"))
         return sender;
-    if (const QString keyed = keyedCallsign(fields); !keyed.isEmpty())
+    if (QString keyed = keyedCallsign(fields); !keyed.isEmpty())
         return keyed;
     const QString first = payload.value(0).trimmed().toUpper();
     return callsign.match(first).hasMatch() ? first : QString();
@@ -71,7 +71,7 @@ QString typeOf(const QStringList &payload, const QList<KeyedField> &fields)
     for (const KeyedField &field : fields) {
         if (std::find(std::begin(typeKeys), std::end(typeKeys), field.key) == std::end(typeKeys))
             continue;
-        if (const QString type = typeFromFlightPlan(field.value); !type.isEmpty())
+        if (QString type = typeFromFlightPlan(field.value); !type.isEmpty())
             return type;
     }
     return typeFromFlightPlan(payload.value(1));

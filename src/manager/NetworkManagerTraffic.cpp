@@ -295,13 +295,11 @@ void NetworkManager::announceAircraftInfo(const QString &callsign)
 
 void NetworkManager::onConfiguration(const QString &from, const QString &json)
 {
-    const QString sender = from;
-    const QString text = json;
     const quint64 generation = m_generation;
-    if (const auto message = model::AircraftConfigurationMessage::parse(text); message.configuration)
-        storeConfiguration(normalizedCallsign(sender), *message.configuration);
+    if (const auto message = model::AircraftConfigurationMessage::parse(json); message.configuration)
+        storeConfiguration(normalizedCallsign(from), *message.configuration);
     if (generation == m_generation)
-        emit aircraftConfigurationInfoReceived(sender, text);
+        emit aircraftConfigurationInfoReceived(from, json);
 }
 
 /// Whole: only AircraftManager's record merges what comes in pieces.
