@@ -2,7 +2,9 @@
 
 #include "e2e/Packed.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QDeadlineTimer>
 
 #include <algorithm>
 
@@ -58,6 +60,21 @@ QString words(const network::RadioMessageReceived &value)
     if (value.dualReceive)
         all << QStringLiteral("dual");
     return all.join(u' ');
+}
+
+/// Goes on the moment that it comes true, unlike QTest::qWaitFor(), which looks every ten milliseconds.
+bool waitFor(const std::function<bool()> &comesTrue)
+{
+    const QDeadlineTimer deadline(5'000);
+    QTimer alarm;
+    alarm.start(100);
+    while (!comesTrue()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return true;
 }
 
 } // namespace
@@ -171,9 +188,9 @@ bool Stage::passRound()
     const auto anyMarked = [&] { return std::any_of(network.heard.begin(), network.heard.end(), isMarked); };
     const auto anyMarkedBytes = [&] { return std::any_of(m_messages.begin(), m_messages.end(), isMarkedBytes); };
     const bool passed =
-        server().sendText(QStringLiteral("AB1"), mark) && QTest::qWaitFor(anyMarkedBytes) &&
-        plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) && QTest::qWaitFor(anyMarked) &&
-        QTest::qWaitFor([&] { return std::count_if(m_messages.begin(), m_messages.end(), isMarkedBytes) == 2; });
+        server().sendText(QStringLiteral("AB1"), mark) && waitFor(anyMarkedBytes) &&
+        plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) && waitFor(anyMarked) &&
+        waitFor([&] { return std::count_if(m_messages.begin(), m_messages.end(), isMarkedBytes) == 2; });
     network.heard.removeIf(isMarked);
     m_messages.removeIf(isMarkedBytes);
     m_signals.removeIf(isMarked);

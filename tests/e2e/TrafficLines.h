@@ -129,6 +129,11 @@ inline practice::PluginMessage tuned(int radio, const QString &callsign)
     return {QStringLiteral("STATION_CALLSIGN"), {radio, callsign}};
 }
 
+inline practice::PluginMessage note(const QString &text, int colour)
+{
+    return {QStringLiteral("NOTIF"), {text, colour}};
+}
+
 inline practice::PluginMessage bare(const QString &name)
 {
     return {name, {}};
