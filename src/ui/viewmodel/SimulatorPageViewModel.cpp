@@ -264,14 +264,18 @@ void SimulatorPageViewModel::setTrafficContacts(const QVariantList &contacts)
     if (contacts == m_trafficContacts)
         return;
     m_trafficContacts = contacts;
-    m_targets.clear();
-    for (const QVariant &contact : contacts)
-        m_targets << targetFrom(contact.toMap());
+    if (msfsMode()) {
+        m_targets.clear();
+        for (const QVariant &contact : contacts)
+            m_targets << targetFrom(contact.toMap());
+    }
     plotChanged();
 }
 
 void SimulatorPageViewModel::setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft)
 {
+    if (msfsMode())
+        return; // there the snapshot has the same aircraft, where the simulator shows them
     QList<TrafficTarget> targets;
     targets.reserve(aircraft.size());
     for (const model::RemoteAircraft &one : aircraft)

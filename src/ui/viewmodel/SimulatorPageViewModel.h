@@ -171,9 +171,9 @@ public:
     /// Emits dataChanged at most once. The plot follows when the own aircraft has moved by a visible distance.
     void setOwnAircraft(const model::UserAircraftData &aircraft, const model::UserAircraftConfigData &config,
                         const model::RadioStackState &radio, bool paused);
-    /// Feeds the plot with Microsoft Flight Simulator.
+    /// Feeds the plot too, with Microsoft Flight Simulator alone.
     void setTrafficContacts(const QVariantList &contacts);
-    /// Feeds the plot with X-Plane. Once or twice a second is enough.
+    /// Feeds the plot, but not with Microsoft Flight Simulator. Once or twice a second is enough.
     void setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft);
     /// False while nobody shows the traffic: then it needs no feeding.
     bool isTrafficShown() const;

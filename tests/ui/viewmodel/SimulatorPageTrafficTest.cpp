@@ -1,0 +1,209 @@
+#include "ui/viewmodel/SimulatorPageViewModel.h"
+
+#include "SimulatorPageFixture.h"
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace tarvo::test;
+using tarvo::model::RemoteAircraft;
+using tarvo::ui::viewmodel::SimulatorPageViewModel;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+QVariantMap snapshotRow(const char *label, double latitude, double longitude, double altitudeFeet)
+{
+    return {{QStringLiteral("label"), QString::fromLatin1(label)},
+            {QStringLiteral("latitude"), latitude},
+            {QStringLiteral("longitude"), longitude},
+            {QStringLiteral("altitudeFeet"), altitudeFeet},
+            {QStringLiteral("headingTrue"), 0.0},
+            {QStringLiteral("groundSpeedKnots"), 0.0}};
+}
+
+} // namespace
+
+/// The traffic of the simulator page: what feeds the plot, and when it is told.
+class SimulatorPageTrafficTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aNumberThatStaysBrokenTellsOnce()
+    {
+        SimulatorPageViewModel model;
+        QSignalSpy data(&model, &SimulatorPageViewModel::dataChanged);
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)});
+        Own own;
+        own.aircraft.latitude = own.aircraft.pitch = notANumber;
+        own.config.flapsRatio = own.config.speedbrakeRatio = notANumber;
+        for (int i = 0; i < 3; ++i)
+            feed(model, own);
+        QCOMPARE(data.count(), 1);
+        QCOMPARE(traffic.count(), 2);
+        QVERIFY(std::isnan(model.pitch()));
+        QCOMPARE(model.plotContacts(), QVariantList());
+    }
+
+    void remoteAircraftFeedThePlot()
+    {
+        SimulatorPageViewModel model;
+        model.setMode(QStringLiteral("XPLANE"));
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        const QList<RemoteAircraft> table{remote("FAR", 32, 121), remote("NEAR", 31.1, 121)};
+        for (int i = 0; i < 2; ++i)
+            model.setRemoteAircraft(table);
+        QCOMPARE(traffic.count(), 1);
+        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 2 个交通目标"));
+        QCOMPARE(model.plotContacts(), QVariantList());
+        feed(model, overShanghai());
+        QCOMPARE(traffic.count(), 2);
+        QCOMPARE(model.plotContacts().size(), 2);
+        const QVariantMap row = model.plotContacts().constFirst().toMap();
+        QCOMPARE(row.value(QStringLiteral("callsign")).toString(), QStringLiteral("NEAR"));
+        QCOMPARE(row.value(QStringLiteral("type")).toString(), QStringLiteral("A320"));
+        QCOMPARE(row.value(QStringLiteral("bearing")).toDouble(), 0.0);
+        QVERIFY(std::abs(row.value(QStringLiteral("distanceNm")).toDouble() - 6.0) < 0.1);
+        QVERIFY(std::abs(row.value(QStringLiteral("relativeAltitudeFeet")).toDouble() - 1640.42) < 0.01);
+        QCOMPARE(row.value(QStringLiteral("heading")).toDouble(), 270.0);
+        QCOMPARE(row.value(QStringLiteral("groundSpeed")).toDouble(), 210.0);
+        QCOMPARE(model.trafficContacts(), QVariantList());
+        model.setRemoteAircraft({});
+        QCOMPARE(model.trafficSummary(), QStringLiteral("附近暂无交通目标"));
+        QCOMPARE(model.plotContacts(), QVariantList());
+    }
+
+    void aCrowdIsCutToTheNearest()
+    {
+        SimulatorPageViewModel model;
+        feed(model, overShanghai());
+        QList<RemoteAircraft> table;
+        for (int i = 500; i > 0; --i)
+            table << remote(qPrintable(QString::number(i)), 31 + i * 0.001, 121);
+        model.setRemoteAircraft(table);
+        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 500 个交通目标"));
+        const QVariantList rows = model.plotContacts();
+        QCOMPARE(rows.size(), 200);
+        QCOMPARE(rows.first().toMap().value(QStringLiteral("callsign")).toString(), QStringLiteral("1"));
+        QCOMPARE(rows.last().toMap().value(QStringLiteral("callsign")).toString(), QStringLiteral("200"));
+    }
+
+    void aSnapshotIsPassedOnAndPlotted()
+    {
+        SimulatorPageViewModel model;
+        model.setMode(QStringLiteral("MSFS"));
+        feed(model, overShanghai());
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        const QVariantList rows{snapshotRow("B2352", 31.1, 121, 0), snapshotRow("OBJ-7", 31.2, 121, 3000), QVariant(7),
+                                QVariantMap{{QStringLiteral("label"), QStringLiteral("NOWHERE")}}};
+        for (int i = 0; i < 2; ++i)
+            model.setTrafficContacts(rows);
+        QCOMPARE(traffic.count(), 1);
+        QCOMPARE(model.trafficContacts(), rows);
+        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 4 个交通目标"));
+        QCOMPARE(model.plotContacts().size(), 2);
+        const QVariantMap bare = model.plotContacts().at(0).toMap();
+        QCOMPARE(bare.value(QStringLiteral("callsign")).toString(), QStringLiteral("B2352"));
+        for (const char *unknown : {"relativeAltitudeFeet", "heading", "groundSpeed"})
+            QVERIFY(std::isnan(bare.value(QLatin1String(unknown)).toDouble()));
+        const QVariantMap full = model.plotContacts().at(1).toMap();
+        QVERIFY(std::abs(full.value(QStringLiteral("relativeAltitudeFeet")).toDouble() - 1359.58) < 0.01);
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)}); // the session's table stays out of it
+        model.setRemoteAircraft({});
+        QCOMPARE(model.plotContacts().size(), 2);
+        QCOMPARE(traffic.count(), 1);
+        model.setTrafficContacts({});
+        QCOMPARE(model.trafficContacts(), QVariantList());
+        QCOMPARE(model.plotContacts(), QVariantList());
+        QCOMPARE(traffic.count(), 2);
+    }
+
+    void thePlotFollowsVisibleMoves_data()
+    {
+        QTest::addColumn<Edit>("edit");
+        QTest::addColumn<int>("told");
+        QTest::newRow("stands") << Edit([](Own &) {}) << 0;
+        QTest::newRow("a few metres") << Edit([](Own &o) { o.aircraft.latitude += 0.0001; }) << 0;
+        QTest::newRow("a tenth of a mile") << Edit([](Own &o) { o.aircraft.latitude += 0.1 / 60; }) << 1;
+        QTest::newRow("a small climb") << Edit([](Own &o) { o.aircraft.altitudeMslM += 10; }) << 0;
+        QTest::newRow("a climb") << Edit([](Own &o) { o.aircraft.altitudeMslM += 20; }) << 1;
+        QTest::newRow("only turns") << Edit([](Own &o) { o.aircraft.heading = 90; }) << 0;
+        QTest::newRow("loses its position") << Edit([](Own &o) { o.aircraft.latitude = notANumber; }) << 1;
+        QTest::newRow("loses its height") << Edit([](Own &o) { o.aircraft.altitudeMslM = notANumber; }) << 1;
+    }
+
+    void thePlotFollowsVisibleMoves()
+    {
+        QFETCH(Edit, edit);
+        SimulatorPageViewModel model;
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)});
+        Own own = overShanghai();
+        feed(model, own);
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        edit(own);
+        feed(model, own);
+        QTEST(int(traffic.count()), "told");
+    }
+
+    void smallMovesAddUp()
+    {
+        SimulatorPageViewModel model;
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)});
+        Own own = overShanghai();
+        feed(model, own);
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        for (int i = 0; i < 100; ++i) { // a hundredth of a mile each
+            own.aircraft.latitude += 0.01 / 60;
+            feed(model, own);
+        }
+        QVERIFY(traffic.count() >= 15 && traffic.count() <= 20);
+        const double distance = model.plotContacts().first().toMap().value(QStringLiteral("distanceNm")).toDouble();
+        QVERIFY(std::abs(distance - 5.0) < 0.1);
+    }
+
+    void anEmptyPlotIsNotToldOfMoves()
+    {
+        SimulatorPageViewModel model;
+        Own own = overShanghai();
+        feed(model, own);
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        own.aircraft.latitude += 1;
+        feed(model, own);
+        QCOMPARE(traffic.count(), 0);
+        model.setRemoteAircraft({remote("CES1", 32.1, 121)});
+        const double distance = model.plotContacts().first().toMap().value(QStringLiteral("distanceNm")).toDouble();
+        QVERIFY(distance < 7); // seen from where the aircraft is now
+    }
+
+    void aSnapshotInAnotherModeIsNotPlotted()
+    {
+        SimulatorPageViewModel model;
+        model.setMode(QStringLiteral("XPLANE"));
+        feed(model, overShanghai());
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)});
+        const QVariantList rows{snapshotRow("B2352", 31.1, 121, 0), snapshotRow("B2353", 31.1, 121, 0)};
+        model.setTrafficContacts(rows);
+        QCOMPARE(model.trafficContacts(), rows);
+        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 1 个交通目标"));
+        QCOMPARE(model.plotContacts().size(), 1);
+    }
+
+    void aPageThatShowsTheTrafficIsNoticed()
+    {
+        SimulatorPageViewModel model;
+        QVERIFY(!model.isTrafficShown());
+        const QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        QVERIFY(model.isTrafficShown());
+    }
+};
+
+TARVO_TEST(SimulatorPageTrafficTest)
+#include "SimulatorPageTrafficTest.moc"
