@@ -119,17 +119,24 @@ bool Stage::replaceSimulator()
 
 bool Stage::goOnline()
 {
+    m_callsign = QStringLiteral("AB1");
+    client.events.clear();
     return client.connectPilot() && awaitLogin();
 }
 
-bool Stage::goOnlineAsObserver()
+bool Stage::goOnlineAsObserver(const QString &callsign)
 {
-    return client.connectObserver() && awaitLogin();
+    m_callsign = callsign;
+    client.events.clear();
+    return manager().connectToNetwork(callsign, {}, {}, true) && awaitLogin();
 }
 
 bool Stage::awaitLogin()
 {
-    if (!QTest::qWaitFor([this] { return !client.events.isEmpty() && network.heard.contains(identification()); }))
+    const auto loggedIn = [this] {
+        return !client.events.isEmpty() && !network.linesOf(QStringLiteral("$ID") + m_callsign).isEmpty();
+    };
+    if (!waitFor(loggedIn))
         return false;
     stopTimers();
     return settle();
@@ -159,9 +166,8 @@ bool Stage::start(const QStringList &pilots, const QStringList &controllers)
 
 bool Stage::hear(const QStringList &lines)
 {
-    const bool sent = std::all_of(lines.begin(), lines.end(), [this](const QString &line) {
-        return server().sendLine(QStringLiteral("AB1"), line);
-    });
+    const bool sent = std::all_of(lines.begin(), lines.end(),
+                                  [this](const QString &line) { return server().sendLine(m_callsign, line); });
     return sent && settle();
 }
 
@@ -188,7 +194,7 @@ bool Stage::passRound()
     const auto anyMarked = [&] { return std::any_of(network.heard.begin(), network.heard.end(), isMarked); };
     const auto anyMarkedBytes = [&] { return std::any_of(m_messages.begin(), m_messages.end(), isMarkedBytes); };
     const bool passed =
-        server().sendText(QStringLiteral("AB1"), mark) && waitFor(anyMarkedBytes) &&
+        server().sendText(m_callsign, mark) && waitFor(anyMarkedBytes) &&
         plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) && waitFor(anyMarked) &&
         waitFor([&] { return std::count_if(m_messages.begin(), m_messages.end(), isMarkedBytes) == 2; });
     network.heard.removeIf(isMarked);

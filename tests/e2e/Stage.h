@@ -24,13 +24,13 @@ public:
     bool open();
     /// Goes online as AB1, a B738 with the SELCAL EF-GH; what the login says is kept.
     bool goOnline();
-    bool goOnlineAsObserver();
+    bool goOnlineAsObserver(const QString &callsign);
     /// open() and goOnline(); what was said is forgotten. `pilots` and `controllers` are on the network already.
     bool start(const QStringList &pilots = {}, const QStringList &controllers = {});
     /// Puts another X-Plane in the place of the one that is there, with the same plugin.
     bool replaceSimulator();
 
-    /// Lets the server send lines to AB1, and waits until the client and all that answers it have come to rest.
+    /// Lets the server send lines to the client, and waits until the client and all that answers it have come to rest.
     bool hear(const QStringList &lines);
     /// Waits until everything that is under way between server, client and plugin has arrived.
     bool settle();
@@ -78,6 +78,7 @@ private:
     QList<QByteArray> m_messages;
     QStringList m_signals;
     model::RadioStackState m_radio;
+    QString m_callsign = QStringLiteral("AB1");
     int m_mark = 0;
 };
 

@@ -89,7 +89,11 @@ class StationsTest : public QObject
 {
     Q_OBJECT
 
+    std::unique_ptr<Airspace> m_shared; ///< for the rows of a table
+
 private slots:
+    void cleanupTestCase() { m_shared.reset(); }
+
     void aStationAppears()
     {
         Airspace air;
@@ -273,8 +277,11 @@ private slots:
         QFETCH(QString, text);
         QFETCH(QStringList, announced);
         QFETCH(QStringList, messages);
-        Airspace air;
-        QVERIFY(air.start() && air.receiveOnCom2() && air.settle());
+        if (!m_shared) {
+            m_shared = std::make_unique<Airspace>();
+            QVERIFY(m_shared->start() && m_shared->receiveOnCom2() && m_shared->settle());
+        }
+        Airspace &air = *m_shared;
         air.takeMessages();
         QVERIFY(air.hear({u"#TMzbaa_twr:"_qs + text}));
         QCOMPARE(air.takeSignals(), announced);
