@@ -222,7 +222,7 @@ bool Hour::badLines()
 {
     if (!connectAs(false))
         return false;
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 150; ++i) {
         if (!sayAll(hostileLines))
             return false;
     }
@@ -287,7 +287,7 @@ bool Hour::crowd()
         if (!sayAll(arrivalOf(callsignOf(generation, pilot))))
             return false;
     }
-    for (int step = 1; step <= 10; ++step) {
+    for (int step = 1; step <= 40; ++step) {
         QStringList lines;
         for (int pilot = 0; pilot < crowdSize; ++pilot)
             lines += fastReport(callsignOf(generation, pilot), step);
