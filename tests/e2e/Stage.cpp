@@ -1,6 +1,7 @@
 #include "e2e/Stage.h"
 
 #include "e2e/Packed.h"
+#include "e2e/TrafficLines.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -169,6 +170,14 @@ bool Stage::hear(const QStringList &lines)
     const bool sent = std::all_of(lines.begin(), lines.end(),
                                   [this](const QString &line) { return server().sendLine(m_callsign, line); });
     return sent && settle();
+}
+
+bool Stage::introduce(const QString &callsign, int knots)
+{
+    const bool introduced = hear({slowPosition(callsign, knots), planeInfo(callsign)});
+    takeLines();
+    takeMessages();
+    return introduced;
 }
 
 bool Stage::settle()

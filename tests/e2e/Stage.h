@@ -32,6 +32,10 @@ public:
 
     /// Lets the server send lines to the client, and waits until the client and all that answers it have come to rest.
     bool hear(const QStringList &lines);
+    /// Lets an aircraft appear that flies at so many knots and is a B738: in the simulator by way of the session's
+    /// table, known to the list, which still waits for its configuration. What was said is forgotten, but not the
+    /// signals.
+    bool introduce(const QString &callsign, int knots);
     /// Waits until everything that is under way between server, client and plugin has arrived.
     bool settle();
 

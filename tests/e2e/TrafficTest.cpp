@@ -9,16 +9,6 @@ using State = model::RemoteAircraft::State;
 namespace {
 
 constexpr practice::PluginAnswering silent{.silent = true, .delayMs = 0};
-const QVariant nil;
-
-/// The aircraft in the simulator by way of the session's table, and known to the list, which still waits.
-bool introduce(Stage &stage, int knots)
-{
-    const bool introduced = stage.hear({slowPosition(cca, knots), planeInfo(cca)});
-    stage.takeLines();
-    stage.takeMessages();
-    return introduced;
-}
 
 /// A new simulator's radios come in one piece or in several, and each time the stations are told.
 QStringList withoutStations(QStringList messages)
@@ -123,7 +113,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setAddAnswering(silent);
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         QCOMPARE(stage.inTrafficList(cca).state, State::New);
         QVERIFY(stage.hear({fullConfiguration(cca)}));
         QCOMPARE(stage.takeMessages(), told({acconfFull(cca), add(cca), acconfFull(cca)}));
@@ -135,7 +125,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setAddAnswering(silent);
-        QVERIFY(introduce(stage, 300));
+        QVERIFY(stage.introduce(cca, 300));
         QVERIFY(stage.hear({fullConfiguration(cca)}));
         QCOMPARE(stage.takeMessages(), told({acconfFull(cca), acconfFull(cca)}));
         QVERIFY(stage.hear({slowPosition(cca, 300)}));
@@ -153,7 +143,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setAddAnswering(silent);
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         QVERIFY(stage.hear({fullConfiguration(cca)}));
         stage.takeMessages();
         stage.clock.advance(10'000);
@@ -173,7 +163,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setAddAnswering({.silent = false, .delayMs = 12'000});
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         QVERIFY(stage.hear({fullConfiguration(cca)}));
         stage.clock.advance(11'000);
         stage.simulatorClock.advance(11'000);
@@ -195,7 +185,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setDelAnswering({.silent = false, .delayMs = 12'000});
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         QVERIFY(stage.hear({deletion(cca)}));
         QCOMPARE(stage.takeMessages(), told({del(cca, u"Pilot disconnected"_qs), del(cca, u"Deleted"_qs)}));
         QCOMPARE(stage.manager().remoteAircraft().size(), 0);
@@ -211,7 +201,7 @@ private slots:
         Stage stage;
         QVERIFY(stage.start({cca}));
         stage.plugin().setDelAnswering(silent);
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         stage.clock.advance(15'000);
         QVERIFY(stage.client.fire("staleTimer"));
         QVERIFY(stage.settle());
@@ -264,7 +254,7 @@ private slots:
         QFETCH(practice::PluginMessage, shown);
         QVERIFY(emptyShared());
         Stage &stage = *m_shared;
-        QVERIFY(introduce(stage, 250));
+        QVERIFY(stage.introduce(cca, 250));
         QVERIFY(stage.hear({line}));
         practice::PluginMessage again = shown; // the list keeps the speed of the slow report
         again.arguments.last() = 250.0;
@@ -275,7 +265,7 @@ private slots:
     {
         Stage stage;
         QVERIFY(stage.start({cca}));
-        QVERIFY(introduce(stage, 250));
+        QVERIFY(stage.introduce(cca, 250));
         QVERIFY(stage.hear({stoppedPosition(cca)}));
         practice::PluginMessage first = fstpos(cca, 0, 0, 0, 0);
         for (const int rotation : {11, 12, 13})
@@ -306,101 +296,6 @@ private slots:
         QTRY_COMPARE(network.linesOf(u"$POAB1:"_qs).size(), 1);
         QCOMPARE(client.manager->remoteAircraft().size(), 0);
         QCOMPARE(network.linesOf(u"#SB"_qs), QStringList());
-    }
-
-    // --- what it looks like ---
-
-    void configurationsMerge()
-    {
-        Stage stage;
-        QVERIFY(stage.start({cca}));
-        QVERIFY(introduce(stage, 0));
-
-        // Parts of an unknown whole: only the session's table, which keeps the last message, tells of it.
-        QVERIFY(stage.hear({configuration(cca, u"\"gear_down\":true"_qs)}));
-        QCOMPARE(stage.takeMessages(), told({acconf(cca, {nil, nil, nil, nil, nil, true, nil, nil, nil, nil, nil})}));
-        QVERIFY(stage.hear({fullConfiguration(cca)}));
-        QCOMPARE(stage.takeMessages(), told({acconfFull(cca), acconfFull(cca)}));
-
-        // One light tells of all five; the rest of the merged record stays.
-        QVERIFY(stage.hear({configuration(cca, u"\"lights\":{\"nav_on\":false}"_qs)}));
-        QCOMPARE(stage.takeMessages(),
-                 told({acconf(cca, {nil, nil, nil, nil, nil, nil, nil, nil, false, nil, nil}),
-                       acconf(cca, {true, true, false, true, 0.25F, true, nil, nil, false, nil, nil})}));
-        // An engine stands for the whole block, too.
-        QVERIFY(stage.hear({configuration(cca, u"\"engines\":{\"1\":{\"is_reversing\":true}}"_qs)}));
-        QCOMPARE(stage.takeMessages(),
-                 told({acconf(cca, {nil, false, true, nil, nil, nil, nil, nil, nil, nil, nil}),
-                       acconf(cca, {true, false, true, true, 0.25F, true, nil, nil, false, nil, nil})}));
-        QVERIFY(stage.hear({configuration(cca, u"\"flaps_pct\":33,\"on_ground\":false,\"spoilers_out\":true"_qs)}));
-        QCOMPARE(stage.takeMessages(),
-                 told({acconf(cca, {nil, nil, nil, false, 0.33F, nil, nil, nil, nil, nil, nil}),
-                       acconf(cca, {true, false, true, false, 0.33F, true, nil, nil, false, nil, nil})}));
-        QCOMPARE(stage.takeLines(), QStringList());
-    }
-
-    void anUnreadableConfigurationIsPassedOnAndChangesNothing()
-    {
-        Stage stage;
-        QVERIFY(stage.start({cca}));
-        QVERIFY(introduce(stage, 0));
-        stage.takeSignals();
-        QVERIFY(stage.hear({u"$CQCCA123:AB1:ACC:{\"config\":{"_qs, u"$CQCCA123:AB1:ACC"_qs}));
-        QCOMPARE(stage.takeSignals(),
-                 (QStringList{u"configuration CCA123 {\"config\":{"_qs, u"configuration CCA123 "_qs}));
-        QCOMPARE(stage.takeMessages(), QStringList());
-    }
-
-    void aFullConfigurationIsGivenOnRequest()
-    {
-        Stage stage;
-        QVERIFY(stage.start({cca}));
-        QVERIFY(stage.hear({u"$CQCCA123:AB1:ACC:{\"request\":\"full\"}"_qs}));
-        const QString own = u"{\"config\":{\"is_full_data\":true,\"lights\":{\"strobe_on\":false,\"landing_on\":false,"
-                            u"\"taxi_on\":false,\"beacon_on\":false,\"nav_on\":true},\"engines\":{\"1\":{\"on\":false,"
-                            u"\"is_reversing\":false},\"2\":{\"on\":false,\"is_reversing\":false}},\"gear_down\":true,"
-                            u"\"flaps_pct\":0,\"spoilers_out\":false,\"on_ground\":true}}"_qs;
-        QCOMPARE(stage.takeLines(), QStringList{u"$CQAB1:CCA123:ACC:"_qs + own});
-    }
-
-    void liveries_data()
-    {
-        QTest::addColumn<QStringList>("answers");
-        QTest::addColumn<QString>("livery");
-        QTest::addColumn<QString>("hint");
-        QTest::newRow("a livery") << QStringList{u"EQUIPMENT=B738:LIVERY=air china"_qs} << u"AIR CHINA"_qs << QString();
-        QTest::newRow("SWIFT_ names a model")
-            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_b738cca"_qs} << u"SWIFT_B738CCA"_qs << u"SWIFT_B738CCA"_qs;
-        QTest::newRow("a CSL field names it better")
-            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_b738cca:CSL=Bluebell 738"_qs} << u"SWIFT_B738CCA"_qs
-            << u"Bluebell 738"_qs;
-        QTest::newRow("m_csl") << QStringList{u"EQUIPMENT=B738:m_csl=Bluebell 738"_qs} << QString()
-                               << u"Bluebell 738"_qs;
-        QTest::newRow("a hint outlives another SWIFT_")
-            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_1"_qs, u"EQUIPMENT=B738:LIVERY=swift_2"_qs} << u"SWIFT_2"_qs
-            << u"SWIFT_1"_qs;
-        QTest::newRow("an empty livery takes nothing back")
-            << QStringList{u"EQUIPMENT=B738:LIVERY=swift_1"_qs, u"EQUIPMENT=B738"_qs} << u"SWIFT_1"_qs << u"SWIFT_1"_qs;
-        QTest::newRow("SWIFT_ must stand in front")
-            << QStringList{u"EQUIPMENT=B738:LIVERY=my swift_1"_qs} << u"MY SWIFT_1"_qs << QString();
-    }
-
-    void liveries()
-    {
-        QFETCH(QStringList, answers);
-        QFETCH(QString, livery);
-        QFETCH(QString, hint);
-        QVERIFY(emptyShared());
-        Stage &stage = *m_shared;
-        QVERIFY(stage.hear({slowPosition(cca, 0)}));
-        for (const QString &answer : answers)
-            QVERIFY(stage.hear({planeInfo(cca, answer)}));
-        for (const model::RemoteAircraft &record : {stage.inNetworkTable(cca), stage.inTrafficList(cca)}) {
-            QCOMPARE(record.livery, livery);
-            QCOMPARE(record.remoteModelHint, hint);
-            QCOMPARE(record.typeCode, u"B738"_qs);
-        }
-        QCOMPARE(stage.takeMessages(), told({add(cca)})); // neither travels to the plugin
     }
 
     // --- when the stage itself changes ---
@@ -464,7 +359,7 @@ private slots:
     {
         Stage stage;
         QVERIFY(stage.start({cca}));
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         stage.manager().disconnectFromNetwork();
         QTRY_COMPARE(stage.server().connectionCount(), 0);
         QVERIFY(stage.goOnline());
@@ -480,7 +375,7 @@ private slots:
     {
         Stage stage;
         QVERIFY(stage.start({cca}));
-        QVERIFY(introduce(stage, 0));
+        QVERIFY(stage.introduce(cca, 0));
         stage.manager().disconnectFromNetwork();
         QTRY_VERIFY(stage.messageCount() >= 4);
         QCOMPARE(stage.takeMessages(),
