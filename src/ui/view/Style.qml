@@ -60,6 +60,13 @@ QtObject {
     readonly property color buttonText: "#FFFFFF"
     readonly property int controlHeight: 42
 
+    // Messages
+    readonly property color bubbleIncoming: "#FFFFFF"
+    readonly property color bubbleOutgoing: primary
+    readonly property color bubbleSystem: accentSoft
+    readonly property color bubbleOutgoingText: buttonText
+    readonly property color sheet: "#60FFFFFF"
+
     // On photographs
     readonly property color imageFilm: "#70000000"
     readonly property color imageFoot: "#B0000000"
