@@ -416,8 +416,19 @@ private slots:
         m_harness->click(field("foldControl"));
         QTRY_VERIFY(m_harness->itemWithText(text));
         QTRY_VERIFY(list()->property("contentHeight").toReal() > folded + 500);
+        settle();
+        const QQuickItem *body = m_harness->itemWithText(text);
+        QVERIFY(body->mapToItem(list(), QPointF()).y() > 0); // one reads on where one was
+        QVERIFY(field("newestButton"));
         checkBounds();
         m_harness->grab(QStringLiteral("messages-unfolded"));
+        m_harness->click(field("newestButton"));
+        settle();
+        m_harness->click(field("foldControl"));
+        QTRY_VERIFY(!m_harness->itemWithText(text));
+        settle();
+        QVERIFY(atEnd());
+        QTRY_VERIFY(!field("newestButton"));
     }
 
     void theEmptyPageTellsWhatIsMissing()

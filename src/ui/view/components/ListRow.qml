@@ -51,6 +51,7 @@ AbstractButton {
 
             AppText {
                 Layout.fillWidth: true
+                Layout.minimumWidth: Math.min(Math.ceil(implicitWidth) + 1, row.availableWidth * 0.55)
                 Layout.maximumWidth: Math.ceil(implicitWidth) + 1
                 clip: true // an elided text of both directions may be wider than it should
                 horizontalAlignment: Text.AlignLeft

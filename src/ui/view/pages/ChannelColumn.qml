@@ -32,7 +32,7 @@ Card {
         sessions.follow((messages?.privateSessions ?? []).map(row => ({
             key: row.callsign,
             unread: row.unread,
-            time: row.lastTime,
+            time: row.lastTime.slice(0, 5),
             lastText: row.lastMessage.slice(0, 200).replace(/\s+/g, " ")
         })))
     }

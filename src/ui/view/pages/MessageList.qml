@@ -60,9 +60,9 @@ Item {
     }
 
     function fold(index: int, expanded: bool): void {
-        follow = false // what is being read stays in sight
+        if (expanded)
+            follow = false // what is being read stays in sight
         keyed.rows.setProperty(index, "expanded", expanded)
-        laterLook.start()
     }
 
     function stay(): void {
@@ -112,7 +112,7 @@ Item {
         onMovementEnded: view.look()
         onHeightChanged: laterStay.start()
         onWidthChanged: laterStay.start()
-        onContentHeightChanged: laterStay.start()
+        onContentHeightChanged: view.follow ? laterStay.start() : laterLook.start()
         ScrollBar.vertical: CustomScrollBar { id: bar }
 
         delegate: MessageBubble {
