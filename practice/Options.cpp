@@ -101,6 +101,7 @@ Options fill(const QCommandLineParser &parser, Values &values)
 {
     constexpr int longest = 1'000'000'000;
     Options options;
+    options.script = values.text("script");
     PracticeSettings &network = options.network;
     network.address = values.address("address");
     network.secondAddress = values.address("second-address");
@@ -113,7 +114,8 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.fsd.challengeIntervalMs = values.whole("challenge", 0, 86400) * 1000;
     network.fsd.relayRangeNm = values.number("range", 0, 10800);
     network.fsd.fastRangeNm = values.number("fast-range", 0, 10800);
-    network.company.present = !parser.isSet(QStringLiteral("no-company"));
+    network.company.present =
+        !parser.isSet(QStringLiteral("no-company")) && options.script.isEmpty(); // a scene has the stage alone
     network.company.broadcastIntervalMs = values.whole("broadcast", 0, 86400) * 1000;
     network.crowd.pilots = values.whole("pilots", 0, CrowdSettings::mostPilots);
     network.crowd.rateHz = values.number("rate", 0.01, 50);
@@ -121,7 +123,6 @@ Options fill(const QCommandLineParser &parser, Values &values)
     options.refreshLife = values.whole("refresh-life", 0, longest);
     options.fsdLife = values.whole("fsd-token-life", 0, longest);
     options.flightTime = values.number("flight-time", 0, longest);
-    options.script = values.text("script");
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     return options;
 }

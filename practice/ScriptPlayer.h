@@ -45,6 +45,8 @@ public:
     QString error() const { return m_error; }
     /// The callsign of the client that the scene is played for; empty before the first login.
     QString pilot() const { return m_pilot; }
+    /// True while a wait-for holds the scene.
+    bool isWaiting() const { return m_waiting; }
     /// Milliseconds of the scene. They stand still in a wait-for, and are 0 before the start.
     qint64 timeMs() const;
 

@@ -1,10 +1,12 @@
 #include "practice/ControlService.h"
 
 #include "Peers.h"
+#include "PluginDialer.h"
 #include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <QJsonArray>
+#include <QSignalSpy>
 
 #include <memory>
 
@@ -98,6 +100,110 @@ private slots:
         QCOMPARE(m_network->xplane().value(QStringLiteral("sim/cockpit/radios/transponder_code")), 7700.0F);
     }
 
+    void bringsInActors()
+    {
+        QCOMPARE(m_web->post(QStringLiteral("/practice/join?callsign=xy2&cid=1003&name=Wang%20Lei"), {}).status, 200);
+        QTRY_VERIFY(m_pilot->got("#APXY2:SERVER:1003::"));
+        QCOMPARE(m_web->get(QStringLiteral("/practice")).json.value(QLatin1String("residents")).toArray(),
+                 QJsonArray{QStringLiteral("XY2")});
+        QCOMPARE(m_web->post(QStringLiteral("/practice/speak?callsign=xy2&line=%23TMXY2:AB1:a%2Bb"), {}).status, 200);
+        QTRY_VERIFY(m_pilot->got("#TMXY2:AB1:a+b\r\n"));
+        QCOMPARE(m_web->post(QStringLiteral("/practice/leave?callsign=xy2"), {}).status, 200);
+        QTRY_VERIFY(m_pilot->got("#DPXY2:1003\r\n"));
+        QCOMPARE(m_web->post(QStringLiteral("/practice/join?callsign=zbaa_twr&as=controller"), {}).status, 200);
+        QTRY_VERIFY(m_pilot->got("#AAZBAA_TWR:SERVER:"));
+    }
+
+    void tellsWhatThePluginDraws()
+    {
+        PluginDialer simulator(m_network->pluginUrl());
+        QVERIFY(simulator.send(PluginMessage{
+            QStringLiteral("ADD"),
+            {QStringLiteral("CCA981"), QStringLiteral("CCA"), QStringLiteral("B738"), 40.5, 116.5, 1000.0, 90.0, 0.0,
+             0.0}}.toBytes()));
+        const auto drawn = [this] {
+            return m_web->get(QStringLiteral("/practice")).json.value(QLatin1String("aircraft")).toArray();
+        };
+        QTRY_COMPARE(m_network->xplane().plugin().aircraft().size(), 1);
+        const QJsonObject aircraft = drawn().at(0).toObject();
+        QCOMPARE(aircraft.value(QLatin1String("callsign")).toString(), QStringLiteral("CCA981"));
+        QCOMPARE(aircraft.value(QLatin1String("type")).toString(), QStringLiteral("B738"));
+        QCOMPARE(aircraft.value(QLatin1String("latitude")).toDouble(), 40.5);
+        QCOMPARE(aircraft.value(QLatin1String("moved")).toString(), QStringLiteral("ADD"));
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-vanish"), {}).status, 200);
+        QVERIFY(drawn().isEmpty());
+        QVERIFY(!m_web->get(QStringLiteral("/practice")).json.value(QLatin1String("plugin")).toBool());
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-vanish"), {}).status, 404);
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-return"), {}).status, 200);
+        QVERIFY(m_web->get(QStringLiteral("/practice")).json.value(QLatin1String("plugin")).toBool());
+    }
+
+    void thePluginSays_data()
+    {
+        QTest::addColumn<QString>("verb");
+        QTest::addColumn<QByteArray>("bytes");
+        const auto row = [](const char16_t *verb, const QByteArray &bytes) {
+            const QString text = QString::fromUtf16(verb);
+            QTest::newRow(text.toLatin1().constData()) << text << bytes;
+        };
+        row(u"say-radio?text=hi%20you", "\x92\xa8RDIOSENT\x91\xa6hi you");
+        row(u"say-private?to=AB9&text=hi", "\x92\xa8PRIVSENT\x92\xa3"
+                                           "AB9\xa2hi");
+        row(u"request-station?callsign=zbaa_twr", "\x92\xaaREQSTATION\x91\xa8ZBAA_TWR");
+        row(u"force-disconnect?reason=why", "\x92\xa9"
+                                            "FORCEDISC\x91\xa3why");
+        row(u"force-disconnect", "\x92\xa9"
+                                 "FORCEDISC\x91\xa0");
+        row(u"shut-down", "\x92\xa8SHUTDOWN\x90");
+        row(u"plugin-message?name=XYZ", "\x92\xa3XYZ\x90");
+        row(u"plugin-message?name=ADDED&arguments=%5B%22AB9%22,null,true,7%5D", "\x92\xa5"
+                                                                                "ADDED\x94\xa3"
+                                                                                "AB9\xc0\xc3\x07");
+        row(u"plugin-bytes?hex=92C1", "\x92\xc1");
+    }
+
+    void thePluginSays()
+    {
+        QFETCH(QString, verb);
+        QFETCH(QByteArray, bytes);
+        PluginDialer simulator(m_network->pluginUrl());
+        QVERIFY(simulator.send(PluginMessage{QStringLiteral("VER"), {}}.toBytes()));
+        QByteArray received;
+        const auto arrived = [&] {
+            if (received.isEmpty())
+                received = simulator.receive();
+            return !received.isEmpty();
+        };
+        QTRY_VERIFY(arrived()); // the version, now that it is connected
+        received.clear();
+        QCOMPARE(m_web->post(QStringLiteral("/practice/") + verb, {}).status, 200);
+        QTRY_VERIFY(arrived());
+        QCOMPARE(received, bytes);
+    }
+
+    void tellsThePluginHowToAnswer()
+    {
+        PluginPeer &plugin = m_network->xplane().plugin();
+        PluginDialer simulator(m_network->pluginUrl());
+        const auto send = [&](const QString &name) {
+            QSignalSpy received(&plugin, &PluginPeer::messageReceived);
+            QVERIFY(simulator.send(PluginMessage{name, {QStringLiteral("AB9")}}.toBytes()));
+            QTRY_COMPARE(received.size(), 1);
+        };
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-add?mode=late&delay=500"), {}).status, 200);
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-del?mode=silent"), {}).status, 200);
+        send(QStringLiteral("ADD"));
+        QCOMPARE(plugin.pendingAnswers(), 1);
+        m_clock.advance(500);
+        plugin.answerDue();
+        QCOMPARE(plugin.aircraft().size(), 1);
+        send(QStringLiteral("DEL"));
+        QCOMPARE(plugin.aircraft().size(), 1);
+        QCOMPARE(m_web->post(QStringLiteral("/practice/plugin-del?mode=answer"), {}).status, 200);
+        send(QStringLiteral("DEL"));
+        QVERIFY(plugin.aircraft().isEmpty());
+    }
+
     void refuses_data()
     {
         QTest::addColumn<QString>("verb");
@@ -106,6 +212,17 @@ private slots:
         QTest::newRow("no callsign") << QStringLiteral("kill");
         QTest::newRow("unknown phase") << QStringLiteral("flight?phase=loop");
         QTest::newRow("unknown dataref") << QStringLiteral("dataref?name=sim/nothing&value=1");
+        QTest::newRow("plugin answers how") << QStringLiteral("plugin-add");
+        QTest::newRow("plugin answers otherwise") << QStringLiteral("plugin-add?mode=rudely");
+        QTest::newRow("late by nothing") << QStringLiteral("plugin-del?mode=late");
+        QTest::newRow("a plugin that is there") << QStringLiteral("plugin-return");
+        QTest::newRow("arguments that are no list") << QStringLiteral("plugin-message?name=X&arguments=7");
+        QTest::newRow("odd digits") << QStringLiteral("plugin-bytes?hex=9");
+        QTest::newRow("no digits") << QStringLiteral("plugin-bytes?hex=9x");
+        QTest::newRow("join as what") << QStringLiteral("join?callsign=XY2&as=bird");
+        QTest::newRow("join as somebody there") << QStringLiteral("join?callsign=ab1");
+        QTest::newRow("leave unjoined") << QStringLiteral("leave?callsign=XY2");
+        QTest::newRow("speak unjoined") << QStringLiteral("speak?callsign=XY2&line=%23TMXY2:AB1:x");
         QTest::newRow("no second server") << QStringLiteral("hand-over?callsign=AB1");
     }
 
@@ -124,6 +241,7 @@ private slots:
                 QTest::newRow(qPrintable(text)) << text;
             }
         };
+        rows(u"plugin-add?mode=late&delay=", {u"", u"x", u"0", u"-1", u"1.5", u"3600001"});
         rows(u"token-life?seconds=", {u"", u"x", u"5s", u"1.5", u"9223372036854775807", u"9223372036854775808"});
         rows(u"plugin-version?version=", {u"", u"x", u"-2", u"1.5", u"9223372036854775808"});
         rows(u"bare-status?status=", {u"", u"x", u"-1", u"1", u"99", u"600", u"4294967796"});

@@ -1,4 +1,6 @@
 #include "practice/PluginPeer.h"
+
+#include "PluginDialer.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -7,57 +9,10 @@
 
 #include <atomic>
 #include <memory>
-#include <nng/nng.h>
-#include <nng/protocol/pair1/pair.h>
 #include <thread>
 
 using namespace tarvo::practice;
-
-namespace {
-/// The client's end of the socket, in bytes.
-class Dialer
-{
-public:
-    explicit Dialer(const QString &url)
-    {
-        nng_pair1_open(&m_socket);
-        nng_socket_set_ms(m_socket, NNG_OPT_RECONNMINT, 10);
-        nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, 4096); // so that a message waits for the connection
-        nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, 4096);
-        nng_dial(m_socket, url.toUtf8().constData(), nullptr, NNG_FLAG_NONBLOCK);
-    }
-    Dialer(const Dialer &) = delete;
-    Dialer &operator=(const Dialer &) = delete;
-    ~Dialer()
-    {
-        // Read until it is quiet: nng 1.5 may never end a close that meets a message on its way in.
-        nng_socket_set_ms(m_socket, NNG_OPT_RECVTIMEO, 20);
-        nng_msg *message = nullptr;
-        while (nng_recvmsg(m_socket, &message, 0) == 0)
-            nng_msg_free(message);
-        nng_close(m_socket);
-    }
-
-    bool send(QByteArray bytes)
-    {
-        return nng_send(m_socket, bytes.data(), static_cast<std::size_t>(bytes.size()), NNG_FLAG_NONBLOCK) == 0;
-    }
-    /// The next message, or nothing when there is none yet.
-    QByteArray receive()
-    {
-        void *data = nullptr;
-        std::size_t size = 0;
-        if (nng_recv(m_socket, &data, &size, NNG_FLAG_ALLOC | NNG_FLAG_NONBLOCK) != 0)
-            return {};
-        const QByteArray bytes(static_cast<const char *>(data), static_cast<qsizetype>(size));
-        nng_free(data, size);
-        return bytes;
-    }
-
-private:
-    nng_socket m_socket = NNG_SOCKET_INITIALIZER;
-};
-} // namespace
+using tarvo::test::PluginDialer;
 
 class PluginPeerTest : public QObject
 {
@@ -65,7 +20,7 @@ class PluginPeerTest : public QObject
 
     QTemporaryDir m_folder;
     std::unique_ptr<PluginPeer> m_plugin;
-    std::unique_ptr<Dialer> m_client;
+    std::unique_ptr<PluginDialer> m_client;
 
     QString url() const { return QStringLiteral("ipc://%1").arg(m_folder.filePath(QStringLiteral("p.ipc"))); }
     QByteArray next()
@@ -85,7 +40,7 @@ private slots:
     {
         m_plugin = std::make_unique<PluginPeer>();
         QVERIFY2(m_plugin->listen(url()), qPrintable(m_plugin->errorString()));
-        m_client = std::make_unique<Dialer>(url());
+        m_client = std::make_unique<PluginDialer>(url());
     }
 
     void cleanup()
@@ -253,7 +208,7 @@ private slots:
             flood.join();
             m_client.reset();
             QVERIFY(m_plugin->listen(url()));
-            m_client = std::make_unique<Dialer>(url());
+            m_client = std::make_unique<PluginDialer>(url());
         }
     }
 
@@ -262,7 +217,7 @@ private slots:
         QVERIFY(m_client->send("\x92\xa3VER\x90"));
         next();
         m_client.reset();
-        m_client = std::make_unique<Dialer>(url());
+        m_client = std::make_unique<PluginDialer>(url());
         QByteArray answer;
         const auto asked = [&] { // again and again: what goes into a connection that is refused is lost
             if (answer.isEmpty()) {
