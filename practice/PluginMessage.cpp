@@ -73,6 +73,8 @@ QString textOf(const QVariant &argument)
 {
     if (!argument.isValid())
         return QStringLiteral("nil");
+    if (argument.typeId() == QMetaType::Float) // in its own digits: 0.3, not the double that is nearest to it
+        return QString::number(argument.toDouble(), 'g', 6);
     if (argument.typeId() != QMetaType::QVariantList && argument.typeId() != QMetaType::QStringList)
         return argument.toString();
     QStringList items;

@@ -325,6 +325,7 @@ private slots:
         QTest::newRow("nothing") << QVariantList{} << QStringLiteral("X");
         QTest::newRow("values") << QVariantList{QStringLiteral("a b"), true, 7, 1.5, QVariant()}
                                 << QStringLiteral("X a b true 7 1.5 nil");
+        QTest::newRow("short float") << QVariantList{0.3F} << QStringLiteral("X 0.3");
         QTest::newRow("lists") << QVariantList{QVariant(QVariantList{QVariant(QVariantList{1, 2}), 3})}
                                << QStringLiteral("X [[1, 2], 3]");
     }
