@@ -35,9 +35,9 @@ void appendFixed(QByteArray &text, double value, int decimals)
     char *end = std::to_chars(digits.data(), digits.data() + digits.size(), scaled / whole).ptr;
     if (decimals > 0) {
         // A leading one keeps the zeros of the fraction; the point takes its place.
-        char *const point = end;
-        end = std::to_chars(point, digits.data() + digits.size(), whole + scaled % whole).ptr;
-        *point = '.';
+        const auto point = static_cast<std::size_t>(end - digits.data());
+        end = std::to_chars(end, digits.data() + digits.size(), whole + scaled % whole).ptr;
+        digits.at(point) = '.';
     }
     if (value < 0 && scaled != 0)
         text += '-';
