@@ -1,5 +1,6 @@
 #include "simulator/xplane/PluginLink.h"
 
+#include "simulator/xplane/MessageThreads.h"
 #include "simulator/xplane/SocketCloser.h"
 
 #include <nng/protocol/pair1/pair.h>
@@ -68,6 +69,7 @@ void PluginLink::open(const PluginAddress &address)
 
 void PluginLink::openSocket()
 {
+    startMessageThreads();
     const int result = nng_pair1_open(&m_socket);
     m_opened = result == 0;
     if (!m_opened) {
