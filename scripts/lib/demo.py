@@ -19,6 +19,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PICTURES = ROOT / 'build' / 'demo'
 USERNAME, PASSWORD = '1001', 'practice'
 CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
+OTHER_PILOTS = ('CES2117', 'CCA908', 'CHH7182', 'BAW38')
+TOWER = 'ZBAA_TWR'
 LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
 
 
@@ -167,12 +169,15 @@ def fly(client, practice):
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
     picture('6-connected')
+    meet_traffic(main, practice, connected)
+    talk_to_tower(main, practice, connected)
+    main.click(*SERVER_ITEM)
     main.click(*CONNECT_BUTTON)
     practice.wait_for(r'#DP' + CALLSIGN)
-    picture('7-disconnected')
+    picture('10-disconnected')
     main.click(*LOGOUT_ITEM)
     Window(LOGIN_TITLE)
-    picture('8-login-again')
+    picture('11-login-again')
     press('alt+F4')
     if client.wait(10) != 0:
         raise Failure(f'the client ended with {client.returncode}')
@@ -190,10 +195,37 @@ def fill_form(main):
     main.click(*CONNECT_BUTTON)
 
 
+def meet_traffic(main, practice, connected):
+    """Waits until every other aircraft is drawn, and looks at them. The tower has greeted meanwhile: a badge tells."""
+    for callsign in OTHER_PILOTS:
+        practice.wait_for(r'plugin +>>> ADDED.*' + callsign, start=connected)
+    practice.wait_for(f'#TM{TOWER}:{CALLSIGN}:', start=connected)
+    main.click(*SIMULATOR_ITEM)
+    picture('7-simulator-page')
+
+
+def talk_to_tower(main, practice, connected):
+    """A private session with the tower, and its call by SELCAL."""
+    main.click(*MESSAGES_ITEM)
+    picture('8-messages-page')
+    main.click(*TOWER_SESSION)
+    for text in (f'SELCAL {SELCAL}', 'SELCAL'):
+        main.click(*COMPOSE_FIELD)
+        type_text(text)
+        press('Return')
+        sent = practice.wait_for(f'#TM{CALLSIGN}:{TOWER}:{text}$', start=connected)
+    practice.wait_for(f'#TM{TOWER}:.*:SELCAL {SELCAL}', start=sent)
+    picture('9-called-by-selcal')
+
+
 # Where the pilot clicks, in pixels of a main window of 1000x700.
 X_PLANE_CARD = (500, 382)
-SERVER_ITEM = (120, 180)
-LOGOUT_ITEM = (120, 268)
+SIMULATOR_ITEM = (120, 180)
+SERVER_ITEM = (120, 230)
+MESSAGES_ITEM = (120, 280)
+LOGOUT_ITEM = (120, 368)
+TOWER_SESSION = (370, 500)
+COMPOSE_FIELD = (650, 660)
 CALLSIGN_FIELD = (430, 329)
 CONNECT_BUTTON = (430, 503)
 
