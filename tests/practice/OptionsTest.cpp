@@ -35,6 +35,15 @@ private slots:
         QCOMPARE(options->network.crowd.rateHz, 5.0);
     }
 
+    void aSceneHasTheStageAlone()
+    {
+        QString error;
+        const auto options = read({QStringLiteral("--script"), QStringLiteral("a.scene")}, &error);
+        QVERIFY2(options, qPrintable(error));
+        QCOMPARE(options->script, QStringLiteral("a.scene"));
+        QVERIFY(!options->network.company.present);
+    }
+
     void readsWhatIsGiven()
     {
         QString error;
