@@ -79,8 +79,8 @@ void MessageStore::clear()
 MessageStore::Tally MessageStore::takeFirst()
 {
     const QVariantMap row = m_rows.takeFirst().toMap();
-    const Tally gone{row.value(QStringLiteral("type")).toString(), row.value(channelKey()).toString(),
-                     row.value(unreadKey()).toBool()};
+    Tally gone{row.value(QStringLiteral("type")).toString(), row.value(channelKey()).toString(),
+               row.value(unreadKey()).toBool()};
     --m_byType[gone.type];
     if (gone.unread)
         countUnread(gone.channel, -1);

@@ -61,7 +61,7 @@ QString PrivateSessions::evict(const QString &kept)
         return left.callsign != kept && (right.callsign == kept || left.activity < right.activity);
     };
     const auto quietest = std::min_element(m_sessions.cbegin(), m_sessions.cend(), quieter);
-    const QString callsign = quietest->callsign;
+    QString callsign = quietest->callsign;
     m_sessions.erase(quietest);
     return callsign;
 }
