@@ -1,6 +1,6 @@
 // The other aircraft: what is known of them, and how they get into the simulator.
 //
-// Whatever is sent, raised or told to the simulator may come back and end the session, delete an aircraft or replace
+// Whatever is sent, raised or told to the simulator may come back and end the session, forget an aircraft or replace
 // the simulator. So nothing of the table is kept across such a call, and what follows looks whether it still holds.
 
 #include "manager/NetworkManagerSending.h"

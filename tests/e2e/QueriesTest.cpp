@@ -279,7 +279,7 @@ private slots:
              .messages = {},
              .announced = {},
              .notifications = {}});
-        row("told", {planeInfo(cca, u"equipment=B738:AIRLINE=XXX"_qs)},
+        row("told", {planeInfo(cca, u"equipment=B738:AIRLINE=CES"_qs)},
             {.lines = {configurationQuestion(cca)},
              .messages = told({addNowhere(cca, u"CCA"_qs, u"B738"_qs)}),
              .announced = {u"aircraft CCA123 B738 CCA"_qs},
