@@ -139,7 +139,7 @@ def windows_command(unit, command):
 
 
 def posix_only(unit):
-    return unit.stem.endswith(('_posix', '_x11'))
+    return unit.stem.endswith(('_posix', '_linux', '_x11'))
 
 
 def check(mode, unit, command, stamp):
