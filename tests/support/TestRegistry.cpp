@@ -1,9 +1,12 @@
 #include "support/TestRegistry.h"
 
+#include <QDebug>
 #include <QObject>
+#include <QStringList>
 #include <QTest>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace tarvo::test {
@@ -13,6 +16,16 @@ std::vector<TestFactory> &factories()
 {
     static std::vector<TestFactory> list;
     return list;
+}
+
+/// Takes the class names out of the arguments. A class begins with a capital letter, a test function never does.
+QStringList takeClassNames(QStringList &arguments)
+{
+    const auto isClassName = [](const QString &word) { return !word.isEmpty() && word.front().isUpper(); };
+    QStringList names;
+    std::copy_if(arguments.cbegin() + 1, arguments.cend(), std::back_inserter(names), isClassName);
+    arguments.erase(std::remove_if(arguments.begin() + 1, arguments.end(), isClassName), arguments.end());
+    return names;
 }
 } // namespace
 
@@ -24,13 +37,21 @@ bool registerTest(TestFactory factory)
 
 int runAllTests(int argc, char **argv)
 {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    QStringList wanted = takeClassNames(arguments);
+    const bool all = wanted.isEmpty();
     int failedClasses = 0;
     for (const TestFactory &make : factories()) {
         const std::unique_ptr<QObject> object = make();
-        if (QTest::qExec(object.get(), argc, argv) != 0)
+        const QString name = QString::fromLatin1(object->metaObject()->className());
+        if ((all || wanted.removeAll(name) > 0) && QTest::qExec(object.get(), arguments) != 0)
             ++failedClasses;
     }
-    return std::min(failedClasses, 127);
+    for (const QString &name : wanted)
+        qCritical() << "No test class is called" << name;
+    return std::min(failedClasses + static_cast<int>(wanted.size()), 127);
 }
 
 } // namespace tarvo::test

@@ -13,8 +13,8 @@ using TestFactory = std::function<std::unique_ptr<QObject>()>;
 /// Adds a test class to the program. Returns true, so that it can initialise a constant.
 bool registerTest(TestFactory factory);
 
-/// Runs every registered class in the order of registration. Command-line arguments go to Qt Test unchanged.
-/// Returns the number of failed classes, at most 127.
+/// Runs every registered class in the order of registration, or those that the command line names. The other arguments
+/// go to Qt Test. Returns the number of failed classes, at most 127; a name that no class has counts as failed.
 int runAllTests(int argc, char **argv);
 
 } // namespace tarvo::test
