@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 
 namespace tarvo::manager {
@@ -25,6 +26,14 @@ int passwordField(const QString &line)
     if (line.startsWith(QLatin1StringView("#AP")))
         return 3;
     return line.startsWith(QLatin1StringView("#AA")) ? 4 : -1;
+}
+
+/// Where a login line begins in `text`, which may quote it; -1 when none does.
+qsizetype loginLineIn(const QString &text)
+{
+    const qsizetype pilot = text.indexOf(QLatin1StringView("#AP"));
+    const qsizetype observer = text.indexOf(QLatin1StringView("#AA"));
+    return pilot < 0 || observer < 0 ? std::max(pilot, observer) : std::min(pilot, observer);
 }
 
 QStringView withoutLineEnd(QStringView line)
@@ -73,11 +82,19 @@ QString masked(QString text, const QString &secret)
 
 } // namespace
 
-QString withoutSecret(const QString &line, const QString &secret)
+QString withoutSecret(const QString &text, const QString &secret)
 {
-    if (passwordField(line) < 0)
-        return line;
-    return line.left(identifierLength) + masked(line.mid(identifierLength), secret);
+    const qsizetype login = loginLineIn(text);
+    if (login < 0)
+        return text;
+    const qsizetype behind = login + identifierLength;
+    return text.left(behind) + masked(text.mid(behind), secret);
+}
+
+QString errorWithoutSecret(const QString &parameter, const QString &message, const QString &secret)
+{
+    // The error's fields are what the wire made of them: a login line that is quoted has been cut at its colons.
+    return loginLineIn(parameter) < 0 ? withoutSecret(message, secret) : masked(message, secret);
 }
 
 QString withoutSecretInPacket(const QString &error, const QString &secret)

@@ -29,7 +29,8 @@ public:
 
     /// Writes "[HH:mm:ss.zzz] >>> line". A login line has its password field masked, and `secret` wherever it stands.
     void writeSent(const QString &line, const QString &secret);
-    /// Writes "[HH:mm:ss.zzz] <<< line". `secret` is masked if the server echoes it in a login line.
+    /// Writes "[HH:mm:ss.zzz] <<< line". `secret` is masked if the server echoes it with a login line, as such or
+    /// within another line.
     void writeReceived(const QString &line, const QString &secret);
 
     /// While a connection lasts, what is written reaches the disk every second.
@@ -50,8 +51,12 @@ private:
 /// and wherever the non-empty `secret` stands in such a line. Other lines come back as they are.
 QString maskedLoginLine(const QString &line, const QString &secret);
 
-/// `line` with "******" wherever the non-empty `secret` stands, if it is an "#AP" or "#AA" line.
-QString withoutSecret(const QString &line, const QString &secret);
+/// `text` with "******" wherever the non-empty `secret` stands behind the beginning of an "#AP" or "#AA" line, whether
+/// `text` is that line or quotes it. Another text comes back as it is.
+QString withoutSecret(const QString &text, const QString &secret);
+
+/// The message of a server's error, `secret` masked when the message or its parameter quotes a login line.
+QString errorWithoutSecret(const QString &parameter, const QString &message, const QString &secret);
 
 /// `error` with "******" wherever the non-empty `secret` stands in the raw packet that it quotes: a server may send the
 /// login line back, too short to be read as one.

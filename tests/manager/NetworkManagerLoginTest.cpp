@@ -463,16 +463,22 @@ private slots:
         s.addSimulator();
         QVERIFY(s.connectPilot());
         s.peer.inject(u"#TMSERVER:AB1:secret"_qs);
+        s.peer.inject(u"$ERSERVER:AB1:004:#APAB1:SERVER:1001:secret:1:9:5:Li:Syntax error"_qs);
+        s.peer.inject(u"$ERSERVER:AB1:004:#APAB1:secret"_qs);
         s.peer.inject(u"#APAB1:SERVER:1001:secret:1:9:5:Li"_qs);
         for (int i = 0; i < 4; ++i)
             QVERIFY(!s.peer.nextLine().isNull());
         TRY_EVENTS(s, u"connected AB1"_qs);
+        QCOMPARE(s.notifications.filter(u"Error"_qs),
+                 (QStringList{u"10 Network Error: SERVER"_qs, u"10 Network Error: ******"_qs}));
         s.manager->disconnectFromNetwork();
         const QString time = u"[22:13:20.000] "_qs; // of the manual clock, in UTC
         QCOMPARE(logLines(s),
                  (QStringList{time + u">>> #APAB1:SERVER:1001:******:1:9:5:Li Lei ZBAA"_qs,
                               time + u">>> $CQAB1:SERVER:IP"_qs, time + u">>> "_qs + pilotSlow,
                               time + u">>> "_qs + pilotStopped, time + u"<<< #TMSERVER:AB1:secret"_qs,
+                              time + u"<<< $ERSERVER:AB1:004:#APAB1:SERVER:1001:******:1:9:5:Li:Syntax error"_qs,
+                              time + u"<<< $ERSERVER:AB1:004:#APAB1:******"_qs,
                               time + u"<<< #APAB1:SERVER:1001:******:1:9:5:Li"_qs, time + u">>> #DPAB1:1001"_qs}));
     }
 

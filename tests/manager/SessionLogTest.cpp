@@ -76,12 +76,59 @@ private slots:
         QTEST(maskedLoginLine(line, secret), "expected");
     }
 
-    void receivedLoginLinesLoseOnlyTheSecret()
+    void receivedLinesLoseTheSecretOfALogin_data()
     {
-        QCOMPARE(withoutSecret(u"#APAB2:SERVER:1002::1:9:5:Han"_qs, u"pass"_qs), u"#APAB2:SERVER:1002::1:9:5:Han"_qs);
-        QCOMPARE(withoutSecret(u"#APAB1:SERVER:1001:pass:1:9:5:Li"_qs, u"pass"_qs),
-                 u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs);
-        QCOMPARE(withoutSecret(u"#TMSERVER:AB1:pass"_qs, u"pass"_qs), u"#TMSERVER:AB1:pass"_qs);
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("another's login") << u"#APAB2:SERVER:1002::1:9:5:Han"_qs << u"#APAB2:SERVER:1002::1:9:5:Han"_qs;
+        QTest::newRow("echo of the own") << u"#APAB1:SERVER:1001:pass:1:9:5:Li"_qs
+                                         << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("echo of an observer's")
+            << u"#AAAB1:SERVER:Li:1001:pass:1:9"_qs << u"#AAAB1:SERVER:Li:1001:******:1:9"_qs;
+        QTest::newRow("quoted by an error") << u"$ERSERVER:AB1:004:#APAB1:SERVER:1001:pass:1:9:5:Li:Syntax error"_qs
+                                            << u"$ERSERVER:AB1:004:#APAB1:SERVER:1001:******:1:9:5:Li:Syntax error"_qs;
+        QTest::newRow("an observer's quoted by an error")
+            << u"$ERSERVER:AB1:004:#AAAB1:SERVER:Li:1001:pass:1:9:Syntax error"_qs
+            << u"$ERSERVER:AB1:004:#AAAB1:SERVER:Li:1001:******:1:9:Syntax error"_qs;
+        QTest::newRow("quoted by a text") << u"#TMSERVER:AB1:bad line: #APAB1:SERVER:1001:pass"_qs
+                                          << u"#TMSERVER:AB1:bad line: #APAB1:SERVER:1001:******"_qs;
+        QTest::newRow("both kinds quoted")
+            << u"#TMSERVER:AB1:#AA pass #AP pass"_qs << u"#TMSERVER:AB1:#AA ****** #AP ******"_qs;
+        QTest::newRow("before the quotation")
+            << u"#TMSERVER:AB1:pass #AP pass"_qs << u"#TMSERVER:AB1:pass #AP ******"_qs;
+        QTest::newRow("in a text alone") << u"#TMSERVER:AB1:pass"_qs << u"#TMSERVER:AB1:pass"_qs;
+    }
+
+    void receivedLinesLoseTheSecretOfALogin()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, expected);
+        QCOMPARE(withoutSecret(line, u"pass"_qs), expected);
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        SessionLog log(folder.path(), clock);
+        log.writeReceived(line, u"pass"_qs);
+        log.stopFlushing();
+        QCOMPARE(contents(log.path()), u"[12:00:00.123] <<< %1\n"_qs.arg(expected));
+    }
+
+    void errorMessagesLoseTheSecretOfALogin_data()
+    {
+        QTest::addColumn<QString>("parameter");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("quoted in the message")
+            << u"x"_qs << u"bad: #APAB1 SERVER 1001 pass"_qs << u"bad: #APAB1 SERVER 1001 ******"_qs;
+        QTest::newRow("the quotation begins in the parameter") << u"#APAB1 1001"_qs << u"pass"_qs << u"******"_qs;
+        QTest::newRow("an observer's") << u"#AAAB1"_qs << u"pass"_qs << u"******"_qs;
+        QTest::newRow("no quotation") << u"x"_qs << u"no pass"_qs << u"no pass"_qs;
+    }
+
+    void errorMessagesLoseTheSecretOfALogin()
+    {
+        QFETCH(QString, parameter);
+        QFETCH(QString, message);
+        QTEST(errorWithoutSecret(parameter, message, u"pass"_qs), "expected");
     }
 
     void errorsLoseTheSecretOfTheirPacket_data()
