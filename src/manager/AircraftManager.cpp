@@ -3,6 +3,7 @@
 
 #include "manager/AircraftManager.h"
 
+#include "common/Callsign.h"
 #include "manager/NetworkManager.h"
 #include "manager/RemoteAircraftTable.h"
 
@@ -56,11 +57,6 @@ AircraftManager::AircraftManager(std::shared_ptr<NetworkManager> network, const 
     connect(&m_syncTimer, &QTimer::timeout, this, &AircraftManager::sync);
     connectNetwork();
     onSimulatorChanged();
-}
-
-AircraftManager::~AircraftManager()
-{
-    disconnectSimulator();
 }
 
 void AircraftManager::connectNetwork()
@@ -126,11 +122,7 @@ void AircraftManager::onSlowPosition(const QString &from, const model::AircraftV
 {
     RemoteAircraft *aircraft = find(from);
     if (!aircraft) {
-        const QString callsign = normalizedCallsign(from);
-        add(newRecord(callsign, groundSpeed));
-        m_network->requestCapabilities(callsign);
-        m_network->sendOwnCapabilities(callsign);
-        m_network->requestPlaneInfoAndFlightPlan(callsign);
+        meet(common::normalisedCallsign(from), groundSpeed);
         return;
     }
     aircraft->visualState = visualState;
@@ -143,6 +135,14 @@ void AircraftManager::onSlowPosition(const QString &from, const model::AircraftV
         simulator->aircraftHeartbeat(callsign);
     if (const RemoteAircraft *still = find(callsign); still && isReady(*still))
         sync();
+}
+
+void AircraftManager::meet(const QString &callsign, double groundSpeed)
+{
+    add(newRecord(callsign, groundSpeed));
+    m_network->requestCapabilities(callsign);
+    m_network->sendOwnCapabilities(callsign);
+    m_network->requestPlaneInfoAndFlightPlan(callsign);
 }
 
 /// Adds nothing by itself: an aircraft that is ready with its first fast position goes into the simulator with the next
@@ -186,7 +186,8 @@ void AircraftManager::onAircraftInfo(const QString &from, const QString &equipme
     sync();
 }
 
-/// The record stays until the simulator has let go of the aircraft.
+/// The record stays until the simulator has let go of the aircraft. Kept on purpose: one that is still to be added, or
+/// whose addition waits for its answer for too long, is added by the sync of its own deletion.
 void AircraftManager::onPilotDeleted(const QString &from)
 {
     if (const RemoteAircraft *aircraft = find(from); aircraft && aircraft->state == State::Ignored) {
@@ -202,21 +203,14 @@ void AircraftManager::onPilotDeleted(const QString &from)
 
 void AircraftManager::onSimulatorChanged()
 {
-    disconnectSimulator();
+    m_simulatorConnections.clear();
     m_simulator = m_network->simulator();
     if (!m_simulator)
         return;
-    m_simulatorConnections = {
+    m_simulatorConnections.add({
         connect(m_simulator.get(), &Simulator::aircraftAddedToSim, this, &AircraftManager::onAddedToSim),
         connect(m_simulator.get(), &Simulator::aircraftRemovedFromSim, this, &AircraftManager::erase),
-    };
-}
-
-void AircraftManager::disconnectSimulator()
-{
-    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
-        disconnect(connection);
-    m_simulatorConnections.clear();
+    });
 }
 
 void AircraftManager::onAddedToSim(const QString &callsign)
@@ -248,6 +242,8 @@ void AircraftManager::sync()
         if (!find(aircraft.callsign)) // gone meanwhile
             continue;
         simulator->addAircraft(aircraft);
+        if (simulator != m_simulator || !find(aircraft.callsign)) // gone within the addition
+            continue;
         simulator->updateAircraftConfiguration(aircraft);
     }
 }
@@ -296,7 +292,7 @@ void AircraftManager::removeStale()
 
 RemoteAircraft *AircraftManager::find(const QString &callsign)
 {
-    const auto found = m_index.constFind(normalizedCallsign(callsign));
+    const auto found = m_index.constFind(common::normalisedCallsign(callsign));
     return found == m_index.constEnd() ? nullptr : &**found;
 }
 
@@ -321,7 +317,7 @@ void AircraftManager::add(const RemoteAircraft &aircraft)
 
 void AircraftManager::erase(const QString &callsign)
 {
-    const auto found = m_index.find(normalizedCallsign(callsign));
+    const auto found = m_index.find(common::normalisedCallsign(callsign));
     if (found == m_index.end())
         return;
     m_records.erase(*found);
@@ -334,7 +330,7 @@ void AircraftManager::makeRoom()
 {
     const QList<RemoteAircraft> records = aircraft();
     for (const RemoteAircraft &record : records) {
-        if (!m_network->remoteAircraft(record.callsign))
+        if (!m_network->knowsAircraft(record.callsign))
             erase(record.callsign);
     }
 }

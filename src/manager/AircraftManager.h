@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "manager/ConnectionList.h"
 #include "model/AircraftConfiguration.h"
 #include "model/RemoteAircraft.h"
 #include "model/VelocityVector.h"
@@ -33,7 +34,6 @@ class AircraftManager : public QObject
 public:
     explicit AircraftManager(std::shared_ptr<NetworkManager> network,
                              const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
-    ~AircraftManager() override;
 
     /// Callsigns, in any case, whose aircraft this manager never tells the simulator of. Counts for those that are
     /// first seen from now on.
@@ -57,10 +57,10 @@ private:
     void onAircraftInfo(const QString &from, const QString &equipment, const QString &airline);
     void onPilotDeleted(const QString &from);
     void onSimulatorChanged();
-    void disconnectSimulator();
     void onAddedToSim(const QString &callsign);
 
     model::RemoteAircraft *find(const QString &callsign);
+    void meet(const QString &callsign, double groundSpeed);
     model::RemoteAircraft newRecord(const QString &callsign, double groundSpeed) const;
     void add(const model::RemoteAircraft &aircraft);
     void erase(const QString &callsign);
@@ -74,7 +74,7 @@ private:
 
     std::shared_ptr<NetworkManager> m_network;
     std::shared_ptr<simulator::Simulator> m_simulator; ///< may be empty
-    QList<QMetaObject::Connection> m_simulatorConnections;
+    ConnectionList m_simulatorConnections;
     const common::Clock &m_clock;
     QTimer m_staleTimer;
     QTimer m_syncTimer; ///< connected, but never started: what it would do happens on the events that matter

@@ -15,10 +15,10 @@ public:
     /// Far above any real ATIS; what a server sends beyond these is dropped.
     static constexpr qsizetype maximumLines = 200;
     static constexpr qsizetype maximumCharacters = 64 * 1024;
-    /// Stations that never answer keep their place until so many others have been asked.
+    /// Stations that never answer keep their place until so many others have been asked since.
     static constexpr qsizetype maximumStations = 500;
 
-    /// The station's lines begin, or begin anew.
+    /// The station's lines begin, or begin anew. Nothing for a callsign too long to be one.
     void begin(const QString &callsign);
     /// Adds a line; one of a station that nobody asked is dropped.
     void append(const QString &callsign, const QString &line);
@@ -30,9 +30,14 @@ private:
     {
         QStringList lines;
         qsizetype characters = 0; ///< in `lines`
+        quint64 order = 0;        ///< the lowest was asked longest ago
     };
+    using Buffers = QMap<QString, Buffer>;
 
-    QMap<QString, Buffer> m_buffers;
+    Buffers::iterator longestAgo();
+
+    Buffers m_buffers;
+    quint64 m_lastOrder = 0;
 };
 
 } // namespace tarvo::manager

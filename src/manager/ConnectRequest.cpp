@@ -1,7 +1,8 @@
 #include "manager/ConnectRequest.h"
 
+#include "common/Callsign.h"
+
 #include <QCoreApplication>
-#include <QRegularExpression>
 
 namespace tarvo::manager {
 
@@ -25,14 +26,12 @@ QString refusalOfPilot(const ConnectRequest &request, const ConnectConditions &c
 
 QString refusalOf(const ConnectRequest &request, const ConnectConditions &conditions)
 {
-    static const QRegularExpression validCallsign(QStringLiteral("^[A-Z0-9_]{2,12}$"));
-
     if (conditions.busy)
         return Texts::tr("Already connected or connecting to network. Disconnect before changing callsign.");
     if (request.callsign.isEmpty())
         return request.observer ? Texts::tr("Callsign is required for observer mode.")
                                 : Texts::tr("Callsign and Type Code are required.");
-    if (!validCallsign.match(request.callsign).hasMatch())
+    if (!common::isCallsign(request.callsign))
         return Texts::tr("Invalid callsign. Use only A-Z, 0-9, or underscore; spaces and Chinese characters are not "
                          "allowed.");
     return request.observer ? QString() : refusalOfPilot(request, conditions);

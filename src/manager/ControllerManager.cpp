@@ -1,8 +1,12 @@
 #include "manager/ControllerManager.h"
 
+#include "common/Callsign.h"
 #include "manager/NetworkManager.h"
 
+#include <QDebug>
+
 #include <algorithm>
+#include <utility>
 
 namespace tarvo::manager {
 
@@ -35,11 +39,6 @@ ControllerManager::ControllerManager(std::shared_ptr<NetworkManager> network, co
     onSimulatorChanged();
 }
 
-ControllerManager::~ControllerManager()
-{
-    disconnectSimulator();
-}
-
 void ControllerManager::connectNetwork()
 {
     const NetworkManager *network = m_network.get();
@@ -54,34 +53,25 @@ void ControllerManager::connectNetwork()
 
 void ControllerManager::onNetworkConnected()
 {
-    ++m_generation;
-    m_controllers.clear();
+    clear();
     m_timer.start();
 }
 
 void ControllerManager::onNetworkDisconnected()
 {
-    ++m_generation;
-    m_controllers.clear();
+    clear();
     m_timer.stop();
 }
 
 void ControllerManager::onSimulatorChanged()
 {
-    disconnectSimulator();
+    m_simulatorConnections.clear();
     m_simulator = m_network->simulator();
     m_radio = {}; // the new simulator tells its own
     if (!m_simulator)
         return;
-    m_simulatorConnections = {
-        connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &ControllerManager::onRadioStackState)};
-}
-
-void ControllerManager::disconnectSimulator()
-{
-    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
-        disconnect(connection);
-    m_simulatorConnections.clear();
+    m_simulatorConnections.add(
+        {connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &ControllerManager::onRadioStackState)});
 }
 
 void ControllerManager::onRadioStackState(const model::RadioStackState &state)
@@ -94,17 +84,47 @@ void ControllerManager::onRadioStackState(const model::RadioStackState &state)
 
 Controller *ControllerManager::find(const QString &callsign)
 {
-    const QString wanted = callsign.trimmed().toUpper();
-    const auto found = std::ranges::find(m_controllers, wanted, &Controller::callsign);
-    return found == m_controllers.end() ? nullptr : &*found;
+    const auto place = m_places.constFind(common::normalisedCallsign(callsign));
+    return place == m_places.constEnd() ? nullptr : &m_controllers[*place];
+}
+
+void ControllerManager::erase(const QString &callsign)
+{
+    const auto found = m_places.constFind(callsign);
+    if (found == m_places.constEnd())
+        return;
+    const qsizetype place = *found;
+    m_places.erase(found);
+    m_controllers.removeAt(place);
+    for (qsizetype i = place; i < m_controllers.size(); ++i)
+        m_places[m_controllers[i].callsign] = i;
+}
+
+void ControllerManager::clear()
+{
+    ++m_generation;
+    m_controllers.clear();
+    m_places.clear();
+    m_fullLogged = false;
 }
 
 void ControllerManager::onControllerUpdate(const QString &from, quint32 frequency, double latitude, double longitude)
 {
     if (Controller *known = find(from))
         moveController(*known, frequency, latitude, longitude);
-    else
-        addController(from.trimmed().toUpper(), frequency, latitude, longitude);
+    else if (const QString callsign = common::normalisedCallsign(from); hasRoomFor(callsign))
+        addController(callsign, frequency, latitude, longitude);
+}
+
+bool ControllerManager::hasRoomFor(const QString &callsign)
+{
+    if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
+        return false;
+    if (m_controllers.size() < maximumStations)
+        return true;
+    if (!std::exchange(m_fullLogged, true))
+        qWarning() << "No room for more than" << maximumStations << "stations; new ones are ignored";
+    return false;
 }
 
 void ControllerManager::addController(const QString &callsign, quint32 frequency, double latitude, double longitude)
@@ -115,6 +135,7 @@ void ControllerManager::addController(const QString &callsign, quint32 frequency
     controller.latitude = latitude;
     controller.longitude = longitude;
     controller.lastUpdate = now();
+    m_places.insert(callsign, m_controllers.size());
     m_controllers.append(controller);
 
     const quint64 generation = m_generation;
@@ -139,34 +160,34 @@ void ControllerManager::moveController(Controller &known, quint32 frequency, dou
     // back. It is a new one with its next report.
     if (!known.valid || frequency == Controller::noFrequency)
         known.deletePending = true;
-    republish(Controller(known));
+    republish(known);
 }
 
 void ControllerManager::onIsValidAtc(const QString &from)
 {
     if (Controller *known = find(from)) {
         known->valid = true;
-        announceDetails(Controller(*known));
+        announceDetails(*known);
     }
 }
 
 void ControllerManager::onRealName(const QString &from, const QString &name)
 {
     if (Controller *known = find(from)) {
-        known->realName = name;
-        announceDetails(Controller(*known));
+        known->realName = name.left(longestRealName);
+        announceDetails(*known);
     }
 }
 
-void ControllerManager::announceDetails(const Controller &controller)
+void ControllerManager::announceDetails(Controller controller)
 {
     if (controller.frequency == Controller::noFrequency)
         emit controllerUpdated(controller);
     else
-        republish(controller);
+        republish(std::move(controller));
 }
 
-void ControllerManager::republish(const Controller &controller)
+void ControllerManager::republish(Controller controller)
 {
     const quint64 generation = m_generation;
     emit controllerDeleted(controller);
@@ -212,8 +233,7 @@ void ControllerManager::deleteExpired()
         emit controllerDeleted(controller);
         if (generation != m_generation)
             return;
-        if (const Controller *gone = find(controller.callsign))
-            m_controllers.erase(m_controllers.cbegin() + (gone - m_controllers.constData()));
+        erase(controller.callsign);
     }
 }
 

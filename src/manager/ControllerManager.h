@@ -1,9 +1,11 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "manager/ConnectionList.h"
 #include "model/Controller.h"
 #include "model/RadioStackState.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QTimer>
@@ -25,9 +27,13 @@ class ControllerManager : public QObject
     Q_OBJECT
 
 public:
+    /// A server that invents stations can't fill the memory: the next one finds no room and is ignored until others go.
+    static constexpr qsizetype maximumStations = 2000;
+    /// Longer names of controllers are cut: all of them go to the simulator every second, in one message of 64 KiB.
+    static constexpr qsizetype longestRealName = 256;
+
     explicit ControllerManager(std::shared_ptr<NetworkManager> network,
                                const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
-    ~ControllerManager() override;
 
     /// All that are known, in the order of their first report: those without a frequency, not yet confirmed or about to
     /// go included. Empty while there is no connection.
@@ -45,7 +51,6 @@ private:
     void onNetworkConnected();
     void onNetworkDisconnected();
     void onSimulatorChanged();
-    void disconnectSimulator();
     void onRadioStackState(const model::RadioStackState &state);
     void onControllerUpdate(const QString &from, quint32 frequency, double latitude, double longitude);
     void onIsValidAtc(const QString &from);
@@ -55,9 +60,12 @@ private:
 
     void addController(const QString &callsign, quint32 frequency, double latitude, double longitude);
     void moveController(model::Controller &known, quint32 frequency, double latitude, double longitude);
-    // Both take a copy, never an element: a listener may change the list.
-    void announceDetails(const model::Controller &controller);
-    void republish(const model::Controller &controller);
+    // By value: a listener may change the list that an element would stand in.
+    void announceDetails(model::Controller controller);
+    void republish(model::Controller controller);
+    bool hasRoomFor(const QString &callsign);
+    void erase(const QString &callsign);
+    void clear();
     void deleteExpired();
     void refreshStations();
     void setStationCallsign(int radio, const QString &callsign);
@@ -68,8 +76,10 @@ private:
     std::shared_ptr<NetworkManager> m_network;
     const common::Clock &m_clock;
     std::shared_ptr<simulator::Simulator> m_simulator; ///< may be empty
-    QList<QMetaObject::Connection> m_simulatorConnections;
+    ConnectionList m_simulatorConnections;
     QList<model::Controller> m_controllers;
+    QHash<QString, qsizetype> m_places; ///< in `m_controllers`, by callsign
+    bool m_fullLogged = false;          ///< since the list was empty
     model::RadioStackState m_radio;
     QTimer m_timer;
     quint64 m_generation = 0; ///< changes whenever the list is emptied

@@ -1,8 +1,8 @@
 #include "manager/FlightPlanAnswer.h"
 
+#include "common/Callsign.h"
 #include "manager/AircraftTypeRules.h"
-
-#include <QRegularExpression>
+#include "manager/ServerCallsign.h"
 
 #include <algorithm>
 #include <optional>
@@ -47,7 +47,7 @@ QString keyedCallsign(const QList<KeyedField> &fields)
     for (const QLatin1StringView key : callsignKeys) {
         for (const KeyedField &field : fields) {
             if (field.key == key && !field.value.isEmpty())
-                return field.value.toUpper();
+                return common::normalisedCallsign(field.value);
         }
     }
     return {};
@@ -55,14 +55,13 @@ QString keyedCallsign(const QList<KeyedField> &fields)
 
 QString callsignOf(const QString &from, const QStringList &payload, const QList<KeyedField> &fields)
 {
-    static const QRegularExpression callsign(QStringLiteral("^[A-Z0-9_]{2,12}$"));
-    QString sender = from.trimmed().toUpper();
-    if (!sender.isEmpty() && sender != QLatin1StringView("SERVER"))
+    QString sender = common::normalisedCallsign(from);
+    if (!sender.isEmpty() && !isServer(sender))
         return sender;
     if (QString keyed = keyedCallsign(fields); !keyed.isEmpty())
         return keyed;
-    const QString first = payload.value(0).trimmed().toUpper();
-    return callsign.match(first).hasMatch() ? first : QString();
+    const QString first = common::normalisedCallsign(payload.value(0));
+    return common::isCallsign(first) ? first : QString();
 }
 
 /// By the fields' order, whichever key they have.

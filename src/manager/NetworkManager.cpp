@@ -45,8 +45,6 @@ NetworkManager::~NetworkManager()
 {
     // What the client raises while it closes must not reach an object that is half gone.
     disconnect(&m_fsd, nullptr, this, nullptr);
-    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
-        disconnect(connection);
 }
 
 void NetworkManager::connectFsdClient()

@@ -6,6 +6,7 @@
 #include "fsd/FsdClient.h"
 #include "manager/AircraftTypeRules.h"
 #include "manager/AtisBuffers.h"
+#include "manager/ConnectionList.h"
 #include "manager/PositionReporter.h"
 #include "manager/RemoteAircraftTable.h"
 #include "manager/SessionLog.h"
@@ -44,6 +45,7 @@ class NetworkManager : public QObject
     Q_OBJECT
 
 public:
+    /// `config`, `api`, `icao` and `clock` must outlive it; `endpoints` is copied.
     NetworkManager(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
                    const ServiceEndpoints &endpoints = {}, const common::Clock &clock = common::systemClock(),
                    QObject *parent = nullptr);
@@ -70,6 +72,7 @@ public:
     void sendConfiguration(const QString &to, const model::AircraftConfiguration &configuration);
 
     // Questions to the other clients and about them; each is dropped when not connected.
+
     /// What the callsign's client can do; capabilitiesResponseReceived answers.
     void requestCapabilities(const QString &callsign);
     /// Tells the callsign what this client can do, unasked.
@@ -83,6 +86,8 @@ public:
 
     /// What is known of the aircraft of that upper-case callsign.
     std::optional<model::RemoteAircraft> remoteAircraft(const QString &callsign) const;
+    /// True when anything is known of it; cheaper than its record.
+    bool knowsAircraft(const QString &callsign) const;
     /// All other aircraft, in no order.
     QList<model::RemoteAircraft> remoteAircraft() const;
 
@@ -91,9 +96,12 @@ public slots:
     bool connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
     /// The user's wish to leave.
     void disconnectFromNetwork();
+    /// Tells the simulator, if there is one, to look for its link anew.
     void reconnectSimulator();
-    /// Sends text on the radios that transmit; nothing when none does.
+    /// Sends text on the radios that transmit; nothing when none does. Without a connection the text is not sent, but
+    /// shown and raised as sent all the same, as by the two below.
     void sendRadioMessage(const QString &message);
+    /// Sends text to a callsign, in any case.
     void sendPrivateMessage(const QString &to, const QString &message);
     /// Sends text to the supervisors.
     void sendWallop(const QString &message);
@@ -103,38 +111,50 @@ public slots:
     void requestControllerAtis(const QString &callsign);
 
 signals:
-    /// The server has accepted the login; once for each connection.
+    // A callsign stands as the wire has it, in any case, where nothing else is said.
+
+    /// The server has accepted the login; once for each connection. `callsign`: the own one, upper-case.
     void networkConnected(const QString &callsign);
+    /// The connection is over. `forced`: not by the pilot's wish, but by the server, the simulator or a refused token;
+    /// a connection that breaks is not forced.
     void networkDisconnected(bool forced);
+    /// A text for the pilot.
     void notificationPosted(const QString &message, tarvo::common::MessageType type);
-    /// A station has left.
+    /// A station has left; upper-case.
     void controllerDeleted(const QString &from);
-    /// A pilot has left.
+    /// A pilot has left; upper-case. Raised for one that was never seen, too, and after the simulator has been told.
     void pilotDeleted(const QString &from);
     /// The server has deleted the own callsign: nothing may be transmitted any more.
     void disableVoiceTransmit();
+    // What is received is raised before the simulator shows it.
     void serverMessageReceived(const QString &message);
     void privateMessageReceived(const QString &from, const QString &message);
+    /// Raised behind the line and the simulator's display. `to`: as it was given.
     void privateMessageSent(const QString &to, const QString &message);
+    /// `from`: upper-case.
     void broadcastMessageReceived(const QString &from, const QString &message);
+    /// Raised behind the line and the simulator's display. `frequencies`: kHz.
     void radioMessageSent(const QString &message, const QList<uint> &frequencies);
+    /// Raised behind the line and before the simulator shows it.
     void wallopSent(const QString &message);
     void radioMessageReceived(const tarvo::network::RadioMessageReceived &args);
-    /// The own SELCAL code was called. `frequencies`: kHz, those it was heard on.
+    /// The own SELCAL code was called. `from`: upper-case; `frequencies`: kHz, those it was heard on.
     void selcalAlertReceived(const QString &from, const QList<uint> &frequencies);
     /// `json`: a configuration message as received, whether it can be read or not.
     void aircraftConfigurationInfoReceived(const QString &from, const QString &json);
+    /// Raised before the answer goes out; never for the server's question.
     void capabilitiesRequestReceived(const QString &from);
     /// `data`: the answer's fields joined by ":", such as "VERSION=1:ACCONFIG=1".
     void capabilitiesResponseReceived(const QString &from, const QString &data);
     /// A station's position report. `frequency`: kHz, the first that it names; `lat`, `lon`: degrees.
     void controllerUpdateReceived(const QString &from, quint32 frequency, double lat, double lon);
-    /// The server has confirmed the station.
+    /// The server has confirmed the station; upper-case.
     void isValidAtcReceived(const QString &from);
+    /// `name`: as told, of any length.
     void realNameReceived(const QString &from, const QString &name);
-    /// The lines of a station's ATIS that was asked for.
+    /// The lines of a station's ATIS that was asked for. `from`: upper-case.
     void controllerAtisReceived(const QString &from, const QStringList &atis);
-    /// `visualState`: degrees, metres; `groundSpeed`: knots.
+    /// `from`: upper-case, as below; `visualState`: degrees, metres; `groundSpeed`: knots.
     void slowPositionUpdateReceived(const QString &from, const tarvo::model::AircraftVisualState &visualState,
                                     double groundSpeed);
     /// Vectors as the simulator takes them; both zero for an aircraft that has stopped.
@@ -145,7 +165,9 @@ signals:
     void aircraftInfoReceived(const QString &from, const QString &equipment, const QString &airline);
     /// The server silences the own voice, or no longer.
     void muteReceived(bool mute);
+    /// Another simulator is in place, and has been given the traffic.
     void simulatorChanged();
+    /// `connected`: to a simulator that delivers live data.
     void simulatorConnectionStateChanged(bool connected);
     void simulatorConnectionFailed(const QString &message);
     void simulatorXPlaneVersionUpdated(int version);
@@ -168,7 +190,6 @@ private:
 
     // The session (NetworkManager.cpp, NetworkManagerSession.cpp)
     void connectFsdClient();
-    QString refuseConnect(const QString &callsign, const QString &typeCode, bool observer) const;
     void beginSession(const model::ConnectInfo &info);
     void endSession();
     bool isBusy() const { return m_phase != Phase::Idle || m_fsd.isConnected(); }
@@ -177,6 +198,9 @@ private:
     void logIn(const QString &password);
     void sendLoginPdu();
     void completeLogin();
+    void onNetworkConnected();
+    void onNetworkDisconnected();
+    void onNetworkError(const QString &error);
     void onForceDisconnect(const QString &reason);
     void sendDeletePdu();
     void deleteAndDisconnect();
@@ -187,23 +211,20 @@ private:
     QString realNameWithAirport() const;
     void notify(const QString &message, common::MessageType type);
 
-    // Sending (NetworkManagerSending.cpp)
+    // Sending, and what others ask for (NetworkManagerSending.cpp, NetworkManagerSending.h)
     void send(const QString &line);
     template <class Pdu>
     void sendPdu(const Pdu &pdu);
     OwnPosition ownPosition() const;
+    void requestFlightPlanByText(const QString &callsign);
 
     // What the server says (NetworkManagerEvents.cpp)
-    void onNetworkConnected();
-    void onNetworkDisconnected();
-    void onNetworkError(const QString &error);
     void onServerIdentification(const fsd::pdu::ServerIdentification &pdu);
     void onAddATC(const fsd::pdu::AddATC &pdu);
     void onAddPilot(const fsd::pdu::AddPilot &pdu);
     void onClientQuery(const fsd::pdu::ClientQuery &pdu);
     void onClientQueryResponse(const fsd::pdu::ClientQueryResponse &pdu);
     void onPing(const fsd::pdu::Ping &pdu);
-    void onTextMessage(const fsd::pdu::TextMessage &pdu);
     void onKillRequest(const fsd::pdu::KillRequest &pdu);
     void onSendFast(const fsd::pdu::SendFast &pdu);
     void onProtocolError(const fsd::pdu::ProtocolError &pdu);
@@ -215,6 +236,7 @@ private:
     void sendClientInformation(const QString &to);
 
     // Text, radio and stations (NetworkManagerText.cpp)
+    void onTextMessage(const fsd::pdu::TextMessage &pdu);
     void onBroadcastMessage(const fsd::pdu::BroadcastMessage &pdu);
     void onRadioMessage(const fsd::pdu::RadioMessage &pdu);
     void onSelcal(const QString &from, const QList<uint> &frequencies);
@@ -251,7 +273,6 @@ private:
     void syncAircraft(const QString &callsign);
     void addToSimulator(model::RemoteAircraft &aircraft);
     void requestConfiguration(const QString &callsign);
-    void requestFlightPlanByText(const QString &callsign);
     std::optional<FiledType> storeFiledType(const QString &callsign, const QString &type);
     void showFiledType(const QString &callsign, const FiledType &filed);
     void storeConfiguration(const QString &callsign, const model::AircraftConfiguration &configuration);
@@ -282,7 +303,7 @@ private:
 
     fsd::FsdClient m_fsd;
     std::shared_ptr<simulator::Simulator> m_simulator;
-    QList<QMetaObject::Connection> m_simulatorConnections;
+    ConnectionList m_simulatorConnections;
 
     SimulatorData m_own; ///< last samples; `simConnected` is filled when it is announced
     SimulatorDataWatch m_dataWatch;

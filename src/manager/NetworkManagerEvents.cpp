@@ -3,6 +3,7 @@
 #include "manager/NetworkManagerSending.h"
 
 #include "AppConfig.h"
+#include "common/Callsign.h"
 #include "fsd/pdu/ClientIdentification.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/ClientQueryResponse.h"
@@ -28,10 +29,10 @@ constexpr int noFlightPlan = 8; ///< the error type that only answers a question
 
 void NetworkManager::onServerIdentification(const ServerIdentification &pdu)
 {
-    qInfo().noquote() << "Server version:" << onOneLine(pdu.version);
+    qInfo().noquote() << "Server version:" << excerpt(pdu.version);
     ClientIdentification answer;
     answer.From = m_connectInfo.callsign;
-    answer.To = QStringLiteral("SERVER");
+    answer.To = serverCallsign;
     answer.clientId = clientIdentity::id;
     answer.clientName = clientIdentity::name;
     answer.majorVersion = clientIdentity::majorVersion;
@@ -56,7 +57,7 @@ void NetworkManager::onAddPilot(const AddPilot &pdu)
 
 void NetworkManager::completeLoginIfOwn(const QString &callsign)
 {
-    if (callsign.trimmed().toUpper() == m_connectInfo.callsign)
+    if (common::normalisedCallsign(callsign) == m_connectInfo.callsign)
         completeLogin();
 }
 
@@ -158,14 +159,15 @@ void NetworkManager::onSendFast(const SendFast &pdu)
 void NetworkManager::onProtocolError(const ProtocolError &pdu)
 {
     if (pdu.errorType != noFlightPlan) {
-        notify(tr("Network Error: %1").arg(pdu.message), MessageType::Error);
+        const QString message = errorWithoutSecret(pdu.parameter, pdu.message, m_loginSecret);
+        notify(tr("Network Error: %1").arg(message), MessageType::Error);
         return;
     }
-    const QString callsign = normalizedCallsign(pdu.parameter);
+    const QString callsign = common::normalisedCallsign(pdu.parameter);
     if (callsign.isEmpty())
         return;
     m_traffic.typeAnswered(callsign);
-    qInfo().noquote() << "No flight plan available for" << onOneLine(callsign);
+    qInfo().noquote() << "No flight plan available for" << excerpt(callsign);
 }
 
 void NetworkManager::onRawDataSent(const QString &line)

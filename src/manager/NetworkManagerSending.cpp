@@ -1,15 +1,21 @@
-// What goes out at the wish of the pilot, of the simulator or of a timer.
+// What goes out at the wish of the pilot, of the simulator, of a timer or of the other managers.
 
 #include "manager/NetworkManagerSending.h"
 
+#include "AppConfig.h"
+#include "common/Callsign.h"
 #include "fsd/pdu/ClientQuery.h"
+#include "fsd/pdu/ClientQueryResponse.h"
+#include "fsd/pdu/PlaneInfoRequest.h"
 #include "fsd/pdu/RadioMessage.h"
 #include "fsd/pdu/TextMessage.h"
 #include "fsd/pdu/Wallop.h"
 #include "manager/OneLine.h"
+#include "manager/ServerCallsign.h"
 
 namespace tarvo::manager {
 
+using simulator::Simulator;
 using namespace fsd::pdu;
 
 namespace {
@@ -46,22 +52,24 @@ OwnPosition NetworkManager::ownPosition() const
             .pressureAltitudeFeet = m_simulator ? m_simulator->pressureAltitudeFeet() : 0.0};
 }
 
+// --- text ---
+
 void NetworkManager::sendRadioMessage(const QString &message)
 {
     const QList<uint> frequencies = m_transmitFrequencies;
     if (frequencies.isEmpty())
         return;
     sendPdu(RadioMessage(m_connectInfo.callsign, frequencies, message));
-    if (m_simulator)
-        m_simulator->showRadioMessageSent(message);
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->showRadioMessageSent(message);
     emit radioMessageSent(message, frequencies);
 }
 
 void NetworkManager::sendPrivateMessage(const QString &to, const QString &message)
 {
     sendPdu(TextMessage(m_connectInfo.callsign, to.toUpper(), message));
-    if (m_simulator)
-        m_simulator->showPrivateMessageSent(to, message);
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->showPrivateMessageSent(to, message);
     emit privateMessageSent(to, message);
 }
 
@@ -69,14 +77,10 @@ void NetworkManager::sendWallop(const QString &message)
 {
     sendPdu(Wallop(m_connectInfo.callsign, message));
     emit wallopSent(message);
-    if (m_simulator)
-        m_simulator->showNotification(QStringLiteral("[WALLOP] %1").arg(message), wallopColour);
+    showNotification(QStringLiteral("[WALLOP] %1").arg(message), wallopColour);
 }
 
-void NetworkManager::requestRealName(const QString &callsign)
-{
-    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::RealName, {}));
-}
+// --- the own aircraft ---
 
 void NetworkManager::sendConfigurationToAll(const model::AircraftConfiguration &configuration)
 {
@@ -87,6 +91,58 @@ void NetworkManager::sendConfiguration(const QString &to, const model::AircraftC
 {
     const model::AircraftConfigurationMessage message{.requestFull = {}, .configuration = configuration};
     sendPdu(ClientQuery(m_connectInfo.callsign, to, ClientQueryType::AircraftConfiguration, {message.compose()}));
+}
+
+void NetworkManager::sendOwnCapabilities(const QString &callsign)
+{
+    sendPdu(
+        ClientQueryResponse(m_connectInfo.callsign, callsign, ClientQueryType::Capabilities,
+                            {QStringLiteral("VERSION=1"), QStringLiteral("ATCINFO=1"), QStringLiteral("MODELDESC=1"),
+                             QStringLiteral("ACCONFIG=1"), QStringLiteral("VISUPDATE=1")}));
+}
+
+// --- questions ---
+
+void NetworkManager::requestRealName(const QString &callsign)
+{
+    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::RealName, {}));
+}
+
+void NetworkManager::requestControllerAtis(const QString &callsign)
+{
+    const QString station = common::normalisedCallsign(callsign);
+    m_atis.begin(station);
+    sendPdu(ClientQuery(m_connectInfo.callsign, station, ClientQueryType::Atis, {}));
+}
+
+void NetworkManager::requestValidAtc(const QString &callsign)
+{
+    sendPdu(ClientQuery(m_connectInfo.callsign, serverCallsign, ClientQueryType::IsValidAtc, {callsign}));
+}
+
+void NetworkManager::requestCapabilities(const QString &callsign)
+{
+    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::Capabilities, {}));
+}
+
+void NetworkManager::requestPlaneInfoAndFlightPlan(const QString &callsign)
+{
+    sendPdu(PlaneInfoRequest(m_connectInfo.callsign, callsign));
+    sendPdu(ClientQuery(m_connectInfo.callsign, serverCallsign, ClientQueryType::FlightPlan, {callsign}));
+    requestFlightPlanByText(callsign);
+}
+
+/// The servers of the token protocol take the question as a text.
+void NetworkManager::requestFlightPlanByText(const QString &callsign)
+{
+    if (m_config.get(config::authVatsim))
+        sendPdu(TextMessage(m_connectInfo.callsign, serverCallsign, QStringLiteral("FP:%1:GET").arg(callsign)));
+}
+
+void NetworkManager::requestFullConfiguration(const QString &callsign)
+{
+    const model::AircraftConfigurationMessage request{.requestFull = true, .configuration = {}};
+    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::AircraftConfiguration, {request.compose()}));
 }
 
 } // namespace tarvo::manager

@@ -1,11 +1,12 @@
 // The life of one connection: from the pilot's request to the last line.
 
-#include "manager/NetworkManager.h"
+#include "manager/NetworkManagerSending.h"
 
 #include "AppConfig.h"
+#include "common/Callsign.h"
 #include "fsd/pdu/DeleteATC.h"
 #include "manager/ConnectRequest.h"
-#include "manager/NetworkManagerSending.h"
+#include "manager/ServerCallsign.h"
 #include "network/ApiService.h"
 
 #include <QPointer>
@@ -13,12 +14,13 @@
 namespace tarvo::manager {
 
 using common::MessageType;
+using simulator::Simulator;
 using namespace fsd::pdu;
 
 bool NetworkManager::connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal,
                                       bool observer)
 {
-    const ConnectRequest request{callsign.trimmed().toUpper(), typeCode, observer};
+    const ConnectRequest request{common::normalisedCallsign(callsign), typeCode, observer};
     const ConnectConditions conditions{isBusy(), m_simulator && m_dataWatch.isReadyForPilot()};
     if (const QString refusal = refusalOf(request, conditions); !refusal.isEmpty()) {
         notify(refusal, MessageType::Error);
@@ -110,7 +112,7 @@ void NetworkManager::logIn(const QString &password)
     sendLoginPdu();
     if (generation != m_generation)
         return; // a server that has gone shows while a line is sent, and the session is over by then
-    sendPdu(ClientQuery(m_connectInfo.callsign, QStringLiteral("SERVER"), ClientQueryType::PublicAddress, {}));
+    sendPdu(ClientQuery(m_connectInfo.callsign, serverCallsign, ClientQueryType::PublicAddress, {}));
     if (generation == m_generation)
         m_reporter.start();
 }
@@ -125,7 +127,7 @@ void NetworkManager::sendLoginPdu()
     }
     AddPilot login;
     login.From = m_connectInfo.callsign;
-    login.To = QStringLiteral("SERVER");
+    login.To = serverCallsign;
     login.cid = username();
     login.password = m_loginSecret;
     login.rating = NetworkRating::Observer;
@@ -150,8 +152,8 @@ void NetworkManager::completeLogin()
     if (generation != m_generation)
         return;
     emit networkConnected(info.callsign);
-    if (m_simulator && generation == m_generation)
-        m_simulator->networkConnected(info.callsign, info.selcal, info.observer);
+    if (const std::shared_ptr<Simulator> simulator = m_simulator; simulator && generation == m_generation)
+        simulator->networkConnected(info.callsign, info.selcal, info.observer);
 }
 
 void NetworkManager::disconnectFromNetwork()
@@ -202,11 +204,13 @@ void NetworkManager::onNetworkDisconnected()
         notify(tr("Forcibly disconnected from network."), MessageType::Error);
     else
         notify(tr("Forcibly disconnected from network: ") + reason, MessageType::Error);
-    if (m_simulator) {
-        m_simulator->networkDisconnected();
-        m_simulator->removeAllAircraft();
-        m_simulator->clearControllers();
-    }
+    // Each to the simulator of the moment: one that comes in by then has been given the aircraft.
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->networkDisconnected();
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->removeAllAircraft();
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->clearControllers();
     emit networkDisconnected(forced);
     forgetTraffic();
 }

@@ -31,18 +31,16 @@ void NetworkManager::setSimulator(std::shared_ptr<Simulator> simulator)
 
 void NetworkManager::releaseSimulator()
 {
-    if (m_simulator) {
-        m_simulator->removeAllAircraft();
-        m_simulator->clearControllers();
+    if (const std::shared_ptr<Simulator> simulator = m_simulator) {
+        simulator->removeAllAircraft();
+        simulator->clearControllers();
     }
-    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
-        disconnect(connection);
     m_simulatorConnections.clear();
 }
 
 void NetworkManager::connectSimulatorState(const Simulator &simulator)
 {
-    m_simulatorConnections += {
+    m_simulatorConnections.add({
         connect(&simulator, &Simulator::userAircraftDataChanged, this, &NetworkManager::onUserAircraftData),
         connect(&simulator, &Simulator::userAircraftConfigDataChanged, this, &NetworkManager::onUserAircraftConfigData),
         connect(&simulator, &Simulator::radioStackStateChanged, this, &NetworkManager::onRadioStackState),
@@ -52,12 +50,12 @@ void NetworkManager::connectSimulatorState(const Simulator &simulator)
         connect(&simulator, &Simulator::forceDisconnect, this, &NetworkManager::onForceDisconnect),
         connect(&simulator, &Simulator::simConnectionStateChanged, this, &NetworkManager::onSimConnectionState),
         connect(&simulator, &Simulator::simPausedStateChanged, this, &NetworkManager::onSimPausedState),
-    };
+    });
 }
 
 void NetworkManager::connectSimulatorForwards(const Simulator &simulator)
 {
-    m_simulatorConnections += {
+    m_simulatorConnections.add({
         connect(&simulator, &Simulator::simConnectionFailed, this, &NetworkManager::simulatorConnectionFailed),
         connect(&simulator, &Simulator::pluginVersionChecked, this, &NetworkManager::simulatorPluginStatusUpdated),
         connect(&simulator, &Simulator::cslValidationChecked, this, &NetworkManager::simulatorCslStatusUpdated),
@@ -65,7 +63,7 @@ void NetworkManager::connectSimulatorForwards(const Simulator &simulator)
                 &NetworkManager::simulatorTrafficMappingStatusUpdated),
         connect(&simulator, &Simulator::xplaneVersionUpdated, this, &NetworkManager::simulatorXPlaneVersionUpdated),
         connect(&simulator, &Simulator::trafficSnapshotChanged, this, &NetworkManager::simulatorTrafficSnapshotUpdated),
-    };
+    });
 }
 
 void NetworkManager::clearOwnAircraft()
@@ -77,8 +75,8 @@ void NetworkManager::clearOwnAircraft()
 
 void NetworkManager::reconnectSimulator()
 {
-    if (m_simulator)
-        m_simulator->reconnectSimulator();
+    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+        simulator->reconnectSimulator();
 }
 
 void NetworkManager::onUserAircraftData(const model::UserAircraftData &data)

@@ -1,10 +1,10 @@
 // Text, radio and stations.
 
-#include "manager/NetworkManagerSending.h"
+#include "manager/NetworkManager.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/ATCPosition.h"
 #include "fsd/pdu/BroadcastMessage.h"
-#include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/ClientQueryResponse.h"
 #include "fsd/pdu/DeleteATC.h"
 #include "fsd/pdu/Mute.h"
@@ -89,7 +89,7 @@ void NetworkManager::onSelcal(const QString &from, const QList<uint> &frequencie
 void NetworkManager::onATCPosition(const ATCPosition &pdu)
 {
     // An observer reports itself this way; its echo is no station.
-    if (pdu.From.trimmed().toUpper() == m_connectInfo.callsign)
+    if (common::normalisedCallsign(pdu.From) == m_connectInfo.callsign)
         return;
     const quint32 frequency = pdu.frequencies.value(0, model::Controller::noFrequency);
     emit controllerUpdateReceived(pdu.From, frequency, pdu.latitude, pdu.longitude);
@@ -113,7 +113,7 @@ void NetworkManager::onValidAtcAnswer(const ClientQueryResponse &pdu)
 
 void NetworkManager::onAtisAnswer(const ClientQueryResponse &pdu)
 {
-    const QString callsign = pdu.From.trimmed().toUpper();
+    const QString callsign = common::normalisedCallsign(pdu.From);
     const QString kind = pdu.payload.value(0);
     const QString text = pdu.payload.value(1); // ends at the first colon: the rest is not put together again
     if (kind == QLatin1StringView("T"))
@@ -134,31 +134,6 @@ void NetworkManager::announceAtis(const QString &callsign)
     showNotification(callsign + QStringLiteral(" ATIS:"), atisColour);
     for (const QString &line : *lines)
         showNotification(line, atisColour);
-}
-
-void NetworkManager::requestControllerAtis(const QString &callsign)
-{
-    const QString station = callsign.trimmed().toUpper();
-    m_atis.begin(station);
-    sendPdu(ClientQuery(m_connectInfo.callsign, station, ClientQueryType::Atis, {}));
-}
-
-void NetworkManager::requestValidAtc(const QString &callsign)
-{
-    sendPdu(ClientQuery(m_connectInfo.callsign, serverCallsign, ClientQueryType::IsValidAtc, {callsign}));
-}
-
-void NetworkManager::requestCapabilities(const QString &callsign)
-{
-    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::Capabilities, {}));
-}
-
-void NetworkManager::sendOwnCapabilities(const QString &callsign)
-{
-    sendPdu(
-        ClientQueryResponse(m_connectInfo.callsign, callsign, ClientQueryType::Capabilities,
-                            {QStringLiteral("VERSION=1"), QStringLiteral("ATCINFO=1"), QStringLiteral("MODELDESC=1"),
-                             QStringLiteral("ACCONFIG=1"), QStringLiteral("VISUPDATE=1")}));
 }
 
 } // namespace tarvo::manager

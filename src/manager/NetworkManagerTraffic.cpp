@@ -5,12 +5,10 @@
 
 #include "manager/NetworkManagerSending.h"
 
-#include "AppConfig.h"
-#include "fsd/pdu/ClientQuery.h"
+#include "common/Callsign.h"
 #include "fsd/pdu/ClientQueryResponse.h"
 #include "fsd/pdu/PlaneInfoRequest.h"
 #include "fsd/pdu/PlaneInfoResponse.h"
-#include "fsd/pdu/TextMessage.h"
 #include "manager/FlightPlanAnswer.h"
 #include "manager/OneLine.h"
 #include "manager/RemoteAircraftUpdates.h"
@@ -39,6 +37,7 @@ QDateTime NetworkManager::now() const
     return QDateTime::fromMSecsSinceEpoch(m_clock.wallMs(), Qt::UTC); // local time would cost a look-up of its zone
 }
 
+/// Null for the own aircraft and for an observer's shadow: whatever message brings them, they are echoes.
 RemoteAircraft *NetworkManager::obtainAircraft(const QString &callsign)
 {
     return isOwnOrShadowed(callsign, m_connectInfo) ? nullptr : m_traffic.obtain(callsign, now());
@@ -49,17 +48,19 @@ RemoteAircraft *NetworkManager::obtainAircraft(const QString &callsign)
 void NetworkManager::onPilotPosition(const PilotPosition &pdu)
 {
     const std::shared_ptr<Simulator> simulator = m_simulator;
-    const QString callsign = normalizedCallsign(pdu.From);
-    RemoteAircraft *aircraft = simulator ? obtainAircraft(callsign) : nullptr;
+    if (!simulator)
+        return;
+    const QString callsign = common::normalisedCallsign(pdu.From);
+    const double groundSpeed = pdu.groundSpeed;
+    const quint64 generation = m_generation;
+    const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
+    RemoteAircraft *aircraft = generation == m_generation ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
-    const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
-    const double groundSpeed = pdu.groundSpeed;
     aircraft->visualState = state;
     aircraft->groundSpeed = groundSpeed;
     aircraft->lastUpdate = now();
 
-    const quint64 generation = m_generation;
     prepareAircraft(callsign);
     tellSimulator(callsign,
                   [&](Simulator &current, const RemoteAircraft &shown) { current.positionUpdate(shown, state); });
@@ -70,29 +71,26 @@ void NetworkManager::onPilotPosition(const PilotPosition &pdu)
 void NetworkManager::onFastPilotPosition(const FastPilotPosition &pdu)
 {
     const std::shared_ptr<Simulator> simulator = m_simulator;
-    const QString callsign = normalizedCallsign(pdu.From);
-    RemoteAircraft *aircraft = simulator ? obtainAircraft(callsign) : nullptr;
+    if (!simulator)
+        return;
+    const QString callsign = common::normalisedCallsign(pdu.From);
+    const Velocities velocities = velocitiesOf(pdu);
+    const quint64 generation = m_generation;
+    const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
+    RemoteAircraft *aircraft = generation == m_generation ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
-    const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
     aircraft->visualState = state;
     aircraft->fastSeen = true;
     aircraft->groundSpeed = groundSpeedAfter(pdu, aircraft->groundSpeed);
     aircraft->lastUpdate = now();
-    model::VelocityVector positional;
-    model::VelocityVector rotational;
-    if (pdu.type != FastPilotPositionType::Stopped) {
-        positional = {pdu.velocity1, pdu.velocity2, pdu.velocity3};
-        rotational = {pdu.pitchVelocity, pdu.headingVelocity, pdu.bankVelocity};
-    }
 
-    const quint64 generation = m_generation;
     prepareAircraft(callsign);
     tellSimulator(callsign, [&](Simulator &current, const RemoteAircraft &shown) {
-        current.fastPositionUpdate(shown, state, positional, rotational);
+        current.fastPositionUpdate(shown, state, velocities.positional, velocities.rotational);
     });
     if (generation == m_generation)
-        emit fastPositionUpdateReceived(callsign, state, positional, rotational);
+        emit fastPositionUpdateReceived(callsign, state, velocities.positional, velocities.rotational);
 }
 
 /// Asks what is still unknown of an aircraft that has reported, and sees to it that the simulator shows it.
@@ -180,7 +178,7 @@ void NetworkManager::forgetTraffic()
 
 void NetworkManager::onDeletePilot(const DeletePilot &pdu)
 {
-    const QString callsign = normalizedCallsign(pdu.From);
+    const QString callsign = common::normalisedCallsign(pdu.From);
     const quint64 generation = m_generation;
     if (callsign == m_connectInfo.callsign)
         emit disableVoiceTransmit();
@@ -204,18 +202,19 @@ void NetworkManager::onPlaneInfoRequest(const PlaneInfoRequest &pdu)
 
 void NetworkManager::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
 {
-    const QString callsign = normalizedCallsign(pdu.From);
+    const QString callsign = common::normalisedCallsign(pdu.From);
     RemoteAircraft *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return;
     const PlaneInfo info = PlaneInfo::of(pdu);
-    logInfo(QStringLiteral("PlaneInfoResponse in: callsign=%1 equipment=%2 airline=%3 livery=%4 csl=%5")
-                .arg(callsign, info.equipment, info.airline, info.livery, info.csl));
+    logInfo(
+        QStringLiteral("PlaneInfoResponse in: callsign=%1 equipment=%2 airline=%3 livery=%4 csl=%5")
+            .arg(callsign, excerpt(info.equipment), excerpt(info.airline), excerpt(info.livery), excerpt(info.csl)));
     apply(*aircraft, info, m_types);
     logInfo(QStringLiteral("PlaneInfoResponse applied: callsign=%1 typeCode=%2 airline=%3 remoteAirline=%4 livery=%5 "
                            "remoteModelHint=%6")
-                .arg(callsign, aircraft->typeCode, aircraft->airline, info.airline.toUpper(), aircraft->livery,
-                     aircraft->remoteModelHint));
+                .arg(callsign, aircraft->typeCode, excerpt(aircraft->airline), excerpt(info.airline.toUpper()),
+                     excerpt(aircraft->livery), excerpt(aircraft->remoteModelHint)));
     aircraft->lastStateChange = now();
     m_traffic.typeAnswered(callsign);
     // Another type does not update the configuration in the simulator here; a flight plan's does.
@@ -227,18 +226,19 @@ void NetworkManager::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
 
 void NetworkManager::onFlightPlan(const FlightPlan &pdu)
 {
-    const QString callsign = normalizedCallsign(pdu.From);
+    const QString callsign = common::normalisedCallsign(pdu.From);
     if (callsign.isEmpty())
         return;
     const QString type = typeFromFlightPlan(pdu.aircraftType);
     if (type.isEmpty()) {
-        logInfo(QStringLiteral("FlightPlan ignored: callsign=%1 empty aircraft type").arg(callsign));
+        logInfo(QStringLiteral("FlightPlan ignored: callsign=%1 empty aircraft type").arg(excerpt(callsign)));
         return;
     }
     const std::optional<FiledType> filed = storeFiledType(callsign, type);
     if (filed)
         logInfo(QStringLiteral("FlightPlan applied: callsign=%1 typeCode=%2 rawAircraft=%3 route=%4-%5")
-                    .arg(callsign, filed->typeCode, pdu.aircraftType, pdu.departureAirport, pdu.destinationAirport));
+                    .arg(callsign, filed->typeCode, excerpt(pdu.aircraftType), excerpt(pdu.departureAirport),
+                         excerpt(pdu.destinationAirport)));
     const quint64 generation = m_generation;
     requestFlightPlanByText(callsign);
     if (filed && generation == m_generation)
@@ -247,10 +247,10 @@ void NetworkManager::onFlightPlan(const FlightPlan &pdu)
 
 void NetworkManager::onFlightPlanAnswer(const ClientQueryResponse &pdu)
 {
-    const QString payload = pdu.payload.join(QLatin1Char(':'));
+    const QString payload = excerpt(pdu.payload.join(QLatin1Char(':')));
     const FlightPlanAnswer answer = FlightPlanAnswer::read(pdu.From, pdu.payload);
     if (!answer.isComplete()) {
-        logInfo(QStringLiteral("FlightPlan response ignored: from=%1 payload=%2").arg(pdu.From, payload));
+        logInfo(QStringLiteral("FlightPlan response ignored: from=%1 payload=%2").arg(excerpt(pdu.From), payload));
         return;
     }
     const std::optional<FiledType> filed = storeFiledType(answer.callsign, answer.type);
@@ -297,7 +297,7 @@ void NetworkManager::onConfiguration(const QString &from, const QString &json)
 {
     const quint64 generation = m_generation;
     if (const auto message = model::AircraftConfigurationMessage::parse(json); message.configuration)
-        storeConfiguration(normalizedCallsign(from), *message.configuration);
+        storeConfiguration(common::normalisedCallsign(from), *message.configuration);
     if (generation == m_generation)
         emit aircraftConfigurationInfoReceived(from, json);
 }
@@ -316,34 +316,17 @@ void NetworkManager::storeConfiguration(const QString &callsign, const model::Ai
     updateConfigurationInSimulator(callsign); // a second time for one that the sync has added
 }
 
-// --- questions ---
-
-void NetworkManager::requestPlaneInfoAndFlightPlan(const QString &callsign)
-{
-    const QString server = QStringLiteral("SERVER");
-    sendPdu(PlaneInfoRequest(m_connectInfo.callsign, callsign));
-    sendPdu(ClientQuery(m_connectInfo.callsign, server, ClientQueryType::FlightPlan, {callsign}));
-    requestFlightPlanByText(callsign);
-}
-
-/// The servers of the token protocol take the question as a text.
-void NetworkManager::requestFlightPlanByText(const QString &callsign)
-{
-    if (m_config.get(config::authVatsim))
-        sendPdu(
-            TextMessage(m_connectInfo.callsign, QStringLiteral("SERVER"), QStringLiteral("FP:%1:GET").arg(callsign)));
-}
-
-void NetworkManager::requestFullConfiguration(const QString &callsign)
-{
-    const model::AircraftConfigurationMessage request{.requestFull = true, .configuration = {}};
-    sendPdu(ClientQuery(m_connectInfo.callsign, callsign, ClientQueryType::AircraftConfiguration, {request.compose()}));
-}
+// --- what others may know ---
 
 std::optional<RemoteAircraft> NetworkManager::remoteAircraft(const QString &callsign) const
 {
     const RemoteAircraft *aircraft = m_traffic.find(callsign);
     return aircraft ? std::optional(*aircraft) : std::nullopt;
+}
+
+bool NetworkManager::knowsAircraft(const QString &callsign) const
+{
+    return m_traffic.find(callsign) != nullptr;
 }
 
 QList<RemoteAircraft> NetworkManager::remoteAircraft() const

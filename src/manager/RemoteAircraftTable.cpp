@@ -1,5 +1,6 @@
 #include "manager/RemoteAircraftTable.h"
 
+#include "common/Callsign.h"
 #include "manager/AircraftTypeRules.h"
 
 #include <QDebug>
@@ -15,7 +16,7 @@ RemoteAircraft *RemoteAircraftTable::obtain(const QString &callsign, const QDate
 {
     if (RemoteAircraft *known = find(callsign))
         return known;
-    if (callsign.isEmpty() || callsign.size() > longestCallsign)
+    if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
         return nullptr;
     if (m_entries.size() >= maximumSize) {
         if (!std::exchange(m_fullLogged, true))

@@ -20,7 +20,6 @@ public:
     /// A server that invents callsigns can't fill the memory: the next one finds no room and is ignored until others
     /// leave. Those who are there stay; to drop the oldest would cost a search for each newcomer, and real aircraft.
     static constexpr qsizetype maximumSize = 4000;
-    static constexpr qsizetype longestCallsign = 32;
 
     /// The aircraft of that callsign, made at time `now` when it is unknown. Null when there is no room or the callsign
     /// is empty or too long to be one.
@@ -56,11 +55,5 @@ private:
     QHash<QString, Entry> m_entries;
     bool m_fullLogged = false; ///< since the table was empty
 };
-
-/// A callsign as it is compared: trimmed, upper-case.
-inline QString normalizedCallsign(const QString &callsign)
-{
-    return callsign.trimmed().toUpper();
-}
 
 } // namespace tarvo::manager

@@ -1,5 +1,6 @@
 #include "manager/RemoteAircraftUpdates.h"
 
+#include "common/Units.h"
 #include "manager/AircraftTypeRules.h"
 
 #include <algorithm>
@@ -7,13 +8,13 @@
 
 namespace tarvo::manager {
 
+using common::feetPerMetre;
 using fsd::pdu::FastPilotPosition;
 using fsd::pdu::FastPilotPositionType;
 using fsd::pdu::PilotPosition;
 
 namespace {
 
-constexpr double feetPerMetre = 3.28084;
 constexpr double knotsPerMetrePerSecond = 1.943844;
 constexpr double standstill = 0.05;        ///< m/s; below, the figures are noise
 constexpr double fastestGroundSpeed = 900; ///< knots
@@ -65,6 +66,14 @@ double groundSpeedAfter(const FastPilotPosition &report, double before)
         return 0;
     const double speed = std::sqrt(report.velocity1 * report.velocity1 + report.velocity3 * report.velocity3);
     return speed > standstill ? std::clamp(speed * knotsPerMetrePerSecond, 0.0, fastestGroundSpeed) : before;
+}
+
+Velocities velocitiesOf(const FastPilotPosition &report)
+{
+    if (report.type == FastPilotPositionType::Stopped)
+        return {};
+    return {.positional = {report.velocity1, report.velocity2, report.velocity3},
+            .rotational = {report.pitchVelocity, report.headingVelocity, report.bankVelocity}};
 }
 
 PlaneInfo PlaneInfo::of(const fsd::pdu::PlaneInfoResponse &pdu)

@@ -1,12 +1,14 @@
 #pragma once
 
-// What the messages of another pilot change in his record. Pure functions.
+// What the messages of another pilot change in his record. Functions of their arguments alone, of which a
+// TypeNormalizer remembers what it has been asked.
 
 #include "fsd/pdu/FastPilotPosition.h"
 #include "fsd/pdu/PilotPosition.h"
 #include "fsd/pdu/PlaneInfoResponse.h"
 #include "model/ConnectInfo.h"
 #include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 
 namespace tarvo::manager {
 
@@ -23,6 +25,18 @@ model::AircraftVisualState visualStateOf(const fsd::pdu::FastPilotPosition &repo
 /// Knots, 0 to 900, from a report's velocities. An aircraft that hardly moves keeps what its slow report told; one that
 /// says that it has stopped has none.
 double groundSpeedAfter(const fsd::pdu::FastPilotPosition &report, double before);
+
+/// How an aircraft moves, as the simulator takes it.
+struct Velocities
+{
+    model::VelocityVector positional;
+    model::VelocityVector rotational;
+
+    bool operator==(const Velocities &) const = default;
+};
+
+/// What a report tells of them; all zero for one that says that the aircraft has stopped.
+Velocities velocitiesOf(const fsd::pdu::FastPilotPosition &report);
 
 /// A peer's plane information, trimmed, and cut to what is worth keeping.
 struct PlaneInfo

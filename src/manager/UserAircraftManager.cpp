@@ -22,34 +22,22 @@ UserAircraftManager::UserAircraftManager(std::shared_ptr<NetworkManager> network
     m_budgetTimer.start(tokenIntervalMs);
 }
 
-UserAircraftManager::~UserAircraftManager()
-{
-    disconnectSimulator();
-}
-
 void UserAircraftManager::onSimulatorChanged()
 {
-    disconnectSimulator();
+    m_simulatorConnections.clear();
     m_simulator = m_network->simulator();
     // What was known of the earlier simulator says nothing about this one, which may well start in the air.
     m_simConnected = false;
     m_sampleSeen = false;
     if (!m_simulator)
         return;
-    m_simulatorConnections = {
+    m_simulatorConnections.add({
         connect(m_simulator.get(), &Simulator::userAircraftConfigDataChanged, this,
                 &UserAircraftManager::onUserAircraftConfigData),
         connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &UserAircraftManager::onRadioStackState),
         connect(m_simulator.get(), &Simulator::simConnectionStateChanged, this,
                 &UserAircraftManager::onSimConnectionState),
-    };
-}
-
-void UserAircraftManager::disconnectSimulator()
-{
-    for (const QMetaObject::Connection &connection : std::as_const(m_simulatorConnections))
-        disconnect(connection);
-    m_simulatorConnections.clear();
+    });
 }
 
 void UserAircraftManager::onUserAircraftConfigData(const model::UserAircraftConfigData &data)
@@ -80,10 +68,11 @@ void UserAircraftManager::switchModeCOn()
     const bool takenOff = inAir && !m_airborne;
     // Airborne is noted on every sample. Only the toggle needs an earlier one: a first sample in the air is no
     // take-off.
-    if (m_simConnected && m_sampleSeen && takenOff && !m_radio.squawkingModeC)
-        m_simulator->transponderModeToggle();
+    const bool toggles = m_simConnected && m_sampleSeen && takenOff && !m_radio.squawkingModeC;
     m_airborne = inAir;
     m_sampleSeen = true;
+    if (const std::shared_ptr<Simulator> simulator = m_simulator; simulator && toggles)
+        simulator->transponderModeToggle(); // last: it may replace the simulator
 }
 
 void UserAircraftManager::onRadioStackState(const model::RadioStackState &state)

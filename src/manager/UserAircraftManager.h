@@ -1,11 +1,11 @@
 #pragma once
 
+#include "manager/ConnectionList.h"
 #include "manager/OwnConfiguration.h"
 #include "model/AircraftConfiguration.h"
 #include "model/RadioStackState.h"
 #include "model/UserAircraftConfigData.h"
 
-#include <QList>
 #include <QObject>
 #include <QTimer>
 
@@ -29,11 +29,9 @@ class UserAircraftManager : public QObject
 
 public:
     explicit UserAircraftManager(std::shared_ptr<NetworkManager> network, QObject *parent = nullptr);
-    ~UserAircraftManager() override;
 
 private:
     void onSimulatorChanged();
-    void disconnectSimulator();
     void onUserAircraftConfigData(const model::UserAircraftConfigData &data);
     void onRadioStackState(const model::RadioStackState &state);
     void onSimConnectionState(bool connected);
@@ -43,7 +41,7 @@ private:
 
     std::shared_ptr<NetworkManager> m_network;
     std::shared_ptr<simulator::Simulator> m_simulator; ///< may be empty
-    QList<QMetaObject::Connection> m_simulatorConnections;
+    ConnectionList m_simulatorConnections;
     QTimer m_budgetTimer;
     ConfigurationBudget m_budget;
     model::UserAircraftConfigData m_config;

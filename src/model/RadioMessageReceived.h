@@ -3,6 +3,7 @@
 #include <QString>
 #include <QVariant>
 
+// The record stands among the models, because pages and managers share it; its name is that of the registered type.
 namespace tarvo::network {
 
 /// A radio text that a tuned receiver heard.

@@ -3,6 +3,7 @@
 // isn't.
 #include "AppConfig.h"
 #include "fsd/FsdClient.h"
+#include "common/Callsign.h"
 #include "manager/AircraftManager.h"
 #include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
@@ -75,7 +76,7 @@ public:
         const QList<model::RemoteAircraft> known = m_network->remoteAircraft();
         require(known.size() <= lines + 2);
         for (const model::RemoteAircraft &aircraft : known) {
-            require(aircraft.callsign == manager::normalizedCallsign(aircraft.callsign));
+            require(aircraft.callsign == common::normalisedCallsign(aircraft.callsign));
             require(!aircraft.callsign.isEmpty());
         }
         require(m_controllers->controllers().size() <= lines + 1);

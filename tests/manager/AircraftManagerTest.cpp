@@ -1,4 +1,5 @@
 #include "manager/AircraftManager.h"
+#include "fsd/FsdClient.h"
 #include "manager/TrafficSession.h"
 #include "support/TestRegistry.h"
 
@@ -47,6 +48,17 @@ struct CrowdedSession : TrafficSession
     bool meetAb2(int groundSpeed)
     {
         const bool met = feed(slow(ab2, groundSpeed), greeting(ab2)) && feed(planeInfo(), {configurationQuestion(ab2)});
+        sim->takeCalls();
+        return met;
+    }
+    /// AB2 and AB3 fly, and are ready to be added by the next event.
+    bool meetAb2AndAb3()
+    {
+        const QString ab3 = QStringLiteral("AB3");
+        bool met = meetAb2(300) && feed(slow(ab3, 300), greeting(ab3)) &&
+                   feed(u"#SBAB3:AB1:PI:GEN:EQUIPMENT=B738"_qs, {configurationQuestion(ab3)});
+        for (const QString &callsign : {ab2, ab3})
+            met = met && feed(configuration(fullGearDown, callsign)) && feed(fast(callsign));
         sim->takeCalls();
         return met;
     }
@@ -121,8 +133,9 @@ private slots:
         CrowdedSession s;
         QVERIFY(s.online && s.meetAb2(250));
         s.clock.advance(5000);
-        QCOMPARE(s.told(TrafficSession::slow(ab2, 230)), (QStringList{move, heartbeat}));
+        QCOMPARE(s.told(TrafficSession::slow(ab2, 230, u"41.25"_qs)), (QStringList{move, heartbeat}));
         QCOMPARE(s.record().groundSpeed, 230.0);
+        QCOMPARE(s.record().visualState.latitude, 41.25);
         QCOMPARE(s.record().lastUpdate.toMSecsSinceEpoch(), s.clock.wallMs());
         QCOMPARE(s.aircraft->aircraft().size(), 1);
     }
@@ -133,7 +146,9 @@ private slots:
         QVERIFY(s.online && s.meetAb2(250));
         s.clock.advance(5);
         s.sim->told.clear();
-        QCOMPARE(s.told(TrafficSession::fast(ab2)), (QStringList{moveFast, moveFast}));
+        QCOMPARE(s.told(TrafficSession::fast(ab2, u"^"_qs, u"30:5:40"_qs, u"42.75"_qs)),
+                 (QStringList{moveFast, moveFast}));
+        QCOMPARE(s.record().visualState.latitude, 42.75);
         QVERIFY(s.record().fastSeen);
         QCOMPARE(s.record().groundSpeed, 250.0); // only a slow one tells it
         QCOMPARE(s.record().lastUpdate.toMSecsSinceEpoch(), s.clock.wallMs());
@@ -499,25 +514,51 @@ private slots:
         QCOMPARE(next->calls.count(stale), 1);
     }
 
+    void aSimulatorThatIsReplacedWithinASync_data()
+    {
+        QTest::addColumn<QString>("within");
+        QTest::addColumn<QStringList>("calls");
+        QTest::newRow("addition") << add << QStringList{add};
+        QTest::newRow("configuration") << update << QStringList{add, update};
+    }
+
     void aSimulatorThatIsReplacedWithinASync()
     {
+        QFETCH(QString, within);
+        QFETCH(QStringList, calls);
         CrowdedSession s;
-        QVERIFY(s.online && s.meetAb2(300));
-        QVERIFY(s.feed(TrafficSession::slow(u"AB3"_qs, 300), CrowdedSession::greeting(u"AB3"_qs)));
-        QVERIFY(s.feed(u"#SBAB3:AB1:PI:GEN:EQUIPMENT=B738"_qs, {TrafficSession::configurationQuestion(u"AB3"_qs)}));
-        for (const QString &callsign : {ab2, u"AB3"_qs}) {
-            QVERIFY(s.feed(TrafficSession::configuration(fullGearDown, callsign)));
-            QVERIFY(s.feed(TrafficSession::fast(callsign)));
-        }
-        s.sim->takeCalls();
+        QVERIFY(s.online && s.meetAb2AndAb3());
         const auto next = std::make_shared<FakeSimulator>();
-        s.sim->onCall = [&s, &next](const QString &call) {
-            if (call == update)
+        s.sim->onCall = [&s, &next, within](const QString &call) {
+            if (call == within)
                 s.manager->setSimulator(next);
         };
         QVERIFY(s.feed(u"#DPAB9:1009"_qs)); // adds both
-        QCOMPARE(s.sim->calls, (QStringList{add, update, u"removeAllAircraft"_qs, u"clearControllers"_qs}));
+        QCOMPARE(s.sim->calls, calls + QStringList({u"removeAllAircraft"_qs, u"clearControllers"_qs}));
         QCOMPARE(next->calls.count(u"addAircraft AB3"_qs), 1); // NetworkManager's
+    }
+
+    void oneThatGoesWithinASyncIsLeftOut_data()
+    {
+        QTest::addColumn<QString>("gone");
+        QTest::addColumn<QStringList>("calls");
+        QTest::newRow("the one that is added")
+            << ab2 << QStringList{add, u"addAircraft AB3"_qs, u"updateAircraftConfiguration AB3"_qs};
+        QTest::newRow("the next one") << u"AB3"_qs << QStringList{add, update};
+    }
+
+    void oneThatGoesWithinASyncIsLeftOut()
+    {
+        QFETCH(QString, gone);
+        QFETCH(QStringList, calls);
+        CrowdedSession s;
+        QVERIFY(s.online && s.meetAb2AndAb3());
+        FakeSimulator *sim = s.sim.get();
+        sim->onCall = [sim, gone](const QString &call) {
+            if (call == add)
+                emit sim->aircraftRemovedFromSim(gone);
+        };
+        QCOMPARE(s.told(u"#DPAB9:1009"_qs), calls); // adds both
     }
 
     void withoutASimulatorNothingAges()
@@ -555,12 +596,16 @@ private slots:
         test::Session s;
         s.addSimulator();
         const AircraftManager aircraft(s.manager, s.clock);
-        const qsizetype room = manager::RemoteAircraftTable::maximumSize;
+        fsd::pdu::PilotPosition position;
+        position.From = ab2;
+        emit s.manager->findChild<fsd::FsdClient *>()->raisePilotPositionReceived(position);
+        const qsizetype room = manager::RemoteAircraftTable::maximumSize - 1; // beside AB2
         for (qsizetype i = 0; i < room + 5; ++i)
             emit s.manager->slowPositionUpdateReceived(u"X%1"_qs.arg(i), {}, 0);
-        // NetworkManager knows none of them, so that all went when there was no room.
-        QCOMPARE(aircraft.aircraft().size(), 5);
-        QCOMPARE(aircraft.aircraft().at(0).callsign, u"X%1"_qs.arg(room));
+        // NetworkManager knows AB2 alone, so that the others went when there was no room.
+        QCOMPARE(aircraft.aircraft().size(), 6);
+        QCOMPARE(aircraft.aircraft().at(0).callsign, ab2);
+        QCOMPARE(aircraft.aircraft().at(1).callsign, u"X%1"_qs.arg(room));
     }
 };
 

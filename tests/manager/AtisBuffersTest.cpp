@@ -1,4 +1,5 @@
 #include "manager/AtisBuffers.h"
+#include "common/Callsign.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -92,15 +93,26 @@ private slots:
     {
         AtisBuffers buffers;
         const auto callsign = [](qsizetype i) { return u"S%1"_qs.arg(i, 4, 10, QLatin1Char('0')); };
-        for (qsizetype i = 0; i < AtisBuffers::maximumStations; ++i)
+        for (qsizetype i = AtisBuffers::maximumStations - 1; i >= 0; --i) // against the alphabet
             buffers.begin(callsign(i));
-        buffers.begin(callsign(7)); // known: nobody has to go
-        QVERIFY(buffers.take(callsign(0)).has_value());
-        buffers.begin(callsign(0));
+        const QString longestAgo = callsign(AtisBuffers::maximumStations - 1);
+        const QString next = callsign(AtisBuffers::maximumStations - 2);
+        buffers.begin(longestAgo); // known: nobody has to go, and it is the last one asked now
         buffers.begin(u"ZBAA_TWR"_qs);
-        QVERIFY(!buffers.take(callsign(0)).has_value());
-        QVERIFY(buffers.take(callsign(1)).has_value());
+        QVERIFY(!buffers.take(next).has_value());
+        QVERIFY(buffers.take(longestAgo).has_value());
+        QVERIFY(buffers.take(callsign(0)).has_value());
         QVERIFY(buffers.take(u"ZBAA_TWR"_qs).has_value());
+    }
+
+    void callsignsBeyondMeasure()
+    {
+        AtisBuffers buffers;
+        const QString longest(tarvo::common::longestCallsign, u'X');
+        buffers.begin(longest);
+        buffers.begin(longest + u'X');
+        QVERIFY(buffers.take(longest).has_value());
+        QVERIFY(!buffers.take(longest + u'X').has_value());
     }
 };
 

@@ -1,5 +1,8 @@
 #include "manager/ControllerManager.h"
+#include "common/Callsign.h"
+#include "fsd/FsdClient.h"
 #include "manager/Session.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
 #include <functional>
@@ -144,6 +147,91 @@ private slots:
                  (QStringList{u"deleted ZBAA_TWR 118020 Unknown valid"_qs, u"added ZBAA_TWR 118020 Unknown valid"_qs,
                               u"deleted ZBAA_TWR 118020 Han Mei valid"_qs, u"added ZBAA_TWR 118020 Han Mei valid"_qs,
                               u"deleted ZBAA_TWR 118020 Han Mei valid pending"_qs}));
+    }
+
+    void itIsAskedAboutBeforeItIsToldOf()
+    {
+        SimulatedSession s;
+        QVERIFY(s.connectPilot());
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        QObject::connect(s.manager->findChild<fsd::FsdClient *>(), &fsd::FsdClient::raiseRawDataSent, s.manager.get(),
+                         [&s](const QString &line) { s.changes << line.trimmed(); });
+        s.report(twr, 118500);
+        QCOMPARE(s.takeChanges(), (QStringList{u"$CQAB1:ZBAA_TWR:RN"_qs, u"$CQAB1:SERVER:ATC:ZBAA_TWR"_qs,
+                                               u"$CQAB1:ZBAA_TWR:CAPS"_qs, u"added ZBAA_TWR 118500 Unknown"_qs}));
+    }
+
+    void aServerThatIsGoneWhileItIsAsked()
+    {
+        SimulatedSession s;
+        QVERIFY(s.connectPilot());
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        QObject::connect(
+            s.manager->findChild<fsd::FsdClient *>(), &fsd::FsdClient::raiseRawDataSent, s.manager.get(),
+            [&s] { s.manager->disconnectFromNetwork(); }, Qt::SingleShotConnection);
+        s.report(twr, 118500);
+        QCOMPARE(s.takeEvents(), QStringList{u"disconnected"_qs});
+        QCOMPARE(s.takeChanges(), QStringList()); // a station that is in no list is not told of
+        QCOMPARE(s.callsigns(), QStringList());
+    }
+
+    void callsignsThatAreNone_data()
+    {
+        QTest::addColumn<QString>("callsign");
+        QTest::addColumn<bool>("kept");
+        QTest::newRow("longest") << QString(common::longestCallsign, u'X') << true;
+        QTest::newRow("longest with blanks around") << u' ' + QString(common::longestCallsign, u'X') + u' ' << true;
+        QTest::newRow("too long") << QString(common::longestCallsign + 1, u'X') << false;
+        QTest::newRow("empty") << QString() << false;
+        QTest::newRow("blanks") << u"  "_qs << false;
+    }
+
+    void callsignsThatAreNone()
+    {
+        QFETCH(QString, callsign);
+        QFETCH(bool, kept);
+        ControlledSession s;
+        s.report(callsign, 118500);
+        QCOMPARE(s.callsigns().size(), kept ? 1 : 0);
+        QCOMPARE(s.takeChanges().size(), kept ? 1 : 0);
+    }
+
+    void aServerThatInventsStationsFillsNothing()
+    {
+        SimulatedSession s;
+        const test::LogCapture log;
+        const auto callsign = [](qsizetype i) { return u"X%1"_qs.arg(i); };
+        for (qsizetype i = 0; i < ControllerManager::maximumStations + 100; ++i)
+            s.report(callsign(i), 118500);
+        QCOMPARE(s.controllers.controllers().size(), ControllerManager::maximumStations);
+        QCOMPARE(s.takeChanges().size(), ControllerManager::maximumStations);
+        QCOMPARE(log.texts(QtWarningMsg), QStringList{u"No room for more than 2000 stations; new ones are ignored"_qs});
+        // Those who are there are still heard, and one that goes leaves its place to another.
+        s.name(callsign(1999), u"Li Lei"_qs);
+        s.leave(callsign(0));
+        s.leave(callsign(1000));
+        s.tick();
+        s.report(twr, 118500);
+        s.name(callsign(1001), u"Han Mei"_qs);
+        QCOMPARE(s.controllers.controllers().size(), ControllerManager::maximumStations - 1);
+        QCOMPARE(s.known().constLast(), u"ZBAA_TWR 118500 Unknown"_qs);
+        QCOMPARE(s.known().value(1997), u"X1999 118500 Li Lei"_qs);
+        QCOMPARE(s.known().value(999), u"X1001 118500 Han Mei"_qs);
+        // The next connection is warned of anew.
+        emit s.manager->networkConnected(u"AB1"_qs);
+        for (qsizetype i = 0; i < ControllerManager::maximumStations + 2; ++i)
+            s.report(callsign(i), 118500);
+        QCOMPARE(log.texts(QtWarningMsg).size(), 2);
+    }
+
+    void aNameBeyondMeasureIsCut()
+    {
+        ControlledSession s;
+        s.report(twr, 118500);
+        s.name(twr, QString(70'000, u'x'));
+        QCOMPARE(s.controllers.controllers().value(0).realName, QString(ControllerManager::longestRealName, u'x'));
     }
 
     void reports_data()
@@ -384,6 +472,16 @@ private slots:
         QCOMPARE(s.sim->takeCalls(), QStringList());
         s.tick();
         QCOMPARE(s.sim->takeCalls(), QStringList{u"setControllers 4"_qs} + stations);
+    }
+
+    void anyChangeOfTheRadiosRefreshesTheStations()
+    {
+        SimulatedSession s;
+        s.tune(118500, 0);
+        s.report(twr, 118500);
+        s.sim->takeCalls();
+        emit s.sim->radioStackStateChanged({.com1Frequency = 118500, .com1Volume = 50});
+        QCOMPARE(s.sim->takeCalls(), (QStringList{tuned(1, twr), tuned(2, QString())}));
     }
 
     void theNextOnTheFrequencyTakesOver()

@@ -1,3 +1,4 @@
+#include "fsd/FsdClient.h"
 #include "manager/OnlineSession.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
@@ -284,6 +285,7 @@ private slots:
         s.manager->sendWallop(u"help"_qs);
         s.manager->requestRealName(u"AB2"_qs);
         s.manager->sendConfigurationToAll({});
+        emit s.manager->findChild<fsd::FsdClient *>()->raisePingReceived({u"SERVER"_qs, u"AB1"_qs, u"1"_qs});
         QVERIFY(s.connectObserver());
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
     }

@@ -1,3 +1,4 @@
+#include "fsd/FsdClient.h"
 #include "manager/OnlineSession.h"
 #include "support/TestRegistry.h"
 
@@ -89,6 +90,23 @@ struct TextSession : OnlineSession
         radio.com2Frequency = com2;
         radio.com2ReceiveEnabled = receive2;
         emit sim->radioStackStateChanged(radio);
+    }
+};
+
+/// One list of what sending does: "line #TM...", the simulator's calls, "sent ab2|hi".
+struct SentTrace : QObject
+{
+    SentTrace(NetworkManager &manager, QStringList &list)
+    {
+        using NM = NetworkManager;
+        connect(manager.findChild<fsd::FsdClient *>(), &fsd::FsdClient::raiseRawDataSent, this,
+                [&list](const QString &line) { list << u"line "_qs + line.trimmed(); });
+        connect(&manager, &NM::privateMessageSent, this,
+                [&list](const QString &to, const QString &text) { list << u"sent %1|%2"_qs.arg(to, text); });
+        connect(&manager, &NM::radioMessageSent, this, [&list](const QString &text, const QList<uint> &frequencies) {
+            list << u"sent %1|%2"_qs.arg(listed(frequencies), text);
+        });
+        connect(&manager, &NM::wallopSent, this, [&list](const QString &text) { list << u"sent "_qs + text; });
     }
 };
 
@@ -403,6 +421,39 @@ private slots:
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
     }
 
+    void sendingInOrder_data()
+    {
+        QTest::addColumn<bool>("online");
+        for (const bool online : {true, false})
+            QTest::newRow(online ? "online" : "offline") << online;
+    }
+
+    void sendingInOrder()
+    {
+        QFETCH(bool, online);
+        Session offline;
+        OnlineSession onlineSession;
+        QVERIFY(onlineSession.online);
+        Session &s = online ? onlineSession : offline;
+        if (!online)
+            s.addSimulator();
+        emit s.sim->radioStackStateChanged({.com1Frequency = 118500, .com1TransmitEnabled = true});
+        s.sim->takeCalls();
+        const SentTrace trace(*s.manager, s.sim->calls);
+        const auto expected = [online](const QString &line, const QStringList &rest) {
+            return (online ? QStringList{u"line "_qs + line} : QStringList()) + rest;
+        };
+        s.manager->sendRadioMessage(u"hi"_qs);
+        QCOMPARE(s.sim->takeCalls(),
+                 expected(u"#TMAB1:@18500:hi"_qs, {u"showRadioMessageSent hi"_qs, u"sent 118500|hi"_qs}));
+        s.manager->sendPrivateMessage(u"ab2"_qs, u"hi"_qs);
+        QCOMPARE(s.sim->takeCalls(),
+                 expected(u"#TMAB1:AB2:hi"_qs, {u"showPrivateMessageSent ab2 hi"_qs, u"sent ab2|hi"_qs}));
+        s.manager->sendWallop(u"hi"_qs);
+        QCOMPARE(s.sim->takeCalls(),
+                 expected(u"#TMAB1:*S:hi"_qs, {u"sent hi"_qs, u"showNotification eb2f06 [WALLOP] hi"_qs}));
+    }
+
     void textSentOffline()
     {
         Session s;
@@ -466,6 +517,48 @@ private slots:
         s.peer.inject(line);
         s.peer.inject(line); // heard by nobody any more
         TRY_EVENTS(s, u"disconnected"_qs);
+    }
+
+    void aSimulatorThatIsReplacedWithinACall_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::newRow("reconnect") << u"reconnectSimulator"_qs;
+        QTest::newRow("radio text") << u"showRadioMessageSent hi"_qs;
+        QTest::newRow("private text") << u"showPrivateMessageSent ab2 hi"_qs;
+        QTest::newRow("wallop") << u"showNotification eb2f06 [WALLOP] hi"_qs;
+        QTest::newRow("end of the session") << u"networkDisconnected"_qs;
+        QTest::newRow("removal at the end") << u"removeAllAircraft"_qs;
+        QTest::newRow("stations at the end") << u"clearControllers"_qs;
+    }
+
+    void aSimulatorThatIsReplacedWithinACall()
+    {
+        QFETCH(QString, call);
+        OnlineSession s;
+        QVERIFY(s.online);
+        auto leaving = std::make_shared<FakeSimulator>();
+        const auto next = std::make_shared<FakeSimulator>();
+        const std::weak_ptr<FakeSimulator> watched = leaving;
+        bool alive = false;
+        leaving->onCall = [&](const QString &called) {
+            if (called != call || s.manager->simulator() == next)
+                return;
+            watched.lock()->onCall = {};
+            s.manager->setSimulator(next);
+            alive = !watched.expired(); // until it has returned from the call
+        };
+        s.manager->setSimulator(std::move(leaving)); // held by the manager alone
+        emit watched.lock()->radioStackStateChanged({.com1Frequency = 118500, .com1TransmitEnabled = true});
+        s.manager->reconnectSimulator();
+        s.manager->sendRadioMessage(u"hi"_qs);
+        s.manager->sendPrivateMessage(u"ab2"_qs, u"hi"_qs);
+        s.manager->sendWallop(u"hi"_qs);
+        s.manager->disconnectFromNetwork();
+        QVERIFY(alive);
+        QVERIFY(watched.expired());
+        QCOMPARE(s.manager->simulator(), next);
+        // Whichever it is by then, it is left empty.
+        QVERIFY(next->calls.contains(u"clearControllers"_qs) || call == u"clearControllers"_qs);
     }
 
     void aSimulatorReplacedWhileItIsShownAnAtis()

@@ -69,11 +69,17 @@ private slots:
     {
         TrafficSession s;
         QVERIFY(s.online && s.showAb2());
-        QVERIFY(s.feed(TrafficSession::slow(ab2, 240)));
+        QVERIFY(s.feed(TrafficSession::slow(ab2, 240, u"41.25"_qs)));
         QCOMPARE(s.takeTrace(), (QStringList{u"positionUpdate AB2"_qs, u"slow AB2 240"_qs}));
         QCOMPARE(s.sim->told.size(), 1);
         QCOMPARE(s.sim->told[0].aircraft, s.known());
         QCOMPARE(s.sim->told[0].state, s.known().visualState);
+        QCOMPARE(s.known().visualState.latitude, 41.25);
+        QVERIFY(s.feed(TrafficSession::fast(ab2, u"^"_qs, u"30:5:40"_qs, u"42.75"_qs)));
+        QCOMPARE(s.sim->told.size(), 2);
+        QCOMPARE(s.sim->told[1].aircraft, s.known());
+        QCOMPARE(s.sim->told[1].state, s.known().visualState);
+        QCOMPARE(s.known().visualState.latitude, 42.75);
     }
 
     void fastPositions_data()
@@ -166,21 +172,38 @@ private slots:
         QVERIFY(s.manager->remoteAircraft().isEmpty());
     }
 
+    void theShadowedFlightIsDropped_data()
+    {
+        QTest::addColumn<QString>("line"); // WHO: a callsign
+        QTest::newRow("slow") << TrafficSession::slow(u"WHO"_qs);
+        QTest::newRow("fast") << TrafficSession::fast(u"WHO"_qs);
+        QTest::newRow("stopped") << TrafficSession::stopped(u"WHO"_qs);
+        QTest::newRow("plane information") << u"#SBWHO:CES1A:PI:GEN:EQUIPMENT=B738"_qs;
+        QTest::newRow("flight plan") << TrafficSession::flightPlan(u"B738"_qs, u"WHO"_qs);
+        QTest::newRow("flight plan answer") << u"$CRWHO:CES1A:FP:TYPE=B738"_qs;
+        QTest::newRow("configuration") << TrafficSession::configuration(gearDown, u"WHO"_qs);
+    }
+
     void theShadowedFlightIsDropped()
     {
+        QFETCH(QString, line);
         test::Session s;
         s.addSimulator();
-        QSignalSpy slow(s.manager.get(), &NetworkManager::slowPositionUpdateReceived);
         QVERIFY(s.manager->connectToNetwork(u"CES1A"_qs, QString(), QString(), true));
         for (int i = 0; i < 3; ++i)
             QVERIFY(!s.peer.nextLine().isNull());
-        s.peer.inject(TrafficSession::slow(u"ces1"_qs));
-        s.peer.inject(TrafficSession::fast(u"CES1"_qs));
+        QSignalSpy slow(s.manager.get(), &NetworkManager::slowPositionUpdateReceived);
+        QSignalSpy fast(s.manager.get(), &NetworkManager::fastPositionUpdateReceived);
+        QSignalSpy info(s.manager.get(), &NetworkManager::aircraftInfoReceived);
+        s.sim->takeCalls();
+        s.peer.inject(QString(line).replace(u"WHO"_qs, u"ces1"_qs));
+        s.peer.inject(QString(line).replace(u"WHO"_qs, u"CES1"_qs));
         QVERIFY(s.peer.expectNothing());
-        QCOMPARE(slow.size(), 0);
-        s.peer.inject(TrafficSession::slow(u"CES2"_qs));
-        EXPECT_LINE(s, u"#SBCES1A:CES2:PIR"_qs);
-        QCOMPARE(slow.size(), 1);
+        QCOMPARE(slow.size() + fast.size() + info.size(), 0);
+        QCOMPARE(s.sim->takeCalls(), QStringList());
+        QVERIFY(s.manager->remoteAircraft().isEmpty());
+        s.peer.inject(QString(line).replace(u"WHO"_qs, u"CES2"_qs)); // somebody else
+        QTRY_VERIFY(s.manager->knowsAircraft(u"CES2"_qs));
     }
 
     void withoutASimulatorPositionsAreIgnored()
@@ -289,6 +312,41 @@ private slots:
         QCOMPARE(s.takeTrace(),
                  (QStringList{u"addAircraft AB2"_qs, u"updateAircraftConfiguration AB2"_qs, u"info AB2 B738 "_qs}));
         QVERIFY(s.feed(TrafficSession::slow(ab2)));
+    }
+
+    void hugeTextsAreCutInTheLog_data()
+    {
+        QTest::addColumn<QString>("line"); // %1: the text
+        QTest::addColumn<QString>("log");  // %1: its beginning
+        QTest::newRow("flight plan answer") << u"$CRSERVER:AB1:FP:ab2:B738:%1"_qs
+                                            << u"FlightPlan response applied: callsign=AB2 typeCode=B738 payload="
+                                               "ab2:B738:%1"_qs;
+        QTest::newRow("empty flight plan answer")
+            << u"$CR%1:AB1:FP"_qs << u"FlightPlan response ignored: from=%1 payload="_qs;
+        QTest::newRow("flight plan") << TrafficSession::flightPlan(u"B738 %1"_qs)
+                                     << u"FlightPlan applied: callsign=AB2 typeCode=B738 rawAircraft=B738 %1 "
+                                        "route=ZBAA-ZSSS"_qs;
+        QTest::newRow("empty flight plan") << TrafficSession::flightPlan(u" "_qs, u"%1"_qs)
+                                           << u"FlightPlan ignored: callsign=%1 empty aircraft type"_qs;
+        QTest::newRow("no flight plan") << u"$ERSERVER:AB1:8:%1:No flightplan"_qs
+                                        << u"No flight plan available for %1"_qs;
+        QTest::newRow("version") << u"$DISERVER:CLIENT:%1:abc"_qs << u"Server version: %1"_qs;
+    }
+
+    void hugeTextsAreCutInTheLog()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, log);
+        TrafficSession s;
+        QVERIFY(s.online && s.showAb2());
+        const test::LogCapture capture;
+        s.peer.inject(line.arg(QString(100'000, u'X')));
+        QTRY_COMPARE(capture.texts(QtInfoMsg).size(), 1);
+        const QString logged = capture.texts(QtInfoMsg).constFirst();
+        QVERIFY2(logged.size() < 700, qPrintable(logged));
+        // Cut, but not to nothing.
+        QVERIFY2(logged.startsWith(log.section(u"%1"_qs, 0, 0) + QString(400, u'X')), qPrintable(logged));
+        QVERIFY2(logged.endsWith(log.section(u"%1"_qs, 1)), qPrintable(logged));
     }
 
     void aFlightPlanWithoutAType()
@@ -476,6 +534,26 @@ private slots:
         QVERIFY(s.showAb2());
         QVERIFY(s.feed(line));
         QTEST(s.takeTrace(), "trace");
+    }
+
+    void whatListenersFindWhenAircraftGo()
+    {
+        TrafficSession s;
+        QVERIFY(s.online && s.showAb2());
+        QVERIFY(s.feed(TrafficSession::slow(u"AB3"_qs), TrafficSession::typeQuestions(u"AB3"_qs)));
+        s.takeTrace();
+        const auto note = [&s](const QString &callsign) {
+            s.trace << callsign + (s.manager->knowsAircraft(callsign) ? u" known"_qs : u" unknown"_qs);
+        };
+        NetworkManager *m = s.manager.get();
+        QObject::connect(m, &NetworkManager::pilotDeleted, m, [&note] { note(ab2); });
+        QObject::connect(m, &NetworkManager::networkDisconnected, m, [&note] { note(u"AB3"_qs); });
+        QVERIFY(s.feed(u"#DPAB2:1002"_qs));
+        QCOMPARE(s.takeTrace(),
+                 (QStringList{u"removeAircraft AB2 Pilot disconnected"_qs, u"deleted AB2"_qs, u"AB2 unknown"_qs}));
+        s.manager->disconnectFromNetwork();
+        QCOMPARE(s.takeTrace().mid(3), (QStringList{u"disconnected"_qs, u"AB3 known"_qs})); // forgotten thereafter
+        QVERIFY(!s.manager->knowsAircraft(u"AB3"_qs));
     }
 
     void whoComesBackIsAskedAnew()

@@ -1,4 +1,5 @@
 #include "manager/RemoteAircraftTable.h"
+#include "common/Callsign.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -48,8 +49,8 @@ private slots:
         QTest::addColumn<QString>("callsign");
         QTest::addColumn<bool>("accepted");
         QTest::newRow("empty") << QString() << false;
-        QTest::newRow("longest") << QString(RemoteAircraftTable::longestCallsign, QLatin1Char('A')) << true;
-        QTest::newRow("too long") << QString(RemoteAircraftTable::longestCallsign + 1, QLatin1Char('A')) << false;
+        QTest::newRow("longest") << QString(common::longestCallsign, QLatin1Char('A')) << true;
+        QTest::newRow("too long") << QString(common::longestCallsign + 1, QLatin1Char('A')) << false;
         QTest::newRow("a million") << QString(1'000'000, QLatin1Char('A')) << false;
     }
 

@@ -125,6 +125,32 @@ private slots:
         QTEST(groundSpeedAfter(report, 123), "knots");
     }
 
+    void velocities_data()
+    {
+        QTest::addColumn<FastPilotPositionType>("type");
+        QTest::addColumn<QList<double>>("expected");
+        const QList<double> told{1, 2, 3, 0.1, 0.2, 0.3};
+        QTest::newRow("fast") << FastPilotPositionType::Fast << told;
+        QTest::newRow("slow") << FastPilotPositionType::Slow << told;
+        QTest::newRow("stopped") << FastPilotPositionType::Stopped << QList<double>{0, 0, 0, 0, 0, 0};
+    }
+
+    void velocities()
+    {
+        QFETCH(FastPilotPositionType, type);
+        FastPilotPosition report;
+        report.type = type;
+        report.velocity1 = 1;
+        report.velocity2 = 2;
+        report.velocity3 = 3;
+        report.pitchVelocity = 0.1;
+        report.headingVelocity = 0.2;
+        report.bankVelocity = 0.3;
+        const auto [positional, rotational] = velocitiesOf(report);
+        QTEST((QList<double>{positional.x, positional.y, positional.z, rotational.x, rotational.y, rotational.z}),
+              "expected");
+    }
+
     void planeInfo_data()
     {
         QTest::addColumn<QString>("before"); // callsign:type:airline:livery:hint

@@ -54,15 +54,18 @@ struct TrafficSession : Session
         return shown;
     }
 
-    static QString slow(const QString &callsign, int groundSpeed = 250)
+    // Each at 40.5 N, 116.25 E, unless the latitude is told.
+    static QString slow(const QString &callsign, int groundSpeed = 250,
+                        const QString &latitude = QStringLiteral("40.5"))
     {
-        return QStringLiteral("@N:%1:2000:1:40.50000:116.25000:3281:%2:0:0").arg(callsign).arg(groundSpeed);
+        return QStringLiteral("@N:%1:2000:1:%3:116.25000:3281:%2:0:0").arg(callsign).arg(groundSpeed).arg(latitude);
     }
     static QString fast(const QString &callsign, const QString &identifier = QStringLiteral("^"),
-                        const QString &velocities = QStringLiteral("30:5:40"))
+                        const QString &velocities = QStringLiteral("30:5:40"),
+                        const QString &latitude = QStringLiteral("40.5"))
     {
-        return QStringLiteral("%1%2:40.500000:116.250000:3281.00:1000.00:0:%3:0.1:0.2:0.3:7.5")
-            .arg(identifier, callsign, velocities);
+        return QStringLiteral("%1%2:%4:116.250000:3281.00:1000.00:0:%3:0.1:0.2:0.3:7.5")
+            .arg(identifier, callsign, velocities, latitude);
     }
     static QString stopped(const QString &callsign)
     {

@@ -166,9 +166,4 @@ QString localTime(qint64 wallMs)
     return QDateTime::fromMSecsSinceEpoch(wallMs).toString(QStringLiteral("hh:mm:ss"));
 }
 
-QString normalisedCallsign(const QString &callsign)
-{
-    return callsign.trimmed().toUpper();
-}
-
 } // namespace tarvo::ui::viewmodel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Callsign.h"
 #include "model/RadioMessageReceived.h"
 
 #include <QCoreApplication>
@@ -53,7 +54,6 @@ public:
 QString megahertz(uint kilohertz);
 /// "hh:mm:ss" in local time. `wallMs`: ms since the epoch.
 QString localTime(qint64 wallMs);
-/// Callsigns compare exactly once they are trimmed and upper-case.
-QString normalisedCallsign(const QString &callsign);
+using common::normalisedCallsign;
 
 } // namespace tarvo::ui::viewmodel

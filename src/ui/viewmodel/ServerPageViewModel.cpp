@@ -1,10 +1,10 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 
+#include "common/Callsign.h"
 #include "common/Clock.h"
 #include "network/SwiftAircraftIcaoService.h"
 
 #include <QDateTime>
-#include <QRegularExpression>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -38,12 +38,6 @@ ModeTexts textsFor(const QString &mode)
     const QString action = ServerPageViewModel::tr("连接网络");
     const QString hint = ServerPageViewModel::tr("请先选择模拟器平台。");
     return {ServerPageViewModel::tr("未选择平台"), {action, action}, {hint, hint}};
-}
-
-bool isCallsign(const QString &text)
-{
-    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(QStringLiteral("[A-Z0-9_]{2,12}")));
-    return pattern.match(text).hasMatch();
 }
 
 QVariantMap suggestionFor(const QString &designator, const network::SwiftAircraftIcaoRow &row)
@@ -259,7 +253,7 @@ QString ServerPageViewModel::firstFormProblem() const
         return tr("正在断开服务器，请稍后再连接。");
     if (m_callsign.isEmpty())
         return tr("请先填写呼号。");
-    if (!isCallsign(m_callsign.toUpper()))
+    if (!common::isCallsign(m_callsign.toUpper()))
         return tr("呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。");
     if (m_typeCodeRequired && m_typeCode.isEmpty())
         return tr("飞行员模式需要填写机型代码。");
