@@ -160,14 +160,14 @@ void ControllerManager::moveController(Controller &known, quint32 frequency, dou
     // back. It is a new one with its next report.
     if (!known.valid || frequency == Controller::noFrequency)
         known.deletePending = true;
-    republish(known);
+    republish(Controller(known));
 }
 
 void ControllerManager::onIsValidAtc(const QString &from)
 {
     if (Controller *known = find(from)) {
         known->valid = true;
-        announceDetails(*known);
+        announceDetails(Controller(*known));
     }
 }
 
@@ -175,19 +175,19 @@ void ControllerManager::onRealName(const QString &from, const QString &name)
 {
     if (Controller *known = find(from)) {
         known->realName = name.left(longestRealName);
-        announceDetails(*known);
+        announceDetails(Controller(*known));
     }
 }
 
-void ControllerManager::announceDetails(Controller controller)
+void ControllerManager::announceDetails(const Controller &controller)
 {
     if (controller.frequency == Controller::noFrequency)
         emit controllerUpdated(controller);
     else
-        republish(std::move(controller));
+        republish(controller);
 }
 
-void ControllerManager::republish(Controller controller)
+void ControllerManager::republish(const Controller &controller)
 {
     const quint64 generation = m_generation;
     emit controllerDeleted(controller);

@@ -60,9 +60,9 @@ private:
 
     void addController(const QString &callsign, quint32 frequency, double latitude, double longitude);
     void moveController(model::Controller &known, quint32 frequency, double latitude, double longitude);
-    // By value: a listener may change the list that an element would stand in.
-    void announceDetails(model::Controller controller);
-    void republish(model::Controller controller);
+    // To be given a copy, never an element of the list: a listener may change that.
+    void announceDetails(const model::Controller &controller);
+    void republish(const model::Controller &controller);
     bool hasRoomFor(const QString &callsign);
     void erase(const QString &callsign);
     void clear();

@@ -30,6 +30,18 @@ struct BeforeAdding : TrafficSession
     }
 };
 
+/// A simulator that does something while it is asked for an altitude.
+struct AdjustingSimulator : FakeSimulator
+{
+    std::function<void()> adjusted;
+
+    double adjustRemoteAltitude(double altitudeFeet) const override
+    {
+        adjusted();
+        return altitudeFeet;
+    }
+};
+
 } // namespace
 
 /// Simulators and listeners that come back into the session while it handles a message about another aircraft.
@@ -75,6 +87,33 @@ private slots:
         QVERIFY(s.peer.waitForClose());
         QCOMPARE(s.takeTrace(), (QStringList{call, u"networkDisconnected"_qs, u"removeAllAircraft"_qs,
                                              u"clearControllers"_qs, u"disconnected"_qs}));
+    }
+
+    void aDisconnectWhileTheAltitudeIsAdjusted_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::newRow("slow") << TrafficSession::slow(ab2);
+        QTest::newRow("fast") << TrafficSession::fast(ab2);
+    }
+
+    void aDisconnectWhileTheAltitudeIsAdjusted()
+    {
+        QFETCH(QString, line);
+        TrafficSession s;
+        QVERIFY(s.online);
+        const auto adjusting = std::make_shared<AdjustingSimulator>();
+        bool known = true;
+        adjusting->adjusted = [&s, &known] {
+            known = s.manager->knowsAircraft(ab2); // nothing is of the table yet that this could take away
+            s.manager->disconnectFromNetwork();
+        };
+        s.manager->setSimulator(adjusting);
+        s.takeTrace();
+        s.peer.inject(line);
+        QVERIFY(s.peer.waitForClose());
+        QCOMPARE(s.takeTrace(), QStringList{u"disconnected"_qs}); // and no position behind it
+        QVERIFY(!known);
+        QVERIFY(s.manager->remoteAircraft().isEmpty());
     }
 
     void aDisconnectAtTheWordThatTheOwnVoiceIsOff()

@@ -194,6 +194,28 @@ private slots:
         QCOMPARE(next->calls.count(u"transponderModeToggle"_qs), 1);
     }
 
+    void aSimulatorThatIsReplacedWhenItsTransponderIsSwitched()
+    {
+        Session s;
+        const UserAircraftManager aircraft(s.manager);
+        s.addSimulator();
+        const std::weak_ptr<FakeSimulator> old = s.sim;
+        const auto next = std::make_shared<FakeSimulator>();
+        bool alive = false;
+        s.sim->onCall = [&](const QString &call) {
+            if (call != u"transponderModeToggle"_qs)
+                return;
+            s.sim.reset();
+            s.manager->setSimulator(next);
+            alive = !old.expired(); // until it has returned from the call
+        };
+        emit s.sim->userAircraftConfigDataChanged({.onGround = true});
+        emit s.sim->userAircraftConfigDataChanged({.onGround = false});
+        QVERIFY(alive);
+        QVERIFY(old.expired());
+        QCOMPARE(s.manager->simulator(), next);
+    }
+
     void aSimulatorThatWasThereBeforeIsHeard()
     {
         Session s;
