@@ -11,6 +11,7 @@
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "simulator/xplane/XPlaneAdapter.h"
+#include "traffic/Pages.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -33,7 +34,7 @@ ServiceEndpoints endpointsOf(const ClientArguments &arguments)
     return endpoints;
 }
 
-/// One login session, as the entry function composes it.
+/// One login session, as the entry function composes it, with all that the main window holds but the window itself.
 class Client
 {
 public:
@@ -52,6 +53,7 @@ public:
         m_aircraft = std::make_shared<manager::AircraftManager>(m_network);
         m_userAircraft = std::make_shared<manager::UserAircraftManager>(m_network);
         m_controllers = std::make_shared<manager::ControllerManager>(m_network);
+        m_pages = std::make_unique<Pages>(m_network, m_controllers, m_icao);
         m_adapter = std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints);
         connectWhenLive();
         m_network->setSimulator(m_adapter);
@@ -59,6 +61,7 @@ public:
 
     ~Client()
     {
+        m_pages.reset();
         m_controllers.reset();
         m_userAircraft.reset();
         m_aircraft.reset();
@@ -101,6 +104,7 @@ private:
     std::shared_ptr<manager::AircraftManager> m_aircraft;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraft;
     std::shared_ptr<manager::ControllerManager> m_controllers;
+    std::unique_ptr<Pages> m_pages;
     std::shared_ptr<simulator::xplane::XPlaneAdapter> m_adapter;
     QObject m_context;
     bool m_simulatorConnected = false;

@@ -18,8 +18,8 @@ struct ClientArguments
     static ClientArguments fromWords(const QStringList &words);
 };
 
-/// Runs the client as the program composes it, without its windows: waits for X-Plane, connects as a pilot, and ends
-/// with the connection. Gives the exit code. Needs a QCoreApplication.
+/// Runs the client as the program composes it, pages' models included, without its windows: waits for X-Plane, connects
+/// as a pilot, and ends with the connection. Gives the exit code. Needs a QCoreApplication.
 int runClient(const ClientArguments &arguments);
 
 } // namespace tarvo::bench

@@ -90,7 +90,7 @@ void FsdEnd::answerQuery(const QString &line)
     } else if (query.queryType == ClientQueryType::PublicAddress) {
         send(fsd::toLine(ClientQueryResponse(server, m_client, query.queryType, {QStringLiteral("127.0.0.1")})));
         send(QStringLiteral("$SFSERVER:%1:1\r\n").arg(m_client));
-        startTraffic();
+        m_loggedIn = true;
     }
 }
 
@@ -105,9 +105,6 @@ void FsdEnd::answerAsPilot(const ClientQuery &query)
 
 void FsdEnd::startTraffic()
 {
-    if (m_loggedIn)
-        return;
-    m_loggedIn = true;
     m_nextFastNs = m_nextSlowNs = static_cast<double>(steadyNs());
     m_timer.start();
 }

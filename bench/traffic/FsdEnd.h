@@ -30,6 +30,8 @@ public:
     /// How often each pilot sends his slow report, too.
     void setSlowInterval(int ms);
     bool isLoggedIn() const { return m_loggedIn; }
+    /// The crowd is there from now on.
+    void startTraffic();
     /// No more reports; questions are still answered.
     void stopTraffic() { m_timer.stop(); }
     void hangUp();
@@ -40,7 +42,6 @@ private:
     void handle(const QString &line);
     void answerQuery(const QString &line);
     void answerAsPilot(const fsd::pdu::ClientQuery &query);
-    void startTraffic();
     void sendDue();
     void sendFast();
     void sendSlow();

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int never = std::numeric_limits<int>::max();
 constexpr int fastCopies = 2;
-constexpr double tolerance = 1e-6;
+constexpr double tolerance = 1e-9; // what the wire carries is exact; the rest is arithmetic
 
 bool isNear(double a, double b)
 {
@@ -55,7 +55,7 @@ public:
     }
 
     std::string_view name() const { return m_name; }
-    std::string_view callsign() const { return m_arguments && m_arguments->size > 0 ? text(m_arguments->ptr[0]) : ""; }
+    std::string_view callsign() const { return text(0); }
     /// The argument at that place; NaN for one that is no float64.
     double number(std::uint32_t place) const
     {
@@ -63,7 +63,17 @@ public:
             return std::numeric_limits<double>::quiet_NaN();
         return m_arguments->ptr[place].via.f64;
     }
+    /// The argument at that place; empty for one that is no text.
+    std::string_view text(std::uint32_t place) const
+    {
+        return m_arguments && place < m_arguments->size ? text(m_arguments->ptr[place]) : "";
+    }
     std::uint32_t argumentCount() const { return m_arguments ? m_arguments->size : 0; }
+    QString nameForPeople() const
+    {
+        return m_name.empty() ? QStringLiteral("that is none")
+                              : QString::fromUtf8(m_name.data(), static_cast<qsizetype>(m_name.size()));
+    }
 
 private:
     static std::string_view text(const msgpack::object &object)
@@ -82,8 +92,8 @@ Ledger::Kind::Kind(int pilots, int most)
       first(static_cast<size_t>(pilots)),
       last(static_cast<size_t>(pilots)),
       sent(static_cast<size_t>(pilots) * static_cast<size_t>(most)),
-      copies(sent.size()),
-      newest(static_cast<size_t>(pilots), -1)
+      lines(sent.size()),
+      copies(sent.size())
 {
     for (std::atomic<int> &number : first)
         number = never;
@@ -96,9 +106,11 @@ int Ledger::Kind::next(int pilot)
     return std::min(nextNumber[static_cast<size_t>(pilot)]++, reports - 1);
 }
 
-void Ledger::Kind::noteSent(int pilot, int number)
+void Ledger::Kind::noteSent(int pilot, int number, std::uint32_t line)
 {
-    sent[rowOf(pilot) + static_cast<size_t>(number)] = steadyNs();
+    const size_t report = rowOf(pilot) + static_cast<size_t>(number);
+    lines[report] = line; // first: the receiver reads it once it sees the time
+    sent[report] = steadyNs();
 }
 
 bool Ledger::Kind::isMeasured(int pilot, int number) const
@@ -117,6 +129,7 @@ Ledger::Ledger(int pilots, int reports)
 
 void Ledger::begin()
 {
+    m_measuring = true; // for good: nothing else may come while the last messages are awaited, either
     for (Kind *kind : {&m_fast, &m_slow}) {
         for (size_t pilot = 0; pilot < kind->first.size(); ++pilot)
             kind->first[pilot] = kind->nextNumber[pilot];
@@ -193,29 +206,46 @@ QString Ledger::receive(QByteArrayView bytes, std::int64_t now)
         receiveSlow(message, now);
     else if (message.name() == "HB")
         receiveHeartbeat(message);
-    else if (message.name() == "DEL" || message.name().empty())
-        blame(QStringLiteral("a message that may not come"));
     else if (message.name() == "ADD")
-        return QString::fromUtf8(message.callsign().data(), static_cast<qsizetype>(message.callsign().size()));
+        return receiveAdd(message);
+    else
+        receiveOther(message);
     return {};
+}
+
+int Ledger::pilotOf(const Message &message, std::uint32_t arguments)
+{
+    const int pilot = scene::pilotOf(message.callsign());
+    if (pilot >= 0 && pilot < m_pilots && message.argumentCount() == arguments)
+        return pilot;
+    blame(QStringLiteral("a message %1 of nobody").arg(message.nameForPeople()));
+    return -1;
+}
+
+bool Ledger::isInOrder(std::uint32_t line, int copy)
+{
+    const bool inOrder = copy == 0 ? line > m_newestLine : line == m_newestLine;
+    m_newestLine = std::max(m_newestLine, line);
+    return inOrder;
 }
 
 int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now)
 {
-    const auto place = static_cast<size_t>(pilot);
     const size_t report = kind.rowOf(pilot) + static_cast<size_t>(std::max(number, 0));
     if (number < 0 || number >= kind.reports || kind.sent[report] == 0) {
         blame(QStringLiteral("report %1 of pilot %2, which was never sent").arg(number).arg(pilot));
         return -1;
     }
     const int before = kind.copies[report]++;
-    if (number < kind.newest[place] || before >= mostCopies)
-        blame(QStringLiteral("report %1 of pilot %2 after %3, copy %4")
+    const std::uint32_t newest = m_newestLine;
+    if (!isInOrder(kind.lines[report], before) || before >= mostCopies)
+        blame(QStringLiteral("report %1 of pilot %2, copy %3: line %4 after line %5")
                   .arg(number)
                   .arg(pilot)
-                  .arg(kind.newest[place])
-                  .arg(before + 1));
-    kind.newest[place] = number;
+                  .arg(before + 1)
+                  .arg(kind.lines[report])
+                  .arg(newest));
+    m_heartbeatPilot = -1;
     if (kind.isMeasured(pilot, number)) {
         ++m_tally.messages;
         m_latencies.push_back(now - kind.sent[report]);
@@ -225,9 +255,9 @@ int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t
 
 void Ledger::receiveFast(const Message &message, std::int64_t now)
 {
-    const int pilot = scene::pilotOf(message.callsign());
-    if (pilot < 0 || pilot >= m_pilots || message.argumentCount() != 16)
-        return blame(QStringLiteral("a fast position of nobody"));
+    const int pilot = pilotOf(message, 16);
+    if (pilot < 0)
+        return;
     const int number = scene::fastNumberAt(pilot, message.number(1));
     const int before = note(m_fast, pilot, number, fastCopies, now);
     if (before < 0)
@@ -249,9 +279,9 @@ void Ledger::receiveFast(const Message &message, std::int64_t now)
 
 void Ledger::receiveSlow(const Message &message, std::int64_t now)
 {
-    const int pilot = scene::pilotOf(message.callsign());
-    if (pilot < 0 || pilot >= m_pilots || message.argumentCount() != 9)
-        return blame(QStringLiteral("a slow position of nobody"));
+    const int pilot = pilotOf(message, 9);
+    if (pilot < 0)
+        return;
     const int number = scene::slowNumberAt(pilot, message.number(1));
     if (note(m_slow, pilot, number, 1, now) < 0)
         return;
@@ -261,6 +291,7 @@ void Ledger::receiveSlow(const Message &message, std::int64_t now)
     bool right = true;
     for (std::uint32_t i = 0; i < std::size(values); ++i)
         right = right && isNear(message.number(i + 1), values[i]);
+    m_heartbeatPilot = pilot;
     if (m_slow.isMeasured(pilot, number)) {
         right = right && !m_heartbeatDue[static_cast<size_t>(pilot)];
         m_heartbeatDue[static_cast<size_t>(pilot)] = true;
@@ -271,12 +302,43 @@ void Ledger::receiveSlow(const Message &message, std::int64_t now)
 
 void Ledger::receiveHeartbeat(const Message &message)
 {
-    const int pilot = scene::pilotOf(message.callsign());
-    if (pilot < 0 || pilot >= m_pilots)
-        return blame(QStringLiteral("a heartbeat of nobody"));
+    const int pilot = pilotOf(message, 1);
+    if (pilot < 0)
+        return;
+    // At the start there are aircraft whose positions are not told yet.
+    if (m_measuring && pilot != m_heartbeatPilot)
+        blame(QStringLiteral("a heartbeat of pilot %1 that was not due").arg(pilot));
+    m_heartbeatPilot = -1;
     if (m_heartbeatDue[static_cast<size_t>(pilot)])
         ++m_tally.messages;
     m_heartbeatDue[static_cast<size_t>(pilot)] = false;
+}
+
+QString Ledger::receiveAdd(const Message &message)
+{
+    const int pilot = pilotOf(message, 9);
+    if (pilot < 0)
+        return {};
+    const QString callsign = scene::callsignOf(pilot);
+    // Each pilot has latitudes of his own.
+    const double latitude = message.number(3);
+    const bool his = scene::fastNumberAt(pilot, latitude) >= 0 || scene::slowNumberAt(pilot, latitude) >= 0;
+    if (m_measuring || !his || message.text(1) != scene::airline || message.text(2) != scene::typeCode)
+        blame(QStringLiteral("the addition of pilot %1").arg(pilot));
+    return callsign;
+}
+
+/// All but what the reports themselves give.
+void Ledger::receiveOther(const Message &message)
+{
+    constexpr std::string_view always[] = {"ATC", "STATION_CALLSIGN"}; // every second
+    constexpr std::string_view atStart[] = {"CSL", "CONN", "ACCONF"};
+    if (std::ranges::find(always, message.name()) != std::end(always))
+        return;
+    if (m_measuring || std::ranges::find(atStart, message.name()) == std::end(atStart))
+        blame(QStringLiteral("a message %1, which may not come").arg(message.nameForPeople()));
+    else if (message.name() == "ACCONF")
+        pilotOf(message, 12);
 }
 
 void Ledger::blame(const QString &what)

@@ -27,7 +27,8 @@ struct Tally
 
 /// Keeps when each line was sent and checks each message that the plugin gets for it. Every fast report reaches the
 /// plugin twice, first with the ground speed that follows from its velocities, then with that of the last slow report;
-/// every slow report gives a position and then a heartbeat. One thread sends, one receives.
+/// every slow report gives a position and then a heartbeat. Nothing of another line comes between these two, and they
+/// come in the order of the lines, whoever's they are. One thread sends, one receives.
 class Ledger
 {
 public:
@@ -39,9 +40,10 @@ public:
     int nextFast(int pilot) { return m_fast.next(pilot); }
     int nextSlow(int pilot) { return m_slow.next(pilot); }
     /// Notes the time; to be called just before the report is written.
-    void noteFast(int pilot, int number) { m_fast.noteSent(pilot, number); }
-    void noteSlow(int pilot, int number) { m_slow.noteSent(pilot, number); }
-    /// What is sent from now on is measured.
+    void noteFast(int pilot, int number) { m_fast.noteSent(pilot, number, ++m_lines); }
+    void noteSlow(int pilot, int number) { m_slow.noteSent(pilot, number, ++m_lines); }
+    /// What is sent from now on is measured. Everybody is there: no message may come but those of reports and those
+    /// that tell of the stations.
     void begin();
     /// What is sent from now on isn't.
     void end();
@@ -62,7 +64,7 @@ private:
         Kind(int pilots, int reports);
 
         int next(int pilot);
-        void noteSent(int pilot, int number);
+        void noteSent(int pilot, int number, std::uint32_t line);
         size_t rowOf(int pilot) const { return static_cast<size_t>(pilot) * static_cast<size_t>(reports); }
         bool isMeasured(int pilot, int number) const;
 
@@ -71,8 +73,8 @@ private:
         std::vector<std::atomic<int>> first;         ///< of each pilot: the first measured report
         std::vector<std::atomic<int>> last;          ///< of each pilot: behind the last measured report
         std::vector<std::atomic<std::int64_t>> sent; ///< of each report of each pilot
+        std::vector<std::uint32_t> lines;            ///< of each report of each pilot: the serial of its line
         std::vector<std::uint8_t> copies;            ///< of each report of each pilot
-        std::vector<int> newest;                     ///< of each pilot: the number of the last message; -1 for none
     };
 
     class Message;
@@ -80,6 +82,12 @@ private:
     void receiveFast(const Message &message, std::int64_t now);
     void receiveSlow(const Message &message, std::int64_t now);
     void receiveHeartbeat(const Message &message);
+    QString receiveAdd(const Message &message);
+    void receiveOther(const Message &message);
+    /// The pilot that a message is about; -1, and somebody to blame, when there is none or `arguments` is not their
+    /// number.
+    int pilotOf(const Message &message, std::uint32_t arguments);
+    bool isInOrder(std::uint32_t line, int copy);
     /// Notes one copy of a report that came. Gives how many had come before, -1 for one that may not come.
     int note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now);
     void blame(const QString &what);
@@ -89,8 +97,12 @@ private:
     mutable std::mutex m_mutex; ///< guards all that the receiver writes
     Kind m_fast;
     Kind m_slow;
+    std::uint32_t m_lines = 0; ///< serial of the last line; the sender's own
+    std::atomic<bool> m_measuring = false;
+    std::uint32_t m_newestLine = 0;   ///< serial of the line that the last position came from
+    int m_heartbeatPilot = -1;        ///< whose heartbeat may come next; -1 for nobody's
     std::vector<bool> m_complete;     ///< of each pilot
-    std::vector<bool> m_heartbeatDue; ///< of each pilot
+    std::vector<bool> m_heartbeatDue; ///< of each pilot: that of a measured report
     std::vector<std::int64_t> m_latencies;
     Tally m_tally;
 };

@@ -5,6 +5,7 @@
 #include "traffic/FsdEnd.h"
 #include "traffic/PluginEnd.h"
 #include "traffic/ProcessCost.h"
+#include "traffic/Scene.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -23,6 +24,8 @@ namespace {
 constexpr int longestStartMs = 60'000;
 constexpr int longestCrowdMs = 90'000;
 constexpr int settleMs = 6'000; ///< the start's questions and their answers are over by then
+constexpr int loginSettleMs = 2'000;
+constexpr double longestIdleSeconds = 20;
 constexpr int longestDrainMs = 5'000;
 constexpr int slowIntervalMs = 5'000;
 constexpr int lookIntervalMs = 50;
@@ -56,6 +59,9 @@ public:
         if (!plugin.isListening() || !fsd.listen() ||
             !xplane.start(QHostAddress(QHostAddress::LocalHost), 0, urlOf(QStringLiteral("unused"))))
             return QStringLiteral("no free port");
+        if (!xplane.setValue(QStringLiteral("sim/weather/aircraft/altimeter_temperature_error"),
+                             scene::temperatureErrorFeet))
+            return QStringLiteral("X-Plane's altimeter is always right");
         QDir(m_folder.path()).mkpath(QStringLiteral("client/resources"));
         QFile::copy(QStringLiteral(TARVO_SOURCE_DIR "/resources/Doc8643.txt"),
                     m_folder.filePath(QStringLiteral("client/resources/Doc8643.txt")));
@@ -107,22 +113,51 @@ public:
     QProcess client;
 };
 
+/// Seconds and share of one core since some moment.
+class Stopwatch
+{
+public:
+    explicit Stopwatch(const World &world)
+        : m_processId(world.client.processId()), m_before(costOf(m_processId)), m_start(steadyNs())
+    {
+    }
+
+    const ProcessCost &atStart() const { return m_before; }
+    double seconds() const { return static_cast<double>(steadyNs() - m_start) / 1e9; }
+    double cpuShare(double seconds) const { return (costOf(m_processId).cpuSeconds - m_before.cpuSeconds) / seconds; }
+
+private:
+    qint64 m_processId;
+    ProcessCost m_before;
+    std::int64_t m_start;
+};
+
+/// Connected, and nobody else is there yet.
+void measureIdle(World &world, const Load &load, LoadResult &result)
+{
+    world.pass(loginSettleMs);
+    const Stopwatch watch(world);
+    world.pass(static_cast<int>(std::min(load.seconds, longestIdleSeconds) * 1000));
+    result.idleShare = watch.cpuShare(watch.seconds());
+    result.residentStartMiB = watch.atStart().residentMiB;
+}
+
 void measure(World &world, const Load &load, LoadResult &result)
 {
-    const ProcessCost before = costOf(world.client.processId());
-    const std::int64_t start = steadyNs();
+    const Stopwatch watch(world);
     world.ledger.begin();
     world.pass(static_cast<int>(load.seconds * 1000));
     world.ledger.end();
-    result.seconds = static_cast<double>(steadyNs() - start) / 1e9;
-    const ProcessCost after = costOf(world.client.processId());
-    result.cpuShare = (after.cpuSeconds - before.cpuSeconds) / result.seconds;
-    result.residentCrowdMiB = before.residentMiB;
-    result.residentEndMiB = after.residentMiB;
+    result.seconds = watch.seconds();
+    result.cpuShare = watch.cpuShare(result.seconds);
+    result.residentCrowdMiB = watch.atStart().residentMiB;
+    result.residentEndMiB = costOf(world.client.processId()).residentMiB;
     world.fsd.stopTraffic();
     world.waitFor(longestDrainMs, [&] { return world.ledger.outstanding() == 0; });
     result.lines = world.ledger.measuredLines();
     result.tally = world.ledger.tally();
+    if (world.client.state() != QProcess::Running)
+        result.failure = QStringLiteral("the client has ended by itself");
 }
 
 } // namespace
@@ -138,7 +173,8 @@ LoadResult runLoad(const Load &load)
         result.failure = QStringLiteral("the client does not log in");
         return result;
     }
-    result.residentStartMiB = costOf(world.client.processId()).residentMiB;
+    measureIdle(world, load, result);
+    world.fsd.startTraffic();
     if (!world.waitFor(longestCrowdMs, [&] { return world.ledger.completeCount() == load.pilots; })) {
         result.failure = QStringLiteral("only %1 of %2 aircraft reach the plugin both ways")
                              .arg(world.ledger.completeCount())

@@ -61,7 +61,7 @@ void PluginEnd::handle(const nng_msg *message)
     const std::int64_t now = steadyNs();
     auto *body = static_cast<const char *>(nng_msg_body(const_cast<nng_msg *>(message)));
     const QByteArrayView bytes(body, static_cast<qsizetype>(nng_msg_len(message)));
-    if (bytes.sliced(1).startsWith("\xa3VER"))
+    if (bytes.startsWith("\x92\xa3VER"))
         sayVersion();
     else if (const QString added = m_ledger.receive(bytes, now); !added.isEmpty())
         say("ADDED", added);

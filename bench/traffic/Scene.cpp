@@ -17,7 +17,10 @@ constexpr double step = 1e-6;          ///< degrees of latitude between two repo
 constexpr double betweenPilots = 0.02; ///< degrees
 constexpr double slowOffset = 0.01;    ///< degrees; tells slow reports from fast ones
 /// More than 6000 feet above the own aircraft, so that its temperature correction leaves these altitudes alone.
-constexpr int lowestFeet = 30'000;
+constexpr int highFeet = 30'000;
+/// Less than 3000 feet from the own aircraft, wherever it is in its circuit: the whole correction.
+constexpr int lowFeet = 2'000;
+constexpr int lowOneIn = 10;
 constexpr double knotsPerMetrePerSecond = 1.943844;
 constexpr int slowGroundSpeed = 250; ///< knots; differs from what the velocities give
 
@@ -29,6 +32,22 @@ double firstLatitude(int pilot)
 double longitudeOf(int pilot)
 {
     return 100 + pilot * betweenPilots;
+}
+
+bool isLow(int pilot)
+{
+    return pilot % lowOneIn == lowOneIn - 1;
+}
+
+int feetOf(int pilot)
+{
+    return isLow(pilot) ? lowFeet : highFeet;
+}
+
+/// Metres, where an aircraft that reports these feet is to be drawn.
+double drawnAltitude(int pilot, double feet)
+{
+    return (isLow(pilot) ? feet - temperatureErrorFeet : feet) * metresPerFoot;
 }
 
 fsd::pdu::Attitude attitudeOf(int pilot)
@@ -52,8 +71,8 @@ fsd::pdu::FastPilotPosition fastPosition(int pilot, int number)
     position.From = callsignOf(pilot);
     position.latitude = firstLatitude(pilot) + number * step;
     position.longitude = longitudeOf(pilot);
-    position.trueAltitude = lowestFeet + number % 100;
-    position.altitudeAboveGround = lowestFeet - 100;
+    position.trueAltitude = feetOf(pilot) + number % 100;
+    position.altitudeAboveGround = feetOf(pilot) - 100;
     position.velocity1 = 120 + number % 10;
     position.velocity2 = 1.5;
     position.velocity3 = -50.25;
@@ -77,8 +96,8 @@ fsd::pdu::PilotPosition slowPosition(int pilot, int number)
     position.rating = fsd::pdu::NetworkRating::Observer;
     position.latitude = firstLatitude(pilot) + slowOffset + number * step;
     position.longitude = longitudeOf(pilot);
-    position.trueAltitude = lowestFeet;
-    position.pressureAltitude = lowestFeet + 200;
+    position.trueAltitude = feetOf(pilot);
+    position.pressureAltitude = feetOf(pilot) + 200;
     position.groundSpeed = slowGroundSpeed;
     const fsd::pdu::Attitude attitude = attitudeOf(pilot);
     position.pitch = attitude.pitch;
@@ -110,7 +129,7 @@ Report fastReport(int pilot, int number)
     const double speed = std::hypot(said.velocity1, said.velocity3);
     return withAttitude({.latitude = said.latitude,
                          .longitude = said.longitude,
-                         .altitude = said.trueAltitude * metresPerFoot,
+                         .altitude = drawnAltitude(pilot, said.trueAltitude),
                          .height = said.altitudeAboveGround * metresPerFoot,
                          .velocity = {said.velocity1, said.velocity2, said.velocity3},
                          .rotation = {said.pitchVelocity, said.headingVelocity, said.bankVelocity},
@@ -124,7 +143,7 @@ Report slowReport(int pilot, int number)
     const fsd::pdu::PilotPosition said = slowPosition(pilot, number);
     return withAttitude({.latitude = said.latitude,
                          .longitude = said.longitude,
-                         .altitude = said.trueAltitude * metresPerFoot,
+                         .altitude = drawnAltitude(pilot, said.trueAltitude),
                          .groundSpeed = static_cast<double>(said.groundSpeed)},
                         pilot);
 }

@@ -12,6 +12,14 @@ namespace tarvo::bench::scene {
 
 constexpr double metresPerFoot = 1 / 3.28084;
 
+/// What the altimeter of the own aircraft is off by, in feet: the aircraft near its altitude are to be drawn so much
+/// lower. Every tenth is near; the others fly so high that nothing is shifted.
+constexpr float temperatureErrorFeet = 120;
+
+/// Of every pilot: as his callsign and his client tell.
+constexpr std::string_view airline = "TST";
+constexpr std::string_view typeCode = "B738";
+
 /// What the plugin must be told of one report.
 struct Report
 {
