@@ -1,68 +1,63 @@
 #pragma once
 
 #include "e2e/Client.h"
+#include "ui/MessagesFeed.h"
+#include "ui/SimulatorFeed.h"
+#include "ui/SoundPlayer.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
-#include <QTimer>
-
 namespace tarvo::test {
 
-/// The pages' models, which live for the whole program, fed as the main window feeds them.
+/// The pages' models with their feeds, which the main window makes with each session and which go with it. In the place
+/// of the pages somebody reads the traffic and the messages that are shown.
 struct Pages
 {
     ui::viewmodel::ServerPageViewModel server;
     ui::viewmodel::MessagesPageViewModel messages;
     ui::viewmodel::SimulatorPageViewModel simulator;
 
-    explicit Pages(network::SwiftAircraftIcaoService &icao) : server(icao) { m_trafficTimer.setInterval(1000); }
-
     /// The session's managers have just been made.
-    void attach(Client &client)
+    explicit Pages(Client &client)
+        : server(client.icao),
+          m_simulatorFeed(client.manager, simulator),
+          m_messagesFeed(client.manager, client.controllers, messages, m_sounds)
     {
-        using manager::ControllerManager;
-        using manager::NetworkManager;
         using ui::viewmodel::MessagesPageViewModel;
-        const NetworkManager *network = client.manager.get();
-        const ControllerManager *controllers = client.controllers.get();
-        MessagesPageViewModel *page = &messages;
-        QObject::connect(network, &NetworkManager::notificationPosted, page, [this](const QString &text) {
-            server.addRecentEvent(QStringLiteral("通知"), text, QStringLiteral("系统"));
-            server.appendLog(text);
-            messages.addSystemNote(text);
-        });
-        QObject::connect(network, &NetworkManager::networkConnected, page, [this](const QString &callsign) {
-            messages.clearNearby();
-            messages.setOwnCallsign(callsign);
-            messages.setNetworkConnected(true);
-        });
-        QObject::connect(network, &NetworkManager::networkDisconnected, page, [this] {
-            messages.setNetworkConnected(false);
-            messages.clearNearby();
-        });
-        QObject::connect(network, &NetworkManager::serverMessageReceived, page,
-                         &MessagesPageViewModel::addServerMessage);
-        QObject::connect(network, &NetworkManager::privateMessageReceived, page,
-                         &MessagesPageViewModel::addPrivateReceived);
-        QObject::connect(network, &NetworkManager::broadcastMessageReceived, page,
-                         &MessagesPageViewModel::addBroadcast);
-        QObject::connect(network, &NetworkManager::radioMessageReceived, page,
-                         &MessagesPageViewModel::addRadioReceived);
-        QObject::connect(network, &NetworkManager::selcalAlertReceived, page, &MessagesPageViewModel::addSelcal);
-        QObject::connect(controllers, &ControllerManager::controllerAdded, page,
-                         &MessagesPageViewModel::setNearbyController);
-        QObject::connect(controllers, &ControllerManager::controllerDeleted, page,
-                         [this](const model::Controller &gone) { messages.removeNearbyController(gone.callsign); });
-        QObject::connect(&m_trafficTimer, &QTimer::timeout, network,
-                         [this, network] { simulator.setRemoteAircraft(network->remoteAircraft()); });
-        m_trafficTimer.start();
+        using ui::viewmodel::SimulatorPageViewModel;
+        simulator.setMode(QStringLiteral("XPLANE"));
+        // No sound: the player waits for the sound system with each, and a flood of messages would take minutes.
+        QObject::disconnect(&messages, &MessagesPageViewModel::messageSoundRequested, &m_messagesFeed, nullptr);
+        QObject::connect(client.manager.get(), &manager::NetworkManager::notificationPosted, &m_context,
+                         [this](const QString &text) {
+                             server.addRecentEvent(QStringLiteral("通知"), text, QStringLiteral("系统"));
+                             server.appendLog(text); // more than the main window logs: it is to be filled
+                         });
+        QObject::connect(client.manager.get(), &manager::NetworkManager::simulatorConnectionStateChanged, &m_context,
+                         [this](bool connected) { simulator.setSimulatorState(connected, {}); });
+        QObject::connect(&simulator, &SimulatorPageViewModel::trafficChanged, &m_context,
+                         [this] { m_read += simulator.plotContacts().size(); });
+        QObject::connect(&messages, &MessagesPageViewModel::activeMessagesChanged, &m_context,
+                         [this] { m_read += messages.activeMessages().size(); });
+        messages.setActiveChannel(QStringLiteral("ALL"));
+    }
+
+    /// Shows the traffic now, as a timer does every second. Gives how many aircraft are plotted.
+    qsizetype plotAll()
+    {
+        QMetaObject::invokeMethod(m_simulatorFeed.findChild<QTimer *>(QStringLiteral("trafficTimer")), "timeout");
+        return simulator.plotContacts().size();
     }
 
     qsizetype logLines() const { return server.serverLog().count(QLatin1Char('\n')) + 1; }
 
 private:
-    QTimer m_trafficTimer;
+    ui::SoundPlayer m_sounds;
+    ui::SimulatorFeed m_simulatorFeed;
+    ui::MessagesFeed m_messagesFeed;
+    QObject m_context;
+    qsizetype m_read = 0; ///< rows; keeps the reading from being for nothing
 };
 
 } // namespace tarvo::test
