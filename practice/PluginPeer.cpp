@@ -1,19 +1,16 @@
 #include "practice/PluginPeer.h"
 
-#include <QDeadlineTimer>
+#include "common/nng/SocketCloser.h"
 
 #include <algorithm>
 #include <nng/nng.h>
 #include <nng/protocol/pair1/pair.h>
-#include <nng/supplemental/util/platform.h>
 
 namespace tarvo::practice {
 
 namespace {
 constexpr std::size_t largestMessage = 1 << 20;
-constexpr int buffered = 1024; // messages; a client that subscribes to nothing reads them late
-constexpr nng_duration quietMs = 20;
-constexpr qint64 longestDrainMs = 200;
+constexpr int buffered = 1024;            // messages; a client that subscribes to nothing reads them late
 constexpr qsizetype mostPending = 10'000; // answers; what comes when so many are due stays without one
 } // namespace
 
@@ -26,25 +23,8 @@ struct PluginPeer::Socket
     Socket &operator=(const Socket &) = delete;
     ~Socket()
     {
-        awaitQuiet();
-        nng_close(handle);
-    }
-
-    /// nng 1.5 has a flaw: when a pipe is closed at this end just as a message comes in, the close may wait for ever.
-    /// So the socket is read empty until nothing has come for a moment. A peer that never stops is read no more
-    /// instead: once the receive buffer is full, nothing comes in, either.
-    void awaitQuiet() const
-    {
-        nng_socket_set_ms(handle, NNG_OPT_RECVTIMEO, quietMs);
-        const QDeadlineTimer deadline(longestDrainMs);
-        nng_msg *message = nullptr;
-        while (nng_recvmsg(handle, &message, 0) == 0) {
-            nng_msg_free(message);
-            if (deadline.hasExpired()) {
-                nng_msleep(quietMs);
-                return;
-            }
-        }
+        if (handle.id != 0)
+            common::closeAndWait(handle);
     }
 
     /// The next message; null when there is none.

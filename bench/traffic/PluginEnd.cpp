@@ -1,6 +1,6 @@
 #include "traffic/PluginEnd.h"
 
-#include "simulator/xplane/SocketCloser.h"
+#include "common/nng/SocketCloser.h"
 #include "traffic/Ledger.h"
 
 #include <nng/protocol/pair1/pair.h>
@@ -40,7 +40,7 @@ PluginEnd::~PluginEnd()
     if (m_thread.joinable())
         m_thread.join();
     nng_aio_free(m_receive);
-    simulator::xplane::closeWhenQuiet(m_socket);
+    common::closeAndWait(m_socket);
 }
 
 void PluginEnd::receiveLoop()

@@ -10,7 +10,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 FLOORS = {
-    'common': 0,
+    'common': 0, 'common/nng': 0,
     'core': 1, 'model': 1,
     'fsd/pdu': 2, 'fsd': 2, 'network': 2, 'simulator': 2, 'voice': 2, 'input': 2,
     'simulator/xplane': 3, 'simulator/msfs': 3,
@@ -23,7 +23,7 @@ SAME_FLOOR_ALLOWED = {('fsd', 'fsd/pdu'), ('simulator/msfs', 'network')}
 ONLY = {
     'ui/viewmodel': {'network', 'voice', 'input', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
-    'practice': {'common', 'model', 'fsd/pdu', 'practice'},
+    'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'practice'},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/nng/SocketCloser.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -22,16 +24,7 @@ public:
     }
     PluginDialer(const PluginDialer &) = delete;
     PluginDialer &operator=(const PluginDialer &) = delete;
-    ~PluginDialer()
-    {
-        // Read until it is quiet: nng 1.5 may never end a close that meets a message on its way in, which takes a while
-        // on a busy machine.
-        nng_socket_set_ms(m_socket, NNG_OPT_RECVTIMEO, 60);
-        nng_msg *message = nullptr;
-        while (nng_recvmsg(m_socket, &message, 0) == 0)
-            nng_msg_free(message);
-        nng_close(m_socket);
-    }
+    ~PluginDialer() { common::closeAndWait(m_socket); }
 
     bool send(QByteArray bytes)
     {

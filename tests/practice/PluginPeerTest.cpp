@@ -1,14 +1,18 @@
 #include "practice/PluginPeer.h"
 
 #include "PluginDialer.h"
+#include "support/PipeStall.h"
 #include "support/TestRegistry.h"
 
+#include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <thread>
 
 using namespace tarvo::practice;
@@ -210,6 +214,28 @@ private slots:
             QVERIFY(m_plugin->listen(url()));
             m_client = std::make_unique<PluginDialer>(url());
         }
+    }
+
+    void aCloseThatHangsDoesNotHoldItUp()
+    {
+        QVERIFY(m_client->send("\x92\xa3VER\x90"));
+        next();
+        std::optional<tarvo::test::PipeStall> stall(std::in_place);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("left behind")));
+        QElapsedTimer closing;
+        closing.start();
+        m_plugin->close();
+        QVERIFY(closing.elapsed() < 5000);
+        QVERIFY2(m_plugin->listen(url()), qPrintable(m_plugin->errorString()));
+        PluginDialer second(url());
+        QSignalSpy received(m_plugin.get(), &PluginPeer::messageReceived);
+        const auto heard = [&] { // the first client may be the one that is served
+            second.send("\x92\xa3VER\x90");
+            m_client->send("\x92\xa3VER\x90");
+            return !received.isEmpty();
+        };
+        QTRY_VERIFY(heard());
+        stall.reset();
     }
 
     void theNextClientIsServed()

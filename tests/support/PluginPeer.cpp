@@ -1,6 +1,6 @@
 #include "support/PluginPeer.h"
 
-#include "simulator/xplane/SocketCloser.h"
+#include "common/nng/SocketCloser.h"
 
 #include <nng/protocol/pair1/pair.h>
 
@@ -100,7 +100,10 @@ PluginPeer::~PluginPeer()
     nng_aio_stop(m_receive);
     m_thread.join();
     nng_aio_free(m_receive);
-    simulator::xplane::closeWhenQuiet(m_socket);
+    // Should the close outlast its time, nothing is to come here any more.
+    nng_pipe_notify(m_socket, NNG_PIPE_EV_ADD_POST, nullptr, nullptr);
+    nng_pipe_notify(m_socket, NNG_PIPE_EV_REM_POST, nullptr, nullptr);
+    common::closeAndWait(m_socket);
 }
 
 QList<QByteArray> PluginPeer::messages() const

@@ -1,7 +1,7 @@
 #include "simulator/xplane/PluginLink.h"
 
+#include "common/nng/SocketCloser.h"
 #include "simulator/xplane/MessageThreads.h"
-#include "simulator/xplane/SocketCloser.h"
 
 #include <nng/protocol/pair1/pair.h>
 
@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <system_error>
 #include <utility>
 
 namespace tarvo::simulator::xplane {
@@ -19,6 +20,9 @@ namespace {
 
 constexpr int socketBufferMessages = 8192;
 constexpr qsizetype tooLarge = 65536;
+/// What the plugin may send at once. It repeats the model paths that it was sent, which are less than half of this; the
+/// library knows no limit by itself, and the plugin may be on another machine.
+constexpr size_t largestReceived = 131072;
 constexpr size_t inboxCapacity = 256;
 
 /// Every malformed message gets its line, up to this many; a plugin that is merely broken does not reach it.
@@ -53,11 +57,12 @@ PluginLink::~PluginLink()
     nng_aio_free(m_receive);
     nng_aio_free(m_send);
     if (m_opened)
-        closeInBackground(m_socket);
+        common::closeInBackground(m_socket);
 }
 
 void PluginLink::open(const PluginAddress &address)
 {
+    Q_ASSERT(!m_ready);
     connect(this, &PluginLink::inboxFilled, this, &PluginLink::drainInbox);
     openSocket();
     dial(address);
@@ -78,6 +83,8 @@ void PluginLink::openSocket()
     }
     nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, socketBufferMessages);
     nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, socketBufferMessages);
+    nng_socket_set_size(m_socket, NNG_OPT_RECVMAXSZ,
+                        largestReceived); // beyond: the connection ends and is dialled anew
     if (nng_aio_alloc(&m_send, nullptr, nullptr) == 0)
         nng_aio_set_timeout(m_send, NNG_DURATION_ZERO); // a full buffer must not freeze the caller
 }
@@ -125,7 +132,12 @@ void PluginLink::startReceiving()
     if (!m_opened || nng_aio_alloc(&m_receive, nullptr, nullptr) != 0)
         return; // nothing will ever come; the attempts end in their time-out
     m_running = true;
-    m_thread = std::thread([this] { receiveLoop(); });
+    try {
+        m_thread = std::thread([this] { receiveLoop(); });
+    } catch (const std::system_error &error) {
+        m_running = false;
+        qWarning() << "X-Plane plugin receive thread does not start:" << error.what();
+    }
 }
 
 void PluginLink::receiveLoop()
@@ -159,16 +171,16 @@ void PluginLink::handleMessage(QByteArrayView message)
 
 void PluginLink::putIntoInbox(PluginReport report)
 {
-    bool wasEmpty = false;
+    bool drainIsToBeScheduled = false;
     {
         std::unique_lock lock(m_inboxMutex);
         m_inboxHasRoom.wait(lock, [this] { return m_inbox.size() < inboxCapacity || !m_running; });
         if (!m_running)
             return;
-        wasEmpty = m_inbox.empty();
         m_inbox.push_back(std::move(report));
+        drainIsToBeScheduled = !std::exchange(m_drainScheduled, true);
     }
-    if (wasEmpty)
+    if (drainIsToBeScheduled)
         emit inboxFilled({});
 }
 
@@ -189,13 +201,24 @@ std::optional<PluginReport> PluginLink::takeFromInbox()
 void PluginLink::drainInbox()
 {
     const QPointer<PluginLink> alive(this);
-    // One inbox at a time: while messages keep pouring in, the event loop gets its turn in between.
+    {
+        // Not only at the end: a receiver that runs an event loop of its own gets the later reports there.
+        const std::lock_guard lock(m_inboxMutex);
+        m_drainScheduled = false;
+    }
+    // One inbox at a time, and never more than one drain under way: while messages keep pouring in, the event loop gets
+    // its turn in between.
     for (size_t i = 0; i < inboxCapacity; ++i) {
         const std::optional<PluginReport> report = takeFromInbox();
         if (!report)
             return;
         emit reportReceived(*report);
         if (!alive)
+            return;
+    }
+    {
+        const std::lock_guard lock(m_inboxMutex);
+        if (m_inbox.empty() || std::exchange(m_drainScheduled, true))
             return;
     }
     QMetaObject::invokeMethod(this, &PluginLink::drainInbox, Qt::QueuedConnection);

@@ -45,7 +45,7 @@ signals:
     void socketError(const QString &error);
     /// Neither Unknown nor Malformed ever comes this way.
     void reportReceived(const tarvo::simulator::xplane::PluginReport &report);
-    /// Raised by the thread when the inbox is no longer empty.
+    /// Raised by the thread when the inbox is to be emptied.
     void inboxFilled(QPrivateSignal);
 
 private:
@@ -71,6 +71,7 @@ private:
     std::mutex m_inboxMutex;
     std::condition_variable m_inboxHasRoom;
     std::deque<PluginReport> m_inbox;
+    bool m_drainScheduled = false; ///< guarded by the inbox's mutex, as the inbox is
 };
 
 } // namespace tarvo::simulator::xplane

@@ -119,6 +119,7 @@ std::optional<Float32> flapsRatio(const std::optional<int> &percent)
 {
     if (!percent)
         return std::nullopt;
+    // Two decimals by way of the ratio, as the plugin's side has it; for whole percents the detour changes nothing.
     return Float32{static_cast<float>(std::round(*percent / 100.0 * 100.0) / 100.0)};
 }
 

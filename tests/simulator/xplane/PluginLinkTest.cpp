@@ -3,10 +3,13 @@
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
+#include <algorithm>
 #include <memory>
 
 using namespace tarvo::simulator::xplane;
@@ -202,6 +205,53 @@ private slots:
         }
         QTRY_COMPARE(callsigns.size(), 3000);
         QCOMPARE(callsigns, expected);
+    }
+
+    void otherEventsGetTheirTurnInAFlood()
+    {
+        Bench bench;
+        bench.listen();
+        bench.open();
+        int seen = 0;
+        int sinceTurn = 0;
+        int mostSinceTurn = 0;
+        QTimer other;
+        connect(&other, &QTimer::timeout, this, [&] { sinceTurn = 0; });
+        other.start(0);
+        connect(bench.link.get(), &PluginLink::reportReceived, this, [&] {
+            bench.plugin->sendRaw(added(++seen));
+            mostSinceTurn = std::max(mostSinceTurn, ++sinceTurn);
+            QElapsedTimer busy; // so that the next report finds the inbox empty, but is there before it is asked for
+            for (busy.start(); busy.nsecsElapsed() < 200'000;) {
+            }
+        });
+        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.plugin->sendRaw(added(0));
+        QTRY_VERIFY(seen >= 2000);
+        QVERIFY2(mostSinceTurn <= 256, qPrintable(QString::number(mostSinceTurn)));
+    }
+
+    void aMessageThatIsTooLargeIsRefused()
+    {
+        const auto addedOfLength = [](int length) {
+            return packPluginMessage(QStringLiteral("ADDED"), {QString(length, u'x')});
+        };
+        Bench bench;
+        bench.listen();
+        bench.open();
+        QList<qsizetype> lengths;
+        connect(bench.link.get(), &PluginLink::reportReceived, this,
+                [&](const PluginReport &one) { lengths.append(std::get<report::Added>(one).callsign.size()); });
+        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.plugin->sendRaw(addedOfLength(130'000));
+        QTRY_COMPARE(lengths, QList<qsizetype>{130'000});
+        bench.plugin->sendRaw(addedOfLength(132'000));
+        const auto theNextIsHere = [&] { // again and again: what goes into the connection that ends is lost
+            bench.plugin->sendRaw(addedOfLength(1));
+            return lengths.size() > 1;
+        };
+        QTRY_VERIFY(theNextIsHere());
+        QCOMPARE(lengths.at(1), 1);
     }
 
     void mayBeDestroyedBeforeOpening()

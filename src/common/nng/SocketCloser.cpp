@@ -1,4 +1,4 @@
-#include "simulator/xplane/SocketCloser.h"
+#include "common/nng/SocketCloser.h"
 
 #include <nng/supplemental/util/platform.h>
 
@@ -10,13 +10,13 @@
 #include <system_error>
 #include <thread>
 
-namespace tarvo::simulator::xplane {
+namespace tarvo::common {
 
 namespace {
 
 constexpr nng_duration quietMs = 20;
-constexpr std::chrono::seconds longestDrain{1};
-constexpr std::chrono::milliseconds longestWaitAtExit{100};
+constexpr std::chrono::milliseconds longestDrain{200};
+constexpr std::chrono::milliseconds longestWaitAtExit{500};
 
 /// Counts the closers at work. Each of them shares in it, so that one which outlives the program's own objects still
 /// finds it there.
@@ -71,37 +71,62 @@ const std::shared_ptr<PendingClosers> &pendingClosers()
     return guard.pending();
 }
 
-} // namespace
-
-void closeWhenQuiet(nng_socket socket)
+void drain(nng_socket socket)
 {
     nng_socket_set_ms(socket, NNG_OPT_RECVTIMEO, quietMs);
     const auto deadline = std::chrono::steady_clock::now() + longestDrain;
-    while (std::chrono::steady_clock::now() < deadline) {
-        nng_msg *message = nullptr;
-        if (nng_recvmsg(socket, &message, 0) != 0)
-            break;
+    nng_msg *message = nullptr;
+    while (nng_recvmsg(socket, &message, 0) == 0) {
         nng_msg_free(message);
+        if (std::chrono::steady_clock::now() >= deadline)
+            return;
     }
-    // A peer that floods without end: once nobody reads, its messages stop at the full queue, and nng_close, which
-    // hangs while they pour in, gets through.
+}
+
+void closeNow(nng_socket socket)
+{
+    drain(socket);
+    // From now on every message is too large, which the library finds out in the first step, and then ends the pipe by
+    // itself, in good order. One that was in the second step already gets a moment to come in.
+    nng_socket_set_size(socket, NNG_OPT_RECVMAXSZ, 1);
     nng_msleep(quietMs);
     nng_close(socket);
 }
 
-void closeInBackground(nng_socket socket)
+/// Starts a thread that closes the socket and then counts itself out, here and in `own`.
+void startCloser(nng_socket socket, const std::shared_ptr<PendingClosers> &own)
 {
-    const std::shared_ptr<PendingClosers> &pending = pendingClosers();
-    pending->add();
+    const std::shared_ptr<PendingClosers> &all = pendingClosers();
+    all->add();
+    own->add();
     try {
-        std::thread([socket, pending] {
-            closeWhenQuiet(socket);
-            pending->remove();
+        std::thread([socket, all, own] {
+            closeNow(socket);
+            own->remove();
+            all->remove();
         }).detach();
     } catch (const std::system_error &) {
-        pending->remove();
-        qWarning() << "X-Plane plugin socket stays open: no thread to close it";
+        own->remove();
+        all->remove();
+        qWarning() << "Message socket stays open: no thread to close it";
     }
+}
+
+} // namespace
+
+void closeInBackground(nng_socket socket)
+{
+    startCloser(socket, std::make_shared<PendingClosers>());
+}
+
+bool closeAndWait(nng_socket socket, std::chrono::milliseconds longest)
+{
+    const auto own = std::make_shared<PendingClosers>();
+    startCloser(socket, own);
+    const bool ended = own->wait(longest);
+    if (!ended)
+        qWarning() << "Message socket is left behind: its close has not ended after" << longest.count() << "ms";
+    return ended;
 }
 
 bool waitForClosers(std::chrono::milliseconds longest)
@@ -109,4 +134,4 @@ bool waitForClosers(std::chrono::milliseconds longest)
     return pendingClosers()->wait(longest);
 }
 
-} // namespace tarvo::simulator::xplane
+} // namespace tarvo::common
