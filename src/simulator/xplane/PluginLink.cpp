@@ -21,7 +21,8 @@ namespace {
 constexpr int socketBufferMessages = 8192;
 constexpr qsizetype tooLarge = 65536;
 /// What the plugin may send at once. It repeats the model paths that it was sent, which are less than half of this; the
-/// library knows no limit by itself, and the plugin may be on another machine.
+/// library knows no limit by itself, and the plugin may be on another machine. A larger message ends the connection,
+/// which is then dialled anew.
 constexpr size_t largestReceived = 131072;
 constexpr size_t inboxCapacity = 256;
 
@@ -83,8 +84,7 @@ void PluginLink::openSocket()
     }
     nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, socketBufferMessages);
     nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, socketBufferMessages);
-    nng_socket_set_size(m_socket, NNG_OPT_RECVMAXSZ,
-                        largestReceived); // beyond: the connection ends and is dialled anew
+    nng_socket_set_size(m_socket, NNG_OPT_RECVMAXSZ, largestReceived);
     if (nng_aio_alloc(&m_send, nullptr, nullptr) == 0)
         nng_aio_set_timeout(m_send, NNG_DURATION_ZERO); // a full buffer must not freeze the caller
 }
