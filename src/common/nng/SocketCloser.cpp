@@ -93,8 +93,8 @@ void closeNow(nng_socket socket)
     nng_close(socket);
 }
 
-/// Starts a thread that closes the socket and then counts itself out, here and in `own`.
-void startCloser(nng_socket socket, const std::shared_ptr<PendingClosers> &own)
+/// Starts a thread that closes the socket and then counts itself out, here and in `own`. False when there is none.
+bool startCloser(nng_socket socket, const std::shared_ptr<PendingClosers> &own)
 {
     const std::shared_ptr<PendingClosers> &all = pendingClosers();
     all->add();
@@ -105,10 +105,12 @@ void startCloser(nng_socket socket, const std::shared_ptr<PendingClosers> &own)
             own->remove();
             all->remove();
         }).detach();
+        return true;
     } catch (const std::system_error &) {
         own->remove();
         all->remove();
         qWarning() << "Message socket stays open: no thread to close it";
+        return false;
     }
 }
 
@@ -122,7 +124,8 @@ void closeInBackground(nng_socket socket)
 bool closeAndWait(nng_socket socket, std::chrono::milliseconds longest)
 {
     const auto own = std::make_shared<PendingClosers>();
-    startCloser(socket, own);
+    if (!startCloser(socket, own))
+        return false;
     const bool ended = own->wait(longest);
     if (!ended)
         qWarning() << "Message socket is left behind: its close has not ended after" << longest.count() << "ms";
