@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Runs a checker over the source files of the project, as many at a time as there are cores.
 
-usage: check_units.py tidy|windows [--only REGEX]
+usage: check_units.py tidy|windows [--only REGEX] [--deep]
 
-tidy     clang-tidy with the project's .clang-tidy; not over the tests, whose time is better spent running
+tidy     clang-tidy with the project's .clang-tidy; not over the tests, whose time is better spent running. The static
+         analyzer looks into small functions only; --deep lets it follow all calls, which takes up to five times as long
 windows  mingw-w64's g++ with -fsyntax-only over the Linux Qt headers: is it valid Windows code? Every file, tests too
 
 A file that passed is not checked again until it, a project header that it includes or its command changes.
@@ -89,7 +90,7 @@ def project_files_of(path, memo):
 
 def stamp_of(mode, unit, command, memo):
     digest = hashlib.sha256(f'{mode} {command}'.encode())
-    if mode == 'tidy':
+    if mode != 'windows':
         digest.update((ROOT / '.clang-tidy').read_bytes())
     digest.update(pathlib.Path(__file__).read_bytes())
     for path in sorted(project_files_of(ROOT / unit, memo)):
@@ -97,7 +98,14 @@ def stamp_of(mode, unit, command, memo):
     return BUILD / 'stamps' / mode / digest.hexdigest()
 
 
+SHALLOW = ['--extra-arg=' + word for word in ('-Xclang', '-analyzer-config', '-Xclang', 'mode=shallow')]
+
+
 def tidy_command(unit, command):
+    return deep_command(unit, command) + SHALLOW
+
+
+def deep_command(unit, command):
     del command
     return ['clang-tidy', '--quiet', '-p', str(BUILD), str(ROOT / unit)]
 
@@ -138,14 +146,16 @@ def windows_command(unit, command):
     return out + ['-isystem', str(PORTABLE), str(ROOT / unit)]
 
 
+COMMANDS = {'tidy': tidy_command, 'deep': deep_command, 'windows': windows_command}
+
+
 def posix_only(unit):
     return unit.stem.endswith(('_posix', '_linux', '_x11'))
 
 
 def check(mode, unit, command, stamp):
     started = time.monotonic()
-    make = tidy_command if mode == 'tidy' else windows_command
-    result = subprocess.run(make(unit, command), capture_output=True, text=True, cwd=BUILD)
+    result = subprocess.run(COMMANDS[mode](unit, command), capture_output=True, text=True, cwd=BUILD)
     if result.returncode == 0:
         stamp.parent.mkdir(parents=True, exist_ok=True)
         stamp.touch()
@@ -156,7 +166,9 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('mode', choices=['tidy', 'windows'])
     parser.add_argument('--only', default='')
+    parser.add_argument('--deep', action='store_true')
     arguments = parser.parse_args()
+    mode = 'deep' if arguments.deep and arguments.mode == 'tidy' else arguments.mode
     configure()
     folders = ['src', 'practice', 'tools', 'bench'] + (['tests'] if arguments.mode == 'windows' else [])
     todo = units(folders, arguments.only)
@@ -165,11 +177,11 @@ def main():
         todo |= windows_only(folders, arguments.only, units(folders, ''))
         todo = {u: c for u, c in todo.items() if not posix_only(u) and 'fuzz' not in u.parts}
     memo = {}
-    stamps = {u: stamp_of(arguments.mode, u, c, memo) for u, c in todo.items()}
+    stamps = {u: stamp_of(mode, u, c, memo) for u, c in todo.items()}
     stale = {u: c for u, c in todo.items() if not stamps[u].exists()}
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        jobs = [pool.submit(check, arguments.mode, u, c, stamps[u]) for u, c in stale.items()]
+        jobs = [pool.submit(check, mode, u, c, stamps[u]) for u, c in stale.items()]
         for job in concurrent.futures.as_completed(jobs):
             unit, result, seconds = job.result()
             if result.returncode != 0:
