@@ -5,6 +5,7 @@
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQmlError>
+#include <QSignalSpy>
 #include <QTest>
 #include <QUrl>
 
@@ -211,10 +212,15 @@ void PageHarness::openSection(const QString &title)
 
 QQuickItem *PageHarness::item(const QString &objectName) const
 {
+    return items(objectName).value(0);
+}
+
+QList<QQuickItem *> PageHarness::items(const QString &objectName) const
+{
     QList<QQuickItem *> found;
     collect(
         view.rootObject(), [&](QQuickItem *candidate) { return candidate->objectName() == objectName; }, found);
-    return found.value(0);
+    return found;
 }
 
 QQuickItem *PageHarness::itemWithText(const QString &text) const
@@ -233,11 +239,46 @@ QList<QQuickItem *> PageHarness::texts() const
     return found;
 }
 
+QStringList PageHarness::textsOutOfBounds() const
+{
+    QStringList found;
+    const QList<QQuickItem *> all = texts();
+    for (const QQuickItem *text : all) {
+        const QRectF box = text->mapRectToScene(QRectF(0, 0, text->width(), text->height()));
+        const bool inBox = text->clip() || text->property("contentWidth").toReal() <= text->width() + 1;
+        if (!inBox || box.left() < -1 || box.right() > view.width() + 1)
+            found << text->property("text").toString().left(80);
+    }
+    return found;
+}
+
+void PageHarness::settle()
+{
+    for (int i = 0; i < 3; ++i) {
+        QSignalSpy frame(&view, &QQuickWindow::afterAnimating);
+        view.update();
+        QVERIFY(frame.wait(2000));
+        QCoreApplication::processEvents();
+    }
+}
+
 void PageHarness::click(QQuickItem *item)
 {
     QVERIFY(item);
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+}
+
+bool PageHarness::tabTo(const QString &objectName, bool backwards)
+{
+    for (int i = 0; i < 200; ++i) {
+        const QQuickItem *wanted = item(objectName);
+        if (wanted && wanted->hasActiveFocus())
+            return true;
+        QTest::keyClick(&view, backwards ? Qt::Key_Backtab : Qt::Key_Tab);
+        settle(); // what scrolls with the focus
+    }
+    return false;
 }
 
 void PageHarness::type(const QString &text)

@@ -49,11 +49,19 @@ public:
 
     /// The visible item with this object name, or null.
     QQuickItem *item(const QString &objectName) const;
+    /// All visible items with this object name.
+    QList<QQuickItem *> items(const QString &objectName) const;
     /// The visible item that shows exactly this text, or null.
     QQuickItem *itemWithText(const QString &text) const;
     /// All visible items that show text.
     QList<QQuickItem *> texts() const;
+    /// Texts that reach beyond their own box without being cut there, or beyond the window's sides.
+    QStringList textsOutOfBounds() const;
+    /// Lets what waits for the next turn of the loop happen, and the layout with it.
+    void settle();
     void click(QQuickItem *item);
+    /// Presses Tab, or Shift and Tab, until this item has the focus; false after a whole round.
+    bool tabTo(const QString &objectName, bool backwards = false);
     /// Types Latin text into the item that has the focus.
     void type(const QString &text);
     /// Draws the window; kept in the folder of TARVO_SHOTS, when that is set, under this name.

@@ -1,6 +1,7 @@
 #include "PageHarness.h"
 #include "support/TestRegistry.h"
 
+#include <QJSValue>
 #include <QObject>
 #include <QTest>
 
@@ -90,8 +91,17 @@ private:
 
     static bool isWhole(QQuickItem *text)
     {
-        return !text->property("truncated").toBool() && text->property("contentWidth").toReal() <= text->width() + 1.0;
+        return !text->property("truncated").toBool() &&
+               text->property("contentWidth").toReal() <= text->width() + 1.0 && pixelSize(text) >= smallestReadable;
     }
+
+    /// As drawn: a text may shrink to fit.
+    static int pixelSize(QQuickItem *text)
+    {
+        return text->property("fontInfo").value<QJSValue>().property(QStringLiteral("pixelSize")).toInt();
+    }
+
+    static constexpr int smallestReadable = 10;
 };
 
 TARVO_TEST(PageLookTest)

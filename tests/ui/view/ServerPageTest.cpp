@@ -19,6 +19,7 @@ class ServerPageTest : public QObject
 private slots:
     void init()
     {
+        m_events = 0;
         m_harness = std::make_unique<PageHarness>();
         m_harness->dashboard().setCurrentMode(QStringLiteral("XPLANE"));
         m_harness->server().setCurrentMode(QStringLiteral("XPLANE"));
@@ -171,7 +172,7 @@ private slots:
         QCOMPARE(logText(), model().serverLog());
         m_harness->click(field("clearLogButton"));
         QCOMPARE(logText(), QString());
-        QCOMPARE(field("eventList")->property("count").toInt(), 1);
+        QTRY_COMPARE(field("eventList")->property("count").toInt(), 1);
         model().appendLog(QStringLiteral("三"));
         QCOMPARE(logText(), model().serverLog());
     }
@@ -199,6 +200,53 @@ private slots:
         QVERIFY(!view->property("atEnd").toBool());
     }
 
+    void aReaderOfEventsIsLeftThere()
+    {
+        addEvents(100);
+        QTRY_COMPARE(field("eventList")->property("count").toInt(), 100);
+        m_harness->settle();
+        QVERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
+        QVERIFY(field("eventList")->setProperty("contentY", 600.0));
+        m_harness->settle();
+        const QString read = eventInSight();
+        QVERIFY(!read.isEmpty());
+        const qreal y = m_harness->itemWithText(read)->mapToScene({}).y();
+        addEvents(3);
+        QTRY_COMPARE(field("eventList")->property("count").toInt(), 103);
+        m_harness->settle();
+        QVERIFY(m_harness->itemWithText(read));
+        QVERIFY(qAbs(m_harness->itemWithText(read)->mapToScene({}).y() - y) < 2);
+    }
+
+    void theNewestEventIsSeen()
+    {
+        addEvents(100);
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
+        m_harness->settle();
+        model().addRecentEvent(QStringLiteral("事件 100"), {}, {});
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 100")));
+        m_harness->settle();
+        const QQuickItem *newest = m_harness->itemWithText(QStringLiteral("事件 100"));
+        QVERIFY(newest->mapToItem(field("eventList"), QPointF()).y() >= 0);
+    }
+
+    void equalEventsAreAllThere()
+    {
+        for (int i = 1; i <= 5; ++i) {
+            model().addRecentEvent(QStringLiteral("同样"), QStringLiteral("同样"), {});
+            QTRY_COMPARE(field("eventList")->property("count").toInt(), i);
+        }
+    }
+
+    void manyEventsStayBounded()
+    {
+        addEvents(1990);
+        QTRY_COMPARE(field("eventList")->property("count").toInt(), 1990);
+        addEvents(50);
+        QTRY_COMPARE(field("eventList")->property("count").toInt(), 2000);
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 2039")));
+    }
+
     void aNewPageShowsTheWholeLog()
     {
         model().appendLog(QStringLiteral("一"));
@@ -211,9 +259,29 @@ private slots:
 private:
     ServerPageViewModel &model() { return m_harness->server(); }
     QQuickItem *field(const char *name) { return m_harness->item(QString::fromLatin1(name)); }
+    void addEvents(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            model().addRecentEvent(QStringLiteral("事件 %1").arg(m_events++), QStringLiteral("细节"), {});
+    }
+
+    /// The title of an event in the middle of the list.
+    QString eventInSight()
+    {
+        QQuickItem *list = field("eventList");
+        const QRectF sight = list->mapRectToScene(QRectF(0, 30, list->width(), list->height() - 60));
+        const QList<QQuickItem *> texts = m_harness->texts();
+        for (const QQuickItem *text : texts)
+            if (text->property("text").toString().startsWith(QStringLiteral("事件 ")) &&
+                sight.contains(text->mapToScene({})))
+                return text->property("text").toString();
+        return {};
+    }
+
     QString logText() { return field("logView")->property("text").toString(); }
 
     std::unique_ptr<PageHarness> m_harness;
+    int m_events = 0;
 };
 
 TARVO_TEST(ServerPageTest)

@@ -24,6 +24,8 @@ Rectangle {
     implicitHeight: 320
     radius: 18
     color: Style.instrumentBezel
+    Accessible.role: Accessible.Graphic
+    Accessible.name: qsTr("飞行仪表：%1").arg(summary())
 
     /// False for what no aeroplane has.
     function known(value: real): bool {
@@ -32,6 +34,19 @@ Rectangle {
 
     function sane(value: real): real {
         return known(value) ? value : 0
+    }
+
+    function climbText(): string {
+        return (climb >= 5 ? "+" : "") + Format.fixed(10 * Math.round(climb / 10), 0) + " fpm"
+    }
+
+    /// What is to be read off it, on one line.
+    function summary(): string {
+        if (!upright)
+            return qsTr("无姿态数据")
+        const figure = value => known(value) ? Format.fixed(value, 0) : "--"
+        return qsTr("俯仰 %1°，横滚 %2°，航向 %3，地速 %4 节，海高 %5 英尺").arg(figure(pitch)).arg(figure(bank))
+            .arg(known(heading) ? Format.course(heading) : "--").arg(figure(groundSpeed)).arg(figure(altitude))
     }
 
     Item {
@@ -92,6 +107,7 @@ Rectangle {
         }
 
         Tape {
+            objectName: "speedTape"
             width: display.tapeWidth
             height: parent.height
             title: qsTr("地速 kt")
@@ -101,6 +117,7 @@ Rectangle {
         }
 
         Tape {
+            objectName: "altitudeTape"
             anchors.right: parent.right
             width: display.tapeWidth
             height: parent.height
@@ -130,12 +147,12 @@ Rectangle {
             AppText {
                 anchors.fill: parent
                 anchors.margins: 2
-                text: (display.climb >= 10 ? "+" : "") + (10 * Math.round(display.climb / 10) + 0).toFixed(0) + " fpm"
+                text: display.climbText()
                 color: Style.instrumentTraffic
                 font.pixelSize: 11
                 horizontalAlignment: Text.AlignHCenter
                 fontSizeMode: Text.HorizontalFit
-                minimumPixelSize: 7
+                minimumPixelSize: 10
             }
         }
 

@@ -12,13 +12,18 @@ GridLayout {
     property string name: ""
     /// What an input method is composing counts as typed.
     readonly property string typed: plain(field.text.slice(0, field.cursorPosition) + field.preeditText + field.text.slice(field.cursorPosition))
-    /// What the owner says to `typed`: { value } with the text to send, or { hint } with what is wrong.
+    /// What the owner says to `typed`: { value } with the text to send, or { hint } with what is wrong. With `unfinished`
+    /// nothing is wrong as yet, and the hint waits until the pilot has done typing.
     property var verdict: ({})
+    property bool done: false
     readonly property bool acceptable: typed.length > 0 && (verdict.value ?? "") !== ""
 
+    readonly property bool told: typed.length > 0 && (done || !field.activeFocus || !(verdict.unfinished ?? false))
     readonly property bool wide: width > 320
 
     signal submitted(string value)
+
+    onTypedChanged: done = false
 
     columns: 2
     columnSpacing: Style.spacingSmall
@@ -45,6 +50,7 @@ GridLayout {
         Layout.row: entry.wide ? 0 : 1
         Layout.column: 1
         implicitHeight: entry.wide ? Style.controlHeight : 36
+        focusPolicy: Qt.TabFocus // a click leaves the focus where the next figure is typed
         leftPadding: Style.spacingMedium
         rightPadding: Style.spacingMedium
         primary: true
@@ -61,7 +67,7 @@ GridLayout {
         Layout.columnSpan: entry.wide ? 2 : 1
         Layout.fillWidth: true
         Layout.preferredHeight: entry.wide ? 18 : 36
-        text: entry.typed.length > 0 ? entry.verdict.hint ?? "" : ""
+        text: entry.told ? entry.verdict.hint ?? "" : ""
         color: Style.statusError
         font.pixelSize: Style.fontSmall
         wrapMode: Text.Wrap
@@ -74,7 +80,9 @@ GridLayout {
 
     function submit(): void {
         Qt.inputMethod.commit() // qmllint disable type
-        if (!acceptable)
+        field.forceActiveFocus()
+        done = !acceptable
+        if (done)
             return
         const value = verdict.value
         field.clear()

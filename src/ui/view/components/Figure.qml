@@ -2,13 +2,15 @@ import QtQuick
 import QtQuick.Layouts
 import ".."
 
-/// One reading on one line: its name at the left, the value at the right.
+/// One reading on one line: its name at the left, the value at the right. In a grid all are equally wide.
 RowLayout {
     id: figure
 
     property string label: ""
     property string value: "--"
 
+    Layout.fillWidth: true
+    Layout.preferredWidth: 1
     spacing: Style.spacingSmall
 
     AppText {
@@ -24,7 +26,7 @@ RowLayout {
         font.pixelSize: 13
         font.weight: Font.DemiBold
         fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 8
+        minimumPixelSize: 10
         elide: Text.ElideRight
     }
 }

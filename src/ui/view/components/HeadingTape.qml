@@ -71,8 +71,9 @@ Item {
         border.color: Style.instrumentLine
 
         AppText {
+            objectName: "headingWindow"
             anchors.centerIn: parent
-            text: tape.live ? String(Math.round(tape.heading) % 360 || 360).padStart(3, "0") + "°" : "--"
+            text: tape.live ? Format.course(tape.heading) + "°" : "--"
             color: Style.instrumentActive
             font.pixelSize: 16
             font.weight: Font.DemiBold

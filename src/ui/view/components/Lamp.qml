@@ -11,7 +11,13 @@ Rectangle {
     /// On an instrument's dark glass.
     property bool dark: false
 
-    implicitWidth: Math.max(44, label.implicitWidth + 20)
+    Accessible.role: Accessible.Indicator
+    Accessible.name: text
+    Accessible.checkable: true
+    Accessible.checked: lit
+    Accessible.readOnly: true
+
+    implicitWidth: Math.max(44, label.implicitWidth + 16)
     implicitHeight: 26
     radius: height / 2
     color: lit ? Qt.alpha(litColor, 0.18) : dark ? "transparent" : Style.controlBg
@@ -21,6 +27,7 @@ Rectangle {
     AppText {
         id: label
 
+        Accessible.ignored: true
         anchors.centerIn: parent
         text: lamp.text
         color: lamp.lit ? (lamp.dark ? lamp.litColor : Qt.darker(lamp.litColor, 1.45)) : lamp.dark ? Style.instrumentDim : Style.textMuted

@@ -11,6 +11,9 @@ AbstractButton {
     implicitWidth: implicitContentWidth
     implicitHeight: implicitContentHeight
     focusPolicy: Qt.StrongFocus
+    Accessible.name: text
+    Accessible.checkable: true
+    Accessible.checked: lit
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
@@ -21,6 +24,7 @@ AbstractButton {
         border.color: Style.controlBorderActive
     }
     contentItem: Lamp {
+        Accessible.ignored: true
         dark: true
         text: button.text
         lit: button.lit

@@ -3,12 +3,10 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import ".."
 
-/// One line of a column to choose from: a name with a quiet word beside it, a note at the right, how much is
-/// unread, and a quiet second line.
+/// One line of a column to choose from: a name, a note at the right, how much is unread, and a quiet second line.
 AbstractButton {
     id: row
 
-    property string aside: ""
     property string note: ""
     property string detail: ""
     property bool selected: false
@@ -25,6 +23,20 @@ AbstractButton {
     focusPolicy: Qt.TabFocus
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+    Keys.onDeletePressed: event => {
+        event.accepted = closable
+        if (closable)
+            close()
+    }
+    Accessible.name: badge > 0 ? text + qsTr("，%1 条未读").arg(badge) : text
+    Accessible.description: (note + " " + detail).trim()
+
+    /// The row goes, and leaves the keyboard's focus to the next one.
+    function close(): void {
+        if (activeFocus || cross.activeFocus)
+            cross.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+        closeRequested()
+    }
 
     background: Rectangle {
         radius: Style.radiusSmall + 2
@@ -51,25 +63,12 @@ AbstractButton {
 
             AppText {
                 Layout.fillWidth: true
-                Layout.minimumWidth: Math.min(Math.ceil(implicitWidth) + 1, row.availableWidth * 0.55)
-                Layout.maximumWidth: Math.ceil(implicitWidth) + 1
                 clip: true // an elided text of both directions may be wider than it should
                 horizontalAlignment: Text.AlignLeft
                 text: row.text
                 color: row.selected || row.badge > 0 ? Style.textActive : Style.textPrimary
                 font.pixelSize: 13
                 font.weight: row.selected || row.badge > 0 ? Font.DemiBold : Font.Normal
-                elide: Text.ElideRight
-                maximumLineCount: 1
-            }
-
-            AppText {
-                Layout.fillWidth: true
-                clip: true
-                horizontalAlignment: Text.AlignLeft
-                text: row.aside
-                color: Style.textMuted
-                font.pixelSize: Style.fontSmall
                 elide: Text.ElideRight
                 maximumLineCount: 1
             }
@@ -110,13 +109,19 @@ AbstractButton {
         width: 20
         height: 20
         visible: row.closable
-        focusPolicy: Qt.NoFocus
+        Accessible.name: qsTr("关闭 %1").arg(row.text)
+        focusPolicy: Qt.TabFocus
         hoverEnabled: true
-        onClicked: row.closeRequested()
+        onClicked: row.close()
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
+        Keys.onDeletePressed: clicked()
 
         background: Rectangle {
             radius: 10
             color: cross.hovered ? Style.accentSoft : "transparent"
+            border.width: cross.visualFocus ? 2 : 0
+            border.color: Style.controlBorderActive
         }
         contentItem: AppText {
             text: "×"

@@ -68,9 +68,13 @@ Item {
         // On the side away from the middle, as long as it fits there.
         x: symbol.x >= 0 === Math.abs(symbol.x) + width + 20 < symbol.room ? 11 : -width - 11
         y: -height / 2
+        width: Math.min(Math.ceil(implicitWidth), 90)
+        clip: true // an elided text of both directions may be wider than it should
         text: symbol.contact?.callsign ?? ""
         color: Style.instrumentLine
         font.pixelSize: 11
+        elide: Text.ElideRight
+        maximumLineCount: 1
     }
 
     function hundreds(feet: real): string {

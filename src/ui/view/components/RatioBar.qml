@@ -40,6 +40,6 @@ RowLayout {
         font.pixelSize: 13
         font.weight: Font.DemiBold
         fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 9
+        minimumPixelSize: 10
     }
 }

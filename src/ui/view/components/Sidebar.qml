@@ -54,6 +54,7 @@ Rectangle {
             SidebarItem {
                 required property var modelData
 
+                objectName: "section-" + modelData.key
                 Layout.fillWidth: true
                 text: modelData.title
                 selected: sidebar.currentSection === modelData.key // qmllint disable unqualified

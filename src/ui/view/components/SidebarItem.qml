@@ -14,6 +14,7 @@ AbstractButton {
     leftPadding: Style.spacingLarge
     rightPadding: Style.spacingMedium + (countBadge.visible ? countBadge.width + Style.spacingSmall : 0)
     focusPolicy: Qt.StrongFocus
+    Accessible.name: badge > 0 ? text + qsTr("，%1 条未读").arg(badge) : text
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 

@@ -92,15 +92,16 @@ Item {
         border.color: Style.instrumentLine
 
         AppText {
+            objectName: "tapeWindow"
             anchors.fill: parent
             anchors.margins: 3
-            text: tape.live ? tape.value.toFixed(0) : "--"
+            text: tape.live ? Format.fixed(tape.value, 0) : "--"
             color: Style.instrumentActive
             font.pixelSize: 16
             font.weight: Font.DemiBold
             horizontalAlignment: Text.AlignHCenter
             fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: 8
+            minimumPixelSize: 10
         }
     }
 }

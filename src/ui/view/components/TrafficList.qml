@@ -9,12 +9,19 @@ ListView {
 
     property var rows: []
     property string emptyText: "--"
+    readonly property int rowHeight: 27
 
     clip: true
     boundsBehavior: Flickable.StopAtBounds
     ScrollBar.vertical: CustomScrollBar {}
-    // A number, not the rows: they change all the time, and the delegates stay.
-    model: rows?.length ?? 0
+    model: slots.rows
+
+    // Not the rows themselves: they change all the time, and the delegates stay.
+    RowSlots {
+        id: slots
+
+        count: list.rows?.length ?? 0
+    }
 
     header: TrafficRow {
         callsign: qsTr("呼号")
@@ -32,9 +39,9 @@ ListView {
 
         callsign: contact?.callsign || contact?.label || "--"
         type: contact?.type || "--"
-        bearing: list.figure(contact?.bearing, v => String(Math.round(v) % 360 || 360).padStart(3, "0") + "°") // qmllint disable unqualified
-        distance: list.figure(contact?.distanceNm, v => (v < 99.95 ? v.toFixed(1) : v.toFixed(0)) + " NM") // qmllint disable unqualified
-        altitude: list.figure(contact?.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + (100 * Math.round(v / 100) + 0).toFixed(0) + " ft") // qmllint disable unqualified
+        bearing: list.figure(contact?.bearing, v => Format.course(v) + "°") // qmllint disable unqualified
+        distance: list.figure(contact?.distanceNm, v => Format.fixed(v, v < 99.95 ? 1 : 0) + " NM") // qmllint disable unqualified
+        altitude: list.figure(contact?.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + Format.fixed(100 * Math.round(v / 100), 0) + " ft") // qmllint disable unqualified
     }
 
     AppText {
@@ -60,7 +67,7 @@ ListView {
         property bool titles: false
 
         width: ListView.view?.width - Style.spacingMedium
-        height: 27
+        height: list.rowHeight // qmllint disable unqualified
         spacing: Style.spacingSmall
 
         AppText {
@@ -71,8 +78,10 @@ ListView {
             font.pixelSize: row.titles ? 11 : 13
             font.weight: row.titles ? Font.Normal : Font.DemiBold
             fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: 8
+            minimumPixelSize: 10
+            clip: true // an elided text of both directions may be wider than it should
             elide: Text.ElideRight
+            maximumLineCount: 1
         }
 
         Cell {
@@ -109,6 +118,9 @@ ListView {
         font.pixelSize: titles ? 11 : Style.fontSmall
         horizontalAlignment: Text.AlignRight
         fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 8
+        minimumPixelSize: 10
+        clip: true
+        elide: Text.ElideRight
+        maximumLineCount: 1
     }
 }

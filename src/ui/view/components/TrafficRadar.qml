@@ -15,8 +15,6 @@ Rectangle {
     readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 20
     /// Nautical miles at the outer ring.
     readonly property int range: rangeFor(farthest)
-    /// How many symbols are kept: grows in steps, so that they aren't built anew with each aircraft that comes.
-    readonly property int capacity: count <= 12 ? 12 : count <= 50 ? 50 : 200
     /// The nearest ones carry texts; more would hide each other.
     readonly property int namedContacts: count <= 50 ? 6 : 3
     readonly property int measuredContacts: 24
@@ -29,10 +27,27 @@ Rectangle {
         return ranges[ranges.length - 1]
     }
 
+    /// What is to be seen on it, on one line.
+    function summary(): string {
+        if (count === 0)
+            return qsTr("附近暂无交通目标")
+        const nearest = contacts[0]
+        // The callsign last: what it holds isn't filled in again.
+        return qsTr("%1 个目标，最近的在方位 %2，%3 海里：%4").arg(count).arg(Format.course(nearest.bearing))
+            .arg(Format.fixed(nearest.distanceNm, 1)).arg(nearest.callsign)
+    }
+
     implicitWidth: 320
     implicitHeight: 320
     radius: 18
     color: Style.instrumentBezel
+    Accessible.role: Accessible.Graphic
+    Accessible.name: qsTr("交通雷达：%1").arg(summary())
+    onCountChanged: symbols.count = Math.max(symbols.count, count)
+    Component.onCompleted: symbols.count = count
+
+    // Those that nobody needs any more wait unseen: traffic comes and goes.
+    RowSlots { id: symbols }
 
     Rectangle {
         anchors.fill: parent
@@ -76,7 +91,7 @@ Rectangle {
         }
 
         Repeater {
-            model: radar.capacity
+            model: symbols.rows
 
             RadarContact {
                 objectName: "radarContact"
@@ -125,7 +140,7 @@ Rectangle {
 
         AppText {
             anchors.centerIn: parent
-            text: radar.live && Number.isFinite(radar.heading) ? String(Math.round(radar.up) % 360 || 360).padStart(3, "0") + "°" : "--"
+            text: radar.live && Number.isFinite(radar.heading) ? Format.course(radar.up) + "°" : "--"
             color: Style.instrumentActive
             font.pixelSize: 13
             font.weight: Font.DemiBold

@@ -35,7 +35,7 @@ Card {
 
         Flow {
             Layout.fillWidth: true
-            spacing: Style.spacingSmall
+            spacing: 6
 
             Lamp { text: "Beacon"; lit: card.simulator?.beaconOn ?? false; litColor: Style.statusError }
             Lamp { text: "Landing"; lit: card.simulator?.landingLightsOn ?? false; litColor: Style.statusPending }

@@ -87,11 +87,12 @@ Card {
 
         RowLayout {
             Layout.fillWidth: true
-            Layout.leftMargin: Style.spacingSmall
+            Layout.leftMargin: Style.spacingMedium
 
             SectionTitle {
                 Layout.fillWidth: true
-                title: qsTr("频道")
+                objectName: "columnTitle"
+                title: qsTr("消息")
             }
 
             CustomButton {
@@ -125,8 +126,8 @@ Card {
         SectionTitle {
             Layout.fillWidth: true
             Layout.topMargin: Style.spacingSmall
-            Layout.leftMargin: Style.spacingSmall
-            Layout.rightMargin: Style.spacingSmall
+            Layout.leftMargin: Style.spacingMedium
+            Layout.rightMargin: Style.spacingMedium
             title: qsTr("私聊")
             note: sessionList.count > 0 ? sessionList.count : ""
         }
@@ -140,6 +141,7 @@ Card {
             // As long as its rows; the stations have the rest.
             Layout.maximumHeight: Math.max(Layout.minimumHeight, contentHeight)
             delegate: ListRow {
+                required property int index
                 required property string key
                 required property string time
                 required property string lastText
@@ -147,13 +149,13 @@ Card {
 
                 width: ListView.view.width
                 objectName: "session-" + key
-                implicitHeight: 48
                 text: key
                 note: time
                 detail: lastText
                 badge: unread
                 selected: column.messages?.activeChannel === key // qmllint disable unqualified
                 closable: true
+                onVisualFocusChanged: if (visualFocus) sessionList.reveal(index) // qmllint disable unqualified
                 onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
                 onCloseRequested: column.messages?.closePrivateSession(key) // qmllint disable unqualified
             }
@@ -162,8 +164,8 @@ Card {
         SectionTitle {
             Layout.fillWidth: true
             Layout.topMargin: Style.spacingSmall
-            Layout.leftMargin: Style.spacingSmall
-            Layout.rightMargin: Style.spacingSmall
+            Layout.leftMargin: Style.spacingMedium
+            Layout.rightMargin: Style.spacingMedium
             title: qsTr("附近管制")
             note: stationList.count > 0 ? stationList.count : ""
         }
@@ -175,6 +177,7 @@ Card {
             model: stations.rows
             emptyText: qsTr("附近暂无管制席位")
             delegate: ListRow {
+                required property int index
                 required property string key
                 required property string frequency
                 required property string name
@@ -183,7 +186,8 @@ Card {
                 objectName: "station-" + key
                 text: key
                 note: frequency
-                aside: name
+                detail: name
+                onVisualFocusChanged: if (visualFocus) stationList.reveal(index) // qmllint disable unqualified
                 onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
             }
         }
@@ -202,6 +206,11 @@ Card {
         spacing: 2
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: CustomScrollBar {}
+
+        /// The keyboard goes to rows that are out of sight, too.
+        function reveal(index: int): void {
+            positionViewAtIndex(index, ListView.Contain)
+        }
 
         AppText {
             y: 22

@@ -3,7 +3,8 @@ import QtQuick.Layouts
 import ".."
 import "../components"
 
-/// The line that is being written. Where it goes is the active channel's affair.
+/// The line that is being written. Where it goes is the active channel's affair. It hands on the keys that scroll the
+/// messages.
 RowLayout {
     id: compose
 
@@ -11,14 +12,31 @@ RowLayout {
     readonly property bool canSend: messages?.activeChannelCanSend ?? false
     readonly property string channel: messages?.activeChannel ?? ""
 
+    /// Has the focus while nothing can be written.
+    property Item elsewhere: null
+
+    signal pageRequested(int count)
+    signal newestRequested()
+
     spacing: Style.spacingSmall
     Component.onCompleted: focusLine()
     onCanSendChanged: focusLine()
     onChannelChanged: focusLine()
 
     function focusLine(): void {
-        if (canSend)
-            line.forceActiveFocus()
+        (canSend ? line : elsewhere)?.forceActiveFocus()
+    }
+
+    function scroll(event: var): void {
+        event.accepted = true
+        if (event.key === Qt.Key_PageUp)
+            pageRequested(-1)
+        else if (event.key === Qt.Key_PageDown)
+            pageRequested(1)
+        else if (event.key === Qt.Key_End && event.modifiers & Qt.ControlModifier)
+            newestRequested()
+        else
+            event.accepted = false
     }
 
     function send(): void {
@@ -44,9 +62,13 @@ RowLayout {
         text: compose.messages?.draftMessage ?? ""
         onTextEdited: if (compose.messages) compose.messages.draftMessage = text
         onAccepted: compose.send()
+        Keys.onPressed: event => compose.scroll(event)
+        Accessible.name: hint.text
 
         // In place of the field's own hint, which would take a callsign with markup in it for rich text.
         AppText {
+            id: hint
+
             objectName: "composeHint"
             anchors.fill: parent
             anchors.leftMargin: line.leftPadding

@@ -18,6 +18,8 @@ ColumnLayout {
         title: qsTr("总览")
     }
 
+    FocusFollower { scroll: scroll }
+
     ScrollView {
         id: scroll
 

@@ -24,8 +24,8 @@ ColumnLayout {
                 id: engine
 
                 required property int index
-                readonly property var state_: bay.engines[index] ?? null // qmllint disable unqualified
-                readonly property bool running: state_?.running ?? false
+                readonly property var figures: bay.engines[index] ?? null // qmllint disable unqualified
+                readonly property bool running: figures?.running ?? false
 
                 spacing: 6
 
@@ -40,7 +40,7 @@ ColumnLayout {
 
                     AppText {
                         anchors.centerIn: parent
-                        text: engine.state_?.label ?? "--"
+                        text: engine.figures?.label ?? "--"
                         color: engine.running ? Style.instrumentActive : Style.instrumentDim
                         font.pixelSize: 12
                         font.weight: Font.DemiBold
@@ -50,7 +50,7 @@ ColumnLayout {
                 Lamp {
                     Layout.alignment: Qt.AlignHCenter
                     text: qsTr("反推")
-                    lit: engine.state_?.reversing ?? false
+                    lit: engine.figures?.reversing ?? false
                     litColor: Style.statusPending
                 }
             }

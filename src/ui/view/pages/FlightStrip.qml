@@ -18,7 +18,7 @@ Card {
 
         Reading {
             name: qsTr("航向")
-            value: strip.number(strip.dashboard?.heading, v => String((Math.round(v) % 360 + 360) % 360 || 360).padStart(3, "0"))
+            value: strip.number(strip.dashboard?.heading, Format.course)
             unit: "°"
         }
 
@@ -26,7 +26,7 @@ Card {
 
         Reading {
             name: qsTr("地速")
-            value: strip.number(strip.dashboard?.groundSpeed, v => Math.round(v).toFixed(0))
+            value: strip.number(strip.dashboard?.groundSpeed, v => Format.fixed(v, 0))
             unit: "kt"
         }
 
@@ -34,7 +34,7 @@ Card {
 
         Reading {
             name: qsTr("高度")
-            value: strip.number(strip.dashboard?.altitude, v => Math.round(v).toLocaleString(Qt.locale("en_US"), "f", 0))
+            value: strip.number(strip.dashboard?.altitude, Format.grouped)
             unit: "ft"
         }
 
@@ -44,21 +44,13 @@ Card {
             Layout.preferredWidth: 220
             name: qsTr("位置")
             value: strip.number(strip.dashboard?.latitude, latitude => strip.number(strip.dashboard?.longitude,
-                longitude => strip.angle(latitude, "N", "S", 2) + "  " + strip.angle(longitude, "E", "W", 3)))
+                longitude => Format.latitude(latitude) + "  " + Format.longitude(longitude)))
             valueSize: 18
         }
     }
 
     function number(value: var, format: var): string {
         return live && Number.isFinite(value) ? format(value) : "--"
-    }
-
-    /// Degrees and minutes, as charts and flight plans have them: N40°04.8'
-    function angle(value: real, positive: string, negative: string, digits: int): string {
-        const tenths = Math.round(Math.abs(value) * 600)
-        const degrees = String(Math.floor(tenths / 600)).padStart(digits, "0")
-        const minutes = (tenths % 600 / 10).toFixed(1).padStart(4, "0")
-        return (value < 0 ? negative : positive) + degrees + "°" + minutes + "′"
     }
 
     component Separator: Rectangle {

@@ -21,6 +21,10 @@ Item {
     required property bool isDirect
     required property bool expanded
 
+    /// The part of the row that can be seen. Tab goes no further than there: the keys that scroll do.
+    property real sightTop: 0
+    property real sightBottom: 0
+
     readonly property bool outgoing: direction === "out"
     readonly property bool quiet: direction === "system"
     readonly property string body: message.length > 0 ? message : meta
@@ -31,6 +35,10 @@ Item {
     signal foldRequested(bool expanded)
 
     implicitHeight: bubble.y + bubble.height
+
+    function inSight(top: real, height: real): bool {
+        return top >= sightTop && top + height <= sightBottom
+    }
 
     Row {
         id: head
@@ -65,11 +73,16 @@ Item {
 
             objectName: "sender"
             enabled: row.direction === "in" && row.type !== "server"
-            focusPolicy: Qt.NoFocus
+            focusPolicy: row.inSight(head.y, head.height) ? Qt.TabFocus : Qt.NoFocus
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(Math.ceil(implicitWidth), head.share)
             padding: 0
             onClicked: row.replyRequested(row.from)
+            Keys.onReturnPressed: clicked()
+            Keys.onEnterPressed: clicked()
+            Accessible.name: enabled ? qsTr("回复 %1").arg(row.from) : row.from
+
+            background: FocusRing { visible: sender.visualFocus }
 
             contentItem: AppText {
                 clip: true // an elided text of both directions may be wider than it should
@@ -168,18 +181,34 @@ Item {
 
                 objectName: "foldControl"
                 visible: row.foldable
-                focusPolicy: Qt.NoFocus
+                text: row.expanded ? qsTr("收起") : qsTr("展开全文")
+                focusPolicy: row.inSight(bubble.y + content.y + y, height) ? Qt.TabFocus : Qt.NoFocus
+                Accessible.name: text
                 padding: 0
                 onClicked: row.foldRequested(!row.expanded)
+                Keys.onReturnPressed: clicked()
+                Keys.onEnterPressed: clicked()
 
+                background: FocusRing { visible: fold.visualFocus }
                 contentItem: AppText {
-                    text: row.expanded ? qsTr("收起") : qsTr("展开全文")
+                    text: fold.text
                     color: row.outgoing ? Style.controlSelection : Style.controlBorderActive
                     font.pixelSize: Style.fontSmall
                     font.underline: fold.hovered
                 }
                 HoverHandler { cursorShape: Qt.PointingHandCursor }
             }
+        }
+    }
+
+    component FocusRing: Item {
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: 5
+            color: "transparent"
+            border.width: 2
+            border.color: Style.controlBorderActive
         }
     }
 }

@@ -3,8 +3,8 @@ import QtQuick.Controls.Basic
 import ".."
 import "../components"
 
-/// The active channel's messages. Stays at the newest, unless the reader has scrolled up.
-Item {
+/// The active channel's messages. Stays at the newest, unless the reader has scrolled up, by mouse or by keys.
+Control {
     id: view
 
     required property var messages
@@ -14,7 +14,26 @@ Item {
     property int missed: 0
     readonly property int count: list.count
     readonly property alias list: list
+    /// Pixels that an arrow key moves.
+    readonly property real line: 60
 
+    focusPolicy: Qt.TabFocus
+    Accessible.name: qsTr("消息列表")
+    Keys.onUpPressed: scrollBy(-line)
+    Keys.onDownPressed: scrollBy(line)
+    Keys.onPressed: event => {
+        event.accepted = true
+        if (event.key === Qt.Key_PageUp)
+            page(-1)
+        else if (event.key === Qt.Key_PageDown)
+            page(1)
+        else if (event.key === Qt.Key_Home)
+            toStart()
+        else if (event.key === Qt.Key_End)
+            toEnd()
+        else
+            event.accepted = false
+    }
     Component.onCompleted: restart()
     onMessagesChanged: restart()
     onChannelChanged: restart()
@@ -50,6 +69,24 @@ Item {
         follow = true
         missed = 0
         list.positionViewAtEnd()
+    }
+
+    function toStart(): void {
+        list.cancelFlick()
+        list.positionViewAtBeginning()
+        look()
+    }
+
+    /// A screenful, with some of the last one left in sight.
+    function page(count: int): void {
+        scrollBy(count * Math.max(line, list.height - line))
+    }
+
+    function scrollBy(distance: real): void {
+        list.cancelFlick()
+        const end = list.originY + list.contentHeight - list.height
+        list.contentY = Math.max(list.originY, Math.min(end, list.contentY + distance))
+        look()
     }
 
     /// After a movement by the reader.
@@ -117,6 +154,8 @@ Item {
 
         delegate: MessageBubble {
             width: ListView.view.width - Style.spacingMedium
+            sightTop: list.contentY - y // qmllint disable unqualified
+            sightBottom: sightTop + list.height // qmllint disable unqualified
             onReplyRequested: from => view.messages?.prepareReply(from) // qmllint disable unqualified
             onFoldRequested: wanted => view.fold(index, wanted) // qmllint disable unqualified
         }
@@ -141,19 +180,39 @@ Item {
         leftPadding: Style.spacingMedium
         rightPadding: Style.spacingMedium
         visible: !view.follow && list.count > 0
-        focusPolicy: Qt.NoFocus
-        onClicked: view.toEnd()
+        text: view.missed > 0 ? qsTr("%1 条新消息 ↓").arg(view.missed) : qsTr("回到最新 ↓")
+        focusPolicy: Qt.TabFocus
+        Accessible.name: text
+        onClicked: {
+            if (activeFocus) // it goes now
+                view.forceActiveFocus(Qt.TabFocusReason)
+            view.toEnd()
+        }
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
 
         background: Rectangle {
             radius: height / 2
             color: newest.hovered ? Qt.lighter(Style.primary, 1.25) : Style.primary
+            border.width: newest.visualFocus ? 2 : 0
+            border.color: Style.controlBorderActive
         }
         contentItem: AppText {
-            text: view.missed > 0 ? qsTr("%1 条新消息 ↓").arg(view.missed) : qsTr("回到最新 ↓")
+            text: newest.text
             color: Style.buttonText
             font.pixelSize: Style.fontSmall
         }
         HoverHandler { cursorShape: Qt.PointingHandCursor }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -5
+        visible: view.visualFocus
+        radius: Style.radiusSmall
+        color: "transparent"
+        border.width: 2
+        border.color: Style.controlBorderActive
     }
 
     function hintFor(channel: string): string {

@@ -66,6 +66,7 @@ ColumnLayout {
                 MessageList {
                     id: list
 
+                    objectName: "messagePane"
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     messages: page.messages
@@ -74,6 +75,9 @@ ColumnLayout {
                 ComposeLine {
                     Layout.fillWidth: true
                     messages: page.messages
+                    elsewhere: list
+                    onPageRequested: count => list.page(count)
+                    onNewestRequested: list.toEnd()
                 }
             }
         }

@@ -24,11 +24,11 @@ Card {
             columnSpacing: Style.paddingPage
             rowSpacing: 10
 
-            Fact { label: qsTr("插件状态"); value: card.simulator?.pluginStatusText ?? "--" }
-            Fact { label: qsTr("CSL 状态"); value: card.simulator?.cslStatusText ?? "--" }
+            Figure { label: qsTr("插件状态"); value: card.simulator?.pluginStatusText ?? "--" }
+            Figure { label: qsTr("CSL 状态"); value: card.simulator?.cslStatusText ?? "--" }
         }
 
-        Fact { label: qsTr("X-Plane 版本"); value: card.simulator?.xplaneVersionText ?? "--" }
+        Figure { label: qsTr("X-Plane 版本"); value: card.simulator?.xplaneVersionText ?? "--" }
 
         RowLayout {
             Layout.fillWidth: true
@@ -52,10 +52,5 @@ Card {
         }
 
         Item { Layout.fillHeight: true }
-    }
-
-    component Fact: Figure {
-        Layout.fillWidth: true
-        Layout.preferredWidth: 1
     }
 }

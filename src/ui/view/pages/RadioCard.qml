@@ -8,6 +8,7 @@ Card {
     id: card
 
     required property var simulator
+    readonly property bool live: simulator?.simulatorConnected ?? false
 
     ColumnLayout {
         anchors.fill: parent
@@ -43,6 +44,7 @@ Card {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 title: "COM1"
+                live: card.live
                 frequency: card.simulator?.com1Frequency ?? "--"
                 transmit: card.simulator?.com1TransmitEnabled ?? false
                 receive: card.simulator?.com1ReceiveEnabled ?? false
@@ -55,6 +57,7 @@ Card {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 title: "COM2"
+                live: card.live
                 frequency: card.simulator?.com2Frequency ?? "--"
                 transmit: card.simulator?.com2TransmitEnabled ?? false
                 receive: card.simulator?.com2ReceiveEnabled ?? false
@@ -66,6 +69,7 @@ Card {
             TransponderUnit {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                live: card.live
                 code: card.simulator?.transponderCode ?? "--"
                 modeC: card.simulator?.squawkingModeC ?? false
                 ident: card.simulator?.squawkingIdent ?? false

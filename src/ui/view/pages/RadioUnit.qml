@@ -13,6 +13,8 @@ ColumnLayout {
     property bool receive: false
     property string volume: "--"
     property string example: "121.800"
+    /// Whether there is a simulator that can be told.
+    property bool live: false
 
     signal tuned(string frequency)
 
@@ -81,6 +83,7 @@ ColumnLayout {
         id: entry
 
         Layout.fillWidth: true
+        enabled: unit.live
         name: unit.title.toLowerCase()
         placeholder: qsTr("设置 %1，例如 %2").arg(unit.title).arg(unit.example)
         buttonText: qsTr("写入 %1").arg(unit.title)
@@ -91,12 +94,20 @@ ColumnLayout {
     /// An airband frequency in MHz; fewer than three decimals are filled up.
     function check(text: string): var {
         if (!/^\d{3}\.\d{1,3}$/.test(text))
-            return { hint: qsTr("格式如 %1").arg(example) }
+            return { hint: qsTr("格式如 %1").arg(example), unfinished: begins(text) }
         const kilohertz = Math.round(Number(text) * 1000)
         if (kilohertz < 118000 || kilohertz > 136990)
             return { hint: qsTr("范围 118.000 至 136.990") }
         if (kilohertz % 5 !== 0)
             return { hint: qsTr("末位只能是 0 或 5") }
         return { value: (kilohertz / 1000).toFixed(3) }
+    }
+
+    /// True for what may yet become a frequency: "1", "13", "121."
+    function begins(text: string): bool {
+        for (let megahertz = 118; megahertz <= 136; ++megahertz)
+            if ((megahertz + ".").startsWith(text))
+                return true
+        return false
     }
 }

@@ -30,6 +30,8 @@ ColumnLayout {
         }
     }
 
+    FocusFollower { scroll: scroll }
+
     RowLayout {
         Layout.fillWidth: true
         Layout.fillHeight: true
@@ -69,14 +71,12 @@ ColumnLayout {
                             note: page.server?.protocolLabel ?? "--"
                         }
 
-                        Fact {
-                            Layout.fillWidth: true
+                        Figure {
                             label: qsTr("真实姓名")
                             value: page.server?.realName || "--"
                         }
 
-                        Fact {
-                            Layout.fillWidth: true
+                        Figure {
                             label: qsTr("初始机场")
                             value: page.server?.homeAirport || "--"
                         }
@@ -154,33 +154,10 @@ ColumnLayout {
                         objectName: "eventList"
                         Layout.fillWidth: true
                         Layout.fillHeight: true
-                        model: page.server?.recentEvents ?? []
+                        source: page.server
                     }
                 }
             }
-        }
-    }
-
-    component Fact: RowLayout {
-        id: fact
-
-        property string label: ""
-        property string value: "--"
-
-        spacing: Style.spacingMedium
-
-        AppText {
-            text: fact.label
-            color: Style.textSecondary
-            font.pixelSize: 13
-        }
-
-        AppText {
-            Layout.fillWidth: true
-            horizontalAlignment: Text.AlignRight
-            text: fact.value
-            font.weight: Font.DemiBold
-            elide: Text.ElideRight
         }
     }
 }

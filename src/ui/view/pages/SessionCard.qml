@@ -24,10 +24,10 @@ Card {
             columnSpacing: Style.paddingPage
             rowSpacing: 10
 
-            Fact { label: qsTr("暂停"); value: card.choice(card.simulator?.simPaused, qsTr("已暂停"), qsTr("运行中")) }
-            Fact { label: qsTr("地面状态"); value: card.choice(card.simulator?.onGround, qsTr("地面"), qsTr("空中")) }
-            Fact { label: qsTr("起落架"); value: card.choice(card.simulator?.gearDown, qsTr("放下"), qsTr("收起")) }
-            Fact { label: qsTr("航电"); value: card.choice(card.simulator?.avionicsPowerOn, qsTr("通电"), qsTr("断电")) }
+            Figure { label: qsTr("暂停"); value: card.choice(card.simulator?.simPaused, qsTr("已暂停"), qsTr("运行中")) }
+            Figure { label: qsTr("地面状态"); value: card.choice(card.simulator?.onGround, qsTr("地面"), qsTr("空中")) }
+            Figure { label: qsTr("起落架"); value: card.choice(card.simulator?.gearDown, qsTr("放下"), qsTr("收起")) }
+            Figure { label: qsTr("航电"); value: card.choice(card.simulator?.avionicsPowerOn, qsTr("通电"), qsTr("断电")) }
         }
 
         Item { Layout.fillHeight: true }
@@ -35,10 +35,5 @@ Card {
 
     function choice(flag: var, yes: string, no: string): string {
         return flag === undefined || !(simulator?.simulatorConnected ?? false) ? "--" : flag ? yes : no
-    }
-
-    component Fact: Figure {
-        Layout.fillWidth: true
-        Layout.preferredWidth: 1
     }
 }

@@ -34,6 +34,8 @@ ColumnLayout {
         }
     }
 
+    FocusFollower { scroll: scroll }
+
     ScrollView {
         id: scroll
 

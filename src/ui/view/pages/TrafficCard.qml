@@ -28,7 +28,7 @@ Card {
         TrafficRadar {
             objectName: "trafficRadar"
             Layout.fillWidth: true
-            Layout.preferredHeight: Math.max(290, Math.min(460, card.width * 0.72))
+            Layout.preferredHeight: Math.max(290, Math.min(440, card.width * 0.72))
             live: card.live
             heading: card.simulator?.heading ?? NaN
             contacts: card.contacts
@@ -38,7 +38,7 @@ Card {
             objectName: "trafficList"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            Layout.preferredHeight: 140
+            Layout.preferredHeight: 6 * rowHeight
             rows: card.rows
             emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
         }

@@ -10,6 +10,8 @@ ColumnLayout {
     property string code: "--"
     property bool modeC: false
     property bool ident: false
+    /// Whether there is a simulator that can be told.
+    property bool live: false
 
     signal coded(string code)
     signal modeToggled()
@@ -61,6 +63,7 @@ ColumnLayout {
 
                 LampButton {
                     objectName: "modeCButton"
+                    enabled: unit.live
                     text: "Mode C"
                     lit: unit.modeC
                     onClicked: unit.modeToggled()
@@ -68,6 +71,7 @@ ColumnLayout {
 
                 LampButton {
                     objectName: "identButton"
+                    enabled: unit.live
                     text: "Ident"
                     lit: unit.ident
                     onClicked: unit.identPressed()
@@ -80,6 +84,7 @@ ColumnLayout {
         id: entry
 
         Layout.fillWidth: true
+        enabled: unit.live
         name: "transponder"
         placeholder: qsTr("设置应答机，例如 2000")
         buttonText: qsTr("写入应答机")

@@ -1,0 +1,282 @@
+#include "MessagesPageFixture.h"
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QTest>
+
+using tarvo::test::fillMessages;
+using tarvo::test::radioText;
+using tarvo::test::stationCalled;
+
+/// The list of messages: what it shows of long and hostile texts, and where it stands while messages come.
+class MessageListTest : public QObject, protected tarvo::test::MessagesPageFixture
+{
+    Q_OBJECT
+
+private slots:
+    void init() { open(); }
+
+    void cleanup()
+    {
+        QCOMPARE(m_harness->complaints().join(u'\n'), QString());
+        m_harness.reset();
+    }
+
+    void theListStaysAtTheNewest()
+    {
+        fillMessages(model());
+        for (int i = 0; i < 320; ++i) {
+            model().addRadioReceived(
+                radioText(QStringLiteral("CCA1"), QStringLiteral("%1 ").arg(i).repeated(1 + 7 * (i % 9))));
+            if (i % 40 == 0)
+                m_harness->settle();
+        }
+        QTRY_COMPARE(list()->property("count").toInt(), int(model().activeMessages().size()));
+        m_harness->settle();
+        QVERIFY(atEnd());
+        QVERIFY(!field("newestButton"));
+        m_harness->grab(QStringLiteral("messages-full"));
+    }
+
+    void aReaderWhoScrolledUpIsLeftThere()
+    {
+        fillMessages(model());
+        addRadioTexts(290);
+        m_harness->settle();
+        QVERIFY(atEnd());
+        wheel(+480);
+        QTRY_VERIFY(field("newestButton"));
+        QTRY_VERIFY(!list()->property("moving").toBool());
+        QQuickItem *anchor = bodyInSight();
+        QVERIFY(anchor);
+        const QString text = anchor->property("text").toString();
+        const qreal y = anchor->mapToScene({}).y();
+        for (int i = 0; i < 15; ++i) // some of the oldest go
+            model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("new %1").arg(i)));
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("15 条新消息 ↓")));
+        m_harness->settle();
+        anchor = m_harness->itemWithText(text);
+        QVERIFY(anchor);
+        QVERIFY(qAbs(anchor->mapToScene({}).y() - y) < 2);
+        m_harness->grab(QStringLiteral("messages-scrolled"));
+        m_harness->click(field("newestButton"));
+        m_harness->settle();
+        QVERIFY(atEnd());
+        QVERIFY(!field("newestButton"));
+        model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("the last")));
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("the last")));
+        m_harness->settle();
+        QVERIFY(atEnd());
+    }
+
+    void scrollingBackToTheEndFollowsAgain()
+    {
+        addRadioTexts(100);
+        m_harness->settle();
+        wheel(+240);
+        QTRY_VERIFY(field("newestButton"));
+        QTRY_VERIFY(!list()->property("moving").toBool());
+        wheel(-2400);
+        QTRY_VERIFY(!field("newestButton"));
+    }
+
+    void hostileTextsAreShownAsTheyAre_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("markup") << QStringLiteral("<b>bold</b><img src='file:///etc/passwd'>&amp;");
+        QTest::newRow("right to left override") << QStringLiteral("abc \u202Efdp.exe\u202C def \u200F\u2067x");
+        QTest::newRow("Arabic and Hebrew") << QStringLiteral("مرحبا بالعالم שלום עולם");
+        QTest::newRow("line breaks") << QStringLiteral("one\ntwo\r\nthree\u2028four\n\n\n\nfive");
+        QTest::newRow("many line breaks") << QString(10000, u'\n');
+        QTest::newRow("10,000 letters without a break") << QString(10000, u'W');
+        QTest::newRow("10,000 Chinese characters") << QString(10000, u'测');
+        QTest::newRow("10,000 words") << QStringLiteral("word ").repeated(2000);
+        QTest::newRow("marks upon marks")
+            << QStringLiteral("Z") + QString(500, QChar(0x0336)) + QString(500, QChar(0x030D));
+        QTest::newRow("control characters") << QStringLiteral("a\tb\x01\x07\x1b[31mred");
+        QTest::newRow("replacement codes") << QStringLiteral("%1 %2 %n %L1");
+        QTest::newRow("lone surrogates") << QString(QChar(0xD83D)).repeated(2500);
+    }
+
+    void hostileTextsAreShownAsTheyAre()
+    {
+        QFETCH(QString, text);
+        fillMessages(model());
+        model().addRadioReceived(radioText(QStringLiteral("EVIL"), text));
+        model().addPrivateReceived(QStringLiteral("EVIL"), text);
+        model().addPrivateReceived(text.left(3000), text);
+        model().setNearbyController(stationCalled(QStringLiteral("EVIL_") + text.left(3000), 118000, text));
+        m_harness->settle();
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+        QVERIFY(atEnd());
+        m_harness->grab(QStringLiteral("messages-hostile-%1").arg(QString::fromUtf8(QTest::currentDataTag())));
+        const QList<QQuickItem *> texts = m_harness->texts();
+        for (const QQuickItem *item : texts)
+            if (!item->property("text").toString().isEmpty())
+                QCOMPARE(item->property("textFormat").toInt(), int(Qt::PlainText));
+        model().openPrivateSession(text.left(3000));
+        m_harness->settle();
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+    }
+
+    void aLongTextIsFoldedUntilAskedFor()
+    {
+        const QString text = QStringLiteral("word ").repeated(2000).trimmed();
+        fillMessages(model());
+        model().addRadioReceived(radioText(QStringLiteral("CCA1"), text));
+        m_harness->settle();
+        QTRY_VERIFY(field("foldControl"));
+        QVERIFY(!m_harness->itemWithText(text));
+        const qreal folded = list()->property("contentHeight").toReal();
+        m_harness->click(field("foldControl"));
+        QTRY_VERIFY(m_harness->itemWithText(text));
+        QTRY_VERIFY(list()->property("contentHeight").toReal() > folded + 500);
+        m_harness->settle();
+        const QQuickItem *body = m_harness->itemWithText(text);
+        QVERIFY(body->mapToItem(list(), QPointF()).y() > 0); // one reads on where one was
+        QVERIFY(field("newestButton"));
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+        m_harness->grab(QStringLiteral("messages-unfolded"));
+        m_harness->click(field("newestButton"));
+        m_harness->settle();
+        m_harness->click(field("foldControl"));
+        QTRY_VERIFY(!m_harness->itemWithText(text));
+        m_harness->settle();
+        QVERIFY(atEnd());
+        QTRY_VERIFY(!field("newestButton"));
+    }
+
+    void theLineScrollsTheList()
+    {
+        fillMessages(model());
+        addRadioTexts(200);
+        m_harness->settle();
+        QVERIFY(field("composeField")->hasActiveFocus());
+        const qreal end = contentY();
+        press(Qt::Key_PageUp);
+        const qreal up = contentY();
+        QVERIFY(up < end - list()->height() / 2);
+        press(Qt::Key_PageUp);
+        press(Qt::Key_PageDown);
+        QVERIFY(qAbs(contentY() - up) < 2);
+        QVERIFY(field("newestButton"));
+        press(Qt::Key_End); // the line's own
+        QVERIFY(!atEnd());
+        press(Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(atEnd());
+        QVERIFY(!field("newestButton"));
+        QVERIFY(field("composeField")->hasActiveFocus());
+    }
+
+    void theListScrollsByKeys_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("back");
+        QTest::newRow("lines") << int(Qt::Key_Up) << int(Qt::Key_Down);
+        QTest::newRow("pages") << int(Qt::Key_PageUp) << int(Qt::Key_PageDown);
+        QTest::newRow("ends") << int(Qt::Key_Home) << int(Qt::Key_End);
+    }
+
+    void theListScrollsByKeys()
+    {
+        QFETCH(int, key);
+        QFETCH(int, back);
+        fillMessages(model());
+        addRadioTexts(100);
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(QStringLiteral("messagePane"), true));
+        QVERIFY(field("messagePane")->property("visualFocus").toBool());
+        press(Qt::Key(key));
+        QVERIFY(!atEnd());
+        QVERIFY(field("newestButton"));
+        press(Qt::Key(back));
+        QVERIFY(atEnd());
+        QVERIFY(!field("newestButton"));
+    }
+
+    void aReadOnlyChannelIsReadByKeysAtOnce()
+    {
+        fillMessages(model());
+        for (int i = 0; i < 100; ++i)
+            model().addServerMessage(QString::number(i));
+        m_harness->click(field("channel-SERVER"));
+        m_harness->settle();
+        QVERIFY(atEnd());
+        press(Qt::Key_PageUp);
+        QVERIFY(!atEnd());
+        m_harness->click(field("channel-RADIO"));
+        QVERIFY(field("composeField")->hasActiveFocus());
+    }
+
+    void aSenderIsAnsweredByAKey()
+    {
+        fillMessages(model());
+        m_harness->settle();
+        QQuickItem *sender = senderOf(QStringLiteral("CCA1831"));
+        QVERIFY(tabToItem(sender));
+        QVERIFY(sender->property("visualFocus").toBool());
+        press(Qt::Key_Return);
+        QCOMPARE(model().activeChannel(), QStringLiteral("CCA1831"));
+        QVERIFY(field("composeField")->hasActiveFocus());
+    }
+
+    /// Else it would be a long way past a list of hundreds.
+    void theKeyboardGoesToWhatIsInSight()
+    {
+        fillMessages(model());
+        addRadioTexts(100);
+        m_harness->settle();
+        int senders = 0;
+        while (!field("messagePane")->hasActiveFocus()) {
+            QTest::keyClick(&m_harness->view, Qt::Key_Backtab);
+            m_harness->settle();
+            const QQuickItem *focused = m_harness->view.activeFocusItem();
+            QVERIFY(focused);
+            if (focused->objectName() != QLatin1String("sender"))
+                continue;
+            QVERIFY(++senders < 20);
+            const QRectF box = focused->mapRectToItem(list(), QRectF(0, 0, focused->width(), focused->height()));
+            QVERIFY2(box.top() >= 0 && box.bottom() <= list()->height(), qPrintable(QString::number(box.top())));
+        }
+        QVERIFY(senders > 3);
+        QVERIFY(atEnd());
+    }
+
+    void foldAndNewestWorkByKeys()
+    {
+        const QString text = QStringLiteral("word ").repeated(2000).trimmed();
+        fillMessages(model());
+        model().addRadioReceived(radioText(QStringLiteral("CCA1"), text));
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(QStringLiteral("foldControl"), true));
+        QVERIFY(field("foldControl")->property("visualFocus").toBool());
+        press(Qt::Key_Return);
+        QVERIFY(m_harness->itemWithText(text));
+        QVERIFY(m_harness->tabTo(QStringLiteral("newestButton")));
+        press(Qt::Key_Space);
+        QVERIFY(atEnd());
+        QVERIFY(!field("newestButton"));
+        QVERIFY(field("messagePane")->hasActiveFocus()); // the button is gone
+        press(Qt::Key_PageUp);
+        QVERIFY(!atEnd());
+    }
+
+private:
+    qreal contentY() { return list()->property("contentY").toReal(); }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(&m_harness->view, key, modifiers);
+        m_harness->settle();
+    }
+
+    bool tabToItem(const QQuickItem *item)
+    {
+        for (int i = 0; i < 100 && !item->hasActiveFocus(); ++i)
+            QTest::keyClick(&m_harness->view, Qt::Key_Tab);
+        return item->hasActiveFocus();
+    }
+};
+
+TARVO_TEST(MessageListTest)
+#include "MessageListTest.moc"

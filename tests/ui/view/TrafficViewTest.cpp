@@ -1,0 +1,191 @@
+#include "SimulatorPageFixture.h"
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTest>
+
+#include <cmath>
+#include <numbers>
+
+using tarvo::test::notANumber;
+using tarvo::test::ownAircraft;
+using tarvo::test::remoteAircraft;
+
+/// The traffic, as a plot and as a list.
+class TrafficViewTest : public QObject, protected tarvo::test::SimulatorPageFixture
+{
+    Q_OBJECT
+
+private slots:
+    void init() { open(); }
+
+    void cleanup()
+    {
+        QCOMPARE(m_harness->complaints(), QStringList());
+        m_harness.reset();
+    }
+
+    void contactsStandWhereTheyAre_data()
+    {
+        QTest::addColumn<double>("heading");
+        QTest::addColumn<double>("latitude");
+        QTest::addColumn<double>("longitude");
+        QTest::addColumn<QPointF>("direction"); // on the screen
+        QTest::newRow("ahead, flying north") << 0.0 << 31.1 << 121.0 << QPointF(0, -1);
+        QTest::newRow("right, flying north") << 0.0 << 31.0 << 121.1 << QPointF(1, 0);
+        QTest::newRow("behind, flying north") << 0.0 << 30.9 << 121.0 << QPointF(0, 1);
+        QTest::newRow("left, flying east") << 90.0 << 31.1 << 121.0 << QPointF(-1, 0);
+        QTest::newRow("ahead, flying east") << 90.0 << 31.0 << 121.1 << QPointF(0, -1);
+        QTest::newRow("heading unknown is north up") << notANumber << 31.1 << 121.0 << QPointF(0, -1);
+        QTest::newRow("heading beyond a turn") << 450.0 << 31.1 << 121.0 << QPointF(-1, 0);
+    }
+
+    void contactsStandWhereTheyAre()
+    {
+        QFETCH(double, heading);
+        QFETCH(double, latitude);
+        QFETCH(double, longitude);
+        QFETCH(QPointF, direction);
+        model().setOwnAircraft(ownAircraft(heading), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), latitude, longitude)});
+        const QQuickItem *contact = item(QStringLiteral("radarContact"));
+        QVERIFY(contact);
+        const QPointF seen = contact->position() / std::hypot(contact->x(), contact->y());
+        QVERIFY2(std::hypot(seen.x() - direction.x(), seen.y() - direction.y()) < 0.01,
+                 qPrintable(QStringLiteral("%1 %2").arg(seen.x()).arg(seen.y())));
+    }
+
+    void theRangeFollowsTheTraffic_data()
+    {
+        QTest::addColumn<double>("distanceNm");
+        QTest::addColumn<QString>("range");
+        QTest::newRow("close") << 1.5 << QStringLiteral("量程 2 NM");
+        QTest::newRow("near") << 7.0 << QStringLiteral("量程 10 NM");
+        QTest::newRow("far") << 55.0 << QStringLiteral("量程 80 NM");
+        QTest::newRow("beyond all rings") << 900.0 << QStringLiteral("量程 320 NM");
+    }
+
+    void theRangeFollowsTheTraffic()
+    {
+        QFETCH(double, distanceNm);
+        QFETCH(QString, range);
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31 + distanceNm / 60, 121)});
+        QVERIFY(m_harness->itemWithText(range));
+        QVERIFY(item(QStringLiteral("radarContact")));
+        QVERIFY(m_harness->itemWithText(QStringLiteral("附近 1 个交通目标")));
+    }
+
+    void heightsAreInHundredsOfFeet_data()
+    {
+        QTest::addColumn<double>("altitudeMslM");
+        QTest::addColumn<QString>("symbol");
+        QTest::addColumn<QString>("row");
+        QTest::newRow("above") << 1365.76 << QStringLiteral("+12") << QStringLiteral("+1200 ft");
+        QTest::newRow("below") << 695.2 << QStringLiteral("−10") << QStringLiteral("-1000 ft");
+        QTest::newRow("level") << 1000.0 << QStringLiteral("00") << QStringLiteral("0 ft");
+        QTest::newRow("a hair below") << 999.0 << QStringLiteral("00") << QStringLiteral("0 ft");
+    }
+
+    void heightsAreInHundredsOfFeet()
+    {
+        QFETCH(double, altitudeMslM);
+        QFETCH(QString, symbol);
+        QFETCH(QString, row);
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31.1, 121, altitudeMslM)});
+        QTRY_VERIFY(m_harness->itemWithText(symbol));
+        QTRY_VERIFY(m_harness->itemWithText(row));
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("6.0 NM")));
+    }
+
+    void theListGrowsAndShrinks()
+    {
+        QQuickItem *list = item(QStringLiteral("trafficList"));
+        QCOMPARE(list->property("count").toInt(), 0);
+        m_harness->fillTraffic(300);
+        QCOMPARE(list->property("count").toInt(), 200);
+        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31.1, 121)});
+        QCOMPARE(list->property("count").toInt(), 1);
+        model().setRemoteAircraft({});
+        QVERIFY(m_harness->itemWithText(QStringLiteral("附近暂无交通目标")));
+        QVERIFY(!item(QStringLiteral("radarContact")));
+    }
+
+    void aSnapshotWithoutAnOwnPositionShowsItsLabels()
+    {
+        model().setMode(QStringLiteral("MSFS"));
+        model().setTrafficContacts({QVariantMap{{QStringLiteral("label"), QStringLiteral("OBJ-7")}}, QVariant(3)});
+        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("OBJ-7")));
+        QCOMPARE(item(QStringLiteral("trafficList"))->property("count").toInt(), 2);
+    }
+
+    void aReaderOfTheListIsLeftThere_data()
+    {
+        QTest::addColumn<int>("before");
+        QTest::addColumn<int>("after");
+        QTest::newRow("one comes") << 40 << 41;
+        QTest::newRow("one goes") << 40 << 39;
+        QTest::newRow("many come") << 40 << 200;
+    }
+
+    void aReaderOfTheListIsLeftThere()
+    {
+        QFETCH(int, before);
+        QFETCH(int, after);
+        QQuickItem *list = item(QStringLiteral("trafficList"));
+        m_harness->fillTraffic(before);
+        m_harness->settle();
+        QVERIFY(list->setProperty("contentY", 300.0));
+        m_harness->settle();
+        m_harness->fillTraffic(after);
+        m_harness->settle();
+        QCOMPARE(list->property("count").toInt(), after);
+        QCOMPARE(list->property("contentY").toReal(), 300.0);
+    }
+
+    void symbolsStayWhileTrafficComesAndGoes()
+    {
+        m_harness->fillTraffic(3);
+        const QPointer<QQuickItem> first = item(QStringLiteral("radarContact"));
+        QVERIFY(first);
+        for (const int count : {12, 13, 12, 50, 51, 50, 200, 1}) {
+            m_harness->fillTraffic(count);
+            QVERIFY2(first, qPrintable(QString::number(count)));
+            QCOMPARE(symbols(), count);
+        }
+        m_harness->fillTraffic(0);
+        QCOMPARE(symbols(), 0);
+    }
+
+    void longCallsignsStayOnTheGlass()
+    {
+        QList<tarvo::model::RemoteAircraft> around;
+        for (int i = 0; i < 6; ++i) {
+            const double angle = i * std::numbers::pi / 3 + 0.2;
+            around << remoteAircraft(QString(32, u'W'), 31 + 0.12 * std::cos(angle), 121 + 0.12 * std::sin(angle));
+        }
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft(around);
+        m_harness->settle();
+        const QQuickItem *glass = item(QStringLiteral("trafficRadar"));
+        const QRectF inside = glass->mapRectToScene(QRectF(0, 0, glass->width(), glass->height()));
+        int named = 0;
+        const QList<QQuickItem *> texts = m_harness->texts();
+        for (const QQuickItem *text : texts) {
+            if (!text->property("text").toString().startsWith(QLatin1String("WW")) || !glass->isAncestorOf(text))
+                continue;
+            ++named;
+            QVERIFY(text->width() <= 90 && text->clip());
+            QVERIFY(inside.contains(text->mapRectToScene(QRectF(0, 0, text->width(), text->height()))));
+        }
+        QCOMPARE(named, 6);
+    }
+
+private:
+    int symbols() { return int(m_harness->items(QStringLiteral("radarContact")).size()); }
+};
+
+TARVO_TEST(TrafficViewTest)
+#include "TrafficViewTest.moc"
