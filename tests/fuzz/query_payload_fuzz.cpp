@@ -1,9 +1,10 @@
 // Queries, their answers and whatever else comes on a connection, through everybody that reads them: the session, the
-// aircraft and the controllers. Each line of the input is one line of the server; a simulator is there, the socket
-// isn't.
+// aircraft and the controllers. Each line of the input is one line of the server. A simulator is there, and the session
+// is connected to a server that looks at each line that it gets: questions and answers leave as they do in a flight.
 #include "AppConfig.h"
-#include "fsd/FsdClient.h"
+#include "ServiceEndpoints.h"
 #include "common/Callsign.h"
+#include "fsd/FsdClient.h"
 #include "manager/AircraftManager.h"
 #include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
@@ -14,7 +15,10 @@
 #include "support/FakeSimulator.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 
 #include <cstddef>
@@ -25,6 +29,8 @@
 using namespace tarvo;
 
 namespace {
+
+constexpr int longestMs = 30'000;
 
 void require(bool condition)
 {
@@ -40,6 +46,53 @@ QString folderWithoutLogs(const QTemporaryDir &folder)
     return folder.path();
 }
 
+/// Takes one connection, and reads what is said on it.
+class Server
+{
+public:
+    Server() { require(m_server.listen(QHostAddress::LocalHost)); }
+
+    quint16 port() const { return m_server.serverPort(); }
+    bool isConnected() const { return m_socket && m_socket->state() == QAbstractSocket::ConnectedState; }
+
+    /// Whoever has come since takes the place of the earlier one.
+    void accept()
+    {
+        if (QTcpSocket *socket = m_server.nextPendingConnection())
+            m_socket.reset(socket);
+    }
+
+    /// How many lines have come. Whatever was asked, nobody can make the client write two lines in the place of one.
+    qsizetype drain()
+    {
+        while (m_socket && (m_socket->bytesAvailable() > 0 || m_socket->waitForReadyRead(0)))
+            m_received += m_socket->readAll();
+        qsizetype lines = 0;
+        qsizetype start = 0;
+        for (qsizetype end = m_received.indexOf("\r\n"); end >= 0; end = m_received.indexOf("\r\n", start)) {
+            const QByteArrayView line = QByteArrayView(m_received).sliced(start, end - start);
+            require(!line.empty() && !line.contains('\r') && !line.contains('\n'));
+            start = end + 2;
+            ++lines;
+        }
+        m_received.remove(0, start);
+        return lines;
+    }
+
+private:
+    QTcpServer m_server;
+    std::unique_ptr<QTcpSocket> m_socket;
+    QByteArray m_received;
+};
+
+ServiceEndpoints endpointsOf(const Server &server)
+{
+    ServiceEndpoints endpoints;
+    endpoints.fsdHost = QStringLiteral("127.0.0.1");
+    endpoints.fsdPort = server.port();
+    return endpoints;
+}
+
 /// One login session, as the program composes it.
 class World
 {
@@ -47,27 +100,35 @@ public:
     World() : m_config(folderWithoutLogs(m_root)), m_api(m_config), m_icao(m_config)
     {
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-        m_network = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao);
+        m_network = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, endpointsOf(m_server));
         m_aircraft = std::make_unique<manager::AircraftManager>(m_network);
         m_own = std::make_unique<manager::UserAircraftManager>(m_network);
         m_controllers = std::make_unique<manager::ControllerManager>(m_network);
         m_network->setSimulator(m_simulator);
         m_client = m_network->findChild<fsd::FsdClient *>();
         require(m_client);
+        QObject::connect(m_network.get(), &manager::NetworkManager::networkConnected, m_client, [this] { ++m_logins; });
     }
 
-    /// Two aircraft and a station that was asked for its ATIS.
+    /// The login is through; two aircraft, and a station that was asked for its ATIS.
     void begin()
     {
-        m_client->receive("@N:TST1:2000:1:40.0:116.0:3000:250:4261561312:100\r\n"
+        if (!m_client->isConnected())
+            connect();
+        m_logins = 0;
+        m_client->receive("$CRSERVER:AB1:IP:127.0.0.1\r\n"
+                          "@N:TST1:2000:1:40.0:116.0:3000:250:4261561312:100\r\n"
                           "@N:TST2:2000:1:40.0:116.0:3000:0:4261561312:100\r\n"
                           "%ZBAA_TWR:18500:4:100:5:40.0:116.0:0\r\n");
         m_network->requestControllerAtis(QStringLiteral("ZBAA_TWR"));
+        require(m_logins == 1);
+        require(m_server.drain() > 0);
     }
 
     void receive(const QByteArray &line)
     {
         m_client->receive(line + "\r\n");
+        m_server.drain();
         emit m_simulator->aircraftAddedToSim(QStringLiteral("TST1"));
     }
 
@@ -82,18 +143,38 @@ public:
         require(m_controllers->controllers().size() <= lines + 1);
     }
 
+    /// The session ends for everybody, but the socket stays: new ones for thousands of inputs would use up the ports.
     void end()
     {
-        m_client->disconnectFromServer();
+        emit m_client->raiseNetworkDisconnected();
         require(m_network->remoteAircraft().isEmpty());
         require(m_aircraft->aircraft().isEmpty());
         require(m_controllers->controllers().isEmpty());
         m_simulator->calls.clear();
         m_simulator->told.clear();
         QCoreApplication::processEvents();
+        m_server.drain();
     }
 
 private:
+    void connect()
+    {
+        model::UserAircraftData live;
+        live.latitude = 40 + 1e-6 * ++m_connections; // each is another than the one before
+        emit m_simulator->simConnectionStateChanged(true);
+        emit m_simulator->userAircraftDataChanged(live);
+        m_client->disconnectFromServer();
+        require(
+            m_network->connectToNetwork(QStringLiteral("AB1"), QStringLiteral("B738"), QStringLiteral("EF-GH"), false));
+        const QDeadlineTimer deadline(longestMs);
+        while (!m_client->isConnected() || !m_server.isConnected()) {
+            require(!deadline.hasExpired());
+            QCoreApplication::processEvents();
+            m_server.accept();
+        }
+    }
+
+    Server m_server;
     QTemporaryDir m_root;
     AppConfig m_config;
     network::ApiService m_api;
@@ -104,6 +185,8 @@ private:
     std::unique_ptr<manager::UserAircraftManager> m_own;
     std::unique_ptr<manager::ControllerManager> m_controllers;
     fsd::FsdClient *m_client = nullptr;
+    int m_connections = 0;
+    int m_logins = 0; ///< of the current input
 };
 
 QCoreApplication &application()
