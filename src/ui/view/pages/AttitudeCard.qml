@@ -47,6 +47,8 @@ Card {
 
         GridLayout {
             Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.maximumHeight: Infinity // what is over goes between the rows
             columns: card.width > 560 ? 3 : 2
             columnSpacing: Style.spacingLarge
             rowSpacing: 6
