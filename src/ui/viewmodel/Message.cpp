@@ -1,13 +1,49 @@
 #include "ui/viewmodel/Message.h"
 
+#include "ui/viewmodel/Frequency.h"
 #include "ui/viewmodel/MessageChannels.h"
 
 #include <QDateTime>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace tarvo::ui::viewmodel {
 
 namespace {
+
+enum class Direction
+{
+    In,
+    Out,
+    System
+};
+
+struct KindTraits
+{
+    MessageKind kind;
+    const char *type;
+    Direction direction;
+    MessageGroup group;
+    bool personal; ///< always meant for the pilot alone
+};
+
+constexpr KindTraits kinds[] = {
+    {MessageKind::PrivateIn, "private_in", Direction::In, MessageGroup::Private, true},
+    {MessageKind::PrivateOut, "private_out", Direction::Out, MessageGroup::Private, false},
+    {MessageKind::RadioIn, "radio_in", Direction::In, MessageGroup::Radio, false},
+    {MessageKind::RadioOut, "radio_out", Direction::Out, MessageGroup::Radio, false},
+    {MessageKind::Server, "server", Direction::In, MessageGroup::Service, false},
+    {MessageKind::System, "system", Direction::System, MessageGroup::Service, false},
+    {MessageKind::Broadcast, "broadcast", Direction::In, MessageGroup::Service, false},
+    {MessageKind::WallopOut, "wallop_out", Direction::Out, MessageGroup::Alert, false},
+    {MessageKind::Selcal, "selcal", Direction::In, MessageGroup::Alert, true},
+};
+
+const KindTraits &traits(MessageKind kind)
+{
+    return *std::ranges::find(kinds, kind, &KindTraits::kind);
+}
 
 QString joined(const QList<uint> &kilohertz)
 {
@@ -17,57 +53,76 @@ QString joined(const QList<uint> &kilohertz)
     return texts.join(QStringLiteral(", "));
 }
 
-/// The session with the callsign; a callsign that can't have one is shown in the overview.
+/// Upper-case. What is cut is marked, and so is no callsign any more: an answer can't go to somebody else.
+QString shownCallsign(const QString &callsign)
+{
+    const QString whole = normalisedCallsign(callsign);
+    return whole.size() <= channels::longestCallsign ? whole : whole.left(channels::longestCallsign) + QChar(0x2026);
+}
+
+/// The session with the callsign; one that can't have a session is shown in the overview.
 QString sessionChannel(const QString &callsign)
 {
-    return callsign.isEmpty() || channels::isReserved(callsign) ? channels::privateOverview() : callsign;
+    return channels::canBeSession(callsign) ? callsign : channels::privateOverview();
 }
 
-QString direction(const Message &message)
+QString wordFor(Direction direction)
 {
-    if (message.type == QLatin1String("system"))
-        return QStringLiteral("system");
-    return message.isIncoming() ? QStringLiteral("in") : QStringLiteral("out");
+    switch (direction) {
+    case Direction::In:
+        return QStringLiteral("in");
+    case Direction::Out:
+        return QStringLiteral("out");
+    case Direction::System:
+        break;
+    }
+    return QStringLiteral("system");
 }
 
-QString directionLabel(const Message &message)
+QString labelFor(Direction direction)
 {
-    if (message.type == QLatin1String("system"))
-        return Message::tr("系统");
-    return message.isIncoming() ? Message::tr("收到") : Message::tr("已发送");
+    switch (direction) {
+    case Direction::In:
+        return Message::tr("收到");
+    case Direction::Out:
+        return Message::tr("已发送");
+    case Direction::System:
+        break;
+    }
+    return Message::tr("系统");
 }
 
 } // namespace
 
 Message Message::privateReceived(const QString &from, const QString &own, const QString &body)
 {
-    const QString sender = normalisedCallsign(from);
-    return {.type = QStringLiteral("private_in"),
+    const QString sender = shownCallsign(from);
+    return {.kind = MessageKind::PrivateIn,
             .channel = sessionChannel(sender),
             .from = sender,
             .to = own,
-            .body = body};
+            .body = body.left(longestBody)};
 }
 
 Message Message::privateSent(const QString &to, const QString &own, const QString &body)
 {
-    const QString target = normalisedCallsign(to);
-    return {.type = QStringLiteral("private_out"),
+    const QString target = shownCallsign(to);
+    return {.kind = MessageKind::PrivateOut,
             .channel = sessionChannel(target),
             .from = own,
             .to = target,
-            .body = body};
+            .body = body.left(longestBody)};
 }
 
 Message Message::radioReceived(const network::RadioMessageReceived &args)
 {
     const QString frequencies = joined(args.frequencies.value<QList<uint>>());
     const QString addressed = args.direct ? tr(" | 定向呼叫") : QString();
-    return {.type = QStringLiteral("radio_in"),
+    return {.kind = MessageKind::RadioIn,
             .channel = channels::radio(),
-            .from = normalisedCallsign(args.from),
+            .from = shownCallsign(args.from),
             .to = frequencies,
-            .body = args.message,
+            .body = args.message.left(longestBody),
             .meta = QStringLiteral("%1%2").arg(frequencies, addressed),
             .frequencies = frequencies,
             .isDirect = args.direct};
@@ -75,66 +130,75 @@ Message Message::radioReceived(const network::RadioMessageReceived &args)
 
 Message Message::radioSent(const QString &own, const QString &body, const QList<uint> &frequencies)
 {
-    return {.type = QStringLiteral("radio_out"),
+    return {.kind = MessageKind::RadioOut,
             .channel = channels::radio(),
             .from = own,
-            .body = body,
+            .body = body.left(longestBody),
             .frequencies = joined(frequencies)};
 }
 
 Message Message::serverText(const QString &body)
 {
-    return {.type = QStringLiteral("server"), .channel = channels::server(), .from = serverName(), .body = body};
+    return {.kind = MessageKind::Server,
+            .channel = channels::server(),
+            .from = serverName(),
+            .body = body.left(longestBody)};
 }
 
 Message Message::broadcastReceived(const QString &from, const QString &body)
 {
-    return {.type = QStringLiteral("broadcast"),
+    return {.kind = MessageKind::Broadcast,
             .channel = channels::broadcast(),
-            .from = normalisedCallsign(from),
+            .from = shownCallsign(from),
             .to = tr("全体"),
-            .body = body,
+            .body = body.left(longestBody),
             .meta = tr("全网广播")};
 }
 
 Message Message::wallopSent(const QString &own, const QString &body)
 {
-    return {.type = QStringLiteral("wallop_out"),
+    return {.kind = MessageKind::WallopOut,
             .channel = channels::wallop(),
             .from = own,
-            .body = body,
+            .body = body.left(longestBody),
             .meta = tr("管理员报告")};
 }
 
 Message Message::selcalCall(const QString &from, const QList<uint> &frequencies)
 {
-    return {.type = QStringLiteral("selcal"),
+    return {.kind = MessageKind::Selcal,
             .channel = channels::selcal(),
-            .from = normalisedCallsign(from),
+            .from = shownCallsign(from),
             .meta = tr("收到 SELCAL 呼叫"),
             .frequencies = joined(frequencies)};
 }
 
 Message Message::systemNote(const QString &body)
 {
-    return {.type = QStringLiteral("system"), .channel = channels::server(), .from = systemName(), .body = body};
+    return {.kind = MessageKind::System,
+            .channel = channels::server(),
+            .from = systemName(),
+            .body = body.left(longestBody)};
 }
 
-bool Message::isPrivate() const
+QString Message::type() const
 {
-    return type.startsWith(QLatin1String("private_"));
+    return QLatin1String(traits(kind).type);
+}
+
+MessageGroup Message::group() const
+{
+    return traits(kind).group;
 }
 
 bool Message::isIncoming() const
 {
-    return type.endsWith(QLatin1String("_in")) || type == QLatin1String("server") ||
-           type == QLatin1String("broadcast") || type == QLatin1String("selcal");
+    return traits(kind).direction == Direction::In;
 }
 
 int Message::priority() const
 {
-    const bool personal = type == QLatin1String("private_in") || type == QLatin1String("selcal") || isDirect;
-    return personal ? 2 : 1;
+    return traits(kind).personal || isDirect ? 2 : 1;
 }
 
 QVariantMap Message::row(qint64 id, qint64 wallMs, bool unread) const
@@ -142,9 +206,9 @@ QVariantMap Message::row(qint64 id, qint64 wallMs, bool unread) const
     return {{QStringLiteral("id"), id},
             {QStringLiteral("time"), localTime(wallMs)},
             {QStringLiteral("timestamp"), wallMs},
-            {QStringLiteral("type"), type},
-            {QStringLiteral("direction"), direction(*this)},
-            {QStringLiteral("directionLabel"), directionLabel(*this)},
+            {QStringLiteral("type"), type()},
+            {QStringLiteral("direction"), wordFor(traits(kind).direction)},
+            {QStringLiteral("directionLabel"), labelFor(traits(kind).direction)},
             {QStringLiteral("channel"), channel},
             {QStringLiteral("from"), from},
             {QStringLiteral("to"), to},
@@ -154,11 +218,6 @@ QVariantMap Message::row(qint64 id, qint64 wallMs, bool unread) const
             {QStringLiteral("isDirect"), isDirect},
             {QStringLiteral("priority"), priority()},
             {QStringLiteral("unread"), unread}};
-}
-
-QString megahertz(uint kilohertz)
-{
-    return QString::number(kilohertz / 1000.0, 'f', 3);
 }
 
 QString localTime(qint64 wallMs)

@@ -10,14 +10,41 @@
 
 namespace tarvo::ui::viewmodel {
 
+/// What a message tells of.
+enum class MessageKind
+{
+    PrivateIn,
+    PrivateOut,
+    RadioIn,
+    RadioOut,
+    Server,
+    System,
+    Broadcast,
+    WallopOut,
+    Selcal
+};
+
+/// What the summary counts together.
+enum class MessageGroup
+{
+    Private,
+    Radio,
+    Service,
+    Alert
+};
+inline constexpr int messageGroups = 4;
+
 /// One message of the messages page, as it happened. The functions make one for each kind of event; callsigns are
-/// upper-case, bodies stand as given.
+/// upper-case, bodies stand as given. Both are cut beyond what a page can show: the network delivers up to a megabyte.
 struct Message
 {
     Q_DECLARE_TR_FUNCTIONS(Message)
 
 public:
-    QString type = {}; ///< "private_in", "private_out", "radio_in", "radio_out", "server", "system", "broadcast", ...
+    /// Characters.
+    static constexpr qsizetype longestBody = 16384;
+
+    MessageKind kind = MessageKind::System;
     QString channel = {}; ///< the channel's key
     QString from = {};
     QString to = {};
@@ -42,7 +69,10 @@ public:
     /// The sender of system notes. Nobody can be answered under it.
     static QString systemName() { return tr("系统"); }
 
-    bool isPrivate() const;
+    /// The word for the kind: "private_in", "private_out", "radio_in", "radio_out", "server", "system", "broadcast",
+    /// "wallop_out" or "selcal".
+    QString type() const;
+    MessageGroup group() const;
     bool isIncoming() const;
     /// 2 for what is meant for the pilot alone, else 1.
     int priority() const;
@@ -50,8 +80,6 @@ public:
     QVariantMap row(qint64 id, qint64 wallMs, bool unread) const;
 };
 
-/// "118.025" for 118025 kHz.
-QString megahertz(uint kilohertz);
 /// "hh:mm:ss" in local time. `wallMs`: ms since the epoch.
 QString localTime(qint64 wallMs);
 using common::normalisedCallsign;

@@ -66,9 +66,13 @@ QString label(const QString &key)
     return Texts::tr("私聊 %1").arg(key);
 }
 
-bool isReserved(const QString &key)
+bool canBeSession(const QString &callsign)
 {
-    return key == all() || key == QLatin1String("COM1") || key == QLatin1String("COM2") || fixed().contains(key);
+    const bool somebody = !callsign.isEmpty() && callsign.size() <= longestCallsign;
+    const bool many = callsign.startsWith(u'@') || callsign.startsWith(u'*');
+    const bool word = callsign == all() || callsign == QLatin1String("COM1") || callsign == QLatin1String("COM2") ||
+                      fixed().contains(callsign);
+    return somebody && !many && !word;
 }
 
 } // namespace tarvo::ui::viewmodel::channels

@@ -2,37 +2,16 @@
 
 #include "ui/viewmodel/MessageChannels.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace tarvo::ui::viewmodel {
-
-namespace {
-
-QString channelKey()
-{
-    return QStringLiteral("channel");
-}
-
-QString unreadKey()
-{
-    return QStringLiteral("unread");
-}
-
-QString channelOf(const QVariant &row)
-{
-    return row.toMap().value(channelKey()).toString();
-}
-
-} // namespace
 
 QVariantList MessageStore::inChannel(const QString &channel) const
 {
     if (channel == channels::all())
         return m_rows;
     QVariantList rows;
-    std::copy_if(m_rows.cbegin(), m_rows.cend(), std::back_inserter(rows),
-                 [&](const QVariant &row) { return channelOf(row) == channel; });
+    for (qsizetype i = 0; i < m_rows.size(); ++i)
+        if (m_tallies.at(i).channel == channel)
+            rows << m_rows.at(i);
     return rows;
 }
 
@@ -44,7 +23,8 @@ int MessageStore::unreadIn(const QString &channel) const
 std::optional<MessageStore::Tally> MessageStore::append(const Message &message, qint64 wallMs, bool unread)
 {
     m_rows.append(message.row(++m_lastId, wallMs, unread));
-    ++m_byType[message.type];
+    m_tallies.append({message.group(), message.channel, unread});
+    ++groupCount(message.group());
     if (unread)
         countUnread(message.channel, 1);
     if (m_rows.size() <= maximumMessages)
@@ -57,12 +37,13 @@ bool MessageStore::markRead(const QString &channel)
     const int unread = m_unread.value(channel);
     if (unread == 0)
         return false;
-    for (QVariant &row : m_rows) {
-        QVariantMap map = row.toMap();
-        if (map.value(channelKey()).toString() == channel && map.value(unreadKey()).toBool()) {
-            map.insert(unreadKey(), false);
-            row = map;
-        }
+    for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        if (!m_tallies.at(i).unread || m_tallies.at(i).channel != channel)
+            continue;
+        QVariantMap row = m_rows.at(i).toMap();
+        row.insert(QStringLiteral("unread"), false);
+        m_rows[i] = row;
+        m_tallies[i].unread = false;
     }
     countUnread(channel, -unread);
     return true;
@@ -71,17 +52,17 @@ bool MessageStore::markRead(const QString &channel)
 void MessageStore::clear()
 {
     m_rows.clear();
-    m_byType.clear();
+    m_tallies.clear();
+    m_byGroup = {};
     m_unread.clear();
     m_unreadTotal = 0;
 }
 
 MessageStore::Tally MessageStore::takeFirst()
 {
-    const QVariantMap row = m_rows.takeFirst().toMap();
-    Tally gone{row.value(QStringLiteral("type")).toString(), row.value(channelKey()).toString(),
-               row.value(unreadKey()).toBool()};
-    --m_byType[gone.type];
+    m_rows.removeFirst();
+    Tally gone = m_tallies.takeFirst();
+    --groupCount(gone.group);
     if (gone.unread)
         countUnread(gone.channel, -1);
     return gone;

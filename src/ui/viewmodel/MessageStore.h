@@ -3,9 +3,12 @@
 #include "ui/viewmodel/Message.h"
 
 #include <QHash>
+#include <QList>
 #include <QString>
 #include <QVariantList>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 
 namespace tarvo::ui::viewmodel {
@@ -21,7 +24,7 @@ public:
     /// What matters of a row to the counts.
     struct Tally
     {
-        QString type;
+        MessageGroup group;
         QString channel;
         bool unread = false;
 
@@ -33,8 +36,8 @@ public:
     QVariantList inChannel(const QString &channel) const;
     int unread() const { return m_unreadTotal; }
     int unreadIn(const QString &channel) const;
-    /// How many messages are of this type.
-    int ofType(const QString &type) const { return m_byType.value(type); }
+    /// How many messages the summary counts there.
+    int inGroup(MessageGroup group) const { return m_byGroup.at(static_cast<std::size_t>(group)); }
 
     /// Gives the message the next number; numbers run from 1 and are never used again. Returns the one that had to go.
     std::optional<Tally> append(const Message &message, qint64 wallMs, bool unread);
@@ -44,10 +47,12 @@ public:
 
 private:
     Tally takeFirst();
+    int &groupCount(MessageGroup group) { return m_byGroup.at(static_cast<std::size_t>(group)); }
     void countUnread(const QString &channel, int difference);
 
     QVariantList m_rows;
-    QHash<QString, int> m_byType;
+    QList<Tally> m_tallies; ///< of the rows, in their order
+    std::array<int, messageGroups> m_byGroup{};
     QHash<QString, int> m_unread; ///< by channel; holds no zero
     int m_unreadTotal = 0;
     qint64 m_lastId = 0;

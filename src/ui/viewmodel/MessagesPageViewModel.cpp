@@ -1,5 +1,7 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 
+#include "ui/viewmodel/Frequency.h"
+
 #include <QVariantMap>
 
 #include <algorithm>
@@ -7,6 +9,19 @@
 #include <utility>
 
 namespace tarvo::ui::viewmodel {
+
+namespace {
+
+constexpr qsizetype longestName = 64;
+
+/// A controller's name on one line; empty while nobody has told it.
+QString shownName(const QString &realName)
+{
+    const QString name = realName.left(longestName).simplified();
+    return name == model::Controller().realName ? QString() : name;
+}
+
+} // namespace
 
 MessagesPageViewModel::MessagesPageViewModel(QObject *parent, const common::Clock &clock)
     : QObject(parent), m_clock(clock)
@@ -60,10 +75,10 @@ QString MessagesPageViewModel::summaryText() const
         return tr("暂无消息");
     return tr("%1 条消息 | 私聊 %2 | 无线电 %3 | 服务 %4 | 告警 %5")
         .arg(m_store.all().size())
-        .arg(countOf({"private_in", "private_out"}))
-        .arg(countOf({"radio_in", "radio_out"}))
-        .arg(countOf({"server", "system", "broadcast"}))
-        .arg(countOf({"wallop_out", "selcal"}));
+        .arg(m_store.inGroup(MessageGroup::Private))
+        .arg(m_store.inGroup(MessageGroup::Radio))
+        .arg(m_store.inGroup(MessageGroup::Service))
+        .arg(m_store.inGroup(MessageGroup::Alert));
 }
 
 QString MessagesPageViewModel::activeChannelTitle() const
@@ -173,14 +188,15 @@ void MessagesPageViewModel::setNearbyController(const model::Controller &control
         return;
     }
     const QString callsign = normalisedCallsign(controller.callsign);
-    // What a pilot tunes: a station reports 118.025 as 118020.
-    const uint kilohertz = controller.normalisedFrequency != 0 ? controller.normalisedFrequency : controller.frequency;
-    const QVariantMap row{{QStringLiteral("callsign"), callsign},
-                          {QStringLiteral("type"), QStringLiteral("atc")},
-                          {QStringLiteral("frequency"), megahertz(kilohertz)},
-                          {QStringLiteral("name"), controller.realName}};
+    if (callsign.isEmpty() || callsign.size() > channels::longestCallsign)
+        return;
+    const QVariantMap row{
+        {QStringLiteral("callsign"), callsign},
+        {QStringLiteral("type"), QStringLiteral("atc")},
+        {QStringLiteral("frequency"), megahertz(controller.normalisedFrequency)}, // what a pilot tunes
+        {QStringLiteral("name"), shownName(controller.realName)}};
     const bool full = m_nearby.size() >= maximumNearbyClients && !m_nearby.contains(callsign);
-    if (full || callsign.isEmpty() || m_nearby.value(callsign) == row)
+    if (full || m_nearby.value(callsign) == row)
         return;
     m_nearby.insert(callsign, row);
     tell(Change::NearbyClients);
@@ -243,8 +259,7 @@ void MessagesPageViewModel::sendWallopMessage(const QString &message)
 void MessagesPageViewModel::prepareReply(const QString &from)
 {
     const QString callsign = normalisedCallsign(from);
-    if (callsign.isEmpty() || callsign == Message::serverName() || callsign == Message::systemName() ||
-        channels::isReserved(callsign))
+    if (callsign == Message::serverName() || callsign == Message::systemName() || !channels::canBeSession(callsign))
         return;
     const Changes drafted = writeDraft(callsign, m_draftMessage);
     const Changes opened = openSession(callsign);
@@ -254,7 +269,7 @@ void MessagesPageViewModel::prepareReply(const QString &from)
 void MessagesPageViewModel::openPrivateSession(const QString &callsign)
 {
     const QString key = normalisedCallsign(callsign);
-    if (key.isEmpty() || channels::isReserved(key))
+    if (!channels::canBeSession(key))
         return;
     const Changes opened = openSession(key);
     tell(opened | enterChannel(key));
@@ -269,7 +284,7 @@ void MessagesPageViewModel::closePrivateSession(const QString &callsign)
     changes |= markRead(key); // nobody could open the channel to read them
     m_sessions.close(key);
     if (key == m_activeChannel)
-        changes |= enterChannel(channels::radio());
+        changes |= writeDraft({}, {}) | enterChannel(channels::radio());
     tell(changes);
 }
 
@@ -277,14 +292,14 @@ void MessagesPageViewModel::add(const Message &message)
 {
     const qint64 now = m_clock.wallMs();
     Changes changes = Change::Messages;
-    if (message.isPrivate() && message.channel != channels::privateOverview()) {
+    if (message.group() == MessageGroup::Private && message.channel != channels::privateOverview()) {
         changes |= openSession(message.channel);
         m_sessions.note(message.channel, message.body, localTime(now));
         changes |= Change::Sessions;
     }
     const bool unread = message.isIncoming() && message.channel != m_activeChannel;
     const std::optional<MessageStore::Tally> gone = m_store.append(message, now, unread);
-    if (gone != MessageStore::Tally{message.type, message.channel, unread})
+    if (gone != MessageStore::Tally{message.group(), message.channel, unread})
         changes |= Change::ChannelStats;
     if (isShown(message.channel) || (gone && isShown(gone->channel)))
         changes |= Change::ActiveMessages;
@@ -292,7 +307,7 @@ void MessagesPageViewModel::add(const Message &message)
         changes |= Change::Sessions;
     tell(changes);
     if (message.isIncoming())
-        emit messageSoundRequested(message.type, message.priority());
+        emit messageSoundRequested(message.type(), message.priority());
 }
 
 void MessagesPageViewModel::tell(Changes changes)
@@ -332,11 +347,11 @@ MessagesPageViewModel::Changes MessagesPageViewModel::openSession(const QString 
 
 MessagesPageViewModel::Changes MessagesPageViewModel::enterChannel(const QString &channel)
 {
-    if (channel == m_activeChannel)
-        return {};
+    Changes changes{Change::ActiveChannel, Change::ActiveMessages, Change::Unread, Change::Compose};
+    if (channel != m_activeChannel)
+        changes |= Change::ChannelStats;
     m_activeChannel = channel;
-    return markRead(channel) | Changes{Change::ChannelStats, Change::ActiveChannel, Change::ActiveMessages,
-                                       Change::Unread, Change::Compose};
+    return changes | markRead(channel);
 }
 
 MessagesPageViewModel::Changes MessagesPageViewModel::markRead(const QString &channel)
@@ -374,14 +389,6 @@ bool MessagesPageViewModel::canSend(const QString &channel) const
 bool MessagesPageViewModel::canSendText(const QString &text) const
 {
     return m_networkConnected && !text.trimmed().isEmpty();
-}
-
-int MessagesPageViewModel::countOf(std::initializer_list<const char *> types) const
-{
-    int count = 0;
-    for (const char *type : types)
-        count += m_store.ofType(QLatin1String(type));
-    return count;
 }
 
 } // namespace tarvo::ui::viewmodel

@@ -14,12 +14,10 @@
 #include <QString>
 #include <QVariantList>
 
-#include <initializer_list>
-
 namespace tarvo::ui::viewmodel {
 
 /// All messages of a run, shown through channels; the line that is being written, and the stations nearby. Holds
-/// presentation state only: MainWindow feeds it and sends what it requests. In QML it is the context property
+/// presentation state only: MessagesFeed feeds it and sends what it requests. In QML it is the context property
 /// "messagesBackend".
 ///
 /// A message is a map with "id", "time", "timestamp", "type", "direction", "directionLabel", "channel", "from", "to",
@@ -60,7 +58,8 @@ public:
     QVariantList activeMessages() const { return m_store.inChannel(m_activeChannel); }
     /// Maps with "callsign", "unread", "lastMessage" and "lastTime".
     QVariantList privateSessions() const;
-    /// Maps with "callsign", "type" ("atc"), "frequency" (MHz, three decimals) and "name", by callsign.
+    /// Maps with "callsign", "type" ("atc"), "frequency" (MHz, three decimals) and "name" (empty while unknown), by
+    /// callsign.
     QVariantList nearbyClients() const;
     QString draftTarget() const { return m_draftTarget; }
     QString draftMessage() const { return m_draftMessage; }
@@ -72,7 +71,7 @@ public:
     QString activeChannelTitle() const;
     QString composePlaceholder() const;
 
-    /// Shows the channel and marks its messages read.
+    /// Shows the channel and marks its messages read. Tells so even when it is the active one already.
     void setActiveChannel(const QString &channel);
     void setDraftTarget(const QString &target);
     void setDraftMessage(const QString &message);
@@ -90,7 +89,7 @@ public:
     void addWallopSent(const QString &message);
     void addSelcal(const QString &from, const QList<uint> &frequencies);
     void addSystemNote(const QString &text);
-    /// Adds or updates a station; one without a frequency is not listed.
+    /// Adds or updates a station. One without a frequency is not listed, nor one whose callsign is none.
     void setNearbyController(const model::Controller &controller);
     void removeNearbyController(const QString &callsign);
     void clearNearby();
@@ -104,7 +103,8 @@ public:
     /// `from`: a message's sender. Its session becomes the active channel and its callsign the draft's target.
     Q_INVOKABLE void prepareReply(const QString &from);
     Q_INVOKABLE void openPrivateSession(const QString &callsign);
-    /// The session's messages stay in the list, as read.
+    /// The session's messages stay in the list, as read. What was being written there goes, lest it go out on the
+    /// radio.
     Q_INVOKABLE void closePrivateSession(const QString &callsign);
     /// Those whose channel is exactly `channel`; all for "ALL".
     Q_INVOKABLE QVariantList messagesForChannel(const QString &channel) const { return m_store.inChannel(channel); }
@@ -153,7 +153,6 @@ private:
     bool canSend(const QString &channel) const;
     bool canSendText(const QString &text) const;
     QVariantMap channelEntry(const QString &key, bool fixed) const;
-    int countOf(std::initializer_list<const char *> types) const;
 
     const common::Clock &m_clock;
     MessageStore m_store;

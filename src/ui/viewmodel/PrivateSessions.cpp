@@ -4,14 +4,6 @@
 
 namespace tarvo::ui::viewmodel {
 
-QStringList PrivateSessions::callsigns() const
-{
-    QStringList callsigns;
-    for (const PrivateSession &session : m_sessions)
-        callsigns << session.callsign;
-    return callsigns;
-}
-
 bool PrivateSessions::contains(const QString &callsign) const
 {
     return indexOf(callsign) >= 0;

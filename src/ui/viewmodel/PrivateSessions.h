@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 namespace tarvo::ui::viewmodel {
 
@@ -24,7 +23,6 @@ public:
     static constexpr qsizetype maximumSessions = 200;
 
     const QList<PrivateSession> &all() const { return m_sessions; }
-    QStringList callsigns() const;
     bool contains(const QString &callsign) const;
     /// False when the session is open already. Where one has to go for it, `evicted` is that one's callsign; never
     /// `kept`'s.

@@ -258,6 +258,24 @@ private slots:
         QCOMPARE(model.summaryText(), QStringLiteral("暂无消息"));
     }
 
+    void summaryForgetsWhatHasGone()
+    {
+        MessagesFixture fixture;
+        MessagesPageViewModel &model = fixture.model;
+        model.addPrivateSent(QStringLiteral("A"), QString());
+        model.addRadioSent(QString(), {});
+        model.addSystemNote(QString());
+        model.addWallopSent(QString());
+        for (int i = 0; i < 296; ++i)
+            model.addRadioSent(QString(), {});
+        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 1 | 无线电 297 | 服务 1 | 告警 1"));
+        model.addWallopSent(QString());
+        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 0 | 无线电 297 | 服务 1 | 告警 2"));
+        for (int i = 0; i < 3; ++i)
+            model.addWallopSent(QString());
+        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 0 | 无线电 296 | 服务 0 | 告警 4"));
+    }
+
     void channelsCompareExactly_data()
     {
         QTest::addColumn<QString>("channel");
@@ -326,13 +344,28 @@ private slots:
         QCOMPARE(MessagesFixture::column(fixture.model.channels(), "active"),
                  QStringLiteral("true false false false false false"));
         QCOMPARE(MessagesFixture::column(fixture.model.channels(), "unread"), QStringLiteral("0 0 0 1 0 0"));
-        fixture.model.setActiveChannel(QStringLiteral("SERVER"));
-        QCOMPARE(fixture.told(), QString());
+        fixture.model.setActiveChannel(QStringLiteral("SERVER")); // once more
+        QCOMPARE(fixture.told(), QStringLiteral("channel active unread compose"));
         fixture.model.addServerMessage(QString()); // on the active channel: never unread
         QCOMPARE(fixture.model.unreadCount(), 1);
         QCOMPARE(fixture.told(), QStringLiteral("messages stats active sound server 1"));
         fixture.model.setActiveChannel(QStringLiteral("WALLOP"));
         QCOMPARE(fixture.told(), QStringLiteral("stats channel active unread compose"));
+    }
+
+    void theWordForEverythingIsNoChannel()
+    {
+        MessagesFixture fixture;
+        fixture.model.addServerMessage(QString());
+        fixture.model.setActiveChannel(QStringLiteral("ALL"));
+        QCOMPARE(fixture.model.unreadCount(), 1); // no message's channel has that name
+        fixture.told();
+        fixture.model.addRadioReceived(MessagesFixture::radio(QString()));
+        QCOMPARE(fixture.told(), QStringLiteral("messages stats active unread sound radio_in 1"));
+        QCOMPARE(MessagesFixture::column(fixture.model.activeMessages(), "type"), QStringLiteral("server radio_in"));
+        QCOMPARE(fixture.model.unreadCount(), 2);
+        fixture.model.setActiveChannel(QStringLiteral("RADIO"));
+        QCOMPARE(fixture.model.unreadCount(), 1);
     }
 
     void clearingEmptiesTheListAndKeepsTheSessions()
@@ -361,6 +394,60 @@ private slots:
         fixture.model.addPrivateReceived(QStringLiteral("CCA1"), body);
         QCOMPARE(fixture.last().value(QStringLiteral("message")).toString(), body);
         QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "lastMessage"), body);
+    }
+
+    void aMegabyteIsCut_data()
+    {
+        QTest::addColumn<Event>("event");
+        const QString endless(1 << 20, u'W');
+        const auto add = [](const char *name, const Event &event) { QTest::newRow(name) << event; };
+        add("private received", [=](auto &model) { model.addPrivateReceived(endless, endless); });
+        add("private received from somebody",
+            [=](auto &model) { model.addPrivateReceived(QStringLiteral("CCA1"), endless); });
+        add("private sent", [=](auto &model) { model.addPrivateSent(endless, endless); });
+        add("private sent to somebody", [=](auto &model) { model.addPrivateSent(QStringLiteral("CCA1"), endless); });
+        add("radio received", [=](auto &model) {
+            model.addRadioReceived(
+                {.from = endless, .message = endless, .frequencies = {}, .direct = false, .dualReceive = false});
+        });
+        add("radio sent", [=](auto &model) { model.addRadioSent(endless, {}); });
+        add("server", [=](auto &model) { model.addServerMessage(endless); });
+        add("broadcast", [=](auto &model) { model.addBroadcast(endless, endless); });
+        add("wallop sent", [=](auto &model) { model.addWallopSent(endless); });
+        add("selcal", [=](auto &model) { model.addSelcal(endless, {}); });
+        add("system note", [=](auto &model) { model.addSystemNote(endless); });
+    }
+
+    void aMegabyteIsCut()
+    {
+        QFETCH(Event, event);
+        MessagesFixture fixture;
+        event(fixture.model);
+        QCOMPARE(fixture.model.messages().size(), 1);
+        const QVariantMap row = fixture.last();
+        const qsizetype body = row.value(QStringLiteral("message")).toString().size();
+        QVERIFY(body == 16384 || row.value(QStringLiteral("type")) == QStringLiteral("selcal"));
+        for (const char *key : {"channel", "from", "to"})
+            QVERIFY(row.value(QLatin1String(key)).toString().size() <= 33);
+        const QVariantList sessions = fixture.model.privateSessions();
+        for (const QVariant &session : sessions) {
+            QCOMPARE(MessagesFixture::field(session, "callsign"), QStringLiteral("CCA1"));
+            QCOMPARE(MessagesFixture::field(session, "lastMessage").size(), 16384);
+        }
+    }
+
+    void whoIsCutCannotBeAnswered()
+    {
+        MessagesFixture fixture;
+        const QString longest(32, u'W');
+        fixture.model.addPrivateReceived(longest, QString());
+        QCOMPARE(MessagesFixture::field(fixture.last(), "channel"), longest);
+        fixture.model.addPrivateReceived(longest + u'W', QString()); // not the same one
+        QCOMPARE(MessagesFixture::field(fixture.last(), "channel"), QStringLiteral("PRIVATE"));
+        QCOMPARE(MessagesFixture::field(fixture.last(), "from"), longest + u'…');
+        fixture.model.prepareReply(longest + u'…');
+        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("RADIO"));
+        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "callsign"), longest);
     }
 
     void aListenerMayComeBack()

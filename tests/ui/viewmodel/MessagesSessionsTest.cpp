@@ -37,6 +37,23 @@ private slots:
         QCOMPARE(model.unreadCount(), 0);
     }
 
+    void whatWasSentOpensAndUpdatesTheSession()
+    {
+        MessagesFixture fixture;
+        MessagesPageViewModel &model = fixture.model;
+        model.addPrivateSent(QStringLiteral("cca1"), QStringLiteral("hello"));
+        QCOMPARE(MessagesFixture::column(model.privateSessions(), "callsign"), QStringLiteral("CCA1"));
+        QCOMPARE(MessagesFixture::column(model.privateSessions(), "lastMessage"), QStringLiteral("hello"));
+        QCOMPARE(MessagesFixture::column(model.privateSessions(), "unread"), QStringLiteral("0"));
+        fixture.clock.advance(61'000);
+        model.addPrivateSent(QStringLiteral("CCA1"), QStringLiteral("again"));
+        const QVariantMap session = model.privateSessions().first().toMap();
+        QCOMPARE(model.privateSessions().size(), 1);
+        QCOMPARE(session.value(QStringLiteral("lastMessage")).toString(), QStringLiteral("again"));
+        QCOMPARE(session.value(QStringLiteral("lastTime")), fixture.last().value(QStringLiteral("time")));
+        QCOMPARE(model.activeChannel(), QStringLiteral("RADIO"));
+    }
+
     void openingMakesItActive()
     {
         MessagesFixture fixture;
@@ -45,8 +62,8 @@ private slots:
         QCOMPARE(fixture.model.activeChannel(), QStringLiteral("ZSPD_TWR"));
         QCOMPARE(fixture.told(), QStringLiteral("stats channel active sessions unread compose"));
         QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "lastTime"), QString());
-        fixture.model.openPrivateSession(QStringLiteral("ZSPD_TWR"));
-        QCOMPARE(fixture.told(), QString());
+        fixture.model.openPrivateSession(QStringLiteral("ZSPD_TWR")); // once more
+        QCOMPARE(fixture.told(), QStringLiteral("channel active unread compose"));
         fixture.model.setActiveChannel(QStringLiteral("RADIO"));
         fixture.model.addPrivateReceived(QStringLiteral("ZSPD_TWR"), QStringLiteral("hi"));
         fixture.told();
@@ -65,6 +82,9 @@ private slots:
         for (const char *word :
              {"ALL", "COM1", "COM2", "SERVER", "RADIO", "radio", "PRIVATE", "BROADCAST", "WALLOP", "SELCAL"})
             QTest::newRow(word) << QString::fromLatin1(word);
+        for (const char *many : {"@18500", " @18500", "@18500&@94386", "*", "*A", "*S", "*s", "*P"}) // addresses
+            QTest::newRow(many) << QString::fromLatin1(many);
+        QTest::newRow("longer than any") << QString(33, u'A');
     }
 
     void callsignsThatOpenNothing()
@@ -123,15 +143,28 @@ private slots:
         QCOMPARE(fixture.told(), QStringLiteral("messages stats channel active sessions unread compose"));
     }
 
+    void whatWasWrittenToSomebodyGoesWithTheSession()
+    {
+        MessagesFixture fixture;
+        fixture.model.prepareReply(QStringLiteral("CCA1"));
+        fixture.model.setDraftMessage(QStringLiteral("between us"));
+        fixture.model.closePrivateSession(QStringLiteral("CCA1"));
+        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("RADIO"));
+        QCOMPARE(fixture.model.draftMessage(), QString()); // one Enter, and all would have heard it
+        QCOMPARE(fixture.model.draftTarget(), QString());
+    }
+
     void closingAnotherOneStays()
     {
         MessagesFixture fixture;
         fixture.model.openPrivateSession(QStringLiteral("CCA1"));
+        fixture.model.setDraftMessage(QStringLiteral("half a word"));
         fixture.model.addPrivateReceived(QStringLiteral("CCA2"), QString());
         fixture.told();
         fixture.model.closePrivateSession(QStringLiteral("CCA2"));
         QCOMPARE(fixture.model.activeChannel(), QStringLiteral("CCA1"));
         QCOMPARE(fixture.told(), QStringLiteral("messages stats sessions unread"));
+        QCOMPARE(fixture.model.draftMessage(), QStringLiteral("half a word"));
         fixture.model.closePrivateSession(QStringLiteral("CCA2"));
         fixture.model.closePrivateSession(QStringLiteral("RADIO"));
         QCOMPARE(fixture.told(), QString());
@@ -310,7 +343,6 @@ private slots:
         QTest::newRow("usual") << quint32(118025) << quint32(118025) << QStringLiteral("118.025");
         QTest::newRow("reported without its last digit")
             << quint32(118020) << quint32(118025) << QStringLiteral("118.025");
-        QTest::newRow("not normalised") << quint32(121500) << quint32(0) << QStringLiteral("121.500");
         QTest::newRow("no frequency") << quint32(199998) << quint32(199998) << QString();
         QTest::newRow("the largest") << quint32(4294967295U) << quint32(4294967295U) << QStringLiteral("4294967.295");
     }
@@ -327,8 +359,41 @@ private slots:
             rows << QVariantMap{{QStringLiteral("callsign"), QStringLiteral("ZSPD_TWR")},
                                 {QStringLiteral("type"), QStringLiteral("atc")},
                                 {QStringLiteral("frequency"), shown},
-                                {QStringLiteral("name"), QStringLiteral("Unknown")}};
+                                {QStringLiteral("name"), QString()}};
         QCOMPARE(fixture.model.nearbyClients(), rows);
+    }
+
+    void stationsNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("usual") << QStringLiteral("Li Lei") << QStringLiteral("Li Lei");
+        QTest::newRow("not told") << QStringLiteral("Unknown") << QString();
+        QTest::newRow("not told, blanks around it") << QStringLiteral(" Unknown ") << QString();
+        QTest::newRow("nearly the same") << QStringLiteral("Unknown Soldier") << QStringLiteral("Unknown Soldier");
+        QTest::newRow("several lines") << QStringLiteral("Li\n\nLei ") << QStringLiteral("Li Lei");
+        QTest::newRow("a megabyte") << QString(1 << 20, u'W') << QString(64, u'W');
+    }
+
+    void stationsNames()
+    {
+        QFETCH(QString, name);
+        MessagesFixture fixture;
+        tarvo::model::Controller tower = station("ZSPD_TWR", 118000, 118000);
+        tower.realName = name;
+        fixture.model.setNearbyController(tower);
+        QCOMPARE(fixture.model.nearbyClients().size(), 1);
+        QTEST(MessagesFixture::field(fixture.model.nearbyClients().first(), "name"), "shown");
+    }
+
+    void whatIsNoCallsignIsNotListed()
+    {
+        MessagesFixture fixture;
+        fixture.model.setNearbyController(station("", 118000, 118000));
+        fixture.model.setNearbyController(station(QByteArray(1 << 20, 'W').constData(), 118000, 118000));
+        QCOMPARE(fixture.model.nearbyClients(), QVariantList());
+        fixture.model.setNearbyController(station(QByteArray(32, 'W').constData(), 118000, 118000));
+        QCOMPARE(fixture.model.nearbyClients().size(), 1);
     }
 
     void stationsComeMoveAndGo()

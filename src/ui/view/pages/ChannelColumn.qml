@@ -41,7 +41,7 @@ Card {
         stations.follow((messages?.nearbyClients ?? []).map(row => ({
             key: row.callsign,
             frequency: row.frequency,
-            name: row.name === "Unknown" ? "" : row.name
+            name: row.name
         })))
     }
 
