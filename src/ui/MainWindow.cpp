@@ -64,10 +64,7 @@ void MainWindow::createView()
     m_view = new QQuickView;
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setColor(Qt::transparent);
-    m_view->rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), &m_dashboard);
-    m_view->rootContext()->setContextProperty(QStringLiteral("simulatorBackend"), &m_simulator);
-    m_view->rootContext()->setContextProperty(QStringLiteral("serverBackend"), &m_server);
-    m_view->rootContext()->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
+    exposeModels();
     m_view->setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
 
     QWidget *container = QWidget::createWindowContainer(m_view, this); // takes the view
@@ -83,6 +80,15 @@ void MainWindow::createView()
     }
     connect(root, root->metaObject()->method(logout), this,
             metaObject()->method(metaObject()->indexOfSlot("onLogoutClicked()")));
+}
+
+void MainWindow::exposeModels()
+{
+    QQmlContext *pages = m_view->rootContext();
+    pages->setContextProperty(QStringLiteral("dashboardBackend"), &m_dashboard);
+    pages->setContextProperty(QStringLiteral("simulatorBackend"), &m_simulator);
+    pages->setContextProperty(QStringLiteral("serverBackend"), &m_server);
+    pages->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
 }
 
 void MainWindow::connectRequests()
@@ -108,16 +114,17 @@ void MainWindow::connectSession()
     connect(network, &NetworkManager::networkDisconnected, this, &MainWindow::onNetworkDisconnected);
     connect(network, &NetworkManager::simulatorConnectionStateChanged, this, &MainWindow::onSimulatorStateChanged);
     connect(network, &NetworkManager::simulatorConnectionFailed, this, &MainWindow::onSimulatorFailed);
-    connect(network, &NetworkManager::simulatorDataUpdated, this, &MainWindow::onSimulatorData);
     connect(network, &NetworkManager::notificationPosted, this,
             [this](const QString &message) { m_server.addRecentEvent(tr("通知"), message, tr("系统")); });
     m_simulatorFeed = std::make_unique<SimulatorFeed>(m_network, m_simulator);
+    connect(m_simulatorFeed.get(), &SimulatorFeed::sampleShown, this, &MainWindow::showFlight);
     m_messagesFeed = std::make_unique<MessagesFeed>(m_network, m_controllers, m_messages, m_sounds);
 }
 
 void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
+    tellWhetherSeen();
     if (event->spontaneous())
         return;      // back from the task bar: the pages stay as they are
     updateProfile(); // another account may have signed in
@@ -125,6 +132,25 @@ void MainWindow::showEvent(QShowEvent *event)
     m_account.loadUserInfo();
     m_account.loadUserHistory();
     m_account.loadLeaderboard();
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    QMainWindow::hideEvent(event);
+    tellWhetherSeen();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        tellWhetherSeen();
+}
+
+void MainWindow::tellWhetherSeen()
+{
+    if (m_simulatorFeed)
+        m_simulatorFeed->setSeen(isVisible() && !isMinimized());
 }
 
 void MainWindow::updateProfile()
@@ -211,7 +237,7 @@ void MainWindow::onSimulatorFailed(const QString &message)
     m_server.addRecentEvent(tr("模拟器连接失败"), message, tr("模拟器"));
 }
 
-void MainWindow::onSimulatorData(const manager::SimulatorData &sample)
+void MainWindow::showFlight(const manager::SimulatorData &sample)
 {
     const model::UserAircraftData &aircraft = sample.aircraft;
     m_dashboard.setFlightData(aircraft.latitude, aircraft.longitude, aircraft.altitudeMslM * common::feetPerMetre,

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceEndpoints.h"
-#include "common/MessageType.h"
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
 #include "ui/viewmodel/DashboardViewModel.h"
@@ -66,9 +65,12 @@ public slots:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void createView();
+    void exposeModels();
     void connectRequests();
     void connectSession();
     void updateProfile();
@@ -78,7 +80,8 @@ private:
     void onNetworkDisconnected(bool forced);
     void onSimulatorStateChanged(bool connected);
     void onSimulatorFailed(const QString &message);
-    void onSimulatorData(const manager::SimulatorData &sample);
+    void showFlight(const manager::SimulatorData &sample);
+    void tellWhetherSeen();
     void setSimulatorState(bool connected, const QString &text);
     void setServerState(bool connected, const QString &text);
     void log(const QString &text);
@@ -95,9 +98,9 @@ private:
     viewmodel::MessagesPageViewModel m_messages;
     AccountFeed m_account;
     SoundPlayer m_sounds;
-    std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< as long as there is a session, as is the next
-    std::unique_ptr<MessagesFeed> m_messagesFeed;
-    QQuickView *m_view = nullptr; ///< owned by the central widget
+    std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session
+    std::unique_ptr<MessagesFeed> m_messagesFeed;   ///< null without a session
+    QQuickView *m_view = nullptr;                   ///< owned by the central widget
 };
 
 } // namespace tarvo::ui

@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 
 #include <cmath>
+#include <utility>
 
 namespace tarvo::ui {
 
@@ -15,16 +16,16 @@ using viewmodel::SimulatorPageViewModel;
 
 namespace {
 constexpr int trafficIntervalMs = 1000;
-constexpr double highestMegahertz = 1000;
+constexpr double highestKilohertz = 999'999;
 } // namespace
 
 std::optional<quint32> comFrequencyKhz(const QString &megahertz)
 {
     bool isNumber = false;
-    const double value = megahertz.trimmed().toDouble(&isNumber);
-    if (!isNumber || !(value > 0 && value < highestMegahertz)) // written so that a NaN is refused
+    const double kilohertz = std::round(megahertz.trimmed().toDouble(&isNumber) * 1000);
+    if (!isNumber || !(kilohertz >= 1 && kilohertz <= highestKilohertz)) // written so that a NaN is refused
         return std::nullopt;
-    return static_cast<quint32>(std::lround(value * 1000));
+    return static_cast<quint32>(kilohertz);
 }
 
 std::optional<int> transponderCode(const QString &digits)
@@ -49,7 +50,7 @@ SimulatorFeed::SimulatorFeed(std::shared_ptr<NetworkManager> network, SimulatorP
 void SimulatorFeed::connectSession()
 {
     const NetworkManager *network = m_network.get();
-    connect(network, &NetworkManager::simulatorDataUpdated, this, &SimulatorFeed::showSample);
+    connect(network, &NetworkManager::simulatorDataUpdated, this, &SimulatorFeed::takeSample);
     connect(network, &NetworkManager::simulatorPluginStatusUpdated, &m_page, &SimulatorPageViewModel::setPluginValid);
     connect(network, &NetworkManager::simulatorCslStatusUpdated, &m_page, &SimulatorPageViewModel::setCslValid);
     connect(network, &NetworkManager::simulatorTrafficMappingStatusUpdated, &m_page,
@@ -89,14 +90,40 @@ void SimulatorFeed::connectRequests()
             [current] { current([](Simulator &simulator) { simulator.transponderModeToggle(); }); });
 }
 
+void SimulatorFeed::setSeen(bool seen)
+{
+    if (seen == m_seen)
+        return;
+    m_seen = seen;
+    if (!seen)
+        return;
+    if (m_missed)
+        showSample(*std::exchange(m_missed, std::nullopt));
+    if (m_trafficTimer.isActive())
+        showTraffic();
+}
+
+void SimulatorFeed::takeSample(const manager::SimulatorData &sample)
+{
+    if (m_seen)
+        showSample(sample);
+    else
+        m_missed = sample;
+}
+
 void SimulatorFeed::showSample(const manager::SimulatorData &sample)
 {
-    m_page.setOwnAircraft(sample.aircraft, sample.config, sample.radio, sample.simPaused);
+    // A lost simulator announces the last it said once more: that is no longer so.
+    if (sample.simConnected)
+        m_page.setOwnAircraft(sample.aircraft, sample.config, sample.radio, sample.simPaused);
+    else
+        m_page.clearOwnAircraft();
+    emit sampleShown(sample);
 }
 
 void SimulatorFeed::showTraffic()
 {
-    if (m_page.isTrafficShown())
+    if (m_seen)
         m_page.setRemoteAircraft(m_network->remoteAircraft());
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "manager/SimulatorData.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -8,7 +10,6 @@
 
 namespace tarvo::manager {
 class NetworkManager;
-struct SimulatorData;
 } // namespace tarvo::manager
 
 namespace tarvo::ui {
@@ -17,14 +18,14 @@ namespace viewmodel {
 class SimulatorPageViewModel;
 }
 
-/// kHz of a radio frequency typed in MHz: "121.800" is 121800. Nothing for text that is no positive number below
-/// 1,000 MHz.
+/// kHz of a radio frequency typed in MHz: "121.800" is 121800. Nothing for text that is no number between 1 kHz and
+/// 999.999 MHz, rounded to whole kHz.
 std::optional<quint32> comFrequencyKhz(const QString &megahertz);
 
 /// The four digits as a decimal number, of one to four octal digits; nothing for any other text.
 std::optional<int> transponderCode(const QString &digits);
 
-/// Brings the simulator's state and the traffic to the simulator page, and the page's wishes to the simulator.
+/// Brings the own aircraft and the traffic to the simulator page, and the page's wishes to the simulator.
 class SimulatorFeed : public QObject
 {
     Q_OBJECT
@@ -33,16 +34,27 @@ public:
     SimulatorFeed(std::shared_ptr<manager::NetworkManager> network, viewmodel::SimulatorPageViewModel &page,
                   QObject *parent = nullptr);
 
+    /// While nobody can see the pages nothing that comes many times a second is brought to them; the latest follows
+    /// when they are seen again. At first they are.
+    void setSeen(bool seen);
+
+signals:
+    /// The own aircraft's latest state, for whoever else shows it.
+    void sampleShown(const tarvo::manager::SimulatorData &sample);
+
 private:
     void connectSession();
     void connectRequests();
+    void takeSample(const manager::SimulatorData &sample);
     void showSample(const manager::SimulatorData &sample);
     void showTraffic();
     void forgetTraffic();
 
     std::shared_ptr<manager::NetworkManager> m_network;
     viewmodel::SimulatorPageViewModel &m_page;
-    QTimer m_trafficTimer; ///< runs while connected: the table has no signal of its own
+    bool m_seen = true;
+    std::optional<manager::SimulatorData> m_missed; ///< what came last while the pages weren't seen
+    QTimer m_trafficTimer;                          ///< runs while connected: the table has no signal of its own
 };
 
 } // namespace tarvo::ui

@@ -19,6 +19,8 @@
 #include <QTest>
 #include <qtestspontaneevent.h>
 
+#include <functional>
+
 using namespace tarvo;
 
 namespace {
@@ -59,7 +61,19 @@ struct Deck
     void observe(const QString &callsign) { emit server().connectRequested(callsign, u"B738"_qs, u"AB-CD"_qs, true); }
 };
 
+/// A sample of a connected simulator.
+manager::SimulatorData headingFor(double degrees)
+{
+    manager::SimulatorData sample;
+    sample.simConnected = true;
+    sample.aircraft.heading = degrees;
+    return sample;
+}
+
 } // namespace
+
+using Step = std::function<void(ui::MainWindow &)>;
+Q_DECLARE_METATYPE(Step)
 
 class MainWindowTest : public QObject
 {
@@ -68,15 +82,68 @@ class MainWindowTest : public QObject
 private slots:
     void isMadeAsTold()
     {
-        const Deck deck;
+        Deck deck;
         QCOMPARE(deck.window.windowTitle(), u"TARVO Client - 控制面板"_qs);
         QCOMPARE(deck.window.minimumSize(), QSize(1000, 700));
         QCOMPARE(deck.window.currentMode(), u"NONE"_qs);
         QCOMPARE(deck.window.view()->status(), QQuickView::Ready);
         QCOMPARE(deck.window.view()->resizeMode(), QQuickView::SizeRootObjectToView);
-        for (const QString &backend :
-             {u"dashboardBackend"_qs, u"simulatorBackend"_qs, u"serverBackend"_qs, u"messagesBackend"_qs})
-            QVERIFY2(deck.window.view()->rootContext()->contextProperty(backend).isValid(), qPrintable(backend));
+    }
+
+    void thePagesHaveTheirModels()
+    {
+        Deck deck;
+        const auto property = [&deck](const QString &name) {
+            return deck.window.view()->rootContext()->contextProperty(name).value<QObject *>();
+        };
+        QCOMPARE(property(u"dashboardBackend"_qs), &deck.window.dashboard());
+        QCOMPARE(property(u"simulatorBackend"_qs), &deck.window.simulator());
+        QCOMPARE(property(u"serverBackend"_qs), &deck.window.server());
+        QCOMPARE(property(u"messagesBackend"_qs), &deck.window.messages());
+    }
+
+    void theSessionReachesThePages()
+    {
+        Deck deck;
+        emit deck.network->serverMessageReceived(u"welcome"_qs);
+        QCOMPARE(deck.window.messages().messages().size(), 1);
+        emit deck.controllers->controllerAdded(
+            {.callsign = u"ZBAA_TWR"_qs, .frequency = 118500, .normalisedFrequency = 118500});
+        QCOMPARE(deck.window.messages().nearbyClients().size(), 1);
+        emit deck.network->simulatorDataUpdated(headingFor(271));
+        QCOMPARE(deck.window.simulator().heading(), 271.0);
+        const QSignalSpy played(&deck.window.sounds(), &ui::SoundPlayer::played);
+        QTRY_COMPARE(played.size(), 1); // the message's
+        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
+    }
+
+    void aWindowThatIsNotSeenIsNotRedrawn_data()
+    {
+        QTest::addColumn<Step>("leave");
+        QTest::addColumn<Step>("comeBack");
+        QTest::newRow("minimised") << Step([](ui::MainWindow &window) { window.showMinimized(); })
+                                   << Step([](ui::MainWindow &window) { window.showNormal(); });
+        QTest::newRow("minimised from full size")
+            << Step([](ui::MainWindow &window) { window.setWindowState(Qt::WindowMaximized | Qt::WindowMinimized); })
+            << Step([](ui::MainWindow &window) { window.setWindowState(Qt::WindowMaximized); });
+        QTest::newRow("hidden") << Step([](ui::MainWindow &window) { window.hide(); })
+                                << Step([](ui::MainWindow &window) { window.show(); });
+    }
+    void aWindowThatIsNotSeenIsNotRedrawn()
+    {
+        QFETCH(Step, leave);
+        QFETCH(Step, comeBack);
+        Deck deck;
+        deck.window.show();
+        emit deck.network->simulatorDataUpdated(headingFor(1));
+        leave(deck.window);
+        emit deck.network->simulatorDataUpdated(headingFor(2));
+        emit deck.network->simulatorDataUpdated(headingFor(3));
+        QCOMPARE(deck.window.simulator().heading(), 1.0);
+        QCOMPARE(deck.dashboard().heading(), 1.0);
+        comeBack(deck.window);
+        QCOMPARE(deck.window.simulator().heading(), 3.0);
+        QCOMPARE(deck.dashboard().heading(), 3.0);
     }
 
     void thePagesAskForLogout()
@@ -118,9 +185,11 @@ private slots:
         deck.dashboard().requestModeChange(mode);
         QTEST(deck.window.currentMode(), "kept");
         QTEST(deck.dashboard().currentMode(), "kept");
+        QTEST(deck.window.simulator().currentMode(), "kept");
         QTEST(deck.server().currentMode(), "kept");
         QCOMPARE(xplane.size(), activations);
         QTEST(deck.dashboard().simulatorStatusText(), "simulatorStatus");
+        QTEST(deck.window.simulator().simulatorStatusText(), "simulatorStatus");
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button
     }
 
@@ -264,8 +333,12 @@ private slots:
         emit deck.network->simulatorConnectionStateChanged(true);
         QVERIFY(deck.dashboard().simulatorConnected());
         QCOMPARE(deck.dashboard().simulatorStatusText(), u"已连接"_qs);
+        QVERIFY(deck.window.simulator().simulatorConnected());
+        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"已连接"_qs);
         emit deck.network->simulatorConnectionStateChanged(false);
         QCOMPARE(deck.dashboard().simulatorStatusText(), u"未连接"_qs);
+        QVERIFY(!deck.window.simulator().simulatorConnected());
+        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"未连接"_qs);
         emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
         QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
         QVERIFY(!deck.dashboard().simulatorConnected());

@@ -1,8 +1,8 @@
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include "common/Units.h"
+#include "ui/viewmodel/Frequency.h"
 
-#include <QMetaMethod>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -42,11 +42,6 @@ QString number(double value, int decimals)
 QString percent(double ratio)
 {
     return QStringLiteral("%1%").arg(number(ratio * 100, 0));
-}
-
-QString megahertz(quint32 kilohertz)
-{
-    return QStringLiteral("%1.%2").arg(kilohertz / 1000).arg(kilohertz % 1000, 3, 10, QLatin1Char('0'));
 }
 
 double finiteOrZero(double value)
@@ -187,8 +182,10 @@ void SimulatorPageViewModel::setOwnAircraft(const model::UserAircraftData &aircr
     m_radio = radio;
     if (moved)
         updateMotionTexts();
-    if (configured)
-        updateConfigTexts();
+    if (configured) {
+        updateSurfaceTexts();
+        updateEngineTexts();
+    }
     if (tuned)
         updateRadioTexts();
     emit dataChanged();
@@ -203,12 +200,15 @@ void SimulatorPageViewModel::updateMotionTexts()
                                      number(m_aircraft.noseWheelAngle, 1));
 }
 
-void SimulatorPageViewModel::updateConfigTexts()
+void SimulatorPageViewModel::updateSurfaceTexts()
 {
     m_texts.flapsLabel = percent(m_config.flapsRatio);
     m_texts.speedbrakeLabel =
         m_config.speedbrakeArmed && m_config.speedbrakeRatio <= 0 ? tr("预位") : percent(m_config.speedbrakeRatio);
+}
 
+void SimulatorPageViewModel::updateEngineTexts()
+{
     const bool running[] = {m_config.engine1Running, m_config.engine2Running, m_config.engine3Running,
                             m_config.engine4Running};
     const bool reversing[] = {m_config.engine1Reversing, m_config.engine2Reversing, m_config.engine3Reversing,
@@ -284,11 +284,6 @@ void SimulatorPageViewModel::setRemoteAircraft(const QList<model::RemoteAircraft
         return;
     m_targets = targets;
     plotChanged();
-}
-
-bool SimulatorPageViewModel::isTrafficShown() const
-{
-    return isSignalConnected(QMetaMethod::fromSignal(&SimulatorPageViewModel::trafficChanged));
 }
 
 void SimulatorPageViewModel::clearTraffic()

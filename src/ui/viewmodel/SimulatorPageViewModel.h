@@ -15,8 +15,8 @@
 namespace tarvo::ui::viewmodel {
 
 /// The simulator page: the own aircraft as texts and numbers, the traffic around it, and the page's commands. Holds
-/// presentation state only: MainWindow feeds it and acts on its requests. In QML it is the context property
-/// "simulatorBackend".
+/// presentation state only: SimulatorFeed feeds it and acts on its requests, MainWindow tells it mode and link. In QML
+/// it is the context property "simulatorBackend".
 class SimulatorPageViewModel : public QObject
 {
     Q_OBJECT
@@ -121,7 +121,7 @@ public:
     double heading() const { return m_aircraft.heading; }                     ///< degrees
     double groundSpeed() const { return m_aircraft.groundSpeed; }             ///< knots
     double pitch() const { return m_aircraft.pitch; }                         ///< degrees, nose up positive
-    double bank() const { return m_aircraft.bank; }                           ///< degrees
+    double bank() const { return m_aircraft.bank; }                           ///< degrees, right wing down positive
     double latitudeVelocity() const { return m_aircraft.latitudeVelocity; }   ///< metres per second, north
     double longitudeVelocity() const { return m_aircraft.longitudeVelocity; } ///< metres per second, east
     double altitudeVelocity() const { return m_aircraft.altitudeVelocity; }   ///< metres per second, up
@@ -171,12 +171,12 @@ public:
     /// Emits dataChanged at most once. The plot follows when the own aircraft has moved by a visible distance.
     void setOwnAircraft(const model::UserAircraftData &aircraft, const model::UserAircraftConfigData &config,
                         const model::RadioStackState &radio, bool paused);
+    /// Numbers and texts of the own aircraft go back to the start: there is no simulator that tells them.
+    void clearOwnAircraft();
     /// Feeds the plot too, with Microsoft Flight Simulator alone.
     void setTrafficContacts(const QVariantList &contacts);
     /// Feeds the plot, but not with Microsoft Flight Simulator. Once or twice a second is enough.
     void setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft);
-    /// False while nobody shows the traffic: then it needs no feeding.
-    bool isTrafficShown() const;
 
     Q_INVOKABLE void requestReconnect();
     Q_INVOKABLE void requestSetCom1Frequency(const QString &frequency);
@@ -221,9 +221,9 @@ private:
 
     void setText(QString &member, const QString &text);
     void updateMotionTexts();
-    void updateConfigTexts();
+    void updateSurfaceTexts();
+    void updateEngineTexts();
     void updateRadioTexts();
-    void clearOwnAircraft();
     void clearTraffic();
     /// The plot is stale: it is computed anew when a page asks for it.
     void plotChanged();

@@ -11,12 +11,6 @@ namespace {
 
 constexpr double earthRadiusNm = 6371.0088 / 1.852; ///< mean radius of the earth
 
-/// A target at exactly 0/0 has not told its position yet.
-bool hasPosition(const TrafficTarget &target)
-{
-    return isPosition(target.latitude, target.longitude) && (target.latitude != 0 || target.longitude != 0);
-}
-
 PlotContact seenFrom(const PlotOrigin &own, const TrafficTarget &target)
 {
     return {target, greatCircleNm(own.latitude, own.longitude, target.latitude, target.longitude),
@@ -28,7 +22,8 @@ PlotContact seenFrom(const PlotOrigin &own, const TrafficTarget &target)
 
 bool isPosition(double latitude, double longitude)
 {
-    return std::abs(latitude) <= 90 && std::isfinite(longitude); // a NaN is below nothing
+    const bool told = latitude != 0 || longitude != 0;
+    return told && std::abs(latitude) <= 90 && std::isfinite(longitude); // a NaN is below nothing
 }
 
 double greatCircleNm(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude)
@@ -63,7 +58,7 @@ QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget>
         return contacts;
     contacts.reserve(targets.size());
     for (const TrafficTarget &target : targets)
-        if (hasPosition(target))
+        if (isPosition(target.latitude, target.longitude))
             contacts << seenFrom(own, target);
     const auto nearer = [](const PlotContact &one, const PlotContact &other) {
         return one.distanceNm != other.distanceNm ? one.distanceNm < other.distanceNm

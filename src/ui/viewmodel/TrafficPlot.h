@@ -39,7 +39,8 @@ struct PlotContact
     double relativeAltitudeFeet = 0; ///< above the origin; NaN when either altitude is unknown
 };
 
-/// True for finite degrees with a latitude of at most 90 on either side.
+/// True for finite degrees with a latitude of at most 90 on either side, other than exactly 0/0: that is where
+/// everybody is who has not told a position yet.
 bool isPosition(double latitude, double longitude);
 
 /// Nautical miles along the great circle between two positions.

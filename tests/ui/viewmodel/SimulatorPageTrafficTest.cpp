@@ -195,14 +195,6 @@ private slots:
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近 1 个交通目标"));
         QCOMPARE(model.plotContacts().size(), 1);
     }
-
-    void aPageThatShowsTheTrafficIsNoticed()
-    {
-        SimulatorPageViewModel model;
-        QVERIFY(!model.isTrafficShown());
-        const QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
-        QVERIFY(model.isTrafficShown());
-    }
 };
 
 TARVO_TEST(SimulatorPageTrafficTest)

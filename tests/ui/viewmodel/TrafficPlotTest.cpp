@@ -96,6 +96,10 @@ private slots:
         QTest::newRow("ordinary") << 31.1 << 121.8 << true;
         QTest::newRow("north pole") << 90.0 << 0.0 << true;
         QTest::newRow("south pole") << -90.0 << 0.0 << true;
+        QTest::newRow("on the equator") << 0.0 << 1.0 << true;
+        QTest::newRow("on the first meridian") << 1.0 << 0.0 << true;
+        QTest::newRow("not told yet") << 0.0 << 0.0 << false;
+        QTest::newRow("not told yet, with signs") << -0.0 << -0.0 << false;
         QTest::newRow("too far north") << 90.1 << 0.0 << false;
         QTest::newRow("too far south") << -90.1 << 0.0 << false;
         QTest::newRow("latitude not a number") << notANumber << 0.0 << false;
@@ -126,12 +130,6 @@ private slots:
                  (QStringList{QStringLiteral("ALSO"), QStringLiteral("NEAR")}));
         QCOMPARE(plotTraffic({31, 121, 0}, targets, 0).size(), 0);
         QCOMPARE(plotTraffic({31, 121, 0}, {}, 10).size(), 0);
-    }
-
-    void aTargetWithoutAPositionYetIsLeftOut()
-    {
-        const QList<TrafficTarget> targets{target("NONE", 0, 0), target("EQUATOR", 0, 1), target("MERIDIAN", 1, 0)};
-        QCOMPARE(plotTraffic({0.5, 0.5, 0}, targets, 10).size(), 2);
     }
 
     void theHeightIsRelative()
