@@ -7,6 +7,9 @@
 
 #include <QUrl>
 
+#include <algorithm>
+#include <utility>
+
 namespace tarvo::ui {
 
 using manager::ControllerManager;
@@ -25,7 +28,8 @@ MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_
       m_network(std::move(network)),
       m_controllers(std::move(controllers)),
       m_page(page),
-      m_sounds(sounds)
+      m_sounds(sounds),
+      m_soundTimer(this)
 {
     connectSession();
     connectTexts();
@@ -33,14 +37,16 @@ MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_
         connectStations();
     connectRequests();
     connect(&m_page, &MessagesPageViewModel::messageSoundRequested, this,
-            [this](const QString &, int priority) { playMessageSound(priority); });
+            [this](const QString &, int priority) { requestSound(priority); });
+    m_soundTimer.setObjectName(QStringLiteral("soundTimer"));
+    m_soundTimer.setSingleShot(true);
+    connect(&m_soundTimer, &QTimer::timeout, this, &MessagesFeed::playSound);
 }
 
 void MessagesFeed::connectSession()
 {
-    connect(m_network.get(), &NetworkManager::networkConnected, this, [this](const QString &callsign) {
+    connect(m_network.get(), &NetworkManager::networkConnected, this, [this] {
         m_page.clearNearby(); // the controllers' list is emptied without a word, here and at the end
-        m_page.setOwnCallsign(callsign);
         m_page.setNetworkConnected(true);
     });
     connect(m_network.get(), &NetworkManager::networkDisconnected, this, [this] {
@@ -55,6 +61,12 @@ void MessagesFeed::connectTexts()
 {
     const NetworkManager *network = m_network.get();
     MessagesPageViewModel *page = &m_page;
+    // Before the texts themselves, in the order of connecting. A text may come before the login is complete.
+    connect(network, &NetworkManager::privateMessageReceived, this, &MessagesFeed::takeOwnCallsign);
+    connect(network, &NetworkManager::privateMessageSent, this, &MessagesFeed::takeOwnCallsign);
+    connect(network, &NetworkManager::wallopSent, this, &MessagesFeed::takeOwnCallsign);
+    connect(network, &NetworkManager::radioMessageSent, this, &MessagesFeed::takeOwnCallsign);
+
     connect(network, &NetworkManager::serverMessageReceived, page, &MessagesPageViewModel::addServerMessage);
     connect(network, &NetworkManager::privateMessageReceived, page, &MessagesPageViewModel::addPrivateReceived);
     connect(network, &NetworkManager::privateMessageSent, page, &MessagesPageViewModel::addPrivateSent);
@@ -82,8 +94,21 @@ void MessagesFeed::connectRequests()
     connect(&m_page, &MessagesPageViewModel::wallopRequested, network, &NetworkManager::sendWallop);
 }
 
-void MessagesFeed::playMessageSound(int priority)
+void MessagesFeed::takeOwnCallsign()
 {
+    m_page.setOwnCallsign(m_network->connectInfo().callsign);
+}
+
+void MessagesFeed::requestSound(int priority)
+{
+    m_soundPriority = std::max(m_soundPriority, priority);
+    if (!m_soundTimer.isActive())
+        m_soundTimer.start(0);
+}
+
+void MessagesFeed::playSound()
+{
+    const int priority = std::exchange(m_soundPriority, 0);
     m_sounds.play(QUrl(QStringLiteral("qrc:/resources/sounds/manager.mp3")),
                   priority >= highPriority ? highPriorityVolume : usualVolume);
 }

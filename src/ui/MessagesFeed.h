@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 
@@ -18,7 +19,7 @@ class MessagesPageViewModel;
 }
 
 /// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
-/// and lets each incoming message be heard.
+/// and lets incoming messages be heard, a burst of them once.
 class MessagesFeed : public QObject
 {
     Q_OBJECT
@@ -34,12 +35,16 @@ private:
     void connectTexts();
     void connectStations();
     void connectRequests();
-    void playMessageSound(int priority);
+    void takeOwnCallsign();
+    void requestSound(int priority);
+    void playSound();
 
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::ControllerManager> m_controllers;
     viewmodel::MessagesPageViewModel &m_page;
     SoundPlayer &m_sounds;
+    int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
+    QTimer m_soundTimer;     ///< runs out in the next turn of the event loop
 };
 
 } // namespace tarvo::ui

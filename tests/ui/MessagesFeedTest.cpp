@@ -26,7 +26,14 @@ struct Desk
     QSignalSpy played{&sounds, &ui::SoundPlayer::played};
     ui::MessagesFeed feed{session.manager, controllers, page, sounds};
 
-    Desk() { emit session.manager->networkConnected(u"AB1"_qs); }
+    Desk()
+    {
+        session.connectObserver();
+        emit session.manager->networkConnected(u"AB1"_qs);
+    }
+
+    /// A sound has been asked for that will be heard in the next turn.
+    bool willSound() const { return feed.findChild<QTimer *>(u"soundTimer"_qs)->isActive(); }
 
     /// The newest message as "type channel from>to: text".
     QString newest() const
@@ -101,8 +108,9 @@ private slots:
         Desk desk;
         event(*desk.session.manager);
         QCOMPARE(desk.newest(), row);
-        QCOMPARE(desk.played.size(), volume > 0 ? 1 : 0);
+        QCOMPARE(desk.willSound(), volume > 0);
         if (volume > 0) {
+            QTRY_COMPARE(desk.played.size(), 1);
             QCOMPARE(desk.sounds.source(), QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
             QCOMPARE(desk.sounds.volume(), volume);
         }
@@ -113,7 +121,39 @@ private slots:
         Desk desk;
         emit desk.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
         QCOMPARE(desk.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
+        QTRY_COMPARE(desk.played.size(), 1);
         QCOMPARE(desk.sounds.volume(), 0.75F);
+    }
+
+    void aBurstIsHeardOnce()
+    {
+        Desk desk;
+        const auto talk = [&desk] {
+            for (int i = 0; i < 100; ++i)
+                emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        };
+        talk();
+        emit desk.session.manager->privateMessageReceived(u"CES1"_qs, u"hi"_qs);
+        talk();
+        QCOMPARE(desk.played.size(), 0);
+        QTRY_COMPARE(desk.played.size(), 1);
+        QCOMPARE(desk.sounds.volume(), 0.75F); // the most urgent of them all
+        QVERIFY(!desk.willSound());
+        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTRY_COMPARE(desk.played.size(), 2);
+        QCOMPARE(desk.sounds.volume(), 0.55F);
+    }
+
+    void theOwnCallsignIsThatOfTheSession()
+    {
+        Desk desk;
+        NetworkManager &network = *desk.session.manager;
+        emit network.privateMessageReceived(u"CES1"_qs, u"hi"_qs);
+        QCOMPARE(desk.newest(), u"private_in CES1 CES1>AB1: hi"_qs);
+        network.disconnectFromNetwork();
+        QVERIFY(network.connectToNetwork(u"cd2"_qs, QString(), QString(), true));
+        emit network.privateMessageReceived(u"CES1"_qs, u"there"_qs); // before the login is complete
+        QCOMPARE(desk.newest(), u"private_in CES1 CES1>CD2: there"_qs);
     }
 
     void wishesReachTheNetwork()
@@ -141,11 +181,13 @@ private slots:
     void stationsComeAndGo()
     {
         Desk desk;
-        const model::Controller tower{.callsign = u"ZBAA_TWR"_qs, .frequency = 118500};
+        model::Controller tower{.callsign = u"ZBAA_TWR"_qs, .frequency = 118500, .normalisedFrequency = 118500};
         emit desk.controllers->controllerAdded(tower);
         QCOMPARE(desk.page.nearbyClients().size(), 1);
+        tower.realName = u"Li Lei"_qs;
         emit desk.controllers->controllerUpdated(tower);
         QCOMPARE(desk.page.nearbyClients().size(), 1);
+        QCOMPARE(desk.page.nearbyClients().first().toMap()[u"name"_qs].toString(), u"Li Lei"_qs);
         emit desk.controllers->controllerDeleted(tower);
         QVERIFY(desk.page.nearbyClients().isEmpty());
     }
