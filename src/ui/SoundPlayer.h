@@ -25,8 +25,8 @@ signals:
     void played(const QUrl &url);
 
 private:
-    QAudioOutput m_output; ///< outlives the player that uses it
-    QMediaPlayer m_player;
+    QAudioOutput m_output{this}; ///< outlives the player that uses it
+    QMediaPlayer m_player{this};
 };
 
 } // namespace tarvo::ui

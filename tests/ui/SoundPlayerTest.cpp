@@ -3,6 +3,7 @@
 #include "support/TestRegistry.h"
 
 #include <QFile>
+#include <QMediaPlayer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -28,6 +29,25 @@ private slots:
         player.play(disconnectSound, 0.55F);
         QCOMPARE(player.source(), disconnectSound);
         QCOMPARE(played.size(), 3);
+    }
+
+    void beginsAnew()
+    {
+        SoundPlayer sounds;
+        const auto *player = sounds.findChild<QMediaPlayer *>();
+        QVERIFY(player);
+        const QSignalSpy sources(player, &QMediaPlayer::sourceChanged);
+        QStringList states;
+        connect(player, &QMediaPlayer::playbackStateChanged, this,
+                [&states](QMediaPlayer::PlaybackState state) { states << QVariant::fromValue(state).toString(); });
+        const QUrl sound(u"qrc:/resources/sounds/connect.mp3"_qs);
+        sounds.play(sound, 0.55F);
+        QTRY_VERIFY(player->position() > 0);
+        QCOMPARE(states, QStringList{u"PlayingState"_qs});
+        sounds.play(sound, 0.55F);
+        QCOMPARE(player->position(), 0);
+        QCOMPARE(states, (QStringList{u"PlayingState"_qs, u"StoppedState"_qs, u"PlayingState"_qs}));
+        QCOMPARE(sources.size(), 1);
     }
 
     void theSoundsAreBuiltIn_data()
