@@ -2,6 +2,10 @@
 
 namespace tarvo::practice {
 
+/// Knots in one metre per second, with the digits that the network's clients have for each other's fast positions.
+/// X-Plane itself tells metres per second.
+inline constexpr double knotsPerMetrePerSecond = 1.943844;
+
 /// Everything about the aeroplane at one moment of its flight. A plain value; Flight::at() fills it.
 struct AircraftState
 {

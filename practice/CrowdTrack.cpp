@@ -1,5 +1,7 @@
 #include "practice/CrowdTrack.h"
 
+#include "practice/AircraftState.h"
+
 #include "fsd/pdu/AttitudeWord.h"
 
 #include <QtMath>
@@ -109,7 +111,6 @@ quint32 CrowdTrack::attitude(const Place &place, double seconds) const
 
 int CrowdTrack::knots()
 {
-    constexpr double knotsPerMetrePerSecond = 1.943844;
     return static_cast<int>(speed * knotsPerMetrePerSecond);
 }
 

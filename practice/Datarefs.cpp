@@ -9,7 +9,6 @@
 namespace tarvo::practice {
 
 namespace {
-constexpr double knotsPerMetrePerSecond = 1.94384;
 constexpr double seaLevelInHg = 30.05;
 constexpr double standardInHg = 29.92126;
 

@@ -65,6 +65,31 @@ constexpr Cue homeCues[] = {
     {u"shutdown", 17, &AircraftState::avionics, false},
 };
 
+// The same aeroplane that never lands: each approach ends as a go-around, 60 m above the runway. 1000 feet is well
+// below the circuit at home where the two cross.
+constexpr Leg goAroundLegs[] = {
+    {u"go-around", 1500, 0, 80, 140, 9}, {u"climb", 2500, 0, 90, 305, 7},    {u"crosswind", 1900, 90, 92, 305, 4},
+    {nullptr, 1900, 90, 92, 305, 4},     {u"downwind", 4600, 0, 92, 305, 4}, {nullptr, 2400, 0, 85, 305, 4.5},
+    {u"base", 1900, 90, 80, 270, 3},     {nullptr, 1900, 90, 74, 217, 2},    {u"final", 3000, 0, 71, 60, 2},
+};
+
+constexpr Move goAroundMoves[] = {
+    {u"go-around", 0, Flaps, 1, 1},           {u"go-around", 3, Flaps, 0.25, 0.05}, {u"climb", 15, Flaps, 0, 0.05},
+    {u"downwind", 30, Flaps, 0.25, 0.05},     {u"base", 5, Flaps, 0.625, 0.05},     {u"final", 2, Flaps, 1, 0.05},
+    {u"downwind", 40, Speedbrake, 0.5, 0.25}, {u"base", 0, Speedbrake, 0, 0.25},
+};
+
+constexpr Cue goAroundCues[] = {
+    {u"go-around", 0, &AircraftState::avionics, true},   {u"go-around", 0, &AircraftState::engine1, true},
+    {u"go-around", 0, &AircraftState::engine2, true},    {u"go-around", 0, &AircraftState::navLights, true},
+    {u"go-around", 0, &AircraftState::beacon, true},     {u"go-around", 0, &AircraftState::strobes, true},
+    {u"go-around", 0, &AircraftState::modeC, true},      {u"go-around", 0, &AircraftState::landingLights, true},
+    {u"go-around", 0, &AircraftState::taxiLights, true}, {u"go-around", 5, &AircraftState::gearDown, false},
+    {u"climb", 4, &AircraftState::taxiLights, false},    {u"climb", 20, &AircraftState::landingLights, false},
+    {u"base", 0, &AircraftState::gearDown, true},        {u"base", 0, &AircraftState::landingLights, true},
+    {u"final", 0, &AircraftState::taxiLights, true},
+};
+
 constexpr Leg taxiLegs[] = {
     {u"hold", 15, 0, 0, 0, 0},   {u"taxi", 60, 0, 9, 0, 0}, // a rectangle with rounded corners, clockwise
     {nullptr, 300, 0, 9, 0, 0},  {nullptr, 100, 0, 6, 0, 0}, {nullptr, 40, -90, 6, 0, 0}, {nullptr, 60, 0, 6, 0, 0},
@@ -120,12 +145,14 @@ const Pattern &homeCircuit()
 
 const Pattern &westCircuit()
 {
-    static const Pattern pattern = [] {
-        Pattern west = homeCircuit();
-        west.east = -1960;
-        west.north = 250;
-        return west;
-    }();
+    static const Pattern pattern{.legs = goAroundLegs,
+                                 .moves = goAroundMoves,
+                                 .cues = goAroundCues,
+                                 .startSpeed = 71,
+                                 .startHeight = 60,
+                                 .startPitch = 2,
+                                 .east = -1960,
+                                 .north = 250};
     return pattern;
 }
 

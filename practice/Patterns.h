@@ -6,7 +6,8 @@ namespace tarvo::practice {
 
 /// Stand to stand at runway 36R: taxi, take-off, left circuit, landing, taxi back. What the pilot's own X-Plane flies.
 const Pattern &homeCircuit();
-/// The same from the parallel runway 36L, out of the way of whoever flies the one at home.
+/// Left circuits at 1000 feet over the parallel runway 36L, each with an approach that ends as a go-around: always in
+/// the air. Phases "go-around", "climb", "crosswind", "downwind", "base" and "final".
 const Pattern &westCircuit();
 /// Round and round on the apron east of runway 36R, with a stop each time. Phases "hold" and "taxi".
 const Pattern &apronTaxi();

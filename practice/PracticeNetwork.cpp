@@ -39,6 +39,8 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
         m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd, clock);
     if (m_settings.company.present)
         m_company = std::make_unique<Company>(m_fsd, m_settings.company, clock);
+    if (m_settings.company.present && m_secondFsd)
+        m_secondCompany = std::make_unique<Company>(*m_secondFsd, m_settings.company, clock);
     if (m_settings.crowd.pilots > 0)
         m_crowd = std::make_unique<Crowd>(m_fsd, m_settings.crowd, clock);
 }
@@ -58,6 +60,8 @@ bool PracticeNetwork::start()
     }
     if (m_company)
         m_company->start();
+    if (m_secondCompany)
+        m_secondCompany->start();
     if (m_crowd)
         m_crowd->start();
     return true;
@@ -105,6 +109,8 @@ void PracticeNetwork::stop()
         m_crowd->stop();
     if (m_company)
         m_company->stop();
+    if (m_secondCompany)
+        m_secondCompany->stop();
     m_fsd.close();
     if (m_secondFsd)
         m_secondFsd->close();

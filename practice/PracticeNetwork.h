@@ -60,6 +60,8 @@ public:
     FsdServer *secondFsd() { return m_secondFsd.get(); }
     /// Null when the settings want none.
     Company *company() { return m_company.get(); }
+    /// The same people on the second server, whom a client that is handed over meets there; null without either.
+    Company *secondCompany() { return m_secondCompany.get(); }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Clients of fsd() that say what they are told.
     Cast &cast() { return m_cast; }
@@ -80,6 +82,7 @@ private:
     Cast m_cast;
     std::unique_ptr<FsdServer> m_secondFsd;
     std::unique_ptr<Company> m_company;
+    std::unique_ptr<Company> m_secondCompany;
     std::unique_ptr<Crowd> m_crowd;
     XPlaneStandIn m_xplane;
     QString m_error;

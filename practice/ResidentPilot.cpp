@@ -1,5 +1,6 @@
 #include "practice/ResidentPilot.h"
 
+#include "common/Units.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/FlightPlan.h"
 #include "fsd/pdu/FsdLine.h"
@@ -12,13 +13,12 @@
 
 namespace tarvo::practice {
 
+using common::feetPerMetre;
 using fsd::toLine;
 using fsd::pdu::ClientQueryType;
 using fsd::pdu::FastPilotPositionType;
 
 namespace {
-constexpr double feetPerMetre = 3.28084;
-constexpr double knotsPerMetrePerSecond = 1.943844;
 constexpr double standsStillBelow = 0.005; ///< metres or radians per second
 const QString everybody = QStringLiteral("@94386");
 

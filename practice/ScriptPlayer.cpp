@@ -10,6 +10,7 @@ namespace {
 constexpr int tickMs = 20;
 constexpr qsizetype mostHeard = 10'000; // older things are forgotten
 const QLatin1StringView waitFor("wait-for");
+const QLatin1StringView notHeard("not-heard");
 const QLatin1StringView heardKinds[] = {QLatin1StringView("line"), QLatin1StringView("plugin"),
                                         QLatin1StringView("login"), QLatin1StringView("left")};
 
@@ -31,19 +32,40 @@ std::optional<qint64> patience(const ScriptEvent &event)
     return static_cast<qint64>(seconds * 1000);
 }
 
-/// What is wrong with a wait; empty when nothing is.
-QString flaw(const ScriptEvent &wait)
+/// Verbs about what is heard; the others do something.
+bool listens(const ScriptEvent &event)
 {
-    if (!patience(wait))
+    return event.verb == waitFor || event.verb == notHeard;
+}
+
+/// True when the whole text must be as it is written, false when its beginning must; nothing for anything but 1 and 0.
+std::optional<bool> isExact(const ScriptEvent &event)
+{
+    const QString value = event.arguments.value(QStringLiteral("exactly"), QStringLiteral("0"));
+    const bool known = value == QLatin1StringView("1") || value == QLatin1StringView("0");
+    return known ? std::optional(value == QLatin1StringView("1")) : std::nullopt;
+}
+
+bool knowsArgument(const ScriptEvent &event, const QString &name)
+{
+    return (name == QLatin1StringView("timeout") && event.verb == waitFor) || name == QLatin1StringView("from") ||
+           name == QLatin1StringView("exactly") ||
+           std::find(std::begin(heardKinds), std::end(heardKinds), name) != std::end(heardKinds);
+}
+
+/// What is wrong with an event that listens; empty when nothing is.
+QString flaw(const ScriptEvent &event)
+{
+    if (!patience(event))
         return QStringLiteral("timeout is no number of seconds");
+    if (!isExact(event))
+        return QStringLiteral("exactly is 1 or 0");
     const auto kinds = std::count_if(std::begin(heardKinds), std::end(heardKinds),
-                                     [&](QLatin1StringView kind) { return wait.arguments.contains(kind); });
+                                     [&](QLatin1StringView kind) { return event.arguments.contains(kind); });
     if (kinds != 1)
-        return QStringLiteral("waits for one of line, plugin, login and left");
-    for (const QString &name : wait.arguments.keys()) {
-        const bool known = name == QLatin1StringView("timeout") || name == QLatin1StringView("from") ||
-                           std::find(std::begin(heardKinds), std::end(heardKinds), name) != std::end(heardKinds);
-        if (!known)
+        return QStringLiteral("listens for one of line, plugin, login and left");
+    for (const QString &name : event.arguments.keys()) {
+        if (!knowsArgument(event, name))
             return QStringLiteral("doesn't know %1").arg(name);
     }
     return {};
@@ -111,7 +133,7 @@ bool ScriptPlayer::check(const ScriptFile &file, const QString &fileName)
 {
     for (const ScriptEvent &event : file.events) {
         QString wrong;
-        if (event.verb == waitFor)
+        if (listens(event))
             wrong = flaw(event);
         else if (!m_controls.knows(event.verb))
             wrong = QStringLiteral("there is no such verb");
@@ -167,14 +189,17 @@ void ScriptPlayer::step()
 bool ScriptPlayer::play(const ScriptEvent &event)
 {
     const ControlArguments arguments = filled(event);
-    const bool isWait = event.verb == waitFor;
-    if (isWait && !waited(event, arguments))
+    if (event.verb == waitFor && !waited(event, arguments))
         return false;
-    if (!isWait && m_lastWasWait)
+    if (event.verb == notHeard && find(event, arguments) != m_heard.end()) {
+        fail(event, QStringLiteral("it was heard"));
+        return false;
+    }
+    if (!listens(event) && m_lastListened)
         m_heard.clear();
-    m_lastWasWait = isWait;
+    m_lastListened = listens(event);
     ++m_next;
-    if (!isWait && !m_controls.perform(event.verb, arguments)) {
+    if (!listens(event) && !m_controls.perform(event.verb, arguments)) {
         fail(event, QStringLiteral("there is nothing to do it to, or an argument is no good"));
         return false;
     }
@@ -191,12 +216,7 @@ bool ScriptPlayer::waited(const ScriptEvent &event, const ControlArguments &argu
     if (!m_waiting)
         m_waitMs = now;
     m_waiting = true;
-    const QString from =
-        event.arguments.contains(QStringLiteral("from")) ? arguments.value(QStringLiteral("from")) : QString();
-    const auto found = std::find_if(m_heard.begin(), m_heard.end(), [&](const Heard &heard) {
-        return arguments.contains(heard.kind) && heard.text.startsWith(arguments.value(heard.kind)) &&
-               (from.isEmpty() || heard.from == from);
-    });
+    const auto found = find(event, arguments);
     if (found == m_heard.end()) {
         if (now - m_waitMs >= patience(event).value_or(patienceMs))
             fail(event, QStringLiteral("nothing was heard within %1 s").arg((now - m_waitMs) / 1000));
@@ -208,12 +228,23 @@ bool ScriptPlayer::waited(const ScriptEvent &event, const ControlArguments &argu
     return true;
 }
 
+QList<ScriptPlayer::Heard>::iterator ScriptPlayer::find(const ScriptEvent &event, const ControlArguments &arguments)
+{
+    const QString from = arguments.value(QStringLiteral("from"));
+    const bool exactly = isExact(event).value_or(false);
+    return std::find_if(m_heard.begin(), m_heard.end(), [&](const Heard &heard) {
+        const QString wanted = arguments.value(heard.kind);
+        return arguments.contains(heard.kind) && (exactly ? heard.text == wanted : heard.text.startsWith(wanted)) &&
+               (from.isEmpty() || heard.from == from);
+    });
+}
+
 ControlArguments ScriptPlayer::filled(const ScriptEvent &event) const
 {
     ControlArguments arguments = event.arguments;
     for (QString &value : arguments)
         value.replace(QLatin1StringView("{pilot}"), m_pilot);
-    if (event.verb != waitFor && !arguments.contains(QStringLiteral("callsign")))
+    if (!listens(event) && !arguments.contains(QStringLiteral("callsign")))
         arguments.insert(QStringLiteral("callsign"), m_pilot);
     return arguments;
 }
@@ -229,7 +260,7 @@ void ScriptPlayer::finish(State state)
 {
     m_state = state;
     m_waiting = false;
-    m_lastWasWait = false;
+    m_lastListened = false;
     m_heard.clear();
     m_timer.stop();
 }

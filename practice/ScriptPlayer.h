@@ -11,9 +11,9 @@
 
 namespace tarvo::practice {
 
-/// Plays a scene in a practice network. Its verbs are those of Controls, and "wait-for", which holds the scene until
-/// something was heard. "{pilot}" in a value is the callsign of the client that logged in first, and a verb without the
-/// argument "callsign" is for him.
+/// Plays a scene in a practice network. Its verbs are those of Controls, "wait-for", which holds the scene until
+/// something was heard, and "not-heard", which ends it when something was. "{pilot}" in a value is the callsign of the
+/// client that logged in first, and a verb without the argument "callsign" is for him.
 class ScriptPlayer : public QObject
 {
     Q_OBJECT
@@ -77,6 +77,8 @@ private:
     /// Plays the next event. False when it is a wait that goes on, or the scene has failed.
     bool play(const ScriptEvent &event);
     bool waited(const ScriptEvent &event, const ControlArguments &arguments);
+    /// The first thing heard that an event listens for.
+    QList<Heard>::iterator find(const ScriptEvent &event, const ControlArguments &arguments);
     ControlArguments filled(const ScriptEvent &event) const;
     void fail(const ScriptEvent &event, const QString &reason);
     void finish(State state);
@@ -95,7 +97,7 @@ private:
     qint64 m_startMs = 0; ///< steady time at which the scene's time was 0
     qint64 m_waitMs = 0;  ///< steady time since which a wait goes on
     bool m_waiting = false;
-    bool m_lastWasWait = false;
+    bool m_lastListened = false; ///< the event before was about what is heard
 };
 
 } // namespace tarvo::practice

@@ -3,6 +3,7 @@
 
 With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
 pictures of every window stay in build/demo, and the lines that the server saw are printed as they stood on the wire.
+Without it, the pilot is told what there is to look at.
 """
 import argparse
 import contextlib
@@ -52,6 +53,10 @@ class Practice:
         for line in self.process.stdout:
             self.lines.append(line.rstrip('\n'))
             print(line, end='', flush=True)
+
+    def has(self, pattern):
+        """True once a line holds `pattern`."""
+        return any(re.search(pattern, line) for line in self.lines)
 
     def wait_for(self, pattern, seconds=60, start=0):
         """The number of the first line from `start` that holds `pattern`."""
@@ -129,14 +134,30 @@ class Window:
         self.x, self.y = int(geometry['X']), int(geometry['Y'])
         self.width, self.height = int(geometry['WIDTH']), int(geometry['HEIGHT'])
 
-    def click(self, x, y):
-        """Clicks at a point of the window, in pixels; negative ones count from the right and the bottom. Returns when
-        the display shows that the click has arrived, so that keys typed next reach what was clicked."""
-        xdotool('mousemove', '--sync', self.x + x % self.width, self.y + y % self.height)
-        before = at_rest()
-        xdotool('click', 1)
-        wait_until(f'click at {x}, {y}', lambda: screenshot() != before)
+    def click(self, point, until):
+        """Clicks at a point of the window, in pixels, and waits until `until` says that this had its effect: the display
+        itself changes all the time."""
+        x, y = point
+        xdotool('mousemove', '--sync', self.x + x, self.y + y)
         at_rest()
+        xdotool('click', 1)
+        wait_until(f'click at {x}, {y}', until)
+
+    def count(self, left, top, width, height, colour):
+        """How many pixels of a part of the window have that colour, or nearly."""
+        part = f'{width}x{height}+{self.x + left}+{self.y + top}'
+        raw = subprocess.run(['import', '-window', 'root', '-crop', part, '-depth', '8', 'rgb:-'], capture_output=True,
+                             check=True).stdout
+        return sum(all(abs(a - b) <= 12 for a, b in zip(raw[i:i + 3], colour)) for i in range(0, len(raw) - 2, 3))
+
+    def open_page(self, item):
+        """Clicks an item of the sidebar; the dot before the title is filled once its page is shown."""
+        self.click(item, lambda: self.count(SIDEBAR_DOT - 3, item[1] - 3, 6, 6, INK) == 36)
+
+    def focus(self, field):
+        """Clicks an entry field, whose frame is blue while it takes the keys."""
+        x, y = field
+        self.click(field, lambda: self.count(x, y - FIELD_HEIGHT, 8, 2 * FIELD_HEIGHT, FOCUS) >= 16)
 
 
 def type_text(text):
@@ -159,32 +180,30 @@ def fly(client, practice):
 
     main = Window(MAIN_TITLE)
     picture('2-mode-selection')
-    main.click(*X_PLANE_CARD)
-    practice.wait_for(r'plugin +<<< VER')
+    main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
     picture('3-overview')
 
-    main.click(*SERVER_ITEM)
+    main.open_page(SERVER_ITEM)
     picture('4-server-page')
-    fill_form(main)
+    fill_form(main, practice)
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
     picture('6-connected')
     meet_traffic(main, practice, connected)
     talk_to_tower(main, practice, connected)
-    main.click(*SERVER_ITEM)
-    main.click(*CONNECT_BUTTON)
-    practice.wait_for(r'#DP' + CALLSIGN)
-    picture('10-disconnected')
-    main.click(*LOGOUT_ITEM)
+    main.open_page(SERVER_ITEM)
+    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#DP' + CALLSIGN))
+    picture('11-disconnected')
+    main.click(LOGOUT_ITEM, until=lambda: window(LOGIN_TITLE))
     Window(LOGIN_TITLE)
-    picture('11-login-again')
+    picture('12-login-again')
     press('alt+F4')
     if client.wait(10) != 0:
         raise Failure(f'the client ended with {client.returncode}')
 
 
-def fill_form(main):
-    main.click(*CALLSIGN_FIELD)
+def fill_form(main, practice):
+    main.focus(CALLSIGN_FIELD)
     type_text(CALLSIGN)
     press('Tab')
     type_text(TYPE_CODE[:3])
@@ -192,30 +211,40 @@ def fill_form(main):
     type_text(TYPE_CODE[3:])
     press('Escape', 'Tab')
     type_text(SELCAL)
-    main.click(*CONNECT_BUTTON)
+    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
 
 
 def meet_traffic(main, practice, connected):
-    """Waits until every other aircraft is drawn, and looks at them. The tower has greeted meanwhile: a badge tells."""
+    """Waits until every other aircraft is drawn, and looks at them on the plot. The tower has greeted meanwhile: a badge
+    tells."""
     for callsign in OTHER_PILOTS:
         practice.wait_for(r'plugin +>>> ADDED.*' + callsign, start=connected)
     practice.wait_for(f'#TM{TOWER}:{CALLSIGN}:', start=connected)
-    main.click(*SIMULATOR_ITEM)
+    wait_until('badge of unread messages', lambda: main.count(*BADGE, RED) >= 50)
+    main.open_page(SIMULATOR_ITEM)
+    wait_until('aircraft on the plot', lambda: main.count(*PAGE, CYAN) >= 20)
     picture('7-simulator-page')
 
 
 def talk_to_tower(main, practice, connected):
-    """A private session with the tower, and its call by SELCAL."""
-    main.click(*MESSAGES_ITEM)
+    """A private session with the tower, which answers, and its call by SELCAL."""
+    main.open_page(MESSAGES_ITEM)
     picture('8-messages-page')
-    main.click(*TOWER_SESSION)
-    for text in (f'SELCAL {SELCAL}', 'SELCAL'):
-        main.click(*COMPOSE_FIELD)
+    x, y = TOWER_SESSION
+    main.click(TOWER_SESSION, until=lambda: main.count(SESSION_MARK - 3, y - 6, 6, 12, FOCUS) >= 20)
+
+    def write(text):
+        main.focus(COMPOSE_FIELD)
         type_text(text)
         press('Return')
-        sent = practice.wait_for(f'#TM{CALLSIGN}:{TOWER}:{text}$', start=connected)
-    practice.wait_for(f'#TM{TOWER}:.*:SELCAL {SELCAL}', start=sent)
-    picture('9-called-by-selcal')
+        return practice.wait_for(f'#TM{CALLSIGN}:{TOWER}:{text}$', start=connected)
+
+    sent = write(f'SELCAL {SELCAL}')
+    practice.wait_for(f'#TM{TOWER}:{CALLSIGN}:.*SELCAL is {SELCAL}', start=sent)
+    picture('9-answered-by-tower')
+    sent = write('SELCAL')
+    practice.wait_for(f'#TM{TOWER}:@[0-9]+:SELCAL {SELCAL}', start=sent)
+    picture('10-called-by-selcal')
 
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
@@ -228,6 +257,23 @@ TOWER_SESSION = (370, 500)
 COMPOSE_FIELD = (650, 660)
 CALLSIGN_FIELD = (430, 329)
 CONNECT_BUTTON = (430, 503)
+
+# Where he looks: left, top, width, height or a column, and the colours of the style.
+SIDEBAR_DOT = 47
+SESSION_MARK = 286
+FIELD_HEIGHT = 42
+BADGE = (190, 260, 40, 40)
+PAGE = (252, 0, 748, 700)
+INK, FOCUS, RED, CYAN = (0x0F, 0x17, 0x2A), (0x3B, 0x82, 0xF6), (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9)
+
+TOUR = f"""
+What there is to see, once X-Plane is chosen and a callsign is connected on the page 服务器:
+  模拟器  four other aircraft on the plot and in its list; {OTHER_PILOTS[0]} and {OTHER_PILOTS[1]} are in the air
+  消息    a badge, as {TOWER} greets after six seconds; open the session and write to it
+          "SELCAL AB-CD" tells {TOWER} your code, "SELCAL" lets it call you on COM1
+          a wallop is answered by a supervisor, and every five minutes there is a broadcast
+Close the client to end it all.
+"""
 
 
 def write_config(programs, account):
@@ -261,6 +307,7 @@ def main():
                         client.terminate()
                         client.wait()
         else:
+            print(TOUR, flush=True)
             client = subprocess.Popen([programs / 'TarvoClient'])
             if client.wait() != 0:
                 raise Failure(f'the client ended with {client.returncode}')

@@ -10,6 +10,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "practice/PracticeNetwork.h"
 #include "simulator/xplane/XPlaneAdapter.h"
+#include "support/Patience.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -27,8 +28,11 @@ struct Network
 {
     practice::PracticeNetwork practice;
     QStringList heard; ///< lines of all clients, in order, without the configuration messages to all
+    QStringList toAll; ///< the configuration messages to all; they come whenever a light goes on
 
-    explicit Network(const common::Clock &clock = common::systemClock()) : practice(quietSettings(), clock)
+    explicit Network(const common::Clock &clock = common::systemClock(),
+                     const practice::PracticeSettings &settings = quietSettings())
+        : practice(settings, clock)
     {
         started = practice.start();
         listenTo(practice.fsd());
@@ -38,8 +42,7 @@ struct Network
     {
         QObject::connect(&server, &practice::FsdServer::lineReceived, &server,
                          [this](const QString &, const QString &line) {
-                             if (!line.contains(QStringLiteral(":@94386:")))
-                                 heard << line;
+                             (line.contains(QStringLiteral(":@94386:")) ? toAll : heard) << line;
                          });
     }
 
@@ -48,6 +51,7 @@ struct Network
         practice::PracticeSettings settings = practice::PracticeSettings::ephemeral();
         settings.fsd.pingIntervalMs = 0;
         settings.fsd.challengeIntervalMs = 0;
+        settings.fsd.silenceMs = 1 << 30; // a test may let hours pass
         // Many aircraft that a test makes up are a flood of questions to nobody.
         settings.fsd.maxLinesPerSecond = 100'000;
         settings.fsd.maxBadLines = 1'000'000;
@@ -114,7 +118,7 @@ public:
             answered = true;
             accepted = success;
         });
-        if (!QTest::qWaitFor([&] { return answered; }) || !accepted)
+        if (!QTest::qWaitFor([&] { return answered; }, patienceMs) || !accepted)
             return false;
         config.set(config::sessionUsername, QStringLiteral("1001"));
         config.set(config::sessionPassword, password);
@@ -149,7 +153,7 @@ public:
                 QMetaObject::invokeMethod(tick, "timeout");
             return live;
         };
-        const bool delivered = tick && QTest::qWaitFor(delivers, 20'000);
+        const bool delivered = tick && QTest::qWaitFor(delivers, patienceMs);
         xplane->disconnect(xplane.get());
         return delivered;
     }
@@ -251,5 +255,5 @@ inline QString identification()
 
 /// Waits until these and no other events have been heard since they were last taken, and takes them.
 #define TRY_EVENTS(client, ...)                                                                                        \
-    QTRY_COMPARE((client).events, (QStringList{__VA_ARGS__}));                                                         \
+    TRY_COMPARE((client).events, (QStringList{__VA_ARGS__}));                                                          \
     (client).events.clear()

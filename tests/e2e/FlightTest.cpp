@@ -1,7 +1,11 @@
 #include "e2e/Client.h"
+#include "e2e/Stage.h"
 #include "fsd/pdu/FastPilotPosition.h"
 #include "fsd/pdu/PilotPosition.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
+
+#include <QDateTime>
 
 #include <cmath>
 
@@ -11,48 +15,51 @@ using tarvo::fsd::pdu::FastPilotPositionType;
 using tarvo::fsd::pdu::PilotPosition;
 using tarvo::practice::AircraftState;
 using tarvo::test::Client;
+using tarvo::test::ManualClock;
 using tarvo::test::Network;
+using tarvo::test::patienceMs;
 using tarvo::test::Protocol;
+using tarvo::test::Stage;
 
 namespace {
 
-/// A pilot on the network, his aeroplane at some moment of its flight.
+/// A pilot on the network, his aeroplane at one moment of its flight, where it stays: nothing moves its clock but this.
 struct Flight
 {
-    Network network;
-    Client client{network, Protocol::Classic};
+    ManualClock clock{QDateTime::currentMSecsSinceEpoch()}; ///< of the simulator and the services
+    ManualClock sessionClock;
+    Network network{clock};
+    Client client{network, Protocol::Classic, sessionClock};
+    double moment = 0; ///< seconds
     bool online = false;
 
     explicit Flight(const QString &phase)
     {
-        practice::XPlaneStandIn &xplane = network.practice.xplane();
-        xplane.setFlightTime(std::max(0.0, xplane.flight().startOf(phase) + 1));
-        online = network.started && client.signIn() && client.activateXPlane() && client.connectPilot() &&
-                 QTest::qWaitFor([this] { return network.heard.contains(test::identification()); });
+        moment = std::max(0.0, network.practice.xplane().flight().startOf(phase) + 1);
+        online = network.started && client.signIn() && listen() && client.activateXPlane([this] { rock(); }) &&
+                 client.connectPilot() &&
+                 QTest::qWaitFor([this] { return network.heard.contains(test::identification()); }, patienceMs) &&
+                 rest();
     }
 
-    AircraftState truth()
-    {
-        const practice::XPlaneStandIn &xplane = network.practice.xplane();
-        return xplane.flight().at(xplane.flightTime());
-    }
+    AircraftState truth() { return network.practice.xplane().flight().at(moment); }
 
-    /// Stops the flight, and waits until the client has noticed and knows the aeroplane's last state.
+    /// Stops the flight, and waits until the client has noticed.
     bool hold()
     {
-        manager::SimulatorData known;
-        const auto watching =
-            QObject::connect(client.manager.get(), &manager::NetworkManager::simulatorDataUpdated, client.manager.get(),
-                             [&](const manager::SimulatorData &data) { known = data; });
         network.practice.xplane().setPaused(true);
-        const AircraftState last = truth();
-        const bool held = QTest::qWaitFor([&] {
-            return known.simPaused && std::abs(known.aircraft.latitude - last.latitude) < 1e-5 &&
-                   std::abs(known.aircraft.bank - last.bank) < 1e-3 &&
-                   std::abs(known.aircraft.pitch - last.pitch) < 1e-3;
-        });
-        QObject::disconnect(watching);
-        return held;
+        return rest();
+    }
+
+    /// Waits until the client knows the aeroplane's state at that moment.
+    bool rest()
+    {
+        return QTest::qWaitFor(
+            [this] {
+                sendAt(moment);
+                return m_known.simPaused == network.practice.xplane().isPaused() && isTruth(m_known.aircraft);
+            },
+            patienceMs);
     }
 
     /// What the server hears of one turn of a timer. The pong that is asked for behind it ends the wait.
@@ -61,11 +68,47 @@ struct Flight
         network.heard.clear();
         client.fire(timer);
         network.practice.fsd().ping(QStringLiteral("AB1"));
-        if (!QTest::qWaitFor([this] { return !network.linesOf(QStringLiteral("$PO")).isEmpty(); }))
+        const auto answered = [this] { return !network.linesOf(QStringLiteral("$PO")).isEmpty(); };
+        if (!QTest::qWaitFor(answered, patienceMs))
             return {};
         network.heard.removeIf([](const QString &line) { return line.startsWith(QStringLiteral("$PO")); });
         return network.heard;
     }
+
+private:
+    bool listen()
+    {
+        QObject::connect(client.manager.get(), &manager::NetworkManager::simulatorDataUpdated, client.manager.get(),
+                         [this](const manager::SimulatorData &data) { m_known = data; });
+        return true;
+    }
+
+    /// The simulator tells its data as they are at that moment.
+    void sendAt(double seconds)
+    {
+        clock.advance(1000); // until all of it is due again
+        network.practice.xplane().setFlightTime(seconds);
+        network.practice.xplane().tick();
+    }
+
+    /// Moves to and fro, so that the client takes the simulator for alive.
+    void rock()
+    {
+        m_rocked = !m_rocked;
+        sendAt(moment + (m_rocked ? 1 : 0));
+    }
+
+    bool isTruth(const model::UserAircraftData &known)
+    {
+        const AircraftState wanted = truth();
+        const auto near = [](double a, double b) { return std::abs(a - b) < 1e-3; };
+        return std::abs(known.latitude - wanted.latitude) < 1e-5 && near(known.bank, wanted.bank) &&
+               near(known.pitch, wanted.pitch) && near(known.longitudeVelocity, wanted.eastVelocity) &&
+               near(known.altitudeVelocity, wanted.upVelocity) && near(known.latitudeVelocity, wanted.northVelocity);
+    }
+
+    manager::SimulatorData m_known;
+    bool m_rocked = false;
 };
 
 /// The fields of a line whose identifier is `length` characters long.
@@ -136,12 +179,12 @@ private slots:
         QVERIFY(flight.online);
         QVERIFY(!flight.client.isRunning("fastTimer"));
         QVERIFY(flight.network.practice.fsd().setFast(u"AB1"_qs, true));
-        QTRY_VERIFY(flight.client.isRunning("fastTimer"));
+        TRY_VERIFY(flight.client.isRunning("fastTimer"));
         flight.network.heard.clear();
-        QTRY_VERIFY(flight.network.linesOf(u"^AB1:"_qs).size() >= 2); // its own turns
+        TRY_VERIFY(flight.network.linesOf(u"^AB1:"_qs).size() >= 2); // its own turns
         QVERIFY(flight.network.practice.fsd().setFast(u"AB1"_qs, false));
-        QTRY_VERIFY(!flight.client.isRunning("fastTimer"));
-        QTRY_COMPARE(flight.network.linesOf(u"#STAB1:"_qs).size(), 1);
+        TRY_VERIFY(!flight.client.isRunning("fastTimer"));
+        TRY_COMPARE(flight.network.linesOf(u"#STAB1:"_qs).size(), 1);
         QVERIFY(flight.network.heard.last().startsWith(u"#STAB1:"_qs));
     }
 
@@ -166,11 +209,11 @@ private slots:
         QVERIFY(!lines.isEmpty());
         QVERIFY2(lines.first().startsWith(prefix), qPrintable(lines.first()));
         const FastPilotPosition report = FastPilotPosition::parse(fieldsOf(lines.first(), prefix.size()), type);
-        QVERIFY(isNear(report.velocity1, truth.eastVelocity, 2));
-        QVERIFY(isNear(report.velocity2, truth.upVelocity, 2));
-        QVERIFY(isNear(report.velocity3, truth.northVelocity, 2));
+        QVERIFY(isNear(report.velocity1, truth.eastVelocity, 1e-3)); // four decimals of the simulator's floats
+        QVERIFY(isNear(report.velocity2, truth.upVelocity, 1e-3));
+        QVERIFY(isNear(report.velocity3, truth.northVelocity, 1e-3));
         QVERIFY(std::abs(report.velocity3) > 20); // runway 36: it does fly north
-        QVERIFY(isNear(report.latitude, truth.latitude, 0.01));
+        QVERIFY(isNear(report.latitude, truth.latitude, 1e-5));
         QCOMPARE(report.onGround, false);
     }
 
@@ -181,6 +224,22 @@ private slots:
         const QStringList lines = flight.linesOfTick("fastTimer");
         QCOMPARE(lines.size(), 1);
         QVERIFY2(lines.first().startsWith(u"#STAB1:"_qs), qPrintable(lines.first()));
+    }
+
+    void whatChangesIsToldToAll()
+    {
+        Stage stage;
+        QVERIFY(stage.start());
+        QStringList &told = stage.network.toAll;
+        QCOMPARE(told, QStringList()); // the first sample says nothing
+        const QString landingLights = u"sim/cockpit2/switches/landing_lights_on"_qs;
+        for (const bool on : {true, false}) {
+            told.clear();
+            QVERIFY(stage.turn(landingLights, on ? 1 : 0, [&] { return !told.isEmpty(); }) && stage.settle());
+            const QString json = u"{\"config\":{\"lights\":{\"landing_on\":%1}}}"_qs.arg(on ? u"true"_qs : u"false"_qs);
+            QCOMPARE(told, QStringList{u"$CQAB1:@94386:ACC:"_qs + json});
+        }
+        QCOMPARE(stage.takeLines(), QStringList());
     }
 
     void aFrozenSimulatorLeavesTheSessionUp()

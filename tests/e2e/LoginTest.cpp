@@ -43,7 +43,7 @@ private slots:
         QVERIFY(client.activateXPlane());
         QVERIFY(client.connectPilot());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(network.heard.size() >= 5);
+        TRY_VERIFY(network.heard.size() >= 5);
         QCOMPARE(network.heard.at(0), u"#APAB1:SERVER:1001:practice:1:9:5:Lin Xiaozhou ZBAA"_qs);
         QCOMPARE(network.heard.at(1), u"$CQAB1:SERVER:IP"_qs);
         QVERIFY2(parkedSlow.match(network.heard.at(2)).hasMatch(), qPrintable(network.heard.at(2)));
@@ -63,7 +63,7 @@ private slots:
         QVERIFY(client.activateXPlane());
         QVERIFY(client.connectPilot());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(network.heard.size() >= 5);
+        TRY_VERIFY(network.heard.size() >= 5);
         QCOMPARE(network.heard.at(0), identification());
         const QString token = tokenIn(network.heard.at(1), u"#APAB1:SERVER:1001:"_qs, u":1:100:5:Lin Xiaozhou ZBAA"_qs);
         QCOMPARE(token.count(u'.'), 2); // a JSON Web Token
@@ -82,7 +82,7 @@ private slots:
         TRY_EVENTS(client, u"connected AB1"_qs);
         const QStringList expected{u"#AAAB1:SERVER:Lin Xiaozhou:1001:practice:1:9"_qs, u"$CQAB1:SERVER:IP"_qs,
                                    observerPosition, identification()};
-        QTRY_COMPARE(network.heard, expected);
+        TRY_COMPARE(network.heard, expected);
         QCOMPARE(client.notifications.last(), u"Connected to network in observer mode."_qs);
     }
 
@@ -94,7 +94,7 @@ private slots:
         QVERIFY(client.signIn());
         QVERIFY(client.connectObserver());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_COMPARE(network.heard.size(), 4);
+        TRY_COMPARE(network.heard.size(), 4);
         QCOMPARE(network.heard.at(0), identification());
         const QString token = tokenIn(network.heard.at(1), u"#AAAB1:SERVER:Lin Xiaozhou:1001:"_qs, u":1:100"_qs);
         QCOMPARE(token.count(u'.'), 2);
@@ -114,7 +114,7 @@ private slots:
         QCOMPARE(client.notifications, (QStringList{u"Connecting to network..."_qs, u"Connected to network."_qs,
                                                     u"Network authentication error: Account suspended"_qs,
                                                     u"Forcibly disconnected from network: Account suspended"_qs}));
-        QTRY_COMPARE(network.practice.fsd().connectionCount(), 0);
+        TRY_COMPARE(network.practice.fsd().connectionCount(), 0);
         QCOMPARE(network.heard, QStringList{identification()});
     }
 
@@ -161,7 +161,7 @@ private slots:
         QVERIFY(client.signIn());
         QVERIFY(client.connectObserver());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(!network.linesOf(u"$ID"_qs).isEmpty());
+        TRY_VERIFY(!network.linesOf(u"$ID"_qs).isEmpty());
         client.manager->disconnectFromNetwork();
         const QString log = client.networkLog();
         const QString login = network.linesOf(u"#AA"_qs).value(0);

@@ -16,7 +16,7 @@ struct Theatre
     Client client;
     ManualClock sceneClock;
     ScriptPlayer player{network.practice, sceneClock};
-    QStringList texts; ///< private, from the server, broadcast and SELCAL, each after its kind
+    QStringList texts; ///< that the client got: private, radio, broadcast, from the server, SELCAL; each after its kind
     QStringList played;
 
     explicit Theatre(Protocol protocol) : client(network, protocol)
@@ -32,7 +32,7 @@ struct Theatre
         client.controllers = std::make_shared<manager::ControllerManager>(client.manager, clock);
         listen();
         return client.activateXPlane() && client.connectPilot() &&
-               QTest::qWaitFor([this] { return !client.events.isEmpty(); });
+               QTest::qWaitFor([this] { return !client.events.isEmpty(); }, patienceMs);
     }
 
     /// Plays it until it is over. What went wrong, or nothing.
@@ -41,13 +41,13 @@ struct Theatre
         const bool over = QTest::qWaitFor(
             [&] {
                 meanwhile();
-                client.fire("slowTimer");
+                client.fire("slowTimer"); // which wouldn't go off often by itself
                 if (!player.isWaiting())
                     sceneClock.advance(100);
                 player.step();
                 return player.state() == ScriptPlayer::State::Finished || player.state() == ScriptPlayer::State::Failed;
             },
-            30'000);
+            2 * patienceMs);
         if (over)
             return player.error();
         return QStringLiteral("held after \"%1\"").arg(played.value(played.size() - 1));
@@ -62,6 +62,16 @@ private:
                          [this](const QString &from, const QString &text) {
                              texts << QStringLiteral("private %1: %2").arg(from, text);
                          });
+        QObject::connect(manager, &NetworkManager::radioMessageReceived, &player,
+                         [this](const network::RadioMessageReceived &radio) {
+                             texts << QStringLiteral("radio %1: %2").arg(radio.from, radio.message);
+                         });
+        QObject::connect(manager, &NetworkManager::broadcastMessageReceived, &player,
+                         [this](const QString &from, const QString &text) {
+                             texts << QStringLiteral("broadcast %1: %2").arg(from, text);
+                         });
+        QObject::connect(manager, &NetworkManager::serverMessageReceived, &player,
+                         [this](const QString &text) { texts << QStringLiteral("server: %1").arg(text); });
         QObject::connect(manager, &NetworkManager::selcalAlertReceived, &player,
                          [this](const QString &from, const QList<uint> &frequencies) {
                              texts << QStringLiteral("selcal %1 on %2").arg(from).arg(frequencies.size());
@@ -101,8 +111,17 @@ private slots:
         QVERIFY2(theatre.open(QStringLiteral("text")), qPrintable(theatre.player.error()));
         const QString error = theatre.play();
         QVERIFY2(error.isEmpty(), qPrintable(error));
-        const QStringList expected{QStringLiteral("private ZBAA_TWR: Stand by: traffic on final"),
-                                   QStringLiteral("selcal ZBAA_TWR on 1"), QStringLiteral("selcal ZBAA_TWR on 2")};
+        const QStringList expected{u"server: Welcome to the practice network."_qs,
+                                   u"private ZBAA_TWR: Stand by: traffic on final"_qs,
+                                   u"radio ZBAA_TWR: Wind calm"_qs,
+                                   u"radio ZBAA_TWR: QNH 1013"_qs,
+                                   u"radio ZBAA_TWR: All stations"_qs,
+                                   u"radio ZBAA_TWR: AB1, cleared for take-off"_qs,
+                                   u"selcal ZBAA_TWR on 1"_qs,
+                                   u"selcal ZBAA_TWR on 2"_qs,
+                                   u"radio ZBAA_TWR: selcal EF-GH"_qs,
+                                   u"broadcast ZBAA_TWR: Runway 36R closed: 18L in use"_qs,
+                                   u"server: The network goes down at midnight"_qs};
         QCOMPARE(theatre.texts, expected);
     }
 
@@ -132,7 +151,7 @@ private slots:
             called = theatre.player.isWaiting();
         });
         QVERIFY2(error.isEmpty(), qPrintable(error));
-        QTRY_VERIFY(theatre.texts.contains(QStringLiteral("private TARVO_SUP: TARVO_SUP here, what is it?")));
+        TRY_VERIFY(theatre.texts.contains(QStringLiteral("private TARVO_SUP: TARVO_SUP here, what is it?")));
     }
 };
 

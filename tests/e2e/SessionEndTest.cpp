@@ -48,8 +48,8 @@ private slots:
         TRY_EVENTS(client, u"connected AB1"_qs);
         client.manager->disconnectFromNetwork();
         TRY_EVENTS(client, u"disconnected"_qs);
-        QTRY_COMPARE(network.heard.last(), u"#DAAB1:1001"_qs);
-        QTRY_COMPARE(network.practice.fsd().connectionCount(), 0);
+        TRY_COMPARE(network.heard.last(), u"#DAAB1:1001"_qs);
+        TRY_COMPARE(network.practice.fsd().connectionCount(), 0);
     }
 
     void thePluginEndsTheSession()
@@ -61,7 +61,7 @@ private slots:
         QVERIFY(network.practice.xplane().plugin().forceDisconnect(u"Replay mode"_qs));
         TRY_EVENTS(client, u"disconnected forced"_qs);
         QCOMPARE(client.notifications.last(), u"Forcibly disconnected from network: Replay mode"_qs);
-        QTRY_COMPARE(network.heard.last(), u"#DPAB1:1001"_qs);
+        TRY_COMPARE(network.heard.last(), u"#DPAB1:1001"_qs);
     }
 
     void logoutWhileConnected()
@@ -70,10 +70,10 @@ private slots:
         Client client(network, Protocol::Classic);
         QVERIFY(network.started && client.signIn() && client.activateXPlane() && client.connectPilot());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(network.heard.contains(identification()));
+        TRY_VERIFY(network.heard.contains(identification()));
         client.signOut();
-        QTRY_COMPARE(network.heard.last(), u"#DPAB1:1001"_qs); // with the CID, before the socket closes
-        QTRY_COMPARE(network.practice.fsd().connectionCount(), 0);
+        TRY_COMPARE(network.heard.last(), u"#DPAB1:1001"_qs); // with the CID, before the socket closes
+        TRY_COMPARE(network.practice.fsd().connectionCount(), 0);
         QCOMPARE(client.events, QStringList{u"disconnected"_qs});
         QVERIFY(!client.api.hasToken());
     }
@@ -90,8 +90,8 @@ private slots:
             TRY_EVENTS(client, u"connected AB1"_qs);
             client.signOut();
             TRY_EVENTS(client, u"disconnected"_qs);
-            QTRY_COMPARE(network.linesOf(u"#DPAB1:1001"_qs).size(), session);
-            QTRY_COMPARE(network.practice.fsd().connectionCount(), 0);
+            TRY_COMPARE(network.linesOf(u"#DPAB1:1001"_qs).size(), session);
+            TRY_COMPARE(network.practice.fsd().connectionCount(), 0);
         }
         QCOMPARE(network.linesOf(u"#APAB1:"_qs).size(), 2);
         const QStringList logins = network.linesOf(u"#AP"_qs);
@@ -120,23 +120,23 @@ private slots:
         QVERIFY(client.signIn());
         QVERIFY(client.connectObserver());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(network.heard.contains(identification()));
+        TRY_VERIFY(network.heard.contains(identification()));
         client.notifications.clear();
         QVERIFY(network.practice.fsd().handOver(u"AB1"_qs, second));
-        QTRY_COMPARE(second.callsigns(), QStringList{u"AB1"_qs});
-        QTRY_COMPARE(network.practice.fsd().connectionCount(), 0);
+        TRY_COMPARE(second.callsigns(), QStringList{u"AB1"_qs});
+        TRY_COMPARE(network.practice.fsd().connectionCount(), 0);
         QCOMPARE(heardThere.value(0), identification()); // every greeting is answered
         if (protocol == Protocol::Token) {
-            QTRY_COMPARE(heardThere.size(), 4); // and by token the login is repeated
+            TRY_COMPARE(heardThere.size(), 4); // and by token the login is repeated
             QVERIFY(heardThere.at(1).startsWith(u"#AAAB1:SERVER:Lin Xiaozhou:1001:"_qs));
         }
 
         QVERIFY(client.fire("slowTimer"));
-        QTRY_COMPARE(heardThere.last(), u"%AB1:99998:0:40:1:0.00000:0.00000:0"_qs);
+        TRY_COMPARE(heardThere.last(), u"%AB1:99998:0:40:1:0.00000:0.00000:0"_qs);
         QCOMPARE(client.events, QStringList()); // the session goes on
         QCOMPARE(client.notifications, QStringList());
         client.manager->disconnectFromNetwork();
-        QTRY_COMPARE(heardThere.last(), u"#DAAB1:1001"_qs);
+        TRY_COMPARE(heardThere.last(), u"#DAAB1:1001"_qs);
     }
 
     void sentToAServerThatIsNotThere()
@@ -145,10 +145,10 @@ private slots:
         Client client(network, Protocol::Classic);
         QVERIFY(network.started && client.signIn() && client.connectObserver());
         TRY_EVENTS(client, u"connected AB1"_qs);
-        QTRY_VERIFY(network.heard.contains(identification()));
+        TRY_VERIFY(network.heard.contains(identification()));
         QVERIFY(network.practice.fsd().redirect(u"AB1"_qs, u"127.0.0.3"_qs));
         QVERIFY(network.practice.fsd().ping(u"AB1"_qs));
-        QTRY_COMPARE(network.linesOf(u"$POAB1:SERVER:"_qs).size(), 1); // still here
+        TRY_COMPARE(network.linesOf(u"$POAB1:SERVER:"_qs).size(), 1); // still here
         QCOMPARE(client.events, QStringList());
     }
 };

@@ -66,7 +66,7 @@ QString words(const network::RadioMessageReceived &value)
 /// Goes on the moment that it comes true, unlike QTest::qWaitFor(), which looks every ten milliseconds.
 bool waitFor(const std::function<bool()> &comesTrue)
 {
-    const QDeadlineTimer deadline(5'000);
+    const QDeadlineTimer deadline(patienceMs);
     QTimer alarm;
     alarm.start(100);
     while (!comesTrue()) {
@@ -80,8 +80,10 @@ bool waitFor(const std::function<bool()> &comesTrue)
 
 } // namespace
 
-Stage::Stage(Protocol protocol)
-    : simulatorClock(QDateTime::currentMSecsSinceEpoch()), network(simulatorClock), client(network, protocol, clock)
+Stage::Stage(Protocol protocol, const practice::PracticeSettings &settings)
+    : simulatorClock(QDateTime::currentMSecsSinceEpoch()),
+      network(simulatorClock, settings),
+      client(network, protocol, clock)
 {
 }
 
@@ -197,19 +199,43 @@ bool Stage::settle()
 /// what goes along it, so that all that was on its way before has arrived when the mark has.
 bool Stage::passRound()
 {
-    const QString mark = QStringLiteral("~mark %1~").arg(++m_mark);
-    const auto isMarked = [mark](const auto &said) { return said.contains(mark); };
-    const auto isMarkedBytes = [mark](const QByteArray &said) { return said.contains(mark.toLatin1()); };
+    const QString mark = nextMark();
+    const auto isMarked = [mark](const QString &said) { return said.contains(mark); };
     const auto anyMarked = [&] { return std::any_of(network.heard.begin(), network.heard.end(), isMarked); };
-    const auto anyMarkedBytes = [&] { return std::any_of(m_messages.begin(), m_messages.end(), isMarkedBytes); };
-    const bool passed =
-        server().sendText(m_callsign, mark) && waitFor(anyMarkedBytes) &&
-        plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) && waitFor(anyMarked) &&
-        waitFor([&] { return std::count_if(m_messages.begin(), m_messages.end(), isMarkedBytes) == 2; });
-    network.heard.removeIf(isMarked);
-    m_messages.removeIf(isMarkedBytes);
-    m_signals.removeIf(isMarked);
+    const bool passed = server().sendText(m_callsign, mark) && waitFor([&] { return markedMessages(mark) == 1; }) &&
+                        plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) && waitFor(anyMarked) &&
+                        waitFor([&] { return markedMessages(mark) == 2; });
+    forgetMark(mark);
     return passed;
+}
+
+/// The mark of the plugin's own end: the client repeats what was typed there.
+bool Stage::settlePlugin()
+{
+    const QString mark = nextMark();
+    const bool passed = plugin().sendPrivateMessage(QStringLiteral("SERVER"), mark) &&
+                        waitFor([&] { return markedMessages(mark) == 1; });
+    forgetMark(mark);
+    return passed;
+}
+
+QString Stage::nextMark()
+{
+    return QStringLiteral("~mark %1~").arg(++m_mark);
+}
+
+qsizetype Stage::markedMessages(const QString &mark) const
+{
+    return std::count_if(m_messages.begin(), m_messages.end(),
+                         [mark](const QByteArray &said) { return said.contains(mark.toLatin1()); });
+}
+
+void Stage::forgetMark(const QString &mark)
+{
+    const auto isMarked = [mark](const QString &said) { return said.contains(mark); };
+    network.heard.removeIf(isMarked);
+    m_messages.removeIf([mark](const QByteArray &said) { return said.contains(mark.toLatin1()); });
+    m_signals.removeIf(isMarked);
 }
 
 // --- what was said ---
@@ -300,33 +326,40 @@ QStringList told(std::initializer_list<practice::PluginMessage> messages)
 
 // --- the simulator ---
 
-bool Stage::turn(const QString &dataref, float value, const std::function<bool(const model::RadioStackState &)> &known)
+bool Stage::turn(const QString &dataref, float value, const std::function<bool()> &known)
 {
-    return xplane().setValue(dataref, value) && QTest::qWaitFor([&] {
-               simulatorClock.advance(1000);
-               xplane().tick();
-               return known(m_radio);
-           });
+    const auto ticks = [&] {
+        simulatorClock.advance(1000);
+        xplane().tick();
+        return known();
+    };
+    return xplane().setValue(dataref, value) && QTest::qWaitFor(ticks, patienceMs);
+}
+
+bool Stage::turnRadio(const QString &dataref, float value,
+                      const std::function<bool(const model::RadioStackState &)> &known)
+{
+    return turn(dataref, value, [&] { return known(m_radio); });
 }
 
 bool Stage::tuneCom1(int kHz)
 {
-    return turn(QLatin1StringView(com1), static_cast<float>(kHz), [kHz](const model::RadioStackState &radio) {
+    return turnRadio(QLatin1StringView(com1), static_cast<float>(kHz), [kHz](const model::RadioStackState &radio) {
         return radio.com1Frequency == static_cast<quint32>(kHz);
     });
 }
 
 bool Stage::tuneCom2(int kHz)
 {
-    return turn(QLatin1StringView(com2), static_cast<float>(kHz), [kHz](const model::RadioStackState &radio) {
+    return turnRadio(QLatin1StringView(com2), static_cast<float>(kHz), [kHz](const model::RadioStackState &radio) {
         return radio.com2Frequency == static_cast<quint32>(kHz);
     });
 }
 
 bool Stage::receiveOnCom2()
 {
-    return turn(QLatin1StringView(com2Receives), 1,
-                [](const model::RadioStackState &radio) { return radio.com2ReceiveEnabled; });
+    return turnRadio(QLatin1StringView(com2Receives), 1,
+                     [](const model::RadioStackState &radio) { return radio.com2ReceiveEnabled; });
 }
 
 // --- the records ---

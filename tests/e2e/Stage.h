@@ -18,7 +18,8 @@ namespace tarvo::test {
 class Stage
 {
 public:
-    explicit Stage(Protocol protocol = Protocol::Classic);
+    explicit Stage(Protocol protocol = Protocol::Classic,
+                   const practice::PracticeSettings &settings = Network::quietSettings());
 
     /// Signs in and connects X-Plane.
     bool open();
@@ -38,16 +39,19 @@ public:
     bool introduce(const QString &callsign, int knots);
     /// Waits until everything that is under way between server, client and plugin has arrived.
     bool settle();
+    /// Waits until all that the client has said to the plugin has arrived. Needs no server.
+    bool settlePlugin();
 
     /// What was said since it was last taken. Own positions are left out of the lines.
     QStringList takeLines();
     /// Each as shown() shows it.
     QStringList takeMessages();
-    qsizetype messageCount() const { return m_messages.size(); }
     QStringList takeSignals();
 
-    /// Sets a dataref and waits until the client has its value.
-    bool turn(const QString &dataref, float value, const std::function<bool(const model::RadioStackState &)> &known);
+    /// Sets a dataref and lets the simulator send until the client has its value.
+    bool turn(const QString &dataref, float value, const std::function<bool()> &known);
+    bool turnRadio(const QString &dataref, float value,
+                   const std::function<bool(const model::RadioStackState &)> &known);
     bool tuneCom1(int kHz);
     bool tuneCom2(int kHz);
     bool receiveOnCom2();
@@ -78,6 +82,9 @@ private:
     bool awaitLogin();
     void stopTimers();
     bool passRound();
+    QString nextMark();
+    qsizetype markedMessages(const QString &mark) const;
+    void forgetMark(const QString &mark);
 
     QList<QByteArray> m_messages;
     QStringList m_signals;

@@ -125,6 +125,36 @@ private slots:
         QCOMPARE(air.takeLines(), QStringList());
     }
 
+    void theServersDenialChangesNothing()
+    {
+        Airspace air;
+        QVERIFY(air.openTower());
+        QVERIFY(air.hear({u"$CRSERVER:AB1:ATC:N:ZBAA_TWR"_qs, report(tower, u"18500"_qs, u"40.10000"_qs)}));
+        QCOMPARE(air.takeSignals(), QStringList{u"controller ZBAA_TWR 118500 40.1 116.5"_qs});
+        QVERIFY(air.client.controllers->controllers().value(0).valid); // nobody who was confirmed loses it again
+        QCOMPARE(air.tick(), told({stations({openedTower}), tuned(1, tower), tuned(2, {})}));
+
+        const QString ground = u"ZBAA_GND"_qs; // and one who was only denied never is
+        QVERIFY(air.hear({report(ground, u"21900"_qs), u"$CRSERVER:AB1:ATC:N:ZBAA_GND"_qs}));
+        QCOMPARE(air.tick(), told({stations({openedTower}), tuned(1, tower), tuned(2, {})}));
+        QVERIFY(!air.client.controllers->controllers().value(1).valid);
+    }
+
+    void ofTwoStationsOnOneFrequencyTheFirstIsTuned()
+    {
+        const QString ground = u"ZBAA_GND"_qs;
+        Airspace air;
+        QVERIFY(air.openTower());
+        QVERIFY(air.hear({report(ground, u"18500"_qs), valid(ground)}));
+        const QVariant listedGround = listed(ground, u"Unknown"_qs, u"118.500"_qs, 118500);
+        const QStringList both = told({stations({openedTower, listedGround}), tuned(1, tower), tuned(2, {})});
+        QCOMPARE(air.tick(), both);
+        QVERIFY(air.hear({report(tower, u"18500"_qs, u"40.10000"_qs)})); // the first to come, not the last to report
+        QCOMPARE(air.tick(), both);
+        QVERIFY(air.hear({u"#DAZBAA_TWR:3001"_qs}));
+        QCOMPARE(air.tick(), told({stations({listedGround}), tuned(1, ground), tuned(2, {})}));
+    }
+
     void anUnconfirmedStationThatMovesGoes()
     {
         Airspace air;
@@ -174,9 +204,9 @@ private slots:
     {
         Airspace air;
         QVERIFY(air.openTower());
-        QVERIFY(air.tuneCom2(118'500));
-        QVERIFY(air.settle());
-        QCOMPARE(air.takeMessages().last(), told({tuned(2, tower)}).last());
+        air.takeMessages();
+        QVERIFY(air.tuneCom2(118'500) && air.settle());
+        QCOMPARE(air.takeMessages(), told({tuned(1, tower), tuned(2, tower)}));
         QVERIFY(air.hear({u"#DAzbaa_twr:3001"_qs}));
         QCOMPARE(air.takeMessages(), told({tuned(1, {}), tuned(2, {})})); // both radios at once
         QCOMPARE(air.takeChanges(), QStringList());
@@ -367,8 +397,8 @@ private slots:
     {
         Airspace air;
         QVERIFY(air.start());
-        QVERIFY(air.turn(u"sim/cockpit2/radios/actuators/audio_com_selection"_qs, 7,
-                         [](const model::RadioStackState &radio) { return radio.com2TransmitEnabled; }));
+        QVERIFY(air.turnRadio(u"sim/cockpit2/radios/actuators/audio_com_selection"_qs, 7,
+                              [](const model::RadioStackState &radio) { return radio.com2TransmitEnabled; }));
         air.manager().sendRadioMessage(u"on COM2"_qs);
         QVERIFY(air.settle());
         QCOMPARE(air.takeLines(), QStringList{u"#TMAB1:@21500:on COM2"_qs});

@@ -1,10 +1,9 @@
 #include "practice/Crowd.h"
-#include "Peers.h"
+#include "FieldBench.h"
 #include "fsd/pdu/FastPilotPosition.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PilotPosition.h"
 #include "practice/Roster.h"
-#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <cmath>
@@ -18,42 +17,21 @@ using fsd::pdu::FastPilotPosition;
 using fsd::pdu::FastPilotPositionType;
 
 /// AB1 at Beijing, and a crowd about him.
-class CrowdTest : public QObject
+class CrowdTest : public QObject, private FieldBench
 {
     Q_OBJECT
 
-    ManualClock m_clock;
-    std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<Crowd> m_crowd;
-    std::unique_ptr<FsdPeer> m_a;
 
     void start(int pilots, double rateHz)
     {
-        m_network = std::make_unique<PracticeNetwork>(quietSettings(), m_clock);
-        QVERIFY(m_network->start());
-        m_a = std::make_unique<FsdPeer>(m_network->fsd());
-        m_a->logIn("AB1");
-        m_a->report("AB1", 40.07, 116.6);
-        settle(*m_a, "AB1");
+        open(quietSettings());
         m_crowd = std::make_unique<Crowd>(m_network->fsd(), CrowdSettings{.pilots = pilots, .rateHz = rateHz}, m_clock);
         m_crowd->start();
     }
     void pass(qint64 ms, qint64 stepMs)
     {
-        for (qint64 gone = 0; gone < ms; gone += stepMs) {
-            m_clock.advance(stepMs);
-            m_crowd->step();
-        }
-        settle(*m_a, "AB1");
-    }
-    QByteArrayList lines(const QByteArray &start) const
-    {
-        QByteArrayList found;
-        for (const QByteArray &line : m_a->all().split('\n')) {
-            if (line.startsWith(start))
-                found.append(line.trimmed());
-        }
-        return found;
+        passWith(ms, stepMs, [this] { m_crowd->step(); });
     }
     static FastPilotPosition fast(const QByteArray &line)
     {
@@ -195,12 +173,7 @@ private slots:
         constexpr int pilots = 2'000;
         PracticeSettings settings = quietSettings();
         settings.crowd.pilots = pilots;
-        m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
-        QVERIFY(m_network->start());
-        m_a = std::make_unique<FsdPeer>(m_network->fsd());
-        m_a->logIn("AB1");
-        m_a->report("AB1", 40.07, 116.6);
-        settle(*m_a, "AB1");
+        open(settings);
         QCOMPARE(lines("#AP").size(), pilots);
         const QStringList residents = m_network->fsd().residents();
         QCOMPARE(residents.size(), pilots);

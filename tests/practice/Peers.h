@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/PracticeNetwork.h"
+#include "support/Patience.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -66,7 +67,7 @@ inline void settle(FsdPeer &peer, const QByteArray &callsign)
     static int serial = 0;
     const QByteArray mark = QByteArray::number(++serial);
     peer.send("$PI" + callsign + ":SERVER:" + mark);
-    QTRY_VERIFY(peer.got("$POSERVER:" + callsign + ':' + mark + "\r\n"));
+    TRY_VERIFY(peer.got("$POSERVER:" + callsign + ':' + mark + "\r\n"));
 }
 
 /// What a web service answered.

@@ -32,7 +32,10 @@ class ScriptPlayerTest : public QObject
         QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
         settle(*m_pilot, callsign);
     }
-    void load(const char *text) { QVERIFY2(m_player->load(QString::fromUtf8(text)), qPrintable(m_player->error())); }
+    void load(const QByteArray &text)
+    {
+        QVERIFY2(m_player->load(QString::fromUtf8(text)), qPrintable(m_player->error()));
+    }
     void passSeconds(double seconds)
     {
         m_clock.advance(qRound64(seconds * 1000));
@@ -238,6 +241,50 @@ private slots:
         QTRY_COMPARE(m_player->state(), State::Finished);
     }
 
+    void waitsForTheWholeOfIt()
+    {
+        logIn();
+        load("0 wait-for plugin=\"STATION_CALLSIGN 1 \" exactly=1\n0 wait-for plugin=STATION exactly=0\n");
+        m_player->step();
+        pluginGets(QStringLiteral("STATION_CALLSIGN"), {1, QStringLiteral("ZBAA_TWR")});
+        m_player->step();
+        QCOMPARE(m_played.size(), 0);
+        pluginGets(QStringLiteral("STATION_CALLSIGN"), {1, QString()});
+        TRY_COMPARE(m_player->state(), State::Finished);
+    }
+
+    void whatMustNotBeHeard_data()
+    {
+        QTest::addColumn<QByteArray>("arguments");
+        QTest::addColumn<bool>("passes");
+        QTest::newRow("its beginning was") << QByteArray("line=$PIAB1:SERVER:b") << false;
+        QTest::newRow("it was") << QByteArray("line=$PIAB1:SERVER:bad exactly=1") << false;
+        QTest::newRow("something longer was") << QByteArray("line=$PIAB1:SERVER:b exactly=1") << true;
+        QTest::newRow("another said it") << QByteArray("line=$PIAB1:SERVER:bad from=XY2") << true;
+        QTest::newRow("a wait took it") << QByteArray("line=$PIAB1:SERVER:x") << true;
+        QTest::newRow("it was before the event before") << QByteArray("line=$PIAB1:SERVER:old") << true;
+    }
+
+    void whatMustNotBeHeard()
+    {
+        QFETCH(QByteArray, arguments);
+        QFETCH(bool, passes);
+        logIn();
+        load("0 wait-for line=$PIAB1:SERVER:y\n0 text text=a\n0 wait-for line=$PIAB1:SERVER:x\n0 not-heard " +
+             arguments + "\n0 text text=b\n");
+        m_player->step();
+        m_pilot->send("$PIAB1:SERVER:old");
+        m_pilot->send("$PIAB1:SERVER:y");
+        TRY_VERIFY(m_pilot->got("#TMSERVER:AB1:a\r\n"));
+        m_pilot->send("$PIAB1:SERVER:bad");
+        m_pilot->send("$PIAB1:SERVER:x");
+        TRY_COMPARE(m_player->state(), passes ? State::Finished : State::Failed);
+        if (!passes)
+            QCOMPARE(m_player->error(), QStringLiteral("scene:4: not-heard: it was heard"));
+        settle(*m_pilot, "AB1");
+        QCOMPARE(m_pilot->got("#TMSERVER:AB1:b\r\n"), passes);
+    }
+
     void waitsNoLongerThanItMay_data()
     {
         QTest::addColumn<QByteArray>("timeout");
@@ -286,9 +333,13 @@ private slots:
         };
         row("malformed", "0 do what", "a.scene:1: \"what\" is no key=value");
         row("unknown verb", "0 pause\n0 explode", "a.scene:2: explode: there is no such verb");
-        row("wait for nothing", "0 wait-for", "a.scene:1: wait-for: waits for one of line, plugin, login and left");
+        row("wait for nothing", "0 wait-for", "a.scene:1: wait-for: listens for one of line, plugin, login and left");
         row("wait for two", "0 wait-for line=a plugin=b",
-            "a.scene:1: wait-for: waits for one of line, plugin, login and left");
+            "a.scene:1: wait-for: listens for one of line, plugin, login and left");
+        row("nothing not heard", "0 not-heard from=x",
+            "a.scene:1: not-heard: listens for one of line, plugin, login and left");
+        row("not heard in time", "0 not-heard line=x timeout=3", "a.scene:1: not-heard: doesn't know timeout");
+        row("exactly of letters", "0 wait-for line=a exactly=yes", "a.scene:1: wait-for: exactly is 1 or 0");
         row("wait otherwise", "0 wait-for line=a lien=b", "a.scene:1: wait-for: doesn't know lien");
         row("timeout of letters", "0 wait-for line=a timeout=x",
             "a.scene:1: wait-for: timeout is no number of seconds");
