@@ -1,6 +1,9 @@
 #include "soak/HeapUse.h"
 
-#include <sanitizer/allocator_interface.h>
+#include <cstddef>
+
+/// As <sanitizer/allocator_interface.h> declares it, which g++ comes without.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // NOLINT(bugprone-reserved-identifier)
 
 namespace tarvo::test {
 
