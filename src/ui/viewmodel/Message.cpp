@@ -57,7 +57,7 @@ QString joined(const QList<uint> &kilohertz)
 QString shownCallsign(const QString &callsign)
 {
     const QString whole = normalisedCallsign(callsign);
-    return whole.size() <= channels::longestCallsign ? whole : whole.left(channels::longestCallsign) + QChar(0x2026);
+    return whole.size() <= common::longestCallsign ? whole : whole.left(common::longestCallsign) + QChar(0x2026);
 }
 
 /// The session with the callsign; one that can't have a session is shown in the overview.

@@ -1,5 +1,7 @@
 #include "ui/viewmodel/MessageChannels.h"
 
+#include "common/Callsign.h"
+
 #include <QCoreApplication>
 
 namespace tarvo::ui::viewmodel::channels {
@@ -68,7 +70,7 @@ QString label(const QString &key)
 
 bool canBeSession(const QString &callsign)
 {
-    const bool somebody = !callsign.isEmpty() && callsign.size() <= longestCallsign;
+    const bool somebody = !callsign.isEmpty() && callsign.size() <= common::longestCallsign;
     const bool many = callsign.startsWith(u'@') || callsign.startsWith(u'*');
     const bool word = callsign == all() || callsign == QLatin1String("COM1") || callsign == QLatin1String("COM2") ||
                       fixed().contains(callsign);

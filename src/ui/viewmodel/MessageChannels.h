@@ -20,8 +20,6 @@ QString all();
 QStringList fixed();
 /// "私聊 %1" for a callsign.
 QString label(const QString &key);
-/// Longer than any callsign of the network.
-inline constexpr qsizetype longestCallsign = 32;
 /// Whether there can be a session with the callsign. Not with a channel's or a filter's own word, or with one of the
 /// network's addresses for many, such as "@18500", "*" or "*S": the texts would mix with another channel's, and an
 /// answer would go out on the radio or to everybody. `callsign`: upper-case.

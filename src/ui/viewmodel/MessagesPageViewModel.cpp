@@ -188,7 +188,7 @@ void MessagesPageViewModel::setNearbyController(const model::Controller &control
         return;
     }
     const QString callsign = normalisedCallsign(controller.callsign);
-    if (callsign.isEmpty() || callsign.size() > channels::longestCallsign)
+    if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
         return;
     const QVariantMap row{
         {QStringLiteral("callsign"), callsign},
