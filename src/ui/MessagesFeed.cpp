@@ -20,6 +20,9 @@ namespace {
 constexpr int highPriority = 2;
 constexpr float highPriorityVolume = 0.75F;
 constexpr float usualVolume = 0.55F;
+
+/// A sound that is begun anew sooner is hardly heard; and a media player takes its time to begin, on the main thread.
+constexpr int soundGapMs = 500;
 } // namespace
 
 MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_ptr<ControllerManager> controllers,
@@ -103,7 +106,7 @@ void MessagesFeed::requestSound(int priority)
 {
     m_soundPriority = std::max(m_soundPriority, priority);
     if (!m_soundTimer.isActive())
-        m_soundTimer.start(0);
+        m_soundTimer.start(static_cast<int>(m_soundGap.remainingTime()));
 }
 
 void MessagesFeed::playSound()
@@ -111,6 +114,7 @@ void MessagesFeed::playSound()
     const int priority = std::exchange(m_soundPriority, 0);
     m_sounds.play(QUrl(QStringLiteral("qrc:/resources/sounds/manager.mp3")),
                   priority >= highPriority ? highPriorityVolume : usualVolume);
+    m_soundGap.setRemainingTime(soundGapMs); // from when it has begun
 }
 
 } // namespace tarvo::ui

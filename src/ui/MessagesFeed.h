@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -19,7 +20,7 @@ class MessagesPageViewModel;
 }
 
 /// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
-/// and lets incoming messages be heard, a burst of them once.
+/// and lets incoming messages be heard, a burst of them once, and never more than two in a second.
 class MessagesFeed : public QObject
 {
     Q_OBJECT
@@ -44,7 +45,8 @@ private:
     viewmodel::MessagesPageViewModel &m_page;
     SoundPlayer &m_sounds;
     int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
-    QTimer m_soundTimer;     ///< runs out in the next turn of the event loop
+    QTimer m_soundTimer;     ///< runs out in the next turn of the event loop, or when the gap has passed
+    QDeadlineTimer m_soundGap{0};
 };
 
 } // namespace tarvo::ui

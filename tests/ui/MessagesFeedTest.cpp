@@ -32,8 +32,9 @@ struct Desk
         emit session.manager->networkConnected(u"AB1"_qs);
     }
 
-    /// A sound has been asked for that will be heard in the next turn.
-    bool willSound() const { return feed.findChild<QTimer *>(u"soundTimer"_qs)->isActive(); }
+    /// A sound has been asked for that will be heard soon.
+    bool willSound() const { return soundTimer().isActive(); }
+    const QTimer &soundTimer() const { return *feed.findChild<QTimer *>(u"soundTimer"_qs); }
 
     /// The newest message as "type channel from>to: text".
     QString newest() const
@@ -136,10 +137,12 @@ private slots:
         emit desk.session.manager->privateMessageReceived(u"CES1"_qs, u"hi"_qs);
         talk();
         QCOMPARE(desk.played.size(), 0);
+        QCOMPARE(desk.soundTimer().interval(), 0);
         QTRY_COMPARE(desk.played.size(), 1);
         QCOMPARE(desk.sounds.volume(), 0.75F); // the most urgent of them all
         QVERIFY(!desk.willSound());
         emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        QVERIFY(desk.soundTimer().interval() > 0); // not on the heels of the last
         QTRY_COMPARE(desk.played.size(), 2);
         QCOMPARE(desk.sounds.volume(), 0.55F);
     }
