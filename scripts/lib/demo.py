@@ -96,7 +96,8 @@ def virtual_display():
 
 
 def xdotool(*words):
-    result = subprocess.run(['xdotool', *map(str, words)], capture_output=True, text=True)
+    utf8 = os.environ | {'LC_ALL': 'C.UTF-8'}  # the titles are Chinese
+    result = subprocess.run(['xdotool', *map(str, words)], capture_output=True, text=True, env=utf8)
     return result.stdout.split() if result.returncode == 0 else []
 
 
@@ -130,9 +131,10 @@ class Window:
     def __init__(self, title):
         self.id = wait_until(f'window "{title}"', lambda: window(title))
         xdotool('windowactivate', '--sync', self.id)
-        geometry = dict(w.split('=') for w in xdotool('getwindowgeometry', '--shell', self.id) if '=' in w)
-        self.x, self.y = int(geometry['X']), int(geometry['Y'])
-        self.width, self.height = int(geometry['WIDTH']), int(geometry['HEIGHT'])
+        # Where the pointer gets to: the window's own geometry is wrong by its frame under some window managers.
+        xdotool('mousemove', '--window', self.id, 0, 0)
+        place = dict(w.split('=') for w in xdotool('getmouselocation', '--shell') if '=' in w)
+        self.x, self.y = int(place['X']), int(place['Y'])
 
     def click(self, point, until):
         """Clicks at a point of the window, in pixels, and waits until `until` says that this had its effect: the display
@@ -222,7 +224,7 @@ def meet_traffic(main, practice, connected):
     practice.wait_for(f'#TM{TOWER}:{CALLSIGN}:', start=connected)
     wait_until('badge of unread messages', lambda: main.count(*BADGE, RED) >= 50)
     main.open_page(SIMULATOR_ITEM)
-    wait_until('aircraft on the plot', lambda: main.count(*PAGE, CYAN) >= 20)
+    wait_until('aircraft on the plot', lambda: main.count(*PLOT, CYAN) >= 20)
     picture('7-simulator-page')
 
 
@@ -253,17 +255,17 @@ SIMULATOR_ITEM = (120, 180)
 SERVER_ITEM = (120, 230)
 MESSAGES_ITEM = (120, 280)
 LOGOUT_ITEM = (120, 368)
-TOWER_SESSION = (370, 500)
+TOWER_SESSION = (360, 377)
 COMPOSE_FIELD = (650, 660)
 CALLSIGN_FIELD = (430, 329)
 CONNECT_BUTTON = (430, 503)
 
 # Where he looks: left, top, width, height or a column, and the colours of the style.
 SIDEBAR_DOT = 47
-SESSION_MARK = 286
+SESSION_MARK = 281
 FIELD_HEIGHT = 42
 BADGE = (190, 260, 40, 40)
-PAGE = (252, 0, 748, 700)
+PLOT = (646, 132, 310, 290)
 INK, FOCUS, RED, CYAN = (0x0F, 0x17, 0x2A), (0x3B, 0x82, 0xF6), (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9)
 
 TOUR = f"""
