@@ -1,10 +1,8 @@
-#include "fsd/FsdClient.h"
 #include "manager/CrowdedSession.h"
 #include "support/TestRegistry.h"
 
 using namespace tarvo;
 using namespace tarvo::test;
-using tarvo::manager::AircraftManager;
 using tarvo::model::RemoteAircraft;
 using State = tarvo::model::RemoteAircraft::State;
 

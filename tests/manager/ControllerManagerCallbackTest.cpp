@@ -5,7 +5,6 @@ using namespace tarvo;
 using namespace tarvo::test;
 using tarvo::manager::ControllerManager;
 using tarvo::manager::NetworkManager;
-using tarvo::model::Controller;
 
 /// The list at the ends of sessions, with other simulators, and with listeners that come back.
 class ControllerManagerCallbackTest : public QObject

@@ -2,9 +2,6 @@
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
-#include <QDir>
-#include <QFile>
-
 using namespace tarvo;
 using tarvo::manager::NetworkManager;
 using tarvo::model::RemoteAircraft;
