@@ -113,7 +113,7 @@ def screenshot():
 def at_rest():
     """The display once it has come to rest; live figures keep changing, and then the newest picture is as good as any."""
     image = screenshot()
-    for _ in range(20):
+    for _ in range(6):
         time.sleep(0.1)
         previous, image = image, screenshot()
         if image == previous:
