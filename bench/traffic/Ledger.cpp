@@ -319,13 +319,12 @@ QString Ledger::receiveAdd(const Message &message)
     const int pilot = pilotOf(message, 9);
     if (pilot < 0)
         return {};
-    const QString callsign = scene::callsignOf(pilot);
     // Each pilot has latitudes of his own.
     const double latitude = message.number(3);
     const bool his = scene::fastNumberAt(pilot, latitude) >= 0 || scene::slowNumberAt(pilot, latitude) >= 0;
     if (m_measuring || !his || message.text(1) != scene::airline || message.text(2) != scene::typeCode)
         blame(QStringLiteral("the addition of pilot %1").arg(pilot));
-    return callsign;
+    return scene::callsignOf(pilot);
 }
 
 /// All but what the reports themselves give.
