@@ -4,6 +4,8 @@
 #include "support/TestRegistry.h"
 #include "traffic/Scene.h"
 
+#include <QTest>
+
 using namespace tarvo;
 using bench::Ledger;
 using bench::Tally;
