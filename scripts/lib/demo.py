@@ -13,6 +13,7 @@ import re
 import signal
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 
@@ -86,13 +87,17 @@ def virtual_display():
     os.environ['DISPLAY'] = ':' + number
     os.environ['QT_QPA_PLATFORM'] = 'xcb'
     os.environ.pop('WAYLAND_DISPLAY', None)
-    manager = subprocess.Popen(['openbox'], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    try:
-        yield
-    finally:
-        for process in (manager, server):
-            process.terminate()
-            process.wait()
+    with tempfile.TemporaryDirectory() as folder:
+        ready = pathlib.Path(folder, 'ready')
+        manager = subprocess.Popen(['openbox', '--startup', f'touch {ready}'], stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        try:
+            wait_until('window manager', ready.exists)  # a window shown while it takes over is never mapped
+            yield
+        finally:
+            for process in (manager, server):
+                process.terminate()
+                process.wait()
 
 
 def xdotool(*words):

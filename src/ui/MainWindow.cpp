@@ -11,6 +11,7 @@
 #include "ui/WindowBackdrop.h"
 
 #include <QDebug>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QMetaMethod>
 #include <QQmlContext>
@@ -71,6 +72,7 @@ void MainWindow::createView()
     container->setContentsMargins(0, 0, 0, 0);
     container->setFocusPolicy(Qt::StrongFocus);
     setCentralWidget(container);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &MainWindow::passFocusOn);
 
     const QQuickItem *root = m_view->rootObject();
     const int logout = root ? root->metaObject()->indexOfSignal("logoutRequested()") : -1;
@@ -80,6 +82,14 @@ void MainWindow::createView()
     }
     connect(root, root->metaObject()->method(logout), this,
             metaObject()->method(metaObject()->indexOfSlot("onLogoutClicked()")));
+}
+
+void MainWindow::passFocusOn(const QWindow *focused)
+{
+    // Window managers focus the frame, some at every click, and after the view inside it has taken the keys already. The
+    // container hears nothing of that, as its window was active all along; the keys would go nowhere.
+    if (focused && focused == windowHandle())
+        m_view->requestActivate();
 }
 
 void MainWindow::exposeModels()

@@ -70,6 +70,7 @@ protected:
 
 private:
     void createView();
+    void passFocusOn(const QWindow *focused);
     void exposeModels();
     void connectRequests();
     void connectSession();

@@ -102,6 +102,19 @@ private slots:
         QCOMPARE(property(u"messagesBackend"_qs), &deck.window.messages());
     }
 
+    void theKeysReachThePagesWhenTheFrameIsFocused()
+    {
+        Deck deck;
+        deck.window.show();
+        deck.window.activateWindow();
+        QTRY_COMPARE(QGuiApplication::focusWindow(), deck.window.view());
+        const QSignalSpy focused(qGuiApp, &QGuiApplication::focusWindowChanged);
+        deck.window.windowHandle()->requestActivate(); // as a window manager does at a click
+        QTRY_COMPARE(focused.size(), 2);
+        QCOMPARE(focused.at(0).at(0).value<QWindow *>(), deck.window.windowHandle());
+        QCOMPARE(focused.at(1).at(0).value<QWindow *>(), deck.window.view());
+    }
+
     void theSessionReachesThePages()
     {
         Deck deck;
