@@ -56,6 +56,8 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
 
 MainWindow::~MainWindow()
 {
+    // The view goes now, and the focus wanders while windows go: nothing of it must reach the window any more.
+    disconnect(qGuiApp, nullptr, this, nullptr);
     // The pages bind to the view models: they must go first.
     const std::unique_ptr<QWidget> pages(takeCentralWidget());
 }
@@ -86,8 +88,8 @@ void MainWindow::createView()
 
 void MainWindow::passFocusOn(const QWindow *focused)
 {
-    // Window managers focus the frame, some at every click, and after the view inside it has taken the keys already. The
-    // container hears nothing of that, as its window was active all along; the keys would go nowhere.
+    // Window managers focus the frame, some at every click, and after the view inside it has taken the keys already.
+    // The container hears nothing of that, as its window was active all along; the keys would go nowhere.
     if (focused && focused == windowHandle())
         m_view->requestActivate();
 }

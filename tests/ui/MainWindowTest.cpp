@@ -221,6 +221,22 @@ private slots:
         QCOMPARE(seen, 2);
     }
 
+    void theFocusThatWandersWhileItGoesIsNotItsAffair()
+    {
+        Deck deck;
+        auto window =
+            std::make_unique<ui::MainWindow>(deck.network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+        int wandered = 0;
+        const auto wander = [&] {
+            ++wandered;
+            emit qGuiApp->focusWindowChanged(nullptr);
+        };
+        connect(window->view(), &QObject::destroyed, this, wander);
+        connect(new QObject(window.get()), &QObject::destroyed, this, wander); // goes behind all that the window holds
+        window.reset();
+        QCOMPARE(wandered, 2);
+    }
+
     void withoutASessionNothingHappens()
     {
         Deck deck;
