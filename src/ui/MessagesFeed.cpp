@@ -85,7 +85,7 @@ void MessagesFeed::connectStations()
     const ControllerManager *controllers = m_controllers.get();
     connect(controllers, &ControllerManager::controllerAdded, &m_page, &MessagesPageViewModel::setNearbyController);
     connect(controllers, &ControllerManager::controllerUpdated, &m_page, &MessagesPageViewModel::setNearbyController);
-    connect(controllers, &ControllerManager::controllerDeleted, &m_page,
+    connect(controllers, &ControllerManager::controllerDeleted, this,
             [this](const model::Controller &station) { m_page.removeNearbyController(station.callsign); });
 }
 

@@ -195,6 +195,20 @@ private slots:
         QVERIFY(desk.page.nearbyClients().isEmpty());
     }
 
+    void aFeedThatIsGoneTakesNoStationAway()
+    {
+        test::Session session;
+        const auto controllers = std::make_shared<manager::ControllerManager>(session.manager);
+        MessagesPageViewModel page;
+        ui::SoundPlayer sounds;
+        auto feed = std::make_unique<ui::MessagesFeed>(session.manager, controllers, page, sounds);
+        const model::Controller tower{.callsign = u"ZBAA_TWR"_qs, .frequency = 118500, .normalisedFrequency = 118500};
+        emit controllers->controllerAdded(tower);
+        feed.reset();
+        emit controllers->controllerDeleted(tower); // the page is still there, and what it was told by is not
+        QCOMPARE(page.nearbyClients().size(), 1);
+    }
+
     void aNewSessionBeginsWithoutStations()
     {
         Desk desk;
