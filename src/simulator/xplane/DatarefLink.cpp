@@ -16,6 +16,8 @@ namespace tarvo::simulator::xplane {
 namespace {
 
 constexpr int publishIntervalMs = 50;
+/// A second. X-Plane that runs replies more often, and so keeps the timer's beat.
+constexpr int ticksUntilRest = 20;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
 constexpr int datagramsPerRound = 1000;
 constexpr qsizetype largestDatagram = 65536;
@@ -53,6 +55,7 @@ void DatarefLink::clearAircraft()
     m_sample.user = {};
     m_sample.config = {};
     m_sample.radio = {};
+    wakePublishing();
 }
 
 void DatarefLink::subscribe(bool remember)
@@ -81,8 +84,14 @@ void DatarefLink::command(QByteArrayView command)
 
 void DatarefLink::publish()
 {
-    const bool all = !m_publishedOnce;
-    m_publishedOnce = true;
+    const bool all = !std::exchange(m_publishedOnce, true);
+    const bool unchanged =
+        m_sample.user == m_publishedUser && m_sample.config == m_publishedConfig && m_sample.radio == m_publishedRadio;
+    if (!all && unchanged) {
+        if (++m_quietTicks >= ticksUntilRest) // a simulator that isn't there need not wake the program
+            m_publishTimer.stop();
+        return;
+    }
     const QPointer<DatarefLink> alive(this);
     if (all || m_sample.user != m_publishedUser) {
         m_publishedUser = m_sample.user;
@@ -96,6 +105,13 @@ void DatarefLink::publish()
         m_publishedRadio = m_sample.radio;
         emit radioStackStateChanged(m_publishedRadio);
     }
+}
+
+void DatarefLink::wakePublishing()
+{
+    m_quietTicks = 0;
+    if (!m_publishTimer.isActive())
+        m_publishTimer.start();
 }
 
 void DatarefLink::receivePending()
@@ -126,6 +142,8 @@ void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
         const RrefRecord record = reply.record(i);
         raise(applyDataref(m_sample, record.id, record.value));
     }
+    if (alive)
+        wakePublishing();
 }
 
 void DatarefLink::raise(DatarefEvent event)

@@ -19,7 +19,8 @@ class AppConfig;
 namespace tarvo::simulator::xplane {
 
 /// X-Plane's UDP interface: reads the own aircraft's datarefs, writes values, runs commands. Publishes what it has read
-/// every 50 ms, each record only when it has changed. Main thread only.
+/// every 50 ms, each record only when it has changed; the timer rests when nothing has come for a second.
+/// Main thread only.
 class DatarefLink : public QObject
 {
     Q_OBJECT
@@ -67,6 +68,7 @@ signals:
     void versionChanged(int version);
 
 private:
+    void wakePublishing();
     void receivePending();
     void receive(QByteArrayView datagram, const QHostAddress &sender);
     void raise(DatarefEvent event);
@@ -84,6 +86,7 @@ private:
     model::UserAircraftConfigData m_publishedConfig;
     model::RadioStackState m_publishedRadio;
     bool m_publishedOnce = false;
+    int m_quietTicks = 0; ///< of the publish timer, since something came last
     QStringList m_subscribed;
     QTimer m_publishTimer;
 };

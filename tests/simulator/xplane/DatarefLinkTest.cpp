@@ -280,6 +280,30 @@ private slots:
         QCOMPARE(radio.size(), 1);
     }
 
+    void publishingRestsWhileNothingComes()
+    {
+        Bench bench;
+        const auto *timer = bench.link->findChild<QTimer *>(QStringLiteral("publish"));
+        const auto rest = [&bench, timer] {
+            int ticks = 0;
+            for (; timer->isActive() && ticks < 100; ++ticks)
+                fire(*bench.link, "publish");
+            return ticks;
+        };
+        QVERIFY(bench.subscribe());
+        QVERIFY(bench.settle());
+        QVERIFY(rest() > 10); // a running simulator replies more often than twice a second
+        QVERIFY(!timer->isActive());
+        QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
+        bench.peer.report(18, 40);
+        QTRY_COMPARE(user.size(), 1); // by its own timer
+        rest();
+        QVERIFY(!timer->isActive());
+        bench.link->clearAircraft();
+        QTRY_COMPARE(user.size(), 2);
+        QVERIFY(user.last().first().value<model::UserAircraftData>() == model::UserAircraftData());
+    }
+
     void onlyWhatChangedIsPublished_data()
     {
         QTest::addColumn<quint32>("id");
