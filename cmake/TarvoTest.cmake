@@ -1,3 +1,17 @@
+# tarvo_test_options(<target>)
+#
+# Compiles test code sooner: -O1 suffices for it, and UndefinedBehaviorSanitizer, which doubles the time of a file full of
+# comparisons, has the product's own sources to watch. AddressSanitizer stays: what the product keeps of a test's objects
+# is seen only there. The names that Qt6::Test adds would keep the folders from sharing a precompiled header.
+function(tarvo_test_options target)
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU,Clang>:-UQT_TESTCASE_BUILDDIR;-UQT_TESTCASE_SOURCEDIR>
+        $<$<AND:$<CONFIG:RelWithDebInfo>,$<CXX_COMPILER_ID:GNU,Clang>>:-O1>)
+    if(TARVO_SANITIZE)
+        target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
+    endif()
+endfunction()
+
 # tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...])
 #
 # One test program, <name>_test, for one folder of tests/. Its classes register themselves with TARVO_TEST
@@ -8,13 +22,13 @@ function(tarvo_test name)
     add_executable(${target} ${ARG_SOURCES})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(${target} PRIVATE TARVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    set(main tarvo_test_main)
     if(ARG_GUI)
-        target_link_libraries(${target} PRIVATE tarvo_test_main_gui)
-    else()
-        target_link_libraries(${target} PRIVATE tarvo_test_main)
+        set(main tarvo_test_main_gui)
     endif()
-    target_link_libraries(${target} PRIVATE ${ARG_USES} Qt6::Test)
-    target_precompile_headers(${target} PRIVATE <QTest> <QString> <QSignalSpy>)
+    target_link_libraries(${target} PRIVATE ${main} ${ARG_USES})
+    target_precompile_headers(${target} REUSE_FROM ${main})
+    tarvo_test_options(${target})
     add_test(NAME ${name} COMMAND ${target} -silent) # what passes would bury what fails
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     set_property(TEST ${name} PROPERTY ENVIRONMENT
