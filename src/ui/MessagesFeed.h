@@ -20,7 +20,7 @@ class MessagesPageViewModel;
 }
 
 /// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
-/// and lets incoming messages be heard, a burst of them once, and never more than two in a second.
+/// and lets incoming messages be heard, a burst of them once, and hardly more than two in a second.
 class MessagesFeed : public QObject
 {
     Q_OBJECT

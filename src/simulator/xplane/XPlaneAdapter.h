@@ -23,7 +23,7 @@ class PluginLink;
 /// interface, which tells of the own aircraft. Main thread only; nothing here waits for the simulator.
 ///
 /// The timers are children by the names "dial" (500 ms, once), "tick" (1000 ms), "attempt" (3000 ms, once) and, inside
-/// the UDP link, "publish" (50 ms).
+/// the UDP link, "publish" (50 ms while X-Plane replies).
 class XPlaneAdapter : public Simulator
 {
     Q_OBJECT

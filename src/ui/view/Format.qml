@@ -29,7 +29,7 @@ QtObject {
         return angle(degrees, "E", "W", 3)
     }
 
-    /// Degrees and minutes, as charts and flight plans have them: N40°04.8'
+    /// Degrees and minutes, as charts and flight plans have them: N40°04.8′
     function angle(degrees: real, positive: string, negative: string, digits: int): string {
         const tenths = Math.round(Math.abs(degrees) * 600)
         const whole = String(Math.floor(tenths / 600)).padStart(digits, "0")
