@@ -21,7 +21,7 @@ constexpr int highPriority = 2;
 constexpr float highPriorityVolume = 0.75F;
 constexpr float usualVolume = 0.55F;
 
-/// A sound that is begun anew sooner is hardly heard; and a media player takes its time to begin, on the main thread.
+/// A sound that is begun anew sooner is hardly heard.
 constexpr int soundGapMs = 500;
 } // namespace
 
@@ -114,7 +114,7 @@ void MessagesFeed::playSound()
     const int priority = std::exchange(m_soundPriority, 0);
     m_sounds.play(QUrl(QStringLiteral("qrc:/resources/sounds/manager.mp3")),
                   priority >= highPriority ? highPriorityVolume : usualVolume);
-    m_soundGap.setRemainingTime(soundGapMs); // from when it has begun
+    m_soundGap.setRemainingTime(soundGapMs);
 }
 
 } // namespace tarvo::ui

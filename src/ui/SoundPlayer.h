@@ -1,32 +1,46 @@
 #pragma once
 
-#include <QAudioOutput>
-#include <QMediaPlayer>
+#include "ui/SoundOutput.h"
+
 #include <QObject>
+#include <QUrl>
+
+#include <memory>
 
 namespace tarvo::ui {
 
-/// Plays one short sound at a time. Without a sound device it is silent.
+/// Plays one short sound at a time, on a thread that all players share and that the first sound of the program starts:
+/// no call here waits for the sound system. Needs the application object. Used on the main thread.
 class SoundPlayer : public QObject
 {
     Q_OBJECT
 
 public:
     explicit SoundPlayer(QObject *parent = nullptr);
+    /// `makeOutput` is called on the sounds' thread, with the first sound; what it makes is destroyed there.
+    explicit SoundPlayer(SoundOutput::Factory makeOutput, QObject *parent = nullptr);
+    /// Ends the sound. Sounds that have not begun are never heard.
+    ~SoundPlayer() override;
 
-    /// Plays from the beginning, also when the same sound is playing. `volume`: 0.0 to 1.0.
+    /// Plays from the beginning, also when the same sound is playing. While the sound system keeps an earlier sound
+    /// waiting, only the newest is kept. `volume`: 0.0 to 1.0.
     void play(const QUrl &url, float volume);
 
-    QUrl source() const { return m_player.source(); }
-    float volume() const { return m_output.volume(); }
+    /// What was asked for last.
+    QUrl source() const { return m_source; }
+    float volume() const { return m_volume; }
 
 signals:
     /// A sound was asked for.
     void played(const QUrl &url);
 
 private:
-    QAudioOutput m_output{this}; ///< outlives the player that uses it
-    QMediaPlayer m_player{this};
+    class Desk;
+
+    SoundOutput::Factory m_makeOutput;
+    std::unique_ptr<Desk, QScopedPointerDeleteLater> m_desk; ///< lives on the sounds' thread; null before the first
+    QUrl m_source;
+    float m_volume = 1.0F;
 };
 
 } // namespace tarvo::ui

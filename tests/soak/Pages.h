@@ -27,7 +27,7 @@ struct Pages
         using ui::viewmodel::MessagesPageViewModel;
         using ui::viewmodel::SimulatorPageViewModel;
         simulator.setMode(QStringLiteral("XPLANE"));
-        // No sound: the player waits for the sound system with each, and a flood of messages would take minutes.
+        // No sound: what the sound system keeps is not counted here.
         QObject::disconnect(&messages, &MessagesPageViewModel::messageSoundRequested, &m_messagesFeed, nullptr);
         QObject::connect(client.manager.get(), &manager::NetworkManager::notificationPosted, &m_context,
                          [this](const QString &text) {

@@ -80,7 +80,6 @@ private slots:
         const QTemporaryDir logs;
         const ProgramLog log(logs.filePath(u"soak.log"_qs));
         Hour hour;
-        const ui::SoundPlayer sounds; // what the sound system opens with the first player, it keeps
         const Footprint before = Hour::steady(&Footprint::ofProcess);
         QList<Remains> rounds;
         for (const int count : roundsOfSessions) {

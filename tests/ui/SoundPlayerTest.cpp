@@ -3,11 +3,97 @@
 #include "support/TestRegistry.h"
 
 #include <QFile>
-#include <QMediaPlayer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <utility>
+
+using namespace std::chrono_literals;
+using tarvo::ui::SoundOutput;
 using tarvo::ui::SoundPlayer;
+
+namespace {
+
+const QUrl connectSound(u"qrc:/resources/sounds/connect.mp3"_qs);
+const QUrl messageSound(u"qrc:/resources/sounds/manager.mp3"_qs);
+const QUrl disconnectSound(u"qrc:/resources/sounds/disconnect.mp3"_qs);
+
+/// A sound system that may be kept from returning, and what it was asked to do. Its outputs go after their player, and
+/// keep it that long.
+class SoundSystem : public std::enable_shared_from_this<SoundSystem>
+{
+public:
+    void hold() { set(true); }
+    void release() { set(false); }
+
+    /// Called by the sounds' thread.
+    void take(const QString &step)
+    {
+        std::unique_lock lock(m_mutex);
+        m_steps << step;
+        m_threads.insert(QThread::currentThread());
+        if (!m_wake.wait_for(lock, 30s, [this] { return !m_held; }))
+            m_steps << u"nobody released it"_qs;
+    }
+
+    QStringList steps() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_steps;
+    }
+    std::set<const QThread *> threads() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_threads;
+    }
+
+    SoundOutput::Factory factory()
+    {
+        return [self = shared_from_this()] { return std::make_unique<Output>(self); };
+    }
+
+private:
+    class Output : public SoundOutput
+    {
+    public:
+        explicit Output(std::shared_ptr<SoundSystem> system) : m_system(std::move(system))
+        {
+            m_system->take(u"made"_qs);
+        }
+        Output(const Output &) = delete;
+        Output &operator=(const Output &) = delete;
+        ~Output() override { m_system->take(u"gone"_qs); }
+
+        void begin(const QUrl &url, float volume) override
+        {
+            m_system->take(u"%1 %2"_qs.arg(url.fileName()).arg(volume));
+        }
+
+    private:
+        std::shared_ptr<SoundSystem> m_system;
+    };
+
+    void set(bool held)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_held = held;
+        m_wake.notify_all();
+    }
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_held = false;
+    QStringList m_steps;
+    std::set<const QThread *> m_threads;
+};
+
+} // namespace
 
 class SoundPlayerTest : public QObject
 {
@@ -18,9 +104,6 @@ private slots:
     {
         SoundPlayer player;
         const QSignalSpy played(&player, &SoundPlayer::played);
-        const QUrl connectSound(u"qrc:/resources/sounds/connect.mp3"_qs);
-        const QUrl disconnectSound(u"qrc:/resources/sounds/disconnect.mp3"_qs);
-
         player.play(connectSound, 0.55F);
         QCOMPARE(player.source(), connectSound);
         QCOMPARE(player.volume(), 0.55F);
@@ -29,38 +112,135 @@ private slots:
         player.play(disconnectSound, 0.55F);
         QCOMPARE(player.source(), disconnectSound);
         QCOMPARE(played.size(), 3);
+        QCOMPARE(played[2], QVariantList{disconnectSound});
     }
 
-    void beginsAnew()
+    void withoutASoundNothingIsOpened()
     {
-        SoundPlayer sounds;
-        const auto *player = sounds.findChild<QMediaPlayer *>();
-        QVERIFY(player);
-        const QSignalSpy sources(player, &QMediaPlayer::sourceChanged);
-        QStringList states;
-        connect(player, &QMediaPlayer::playbackStateChanged, this,
-                [&states](QMediaPlayer::PlaybackState state) { states << QVariant::fromValue(state).toString(); });
-        const QUrl sound(u"qrc:/resources/sounds/connect.mp3"_qs);
-        sounds.play(sound, 0.55F);
-        QTRY_VERIFY(player->position() > 0);
-        QCOMPARE(states, QStringList{u"PlayingState"_qs});
-        sounds.play(sound, 0.55F);
-        QCOMPARE(player->position(), 0);
-        QCOMPARE(states, (QStringList{u"PlayingState"_qs, u"StoppedState"_qs, u"PlayingState"_qs}));
-        QCOMPARE(sources.size(), 1);
+        const auto system = std::make_shared<SoundSystem>();
+        {
+            const SoundPlayer player(system->factory());
+        }
+        SoundPlayer next(system->factory()); // a step of the first would have come before these
+        next.play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs}));
+    }
+
+    void aBurstIsNotQueued()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        system->hold();
+        SoundPlayer player(system->factory());
+        const auto burst = [&player](const QUrl &newest) {
+            for (int i = 0; i < 100; ++i)
+                player.play(disconnectSound, 0.55F);
+            player.play(newest, 0.75F);
+        };
+        burst(connectSound); // while the output is being made
+        QTRY_COMPARE(system->steps(), QStringList{u"made"_qs});
+        burst(connectSound);
+        system->release();
+        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs}));
+
+        system->hold();
+        player.play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps().size(), 3); // it has begun and does not return
+        burst(messageSound);
+        QCOMPARE(player.source(), messageSound);
+        QCOMPARE(player.volume(), 0.75F);
+        system->release();
+        QTRY_COMPARE(system->steps().size(), 4);
+        player.play(disconnectSound, 0.55F);
+        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs, u"connect.mp3 0.55"_qs,
+                                                   u"manager.mp3 0.75"_qs, u"disconnect.mp3 0.55"_qs}));
+    }
+
+    void allPlayersShareOneThread()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        for (int i = 0; i < 2; ++i) {
+            SoundPlayer player(system->factory());
+            player.play(connectSound, 0.55F);
+            QTRY_COMPARE(system->steps().size(), 3 * i + 2);
+        }
+        QTRY_COMPARE(system->steps().size(), 6);
+        QCOMPARE(system->steps().last(), u"gone"_qs);
+        QCOMPARE(system->threads().size(), 1U);
+        QVERIFY(!system->threads().contains(thread()));
+    }
+
+    void aPlayerGoesWhileItsOutputIsBeingMade()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        system->hold();
+        auto player = std::make_unique<SoundPlayer>(system->factory());
+        player->play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps(), QStringList{u"made"_qs});
+        player.reset(); // waits for nobody: the system is let go only afterwards
+        system->release();
+        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"gone"_qs}));
+    }
+
+    void aPlayerGoesWhileASoundBegins()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        auto player = std::make_unique<SoundPlayer>(system->factory());
+        player->play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps().size(), 2);
+        system->hold();
+        player->play(messageSound, 0.55F);
+        QTRY_COMPARE(system->steps().size(), 3);
+        player->play(disconnectSound, 0.55F); // never heard
+        player.reset();
+        system->release();
+        QTRY_COMPARE(system->steps(),
+                     (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs, u"manager.mp3 0.55"_qs, u"gone"_qs}));
+    }
+
+    void aPlayerGoesBeforeItsTurn()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        const auto unused = std::make_shared<SoundSystem>();
+        SoundPlayer player(system->factory());
+        system->hold();
+        player.play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps().size(), 1);
+        {
+            SoundPlayer other(unused->factory());
+            other.play(messageSound, 0.55F);
+        }
+        player.play(disconnectSound, 0.55F);
+        system->release();
+        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"disconnect.mp3 0.55"_qs}));
+        player.play(connectSound, 0.55F); // comes after what the other had left
+        QTRY_COMPARE(system->steps().size(), 3);
+        QCOMPARE(unused->steps(), QStringList());
+    }
+
+    void aPlayerGoesWhileItIsHeard()
+    {
+        for (int i = 0; i < 3; ++i) {
+            SoundPlayer player;
+            player.play(connectSound, 0.55F);
+            player.play(messageSound, 0.55F);
+        }
+        const auto system = std::make_shared<SoundSystem>();
+        SoundPlayer next(system->factory());
+        next.play(connectSound, 0.55F);
+        QTRY_COMPARE(system->steps().size(), 2); // the thread has come past the three
     }
 
     void theSoundsAreBuiltIn_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::newRow("connect") << u":/resources/sounds/connect.mp3"_qs;
-        QTest::newRow("message") << u":/resources/sounds/manager.mp3"_qs;
-        QTest::newRow("disconnect") << u":/resources/sounds/disconnect.mp3"_qs;
+        QTest::addColumn<QUrl>("sound");
+        QTest::newRow("connect") << connectSound;
+        QTest::newRow("message") << messageSound;
+        QTest::newRow("disconnect") << disconnectSound;
     }
     void theSoundsAreBuiltIn()
     {
-        QFETCH(QString, path);
-        QVERIFY(QFile(path).size() > 0);
+        QFETCH(QUrl, sound);
+        QVERIFY(QFile(u":"_qs + sound.path()).size() > 0);
     }
 };
 
