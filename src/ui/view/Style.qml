@@ -86,6 +86,7 @@ QtObject {
     readonly property color instrumentOwn: "#FACC15"
     readonly property color instrumentActive: "#4ADE80"
     readonly property color instrumentTraffic: "#67E8F9"
+    readonly property int radarLabelHeight: 13
     readonly property color skyHigh: "#123A8C"
     readonly property color skyLow: "#7DB7F0"
     readonly property color groundNear: "#A0713F"

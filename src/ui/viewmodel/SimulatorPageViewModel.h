@@ -4,6 +4,7 @@
 #include "model/RemoteAircraft.h"
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
+#include "ui/viewmodel/PlotLabels.h"
 #include "ui/viewmodel/TrafficPlot.h"
 
 #include <QObject>
@@ -80,6 +81,7 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(QVariantList engineStates READ engineStates NOTIFY dataChanged)
     Q_PROPERTY(QVariantList trafficContacts READ trafficContacts NOTIFY trafficChanged)
     Q_PROPERTY(QVariantList plotContacts READ plotContacts NOTIFY trafficChanged)
+    Q_PROPERTY(tarvo::ui::viewmodel::PlotLabels *plotLabels READ plotLabels CONSTANT)
     Q_PROPERTY(QString trafficSummary READ trafficSummary NOTIFY trafficChanged)
 
 public:
@@ -154,6 +156,8 @@ public:
     /// north), "distanceNm", "relativeAltitudeFeet", "heading" and "groundSpeed". The last three are NaN while unknown.
     /// Empty without an own position.
     QVariantList plotContacts() const;
+    /// Finds room for the plot's labels; never null.
+    PlotLabels *plotLabels() { return &m_plotLabels; }
     QString trafficSummary() const;
 
     // The program's side. Each emits only on a change.
@@ -248,6 +252,7 @@ private:
     QList<TrafficTarget> m_targets;
     std::optional<PlotOrigin> m_plotOrigin; ///< where the plot was last told from
     mutable std::optional<QVariantList> m_plotContacts;
+    PlotLabels m_plotLabels;
 };
 
 } // namespace tarvo::ui::viewmodel

@@ -1,8 +1,8 @@
 import QtQuick
 import ".."
 
-/// One aircraft on the plot: a diamond (filled when near), its callsign when `named`; when `measured`
-/// a stroke where it heads and its height in hundreds of feet above or below.
+/// One aircraft on the plot: a diamond (filled when near); when `measured` a stroke where it heads. Where there is room
+/// also its callsign and its height in hundreds of feet above or below.
 Item {
     id: symbol
 
@@ -11,10 +11,15 @@ Item {
     property real upHeading: 0
     property real range: 10
     property real radius: 100
-    property bool named: false
     property bool measured: true
-    /// Half the plot's width: how far a callsign may reach.
-    property real room: 160
+    readonly property string callsign: contact?.callsign ?? ""
+    /// What the callsign and the height take; 0 for none.
+    readonly property real nameWidth: outside || callsign === "" ? 0 : name.width
+    readonly property real altitudeWidth: outside || !measured || altitude.text === "" ? 0 : altitude.width
+    readonly property bool below: relative < 0
+    readonly property string heightText: hundreds(relative)
+    property bool roomForName: false
+    property bool roomForAltitude: false
     readonly property real distance: contact?.distanceNm ?? 0
     readonly property real angle: ((contact?.bearing ?? 0) - upHeading) * Math.PI / 180
     readonly property bool outside: distance > range
@@ -54,27 +59,46 @@ Item {
         antialiasing: true
     }
 
-    AppText {
-        visible: symbol.measured && text.length > 0 && !symbol.outside
+    LabelText {
+        id: altitude
+
+        objectName: "radarAltitude"
+        visible: symbol.roomForAltitude && symbol.altitudeWidth > 0
         x: -width / 2
-        y: symbol.relative < 0 ? 6 : -height - 6
-        text: symbol.hundreds(symbol.relative)
+        y: symbol.below ? 7 : -height - 7
+        width: Math.ceil(implicitWidth)
+        text: symbol.heightText
         color: symbol.tint
-        font.pixelSize: 11
     }
 
-    AppText {
-        visible: symbol.named && !symbol.outside
-        // On the side away from the middle, as long as it fits there.
-        x: symbol.x >= 0 === Math.abs(symbol.x) + width + 20 < symbol.room ? 11 : -width - 11
-        y: -height / 2
+    LabelText {
+        id: name
+
+        objectName: "radarName"
+        visible: symbol.roomForName && symbol.nameWidth > 0
         width: Math.min(Math.ceil(implicitWidth), 90)
         clip: true // an elided text of both directions may be wider than it should
-        text: symbol.contact?.callsign ?? ""
+        text: symbol.callsign.slice(0, 40) // more than fits, and never much to lay out
         color: Style.instrumentLine
-        font.pixelSize: 11
         elide: Text.ElideRight
         maximumLineCount: 1
+    }
+
+    component LabelText: AppText {
+        height: Style.radarLabelHeight
+        font.pixelSize: 11
+        style: Text.Outline // legible over a farther symbol
+        styleColor: Style.instrumentGlass
+    }
+
+    /// The callsign's upper left corner, NaN without room for it, and whether there is room for the height.
+    function label(nameX: real, nameY: real, withAltitude: bool): void {
+        roomForAltitude = withAltitude
+        roomForName = Number.isFinite(nameX)
+        if (!roomForName)
+            return
+        name.x = nameX
+        name.y = nameY
     }
 
     function hundreds(feet: real): string {

@@ -32,6 +32,7 @@ Card {
             live: card.live
             heading: card.simulator?.heading ?? NaN
             contacts: card.contacts
+            labels: card.simulator?.plotLabels ?? null
         }
 
         TrafficList {

@@ -1,0 +1,413 @@
+#include "ui/viewmodel/LabelPlacer.h"
+
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+
+using namespace tarvo::ui::viewmodel;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinite = std::numeric_limits<double>::infinity();
+constexpr double reach = LabelPlacer::symbolReach;
+const QRectF glass(-220, -160, 440, 320);
+const QSizeF name(48, 13);
+const QSizeF altitude(22, 13);
+
+PlotSymbol symbol(const char *callsign, QPointF at, double distance)
+{
+    return {QString::fromLatin1(callsign), at, distance, name, {}, false};
+}
+
+/// The same crowd for the same seed, thick in the middle, with the distance on the plot as the distance.
+QList<PlotSymbol> crowd(int count, unsigned seed)
+{
+    std::mt19937 random(seed); // its numbers are the same everywhere, those of the distributions are not
+    const auto fraction = [&random] { return random() / double(std::mt19937::max()); };
+    QList<PlotSymbol> symbols;
+    for (int i = 0; i < count; ++i) {
+        const double away = 150 * fraction() * fraction();
+        const double angle = 2 * std::numbers::pi * fraction();
+        const QSizeF text(30 + 55 * fraction(), 13);
+        symbols << PlotSymbol{QStringLiteral("CES%1").arg(i),
+                              {away * std::sin(angle), away * std::cos(angle)},
+                              away,
+                              text,
+                              altitude,
+                              random() % 2 == 0};
+    }
+    return symbols;
+}
+
+QRectF nameBox(const PlotSymbol &symbol, const PlotLabel &label)
+{
+    return {symbol.at + label.name.value_or(QPointF()),
+            QSizeF(std::min(symbol.name.width(), LabelPlacer::longestLabel), symbol.name.height())};
+}
+
+QRectF altitudeBox(const PlotSymbol &symbol)
+{
+    return {symbol.at + LabelPlacer::altitudeCorner(symbol.altitude, symbol.below), symbol.altitude};
+}
+
+struct Box
+{
+    qsizetype owner;
+    QRectF area;
+};
+
+QList<Box> boxes(const QList<PlotSymbol> &symbols, const QList<PlotLabel> &labels)
+{
+    QList<Box> found;
+    for (qsizetype i = 0; i < labels.size(); ++i) {
+        if (labels.at(i).name)
+            found << Box{i, nameBox(symbols.at(i), labels.at(i))};
+        if (labels.at(i).altitude)
+            found << Box{i, altitudeBox(symbols.at(i))};
+    }
+    return found;
+}
+
+/// What is wrong with these labels; empty for nothing.
+QString faults(const QList<PlotSymbol> &symbols, const QList<PlotLabel> &labels, const QList<QRectF> &taken = {})
+{
+    if (labels.size() != symbols.size())
+        return QStringLiteral("not one for each");
+    const QList<Box> all = boxes(symbols, labels);
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        const Box &box = all.at(i);
+        if (!glass.contains(box.area))
+            return QStringLiteral("outside the glass");
+        for (qsizetype j = 0; j < i; ++j)
+            if (all.at(j).area.intersects(box.area))
+                return QStringLiteral("labels of %1 and %2 overlap").arg(all.at(j).owner).arg(box.owner);
+        for (const QRectF &area : taken)
+            if (area.intersects(box.area))
+                return QStringLiteral("label of %1 on what is taken").arg(box.owner);
+        for (const PlotSymbol &other : symbols)
+            if (other.distance < symbols.at(box.owner).distance &&
+                QRectF(other.at - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach)).intersects(box.area))
+                return QStringLiteral("label of %1 on a nearer symbol").arg(box.owner);
+    }
+    return {};
+}
+
+int named(const QList<PlotLabel> &labels)
+{
+    return int(std::count_if(labels.begin(), labels.end(), [](const PlotLabel &label) { return label.name; }));
+}
+
+} // namespace
+
+class LabelPlacerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aLoneLabelStandsOutside_data()
+    {
+        QTest::addColumn<QPointF>("at");
+        QTest::addColumn<QPointF>("corner");
+        QTest::newRow("right of the middle") << QPointF(50, 20) << QPointF(11, -6.5);
+        QTest::newRow("left of the middle") << QPointF(-50, 20) << QPointF(-59, -6.5);
+        QTest::newRow("ahead") << QPointF(0, -60) << QPointF(11, -6.5);
+        QTest::newRow("at the right edge") << QPointF(210, 0) << QPointF(-59, -6.5);
+        QTest::newRow("at the left edge") << QPointF(-210, 0) << QPointF(11, -6.5);
+        QTest::newRow("at the top edge") << QPointF(0, -159) << QPointF(7, 3);
+        QTest::newRow("at the bottom edge") << QPointF(-10, 159) << QPointF(-55, -16);
+    }
+
+    void aLoneLabelStandsOutside()
+    {
+        QFETCH(QPointF, at);
+        QFETCH(QPointF, corner);
+        const QList<PlotLabel> labels = LabelPlacer().place({symbol("CES1", at, 1)}, glass, {});
+        QCOMPARE(labels.size(), 1);
+        QVERIFY(labels.first().name);
+        QCOMPARE(*labels.first().name, corner);
+        QVERIFY(!labels.first().altitude);
+    }
+
+    void anAltitudeStandsOverOrUnder_data()
+    {
+        QTest::addColumn<bool>("below");
+        QTest::addColumn<QPointF>("at");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("above") << false << QPointF(50, 0) << true;
+        QTest::newRow("below") << true << QPointF(50, 0) << true;
+        QTest::newRow("above, over the edge") << false << QPointF(50, -150) << false;
+        QTest::newRow("below, at the upper edge") << true << QPointF(50, -150) << true;
+        QTest::newRow("below, over the edge") << true << QPointF(50, 150) << false;
+    }
+
+    void anAltitudeStandsOverOrUnder()
+    {
+        QFETCH(bool, below);
+        QFETCH(QPointF, at);
+        QFETCH(bool, shown);
+        PlotSymbol one = symbol("CES1", at, 1);
+        one.altitude = altitude;
+        one.below = below;
+        const QList<PlotLabel> labels = LabelPlacer().place({one}, glass, {});
+        QCOMPARE(labels.first().altitude, shown);
+        QVERIFY(labels.first().name);
+        QCOMPARE(faults({one}, labels), QString());
+    }
+
+    void theNearestGetsTheOnlyRoom()
+    {
+        const QRectF narrow(-30, -7, 100, 14); // room for one, beside the symbols
+        for (const bool reversed : {false, true}) {
+            QList<PlotSymbol> symbols{symbol("NEAR", {0, 0}, 1), symbol("FAR", {1, 0}, 2)};
+            if (reversed)
+                std::reverse(symbols.begin(), symbols.end());
+            const QList<PlotLabel> labels = LabelPlacer().place(symbols, narrow, {});
+            QCOMPARE(bool(labels.at(reversed ? 1 : 0).name), true);
+            QCOMPARE(bool(labels.at(reversed ? 0 : 1).name), false);
+        }
+    }
+
+    void nothingOverlaps_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("atLeast");
+        QTest::newRow("a few") << 5 << 2;
+        QTest::newRow("dozens") << 40 << 10;
+        QTest::newRow("sixty") << 60 << 11;
+        QTest::newRow("two hundred") << 200 << 12;
+        QTest::newRow("seven hundred") << 700 << 12;
+    }
+
+    void nothingOverlaps()
+    {
+        QFETCH(int, count);
+        QFETCH(int, atLeast);
+        const QList<QRectF> taken{{-11, -3, 22, 4}, {-5, -11, 10, 23}, {-28, -160, 56, 14}};
+        for (unsigned seed = 0; seed < 10; ++seed) {
+            const QList<PlotSymbol> symbols = crowd(count, seed);
+            const QList<PlotLabel> labels = LabelPlacer().place(symbols, glass, taken);
+            QCOMPARE(faults(symbols, labels, taken), QString());
+            QVERIFY2(named(labels) >= atLeast, qPrintable(QString::number(named(labels))));
+        }
+    }
+
+    void aFartherSymbolIsLeftFree()
+    {
+        const QList<PlotSymbol> symbols{symbol("NEAR", {20, 0}, 1), symbol("FAR", {45, 0}, 2)};
+        const QList<PlotLabel> labels = LabelPlacer().place(symbols, glass, {});
+        QVERIFY(labels.at(0).name);
+        const QRectF far(QPointF(45 - reach, -reach), QSizeF(2 * reach, 2 * reach));
+        QVERIFY(!nameBox(symbols.at(0), labels.at(0)).intersects(far));
+    }
+
+    void theNearestRatherCoversThanStaysUnnamed()
+    {
+        // Everywhere around it stands somebody.
+        QList<PlotSymbol> symbols{symbol("NEAR", {0, 0}, 1)};
+        for (int x = -60; x <= 60; x += 10)
+            for (int y = -20; y <= 20; y += 10)
+                if (x != 0 || y != 0)
+                    symbols << PlotSymbol{QString(), QPointF(x, y), 2, {}, {}, false};
+        QVERIFY(LabelPlacer().place(symbols, glass, {}).first().name);
+    }
+
+    void aLabelIsKeptWhileItFits()
+    {
+        LabelPlacer placer;
+        // Seen from the right side, the left is no longer the first choice.
+        const auto at = [&placer](double x) {
+            return *placer.place({symbol("CES1", {x, 0}, 1)}, glass, {}).first().name;
+        };
+        QCOMPARE(at(-1), QPointF(-59, -6.5));
+        QCOMPARE(at(1), QPointF(-59, -6.5));
+        QCOMPARE(at(120), QPointF(-59, -6.5));
+        QCOMPARE(at(-165), QPointF(-55, -16)); // out of the glass beside it
+        QCOMPARE(at(-100), QPointF(-55, -16));
+    }
+
+    void aLabelIsKeptFromALittleNearer_data()
+    {
+        QTest::addColumn<double>("distance");
+        QTest::addColumn<bool>("keeps");
+        QTest::newRow("farther") << 11.0 << true;
+        QTest::newRow("equal") << 10.0 << true;
+        QTest::newRow("a little nearer") << 8.5 << true;
+        QTest::newRow("clearly nearer") << 7.5 << false;
+    }
+
+    void aLabelIsKeptFromALittleNearer()
+    {
+        QFETCH(double, distance);
+        QFETCH(bool, keeps);
+        const QRectF narrow(-30, -7, 100, 14);
+        LabelPlacer placer;
+        const PlotSymbol first = symbol("FIRST", {0, 0}, 10);
+        QVERIFY(placer.place({first}, narrow, {}).first().name);
+        const QList<PlotLabel> labels = placer.place({first, symbol("SECOND", {-1, 0}, distance)}, narrow, {});
+        QCOMPARE(bool(labels.at(0).name), keeps);
+        QCOMPARE(bool(labels.at(1).name), !keeps);
+    }
+
+    void aNewcomerTakesNobodysPlaceWithoutNeed()
+    {
+        LabelPlacer placer;
+        const PlotSymbol first = symbol("FIRST", {40, 0}, 10);
+        const QPointF before = *placer.place({first}, glass, {}).first().name;
+        // Its first choice would be just there.
+        const QList<PlotLabel> labels = placer.place({first, symbol("SECOND", {30, 9}, 5)}, glass, {});
+        QVERIFY(labels.at(0).name && labels.at(1).name);
+        QCOMPARE(*labels.at(0).name, before);
+    }
+
+    void whoHasLeftIsForgotten()
+    {
+        LabelPlacer placer;
+        QCOMPARE(*placer.place({symbol("CES1", {-1, 0}, 1)}, glass, {}).first().name, QPointF(-59, -6.5));
+        placer.place({}, glass, {});
+        QCOMPARE(*placer.place({symbol("CES1", {1, 0}, 1)}, glass, {}).first().name, QPointF(11, -6.5));
+    }
+
+    void smallMovementsChangeNothing()
+    {
+        for (unsigned seed = 0; seed < 10; ++seed) {
+            LabelPlacer placer;
+            const QList<PlotSymbol> rest = crowd(60, seed);
+            QList<PlotLabel> before;
+            std::mt19937 random(seed);
+            int changes = 0;
+            for (int round = 0; round < 200; ++round) {
+                QList<PlotSymbol> moved = rest;
+                for (PlotSymbol &one : moved)
+                    one.at += QPointF(int(random() % 9) - 4, int(random() % 9) - 4) / 16;
+                const QList<PlotLabel> labels = placer.place(moved, glass, {});
+                QCOMPARE(faults(moved, labels), QString());
+                for (qsizetype i = 0; round >= 20 && i < labels.size(); ++i)
+                    changes += labels.at(i) == before.at(i) ? 0 : 1;
+                before = labels;
+            }
+            // 10,800 labels are placed after those first ones, by then where the trembling doesn't reach them.
+            QVERIFY2(changes <= 20, qPrintable(QString::number(changes)));
+        }
+    }
+
+    void aTurnMovesFewLabels()
+    {
+        LabelPlacer placer;
+        const QList<PlotSymbol> rest = crowd(60, 1);
+        QList<PlotLabel> before;
+        int changes = 0;
+        for (int degree = 0; degree < 360; ++degree) {
+            QList<PlotSymbol> moved = rest;
+            const double angle = degree * std::numbers::pi / 180;
+            for (PlotSymbol &one : moved)
+                one.at = {one.at.x() * std::cos(angle) - one.at.y() * std::sin(angle),
+                          one.at.x() * std::sin(angle) + one.at.y() * std::cos(angle)};
+            const QList<PlotLabel> labels = placer.place(moved, glass, {});
+            QCOMPARE(faults(moved, labels), QString());
+            for (qsizetype i = 0; degree > 0 && i < labels.size(); ++i)
+                changes += labels.at(i).name.has_value() == before.at(i).name.has_value() ? 0 : 1;
+            before = labels;
+        }
+        QVERIFY2(changes < 60 * 360 / 20, qPrintable(QString::number(changes)));
+    }
+
+    void theSameAlwaysComesOut()
+    {
+        LabelPlacer one;
+        LabelPlacer other;
+        for (unsigned seed = 0; seed < 20; ++seed) {
+            const QList<PlotSymbol> symbols = crowd(50, seed);
+            const QList<PlotLabel> labels = one.place(symbols, glass, {});
+            QList<PlotSymbol> reversed(symbols.crbegin(), symbols.crend()); // all distances differ
+            QList<PlotLabel> back = other.place(reversed, glass, {});
+            std::reverse(back.begin(), back.end());
+            QCOMPARE(back, labels);
+        }
+    }
+
+    void nonsenseIsNotLabelled_data()
+    {
+        QTest::addColumn<QPointF>("at");
+        QTest::addColumn<double>("distance");
+        QTest::addColumn<QSizeF>("text");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("ordinary") << QPointF(9, 9) << 1.0 << name << true;
+        QTest::newRow("nowhere across") << QPointF(notANumber, 0) << 1.0 << name << false;
+        QTest::newRow("nowhere down") << QPointF(0, notANumber) << 1.0 << name << false;
+        QTest::newRow("infinitely right") << QPointF(infinite, 0) << 1.0 << name << false;
+        QTest::newRow("infinitely up") << QPointF(0, -infinite) << 1.0 << name << false;
+        QTest::newRow("very far") << QPointF(1e308, -1e308) << 1.0 << name << false;
+        QTest::newRow("distance not a number") << QPointF(9, 9) << notANumber << name << true;
+        QTest::newRow("distance infinite") << QPointF(9, 9) << infinite << name << true;
+        QTest::newRow("distance below zero") << QPointF(9, 9) << -3.0 << name << true;
+        QTest::newRow("no text") << QPointF(9, 9) << 1.0 << QSizeF() << false;
+        QTest::newRow("text of no width") << QPointF(9, 9) << 1.0 << QSizeF(0, 13) << false;
+        QTest::newRow("text of less than none") << QPointF(9, 9) << 1.0 << QSizeF(-40, 13) << false;
+        QTest::newRow("width not a number") << QPointF(9, 9) << 1.0 << QSizeF(notANumber, 13) << false;
+        QTest::newRow("height not a number") << QPointF(9, 9) << 1.0 << QSizeF(40, notANumber) << false;
+        QTest::newRow("height infinite") << QPointF(9, 9) << 1.0 << QSizeF(40, infinite) << false;
+        QTest::newRow("taller than the glass") << QPointF(9, 9) << 1.0 << QSizeF(40, 1e6) << false;
+        QTest::newRow("10,000 letters wide") << QPointF(9, 9) << 1.0 << QSizeF(80'000, 13) << true;
+        QTest::newRow("infinitely wide") << QPointF(9, 9) << 1.0 << QSizeF(infinite, 13) << true;
+    }
+
+    void nonsenseIsNotLabelled()
+    {
+        QFETCH(QPointF, at);
+        QFETCH(double, distance);
+        QFETCH(QSizeF, text);
+        QFETCH(bool, shown);
+        LabelPlacer placer;
+        const PlotSymbol odd{QString(10'000, u'W'), at, distance, text, text, false};
+        const PlotSymbol sane = symbol("CES1", {-80, 0}, 2);
+        for (int round = 0; round < 2; ++round) { // the second time it may have been there before
+            const QList<PlotLabel> labels = placer.place({odd, sane}, glass, {});
+            QCOMPARE(labels.size(), 2);
+            QCOMPARE(bool(labels.at(0).name), shown);
+            QVERIFY(labels.at(1).name);
+            if (shown)
+                QVERIFY(glass.contains(nameBox(odd, labels.at(0))));
+        }
+    }
+
+    void aGlassWithoutRoomHasNoLabels_data()
+    {
+        QTest::addColumn<QRectF>("area");
+        QTest::newRow("none") << QRectF();
+        QTest::newRow("inside out") << QRectF(100, 100, -200, -200);
+        QTest::newRow("not a number") << QRectF(notANumber, 0, 10, 10);
+        QTest::newRow("too small") << QRectF(-20, -20, 40, 40);
+    }
+
+    void aGlassWithoutRoomHasNoLabels()
+    {
+        QFETCH(QRectF, area);
+        LabelPlacer placer;
+        QCOMPARE(named(placer.place(crowd(20, 3), area, {})), 0);
+        QVERIFY(named(placer.place(crowd(20, 3), glass, {{notANumber, 0, 10, 10}, QRectF()})) > 0);
+    }
+
+    void hundredsAtOnePoint()
+    {
+        QList<PlotSymbol> symbols;
+        for (int i = 0; i < 500; ++i)
+            symbols << PlotSymbol{QStringLiteral("CES"), {30, 30}, 1, name, altitude, i % 2 == 0};
+        LabelPlacer placer;
+        for (int round = 0; round < 3; ++round) {
+            const QList<PlotLabel> labels = placer.place(symbols, glass, {});
+            QCOMPARE(faults(symbols, labels), QString());
+            QVERIFY(named(labels) >= 1 && named(labels) <= 8);
+        }
+    }
+};
+
+TARVO_TEST(LabelPlacerTest)
+#include "LabelPlacerTest.moc"
