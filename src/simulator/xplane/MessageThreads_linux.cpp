@@ -29,10 +29,11 @@ constexpr nng_duration namedAfterMs = 100;
 int countPoolThreads()
 {
     int count = 0;
-    std::error_code error;
-    for (const auto &thread : std::filesystem::directory_iterator("/proc/self/task", error)) {
+    std::error_code error; // nothing may be thrown here: a thread of nng's would end the program
+    for (std::filesystem::directory_iterator thread("/proc/self/task", error), end; thread != end;
+         thread.increment(error)) {
         std::string name;
-        std::getline(std::ifstream(thread.path() / "comm"), name);
+        std::getline(std::ifstream(thread->path() / "comm"), name);
         if (name == "nng:task")
             ++count;
     }
