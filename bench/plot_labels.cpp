@@ -1,5 +1,5 @@
 // What it costs to find room for the labels of the traffic plot, asked as its page asks: once a sample while the own
-// aircraft turns.
+// aircraft turns. 60 contacts are meant to stay below a tenth of a millisecond.
 #include "ui/viewmodel/PlotLabels.h"
 
 #include <benchmark/benchmark.h>

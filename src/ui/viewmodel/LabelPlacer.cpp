@@ -281,7 +281,7 @@ QPointF LabelPlacer::altitudeCorner(const QSizeF &text, bool below)
 QList<PlotLabel> LabelPlacer::place(const QList<PlotSymbol> &symbols, const QRectF &glass, const QList<QRectF> &taken)
 {
     Placing placing(symbols, m_held, glass, taken);
-    const QList<PlotLabel> labels = placing.run();
+    QList<PlotLabel> labels = placing.run();
     m_held = placing.held();
     return labels;
 }

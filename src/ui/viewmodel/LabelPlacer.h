@@ -32,8 +32,9 @@ struct PlotLabel
 };
 
 /// Finds room for the labels of the plot. None lies on another label, on a nearer contact's symbol or outside the
-/// glass; the nearest contacts choose first, and of their places one that covers no farther symbol either. Who has a
-/// label keeps it there while it fits, so that labels don't flicker while everything moves.
+/// glass. The nearest contacts choose first; a callsign prefers a place that covers no farther symbol either, and only
+/// the very nearest ones take one that does. Who has a label keeps it there while it fits, so that labels don't flicker
+/// while everything moves.
 class LabelPlacer
 {
 public:
