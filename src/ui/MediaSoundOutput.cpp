@@ -1,5 +1,8 @@
 #include "ui/MediaSoundOutput.h"
 
+#include <QAudioDevice>
+#include <QDebug>
+#include <QMediaDevices>
 #include <QUrl>
 
 namespace tarvo::ui {
@@ -11,6 +14,12 @@ MediaSoundOutput::MediaSoundOutput()
 
 void MediaSoundOutput::begin(const QUrl &url, float volume)
 {
+    // Without a device the player's pipeline fails on a thread of its own, while the next sound takes it apart on this
+    // one: that has crashed inside the toolkit.
+    if (QMediaDevices::defaultAudioOutput().isNull()) {
+        qDebug() << "No sound device for" << url.fileName();
+        return;
+    }
     m_output.setVolume(volume);
     m_player.stop();
     if (m_player.source() != url)

@@ -217,19 +217,6 @@ private slots:
         QCOMPARE(unused->steps(), QStringList());
     }
 
-    void aPlayerGoesWhileItIsHeard()
-    {
-        for (int i = 0; i < 3; ++i) {
-            SoundPlayer player;
-            player.play(connectSound, 0.55F);
-            player.play(messageSound, 0.55F);
-        }
-        const auto system = std::make_shared<SoundSystem>();
-        SoundPlayer next(system->factory());
-        next.play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps().size(), 2); // the thread has come past the three
-    }
-
     void theSoundsAreBuiltIn_data()
     {
         QTest::addColumn<QUrl>("sound");
