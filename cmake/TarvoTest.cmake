@@ -30,7 +30,8 @@ function(tarvo_test name)
     target_precompile_headers(${target} REUSE_FROM ${main})
     tarvo_test_options(${target})
     add_test(NAME ${name} COMMAND ${target} -silent) # what passes would bury what fails
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    # Seconds. The slowest takes 140 under AddressSanitizer, two programs at a time on two cores.
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600)
     set_property(TEST ${name} PROPERTY ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen"
         "QT_QUICK_BACKEND=software"
