@@ -4,6 +4,7 @@
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/MetarRequest.h"
 #include "fsd/pdu/PDUFormatException.h"
+#include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
 #include <QDir>
@@ -85,7 +86,7 @@ QByteArray bytesOf(const QByteArray &cell)
 
 QString folder()
 {
-    return QStringLiteral(TARVO_SOURCE_DIR "/tests/fsd/golden");
+    return tarvo::test::sourceFile(QStringLiteral("tests/fsd/golden"));
 }
 
 /// The rows of one file, four cells each.

@@ -3,6 +3,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -477,7 +478,7 @@ private slots:
     void theProgramsOwnTableIsImported()
     {
         QVERIFY(QDir().mkpath(inRoot(QStringLiteral("resources"))));
-        QVERIFY(QFile::copy(QStringLiteral(TARVO_SOURCE_DIR "/resources/Doc8643.txt"), table()));
+        QVERIFY(QFile::copy(sourceFile(QStringLiteral("resources/Doc8643.txt")), table()));
         load();
         QVERIFY(m_service->isReady());
         QCOMPARE(m_service->suggest(QStringLiteral("b73"), 3),

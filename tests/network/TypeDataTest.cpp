@@ -1,5 +1,6 @@
 #include "network/IcaoSnapshot.h"
 #include "network/IcaoSources.h"
+#include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
 #include <QCoreApplication>
@@ -16,7 +17,7 @@ class TypeDataTest : public QObject
     Q_OBJECT
 
 private:
-    const QString m_path = QStringLiteral(TARVO_SOURCE_DIR "/resources/Doc8643.txt");
+    const QString m_path = tarvo::test::sourceFile(QStringLiteral("resources/Doc8643.txt"));
     QStringList m_lines;
     IcaoSnapshot m_snapshot;
 

@@ -1,6 +1,7 @@
 #include "AdapterSupport.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "simulator/xplane/PluginReports.h"
+#include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
 #include <QFile>
@@ -36,7 +37,8 @@ QByteArray bytesOf(const QByteArray &cell)
 QList<Golden> goldenFile(const char *name)
 {
     QList<Golden> rows;
-    QFile file(QStringLiteral(TARVO_SOURCE_DIR "/tests/simulator/xplane/golden/%1").arg(QString::fromLatin1(name)));
+    QFile file(
+        tarvo::test::sourceFile(QStringLiteral("tests/simulator/xplane/golden/%1").arg(QString::fromLatin1(name))));
     if (!file.open(QIODevice::ReadOnly))
         return rows;
     for (const QByteArray &line : file.readAll().split('\n')) {
