@@ -19,7 +19,7 @@ namespace {
 
 constexpr int staleIntervalMs = 10000;
 constexpr int syncIntervalMs = 5000;
-constexpr qint64 staleAfterMs = 15000;
+constexpr qint64 staleAircraftAfterMs = 15000;
 constexpr qint64 pendingForMs = 10000;
 constexpr double standingKnots = 0.5;
 
@@ -275,7 +275,7 @@ void AircraftManager::removeStale()
     const QDateTime time = now();
     QList<RemoteAircraft> stale;
     for (const RemoteAircraft &aircraft : std::as_const(m_records)) {
-        if (aircraft.lastUpdate.msecsTo(time) > staleAfterMs)
+        if (aircraft.lastUpdate.msecsTo(time) > staleAircraftAfterMs)
             stale.append(aircraft);
     }
     for (const RemoteAircraft &aircraft : std::as_const(stale)) {

@@ -30,7 +30,7 @@ constexpr QSize minimumWindow{1000, 700}; ///< the main window opens at the logi
 constexpr int panelWidth = 392;
 constexpr int sideMargin = 64;
 constexpr auto autoLoginDelay = 500ms;
-constexpr int fadeMs = 420;
+constexpr int windowFadeMs = 420;
 constexpr QColor placeholderColour{0x1A, 0x2B, 0x47};
 
 /// Darkens the photograph towards the panel, and at the top, where text stands on it.
@@ -139,7 +139,7 @@ void LoginWindow::fadeIn()
     effect->setOpacity(0);
     m_form->setGraphicsEffect(effect);
     auto *fade = new QPropertyAnimation(effect, "opacity", effect);
-    fade->setDuration(fadeMs);
+    fade->setDuration(windowFadeMs);
     fade->setStartValue(0.0);
     fade->setEndValue(1.0);
     fade->setEasingCurve(QEasingCurve::OutCubic);

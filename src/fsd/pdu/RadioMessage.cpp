@@ -8,7 +8,7 @@ namespace tarvo::fsd::pdu {
 
 namespace {
 
-QList<quint32> readFrequencies(const QString &text)
+QList<quint32> readAddressed(const QString &text)
 {
     QList<quint32> frequencies;
     const auto items = QStringView(text).split(QLatin1Char('&')); // empty items stay
@@ -18,7 +18,7 @@ QList<quint32> readFrequencies(const QString &text)
     return frequencies;
 }
 
-QString writeFrequencies(const QList<quint32> &frequencies)
+QString writeAddressed(const QList<quint32> &frequencies)
 {
     QStringList items;
     items.reserve(frequencies.size());
@@ -38,12 +38,12 @@ RadioMessage RadioMessage::parse(const QStringList &fields)
 {
     if (fields.size() < 3)
         fields::fail(fields, QStringLiteral("Invalid field count for RadioMessage message.")); // not "command."
-    return {fields[0], readFrequencies(fields[1]), fields::joinFrom(fields, 2)};
+    return {fields[0], readAddressed(fields[1]), fields::joinFrom(fields, 2)};
 }
 
 QStringList RadioMessage::serialize() const
 {
-    return {From, writeFrequencies(frequencies), message};
+    return {From, writeAddressed(frequencies), message};
 }
 
 } // namespace tarvo::fsd::pdu

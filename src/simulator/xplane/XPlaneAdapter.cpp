@@ -24,8 +24,8 @@ constexpr char com2FrequencyDataref[] = "sim/cockpit2/radios/actuators/com2_freq
 constexpr char identCommand[] = "sim/transponder/transponder_ident";
 constexpr char standbyCommand[] = "sim/transponder/transponder_standby";
 constexpr char altitudeCommand[] = "sim/transponder/transponder_alt";
-constexpr float transponderStandby = 1.0F;
-constexpr float transponderModeC = 3.0F;
+constexpr float standbyMode = 1.0F;
+constexpr float altitudeMode = 3.0F;
 
 } // namespace
 
@@ -246,7 +246,7 @@ void XPlaneAdapter::transponderIdent()
 void XPlaneAdapter::transponderModeToggle()
 {
     const bool toStandby = m_datarefs->sample().radio.squawkingModeC;
-    m_datarefs->write(transponderModeDataref, toStandby ? transponderStandby : transponderModeC);
+    m_datarefs->write(transponderModeDataref, toStandby ? standbyMode : altitudeMode);
     m_datarefs->command(toStandby ? QByteArrayView(standbyCommand) : QByteArrayView(altitudeCommand));
 }
 
