@@ -1,5 +1,6 @@
 // One fast position from bytes to signal, against only splitting the same line. Budget: a ratio of 4.
 #include "fsd/FsdClient.h"
+#include "fsd/pdu/FastPilotPosition.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QLatin1StringView>
 #include <QString>
 
 #include <algorithm>
 
 namespace tarvo::common {
+
+/// What the server calls itself, and what a line to it is addressed to.
+inline constexpr QLatin1StringView serverCallsign{"SERVER"};
 
 /// What the network calls a callsign and is longer than this is none, and is not kept. Real ones have 12 characters at
 /// most.

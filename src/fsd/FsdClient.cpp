@@ -1,6 +1,6 @@
 #include "fsd/FsdClient.h"
 
-#include "fsd/Dispatcher.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/AuthResponse.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"

@@ -2,31 +2,6 @@
 
 #include "fsd/LineSplitter.h"
 #include "fsd/NameResolver.h"
-#include "fsd/pdu/ATCPosition.h"
-#include "fsd/pdu/AddATC.h"
-#include "fsd/pdu/AddPilot.h"
-#include "fsd/pdu/BroadcastMessage.h"
-#include "fsd/pdu/ClientIdentification.h"
-#include "fsd/pdu/ClientQuery.h"
-#include "fsd/pdu/ClientQueryResponse.h"
-#include "fsd/pdu/DeleteATC.h"
-#include "fsd/pdu/DeletePilot.h"
-#include "fsd/pdu/FastPilotPosition.h"
-#include "fsd/pdu/FlightPlan.h"
-#include "fsd/pdu/KillRequest.h"
-#include "fsd/pdu/MetarResponse.h"
-#include "fsd/pdu/Mute.h"
-#include "fsd/pdu/PilotPosition.h"
-#include "fsd/pdu/Ping.h"
-#include "fsd/pdu/PlaneInfoRequest.h"
-#include "fsd/pdu/PlaneInfoResponse.h"
-#include "fsd/pdu/Pong.h"
-#include "fsd/pdu/ProtocolError.h"
-#include "fsd/pdu/RadioMessage.h"
-#include "fsd/pdu/SendFast.h"
-#include "fsd/pdu/ServerIdentification.h"
-#include "fsd/pdu/TextMessage.h"
-#include "fsd/pdu/Wallop.h"
 
 #include <QAbstractSocket>
 #include <QByteArray>
@@ -40,8 +15,33 @@ class QTcpSocket;
 namespace tarvo::fsd {
 
 namespace pdu {
+struct ATCPosition;
+struct AddATC;
+struct AddPilot;
 struct AuthChallenge;
+struct BroadcastMessage;
 struct ChangeServer;
+struct ClientIdentification;
+struct ClientQuery;
+struct ClientQueryResponse;
+struct DeleteATC;
+struct DeletePilot;
+struct FastPilotPosition;
+struct FlightPlan;
+struct KillRequest;
+struct MetarResponse;
+struct Mute;
+struct PilotPosition;
+struct Ping;
+struct PlaneInfoRequest;
+struct PlaneInfoResponse;
+struct Pong;
+struct ProtocolError;
+struct RadioMessage;
+struct SendFast;
+struct ServerIdentification;
+struct TextMessage;
+struct Wallop;
 } // namespace pdu
 
 /// The TCP end of the FSD protocol: resolves, connects, cuts the stream into PDUs, raises one signal for each, and

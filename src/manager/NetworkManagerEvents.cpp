@@ -1,5 +1,11 @@
 // What the server and the other clients say, and the client's manners in answering.
 
+#include "fsd/pdu/AddATC.h"
+#include "fsd/pdu/AddPilot.h"
+#include "fsd/pdu/KillRequest.h"
+#include "fsd/pdu/ProtocolError.h"
+#include "fsd/pdu/SendFast.h"
+#include "fsd/pdu/ServerIdentification.h"
 #include "manager/NetworkManagerSending.h"
 
 #include "AppConfig.h"

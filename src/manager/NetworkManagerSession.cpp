@@ -1,5 +1,9 @@
 // The life of one connection: from the pilot's request to the last line.
 
+#include "fsd/pdu/AddATC.h"
+#include "fsd/pdu/AddPilot.h"
+#include "fsd/pdu/ClientQuery.h"
+#include "fsd/pdu/DeletePilot.h"
 #include "manager/NetworkManagerSending.h"
 
 #include "AppConfig.h"

@@ -3,6 +3,8 @@
 // Whatever is sent, raised or told to the simulator may come back and end the session, forget an aircraft or replace
 // the simulator. So nothing of the table is kept across such a call, and what follows looks whether it still holds.
 
+#include "fsd/pdu/DeletePilot.h"
+#include "fsd/pdu/FlightPlan.h"
 #include "manager/NetworkManagerSending.h"
 
 #include "common/Callsign.h"

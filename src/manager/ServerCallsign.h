@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QLatin1StringView>
+#include "common/Callsign.h"
+
 #include <QString>
 
 namespace tarvo::manager {
 
-/// What the server calls itself.
-constexpr QLatin1StringView serverCallsign{"SERVER"};
+using common::serverCallsign;
 
 /// True when a text or a question comes from the server itself; case does not matter.
 inline bool isServer(const QString &callsign)

@@ -1,4 +1,5 @@
 #include "fsd/FsdClient.h"
+#include "fsd/pdu/Ping.h"
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
 

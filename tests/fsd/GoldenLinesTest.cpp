@@ -1,5 +1,5 @@
-#include "fsd/Dispatcher.h"
 #include "fsd/LineSplitter.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/AuthResponse.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/MetarRequest.h"
@@ -22,7 +22,7 @@ namespace {
 using Replay = QString (*)(const QString &line);
 
 template <class Pdu>
-QString replayThroughDispatcher(const QString &line)
+QString replayThroughParseLine(const QString &line)
 {
     const AnyPdu any = parseLine(line);
     const auto *pdu = std::get_if<Pdu>(&any);
@@ -44,35 +44,35 @@ QString replayMetarRequest(const QString &line)
 }
 
 const QHash<QString, Replay> replays{
-    {QStringLiteral("PilotPosition"), replayThroughDispatcher<pdu::PilotPosition>},
-    {QStringLiteral("FastPilotPosition"), replayThroughDispatcher<pdu::FastPilotPosition>},
-    {QStringLiteral("ATCPosition"), replayThroughDispatcher<pdu::ATCPosition>},
-    {QStringLiteral("ServerIdentification"), replayThroughDispatcher<pdu::ServerIdentification>},
-    {QStringLiteral("ClientIdentification"), replayThroughDispatcher<pdu::ClientIdentification>},
-    {QStringLiteral("AddATC"), replayThroughDispatcher<pdu::AddATC>},
-    {QStringLiteral("DeleteATC"), replayThroughDispatcher<pdu::DeleteATC>},
-    {QStringLiteral("AddPilot"), replayThroughDispatcher<pdu::AddPilot>},
-    {QStringLiteral("DeletePilot"), replayThroughDispatcher<pdu::DeletePilot>},
-    {QStringLiteral("BroadcastMessage"), replayThroughDispatcher<pdu::BroadcastMessage>},
-    {QStringLiteral("Wallop"), replayThroughDispatcher<pdu::Wallop>},
-    {QStringLiteral("RadioMessage"), replayThroughDispatcher<pdu::RadioMessage>},
-    {QStringLiteral("TextMessage"), replayThroughDispatcher<pdu::TextMessage>},
+    {QStringLiteral("PilotPosition"), replayThroughParseLine<pdu::PilotPosition>},
+    {QStringLiteral("FastPilotPosition"), replayThroughParseLine<pdu::FastPilotPosition>},
+    {QStringLiteral("ATCPosition"), replayThroughParseLine<pdu::ATCPosition>},
+    {QStringLiteral("ServerIdentification"), replayThroughParseLine<pdu::ServerIdentification>},
+    {QStringLiteral("ClientIdentification"), replayThroughParseLine<pdu::ClientIdentification>},
+    {QStringLiteral("AddATC"), replayThroughParseLine<pdu::AddATC>},
+    {QStringLiteral("DeleteATC"), replayThroughParseLine<pdu::DeleteATC>},
+    {QStringLiteral("AddPilot"), replayThroughParseLine<pdu::AddPilot>},
+    {QStringLiteral("DeletePilot"), replayThroughParseLine<pdu::DeletePilot>},
+    {QStringLiteral("BroadcastMessage"), replayThroughParseLine<pdu::BroadcastMessage>},
+    {QStringLiteral("Wallop"), replayThroughParseLine<pdu::Wallop>},
+    {QStringLiteral("RadioMessage"), replayThroughParseLine<pdu::RadioMessage>},
+    {QStringLiteral("TextMessage"), replayThroughParseLine<pdu::TextMessage>},
     {QStringLiteral("MetarRequest"), replayMetarRequest},
-    {QStringLiteral("MetarResponse"), replayThroughDispatcher<pdu::MetarResponse>},
-    {QStringLiteral("FlightPlan"), replayThroughDispatcher<pdu::FlightPlan>},
-    {QStringLiteral("PlaneInfoRequest"), replayThroughDispatcher<pdu::PlaneInfoRequest>},
-    {QStringLiteral("PlaneInfoResponse"), replayThroughDispatcher<pdu::PlaneInfoResponse>},
-    {QStringLiteral("Ping"), replayThroughDispatcher<pdu::Ping>},
-    {QStringLiteral("Pong"), replayThroughDispatcher<pdu::Pong>},
-    {QStringLiteral("ClientQuery"), replayThroughDispatcher<pdu::ClientQuery>},
-    {QStringLiteral("ClientQueryResponse"), replayThroughDispatcher<pdu::ClientQueryResponse>},
-    {QStringLiteral("AuthChallenge"), replayThroughDispatcher<pdu::AuthChallenge>},
+    {QStringLiteral("MetarResponse"), replayThroughParseLine<pdu::MetarResponse>},
+    {QStringLiteral("FlightPlan"), replayThroughParseLine<pdu::FlightPlan>},
+    {QStringLiteral("PlaneInfoRequest"), replayThroughParseLine<pdu::PlaneInfoRequest>},
+    {QStringLiteral("PlaneInfoResponse"), replayThroughParseLine<pdu::PlaneInfoResponse>},
+    {QStringLiteral("Ping"), replayThroughParseLine<pdu::Ping>},
+    {QStringLiteral("Pong"), replayThroughParseLine<pdu::Pong>},
+    {QStringLiteral("ClientQuery"), replayThroughParseLine<pdu::ClientQuery>},
+    {QStringLiteral("ClientQueryResponse"), replayThroughParseLine<pdu::ClientQueryResponse>},
+    {QStringLiteral("AuthChallenge"), replayThroughParseLine<pdu::AuthChallenge>},
     {QStringLiteral("AuthResponse"), replayAuthResponse},
-    {QStringLiteral("KillRequest"), replayThroughDispatcher<pdu::KillRequest>},
-    {QStringLiteral("ProtocolError"), replayThroughDispatcher<pdu::ProtocolError>},
-    {QStringLiteral("SendFast"), replayThroughDispatcher<pdu::SendFast>},
-    {QStringLiteral("ChangeServer"), replayThroughDispatcher<pdu::ChangeServer>},
-    {QStringLiteral("Mute"), replayThroughDispatcher<pdu::Mute>},
+    {QStringLiteral("KillRequest"), replayThroughParseLine<pdu::KillRequest>},
+    {QStringLiteral("ProtocolError"), replayThroughParseLine<pdu::ProtocolError>},
+    {QStringLiteral("SendFast"), replayThroughParseLine<pdu::SendFast>},
+    {QStringLiteral("ChangeServer"), replayThroughParseLine<pdu::ChangeServer>},
+    {QStringLiteral("Mute"), replayThroughParseLine<pdu::Mute>},
 };
 
 /// The bytes of a cell: `\xE9` stands for the byte 0xE9.

@@ -1,6 +1,6 @@
 // Bytes from the server: any text, cut anywhere, must be split, parsed and written again without harm.
-#include "fsd/Dispatcher.h"
 #include "fsd/LineSplitter.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"
 

@@ -1,4 +1,5 @@
 #include "fsd/FsdClient.h"
+#include "fsd/pdu/PilotPosition.h"
 #include "manager/CrowdedSession.h"
 #include "support/TestRegistry.h"
 

@@ -1,4 +1,5 @@
 #include "fsd/FsdClient.h"
+#include "fsd/pdu/Ping.h"
 #include "manager/OnlineSession.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"

@@ -1,5 +1,6 @@
 #include "fsd/pdu/AddATC.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/Fields.h"
 
 #include <utility>
@@ -8,7 +9,7 @@ namespace tarvo::fsd::pdu {
 
 AddATC::AddATC(QString from, QString name, QString cidText, QString secret, NetworkRating networkRating,
                ProtocolRevision revision)
-    : PduBase{std::move(from), QStringLiteral("SERVER")},
+    : PduBase{std::move(from), common::serverCallsign},
       realName(std::move(name)),
       cid(std::move(cidText)),
       password(std::move(secret)),
@@ -27,7 +28,7 @@ AddATC AddATC::parse(const QStringList &fields)
 
 QStringList AddATC::serialize() const
 {
-    return {From, QStringLiteral("SERVER"), realName, cid, password, toWire(rating), toWire(protocolRevision)};
+    return {From, common::serverCallsign, realName, cid, password, toWire(rating), toWire(protocolRevision)};
 }
 
 } // namespace tarvo::fsd::pdu

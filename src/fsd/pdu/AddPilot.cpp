@@ -1,5 +1,6 @@
 #include "fsd/pdu/AddPilot.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/Fields.h"
 
 namespace tarvo::fsd::pdu {
@@ -7,7 +8,7 @@ namespace tarvo::fsd::pdu {
 AddPilot AddPilot::parse(const QStringList &fields)
 {
     fields::require(fields, 8, QLatin1StringView("AddPilot"));
-    return {{fields[0], QStringLiteral("SERVER")},
+    return {{fields[0], common::serverCallsign},
             fields[2],
             fields[3],
             toNetworkRating(fields[4]),
@@ -18,14 +19,9 @@ AddPilot AddPilot::parse(const QStringList &fields)
 
 QStringList AddPilot::serialize() const
 {
-    return {From,
-            QStringLiteral("SERVER"),
-            cid,
-            password,
-            toWire(rating),
-            toWire(protocolRevision),
-            toWire(simulatorType),
-            realName};
+    return {
+        From,    common::serverCallsign, cid, password, toWire(rating), toWire(protocolRevision), toWire(simulatorType),
+        realName};
 }
 
 } // namespace tarvo::fsd::pdu

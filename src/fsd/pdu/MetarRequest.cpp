@@ -1,5 +1,6 @@
 #include "fsd/pdu/MetarRequest.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/Fields.h"
 
 #include <utility>
@@ -7,7 +8,7 @@
 namespace tarvo::fsd::pdu {
 
 MetarRequest::MetarRequest(QString from, QString stationName)
-    : PduBase{std::move(from), QStringLiteral("SERVER")}, station(std::move(stationName))
+    : PduBase{std::move(from), common::serverCallsign}, station(std::move(stationName))
 {
 }
 

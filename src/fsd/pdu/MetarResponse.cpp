@@ -1,5 +1,6 @@
 #include "fsd/pdu/MetarResponse.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/Fields.h"
 
 #include <utility>
@@ -7,7 +8,7 @@
 namespace tarvo::fsd::pdu {
 
 MetarResponse::MetarResponse(QString to, QString text)
-    : PduBase{QStringLiteral("SERVER"), std::move(to)}, metar(std::move(text))
+    : PduBase{common::serverCallsign, std::move(to)}, metar(std::move(text))
 {
 }
 

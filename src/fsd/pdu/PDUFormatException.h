@@ -6,7 +6,7 @@
 
 namespace tarvo::fsd {
 
-/// A line that is no PDU. Thrown only by parse operations and the dispatcher, caught only by the dispatcher.
+/// A line that is no PDU. Thrown only by parse operations and parseLine(), caught only by FsdClient.
 class PDUFormatException : public std::exception
 {
 public:

@@ -15,7 +15,7 @@ struct Texts
 
 QString server()
 {
-    return QStringLiteral("SERVER");
+    return common::serverCallsign;
 }
 
 QString radio()

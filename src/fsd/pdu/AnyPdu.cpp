@@ -1,4 +1,4 @@
-#include "fsd/Dispatcher.h"
+#include "fsd/pdu/AnyPdu.h"
 
 #include "fsd/pdu/PDUFormatException.h"
 
