@@ -1,6 +1,6 @@
 #include "practice/Console.h"
 
-#include "practice/LineMask.h"
+#include "practice/fsd/LineMask.h"
 
 #include <QTime>
 
@@ -68,7 +68,7 @@ void Console::follow(PracticeNetwork &network)
 
 void Console::follow(const ScriptPlayer &player)
 {
-    const QString area = QStringLiteral("scene");
+    const QString area = QStringLiteral("script");
     connect(&player, &ScriptPlayer::played, this, [this, area](const QString &text) { say(area, text); });
     connect(&player, &ScriptPlayer::finished, this, [this, area] { say(area, QStringLiteral("is over")); });
     connect(&player, &ScriptPlayer::failed, this, [this, area](const QString &error) { say(area, error); });
@@ -127,15 +127,15 @@ void Console::followXPlane(XPlaneStandIn &xplane)
         say(area, QStringLiteral("%1 refused: %2").arg(client, reason));
     });
     const QString plugin = QStringLiteral("plugin");
-    connect(&xplane.plugin(), &PluginPeer::messageReceived, this,
+    connect(&xplane.plugin(), &PluginStandIn::messageReceived, this,
             [this, plugin](const QString &name, const QVariantList &arguments) {
                 say(plugin, QStringLiteral("<<< %1").arg(messageText(name, arguments)));
             });
-    connect(&xplane.plugin(), &PluginPeer::messageSent, this,
+    connect(&xplane.plugin(), &PluginStandIn::messageSent, this,
             [this, plugin](const QString &name, const QVariantList &arguments) {
                 say(plugin, QStringLiteral(">>> %1").arg(messageText(name, arguments)));
             });
-    connect(&xplane.plugin(), &PluginPeer::malformed, this,
+    connect(&xplane.plugin(), &PluginStandIn::malformed, this,
             [this, plugin](const QString &reason) { say(plugin, QStringLiteral("refused: %1").arg(reason)); });
 }
 

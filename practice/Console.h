@@ -1,7 +1,7 @@
 #pragma once
 
 #include "practice/PracticeNetwork.h"
-#include "practice/ScriptPlayer.h"
+#include "practice/control/ScriptPlayer.h"
 
 #include <QMap>
 #include <QObject>

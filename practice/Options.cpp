@@ -30,10 +30,10 @@ constexpr ValueOption valueOptions[] = {
     {"challenge", "Seconds between challenges, about; 0 for none.", "seconds", "60"},
     {"range", "Nautical miles that positions and radio reach.", "miles", "60"},
     {"fast-range", "Nautical miles within which pilots are asked for fast positions.", "miles", "5"},
-    {"script", "Scene to play, one event a line.", "file", ""},
+    {"script", "Script to play, one event a line.", "file", ""},
     {"pilots", "A crowd of so many pilots, for load tests.", "count", "0"},
     {"rate", "Fast positions per second of each pilot of the crowd.", "hertz", "5"},
-    {"broadcast", "Seconds between the company's broadcasts, 0 for none.", "seconds", "300"},
+    {"broadcast", "Seconds between the residents' broadcasts, 0 for none.", "seconds", "300"},
     {"flight-time", "Seconds into the flight at which it begins.", "seconds", "0"},
 };
 
@@ -93,7 +93,7 @@ void describe(QCommandLineParser &parser)
         parser.addOption({QLatin1StringView(option.name), QLatin1StringView(option.description),
                           QLatin1StringView(option.valueName), QLatin1StringView(option.defaultValue)});
     parser.addOption({QStringLiteral("no-simulator"), QStringLiteral("Leave X-Plane's addresses alone.")});
-    parser.addOption({QStringLiteral("no-company"), QStringLiteral("Nobody but the clients that connect.")});
+    parser.addOption({QStringLiteral("no-residents"), QStringLiteral("Nobody but the clients that connect.")});
     parser.addOption({QStringLiteral("quiet"), QStringLiteral("Say what is served, but not what happens.")});
 }
 
@@ -114,9 +114,9 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.fsd.challengeIntervalMs = values.whole("challenge", 0, 86400) * 1000;
     network.fsd.relayRangeNm = values.number("range", 0, 10800);
     network.fsd.fastRangeNm = values.number("fast-range", 0, 10800);
-    network.company.present =
-        !parser.isSet(QStringLiteral("no-company")) && options.script.isEmpty(); // a scene has the stage alone
-    network.company.broadcastIntervalMs = values.whole("broadcast", 0, 86400) * 1000;
+    network.residents.present =
+        !parser.isSet(QStringLiteral("no-residents")) && options.script.isEmpty(); // a script brings its own people
+    network.residents.broadcastIntervalMs = values.whole("broadcast", 0, 86400) * 1000;
     network.crowd.pilots = values.whole("pilots", 0, CrowdSettings::mostPilots);
     network.crowd.rateHz = values.number("rate", 0.01, 50);
     options.accessLife = values.whole("token-life", 0, longest);

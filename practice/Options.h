@@ -16,7 +16,7 @@ struct Options
     qint64 refreshLife = 0;
     qint64 fsdLife = 0;
     double flightTime = 0; ///< where the flight begins, seconds
-    QString script;        ///< the scene to play, a file; empty: none
+    QString script;        ///< the script to play, a file; empty: none
     bool quiet = false;
     QString information; ///< help or version: to be printed instead of running
 };

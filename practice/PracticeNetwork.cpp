@@ -9,7 +9,7 @@ PracticeSettings PracticeSettings::ephemeral()
     settings.fsdPort = 0;
     settings.xplanePort = 0;
     settings.pluginUrl.clear();
-    settings.company.present = false;
+    settings.residents.present = false;
     return settings;
 }
 
@@ -32,15 +32,15 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_tokens(clock),
       m_account(m_accounts, m_tokens),
       m_fsd(m_accounts, m_tokens, withRoomFor(m_settings.crowd, m_settings.fsd), clock),
-      m_cast(m_fsd),
+      m_scriptedClients(m_fsd),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())
         m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd, clock);
-    if (m_settings.company.present)
-        m_company = std::make_unique<Company>(m_fsd, m_settings.company, clock);
-    if (m_settings.company.present && m_secondFsd)
-        m_secondCompany = std::make_unique<Company>(*m_secondFsd, m_settings.company, clock);
+    if (m_settings.residents.present)
+        m_residents = std::make_unique<Residents>(m_fsd, m_settings.residents, clock);
+    if (m_settings.residents.present && m_secondFsd)
+        m_secondResidents = std::make_unique<Residents>(*m_secondFsd, m_settings.residents, clock);
     if (m_settings.crowd.pilots > 0)
         m_crowd = std::make_unique<Crowd>(m_fsd, m_settings.crowd, clock);
 }
@@ -58,10 +58,10 @@ bool PracticeNetwork::start()
         stop();
         return false;
     }
-    if (m_company)
-        m_company->start();
-    if (m_secondCompany)
-        m_secondCompany->start();
+    if (m_residents)
+        m_residents->start();
+    if (m_secondResidents)
+        m_secondResidents->start();
     if (m_crowd)
         m_crowd->start();
     return true;
@@ -107,10 +107,10 @@ void PracticeNetwork::stop()
     m_xplane.stop();
     if (m_crowd)
         m_crowd->stop();
-    if (m_company)
-        m_company->stop();
-    if (m_secondCompany)
-        m_secondCompany->stop();
+    if (m_residents)
+        m_residents->stop();
+    if (m_secondResidents)
+        m_secondResidents->stop();
     m_fsd.close();
     if (m_secondFsd)
         m_secondFsd->close();

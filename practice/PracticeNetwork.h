@@ -1,13 +1,13 @@
 #pragma once
 
-#include "practice/AccountBook.h"
-#include "practice/AccountService.h"
-#include "practice/Cast.h"
-#include "practice/Company.h"
-#include "practice/Crowd.h"
-#include "practice/FsdServer.h"
-#include "practice/TokenAuthority.h"
-#include "practice/XPlaneStandIn.h"
+#include "practice/account/AccountBook.h"
+#include "practice/account/AccountService.h"
+#include "practice/account/TokenAuthority.h"
+#include "practice/fsd/FsdServer.h"
+#include "practice/people/Crowd.h"
+#include "practice/people/Residents.h"
+#include "practice/people/ScriptedClients.h"
+#include "practice/xplane/XPlaneStandIn.h"
 
 #include <QHostAddress>
 #include <QObject>
@@ -30,10 +30,10 @@ struct PracticeSettings
     QHostAddress secondAddress; ///< another loopback address, such as 127.0.0.2, for a second FSD server on the same
                                 ///< port, where clients can be sent to; null: none
     FsdSettings fsd;
-    CompanySettings company;
+    ResidentSettings residents;
     CrowdSettings crowd;
 
-    /// Free ports, a plugin address of its own and no company, for tests.
+    /// Free ports, a plugin address of its own and no residents, for tests.
     static PracticeSettings ephemeral();
 };
 
@@ -59,12 +59,12 @@ public:
     /// Null unless the settings name a second address.
     FsdServer *secondFsd() { return m_secondFsd.get(); }
     /// Null when the settings want none.
-    Company *company() { return m_company.get(); }
+    Residents *residents() { return m_residents.get(); }
     /// The same people on the second server, whom a client that is handed over meets there; null without either.
-    Company *secondCompany() { return m_secondCompany.get(); }
+    Residents *secondResidents() { return m_secondResidents.get(); }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Clients of fsd() that say what they are told.
-    Cast &cast() { return m_cast; }
+    ScriptedClients &scriptedClients() { return m_scriptedClients; }
     /// Where the plugin listens: what a client dials.
     QString pluginUrl() const;
 
@@ -79,10 +79,10 @@ private:
     TokenAuthority m_tokens;
     AccountService m_account;
     FsdServer m_fsd;
-    Cast m_cast;
+    ScriptedClients m_scriptedClients;
     std::unique_ptr<FsdServer> m_secondFsd;
-    std::unique_ptr<Company> m_company;
-    std::unique_ptr<Company> m_secondCompany;
+    std::unique_ptr<Residents> m_residents;
+    std::unique_ptr<Residents> m_secondResidents;
     std::unique_ptr<Crowd> m_crowd;
     XPlaneStandIn m_xplane;
     QString m_error;

@@ -1,8 +1,8 @@
 #include "practice/Console.h"
-#include "practice/ControlService.h"
 #include "practice/Options.h"
-#include "practice/ScriptPlayer.h"
 #include "practice/StopSignal.h"
+#include "practice/control/ControlService.h"
+#include "practice/control/ScriptPlayer.h"
 
 #include <QCoreApplication>
 

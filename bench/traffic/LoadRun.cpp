@@ -1,6 +1,6 @@
 #include "traffic/LoadRun.h"
 
-#include "practice/XPlaneStandIn.h"
+#include "practice/xplane/XPlaneStandIn.h"
 #include "traffic/ClientUnderTest.h"
 #include "traffic/FsdEnd.h"
 #include "traffic/PluginEnd.h"

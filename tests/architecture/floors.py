@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Reads every #include of the project and fails on an edge that the floors don't allow.
 
-A module includes only from floors below its own; the few exceptions are listed. practice/ stands beside the house.
+A module includes only from floors below its own; the few exceptions are listed. practice/ stands beside the house and has
+rooms: its folders, and each file of its root.
 """
 import pathlib
 import re
@@ -24,6 +25,20 @@ ONLY = {
     'ui/viewmodel': {'network', 'voice', 'input', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
     'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'practice'},
+}
+# Who may include whom inside of practice/.
+ROOMS = {
+    'account': set(),
+    'fsd': {'account'},
+    'flight': set(),
+    'people': {'fsd', 'flight'},
+    'xplane': {'flight'},
+    'PracticeNetwork': {'account', 'fsd', 'people', 'xplane'},
+    'control': {'PracticeNetwork'},
+    'Console': {'PracticeNetwork', 'control', 'fsd'},
+    'Options': {'PracticeNetwork'},
+    'StopSignal': set(),
+    'main': {'Console', 'Options', 'StopSignal', 'control'},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 
@@ -52,6 +67,47 @@ def included_modules(source):
             yield name, 'practice'
 
 
+def room_of(path):
+    """The room of a path below practice/, such as "fsd/Roster.h" or "StopSignal_win.cpp"."""
+    return path.parts[0] if len(path.parts) > 1 else path.stem.split('_')[0]
+
+
+def circle(arrows):
+    """Rooms that include each other in a circle: those that stay when all that include nobody are taken away again and
+    again."""
+    left = dict(arrows)
+    while True:
+        leaves = [room for room, used in left.items() if not used & left.keys()]
+        if not leaves:
+            return sorted(left)
+        for room in leaves:
+            del left[room]
+
+
+def check_rooms():
+    """The faults of practice's rooms, and how many arrows there are between them."""
+    bad, arrows = [], {}
+    for source in sorted((ROOT / 'practice').rglob('*')):
+        if source.suffix not in ('.h', '.cpp'):
+            continue
+        user = room_of(source.relative_to(ROOT / 'practice'))
+        if user not in ROOMS:
+            bad.append(f'{source.relative_to(ROOT)}: no room of that name')
+            continue
+        mine = arrows.setdefault(user, set())
+        for name in INCLUDE.findall(source.read_text(errors='replace')):
+            if not name.startswith('practice/'):
+                continue
+            used = room_of(pathlib.Path(name).relative_to('practice'))
+            if used != user:
+                mine.add(used)
+                if used not in ROOMS[user]:
+                    bad.append(f'{source.relative_to(ROOT)}: room {user} may not include {name}')
+    if circle(ROOMS):
+        bad.append(f'rooms of a circle, or above one: {circle(ROOMS)}')
+    return bad, len(arrows), sum(map(len, arrows.values()))
+
+
 def main():
     bad, edges = [], 0
     for top in ('src', 'practice'):
@@ -66,7 +122,10 @@ def main():
                 edges += 1
                 if not allowed(user, used):
                     bad.append(f'{source.relative_to(ROOT)}: {user} may not include {name} ({used})')
-    print('\n'.join(bad) or f'{edges} includes, every one from an allowed floor')
+    faults, rooms, arrows = check_rooms()
+    bad += faults
+    print('\n'.join(bad) or f'{edges} includes, every one from an allowed floor; practice has {rooms} rooms with '
+          f'{arrows} arrows')
     sys.exit(1 if bad or edges == 0 else 0)
 
 

@@ -1,6 +1,6 @@
 #include "e2e/Packed.h"
 
-#include "practice/PluginMessage.h"
+#include "practice/xplane/PluginMessage.h"
 
 #include <QtEndian>
 

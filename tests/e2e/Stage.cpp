@@ -154,9 +154,9 @@ void Stage::stopTimers()
 bool Stage::start(const QStringList &pilots, const QStringList &controllers)
 {
     for (const QString &callsign : pilots)
-        network.practice.cast().join(callsign, QStringLiteral("2001"), QStringLiteral("Other Pilot"), false);
+        network.practice.scriptedClients().join(callsign, QStringLiteral("2001"), QStringLiteral("Other Pilot"), false);
     for (const QString &callsign : controllers)
-        network.practice.cast().join(callsign, QStringLiteral("3001"), QStringLiteral("Controller"), true);
+        network.practice.scriptedClients().join(callsign, QStringLiteral("3001"), QStringLiteral("Controller"), true);
     const bool online = open() && goOnline();
     takeLines();
     takeMessages();
@@ -266,7 +266,7 @@ QStringList Stage::takeSignals()
 
 void Stage::watchPlugin()
 {
-    QObject::connect(&plugin(), &practice::PluginPeer::bytesReceived, &plugin(),
+    QObject::connect(&plugin(), &practice::PluginStandIn::bytesReceived, &plugin(),
                      [this](const QByteArray &bytes) { m_messages << bytes; });
 }
 

@@ -2,7 +2,7 @@
 
 #include "e2e/Client.h"
 #include "model/RadioStackState.h"
-#include "practice/PluginMessage.h"
+#include "practice/xplane/PluginMessage.h"
 #include "support/ManualClock.h"
 
 #include <QStringList>
@@ -57,7 +57,7 @@ public:
     bool receiveOnCom2();
 
     practice::FsdServer &server() { return network.practice.fsd(); }
-    practice::PluginPeer &plugin() { return network.practice.xplane().plugin(); }
+    practice::PluginStandIn &plugin() { return network.practice.xplane().plugin(); }
     practice::XPlaneStandIn &xplane() { return network.practice.xplane(); }
     manager::NetworkManager &manager() { return *client.manager; }
 

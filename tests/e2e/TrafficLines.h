@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice/PluginMessage.h"
+#include "practice/xplane/PluginMessage.h"
 
 #include <QString>
 #include <QStringList>

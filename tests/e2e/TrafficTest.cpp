@@ -99,7 +99,7 @@ private slots:
         QFETCH(Protocol, protocol);
         Stage stage(protocol);
         QVERIFY(stage.start({cca}));
-        stage.network.practice.cast().speak(
+        stage.network.practice.scriptedClients().speak(
             cca, u"$FPCCA123:SERVER:I:H/B744/L:450:ZBAA:1000:1000:35000:ZSPD:2:0:4:0:ZSNJ:RMK:ROUTE"_qs);
         QVERIFY(stage.hear({slowPosition(cca, 250)})); // comes to rest in token mode, too
         const bool token = protocol == Protocol::Token;

@@ -29,19 +29,19 @@ private slots:
         QCOMPARE(options->network.fsd.pingIntervalMs, 30'000);
         QCOMPARE(options->accessLife, 3600);
         QVERIFY(!options->quiet);
-        QVERIFY(options->network.company.present);
-        QCOMPARE(options->network.company.broadcastIntervalMs, 300'000);
+        QVERIFY(options->network.residents.present);
+        QCOMPARE(options->network.residents.broadcastIntervalMs, 300'000);
         QCOMPARE(options->network.crowd.pilots, 0);
         QCOMPARE(options->network.crowd.rateHz, 5.0);
     }
 
-    void aSceneHasTheStageAlone()
+    void aScriptBringsItsOwnPeople()
     {
         QString error;
-        const auto options = read({QStringLiteral("--script"), QStringLiteral("a.scene")}, &error);
+        const auto options = read({QStringLiteral("--script"), QStringLiteral("a.script")}, &error);
         QVERIFY2(options, qPrintable(error));
-        QCOMPARE(options->script, QStringLiteral("a.scene"));
-        QVERIFY(!options->network.company.present);
+        QCOMPARE(options->script, QStringLiteral("a.script"));
+        QVERIFY(!options->network.residents.present);
     }
 
     void readsWhatIsGiven()
@@ -50,7 +50,7 @@ private slots:
         const auto options = read(
             {QStringLiteral("--http-port"), QStringLiteral("0"), QStringLiteral("--token-life=5"),
              QStringLiteral("--second-address=127.0.0.2"), QStringLiteral("--quiet"), QStringLiteral("--range=2.5"),
-             QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator"), QStringLiteral("--no-company"),
+             QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator"), QStringLiteral("--no-residents"),
              QStringLiteral("--pilots=500"), QStringLiteral("--rate=2.5"), QStringLiteral("--broadcast=10")},
             &error);
         QVERIFY2(options, qPrintable(error));
@@ -61,8 +61,8 @@ private slots:
         QCOMPARE(options->flightTime, 200.0);
         QVERIFY(options->quiet);
         QVERIFY(!options->network.simulator);
-        QVERIFY(!options->network.company.present);
-        QCOMPARE(options->network.company.broadcastIntervalMs, 10'000);
+        QVERIFY(!options->network.residents.present);
+        QCOMPARE(options->network.residents.broadcastIntervalMs, 10'000);
         QCOMPARE(options->network.crowd.pilots, 500);
         QCOMPARE(options->network.crowd.rateHz, 2.5);
     }

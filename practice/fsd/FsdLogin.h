@@ -1,0 +1,48 @@
+#pragma once
+
+#include "practice/account/AccountBook.h"
+#include "practice/account/TokenAuthority.h"
+#include "practice/fsd/Roster.h"
+
+#include <QHash>
+#include <QStringList>
+
+namespace tarvo::practice {
+
+/// Lets clients in, or sends them away: "$ID", "#AP" and "#AA".
+class FsdLogin
+{
+public:
+    FsdLogin(const AccountBook &accounts, const TokenAuthority &tokens, const Roster &roster)
+        : m_accounts(accounts), m_tokens(tokens), m_roster(roster)
+    {
+    }
+
+    /// Reads the client's identification. Returns true when that completes a session handed over by another server.
+    /// Throws PDUFormatException.
+    bool identify(FsdSession &session, const QStringList &fields);
+    /// Reads a login line. Returns true when the session is logged in now. Throws PDUFormatException.
+    bool addPilot(FsdSession &session, const QStringList &fields);
+    bool addAtc(FsdSession &session, const QStringList &fields);
+
+    /// A client with this identity will come without another login.
+    void expect(const FsdIdentity &identity) { m_expected.insert(identity.callsign, identity); }
+
+    bool rejectTokens = false;
+    bool rejectLogins = false;
+
+private:
+    struct Request;
+
+    bool logIn(FsdSession &session, const Request &request);
+    bool mayEnter(FsdSession &session, const Request &request) const;
+    bool passwordFits(const Request &request) const;
+    bool tokenFits(const Request &request) const;
+
+    const AccountBook &m_accounts;
+    const TokenAuthority &m_tokens;
+    const Roster &m_roster;
+    QHash<QString, FsdIdentity> m_expected; ///< by callsign; filled by this machine's developer only
+};
+
+} // namespace tarvo::practice
