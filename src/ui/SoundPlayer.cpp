@@ -1,11 +1,9 @@
 #include "ui/SoundPlayer.h"
 
+#include "common/Worker.h"
 #include "ui/MediaSoundOutput.h"
 
 #include <QCoreApplication>
-#include <QEvent>
-#include <QPointer>
-#include <QThread>
 
 #include <mutex>
 #include <optional>
@@ -15,47 +13,49 @@ namespace tarvo::ui {
 
 namespace {
 
+/// A player leaves one wish at a time, and its own end.
+constexpr std::size_t mostTasks = 100;
+
+/// A sound system that hangs keeps the program's end no longer than this.
+constexpr std::chrono::milliseconds longestWaitAtExit{5000};
+
 /// One for the whole program, not one for each player: the sound system's own objects stay on the thread that first
 /// used it, and whoever destroys a player must not wait until that has come to its end.
-QThread *soundThread()
+common::Worker &soundWorker()
 {
-    static QPointer<QThread> thread;
-    if (thread)
-        return thread;
-    thread = new QThread(QCoreApplication::instance());
-    thread->setObjectName(QStringLiteral("sounds"));
-    thread->start();
-    // Waits however long it takes. The windows are gone by then, so nobody is kept; the sound system gives up by itself
-    // when a server doesn't answer; and a thread left at work would crash when the toolkit goes from under it.
-    qAddPostRoutine([] {
-        thread->quit();
-        thread->wait();
-    });
-    return thread;
+    static std::unique_ptr<common::Worker> worker;
+    if (!worker) {
+        worker = std::make_unique<common::Worker>("sounds", mostTasks, common::Worker::Between::HandleEvents);
+        // The windows are gone by then. Nearly always it ends at once; were it left at work without need, it could
+        // crash when Qt goes from under it.
+        qAddPostRoutine([] {
+            worker->finish(longestWaitAtExit);
+            worker.reset();
+        });
+    }
+    return *worker;
 }
 
 } // namespace
 
 /// Where wishes are left for the sounds' thread.
-class SoundPlayer::Desk : public QObject
+class SoundPlayer::Desk
 {
 public:
     explicit Desk(SoundOutput::Factory makeOutput) : m_makeOutput(std::move(makeOutput)) {}
 
-    ~Desk() override { clear(); } // under the lock: the player, on its own thread, was the last at it
-
-    /// Replaces a wish that has not begun. From any thread, and never waits.
-    void leave(const QUrl &url, float volume)
+    /// True when it took the place of one that has not begun.
+    bool put(const QUrl &url, float volume)
     {
-        if (!put({url, volume}))
-            QCoreApplication::postEvent(this, new QEvent(QEvent::User)); // which the queue owns
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_wish, Wish{url, volume}).has_value();
     }
 
     /// Forgets what has not begun.
     void clear() { take(); }
 
-protected:
-    void customEvent(QEvent *) override
+    /// Begins the wish, on the sounds' thread.
+    void serve()
     {
         if (!hasWish())
             return;
@@ -78,13 +78,6 @@ private:
         return m_wish.has_value();
     }
 
-    /// True when it took the place of another.
-    bool put(const Wish &wish)
-    {
-        const std::lock_guard lock(m_mutex);
-        return std::exchange(m_wish, wish).has_value();
-    }
-
     std::optional<Wish> take()
     {
         const std::lock_guard lock(m_mutex);
@@ -92,8 +85,8 @@ private:
     }
 
     SoundOutput::Factory m_makeOutput;
-    std::unique_ptr<SoundOutput> m_output;
-    mutable std::mutex m_mutex; ///< held for moments only, guards what follows
+    std::unique_ptr<SoundOutput> m_output; ///< the sounds' thread's own
+    mutable std::mutex m_mutex;            ///< held for moments only, guards what follows
     std::optional<Wish> m_wish;
 };
 
@@ -106,19 +99,21 @@ SoundPlayer::SoundPlayer(SoundOutput::Factory makeOutput, QObject *parent)
 
 SoundPlayer::~SoundPlayer()
 {
-    if (m_desk)
-        m_desk->clear();
+    if (!m_desk)
+        return;
+    m_desk->clear();
+    soundWorker().post([desk = std::exchange(m_desk, nullptr)]() mutable { desk.reset(); }); // with its output
 }
 
 void SoundPlayer::play(const QUrl &url, float volume)
 {
-    if (!m_desk) {
-        m_desk.reset(new Desk(m_makeOutput));
-        m_desk->moveToThread(soundThread());
-    }
+    if (!m_desk)
+        m_desk = std::make_shared<Desk>(m_makeOutput);
     m_source = url;
     m_volume = volume;
-    m_desk->leave(url, volume);
+    const bool isLeft = m_desk->put(url, volume) || soundWorker().post([desk = m_desk] { desk->serve(); });
+    if (!isLeft)
+        m_desk->clear();
     emit played(url);
 }
 

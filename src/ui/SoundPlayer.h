@@ -38,7 +38,7 @@ private:
     class Desk;
 
     SoundOutput::Factory m_makeOutput;
-    std::unique_ptr<Desk, QScopedPointerDeleteLater> m_desk; ///< lives on the sounds' thread; null before the first
+    std::shared_ptr<Desk> m_desk; ///< shared with the sounds' thread; null before the first
     QUrl m_source;
     float m_volume = 1.0F;
 };

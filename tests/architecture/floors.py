@@ -19,7 +19,7 @@ FLOORS = {
     'ui': 5, 'ui/view': 5,
     'app': 6,
 }
-SAME_FLOOR_ALLOWED = {('fsd', 'fsd/pdu'), ('simulator/msfs', 'network')}
+SAME_FLOOR_ALLOWED = {('common/nng', 'common'), ('fsd', 'fsd/pdu'), ('simulator/msfs', 'network')}
 # A view model is fed by the windows, never by a manager or a simulator.
 ONLY = {
     'ui/viewmodel': {'network', 'voice', 'input', 'core', 'model', 'common'},

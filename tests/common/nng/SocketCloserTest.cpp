@@ -111,6 +111,21 @@ private slots:
         closer.join();
     }
 
+    void lastWordsAreSpoken()
+    {
+        Pair pair(Pair::Closed::Dialer);
+        std::vector<nng_msg *> lastWords(500);
+        for (nng_msg *&message : lastWords)
+            nng_msg_alloc(&message, 10);
+        const auto kept = std::make_shared<int>(0);
+        closeInBackground(pair.closed, lastWords, kept);
+        QVERIFY(kept.use_count() > 1);
+        int arrived = 0;
+        QTRY_COMPARE(arrived += pair.arrived(), 500);
+        QVERIFY(waitForClosers(10s));
+        QCOMPARE(kept.use_count(), 1L);
+    }
+
     void closesInAFlood_data()
     {
         QTest::addColumn<int>("role");
