@@ -2,6 +2,8 @@
 
 #include "common/nng/SocketCloser.h"
 #include "simulator/xplane/MessageThreads.h"
+#include "simulator/xplane/PipeWatch.h"
+#include "simulator/xplane/PluginReceiver.h"
 
 #include <nng/protocol/pair1/pair.h>
 
@@ -9,33 +11,16 @@
 #include <QMetaObject>
 #include <QPointer>
 
-#include <algorithm>
-#include <bit>
-#include <system_error>
-#include <utility>
+#include <optional>
 
 namespace tarvo::simulator::xplane {
 
 namespace {
 
 constexpr int socketBufferMessages = 8192;
-constexpr qsizetype tooLarge = 65536;
-/// What the plugin may send at once. It repeats the model paths that it was sent, which are less than half of this; the
-/// library knows no limit by itself, and the plugin may be on another machine. A larger message ends the connection,
-/// which is then dialled anew.
-constexpr size_t largestReceived = 131072;
-constexpr size_t inboxCapacity = 256;
 
-/// Every malformed message gets its line, up to this many; a plugin that is merely broken does not reach it.
-constexpr quint64 malformedBurst = 20;
-
-/// Beyond the burst only each doubling of the count is logged (40, 80, 160...): a flood of bad messages must not become
-/// a flood of lines that fills the disk. The line tells the count, so that none is lost from sight.
-bool isLogged(quint64 malformedCount)
-{
-    return malformedCount <= malformedBurst ||
-           (malformedCount % malformedBurst == 0 && std::has_single_bit(malformedCount / malformedBurst));
-}
+/// While messages keep pouring in, the event loop gets its turn after so many.
+constexpr int reportsPerTurn = 256;
 
 QString errorText(int result)
 {
@@ -44,33 +29,40 @@ QString errorText(int result)
 
 } // namespace
 
+PluginLink::PluginLink(QObject *parent) : QObject(parent), m_sender(this), m_receiveWorker("plugin receive", 1)
+{
+    connect(&m_sender, &PluginSender::messagesLost, this, &PluginLink::messagesLost);
+}
+
 PluginLink::~PluginLink()
 {
-    {
-        const std::lock_guard lock(m_inboxMutex);
-        m_running = false;
-    }
-    m_inboxHasRoom.notify_all();
-    if (m_receive)
-        nng_aio_stop(m_receive); // ends the receive call under way and refuses any other
-    if (m_thread.joinable())
-        m_thread.join();
-    nng_aio_free(m_receive);
-    nng_aio_free(m_send);
+    if (m_receiver)
+        m_receiver->stop();
+    m_receiveWorker.finish();
     if (m_opened)
-        common::closeInBackground(m_socket);
+        common::closeInBackground(m_socket, m_sender.end(), m_pipes);
+}
+
+bool PluginLink::isConnected() const
+{
+    return m_pipes && m_pipes->isConnected();
 }
 
 void PluginLink::open(const PluginAddress &address)
 {
     Q_ASSERT(!m_ready);
-    connect(this, &PluginLink::inboxFilled, this, &PluginLink::drainInbox);
-    openSocket();
-    dial(address);
-    startReceiving();
     m_ready = true;
-    for (const QByteArray &message : std::exchange(m_waiting, {}))
-        sendNow(message);
+    m_address = address;
+    openSocket();
+    if (const int result = dial(); result != 0) {
+        emit socketError(address.local
+                             ? QStringLiteral("Error dialing socket: %1").arg(errorText(result))
+                             : QStringLiteral("Error dialing socket (%1): %2").arg(address.url, errorText(result)));
+    }
+    if (!m_opened)
+        return;
+    startReceiving();
+    m_sender.start(m_socket);
 }
 
 void PluginLink::openSocket()
@@ -85,143 +77,61 @@ void PluginLink::openSocket()
     nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, socketBufferMessages);
     nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, socketBufferMessages);
     nng_socket_set_size(m_socket, NNG_OPT_RECVMAXSZ, largestReceived);
-    if (nng_aio_alloc(&m_send, nullptr, nullptr) == 0)
-        nng_aio_set_timeout(m_send, NNG_DURATION_ZERO); // a full buffer must not freeze the caller
+    m_pipes = std::make_shared<PipeWatch>(m_socket);
+    connect(m_pipes.get(), &PipeWatch::changed, this, &PluginLink::onConnectionChanged, Qt::QueuedConnection);
 }
 
-void PluginLink::dial(const PluginAddress &address)
+int PluginLink::dial()
 {
-    const int result = nng_dial(m_socket, address.url.toUtf8().constData(), nullptr, NNG_FLAG_NONBLOCK);
-    if (result == 0)
+    return nng_dial(m_socket, m_address.url.toUtf8().constData(), &m_dialer, NNG_FLAG_NONBLOCK);
+}
+
+void PluginLink::dialAnew()
+{
+    if (!m_opened || isConnected())
         return;
-    if (address.local)
-        emit socketError(QStringLiteral("Error dialing socket: %1").arg(errorText(result)));
-    else
-        emit socketError(QStringLiteral("Error dialing socket (%1): %2").arg(address.url, errorText(result)));
-}
-
-void PluginLink::send(const QByteArray &message)
-{
-    if (m_ready) {
-        sendNow(message);
-    } else if (m_waiting.size() < socketBufferMessages) {
-        m_waiting.append(message);
-        m_waiting.last().squeeze();
-    }
-}
-
-/// What nng_send() does, without making and ending an operation for each message: in dense traffic that is most of the
-/// cost of a message.
-void PluginLink::sendNow(const QByteArray &message)
-{
-    // An empty send is all that remains of a message that is too large.
-    const size_t size = message.size() < tooLarge ? static_cast<size_t>(message.size()) : 0;
-    nng_msg *packet = nullptr;
-    if (!m_send || nng_msg_alloc(&packet, size) != 0)
-        return;
-    std::copy_n(message.constData(), size, static_cast<char *>(nng_msg_body(packet)));
-    nng_aio_set_msg(m_send, packet);
-    nng_send_aio(m_socket, m_send);
-    nng_aio_wait(m_send);
-    if (nng_aio_result(m_send) != 0) // of no other interest: the plugin may be away
-        nng_msg_free(packet);
+    nng_dialer_close(m_dialer);
+    dial(); // an address that can't be was told at the first time
 }
 
 void PluginLink::startReceiving()
 {
-    if (!m_opened || nng_aio_alloc(&m_receive, nullptr, nullptr) != 0)
-        return; // nothing will ever come; the attempts end in their time-out
-    m_running = true;
-    try {
-        m_thread = std::thread([this] { receiveLoop(); });
-    } catch (const std::system_error &error) {
-        m_running = false;
-        qWarning() << "X-Plane plugin receive thread does not start:" << error.what();
-    }
+    m_receiver = std::make_shared<PluginReceiver>(m_socket);
+    connect(m_receiver.get(), &PluginReceiver::inboxFilled, this, &PluginLink::drainInbox, Qt::QueuedConnection);
+    if (!m_receiveWorker.post([receiver = m_receiver] { receiver->run(); }))
+        qWarning() << "X-Plane plugin receive thread does not start"; // the attempts end in their time-out
 }
 
-void PluginLink::receiveLoop()
+void PluginLink::onConnectionChanged(bool connected)
 {
-    while (m_running) {
-        nng_recv_aio(m_socket, m_receive);
-        nng_aio_wait(m_receive);
-        const int result = nng_aio_result(m_receive);
-        if (result != 0) {
-            if (m_running)
-                qWarning() << "X-Plane plugin receive thread ends:" << nng_strerror(result);
-            return;
-        }
-        nng_msg *message = nng_aio_get_msg(m_receive);
-        handleMessage(QByteArrayView(static_cast<const char *>(nng_msg_body(message)),
-                                     static_cast<qsizetype>(nng_msg_len(message))));
-        nng_msg_free(message);
+    if (connected) {
+        qInfo() << "X-Plane plugin is connected";
+        const bool first = !m_hadPlugin;
+        m_hadPlugin = true;
+        emit pluginConnected(first);
+    } else {
+        // nng doesn't tell which of the two it was.
+        qWarning() << "X-Plane plugin connection has ended: the plugin went, or it sent more than" << largestReceived
+                   << "bytes at once";
     }
-}
-
-void PluginLink::handleMessage(QByteArrayView message)
-{
-    PluginReport report = unpackReport(message);
-    if (const auto *malformed = std::get_if<report::Malformed>(&report)) {
-        if (isLogged(++m_malformedCount))
-            qWarning() << "X-Plane plugin message dropped:" << malformed->why << "total" << m_malformedCount;
-    } else if (!std::holds_alternative<report::Unknown>(report)) {
-        putIntoInbox(std::move(report));
-    }
-}
-
-void PluginLink::putIntoInbox(PluginReport report)
-{
-    bool drainIsToBeScheduled = false;
-    {
-        std::unique_lock lock(m_inboxMutex);
-        m_inboxHasRoom.wait(lock, [this] { return m_inbox.size() < inboxCapacity || !m_running; });
-        if (!m_running)
-            return;
-        m_inbox.push_back(std::move(report));
-        drainIsToBeScheduled = !std::exchange(m_drainScheduled, true);
-    }
-    if (drainIsToBeScheduled)
-        emit inboxFilled({});
-}
-
-std::optional<PluginReport> PluginLink::takeFromInbox()
-{
-    std::optional<PluginReport> report;
-    {
-        const std::lock_guard lock(m_inboxMutex);
-        if (m_inbox.empty())
-            return std::nullopt;
-        report = std::move(m_inbox.front());
-        m_inbox.pop_front();
-    }
-    m_inboxHasRoom.notify_one();
-    return report;
 }
 
 void PluginLink::drainInbox()
 {
     const QPointer<PluginLink> alive(this);
-    {
-        // Not only at the end: a receiver that runs an event loop of its own gets the later reports there.
-        const std::lock_guard lock(m_inboxMutex);
-        m_drainScheduled = false;
-    }
-    // One inbox at a time, and never more than one drain under way: while messages keep pouring in, the event loop gets
-    // its turn in between.
-    for (size_t i = 0; i < inboxCapacity; ++i) {
-        const std::optional<PluginReport> report = takeFromInbox();
+    ReportInbox &inbox = m_receiver->inbox();
+    // Not only at the end: a receiver that runs an event loop of its own gets the later reports there.
+    inbox.beginDrain();
+    for (int i = 0; i < reportsPerTurn; ++i) {
+        const std::optional<PluginReport> report = inbox.take();
         if (!report)
             return;
         emit reportReceived(*report);
         if (!alive)
             return;
     }
-    {
-        const std::lock_guard lock(m_inboxMutex);
-        if (m_inbox.empty() || std::exchange(m_drainScheduled, true))
-            return;
-    }
-    QMetaObject::invokeMethod(this, &PluginLink::drainInbox, Qt::QueuedConnection);
+    if (inbox.stopDrain())
+        QMetaObject::invokeMethod(this, &PluginLink::drainInbox, Qt::QueuedConnection);
 }
 
 } // namespace tarvo::simulator::xplane

@@ -11,6 +11,8 @@
 
 namespace tarvo::simulator::xplane {
 
+using Kind = OutgoingMessage::Kind;
+
 namespace {
 
 constexpr int dialDelayMs = 500;
@@ -117,7 +119,7 @@ void XPlaneAdapter::beginAttempt()
     m_datarefs->setLastReplySeconds(nowSeconds() - ConnectionAttempt::assumedAgeSeconds);
     m_datarefs->clearSubscriptions();
     m_datarefs->subscribe(m_attempt.connected);
-    m_plugin->send(message::version());
+    send(message::version());
     validateCsl();
     m_attemptTimer.start();
 }
@@ -132,7 +134,7 @@ void XPlaneAdapter::validateCsl()
     }
     qInfo() << "Validating X-Plane CSL paths:" << paths;
     emit trafficMappingStatusChanged(tr("X-Plane CSL 验证中：%1 个路径").arg(paths.size()));
-    m_plugin->send(message::csl(paths));
+    send(message::csl(paths));
 }
 
 void XPlaneAdapter::onAttemptTimeout()
@@ -252,91 +254,97 @@ void XPlaneAdapter::transponderModeToggle()
 
 // --- what goes to the plugin ---
 
+void XPlaneAdapter::send(const QByteArray &message, Kind kind, const QString &callsign)
+{
+    m_plugin->send({message, kind, callsign});
+}
+
 void XPlaneAdapter::addAircraft(const model::RemoteAircraft &aircraft)
 {
-    m_plugin->send(message::add(aircraft));
+    send(message::add(aircraft), Kind::Existence, aircraft.callsign);
 }
 
 void XPlaneAdapter::updateAircraftConfiguration(const model::RemoteAircraft &aircraft)
 {
-    m_plugin->send(message::configuration(aircraft));
+    send(message::configuration(aircraft));
 }
 
 void XPlaneAdapter::removeAircraft(const model::RemoteAircraft &aircraft, const QString &reason)
 {
-    m_plugin->send(message::remove(aircraft.callsign, reason));
+    send(message::remove(aircraft.callsign, reason), Kind::Existence, aircraft.callsign);
 }
 
 void XPlaneAdapter::removeAllAircraft()
 {
-    m_plugin->send(message::removeAll());
+    send(message::removeAll(), Kind::ExistenceOfAll);
 }
 
 void XPlaneAdapter::setControllers(const QList<model::Controller> &controllers)
 {
-    m_plugin->send(message::controllers(controllers));
+    send(message::controllers(controllers));
 }
 
 void XPlaneAdapter::clearControllers()
 {
-    m_plugin->send(message::controllers({}));
+    send(message::controllers({}));
 }
 
 void XPlaneAdapter::positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state)
 {
-    m_plugin->send(message::position(aircraft, state));
+    send(message::position(aircraft, state), Kind::Position, aircraft.callsign);
 }
 
 void XPlaneAdapter::fastPositionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state,
                                        const model::VelocityVector &positionalVelocity,
                                        const model::VelocityVector &rotationalVelocity)
 {
-    m_plugin->send(message::fastPosition(aircraft, state, positionalVelocity, rotationalVelocity));
+    send(message::fastPosition(aircraft, state, positionalVelocity, rotationalVelocity), Kind::Position,
+         aircraft.callsign);
 }
 
 void XPlaneAdapter::aircraftHeartbeat(const QString &callsign)
 {
-    m_plugin->send(message::heartbeat(callsign));
+    send(message::heartbeat(callsign));
 }
 
 void XPlaneAdapter::showRadioMessageSent(const QString &message)
 {
-    m_plugin->send(message::radioSent(message));
+    send(message::radioSent(message));
 }
 
 void XPlaneAdapter::showRadioMessageReceived(const QString &from, const QString &message, bool direct)
 {
-    m_plugin->send(message::radioReceived(from, message, direct));
+    send(message::radioReceived(from, message, direct));
 }
 
 void XPlaneAdapter::showNotification(const QString &message, int colour)
 {
-    m_plugin->send(message::notification(message, colour));
+    send(message::notification(message, colour));
 }
 
 void XPlaneAdapter::showPrivateMessageSent(const QString &to, const QString &message)
 {
-    m_plugin->send(message::privateSent(to, message));
+    send(message::privateSent(to, message));
 }
 
 void XPlaneAdapter::showPrivateMessageReceived(const QString &from, const QString &message)
 {
-    m_plugin->send(message::privateReceived(from, message));
+    send(message::privateReceived(from, message));
 }
 
 void XPlaneAdapter::networkConnected(const QString &callsign, const QString &selcal, bool observer)
 {
-    m_plugin->send(message::networkConnected(callsign, selcal, observer));
+    send(message::networkConnected(callsign, selcal, observer));
 }
 
 void XPlaneAdapter::networkDisconnected()
 {
-    m_plugin->send(message::networkDisconnected());
+    send(message::networkDisconnected());
 }
 
 void XPlaneAdapter::setStationCallsign(int radio, const QString &callsign)
 {
-    m_plugin->send(message::stationCallsign(radio, callsign));
+    send(message::stationCallsign(radio, callsign));
 }
 
 void XPlaneAdapter::selcalAlert() {}

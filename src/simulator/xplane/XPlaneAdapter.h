@@ -4,6 +4,7 @@
 #include "common/Clock.h"
 #include "simulator/Simulator.h"
 #include "simulator/xplane/ConnectionAttempt.h"
+#include "simulator/xplane/Outbox.h"
 #include "simulator/xplane/PluginReports.h"
 
 #include <QTimer>
@@ -84,6 +85,8 @@ private:
     void disconnectSimulator();
     qint64 nowSeconds() const;
 
+    void send(const QByteArray &message, OutgoingMessage::Kind kind = OutgoingMessage::Kind::Other,
+              const QString &callsign = {});
     void onReport(const PluginReport &report);
     // One for each kind of report.
     void on(const report::Unknown &) {}

@@ -59,7 +59,7 @@ private slots:
         }
         QVERIFY(link.isReady()); // attempts end in their time-out
         tarvo::test::PluginPeer plugin(address.url());
-        link.send("x");
+        link.send(QByteArray("x"));
         QTRY_COMPARE(plugin.messages(), QList<QByteArray>{"x"});
     }
 
@@ -73,7 +73,8 @@ private slots:
         for (int i = 0; i < 8192; ++i) // the socket keeps these
             link.send(message);
         const std::size_t before = mallinfo2().uordblks;
-        for (int i = 0; i < 10'000; ++i)
+        QTest::ignoreMessage(QtWarningMsg, "X-Plane plugin does not read: messages are lost until it does");
+        for (int i = 0; i < 10'000; ++i) // and the outbox some of these, until it gives up
             link.send(message);
         const std::size_t after = mallinfo2().uordblks;
         QVERIFY2(after < before + 1'000'000, qPrintable(QString::number(after - before)));

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <nng/nng.h>
+
+#include <QObject>
+
+#include <atomic>
+
+namespace tarvo::simulator::xplane {
+
+/// Whether a plugin is connected to a pair socket. nng's threads may still be at it for as long as the socket isn't
+/// closed: so it is shared with whoever closes that.
+class PipeWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PipeWatch(nng_socket socket);
+
+    bool isConnected() const { return m_pipes > 0; }
+
+signals:
+    /// Raised by a thread of nng's.
+    void changed(bool connected);
+
+private:
+    static void onEvent(nng_pipe pipe, nng_pipe_ev event, void *watch);
+
+    std::atomic<int> m_pipes = 0; ///< 0 or 1
+};
+
+} // namespace tarvo::simulator::xplane

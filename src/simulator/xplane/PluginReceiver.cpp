@@ -1,0 +1,84 @@
+#include "simulator/xplane/PluginReceiver.h"
+
+#include <QDebug>
+
+#include <bit>
+#include <utility>
+
+namespace tarvo::simulator::xplane {
+
+namespace {
+
+/// Every drop gets its line, up to this many; a plugin that is merely broken does not reach it.
+constexpr quint64 loggedBurst = 20;
+
+/// Beyond the burst only each doubling of the count is logged (40, 80, 160...): a flood of bad messages must not become
+/// a flood of lines that fills the disk. The line tells the count, so that none is lost from sight.
+bool isLogged(quint64 count)
+{
+    return count <= loggedBurst || (count % loggedBurst == 0 && std::has_single_bit(count / loggedBurst));
+}
+
+} // namespace
+
+PluginReceiver::PluginReceiver(nng_socket socket) : m_socket(socket)
+{
+    nng_aio_alloc(&m_receive, nullptr, nullptr);
+}
+
+PluginReceiver::~PluginReceiver()
+{
+    nng_aio_free(m_receive);
+}
+
+void PluginReceiver::run()
+{
+    while (m_receive && !m_stopped) {
+        nng_recv_aio(m_socket, m_receive);
+        nng_aio_wait(m_receive);
+        if (const int result = nng_aio_result(m_receive); result != 0) {
+            if (!m_stopped)
+                qWarning() << "X-Plane plugin receive thread ends:" << nng_strerror(result);
+            return;
+        }
+        nng_msg *message = nng_aio_get_msg(m_receive);
+        handleMessage(QByteArrayView(static_cast<const char *>(nng_msg_body(message)),
+                                     static_cast<qsizetype>(nng_msg_len(message))));
+        nng_msg_free(message);
+    }
+}
+
+void PluginReceiver::stop()
+{
+    m_stopped = true;
+    if (m_receive)
+        nng_aio_stop(m_receive);
+}
+
+void PluginReceiver::handleMessage(QByteArrayView message)
+{
+    PluginReport report = unpackReport(message);
+    if (const auto *malformed = std::get_if<report::Malformed>(&report)) {
+        if (isLogged(++m_malformedCount))
+            qWarning().noquote() << "X-Plane plugin message dropped:" << malformed->why << "total" << m_malformedCount;
+    } else if (!std::holds_alternative<report::Unknown>(report)) {
+        putIntoInbox(std::move(report), static_cast<size_t>(message.size()));
+    }
+}
+
+void PluginReceiver::putIntoInbox(PluginReport report, size_t bytes)
+{
+    switch (m_inbox.put(std::move(report), bytes)) {
+    case ReportInbox::Put::Kept:
+        break;
+    case ReportInbox::Put::KeptFirst:
+        emit inboxFilled();
+        break;
+    case ReportInbox::Put::Refused:
+        if (isLogged(++m_refusedCount))
+            qWarning() << "X-Plane plugin message dropped: the inbox is full, total" << m_refusedCount;
+        break;
+    }
+}
+
+} // namespace tarvo::simulator::xplane
