@@ -1,6 +1,5 @@
 import QtQuick
 import ".."
-import "../components"
 
 /// Sidebar and one section at a time. A section is built anew at each switch and shows what the view models hold.
 Item {

@@ -2,7 +2,6 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import ".."
-import "../components"
 
 /// The first page after the login: which simulator the pilot flies.
 Item {

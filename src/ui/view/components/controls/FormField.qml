@@ -1,0 +1,19 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// A caption above one control.
+ColumnLayout {
+    property alias label: caption.text
+
+    spacing: Style.spacingTiny
+
+    AppText {
+        id: caption
+
+        Layout.fillWidth: true
+        color: Style.textSecondary
+        font.pixelSize: Style.fontSmall
+        elide: Text.ElideRight
+    }
+}

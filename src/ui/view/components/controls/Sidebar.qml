@@ -1,0 +1,134 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// Brand, sections, and who is signed in.
+Rectangle {
+    id: sidebar
+
+    required property var dashboard
+    property string currentSection: "dashboard"
+    /// Rows of { key, title }.
+    property var sections: []
+    /// Shown at the item "messages".
+    property int unreadCount: 0
+
+    signal sectionRequested(string key)
+    signal logoutRequested()
+
+    implicitWidth: 252
+    color: Style.sidebarBg
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: Style.spacingLarge
+        spacing: Style.spacingTiny
+
+        RowLayout {
+            Layout.bottomMargin: Style.spacingLarge
+            Layout.leftMargin: Style.spacingSmall
+            spacing: Style.spacingMedium
+
+            Image {
+                source: "qrc:/resources/logo.png"
+                sourceSize.width: 72
+                Layout.preferredWidth: 36
+                Layout.preferredHeight: 36
+                smooth: true
+            }
+
+            AppText {
+                text: "TARVO"
+                color: Style.textActive
+                font.pixelSize: 22
+                font.weight: Font.Bold
+                font.letterSpacing: 2
+            }
+        }
+
+        GroupTitle { text: qsTr("主菜单") }
+
+        Repeater {
+            model: sidebar.sections
+
+            SidebarItem {
+                required property var modelData
+
+                objectName: "section-" + modelData.key
+                Layout.fillWidth: true
+                text: modelData.title
+                selected: sidebar.currentSection === modelData.key // qmllint disable unqualified
+                badge: modelData.key === "messages" ? sidebar.unreadCount : 0 // qmllint disable unqualified
+                onClicked: sidebar.sectionRequested(modelData.key) // qmllint disable unqualified
+            }
+        }
+
+        GroupTitle {
+            Layout.topMargin: Style.spacingMedium
+            text: qsTr("其他")
+        }
+
+        SidebarItem {
+            objectName: "logoutItem"
+            Layout.fillWidth: true
+            text: qsTr("退出登录")
+            onClicked: sidebar.logoutRequested()
+        }
+
+        Item { Layout.fillHeight: true }
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.bottomMargin: Style.spacingMedium
+            implicitHeight: 1
+            color: Style.divider
+        }
+
+        RowLayout {
+            Layout.leftMargin: Style.spacingSmall
+            spacing: Style.spacingMedium
+
+            Rectangle {
+                implicitWidth: 38
+                implicitHeight: 38
+                radius: 19
+                color: Style.primary
+
+                AppText {
+                    anchors.centerIn: parent
+                    text: Array.from(userName.text)[0]?.toUpperCase() ?? ""
+                    color: Style.buttonText
+                    font.weight: Font.DemiBold
+                }
+            }
+
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: 0
+
+                AppText {
+                    id: userName
+
+                    Layout.fillWidth: true
+                    text: sidebar.dashboard?.username || "--"
+                    font.weight: Font.DemiBold
+                    fontSizeMode: Text.HorizontalFit
+                    minimumPixelSize: Style.fontSmall
+                    elide: Text.ElideRight
+                }
+
+                CidText {
+                    Layout.fillWidth: true
+                    cid: sidebar.dashboard?.cid ?? "--"
+                }
+            }
+        }
+    }
+
+    component GroupTitle: AppText {
+        Layout.leftMargin: Style.spacingLarge
+        Layout.bottomMargin: Style.spacingTiny
+        color: Style.textMuted
+        font.pixelSize: Style.fontSmall
+    }
+}

@@ -1,0 +1,134 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// The aircraft type, with suggestions below while the pilot types: up and down choose, Enter takes, Escape closes.
+CustomTextField {
+    id: field
+
+    required property var server
+    readonly property var suggestions: server?.typeCodeSuggestions ?? []
+
+    text: server?.typeCode ?? ""
+    font.capitalization: Font.AllUppercase
+    inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
+
+    onTextEdited: {
+        if (server)
+            server.typeCode = text
+        refresh()
+    }
+    // What an input method is still composing counts as typed.
+    onPreeditTextChanged: if (activeFocus) refresh()
+    onActiveFocusChanged: if (!activeFocus) server?.refreshTypeCodeSuggestions("")
+    Keys.onDownPressed: event => move(event, 1)
+    Keys.onUpPressed: event => move(event, -1)
+    Keys.onReturnPressed: event => take(event)
+    Keys.onEnterPressed: event => take(event)
+    Keys.onEscapePressed: event => {
+        event.accepted = popup.visible
+        server?.refreshTypeCodeSuggestions("")
+    }
+
+    function refresh(): void {
+        server?.refreshTypeCodeSuggestions(text.slice(0, cursorPosition) + preeditText + text.slice(cursorPosition))
+    }
+
+    function move(event: var, step: int): void {
+        event.accepted = popup.visible
+        const count = suggestions.length
+        if (popup.visible && count > 0)
+            list.currentIndex = list.currentIndex < 0 && step < 0 ? count - 1 : (list.currentIndex + step + count) % count
+    }
+
+    function take(event: var): void {
+        event.accepted = popup.visible && list.currentIndex >= 0
+        if (event.accepted)
+            apply(suggestions[list.currentIndex].designator)
+    }
+
+    function apply(designator: string): void {
+        Qt.inputMethod.commit() // qmllint disable type
+        server?.applyTypeCodeSuggestion(designator)
+    }
+
+    Popup {
+        id: popup
+
+        objectName: "suggestionPopup"
+        y: field.height + Style.spacingTiny
+        width: Math.max(field.width, 280)
+        padding: Style.spacingTiny
+        focus: false
+        closePolicy: Popup.NoAutoClose
+        visible: field.activeFocus && field.suggestions.length > 0
+        height: Math.min(list.contentHeight, 5.5 * 44) + 2 * padding
+
+        background: Rectangle {
+            radius: Style.radiusButton
+            color: Style.controlBg
+            border.width: 1
+            border.color: Style.controlBorder
+        }
+        ListView {
+            id: list
+
+            anchors.fill: parent
+            clip: true
+            model: field.suggestions
+            currentIndex: -1
+            boundsBehavior: Flickable.StopAtBounds
+            highlightMoveDuration: 0
+            ScrollBar.vertical: CustomScrollBar {}
+            onModelChanged: currentIndex = -1
+
+            delegate: AbstractButton {
+                id: row
+
+                required property var modelData
+                required property int index
+
+                width: ListView.view.width
+                height: 44
+                focusPolicy: Qt.NoFocus
+                onClicked: field.apply(row.modelData.designator) // qmllint disable unqualified
+
+                background: Rectangle {
+                    radius: Style.radiusSmall
+                    color: row.hovered || list.currentIndex === row.index ? Style.accentSoft : "transparent" // qmllint disable unqualified
+                }
+                contentItem: RowLayout {
+                    spacing: Style.spacingMedium
+
+                    AppText {
+                        Layout.leftMargin: Style.spacingSmall
+                        Layout.preferredWidth: 44
+                        text: row.modelData.designator
+                        font.weight: Font.DemiBold
+                    }
+
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        spacing: 0
+
+                        AppText {
+                            Layout.fillWidth: true
+                            text: row.modelData.title
+                            font.pixelSize: 13
+                            elide: Text.ElideRight
+                        }
+
+                        AppText {
+                            Layout.fillWidth: true
+                            text: row.modelData.detail
+                            color: Style.textMuted
+                            font.pixelSize: 11
+                            elide: Text.ElideRight
+                        }
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,110 @@
+import QtQuick
+import "../.."
+
+/// One aircraft on the plot: a diamond (filled when near); when `measured` a stroke where it heads. Where there is room
+/// also its callsign and its height in hundreds of feet above or below.
+Item {
+    id: symbol
+
+    /// A row of the plot's contacts; null for none.
+    property var contact: null
+    property real upHeading: 0
+    property real range: 10
+    property real radius: 100
+    property bool measured: true
+    readonly property string callsign: contact?.callsign ?? ""
+    /// What the callsign and the height take; 0 for none.
+    readonly property real nameWidth: outside || callsign === "" ? 0 : name.width
+    readonly property real altitudeWidth: outside || !measured || altitude.text === "" ? 0 : altitude.width
+    readonly property bool below: relative < 0
+    readonly property string heightText: hundreds(relative)
+    property bool roomForName: false
+    property bool roomForAltitude: false
+    readonly property real distance: contact?.distanceNm ?? 0
+    readonly property real angle: ((contact?.bearing ?? 0) - upHeading) * Math.PI / 180
+    readonly property bool outside: distance > range
+    readonly property real away: Math.min(1, distance / range) * radius
+    readonly property real relative: contact?.relativeAltitudeFeet ?? NaN
+    readonly property bool near: distance < 6 && Math.abs(relative) < 1200
+    readonly property color tint: near ? Style.instrumentOwn : Style.instrumentTraffic
+
+    x: away * Math.sin(angle)
+    y: -away * Math.cos(angle)
+    visible: contact !== null
+    opacity: outside ? 0.45 : 1
+
+    Item {
+        visible: (symbol.measured || symbol.near) && !symbol.outside && Number.isFinite(symbol.contact?.heading ?? NaN)
+        rotation: (symbol.contact?.heading ?? 0) - symbol.upHeading
+
+        Rectangle {
+            x: -0.75
+            y: -17
+            width: 1.5
+            height: 12
+            color: symbol.tint
+            antialiasing: true
+        }
+    }
+
+    Rectangle {
+        x: -width / 2
+        y: -height / 2
+        width: symbol.outside || !symbol.measured ? 6 : 8.5
+        height: width
+        rotation: 45
+        color: symbol.near ? symbol.tint : Style.instrumentGlass
+        border.width: 1.5
+        border.color: symbol.tint
+        antialiasing: true
+    }
+
+    LabelText {
+        id: altitude
+
+        objectName: "radarAltitude"
+        visible: symbol.roomForAltitude && symbol.altitudeWidth > 0
+        x: -width / 2
+        y: symbol.below ? 7 : -height - 7
+        width: Math.ceil(implicitWidth)
+        text: symbol.heightText
+        color: symbol.tint
+    }
+
+    LabelText {
+        id: name
+
+        objectName: "radarName"
+        visible: symbol.roomForName && symbol.nameWidth > 0
+        width: Math.min(Math.ceil(implicitWidth), 90)
+        clip: true // an elided text of both directions may be wider than it should
+        text: symbol.callsign.slice(0, 40) // more than fits, and never much to lay out
+        color: Style.instrumentLine
+        elide: Text.ElideRight
+        maximumLineCount: 1
+    }
+
+    component LabelText: AppText {
+        height: Style.radarLabelHeight
+        font.pixelSize: 11
+        style: Text.Outline // legible over a farther symbol
+        styleColor: Style.instrumentGlass
+    }
+
+    /// The callsign's upper left corner, NaN without room for it, and whether there is room for the height.
+    function label(nameX: real, nameY: real, withAltitude: bool): void {
+        roomForAltitude = withAltitude
+        roomForName = Number.isFinite(nameX)
+        if (!roomForName)
+            return
+        name.x = nameX
+        name.y = nameY
+    }
+
+    function hundreds(feet: real): string {
+        if (!Number.isFinite(feet) || Math.abs(feet) > 99949)
+            return ""
+        const shown = Math.round(Math.abs(feet) / 100)
+        return (shown === 0 ? "" : feet < 0 ? "−" : "+") + String(shown).padStart(2, "0")
+    }
+}

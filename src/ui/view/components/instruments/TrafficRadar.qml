@@ -1,0 +1,249 @@
+import QtQuick
+import "../.."
+
+/// The aircraft around the own one, which is in the middle and heads up. The outer ring grows and shrinks so that nine
+/// of ten contacts are inside it; the others stand faint at its edge.
+Rectangle {
+    id: radar
+
+    /// Rows with "callsign", "bearing", "distanceNm", "relativeAltitudeFeet" and "heading", nearest first.
+    property var contacts: []
+    property real heading: 0
+    property bool live: false
+    /// Finds room for the labels; null for none.
+    property var labels: null
+    readonly property real up: live && Number.isFinite(heading) ? (heading % 360 + 360) % 360 : 0
+    readonly property int count: contacts?.length ?? 0
+    readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 20
+    /// Nautical miles at the outer ring.
+    readonly property int range: rangeFor(farthest)
+    /// The nearest ones carry a height and a stroke; the others are small.
+    readonly property int measuredContacts: 24
+    /// Everything that moves the symbols.
+    readonly property var scene: [contacts, labels, up, range, width, height]
+    /// Where the pointer is, or has last tapped; null for nowhere.
+    property var asked: null
+
+    function rangeFor(distance: real): int {
+        const ranges = [2, 5, 10, 20, 40, 80, 160, 320]
+        for (const miles of ranges)
+            if (miles >= distance)
+                return miles
+        return ranges[ranges.length - 1]
+    }
+
+    /// What is to be seen on it, on one line.
+    function summary(): string {
+        if (count === 0)
+            return qsTr("附近暂无交通目标")
+        const nearest = contacts[0]
+        // The callsign last: what it holds isn't filled in again.
+        return qsTr("%1 个目标，最近的在方位 %2，%3 海里：%4").arg(count).arg(Format.course(nearest.bearing))
+            .arg(Format.fixed(nearest.distanceNm, 1)).arg(nearest.callsign)
+    }
+
+    /// Gives every label the room that there is, once all symbols stand where they do now.
+    function placeLabels(): void {
+        const callsigns = []
+        const figures = []
+        const shown = Math.min(count, plotted.count)
+        for (let i = 0; i < shown; i++) {
+            const symbol = plotted.itemAt(i)
+            callsigns.push(symbol.callsign)
+            figures.push(symbol.x, symbol.y, symbol.distance, symbol.nameWidth, symbol.altitudeWidth, symbol.below ? 1 : 0)
+        }
+        const places = labels?.place(callsigns, figures, Style.radarLabelHeight, glass(), occupied()) ?? []
+        for (let i = 0; i < shown; i++)
+            plotted.itemAt(i).label(places[3 * i] ?? NaN, places[3 * i + 1] ?? NaN, places[3 * i + 2] === 1)
+        findPointed()
+    }
+
+    /// Where labels may be, seen from the middle.
+    function glass(): rect {
+        return Qt.rect(8 - centre.x, 8 - centre.y, width - 16, height - 16)
+    }
+
+    /// What no label may hide: the own aeroplane, the heading, the ranges, the rose's numbers.
+    function occupied(): var {
+        const areas = []
+        for (const item of [course, rangeText, miles.itemAt(0), miles.itemAt(1)])
+            areas.push(Qt.rect(item.x - centre.x, item.y - centre.y, item.width, item.height))
+        areas.push(Qt.rect(-11, -3, 22, 4), Qt.rect(-5, -11, 10, 23))
+        for (let i = 0; i < 12; i++) {
+            const angle = (30 * i - up) * Math.PI / 180
+            areas.push(Qt.rect((centre.outer - 16) * Math.sin(angle) - 6, (16 - centre.outer) * Math.cos(angle) - 6, 12, 12))
+        }
+        return areas
+    }
+
+    function findPointed(): void {
+        let nearest = 12
+        let found = null
+        for (let i = 0; asked && i < Math.min(count, plotted.count); i++) {
+            const symbol = plotted.itemAt(i)
+            const away = Math.hypot(symbol.x + centre.x - asked.x, symbol.y + centre.y - asked.y)
+            if (away < nearest) {
+                nearest = away
+                found = symbol
+            }
+        }
+        tip.symbol = found
+    }
+
+    implicitWidth: 320
+    implicitHeight: 320
+    radius: 18
+    color: Style.instrumentBezel
+    Accessible.role: Accessible.Graphic
+    Accessible.name: qsTr("交通雷达：%1").arg(summary())
+    onCountChanged: symbols.count = Math.max(symbols.count, count)
+    onSceneChanged: Qt.callLater(placeLabels) // qmllint disable
+    onAskedChanged: findPointed()
+    Component.onCompleted: symbols.count = count
+
+    HoverHandler {
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad // a finger hovers for the time of its tap alone
+        onPointChanged: if (hovered) radar.asked = point.position
+        onHoveredChanged: radar.asked = hovered ? point.position : null
+    }
+
+    TapHandler { onTapped: eventPoint => radar.asked = eventPoint.position }
+
+    // Those that nobody needs any more wait unseen: traffic comes and goes.
+    RowSlots { id: symbols }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 5
+        radius: 13
+        color: Style.instrumentGlass
+    }
+
+    Item {
+        id: centre
+
+        readonly property real outer: Math.min(radar.width, radar.height) / 2 - 22
+
+        x: radar.width / 2
+        y: radar.height / 2 + 8
+
+        Repeater {
+            model: 3
+
+            Rectangle {
+                id: ring
+
+                required property int index
+                readonly property real size: centre.outer * (index + 1) / 4 // qmllint disable unqualified
+
+                x: -size
+                y: -size
+                width: 2 * size
+                height: 2 * size
+                radius: size
+                color: "transparent"
+                border.width: 1
+                border.color: index === 1 ? Style.instrumentDim : Style.instrumentGrid
+                opacity: index === 1 ? 0.7 : 1
+            }
+        }
+
+        CompassRose {
+            radius: centre.outer
+            heading: radar.up
+        }
+
+        Repeater {
+            id: plotted
+
+            model: symbols.rows
+
+            RadarContact {
+                objectName: "radarContact"
+                required property int index
+
+                contact: index < radar.count ? radar.contacts[index] ?? null : null // qmllint disable unqualified
+                upHeading: radar.up // qmllint disable unqualified
+                range: radar.range // qmllint disable unqualified
+                radius: centre.outer // qmllint disable unqualified
+                measured: index < radar.measuredContacts // qmllint disable unqualified
+                z: -index
+            }
+        }
+
+        // The own aeroplane: fuselage, wings, tail.
+        Item {
+            z: 1
+            opacity: radar.live ? 1 : 0.4
+
+            Rectangle { x: -2; y: -11; width: 4; height: 23; radius: 2; color: Style.instrumentLine }
+            Rectangle { x: -11; y: -3; width: 22; height: 3.5; radius: 1.5; color: Style.instrumentLine }
+            Rectangle { x: -5; y: 8; width: 10; height: 3; radius: 1.5; color: Style.instrumentLine }
+        }
+    }
+
+    // The lubber line under the heading.
+    Rectangle {
+        x: centre.x - 1
+        y: centre.y - centre.outer - 5
+        width: 2
+        height: 14
+        color: Style.instrumentOwn
+    }
+
+    Rectangle {
+        id: course
+
+        x: centre.x - width / 2
+        y: 3
+        width: 56
+        height: 22
+        radius: 6
+        color: Style.instrumentBezel
+        border.width: 1
+        border.color: Style.instrumentDim
+
+        AppText {
+            anchors.centerIn: parent
+            text: radar.live && Number.isFinite(radar.heading) ? Format.course(radar.up) + "°" : "--"
+            color: Style.instrumentActive
+            font.pixelSize: 13
+            font.weight: Font.DemiBold
+        }
+    }
+
+    Repeater {
+        id: miles
+
+        model: [0.5, 1]
+
+        AppText {
+            required property real modelData
+
+            x: centre.x + centre.outer * modelData * 0.7071 - (modelData === 1 ? -4 : width + 1) // qmllint disable unqualified
+            y: centre.y + centre.outer * modelData * 0.7071 - (modelData === 1 ? 2 : height + 1) // qmllint disable unqualified
+            text: String(radar.range * modelData) // qmllint disable unqualified
+            color: Style.instrumentDim
+            font.pixelSize: 11
+        }
+    }
+
+    AppText {
+        id: rangeText
+
+        x: 14
+        y: parent.height - height - 10
+        text: qsTr("量程 %1 NM").arg(radar.range)
+        color: Style.instrumentDim
+        font.pixelSize: 11
+    }
+
+    RadarTip {
+        id: tip
+
+        objectName: "radarTip"
+        x: Math.max(8, Math.min(radar.width - width - 8, centre.x + (symbol?.x ?? 0) + 10))
+        y: Math.max(8, Math.min(radar.height - height - 8, centre.y + (symbol?.y ?? 0) - height - 8))
+        width: Math.min(implicitWidth, radar.width - 16)
+    }
+}

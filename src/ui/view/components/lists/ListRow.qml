@@ -1,0 +1,134 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// One line of a column to choose from: a name, a note at the right, how much is unread, and a quiet second line.
+AbstractButton {
+    id: row
+
+    property string note: ""
+    property string detail: ""
+    property bool selected: false
+    property int badge: 0
+    /// Shows a cross that raises closeRequested().
+    property bool closable: false
+
+    signal closeRequested()
+
+    implicitHeight: detail.length > 0 ? 48 : 32
+    clip: true // a callsign of marks upon marks stays in its line
+    leftPadding: Style.spacingMedium
+    rightPadding: closable ? 30 : Style.spacingMedium
+    focusPolicy: Qt.TabFocus
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+    Keys.onDeletePressed: event => {
+        event.accepted = closable
+        if (closable)
+            close()
+    }
+    Accessible.name: badge > 0 ? text + qsTr("，%1 条未读").arg(badge) : text
+    Accessible.description: (note + " " + detail).trim()
+
+    /// The row goes, and leaves the keyboard's focus to the next one.
+    function close(): void {
+        if (activeFocus || cross.activeFocus)
+            cross.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+        closeRequested()
+    }
+
+    background: Rectangle {
+        radius: Style.radiusSmall + 2
+        color: row.selected ? Style.sidebarItemSelected : row.hovered || row.down ? Style.sheet : "transparent"
+        border.width: row.visualFocus ? 2 : 0
+        border.color: Style.controlBorderActive
+
+        Rectangle {
+            anchors.left: parent.left
+            anchors.verticalCenter: parent.verticalCenter
+            width: 3
+            height: parent.height - 16
+            radius: 1.5
+            visible: row.selected
+            color: Style.controlBorderActive
+        }
+    }
+    contentItem: ColumnLayout {
+        spacing: 1
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingSmall
+
+            AppText {
+                Layout.fillWidth: true
+                clip: true // an elided text of both directions may be wider than it should
+                horizontalAlignment: Text.AlignLeft
+                text: row.text
+                color: row.selected || row.badge > 0 ? Style.textActive : Style.textPrimary
+                font.pixelSize: 13
+                font.weight: row.selected || row.badge > 0 ? Font.DemiBold : Font.Normal
+                elide: Text.ElideRight
+                maximumLineCount: 1
+            }
+
+            AppText {
+                visible: text.length > 0
+                text: row.note
+                color: Style.textMuted
+                font.pixelSize: Style.fontSmall
+            }
+
+            CountBadge {
+                implicitHeight: 18
+                count: row.badge
+            }
+        }
+
+        AppText {
+            Layout.fillWidth: true
+            clip: true
+            horizontalAlignment: Text.AlignLeft
+            visible: text.length > 0
+            text: row.detail
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+    }
+
+    AbstractButton {
+        id: cross
+
+        objectName: "closeControl"
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        anchors.verticalCenter: parent.verticalCenter
+        width: 20
+        height: 20
+        visible: row.closable
+        Accessible.name: qsTr("关闭 %1").arg(row.text)
+        focusPolicy: Qt.TabFocus
+        hoverEnabled: true
+        onClicked: row.close()
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
+        Keys.onDeletePressed: clicked()
+
+        background: Rectangle {
+            radius: 10
+            color: cross.hovered ? Style.accentSoft : "transparent"
+            border.width: cross.visualFocus ? 2 : 0
+            border.color: Style.controlBorderActive
+        }
+        contentItem: AppText {
+            text: "×"
+            color: cross.hovered ? Style.textActive : Style.textMuted
+            font.pixelSize: Style.fontTitle
+            horizontalAlignment: Text.AlignHCenter
+        }
+    }
+    HoverHandler { cursorShape: Qt.PointingHandCursor }
+}

@@ -1,0 +1,126 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// Rows of the traffic: callsign, type, where, how far, how high.
+ListView {
+    id: list
+
+    property var rows: []
+    property string emptyText: "--"
+    readonly property int rowHeight: 27
+
+    clip: true
+    boundsBehavior: Flickable.StopAtBounds
+    ScrollBar.vertical: CustomScrollBar {}
+    model: slots.rows
+
+    // Not the rows themselves: they change all the time, and the delegates stay.
+    RowSlots {
+        id: slots
+
+        count: list.rows?.length ?? 0
+    }
+
+    header: TrafficRow {
+        callsign: qsTr("呼号")
+        type: qsTr("机型")
+        bearing: qsTr("方位")
+        distance: qsTr("距离")
+        altitude: qsTr("高度差")
+        titles: true
+        visible: list.count > 0 // qmllint disable unqualified
+    }
+
+    delegate: TrafficRow {
+        required property int index
+        readonly property var contact: list.rows[index] ?? null // qmllint disable unqualified
+
+        callsign: contact?.callsign || contact?.label || "--"
+        type: contact?.type || "--"
+        bearing: list.figure(contact?.bearing, v => Format.course(v) + "°") // qmllint disable unqualified
+        distance: list.figure(contact?.distanceNm, v => Format.fixed(v, v < 99.95 ? 1 : 0) + " NM") // qmllint disable unqualified
+        altitude: list.figure(contact?.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + Format.fixed(100 * Math.round(v / 100), 0) + " ft") // qmllint disable unqualified
+    }
+
+    AppText {
+        anchors.centerIn: parent
+        visible: list.count === 0
+        text: list.emptyText
+        color: Style.textMuted
+        font.pixelSize: 13
+    }
+
+    function figure(value: var, format: var): string {
+        return Number.isFinite(value) && Math.abs(value) < 1e6 ? format(value) : "--"
+    }
+
+    component TrafficRow: RowLayout {
+        id: row
+
+        property string callsign
+        property string type
+        property string bearing
+        property string distance
+        property string altitude
+        property bool titles: false
+
+        width: ListView.view?.width - Style.spacingMedium
+        height: list.rowHeight // qmllint disable unqualified
+        spacing: Style.spacingSmall
+
+        AppText {
+            Layout.fillWidth: true
+            Layout.preferredWidth: 96
+            text: row.callsign
+            color: row.titles ? Style.textMuted : Style.textPrimary
+            font.pixelSize: row.titles ? 11 : 13
+            font.weight: row.titles ? Font.Normal : Font.DemiBold
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 10
+            clip: true // an elided text of both directions may be wider than it should
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+
+        Cell {
+            Layout.preferredWidth: 38
+            text: row.type
+            titles: row.titles
+        }
+
+        Cell {
+            Layout.preferredWidth: 34
+            visible: row.width > 320
+            text: row.bearing
+            titles: row.titles
+        }
+
+        Cell {
+            Layout.preferredWidth: 56
+            text: row.distance
+            titles: row.titles
+        }
+
+        Cell {
+            Layout.preferredWidth: 60
+            text: row.altitude
+            titles: row.titles
+        }
+    }
+
+    component Cell: AppText {
+        property bool titles: false
+
+        Layout.fillWidth: true
+        color: titles ? Style.textMuted : Style.textSecondary
+        font.pixelSize: titles ? 11 : Style.fontSmall
+        horizontalAlignment: Text.AlignRight
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: 10
+        clip: true
+        elide: Text.ElideRight
+        maximumLineCount: 1
+    }
+}

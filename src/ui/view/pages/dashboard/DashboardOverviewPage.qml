@@ -1,0 +1,165 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// 总览: the flight now, the account, past flights, news and rankings.
+ColumnLayout {
+    id: page
+
+    required property var dashboard
+    required property var server
+
+    spacing: Style.spacingMedium
+
+    Header {
+        Layout.fillWidth: true
+        title: qsTr("总览")
+    }
+
+    FocusFollower { scroll: scroll }
+
+    ScrollView {
+        id: scroll
+
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        // Room for the cards' shadows, which the view would cut off; and it scrolls to the window's edge.
+        Layout.leftMargin: -8
+        Layout.bottomMargin: -16
+        padding: 8
+        bottomPadding: 0
+        rightPadding: Style.spacingMedium
+        contentWidth: availableWidth
+        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+        ScrollBar.vertical: CustomScrollBar {
+            parent: scroll
+            x: scroll.width - width
+            height: scroll.height
+        }
+
+        ColumnLayout {
+            width: scroll.availableWidth
+            spacing: Style.spacingGrid
+
+            GreetingCard {
+                Layout.fillWidth: true
+                dashboard: page.dashboard
+            }
+
+            FlightStrip {
+                Layout.fillWidth: true
+                dashboard: page.dashboard
+            }
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: Style.spacingGrid
+
+                MetricCard {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("当前呼号")
+                    value: page.server?.callsign?.trim().toUpperCase() || "--"
+                    accentColor: Style.controlBorderActive
+                }
+
+                MetricCard {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("账户等级")
+                    value: page.dashboard?.rating || "--"
+                    accentColor: Style.statusPending
+                }
+
+                MetricCard {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("总飞行时长")
+                    value: page.dashboard?.pilotTime || "--"
+                    accentColor: Style.statusSuccess
+                }
+
+                MetricCard {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("总管制时长")
+                    value: page.dashboard?.atcTime || "--"
+                    accentColor: Style.primary
+                }
+            }
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: Style.spacingGrid
+
+                RecentFlightsCard {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 3
+                    Layout.preferredHeight: 260
+                    flights: page.dashboard?.recentFlights ?? []
+                }
+
+                Card {
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 2
+                    Layout.preferredHeight: 260
+
+                    ColumnLayout {
+                        anchors.fill: parent
+                        spacing: Style.spacingSmall
+
+                        SectionTitle {
+                            Layout.fillWidth: true
+                            title: qsTr("系统公告与动态")
+                        }
+
+                        AppText {
+                            Layout.fillWidth: true
+                            Layout.topMargin: Style.spacingSmall
+                            text: qsTr("TARVO 客户端更新日志 v1.2.0")
+                            font.weight: Font.DemiBold
+                            wrapMode: Text.Wrap
+                        }
+
+                        AppText {
+                            Layout.fillWidth: true
+                            text: qsTr("优化了模拟器连接稳定性，新增了更美观的仪表盘界面...")
+                            color: Style.textSecondary
+                            font.pixelSize: 13
+                            lineHeight: 1.3
+                            wrapMode: Text.Wrap
+                        }
+
+                        Item { Layout.fillHeight: true }
+                    }
+                }
+            }
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.bottomMargin: Style.paddingPage
+                spacing: Style.spacingGrid
+
+                LeaderboardCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("飞行员排行榜")
+                    note: qsTr("TOP 10")
+                    timeTitle: qsTr("累计飞行")
+                    rows: page.dashboard?.pilotLeaderboard ?? []
+                }
+
+                LeaderboardCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    title: qsTr("管制员排行榜")
+                    timeTitle: qsTr("累计管制")
+                    rows: page.dashboard?.atcLeaderboard ?? []
+                }
+            }
+        }
+    }
+}

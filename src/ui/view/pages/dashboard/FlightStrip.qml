@@ -1,0 +1,101 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// The flight as it is now; "--" without a simulator.
+Card {
+    id: strip
+
+    required property var dashboard
+    readonly property bool live: dashboard?.simulatorConnected ?? false
+
+    contentPadding: 20
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Reading {
+            name: qsTr("航向")
+            value: strip.number(strip.dashboard?.heading, Format.course)
+            unit: "°"
+        }
+
+        Separator {}
+
+        Reading {
+            name: qsTr("地速")
+            value: strip.number(strip.dashboard?.groundSpeed, v => Format.fixed(v, 0))
+            unit: "kt"
+        }
+
+        Separator {}
+
+        Reading {
+            name: qsTr("高度")
+            value: strip.number(strip.dashboard?.altitude, Format.grouped)
+            unit: "ft"
+        }
+
+        Separator {}
+
+        Reading {
+            Layout.preferredWidth: 220
+            name: qsTr("位置")
+            value: strip.number(strip.dashboard?.latitude, latitude => strip.number(strip.dashboard?.longitude,
+                longitude => Format.latitude(latitude) + "  " + Format.longitude(longitude)))
+            valueSize: 18
+        }
+    }
+
+    function number(value: var, format: var): string {
+        return live && Number.isFinite(value) ? format(value) : "--"
+    }
+
+    component Separator: Rectangle {
+        Layout.rightMargin: Style.spacingLarge
+        implicitWidth: 1
+        implicitHeight: 36
+        color: Style.divider
+    }
+
+    component Reading: ColumnLayout {
+        id: reading
+
+        property string name
+        property string value
+        property string unit: ""
+        property int valueSize: Style.fontHeading
+
+        Layout.fillWidth: true
+        Layout.preferredWidth: 110
+        spacing: 2
+
+        AppText {
+            text: reading.name
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+        }
+
+        RowLayout {
+            spacing: Style.spacingTiny
+
+            AppText {
+                Layout.preferredHeight: 34
+                text: reading.value
+                color: strip.live ? Style.textActive : Style.textMuted // qmllint disable unqualified
+                font.pixelSize: reading.valueSize
+                font.weight: Font.DemiBold
+            }
+
+            AppText {
+                visible: strip.live // qmllint disable unqualified
+                Layout.alignment: Qt.AlignBottom
+                bottomPadding: 6
+                text: reading.unit
+                color: Style.textMuted
+                font.pixelSize: Style.fontSmall
+            }
+        }
+    }
+}

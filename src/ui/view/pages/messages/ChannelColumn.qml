@@ -1,0 +1,226 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// What there is to read and whom to write to: channels, private sessions, stations nearby.
+Card {
+    id: column
+
+    required property var messages
+
+    contentPadding: Style.spacingMedium
+    Component.onCompleted: {
+        showChannels()
+        showSessions()
+        showStations()
+    }
+    onMessagesChanged: {
+        showChannels()
+        showSessions()
+        showStations()
+    }
+
+    function showChannels(): void {
+        const list = messages?.channels ?? []
+        channels.follow(list.filter(row => row.fixed))
+    }
+
+    function showSessions(): void {
+        // One line of the text is shown: the rest needn't be laid out.
+        sessions.follow((messages?.privateSessions ?? []).map(row => ({
+            key: row.callsign,
+            unread: row.unread,
+            time: row.lastTime.slice(0, 5),
+            lastText: row.lastMessage.slice(0, 200).replace(/\s+/g, " ")
+        })))
+    }
+
+    function showStations(): void {
+        stations.follow((messages?.nearbyClients ?? []).map(row => ({
+            key: row.callsign,
+            frequency: row.frequency,
+            name: row.name
+        })))
+    }
+
+    KeyedList { id: channels }
+    KeyedList { id: sessions }
+    KeyedList { id: stations }
+
+    Later {
+        id: laterChannels
+
+        onTriggered: column.showChannels()
+    }
+
+    Later {
+        id: laterSessions
+
+        onTriggered: column.showSessions()
+    }
+
+    Later {
+        id: laterStations
+
+        onTriggered: column.showStations()
+    }
+
+    Connections {
+        target: column.messages
+
+        function onChannelStatsChanged(): void {
+            laterChannels.start()
+        }
+        function onSessionsChanged(): void {
+            laterSessions.start()
+        }
+        function onNearbyClientsChanged(): void {
+            laterStations.start()
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 2
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: Style.spacingMedium
+
+            SectionTitle {
+                Layout.fillWidth: true
+                objectName: "columnTitle"
+                title: qsTr("消息")
+            }
+
+            CustomButton {
+                objectName: "clearMessagesButton"
+                implicitHeight: 28
+                leftPadding: Style.spacingMedium
+                rightPadding: Style.spacingMedium
+                text: qsTr("清空")
+                font.pixelSize: Style.fontSmall
+                onClicked: column.messages?.clearMessages()
+            }
+        }
+
+        Repeater {
+            model: channels.rows
+
+            ListRow {
+                required property string key
+                required property string label
+                required property int unread
+
+                Layout.fillWidth: true
+                objectName: "channel-" + key
+                text: label
+                badge: unread
+                selected: column.messages?.activeChannel === key // qmllint disable unqualified
+                onClicked: if (column.messages) column.messages.activeChannel = key // qmllint disable unqualified
+            }
+        }
+
+        SectionTitle {
+            Layout.fillWidth: true
+            Layout.topMargin: Style.spacingSmall
+            Layout.leftMargin: Style.spacingMedium
+            Layout.rightMargin: Style.spacingMedium
+            title: qsTr("私聊")
+            note: sessionList.count > 0 ? sessionList.count : ""
+        }
+
+        SideList {
+            id: sessionList
+
+            objectName: "sessionList"
+            model: sessions.rows
+            emptyText: qsTr("点击发送者或附近管制开始私聊")
+            // As long as its rows; the stations have the rest.
+            Layout.maximumHeight: Math.max(Layout.minimumHeight, contentHeight)
+            delegate: ListRow {
+                required property int index
+                required property string key
+                required property string time
+                required property string lastText
+                required property int unread
+
+                width: ListView.view.width
+                objectName: "session-" + key
+                text: key
+                note: time
+                detail: lastText
+                badge: unread
+                selected: column.messages?.activeChannel === key // qmllint disable unqualified
+                closable: true
+                onVisualFocusChanged: if (visualFocus) sessionList.reveal(index) // qmllint disable unqualified
+                onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
+                onCloseRequested: column.messages?.closePrivateSession(key) // qmllint disable unqualified
+            }
+        }
+
+        SectionTitle {
+            Layout.fillWidth: true
+            Layout.topMargin: Style.spacingSmall
+            Layout.leftMargin: Style.spacingMedium
+            Layout.rightMargin: Style.spacingMedium
+            title: qsTr("附近管制")
+            note: stationList.count > 0 ? stationList.count : ""
+        }
+
+        SideList {
+            id: stationList
+
+            objectName: "stationList"
+            model: stations.rows
+            emptyText: qsTr("附近暂无管制席位")
+            delegate: ListRow {
+                required property int index
+                required property string key
+                required property string frequency
+                required property string name
+
+                width: ListView.view.width
+                objectName: "station-" + key
+                text: key
+                note: frequency
+                detail: name
+                onVisualFocusChanged: if (visualFocus) stationList.reveal(index) // qmllint disable unqualified
+                onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
+            }
+        }
+    }
+
+    component SideList: ListView {
+        id: side
+
+        property string emptyText: ""
+
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.preferredHeight: 1
+        Layout.minimumHeight: 60
+        clip: true
+        spacing: 2
+        boundsBehavior: Flickable.StopAtBounds
+        ScrollBar.vertical: CustomScrollBar {}
+
+        /// The keyboard goes to rows that are out of sight, too.
+        function reveal(index: int): void {
+            positionViewAtIndex(index, ListView.Contain)
+        }
+
+        AppText {
+            y: 22
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: parent.width - 2 * Style.spacingSmall
+            horizontalAlignment: Text.AlignHCenter
+            visible: side.count === 0
+            text: side.emptyText
+            color: Style.textMuted
+            font.pixelSize: Style.fontSmall
+            wrapMode: Text.Wrap
+        }
+    }
+}

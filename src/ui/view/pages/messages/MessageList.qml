@@ -1,0 +1,227 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import "../.."
+
+/// The active channel's messages. Stays at the newest, unless the reader has scrolled up, by mouse or by keys.
+Control {
+    id: view
+
+    required property var messages
+    readonly property string channel: messages?.activeChannel ?? ""
+    property bool follow: true
+    /// How many have come since the reader scrolled up.
+    property int missed: 0
+    readonly property int count: list.count
+    readonly property alias list: list
+    /// Pixels that an arrow key moves.
+    readonly property real line: 60
+
+    focusPolicy: Qt.TabFocus
+    Accessible.name: qsTr("消息列表")
+    Keys.onUpPressed: scrollBy(-line)
+    Keys.onDownPressed: scrollBy(line)
+    Keys.onPressed: event => {
+        event.accepted = true
+        if (event.key === Qt.Key_PageUp)
+            page(-1)
+        else if (event.key === Qt.Key_PageDown)
+            page(1)
+        else if (event.key === Qt.Key_Home)
+            toStart()
+        else if (event.key === Qt.Key_End)
+            toEnd()
+        else
+            event.accepted = false
+    }
+    Component.onCompleted: restart()
+    onMessagesChanged: restart()
+    onChannelChanged: restart()
+
+    function restart(): void {
+        follow = true
+        keyed.replace([])
+        show()
+    }
+
+    function show(): void {
+        const added = keyed.follow((messages?.activeMessages ?? []).map(row => ({
+            key: row.id,
+            type: row.type,
+            direction: row.direction,
+            directionLabel: row.directionLabel,
+            from: row.from,
+            to: row.to,
+            time: row.time,
+            message: row.message,
+            meta: row.meta,
+            frequencies: row.frequencies,
+            isDirect: row.isDirect,
+            expanded: false
+        })))
+        if (follow)
+            toEnd()
+        else
+            missed += added
+    }
+
+    function toEnd(): void {
+        follow = true
+        missed = 0
+        list.positionViewAtEnd()
+    }
+
+    function toStart(): void {
+        list.cancelFlick()
+        list.positionViewAtBeginning()
+        look()
+    }
+
+    /// A screenful, with some of the last one left in sight.
+    function page(count: int): void {
+        scrollBy(count * Math.max(line, list.height - line))
+    }
+
+    function scrollBy(distance: real): void {
+        list.cancelFlick()
+        const end = list.originY + list.contentHeight - list.height
+        list.contentY = Math.max(list.originY, Math.min(end, list.contentY + distance))
+        look()
+    }
+
+    /// After a movement by the reader.
+    function look(): void {
+        follow = list.contentY >= list.originY + list.contentHeight - list.height - 8
+        if (follow)
+            missed = 0
+    }
+
+    function fold(index: int, expanded: bool): void {
+        if (expanded)
+            follow = false // what is being read stays in sight
+        keyed.rows.setProperty(index, "expanded", expanded)
+    }
+
+    function stay(): void {
+        if (follow)
+            list.positionViewAtEnd()
+    }
+
+    KeyedList { id: keyed }
+
+    Later {
+        id: laterShow
+
+        onTriggered: view.show()
+    }
+
+    Later {
+        id: laterStay
+
+        onTriggered: view.stay()
+    }
+
+    Later {
+        id: laterLook
+
+        onTriggered: view.look()
+    }
+
+    Connections {
+        target: view.messages
+
+        function onActiveMessagesChanged(): void {
+            laterShow.start()
+        }
+    }
+
+    ListView {
+        id: list
+
+        objectName: "messageList"
+        anchors.fill: parent
+        clip: true
+        model: keyed.rows
+        spacing: Style.spacingMedium
+        boundsBehavior: Flickable.StopAtBounds
+        cacheBuffer: 600
+        onContentYChanged: if (moving || bar.pressed) view.look()
+        onMovementEnded: view.look()
+        onHeightChanged: laterStay.start()
+        onWidthChanged: laterStay.start()
+        onContentHeightChanged: view.follow ? laterStay.start() : laterLook.start()
+        ScrollBar.vertical: CustomScrollBar { id: bar }
+
+        delegate: MessageBubble {
+            width: ListView.view.width - Style.spacingMedium
+            sightTop: list.contentY - y // qmllint disable unqualified
+            sightBottom: sightTop + list.height // qmllint disable unqualified
+            onReplyRequested: from => view.messages?.prepareReply(from) // qmllint disable unqualified
+            onFoldRequested: wanted => view.fold(index, wanted) // qmllint disable unqualified
+        }
+    }
+
+    EmptyHint {
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 2 * Style.spacingLarge, 360)
+        visible: list.count === 0
+        title: qsTr("当前频道暂无消息")
+        detail: view.hintFor(view.channel)
+    }
+
+    AbstractButton {
+        id: newest
+
+        objectName: "newestButton"
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.spacingSmall
+        height: 30
+        leftPadding: Style.spacingMedium
+        rightPadding: Style.spacingMedium
+        visible: !view.follow && list.count > 0
+        text: view.missed > 0 ? qsTr("%1 条新消息 ↓").arg(view.missed) : qsTr("回到最新 ↓")
+        focusPolicy: Qt.TabFocus
+        Accessible.name: text
+        onClicked: {
+            if (activeFocus) // it goes now
+                view.forceActiveFocus(Qt.TabFocusReason)
+            view.toEnd()
+        }
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
+
+        background: Rectangle {
+            radius: height / 2
+            color: newest.hovered ? Qt.lighter(Style.primary, 1.25) : Style.primary
+            border.width: newest.visualFocus ? 2 : 0
+            border.color: Style.controlBorderActive
+        }
+        contentItem: AppText {
+            text: newest.text
+            color: Style.buttonText
+            font.pixelSize: Style.fontSmall
+        }
+        HoverHandler { cursorShape: Qt.PointingHandCursor }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -5
+        visible: view.visualFocus
+        radius: Style.radiusSmall
+        color: "transparent"
+        border.width: 2
+        border.color: Style.controlBorderActive
+    }
+
+    function hintFor(channel: string): string {
+        return ({
+            SERVER: qsTr("服务器文本和系统通知会出现在这里"),
+            RADIO: qsTr("当前频率上的文本会出现在这里"),
+            PRIVATE: qsTr("从左侧选择一个私聊，或点击附近管制开始对话"),
+            BROADCAST: qsTr("管理员的全网广播会出现在这里"),
+            WALLOP: qsTr("向在线管理员报告问题"),
+            SELCAL: qsTr("收到的 SELCAL 呼叫会出现在这里")
+        })[channel] ?? ""
+    }
+}

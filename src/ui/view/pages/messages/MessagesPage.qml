@@ -1,0 +1,84 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// 消息: the channels on the left, the active one's messages and the line to write on the right.
+ColumnLayout {
+    id: page
+
+    required property var messages
+
+    spacing: Style.spacingMedium
+
+    Header {
+        Layout.fillWidth: true
+        title: qsTr("消息")
+
+        AppText {
+            height: 32
+            text: page.messages?.summaryText ?? "--"
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+        }
+
+        StatusChip {
+            status: !page.messages ? "--" : good ? qsTr("已连接") : qsTr("未连接")
+            good: page.messages?.networkConnected ?? false
+        }
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.margins: 8
+        Layout.topMargin: 0
+        Layout.leftMargin: 0
+        spacing: Style.spacingGrid
+
+        ChannelColumn {
+            Layout.fillHeight: true
+            Layout.preferredWidth: Math.max(220, Math.min(300, page.width * 0.26))
+            messages: page.messages
+        }
+
+        Card {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            ColumnLayout {
+                anchors.fill: parent
+                spacing: Style.spacingMedium
+
+                SectionTitle {
+                    Layout.fillWidth: true
+                    objectName: "channelTitle"
+                    title: page.messages?.activeChannelTitle ?? "--"
+                    note: list.count > 0 ? qsTr("%1 条").arg(list.count) : ""
+                }
+
+                Rectangle {
+                    Layout.fillWidth: true
+                    implicitHeight: 1
+                    color: Style.divider
+                }
+
+                MessageList {
+                    id: list
+
+                    objectName: "messagePane"
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    messages: page.messages
+                }
+
+                ComposeLine {
+                    Layout.fillWidth: true
+                    messages: page.messages
+                    elsewhere: list
+                    onPageRequested: count => list.page(count)
+                    onNewestRequested: list.toEnd()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,134 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// 连接参数: callsign, type, SELCAL, and the one button that connects or disconnects.
+Card {
+    id: form
+
+    required property var server
+    readonly property bool connected: server?.serverConnected ?? false
+
+    Component.onCompleted: if (!connected) callsignField.forceActiveFocus()
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Style.spacingMedium
+
+        SectionTitle {
+            Layout.fillWidth: true
+            title: qsTr("连接参数")
+            note: form.server?.platformLabel ?? "--"
+        }
+
+        FormField {
+            Layout.fillWidth: true
+            label: qsTr("呼号")
+
+            CustomTextField {
+                id: callsignField
+
+                objectName: "callsignField"
+                Layout.fillWidth: true
+                enabled: !form.connected
+                text: form.server?.callsign ?? ""
+                placeholderText: qsTr("例如：B2352 / CES2352 / CES2352A")
+                font.capitalization: text.length > 0 ? Font.AllUppercase : Font.MixedCase
+                inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
+                onTextEdited: if (form.server) form.server.callsign = text
+                onAccepted: form.submit()
+            }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingMedium
+
+            FormField {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                label: qsTr("机型")
+
+                TypeCodeField {
+                    objectName: "typeCodeField"
+                    Layout.fillWidth: true
+                    enabled: !form.connected
+                    server: form.server
+                    placeholderText: form.server?.typeCodeRequired ?? true ? qsTr("必填") : qsTr("选填")
+                    onAccepted: form.submit()
+                }
+            }
+
+            FormField {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                label: "SELCAL"
+
+                CustomTextField {
+                    objectName: "selcalField"
+                    Layout.fillWidth: true
+                    enabled: !form.connected
+                    text: form.server?.selcal ?? ""
+                    placeholderText: "AB-CD"
+                    font.capitalization: Font.AllUppercase
+                    inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
+                    onTextEdited: if (form.server) form.server.selcal = text
+                    onAccepted: form.submit()
+                }
+            }
+        }
+
+        CustomCheckBox {
+            objectName: "observerBox"
+            enabled: !form.connected
+            text: qsTr("观察员")
+            checked: form.server?.observerMode ?? false
+            onToggled: if (form.server) form.server.observerMode = checked
+        }
+
+        CustomButton {
+            objectName: "connectButton"
+            Layout.fillWidth: true
+            primary: true
+            accentColor: form.connected ? Style.statusError : Style.primary
+            enabled: form.connected || (form.server?.canConnect ?? false)
+            text: form.connected ? qsTr("断开连接") : form.server?.connectActionLabel ?? "--"
+            onClicked: form.submitOrDisconnect()
+        }
+
+        AppText {
+            objectName: "formError"
+            Layout.fillWidth: true
+            visible: text.length > 0
+            text: form.server?.formErrorText ?? ""
+            color: Style.statusError
+            font.pixelSize: 13
+            wrapMode: Text.Wrap
+        }
+
+        AppText {
+            objectName: "modeHint"
+            Layout.fillWidth: true
+            text: form.server?.modeHintText ?? "--"
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+            wrapMode: Text.Wrap
+        }
+
+        Item { Layout.fillHeight: true }
+    }
+
+    /// Enter in a field connects; it never disconnects.
+    function submit(): void {
+        Qt.inputMethod.commit() // qmllint disable type
+        if (!connected)
+            server?.requestConnect()
+    }
+
+    function submitOrDisconnect(): void {
+        if (connected)
+            server?.requestDisconnect()
+        else
+            submit()
+    }
+}

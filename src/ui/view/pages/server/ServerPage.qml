@@ -1,0 +1,162 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// 服务器: the form on the left, what happens on the right.
+ColumnLayout {
+    id: page
+
+    required property var server
+    readonly property bool connected: server?.serverConnected ?? false
+
+    spacing: Style.spacingMedium
+
+    Header {
+        Layout.fillWidth: true
+        title: qsTr("服务器")
+
+        StatusChip {
+            visible: page.server?.connectedAsObserver ?? false
+            status: qsTr("观察员")
+            good: true
+        }
+
+        StatusChip {
+            label: page.server?.endpoint ?? ""
+            status: page.server?.serverStatusText ?? "--"
+            good: page.connected
+        }
+    }
+
+    FocusFollower { scroll: scroll }
+
+    RowLayout {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        spacing: Style.spacingGrid
+
+        ScrollView {
+            id: scroll
+
+            Layout.fillHeight: true
+            Layout.preferredWidth: Math.max(340, Math.min(460, page.width * 0.38))
+            Layout.leftMargin: -8
+            Layout.bottomMargin: -16
+            padding: 8
+            bottomPadding: 0
+            contentWidth: availableWidth
+            ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+            ScrollBar.vertical: CustomScrollBar {
+                parent: scroll
+                x: scroll.width - width
+                height: scroll.height
+            }
+
+            ColumnLayout {
+                width: scroll.availableWidth
+                spacing: Style.spacingGrid
+
+                Card {
+                    Layout.fillWidth: true
+
+                    ColumnLayout {
+                        anchors.fill: parent
+                        spacing: Style.spacingMedium
+
+                        SectionTitle {
+                            Layout.fillWidth: true
+                            title: qsTr("基础信息")
+                            note: page.server?.protocolLabel ?? "--"
+                        }
+
+                        Figure {
+                            label: qsTr("真实姓名")
+                            value: page.server?.realName || "--"
+                        }
+
+                        Figure {
+                            label: qsTr("初始机场")
+                            value: page.server?.homeAirport || "--"
+                        }
+                    }
+                }
+
+                ConnectForm {
+                    Layout.fillWidth: true
+                    Layout.bottomMargin: Style.paddingPage
+                    server: page.server
+                }
+            }
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.topMargin: 8
+            Layout.bottomMargin: 8
+            Layout.rightMargin: 8
+            spacing: Style.spacingGrid
+
+            Card {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredHeight: 3
+
+                ColumnLayout {
+                    anchors.fill: parent
+                    spacing: Style.spacingMedium
+
+                    RowLayout {
+                        Layout.fillWidth: true
+
+                        SectionTitle {
+                            Layout.fillWidth: true
+                            title: qsTr("服务器日志")
+                        }
+
+                        CustomButton {
+                            objectName: "clearLogButton"
+                            implicitHeight: 32
+                            leftPadding: Style.spacingMedium
+                            rightPadding: Style.spacingMedium
+                            text: qsTr("清空日志")
+                            font.pixelSize: Style.fontSmall
+                            onClicked: page.server?.clearServerLog()
+                        }
+                    }
+
+                    LogView {
+                        objectName: "logView"
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        source: page.server
+                    }
+                }
+            }
+
+            Card {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredHeight: 2
+
+                ColumnLayout {
+                    anchors.fill: parent
+                    spacing: Style.spacingMedium
+
+                    SectionTitle {
+                        Layout.fillWidth: true
+                        title: qsTr("最近事件")
+                    }
+
+                    EventList {
+                        objectName: "eventList"
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        source: page.server
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,55 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// X-Plane 插件状态: whether traffic can be drawn at all.
+Card {
+    id: card
+
+    required property var simulator
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 10
+
+        SectionTitle {
+            Layout.fillWidth: true
+            title: qsTr("X-Plane 插件状态")
+        }
+
+        GridLayout {
+            Layout.fillWidth: true
+            columns: 2
+            columnSpacing: Style.paddingPage
+            rowSpacing: 10
+
+            Figure { label: qsTr("插件状态"); value: card.simulator?.pluginStatusText ?? "--" }
+            Figure { label: qsTr("CSL 状态"); value: card.simulator?.cslStatusText ?? "--" }
+        }
+
+        Figure { label: qsTr("X-Plane 版本"); value: card.simulator?.xplaneVersionText ?? "--" }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingSmall
+
+            AppText {
+                Layout.alignment: Qt.AlignTop
+                text: qsTr("映射状态")
+                color: Style.textSecondary
+                font.pixelSize: Style.fontSmall
+            }
+
+            AppText {
+                Layout.fillWidth: true
+                horizontalAlignment: Text.AlignRight
+                text: card.simulator?.trafficMappingStatusText ?? "--"
+                font.pixelSize: 13
+                font.weight: Font.DemiBold
+                wrapMode: Text.Wrap
+            }
+        }
+
+        Item { Layout.fillHeight: true }
+    }
+}

@@ -1,0 +1,81 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// Both radios and the transponder.
+Card {
+    id: card
+
+    required property var simulator
+    readonly property bool live: simulator?.simulatorConnected ?? false
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Style.spacingMedium
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingSmall
+
+            SectionTitle {
+                Layout.fillWidth: true
+                title: card.simulator?.xplaneMode ?? false ? qsTr("X-Plane 无线电控制") : qsTr("无线电与应答机")
+            }
+
+            StatusChip {
+                label: qsTr("发射")
+                status: card.simulator?.activeTransmitLabel ?? "--"
+                good: (card.simulator?.com1TransmitEnabled || card.simulator?.com2TransmitEnabled) ?? false
+            }
+
+            StatusChip {
+                label: qsTr("监听")
+                status: card.simulator?.activeReceiveLabel ?? "--"
+                good: (card.simulator?.com1ReceiveEnabled || card.simulator?.com2ReceiveEnabled) ?? false
+            }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingLarge
+
+            RadioUnit {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                title: "COM1"
+                live: card.live
+                frequency: card.simulator?.com1Frequency ?? "--"
+                transmit: card.simulator?.com1TransmitEnabled ?? false
+                receive: card.simulator?.com1ReceiveEnabled ?? false
+                volume: card.simulator?.com1Volume ?? "--"
+                example: "121.800"
+                onTuned: frequency => card.simulator?.requestSetCom1Frequency(frequency)
+            }
+
+            RadioUnit {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                title: "COM2"
+                live: card.live
+                frequency: card.simulator?.com2Frequency ?? "--"
+                transmit: card.simulator?.com2TransmitEnabled ?? false
+                receive: card.simulator?.com2ReceiveEnabled ?? false
+                volume: card.simulator?.com2Volume ?? "--"
+                example: "124.550"
+                onTuned: frequency => card.simulator?.requestSetCom2Frequency(frequency)
+            }
+
+            TransponderUnit {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                live: card.live
+                code: card.simulator?.transponderCode ?? "--"
+                modeC: card.simulator?.squawkingModeC ?? false
+                ident: card.simulator?.squawkingIdent ?? false
+                onCoded: code => card.simulator?.requestSetTransponderCode(code)
+                onModeToggled: card.simulator?.requestTransponderModeToggle()
+                onIdentPressed: card.simulator?.requestTransponderIdent()
+            }
+        }
+    }
+}

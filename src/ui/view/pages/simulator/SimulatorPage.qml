@@ -1,0 +1,145 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../.."
+
+/// 模拟器: how the own aircraft flies, who is around, and its radios.
+ColumnLayout {
+    id: page
+
+    required property var simulator
+    readonly property bool xplane: simulator?.xplaneMode ?? false
+
+    spacing: Style.spacingMedium
+
+    Header {
+        Layout.fillWidth: true
+        title: qsTr("模拟器")
+
+        StatusChip {
+            label: page.simulator?.simulatorDisplayName ?? "--"
+            status: page.simulator?.simulatorStatusText ?? "--"
+            good: page.simulator?.simulatorConnected ?? false
+        }
+
+        CustomButton {
+            objectName: "reconnectButton"
+            implicitHeight: 32
+            leftPadding: Style.spacingMedium
+            rightPadding: Style.spacingMedium
+            text: qsTr("重新连接")
+            font.pixelSize: Style.fontSmall
+            onClicked: page.simulator?.requestReconnect()
+        }
+    }
+
+    FocusFollower { scroll: scroll }
+
+    ScrollView {
+        id: scroll
+
+        objectName: "simulatorScroll"
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        // Room for the cards' shadows, which the view would cut off; and it scrolls to the window's edge.
+        Layout.leftMargin: -8
+        Layout.bottomMargin: -16
+        padding: 8
+        bottomPadding: 0
+        rightPadding: Style.spacingMedium
+        contentWidth: availableWidth
+        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+        ScrollBar.vertical: CustomScrollBar {
+            parent: scroll
+            x: scroll.width - width
+            height: scroll.height
+        }
+
+        ColumnLayout {
+            width: scroll.availableWidth
+            spacing: Style.spacingGrid
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: Style.spacingGrid
+
+                AttitudeCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    simulator: page.simulator
+                }
+
+                TrafficCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    simulator: page.simulator
+                }
+            }
+
+            RadioCard {
+                Layout.fillWidth: true
+                simulator: page.simulator
+            }
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.bottomMargin: Style.paddingPage
+                spacing: Style.spacingGrid
+
+                AirframeCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    simulator: page.simulator
+                    withEngines: page.xplane
+                }
+
+                Card {
+                    visible: !page.xplane
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+
+                    ColumnLayout {
+                        anchors.fill: parent
+                        spacing: Style.spacingMedium
+
+                        SectionTitle {
+                            Layout.fillWidth: true
+                            title: qsTr("发动机")
+                        }
+
+                        EngineBay {
+                            Layout.fillWidth: true
+                            simulator: page.simulator
+                        }
+
+                        Item { Layout.fillHeight: true }
+                    }
+                }
+
+                ColumnLayout {
+                    visible: page.xplane
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Layout.preferredWidth: 1
+                    spacing: Style.spacingGrid
+
+                    SessionCard {
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        simulator: page.simulator
+                    }
+
+                    PluginCard {
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        simulator: page.simulator
+                    }
+                }
+            }
+        }
+    }
+}

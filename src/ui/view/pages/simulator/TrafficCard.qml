@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// Who is around: the plot, and the same aircraft as a list, nearest first.
+Card {
+    id: card
+
+    required property var simulator
+    readonly property bool live: simulator?.simulatorConnected ?? false
+    readonly property var contacts: simulator?.plotContacts ?? []
+    /// Without an own position there is nothing to measure from, but a snapshot has its labels.
+    readonly property var rows: contacts.length > 0 ? contacts : simulator?.trafficContacts ?? []
+
+    contentPadding: 16
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Style.spacingMedium
+
+        SectionTitle {
+            Layout.fillWidth: true
+            title: card.simulator?.msfsMode ?? false ? qsTr("MSFS 交通快照") : qsTr("交通目标")
+            note: card.simulator?.trafficSummary ?? "--"
+        }
+
+        TrafficRadar {
+            objectName: "trafficRadar"
+            Layout.fillWidth: true
+            Layout.preferredHeight: Math.max(290, Math.min(440, card.width * 0.72))
+            live: card.live
+            heading: card.simulator?.heading ?? NaN
+            contacts: card.contacts
+            labels: card.simulator?.plotLabels ?? null
+        }
+
+        TrafficList {
+            objectName: "trafficList"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredHeight: 6 * rowHeight
+            rows: card.rows
+            emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
+        }
+    }
+}
