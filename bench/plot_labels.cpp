@@ -7,7 +7,7 @@
 #include <cmath>
 #include <numbers>
 
-using tarvo::ui::viewmodel::PlotLabels;
+using tarvo::ui::PlotLabels;
 
 namespace {
 

@@ -6,7 +6,7 @@
 namespace tarvo::bench {
 
 using manager::NetworkManager;
-using ui::viewmodel::SimulatorPageViewModel;
+using ui::SimulatorPageViewModel;
 
 Pages::Pages(std::shared_ptr<NetworkManager> network, std::shared_ptr<manager::ControllerManager> controllers,
              network::SwiftAircraftIcaoService &icao)

@@ -31,10 +31,10 @@ private:
     void read();
 
     std::shared_ptr<manager::NetworkManager> m_network;
-    ui::viewmodel::DashboardViewModel m_dashboard;
-    ui::viewmodel::SimulatorPageViewModel m_simulator;
-    ui::viewmodel::ServerPageViewModel m_server;
-    ui::viewmodel::MessagesPageViewModel m_messages;
+    ui::DashboardViewModel m_dashboard;
+    ui::SimulatorPageViewModel m_simulator;
+    ui::ServerPageViewModel m_server;
+    ui::MessagesPageViewModel m_messages;
     ui::SoundPlayer m_sounds;
     ui::SimulatorFeed m_simulatorFeed;
     ui::MessagesFeed m_messagesFeed;

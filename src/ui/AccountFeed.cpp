@@ -41,7 +41,7 @@ QVariantList leaderboard(const QList<model::RatingEntry> &entries)
 
 } // namespace
 
-AccountFeed::AccountFeed(network::ApiService &api, viewmodel::DashboardViewModel &dashboard, QObject *parent)
+AccountFeed::AccountFeed(network::ApiService &api, DashboardViewModel &dashboard, QObject *parent)
     : QObject(parent), m_api(api), m_dashboard(dashboard)
 {
 }

@@ -8,9 +8,7 @@ class ApiService;
 
 namespace tarvo::ui {
 
-namespace viewmodel {
 class DashboardViewModel;
-}
 
 /// Brings what the account service knows of the user to the overview page. A request that fails is not shown: the page
 /// keeps what it has.
@@ -19,7 +17,7 @@ class AccountFeed : public QObject
     Q_OBJECT
 
 public:
-    AccountFeed(network::ApiService &api, viewmodel::DashboardViewModel &dashboard, QObject *parent = nullptr);
+    AccountFeed(network::ApiService &api, DashboardViewModel &dashboard, QObject *parent = nullptr);
 
     /// The texts that stand until the service has answered.
     void applyUserInfoDefaults();
@@ -29,7 +27,7 @@ public:
 
 private:
     network::ApiService &m_api;
-    viewmodel::DashboardViewModel &m_dashboard;
+    DashboardViewModel &m_dashboard;
 };
 
 } // namespace tarvo::ui

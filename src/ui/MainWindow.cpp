@@ -105,8 +105,6 @@ void MainWindow::exposeModels()
 
 void MainWindow::connectRequests()
 {
-    using viewmodel::DashboardViewModel;
-    using viewmodel::ServerPageViewModel;
     connect(&m_dashboard, &DashboardViewModel::modeChangedRequest, this, &MainWindow::onModeSelected);
     connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
     connect(&m_dashboard, &DashboardViewModel::serverDisconnectRequest, this, &MainWindow::onDisconnectRequested);
@@ -120,8 +118,7 @@ void MainWindow::connectSession()
 {
     using manager::NetworkManager;
     NetworkManager *network = m_network.get();
-    connect(&m_dashboard, &viewmodel::DashboardViewModel::simulatorReconnectRequest, network,
-            &NetworkManager::reconnectSimulator);
+    connect(&m_dashboard, &DashboardViewModel::simulatorReconnectRequest, network, &NetworkManager::reconnectSimulator);
     connect(network, &NetworkManager::networkConnected, this, &MainWindow::onNetworkConnected);
     connect(network, &NetworkManager::networkDisconnected, this, &MainWindow::onNetworkDisconnected);
     connect(network, &NetworkManager::simulatorConnectionStateChanged, this, &MainWindow::onSimulatorStateChanged);
@@ -198,7 +195,7 @@ void MainWindow::onConnectRequested(const QString &callsign, const QString &type
 {
     if (!m_network || !m_network->connectToNetwork(callsign, typeCode, selcal, observer))
         return; // a refusal has told its reason
-    setServerState(false, viewmodel::ServerPageViewModel::connectingText());
+    setServerState(false, ServerPageViewModel::connectingText());
     log(tr("正在连接 FSD %1:%2，呼号=%3，机型=%4，观察员模式=%5")
             .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), callsign, typeCode,
                  observer ? tr("是") : tr("否")));
@@ -209,7 +206,7 @@ void MainWindow::onDisconnectRequested()
     if (!m_network)
         return;
     // Told first: the session ends inside the call, and its end sets the last text.
-    const QString leaving = viewmodel::ServerPageViewModel::disconnectingText();
+    const QString leaving = ServerPageViewModel::disconnectingText();
     setServerState(m_server.serverConnected(), leaving);
     log(tr("正在断开 FSD 连接..."));
     m_network->disconnectFromNetwork();

@@ -47,10 +47,10 @@ public:
     /// "XPLANE", or "NONE" while no simulator is picked.
     QString currentMode() const { return m_mode; }
 
-    viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
-    viewmodel::SimulatorPageViewModel &simulator() { return m_simulator; }
-    viewmodel::ServerPageViewModel &server() { return m_server; }
-    viewmodel::MessagesPageViewModel &messages() { return m_messages; }
+    DashboardViewModel &dashboard() { return m_dashboard; }
+    SimulatorPageViewModel &simulator() { return m_simulator; }
+    ServerPageViewModel &server() { return m_server; }
+    MessagesPageViewModel &messages() { return m_messages; }
     SoundPlayer &sounds() { return m_sounds; }
     QQuickView *view() const { return m_view; }
 
@@ -93,10 +93,10 @@ private:
     QString m_mode = QStringLiteral("NONE");
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::ControllerManager> m_controllers;
-    viewmodel::DashboardViewModel m_dashboard;
-    viewmodel::SimulatorPageViewModel m_simulator;
-    viewmodel::ServerPageViewModel m_server;
-    viewmodel::MessagesPageViewModel m_messages;
+    DashboardViewModel m_dashboard;
+    SimulatorPageViewModel m_simulator;
+    ServerPageViewModel m_server;
+    MessagesPageViewModel m_messages;
     AccountFeed m_account;
     SoundPlayer m_sounds;
     std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session

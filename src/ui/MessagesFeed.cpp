@@ -14,7 +14,6 @@ namespace tarvo::ui {
 
 using manager::ControllerManager;
 using manager::NetworkManager;
-using viewmodel::MessagesPageViewModel;
 
 namespace {
 constexpr int highPriority = 2;

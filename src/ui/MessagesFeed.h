@@ -15,9 +15,7 @@ namespace tarvo::ui {
 
 class SoundPlayer;
 
-namespace viewmodel {
 class MessagesPageViewModel;
-}
 
 /// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
 /// and lets incoming messages be heard, a burst of them once, and hardly more than two in a second.
@@ -28,7 +26,7 @@ class MessagesFeed : public QObject
 public:
     /// `controllers` may be null; then no station is listed.
     MessagesFeed(std::shared_ptr<manager::NetworkManager> network,
-                 std::shared_ptr<manager::ControllerManager> controllers, viewmodel::MessagesPageViewModel &page,
+                 std::shared_ptr<manager::ControllerManager> controllers, MessagesPageViewModel &page,
                  SoundPlayer &sounds, QObject *parent = nullptr);
 
 private:
@@ -42,7 +40,7 @@ private:
 
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::ControllerManager> m_controllers;
-    viewmodel::MessagesPageViewModel &m_page;
+    MessagesPageViewModel &m_page;
     SoundPlayer &m_sounds;
     int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
     QTimer m_soundTimer;     ///< runs out in the next turn of the event loop, or when the gap has passed

@@ -12,7 +12,6 @@ namespace tarvo::ui {
 
 using manager::NetworkManager;
 using simulator::Simulator;
-using viewmodel::SimulatorPageViewModel;
 
 namespace {
 constexpr int trafficIntervalMs = 1000;

@@ -14,9 +14,7 @@ class NetworkManager;
 
 namespace tarvo::ui {
 
-namespace viewmodel {
 class SimulatorPageViewModel;
-}
 
 /// kHz of a radio frequency typed in MHz: "121.800" is 121800. Nothing for text that is no number between 1 kHz and
 /// 999.999 MHz, rounded to whole kHz.
@@ -31,7 +29,7 @@ class SimulatorFeed : public QObject
     Q_OBJECT
 
 public:
-    SimulatorFeed(std::shared_ptr<manager::NetworkManager> network, viewmodel::SimulatorPageViewModel &page,
+    SimulatorFeed(std::shared_ptr<manager::NetworkManager> network, SimulatorPageViewModel &page,
                   QObject *parent = nullptr);
 
     /// While nobody can see the pages nothing that comes many times a second is brought to them; the latest follows
@@ -51,7 +49,7 @@ private:
     void forgetTraffic();
 
     std::shared_ptr<manager::NetworkManager> m_network;
-    viewmodel::SimulatorPageViewModel &m_page;
+    SimulatorPageViewModel &m_page;
     bool m_seen = true;
     std::optional<manager::SimulatorData> m_missed; ///< what came last while the pages weren't seen
     QTimer m_trafficTimer;                          ///< runs while connected: the table has no signal of its own

@@ -33,8 +33,8 @@ constexpr Count counts[] = {
     {"records of aircraft", &Footprint::records, manager::RemoteAircraftTable::maximumSize},
     {"controllers", &Footprint::controllers, mostStations},
     {"stations nearby", &Footprint::nearby, mostStations},
-    {"private sessions", &Footprint::sessions, ui::viewmodel::PrivateSessions::maximumSessions},
-    {"messages", &Footprint::messages, ui::viewmodel::MessageStore::maximumMessages},
+    {"private sessions", &Footprint::sessions, ui::PrivateSessions::maximumSessions},
+    {"messages", &Footprint::messages, ui::MessageStore::maximumMessages},
     {"recent events", &Footprint::events, mostRows},
     {"lines of the server log", &Footprint::logLines, mostRows},
 };

@@ -14,9 +14,9 @@ namespace tarvo::test {
 /// of the pages somebody reads the traffic and the messages that are shown.
 struct Pages
 {
-    ui::viewmodel::ServerPageViewModel server;
-    ui::viewmodel::MessagesPageViewModel messages;
-    ui::viewmodel::SimulatorPageViewModel simulator;
+    ui::ServerPageViewModel server;
+    ui::MessagesPageViewModel messages;
+    ui::SimulatorPageViewModel simulator;
 
     /// The session's managers have just been made.
     explicit Pages(Client &client)
@@ -24,8 +24,8 @@ struct Pages
           m_simulatorFeed(client.manager, simulator),
           m_messagesFeed(client.manager, client.controllers, messages, m_sounds)
     {
-        using ui::viewmodel::MessagesPageViewModel;
-        using ui::viewmodel::SimulatorPageViewModel;
+        using ui::MessagesPageViewModel;
+        using ui::SimulatorPageViewModel;
         simulator.setMode(QStringLiteral("XPLANE"));
         // No sound: what the sound system keeps is not counted here.
         QObject::disconnect(&messages, &MessagesPageViewModel::messageSoundRequested, &m_messagesFeed, nullptr);

@@ -290,7 +290,7 @@ bool Hour::talks()
 
 bool Hour::sayEverywhere()
 {
-    ui::viewmodel::MessagesPageViewModel &page = m_pages->messages;
+    ui::MessagesPageViewModel &page = m_pages->messages;
     page.clearMessages();
     for (int i = 0; i < textCount; ++i) {
         page.sendRadioMessage(QStringLiteral("radio %1").arg(i));

@@ -20,7 +20,7 @@ struct Page
     AppConfig config{folder.path()};
     test::AccountPeer peer;
     network::ApiService api{config, peer.endpoints()};
-    ui::viewmodel::DashboardViewModel dashboard;
+    ui::DashboardViewModel dashboard;
     ui::AccountFeed feed{api, dashboard};
 
     Page() { peer.acceptLogin(); }

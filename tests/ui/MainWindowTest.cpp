@@ -48,8 +48,8 @@ struct Deck
         endpoints.fsdPort = server.serverPort();
         return endpoints;
     }
-    ui::viewmodel::ServerPageViewModel &server() { return window.server(); }
-    ui::viewmodel::DashboardViewModel &dashboard() { return window.dashboard(); }
+    ui::ServerPageViewModel &server() { return window.server(); }
+    ui::DashboardViewModel &dashboard() { return window.dashboard(); }
     /// The newest event row as "title|detail|tag".
     QString event()
     {
@@ -211,8 +211,8 @@ private slots:
         Deck deck;
         auto window =
             std::make_unique<ui::MainWindow>(deck.network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
-        const QPointer<ui::viewmodel::DashboardViewModel> dashboard(&window->dashboard());
-        const QPointer<ui::viewmodel::ServerPageViewModel> server(&window->server());
+        const QPointer<ui::DashboardViewModel> dashboard(&window->dashboard());
+        const QPointer<ui::ServerPageViewModel> server(&window->server());
         int seen = 0;
         const auto look = [&] { seen += dashboard && server ? 1 : 0; };
         connect(window->view(), &QObject::destroyed, this, look);
@@ -303,7 +303,7 @@ private slots:
         Deck deck;
         deck.observe(u"CES2352"_qs);
         QTRY_VERIFY(deck.fsd.hasPendingConnections());
-        const QSignalSpy states(&deck.server(), &ui::viewmodel::ServerPageViewModel::serverStateChanged);
+        const QSignalSpy states(&deck.server(), &ui::ServerPageViewModel::serverStateChanged);
         emit deck.server().disconnectRequested();
         QCOMPARE(states.size(), 2); // leaving, left
         QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);

@@ -11,7 +11,7 @@
 using namespace tarvo;
 using manager::NetworkManager;
 using test::Session;
-using ui::viewmodel::MessagesPageViewModel;
+using ui::MessagesPageViewModel;
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 using namespace tarvo;
 using test::Session;
-using ui::viewmodel::SimulatorPageViewModel;
+using ui::SimulatorPageViewModel;
 
 namespace {
 

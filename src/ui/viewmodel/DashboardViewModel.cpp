@@ -2,7 +2,7 @@
 
 #include "common/Clock.h"
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 constexpr qsizetype longestUsername = 64; ///< characters; a page lays it out on one line
@@ -122,4 +122,4 @@ void DashboardViewModel::requestSimulatorReconnect()
     emit simulatorReconnectRequest();
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVariantList>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// What the overview page shows. Holds presentation state only: MainWindow feeds it and acts on its requests.
 /// In QML it is the context property "dashboardBackend".
@@ -119,4 +119,4 @@ private:
     QVariantList m_atcLeaderboard;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// "118.025" for 118025 kHz.
 inline QString megahertz(quint32 kilohertz)
@@ -10,4 +10,4 @@ inline QString megahertz(quint32 kilohertz)
     return QString::number(kilohertz / 1000.0, 'f', 3);
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

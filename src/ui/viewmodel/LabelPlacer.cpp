@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -286,4 +286,4 @@ QList<PlotLabel> LabelPlacer::place(const QList<PlotSymbol> &symbols, const QRec
     return labels;
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

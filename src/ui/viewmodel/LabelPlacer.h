@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// A contact of the plot as it wants to be labelled. Lengths are in pixels, y downwards; an empty size is no label.
 struct PlotSymbol
@@ -60,4 +60,4 @@ private:
     QHash<QString, Held> m_held; ///< by callsign, of the last placing alone
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QStringList>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 QString LineLog::flattened(const QString &text)
 {
@@ -40,4 +40,4 @@ QString LineLog::text() const
     return m_text;
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -3,7 +3,7 @@
 #include <QList>
 #include <QString>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// A bounded log of lines. Appending costs the same however long the session is; the whole text is put together only
 /// when somebody asks for it.
@@ -32,4 +32,4 @@ private:
     mutable bool m_textIsCurrent = true;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

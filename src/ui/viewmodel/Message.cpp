@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -225,4 +225,4 @@ QString localTime(qint64 wallMs)
     return QDateTime::fromMSecsSinceEpoch(wallMs).toString(QStringLiteral("hh:mm:ss"));
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

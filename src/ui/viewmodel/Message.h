@@ -8,7 +8,7 @@
 #include <QString>
 #include <QVariantMap>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// What a message tells of.
 enum class MessageKind
@@ -84,4 +84,4 @@ public:
 QString localTime(qint64 wallMs);
 using common::normalisedCallsign;
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

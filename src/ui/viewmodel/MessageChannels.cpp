@@ -4,7 +4,7 @@
 
 #include <QCoreApplication>
 
-namespace tarvo::ui::viewmodel::channels {
+namespace tarvo::ui::channels {
 
 namespace {
 struct Texts
@@ -77,4 +77,4 @@ bool canBeSession(const QString &callsign)
     return somebody && !many && !word;
 }
 
-} // namespace tarvo::ui::viewmodel::channels
+} // namespace tarvo::ui::channels

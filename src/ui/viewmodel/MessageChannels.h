@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// The keys of the channels through which the list of messages is shown. A private session's key is its callsign.
-namespace tarvo::ui::viewmodel::channels {
+namespace tarvo::ui::channels {
 
 QString server();
 QString radio();
@@ -25,4 +25,4 @@ QString label(const QString &key);
 /// answer would go out on the radio or to everybody. `callsign`: upper-case.
 bool canBeSession(const QString &callsign);
 
-} // namespace tarvo::ui::viewmodel::channels
+} // namespace tarvo::ui::channels

@@ -2,7 +2,7 @@
 
 #include "ui/viewmodel/MessageChannels.h"
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 QVariantList MessageStore::inChannel(const QString &channel) const
 {
@@ -77,4 +77,4 @@ void MessageStore::countUnread(const QString &channel, int difference)
         m_unread.remove(channel);
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

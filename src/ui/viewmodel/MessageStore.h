@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <optional>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// The one list of messages, oldest first, with its counts. Adding costs the same however long the list is; a channel's
 /// list is put together when somebody asks for it.
@@ -58,4 +58,4 @@ private:
     qint64 m_lastId = 0;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

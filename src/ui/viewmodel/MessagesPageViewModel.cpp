@@ -8,7 +8,7 @@
 #include <optional>
 #include <utility>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -391,4 +391,4 @@ bool MessagesPageViewModel::canSendText(const QString &text) const
     return m_networkConnected && !text.trimmed().isEmpty();
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -14,7 +14,7 @@
 #include <QString>
 #include <QVariantList>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// All messages of a run, shown through channels; the line that is being written, and the stations nearby. Holds
 /// presentation state only: MessagesFeed feeds it and sends what it requests. In QML it is the context property
@@ -167,4 +167,4 @@ private:
     int m_toldUnread = 0; ///< the unread count that listeners know
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

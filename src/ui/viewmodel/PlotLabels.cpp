@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -37,4 +37,4 @@ QList<qreal> PlotLabels::place(const QStringList &callsigns, const QList<qreal> 
     return places;
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

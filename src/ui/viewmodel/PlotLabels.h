@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVariantList>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// What the plot in QML asks for its labels' places. Plain lists of numbers: it asks whenever the own aircraft turns.
 class PlotLabels : public QObject
@@ -31,4 +31,4 @@ private:
     LabelPlacer m_placer;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 bool PrivateSessions::contains(const QString &callsign) const
 {
@@ -58,4 +58,4 @@ QString PrivateSessions::evict(const QString &kept)
     return callsign;
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

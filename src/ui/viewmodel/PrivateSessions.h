@@ -3,7 +3,7 @@
 #include <QList>
 #include <QString>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// One private conversation, known by the other side's callsign.
 struct PrivateSession
@@ -39,4 +39,4 @@ private:
     qint64 m_activity = 0;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

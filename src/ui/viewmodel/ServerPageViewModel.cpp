@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -260,4 +260,4 @@ QString ServerPageViewModel::firstFormProblem() const
     return {};
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

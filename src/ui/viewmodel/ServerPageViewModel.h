@@ -11,7 +11,7 @@ namespace tarvo::network {
 class SwiftAircraftIcaoService;
 }
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// The connect form, the server's state and its log. Holds presentation state only: MainWindow feeds it and acts on its
 /// requests. In QML it is the context property "serverBackend".
@@ -150,4 +150,4 @@ private:
     QVariantList m_typeCodeSuggestions;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

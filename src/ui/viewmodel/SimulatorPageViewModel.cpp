@@ -12,7 +12,7 @@
 #include <cmath>
 #include <limits>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -373,4 +373,4 @@ void SimulatorPageViewModel::requestTransponderModeToggle()
     emit transponderModeToggleRequested();
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -13,7 +13,7 @@
 
 #include <optional>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// The simulator page: the own aircraft as texts and numbers, the traffic around it, and the page's commands. Holds
 /// presentation state only: SimulatorFeed feeds it and acts on its requests, MainWindow tells it mode and link. In QML
@@ -81,7 +81,7 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(QVariantList engineStates READ engineStates NOTIFY dataChanged)
     Q_PROPERTY(QVariantList trafficContacts READ trafficContacts NOTIFY trafficChanged)
     Q_PROPERTY(QVariantList plotContacts READ plotContacts NOTIFY trafficChanged)
-    Q_PROPERTY(tarvo::ui::viewmodel::PlotLabels *plotLabels READ plotLabels CONSTANT)
+    Q_PROPERTY(tarvo::ui::PlotLabels *plotLabels READ plotLabels CONSTANT)
     Q_PROPERTY(QString trafficSummary READ trafficSummary NOTIFY trafficChanged)
 
 public:
@@ -255,4 +255,4 @@ private:
     PlotLabels m_plotLabels;
 };
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

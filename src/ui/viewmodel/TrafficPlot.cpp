@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 namespace {
 
@@ -70,4 +70,4 @@ QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget>
     return contacts;
 }
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

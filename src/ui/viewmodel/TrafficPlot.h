@@ -6,7 +6,7 @@
 
 #include <limits>
 
-namespace tarvo::ui::viewmodel {
+namespace tarvo::ui {
 
 /// One other aircraft as it was told. A number that isn't known is NaN.
 struct TrafficTarget
@@ -54,4 +54,4 @@ double initialBearing(double fromLatitude, double fromLongitude, double toLatitu
 /// from an origin without a position nothing is seen.
 QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum);
 
-} // namespace tarvo::ui::viewmodel
+} // namespace tarvo::ui

@@ -4,7 +4,7 @@
 
 namespace tarvo::test {
 
-using ui::viewmodel::MessagesPageViewModel;
+using ui::MessagesPageViewModel;
 
 network::RadioMessageReceived radioText(const QString &from, const QString &message, bool direct)
 {

@@ -9,14 +9,14 @@ namespace tarvo::test {
 network::RadioMessageReceived radioText(const QString &from, const QString &message, bool direct = false);
 model::Controller stationCalled(const QString &callsign, quint32 frequency, const QString &name);
 /// An evening's messages.
-void fillMessages(ui::viewmodel::MessagesPageViewModel &model);
+void fillMessages(ui::MessagesPageViewModel &model);
 
 /// The messages page, open, and what the tests look for on it.
 class MessagesPageFixture
 {
 protected:
     void open(QSize size = {1280, 800});
-    ui::viewmodel::MessagesPageViewModel &model() { return m_harness->messages(); }
+    ui::MessagesPageViewModel &model() { return m_harness->messages(); }
     QQuickItem *field(const char *name) { return m_harness->item(QString::fromLatin1(name)); }
     QQuickItem *list() { return field("messageList"); }
     QString composed() { return field("composeField")->property("text").toString(); }

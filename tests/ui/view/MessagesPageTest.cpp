@@ -9,7 +9,7 @@
 using tarvo::test::ComposingInput;
 using tarvo::test::fillMessages;
 using tarvo::test::stationCalled;
-using tarvo::ui::viewmodel::MessagesPageViewModel;
+using tarvo::ui::MessagesPageViewModel;
 
 /// The messages page under real keys, clicks and an input method.
 class MessagesPageTest : public QObject, protected tarvo::test::MessagesPageFixture

@@ -13,8 +13,8 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
-using tarvo::ui::viewmodel::DashboardViewModel;
-using tarvo::ui::viewmodel::ServerPageViewModel;
+using tarvo::ui::DashboardViewModel;
+using tarvo::ui::ServerPageViewModel;
 
 namespace {
 

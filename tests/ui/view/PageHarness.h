@@ -30,10 +30,10 @@ public:
 
     explicit PageHarness(Backends backends = Backends::Present, QSize size = {1280, 800});
 
-    ui::viewmodel::DashboardViewModel &dashboard() { return m_dashboard; }
-    ui::viewmodel::ServerPageViewModel &server() { return m_server; }
-    ui::viewmodel::MessagesPageViewModel &messages() { return m_messages; }
-    ui::viewmodel::SimulatorPageViewModel &simulator() { return m_simulator; }
+    ui::DashboardViewModel &dashboard() { return m_dashboard; }
+    ui::ServerPageViewModel &server() { return m_server; }
+    ui::MessagesPageViewModel &messages() { return m_messages; }
+    ui::SimulatorPageViewModel &simulator() { return m_simulator; }
     /// Everything that the QML engine has complained about.
     QStringList complaints() const { return m_complaints; }
 
@@ -72,10 +72,10 @@ private:
     AppConfig m_config;
     network::SwiftAircraftIcaoService m_icao;
     ManualClock m_clock;
-    ui::viewmodel::DashboardViewModel m_dashboard;
-    ui::viewmodel::ServerPageViewModel m_server;
-    ui::viewmodel::MessagesPageViewModel m_messages;
-    ui::viewmodel::SimulatorPageViewModel m_simulator;
+    ui::DashboardViewModel m_dashboard;
+    ui::ServerPageViewModel m_server;
+    ui::MessagesPageViewModel m_messages;
+    ui::SimulatorPageViewModel m_simulator;
     QStringList m_complaints;
 
 public:

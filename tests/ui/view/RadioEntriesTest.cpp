@@ -7,7 +7,7 @@
 #include <QTest>
 
 using tarvo::test::ComposingInput;
-using tarvo::ui::viewmodel::SimulatorPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 /// The entries for the radios and the transponder, under real keys, clicks and an input method.
 class RadioEntriesTest : public QObject, protected tarvo::test::SimulatorPageFixture

@@ -9,7 +9,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
-using tarvo::ui::viewmodel::ServerPageViewModel;
+using tarvo::ui::ServerPageViewModel;
 
 /// The server page under real keys and clicks.
 class ServerPageTest : public QObject

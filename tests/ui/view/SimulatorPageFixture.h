@@ -42,7 +42,7 @@ protected:
         m_harness->openSection(QStringLiteral("模拟器"));
     }
 
-    ui::viewmodel::SimulatorPageViewModel &model() { return m_harness->simulator(); }
+    ui::SimulatorPageViewModel &model() { return m_harness->simulator(); }
     QQuickItem *item(const QString &name) { return m_harness->item(name); }
 
     std::unique_ptr<PageHarness> m_harness;

@@ -12,7 +12,7 @@ using tarvo::model::UserAircraftData;
 using tarvo::test::notANumber;
 using tarvo::test::ownAircraft;
 using tarvo::test::remoteAircraft;
-using tarvo::ui::viewmodel::SimulatorPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 /// The simulator page: its cards, readings and instruments.
 class SimulatorPageTest : public QObject, protected tarvo::test::SimulatorPageFixture

@@ -12,7 +12,7 @@
 
 #include <functional>
 
-using tarvo::ui::viewmodel::DashboardViewModel;
+using tarvo::ui::DashboardViewModel;
 
 namespace {
 

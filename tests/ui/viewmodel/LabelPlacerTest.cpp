@@ -11,7 +11,7 @@
 #include <numbers>
 #include <random>
 
-using namespace tarvo::ui::viewmodel;
+using namespace tarvo::ui;
 
 namespace {
 

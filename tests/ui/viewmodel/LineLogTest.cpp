@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QTest>
 
-using tarvo::ui::viewmodel::LineLog;
+using tarvo::ui::LineLog;
 
 class LineLogTest : public QObject
 {

@@ -13,7 +13,7 @@ class MessagesFixture
 public:
     MessagesFixture()
     {
-        using Model = ui::viewmodel::MessagesPageViewModel;
+        using Model = ui::MessagesPageViewModel;
         model.setOwnCallsign(QStringLiteral("CES2352"));
         model.setNetworkConnected(true);
         listen(&Model::messagesChanged, "messages");
@@ -65,10 +65,10 @@ public:
     }
 
     ManualClock clock;
-    ui::viewmodel::MessagesPageViewModel model{nullptr, clock};
+    ui::MessagesPageViewModel model{nullptr, clock};
 
 private:
-    void listen(void (ui::viewmodel::MessagesPageViewModel::*signal)(), const char *name)
+    void listen(void (ui::MessagesPageViewModel::*signal)(), const char *name)
     {
         QObject::connect(&model, signal, &model, [this, name] { m_signals << QLatin1String(name); });
     }

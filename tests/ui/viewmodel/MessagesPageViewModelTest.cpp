@@ -9,7 +9,7 @@
 #include <functional>
 
 using tarvo::test::MessagesFixture;
-using tarvo::ui::viewmodel::MessagesPageViewModel;
+using tarvo::ui::MessagesPageViewModel;
 
 namespace {
 using Event = std::function<void(MessagesPageViewModel &)>;

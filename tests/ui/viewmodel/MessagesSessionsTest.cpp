@@ -6,8 +6,8 @@
 #include <QTest>
 
 using tarvo::test::MessagesFixture;
-using tarvo::ui::viewmodel::MessagesPageViewModel;
-using tarvo::ui::viewmodel::PrivateSessions;
+using tarvo::ui::MessagesPageViewModel;
+using tarvo::ui::PrivateSessions;
 
 /// Private sessions, the line that is being written, and the stations nearby.
 class MessagesSessionsTest : public QObject

@@ -7,7 +7,7 @@
 
 #include <cmath>
 
-using tarvo::ui::viewmodel::PlotLabels;
+using tarvo::ui::PlotLabels;
 
 namespace {
 

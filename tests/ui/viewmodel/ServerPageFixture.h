@@ -40,7 +40,7 @@ private:
 
 public:
     ManualClock clock{QDateTime(QDate(2024, 3, 9), QTime(21, 4, 7)).toMSecsSinceEpoch()};
-    ui::viewmodel::ServerPageViewModel model{m_icao, nullptr, clock};
+    ui::ServerPageViewModel model{m_icao, nullptr, clock};
 };
 
 } // namespace tarvo::test

@@ -6,7 +6,7 @@
 #include <QTest>
 
 using tarvo::test::ServerPageFixture;
-using tarvo::ui::viewmodel::ServerPageViewModel;
+using tarvo::ui::ServerPageViewModel;
 
 /// The connect form: its texts by mode, its rules, and what they allow.
 class ServerPageFormTest : public QObject

@@ -7,7 +7,7 @@
 #include <QTest>
 
 using tarvo::test::ServerPageFixture;
-using tarvo::ui::viewmodel::ServerPageViewModel;
+using tarvo::ui::ServerPageViewModel;
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <limits>
 
 using namespace tarvo::test;
-using tarvo::ui::viewmodel::SimulatorPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 namespace {
 

@@ -24,7 +24,7 @@ struct Own
 
 using Edit = std::function<void(Own &)>;
 
-inline void feed(ui::viewmodel::SimulatorPageViewModel &model, const Own &own)
+inline void feed(ui::SimulatorPageViewModel &model, const Own &own)
 {
     model.setOwnAircraft(own.aircraft, own.config, own.radio, own.paused);
 }

@@ -12,7 +12,7 @@
 
 using namespace tarvo::test;
 using tarvo::model::RemoteAircraft;
-using tarvo::ui::viewmodel::SimulatorPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <functional>
 
 using namespace tarvo::test;
-using tarvo::ui::viewmodel::SimulatorPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 /// The simulator page: what it starts with, its mode and link, its requests.
 class SimulatorPageViewModelTest : public QObject

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <limits>
 
-using namespace tarvo::ui::viewmodel;
+using namespace tarvo::ui;
 
 namespace {
 
