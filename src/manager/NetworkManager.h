@@ -61,6 +61,9 @@ public:
     /// event loop then runs on top of a call of this object, which must not be destroyed before that call has returned.
     bool isResolving() const { return m_resolving > 0 || m_fsd.isResolving(); }
 
+    /// Connected, or on the way there or back.
+    bool isBusy() const { return m_phase != Phase::Idle || m_fsd.isConnected(); }
+
     /// Under what name the current or the last connection ran.
     const model::ConnectInfo &connectInfo() const { return m_connectInfo; }
 
@@ -192,7 +195,6 @@ private:
     void connectFsdClient();
     void beginSession(const model::ConnectInfo &info);
     void endSession();
-    bool isBusy() const { return m_phase != Phase::Idle || m_fsd.isConnected(); }
     void requestFsdToken();
     void onFsdToken(bool success, const QString &token, const QString &error);
     void logIn(const QString &password);

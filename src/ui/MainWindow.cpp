@@ -4,6 +4,7 @@
 #include "common/Units.h"
 #include "manager/NetworkManager.h"
 #include "manager/PilotName.h"
+#include "model/ConnectInfo.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "ui/MessagesFeed.h"
@@ -83,7 +84,7 @@ void MainWindow::createView()
         return;
     }
     connect(root, root->metaObject()->method(logout), this,
-            metaObject()->method(metaObject()->indexOfSlot("onLogoutClicked()")));
+            metaObject()->method(metaObject()->indexOfSlot("onLogoutClicked()")), Qt::QueuedConnection);
 }
 
 void MainWindow::passFocusOn(const QWindow *focused)
@@ -105,11 +106,15 @@ void MainWindow::exposeModels()
 
 void MainWindow::connectRequests()
 {
-    connect(&m_dashboard, &DashboardViewModel::modeChangedRequest, this, &MainWindow::onModeSelected);
+    // A request comes from a handler of the page that asks. What answers it may run an event loop of its own, in which
+    // the page goes: so it is answered from the event loop.
+    const auto later = Qt::QueuedConnection;
+    connect(&m_dashboard, &DashboardViewModel::modeChangedRequest, this, &MainWindow::onModeSelected, later);
+    connect(&m_dashboard, &DashboardViewModel::serverDisconnectRequest, this, &MainWindow::onDisconnectRequested,
+            later);
+    connect(&m_server, &ServerPageViewModel::disconnectRequested, this, &MainWindow::onDisconnectRequested, later);
     connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
-    connect(&m_dashboard, &DashboardViewModel::serverDisconnectRequest, this, &MainWindow::onDisconnectRequested);
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
-    connect(&m_server, &ServerPageViewModel::disconnectRequested, this, &MainWindow::onDisconnectRequested);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
     connect(&m_dashboard, &DashboardViewModel::userInfoChanged, this, &MainWindow::updateProfile);
 }
@@ -118,7 +123,8 @@ void MainWindow::connectSession()
 {
     using manager::NetworkManager;
     NetworkManager *network = m_network.get();
-    connect(&m_dashboard, &DashboardViewModel::simulatorReconnectRequest, network, &NetworkManager::reconnectSimulator);
+    connect(&m_dashboard, &DashboardViewModel::simulatorReconnectRequest, network, &NetworkManager::reconnectSimulator,
+            Qt::QueuedConnection);
     connect(network, &NetworkManager::networkConnected, this, &MainWindow::onNetworkConnected);
     connect(network, &NetworkManager::networkDisconnected, this, &MainWindow::onNetworkDisconnected);
     connect(network, &NetworkManager::simulatorConnectionStateChanged, this, &MainWindow::onSimulatorStateChanged);
@@ -182,6 +188,7 @@ void MainWindow::onModeSelected(const QString &mode)
     m_mode = xplane ? mode : QStringLiteral("NONE");
     m_dashboard.setCurrentMode(m_mode);
     m_simulator.setMode(m_mode);
+    m_simulator.setFailure({});
     m_server.setCurrentMode(m_mode);
     if (!xplane)
         return;
@@ -193,12 +200,32 @@ void MainWindow::onModeSelected(const QString &mode)
 void MainWindow::onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal,
                                     bool observer)
 {
-    if (!m_network || !m_network->connectToNetwork(callsign, typeCode, selcal, observer))
-        return; // a refusal has told its reason
-    setServerState(false, ServerPageViewModel::connectingText());
+    if (!m_network)
+        return;
+    const QString before = m_server.serverStatusText();
+    if (!m_network->isBusy())
+        setServerState(false, ServerPageViewModel::connectingText());
+    QMetaObject::invokeMethod(
+        this,
+        [this, info = model::ConnectInfo{callsign, typeCode, selcal, observer}, before] {
+            connectToNetwork(info, before);
+        },
+        Qt::QueuedConnection);
+}
+
+void MainWindow::connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore)
+{
+    const QString connecting = ServerPageViewModel::connectingText();
+    if (!m_network->connectToNetwork(info.callsign, info.typeCode, info.selcal, info.observer)) {
+        // A refusal has told its reason. Another attempt may be under way.
+        if (!m_network->isBusy() && m_server.serverStatusText() == connecting)
+            setServerState(false, stateBefore);
+        return;
+    }
+    setServerState(false, connecting);
     log(tr("正在连接 FSD %1:%2，呼号=%3，机型=%4，观察员模式=%5")
-            .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), callsign, typeCode,
-                 observer ? tr("是") : tr("否")));
+            .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), info.callsign, info.typeCode,
+                 info.observer ? tr("是") : tr("否")));
 }
 
 void MainWindow::onDisconnectRequested()
@@ -242,7 +269,10 @@ void MainWindow::onSimulatorStateChanged(bool connected)
 
 void MainWindow::onSimulatorFailed(const QString &message)
 {
-    setSimulatorState(false, tr("连接失败"));
+    // The session goes by the simulator's data: these may be alive although the link to its plugin isn't.
+    if (!m_simulator.simulatorConnected())
+        setSimulatorState(false, tr("连接失败"));
+    m_simulator.setFailure(message);
     m_server.addRecentEvent(tr("模拟器连接失败"), message, tr("模拟器"));
 }
 

@@ -21,6 +21,9 @@ namespace tarvo::network {
 class ApiService;
 class SwiftAircraftIcaoService;
 } // namespace tarvo::network
+namespace tarvo::model {
+struct ConnectInfo;
+}
 namespace tarvo::manager {
 class ControllerManager;
 class NetworkManager;
@@ -76,6 +79,7 @@ private:
     void connectSession();
     void updateProfile();
     void onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
+    void connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore);
     void onDisconnectRequested();
     void onNetworkConnected(const QString &callsign);
     void onNetworkDisconnected(bool forced);

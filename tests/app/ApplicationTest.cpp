@@ -220,12 +220,12 @@ private slots:
         program.signIn();
         const std::shared_ptr<manager::NetworkManager> network = program.application.networkManager();
         bool resolving = false;
-        QTimer::singleShot(0, &program.main(), [&] {
+        emit program.main().server().connectRequested(u"CES2352"_qs, QString(), QString(), true);
+        QTimer::singleShot(0, &program.main(), [&] { // behind the request: in the look-up's own event loop
             resolving = network->isResolving();
             program.main().onLogoutClicked();
         });
-        emit program.main().server().connectRequested(u"CES2352"_qs, QString(), QString(), true);
-        QVERIFY(resolving);
+        QTRY_VERIFY(resolving);
         QTRY_VERIFY(program.application.loginWindow().isVisible());
         QVERIFY(!program.application.mainWindow());
         QCOMPARE(program.fsd.connectionCount(), 0);

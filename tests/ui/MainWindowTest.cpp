@@ -20,6 +20,7 @@
 #include <qtestspontaneevent.h>
 
 #include <functional>
+#include <utility>
 
 using namespace tarvo;
 
@@ -58,8 +59,38 @@ struct Deck
             u'|');
     }
     /// An observer's request, which needs no simulator.
-    void observe(const QString &callsign) { emit server().connectRequested(callsign, u"B738"_qs, u"AB-CD"_qs, true); }
+    void observe(const QString &callsign)
+    {
+        emit server().connectRequested(callsign, u"B738"_qs, u"AB-CD"_qs, true);
+        answer();
+    }
+    /// Lets what the pages have asked for happen.
+    static void answer() { QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall); }
 };
+
+/// The visible item with this object name, `from` included; null when there is none.
+QQuickItem *itemNamed(QQuickItem *from, const QString &name)
+{
+    if (from->objectName() == name && from->isVisible())
+        return from;
+    for (QQuickItem *child : from->childItems()) {
+        if (QQuickItem *found = itemNamed(child, name))
+            return found;
+    }
+    return nullptr;
+}
+QQuickItem *itemNamed(const ui::MainWindow &window, const QString &name)
+{
+    return itemNamed(window.view()->contentItem(), name);
+}
+
+void click(const ui::MainWindow &window, const QString &name)
+{
+    QTRY_VERIFY(itemNamed(window, name));
+    const QQuickItem *item = itemNamed(window, name);
+    QTest::mouseClick(window.view(), Qt::LeftButton, {},
+                      item->mapToScene({item->width() / 2, item->height() / 2}).toPoint());
+}
 
 /// A sample of a connected simulator.
 manager::SimulatorData headingFor(double degrees)
@@ -164,6 +195,7 @@ private slots:
         Deck deck;
         const QSignalSpy logout(&deck.window, &ui::MainWindow::logoutRequested);
         QMetaObject::invokeMethod(deck.window.view()->rootObject(), "logoutRequested");
+        Deck::answer();
         QCOMPARE(logout.size(), 1);
     }
 
@@ -196,6 +228,7 @@ private slots:
         Deck deck;
         const QSignalSpy xplane(&deck.window, &ui::MainWindow::xplaneSelected);
         deck.dashboard().requestModeChange(mode);
+        Deck::answer();
         QTEST(deck.window.currentMode(), "kept");
         QTEST(deck.dashboard().currentMode(), "kept");
         QTEST(deck.window.simulator().currentMode(), "kept");
@@ -245,6 +278,7 @@ private slots:
         window.onModeSelected(u"XPLANE"_qs);
         emit window.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), true);
         emit window.server().disconnectRequested();
+        Deck::answer();
         QCOMPARE(window.currentMode(), u"NONE"_qs);
         QCOMPARE(xplane.size(), 0);
         QCOMPARE(window.server().serverStatusText(), u"未连接"_qs);
@@ -270,7 +304,9 @@ private slots:
         Deck deck;
         deck.dashboard().requestServerConnect(u"CES2352"_qs, QString(), QString(), true);
         QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
+        Deck::answer();
         deck.dashboard().requestServerDisconnect();
+        Deck::answer();
         QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
     }
 
@@ -278,9 +314,69 @@ private slots:
     {
         Deck deck;
         emit deck.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);                      // from the click on
+        Deck::answer();
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+        QCOMPARE(deck.dashboard().serverStatusText(), u"未连接"_qs);
         QCOMPARE(deck.server().serverLog(), QString());
         QCOMPARE(deck.event(), u"通知|飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。|系统"_qs);
+    }
+
+    void aSecondRequestDisturbsNoConnection()
+    {
+        Deck deck;
+        deck.observe(u"CES2352"_qs);
+        deck.observe(u"CES2353"_qs);
+        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
+        emit deck.network->networkConnected(u"CES2352"_qs);
+        deck.observe(u"CES2353"_qs);
+        QCOMPARE(deck.server().serverStatusText(), u"已连接"_qs);
+        QVERIFY(deck.server().serverConnected());
+    }
+
+    void twoRequestsInOneTurnAreRefusedTogether()
+    {
+        Deck deck;
+        emit deck.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        deck.dashboard().requestServerConnect(u"CES2352"_qs, u"B738"_qs, QString(), false);
+        Deck::answer();
+        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+    }
+
+    void thePageMayGoWhileTheServersNameIsLookedUp()
+    {
+        Deck deck;
+        deck.endpoints.fsdHost = u"no-such-host.invalid"_qs; // looked up in an event loop on top of the request
+        const auto network =
+            std::make_shared<manager::NetworkManager>(deck.config, deck.api, deck.icao, deck.endpoints);
+        ui::MainWindow window(network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+        window.resize(1280, 800);
+        window.show();
+        window.onModeSelected(u"XPLANE"_qs);
+        window.server().setCallsign(u"CES2352"_qs);
+        window.server().setObserverMode(true);
+        click(window, u"section-server"_qs);
+        const QPointer<QQuickItem> button(itemNamed(window, u"connectButton"_qs));
+        QVERIFY(button);
+        bool resolving = false;
+        bool left = false;
+        QString status;
+        connect(network.get(), &manager::NetworkManager::notificationPosted, this, [&] {
+            const auto leave = [&] {
+                resolving = network->isResolving();
+                status = window.server().serverStatusText();
+                click(window, u"section-simulator"_qs);
+                connect(button.data(), &QObject::destroyed, network.get(),
+                        &manager::NetworkManager::disconnectFromNetwork);
+            };
+            if (!std::exchange(left, true))
+                QMetaObject::invokeMethod(this, leave, Qt::QueuedConnection);
+        });
+        click(window, u"connectButton"_qs);
+        QTRY_VERIFY(!button); // without an end to the program
+        QVERIFY(resolving);
+        QCOMPARE(status, u"连接中..."_qs);
+        QTRY_VERIFY(!network->isResolving());
     }
 
     void aConnectionThatFailsAtOnceLeavesTheFormFree()
@@ -293,6 +389,7 @@ private slots:
         window.server().setCallsign(u"CES2352"_qs);
         window.server().setObserverMode(true);
         window.server().requestConnect();
+        Deck::answer();
         QCOMPARE(window.server().serverStatusText(), u"已断开"_qs);
         QCOMPARE(window.dashboard().serverStatusText(), u"已断开"_qs);
         QVERIFY(window.server().canConnect());
@@ -305,6 +402,7 @@ private slots:
         QTRY_VERIFY(deck.fsd.hasPendingConnections());
         const QSignalSpy states(&deck.server(), &ui::ServerPageViewModel::serverStateChanged);
         emit deck.server().disconnectRequested();
+        Deck::answer();
         QCOMPARE(states.size(), 2); // leaving, left
         QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
         QVERIFY(deck.server().serverLog().contains(u"正在断开 FSD 连接..."_qs));
@@ -315,6 +413,7 @@ private slots:
     {
         Deck deck;
         emit deck.server().disconnectRequested();
+        Deck::answer();
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
     }
 
@@ -371,6 +470,49 @@ private slots:
         emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
         QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
         QVERIFY(!deck.dashboard().simulatorConnected());
+        QCOMPARE(deck.dashboard().simulatorStatusText(), u"连接失败"_qs);
+        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
+    }
+
+    void aFailureLeavesASimulatorWhoseDataFlow()
+    {
+        Deck deck;
+        deck.window.onModeSelected(u"XPLANE"_qs);
+        emit deck.network->simulatorConnectionStateChanged(true);
+        emit deck.network->simulatorDataUpdated(headingFor(271));
+        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        QVERIFY(deck.dashboard().simulatorConnected());
+        QCOMPARE(deck.dashboard().simulatorStatusText(), u"已连接"_qs);
+        QVERIFY(deck.window.simulator().simulatorConnected());
+        QCOMPARE(deck.window.simulator().heading(), 271.0);
+        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
+        QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
+    }
+
+    void aFailureIsHealedByDataThatCome()
+    {
+        Deck deck;
+        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        emit deck.network->simulatorConnectionStateChanged(true);
+        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"已连接"_qs);
+        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs); // still no plugin
+    }
+
+    void theReasonOfAFailureGoes_data()
+    {
+        QTest::addColumn<Step>("step");
+        QTest::newRow("another pick") << Step([](ui::MainWindow &window) { window.onModeSelected(u"XPLANE"_qs); });
+        QTest::newRow("another attempt") << Step([](ui::MainWindow &window) { window.simulator().requestReconnect(); });
+        QTest::newRow("a plugin that fits")
+            << Step([](ui::MainWindow &window) { window.simulator().setPluginValid(true); });
+    }
+    void theReasonOfAFailureGoes()
+    {
+        QFETCH(Step, step);
+        Deck deck;
+        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        step(deck.window);
+        QCOMPARE(deck.window.simulator().simulatorFailureText(), QString());
     }
 
     void showsTheFlight()

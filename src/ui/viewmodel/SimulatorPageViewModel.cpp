@@ -20,7 +20,7 @@ constexpr qsizetype maximumPlotRows = 200;
 constexpr double visibleMoveNm = 0.05; ///< the plot's own movement below this is not told; 0.4 s at 450 knots
 constexpr double visibleClimbFeet = 50;
 constexpr double largestShownNumber = 999'999;
-constexpr qsizetype longestStatus = 200; ///< characters; a page wraps it in a card
+constexpr qsizetype longestStatus = 200; ///< characters; a page wraps it
 constexpr int knownEngines = 4;
 
 /// Equal, or the very same bits: a NaN that stays is no change.
@@ -134,8 +134,15 @@ void SimulatorPageViewModel::setText(QString &member, const QString &text)
     emit stateChanged();
 }
 
+void SimulatorPageViewModel::setFailure(const QString &reason)
+{
+    setText(m_failureText, reason.left(longestStatus).simplified());
+}
+
 void SimulatorPageViewModel::setPluginValid(bool valid)
 {
+    if (valid)
+        setFailure({});
     setText(m_plugin.plugin, valid ? tr("有效") : tr("无效"));
 }
 
@@ -345,6 +352,7 @@ QString SimulatorPageViewModel::trafficSummary() const
 
 void SimulatorPageViewModel::requestReconnect()
 {
+    setFailure({});
     emit reconnectRequested();
 }
 

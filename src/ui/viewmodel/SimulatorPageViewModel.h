@@ -28,6 +28,7 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(bool xplaneMode READ xplaneMode NOTIFY stateChanged)
     Q_PROPERTY(bool simulatorConnected READ simulatorConnected NOTIFY stateChanged)
     Q_PROPERTY(QString simulatorStatusText READ simulatorStatusText NOTIFY stateChanged)
+    Q_PROPERTY(QString simulatorFailureText READ simulatorFailureText NOTIFY stateChanged)
     Q_PROPERTY(QString pluginStatusText READ pluginStatusText NOTIFY stateChanged)
     Q_PROPERTY(QString cslStatusText READ cslStatusText NOTIFY stateChanged)
     Q_PROPERTY(QString trafficMappingStatusText READ trafficMappingStatusText NOTIFY stateChanged)
@@ -94,6 +95,8 @@ public:
     bool xplaneMode() const { return m_mode == QLatin1String("XPLANE"); }
     bool simulatorConnected() const { return m_connected; }
     QString simulatorStatusText() const { return m_statusText; }
+    /// Why the last attempt to connect failed; empty once another began or ended well.
+    QString simulatorFailureText() const { return m_failureText; }
     QString pluginStatusText() const { return m_plugin.plugin; }
     QString cslStatusText() const { return m_plugin.csl; }
     QString trafficMappingStatusText() const { return m_plugin.mapping; }
@@ -165,6 +168,8 @@ public:
     void setMode(const QString &mode);
     /// Losing the link takes the own aircraft's data back to the start.
     void setSimulatorState(bool connected, const QString &text);
+    /// Cut to 200 characters; empty takes it away.
+    void setFailure(const QString &reason);
     void setPluginValid(bool valid);
     void setCslValid(bool valid);
     void setTrafficMappingStatus(const QString &status);
@@ -238,6 +243,7 @@ private:
     QString m_simulatorName = tr("未选择");
     bool m_connected = false;
     QString m_statusText = tr("未连接");
+    QString m_failureText;
     PluginTexts m_plugin;
 
     bool m_hasData = false; ///< a sample has come from the simulator

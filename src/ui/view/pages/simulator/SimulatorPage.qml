@@ -33,6 +33,19 @@ ColumnLayout {
         }
     }
 
+    AppText {
+        objectName: "simulatorFailure"
+        Layout.fillWidth: true
+        Layout.leftMargin: Style.spacingTiny
+        visible: text.length > 0
+        text: page.simulator?.simulatorFailureText ?? ""
+        color: Style.statusError
+        font.pixelSize: 13
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        elide: Text.ElideRight
+    }
+
     FocusFollower { scroll: scroll }
 
     ScrollView {
