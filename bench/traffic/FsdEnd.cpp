@@ -1,5 +1,6 @@
 #include "traffic/FsdEnd.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/ClientQueryResponse.h"
 #include "fsd/pdu/FsdLine.h"
@@ -19,7 +20,6 @@ namespace {
 constexpr double nsPerSecond = 1e9;
 constexpr double nsPerMs = 1e6;
 constexpr int startInterval = 1000; ///< ms between slow reports until the crowd is there
-const QLatin1StringView server("SERVER");
 } // namespace
 
 FsdEnd::FsdEnd(int pilots, double rate, Ledger &ledger)
@@ -82,13 +82,14 @@ void FsdEnd::handle(const QString &line)
 void FsdEnd::answerQuery(const QString &line)
 {
     const ClientQuery query = ClientQuery::parse(line.sliced(3).split(QLatin1Char(':')));
-    if (query.To != server)
+    if (query.To != common::serverCallsign)
         return answerAsPilot(query);
     if (query.queryType == ClientQueryType::FlightPlan) {
         const QStringList plan{QStringLiteral("CALLSIGN=") + query.payload.value(0), QStringLiteral("TYPE=B738/L")};
-        send(fsd::toLine(ClientQueryResponse(server, m_client, query.queryType, plan)));
+        send(fsd::toLine(ClientQueryResponse(common::serverCallsign, m_client, query.queryType, plan)));
     } else if (query.queryType == ClientQueryType::PublicAddress) {
-        send(fsd::toLine(ClientQueryResponse(server, m_client, query.queryType, {QStringLiteral("127.0.0.1")})));
+        send(fsd::toLine(
+            ClientQueryResponse(common::serverCallsign, m_client, query.queryType, {QStringLiteral("127.0.0.1")})));
         send(QStringLiteral("$SFSERVER:%1:1\r\n").arg(m_client));
         m_loggedIn = true;
     }

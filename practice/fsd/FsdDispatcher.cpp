@@ -1,60 +1,89 @@
 #include "practice/fsd/FsdDispatcher.h"
 
-#include "fsd/pdu/ATCPosition.h"
+#include "common/Callsign.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/AuthResponse.h"
-#include "fsd/pdu/ClientQuery.h"
-#include "fsd/pdu/ClientQueryResponse.h"
-#include "fsd/pdu/FastPilotPosition.h"
-#include "fsd/pdu/FlightPlan.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"
-#include "fsd/pdu/PilotPosition.h"
-#include "fsd/pdu/Ping.h"
-#include "fsd/pdu/Pong.h"
-#include "fsd/pdu/ServerIdentification.h"
-#include "fsd/pdu/TextMessage.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace tarvo::practice {
 
+using common::serverCallsign;
 using fsd::toLine;
 using fsd::pdu::ClientQueryType;
 
 namespace {
-const QString server = QStringLiteral("SERVER");
 constexpr int longestVisibilityNm = 600;
+
+/// Of a line that is read without its recipient: a login, or a text on frequencies.
+QString recipientOf(const QString &line)
+{
+    return line.section(u':', 1, 1);
+}
+
+bool isLogin(const fsd::AnyPdu &pdu)
+{
+    return std::holds_alternative<fsd::pdu::ClientIdentification>(pdu) ||
+           std::holds_alternative<fsd::pdu::AddPilot>(pdu) || std::holds_alternative<fsd::pdu::AddATC>(pdu);
+}
 } // namespace
 
-/// One identifier that a client may send.
-struct FsdDispatcher::Command
+/// Does what one line of a session asks for.
+struct FsdDispatcher::Reader
 {
-    QLatin1StringView identifier;
-    Handler handler;
-    int senderField = 0; ///< where the sender's callsign stands, once the identifier is taken off
-    bool beforeLogin = false;
-};
+    FsdDispatcher &dispatcher;
+    FsdSession &session;
+    QString line; ///< with its line end
 
-const FsdDispatcher::Command FsdDispatcher::commands[] = {
-    {QLatin1StringView("$ID"), &FsdDispatcher::onIdentification, 0, true},
-    {QLatin1StringView("#AP"), &FsdDispatcher::onAddPilot, 0, true},
-    {QLatin1StringView("#AA"), &FsdDispatcher::onAddAtc, 0, true},
-    {QLatin1StringView("#DP"), &FsdDispatcher::onDelete},
-    {QLatin1StringView("#DA"), &FsdDispatcher::onDelete},
-    {QLatin1StringView("@"), &FsdDispatcher::onPilotPosition, 1},
-    {QLatin1StringView("^"), &FsdDispatcher::onFastPosition},
-    {QLatin1StringView("#SL"), &FsdDispatcher::onFastPosition},
-    {QLatin1StringView("#ST"), &FsdDispatcher::onFastPosition},
-    {QLatin1StringView("%"), &FsdDispatcher::onAtcPosition},
-    {QLatin1StringView("#TM"), &FsdDispatcher::onText},
-    {QLatin1StringView("$CQ"), &FsdDispatcher::onQuery},
-    {QLatin1StringView("$CR"), &FsdDispatcher::onForOthers},
-    {QLatin1StringView("#SB"), &FsdDispatcher::onForOthers},
-    {QLatin1StringView("$PI"), &FsdDispatcher::onPing},
-    {QLatin1StringView("$PO"), &FsdDispatcher::onForOthers},
-    {QLatin1StringView("$ZR"), &FsdDispatcher::onAuthResponse},
-    {QLatin1StringView("$FP"), &FsdDispatcher::onFlightPlan},
+    void operator()(const fsd::pdu::ClientIdentification &id) const
+    {
+        if (dispatcher.m_login.identify(session, id))
+            dispatcher.enter(session);
+    }
+    void operator()(const fsd::pdu::AddPilot &login) const
+    {
+        if (dispatcher.m_login.addPilot(session, login, recipientOf(line)))
+            dispatcher.enter(session);
+    }
+    void operator()(const fsd::pdu::AddATC &login) const
+    {
+        if (dispatcher.m_login.addAtc(session, login, recipientOf(line)))
+            dispatcher.enter(session);
+    }
+    void operator()(const fsd::pdu::DeletePilot &) const { session.finish(); }
+    void operator()(const fsd::pdu::DeleteATC &) const { session.finish(); }
+    void operator()(const fsd::pdu::PilotPosition &at) const { moveTo(at.latitude, at.longitude); }
+    void operator()(const fsd::pdu::FastPilotPosition &at) const { moveTo(at.latitude, at.longitude); }
+    void operator()(const fsd::pdu::ATCPosition &report) const;
+    void operator()(const fsd::pdu::TextMessage &text) const;
+    void operator()(const fsd::pdu::RadioMessage &) const { relay(recipientOf(line)); }
+    void operator()(const fsd::pdu::BroadcastMessage &text) const { relay(text.To); }
+    void operator()(const fsd::pdu::Wallop &) const;
+    void operator()(const fsd::pdu::ClientQuery &query) const;
+    void operator()(const fsd::pdu::ClientQueryResponse &answer) const { relay(answer.To); }
+    void operator()(const fsd::pdu::PlaneInfoRequest &request) const { relay(request.To); }
+    void operator()(const fsd::pdu::PlaneInfoResponse &answer) const { relay(answer.To); }
+    void operator()(const fsd::pdu::Ping &ping) const;
+    void operator()(const fsd::pdu::Pong &pong) const { relay(pong.To); }
+    void operator()(const fsd::pdu::FlightPlan &plan) const;
+    /// What only a server says.
+    template <class Pdu>
+    void operator()(const Pdu &) const
+    {
+        throw fsd::PDUFormatException(QStringLiteral("Syntax error"), line);
+    }
+
+private:
+    void moveTo(double latitude, double longitude) const;
+    /// To somebody else; the server itself has no use for it.
+    void relay(const QString &recipient) const
+    {
+        if (recipient != serverCallsign)
+            dispatcher.m_relay.toRecipient(session, recipient, line);
+    }
 };
 
 FsdDispatcher::FsdDispatcher(const AccountBook &accounts, const TokenAuthority &tokens, const Roster &roster,
@@ -69,41 +98,27 @@ FsdDispatcher::FsdDispatcher(const AccountBook &accounts, const TokenAuthority &
 
 void FsdDispatcher::greet(FsdSession &session)
 {
-    session.send(toLine(fsd::pdu::ServerIdentification(server, QStringLiteral("CLIENT"),
+    session.send(toLine(fsd::pdu::ServerIdentification(serverCallsign, QStringLiteral("CLIENT"),
                                                        QStringLiteral("Tarvo practice FSD server 1.0"),
                                                        FsdKeepAlive::newChallenge())));
 }
 
-const FsdDispatcher::Command *FsdDispatcher::commandOf(const QString &line)
-{
-    const auto found = std::find_if(std::begin(commands), std::end(commands),
-                                    [&](const Command &command) { return line.startsWith(command.identifier); });
-    return found == std::end(commands) ? nullptr : found;
-}
-
 void FsdDispatcher::handle(FsdSession &session, const QString &line)
 {
-    const Command *command = commandOf(line);
-    if (!command) {
-        session.complain(FsdError::SyntaxError, {}, QStringLiteral("Syntax error"));
-        return;
-    }
-    QStringList fields = line.split(QLatin1Char(':'));
-    fields[0].remove(0, command->identifier.size());
-    if (!mayUse(session, *command, fields))
-        return;
     try {
-        (this->*command->handler)(session, fields, line + QLatin1StringView("\r\n"));
+        if (line.startsWith(fsd::pdu::AuthResponse::identifier)) // only ever sent by clients: parseLine() has none
+            return onAuthResponse(session, line);
+        const fsd::AnyPdu pdu = fsd::parseLine(line);
+        const QString sender = std::visit([](const fsd::pdu::PduBase &base) { return base.From; }, pdu);
+        if (isLogin(pdu) || isOwn(session, sender))
+            std::visit(Reader{*this, session, line + QLatin1StringView("\r\n")}, pdu);
     } catch (const fsd::PDUFormatException &e) {
         session.complain(FsdError::SyntaxError, {}, e.error());
     }
 }
 
-bool FsdDispatcher::mayUse(FsdSession &session, const Command &command, const QStringList &fields) const
+bool FsdDispatcher::isOwn(FsdSession &session, const QString &sender)
 {
-    if (command.beforeLogin)
-        return true;
-    const QString sender = fields.value(command.senderField);
     if (session.loggedIn() && sender == session.identity->callsign)
         return true;
     session.complain(FsdError::InvalidSource, sender, QStringLiteral("Invalid source callsign"));
@@ -115,7 +130,7 @@ void FsdDispatcher::enter(FsdSession &session)
     m_keepAlive.begin(session);
     emit loggedIn(session);
     if (!m_settings.greeting.isEmpty())
-        session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign, m_settings.greeting)));
+        session.send(toLine(fsd::pdu::TextMessage(serverCallsign, session.identity->callsign, m_settings.greeting)));
     m_relay.introduce(session);
 }
 
@@ -125,30 +140,7 @@ void FsdDispatcher::leave(FsdSession &session)
         m_relay.farewell(session);
 }
 
-void FsdDispatcher::onIdentification(FsdSession &session, const QStringList &fields, const QString &)
-{
-    if (m_login.identify(session, fields))
-        enter(session);
-}
-
-void FsdDispatcher::onAddPilot(FsdSession &session, const QStringList &fields, const QString &)
-{
-    if (m_login.addPilot(session, fields))
-        enter(session);
-}
-
-void FsdDispatcher::onAddAtc(FsdSession &session, const QStringList &fields, const QString &)
-{
-    if (m_login.addAtc(session, fields))
-        enter(session);
-}
-
-void FsdDispatcher::onDelete(FsdSession &session, const QStringList &, const QString &)
-{
-    session.finish();
-}
-
-void FsdDispatcher::moveTo(FsdSession &session, double latitude, double longitude, const QString &line)
+void FsdDispatcher::Reader::moveTo(double latitude, double longitude) const
 {
     // Written so that "nan" fails, too.
     if (!(std::abs(latitude) <= 90 && std::abs(longitude) <= 180)) {
@@ -156,65 +148,75 @@ void FsdDispatcher::moveTo(FsdSession &session, double latitude, double longitud
         return;
     }
     session.position = FsdPosition{latitude, longitude};
-    m_relay.toRange(session, line);
-    m_relay.updateFast();
+    dispatcher.m_relay.toRange(session, line);
+    dispatcher.m_relay.updateFast();
 }
 
-void FsdDispatcher::onPilotPosition(FsdSession &session, const QStringList &fields, const QString &line)
+void FsdDispatcher::Reader::operator()(const fsd::pdu::ATCPosition &report) const
 {
-    const auto report = fsd::pdu::PilotPosition::parse(fields);
-    moveTo(session, report.latitude, report.longitude, line);
-}
-
-void FsdDispatcher::onFastPosition(FsdSession &session, const QStringList &fields, const QString &line)
-{
-    using fsd::pdu::FastPilotPositionType;
-    const auto type = line.startsWith(u'^')                       ? FastPilotPositionType::Fast
-                      : line.startsWith(QLatin1StringView("#ST")) ? FastPilotPositionType::Stopped
-                                                                  : FastPilotPositionType::Slow;
-    const auto report = fsd::pdu::FastPilotPosition::parse(fields, type);
-    moveTo(session, report.latitude, report.longitude, line);
-}
-
-void FsdDispatcher::onAtcPosition(FsdSession &session, const QStringList &fields, const QString &line)
-{
-    const auto report = fsd::pdu::ATCPosition::parse(fields);
     if (!session.identity->observer) {
         session.complain(FsdError::SyntaxError, {}, QStringLiteral("A pilot sends no controller's position"));
         return;
     }
     session.facility = static_cast<int>(report.facility);
     session.visibilityRangeNm = std::clamp(report.visibilityRange, 0, longestVisibilityNm);
-    moveTo(session, report.latitude, report.longitude, line);
+    moveTo(report.latitude, report.longitude);
 }
 
-void FsdDispatcher::onText(FsdSession &session, const QStringList &fields, const QString &line)
+void FsdDispatcher::Reader::operator()(const fsd::pdu::Wallop &) const
 {
-    if (fields.size() < 3)
-        throw fsd::PDUFormatException(QStringLiteral("Invalid field count."), line);
-    const QString &to = fields.at(1);
-    if (to == QLatin1StringView("*S")) {
-        session.send(toLine(fsd::pdu::TextMessage(server, session.identity->callsign,
-                                                  QStringLiteral("Your call to the supervisors was received."))));
-        m_relay.toResidents(line);
-    } else if (to != server) {
-        m_relay.toRecipient(session, to, line);
-    } else if (fields.at(2) == QLatin1StringView("FP") && fields.size() > 4) { // FP : callsign : GET
-        answerFlightPlan(session, fields.at(3), false);
-    }
+    session.send(toLine(fsd::pdu::TextMessage(serverCallsign, session.identity->callsign,
+                                              QStringLiteral("Your call to the supervisors was received."))));
+    dispatcher.m_relay.toResidents(line);
 }
 
-void FsdDispatcher::onQuery(FsdSession &session, const QStringList &fields, const QString &line)
+void FsdDispatcher::Reader::operator()(const fsd::pdu::TextMessage &text) const
 {
-    if (fields.value(1) == server)
-        answerQuery(session, fields);
+    const QStringList words = text.message.split(u':');
+    if (text.To == serverCallsign && words.at(0) == QLatin1StringView("FP") && words.size() > 2) // FP : callsign : GET
+        dispatcher.answerFlightPlan(session, words.at(1), false);
     else
-        onForOthers(session, fields, line);
+        relay(text.To);
 }
 
-void FsdDispatcher::answerQuery(FsdSession &session, const QStringList &fields)
+void FsdDispatcher::Reader::operator()(const fsd::pdu::ClientQuery &query) const
 {
-    const auto query = fsd::pdu::ClientQuery::parse(fields);
+    if (query.To == serverCallsign)
+        dispatcher.answerQuery(session, query);
+    else
+        relay(query.To);
+}
+
+void FsdDispatcher::Reader::operator()(const fsd::pdu::Ping &ping) const
+{
+    if (ping.To == serverCallsign)
+        session.send(toLine(fsd::pdu::Pong(serverCallsign, ping.From, ping.timestamp)));
+    else
+        dispatcher.m_relay.toCallsign(session, ping.To, line);
+}
+
+void FsdDispatcher::Reader::operator()(const fsd::pdu::FlightPlan &plan) const
+{
+    session.aircraftType = plan.aircraftType;
+    session.flightPlan = line;
+    dispatcher.m_relay.toControllers(session, line);
+}
+
+void FsdDispatcher::onAuthResponse(FsdSession &session, const QString &line)
+{
+    const auto answer =
+        fsd::pdu::AuthResponse::parse(line.sliced(fsd::pdu::AuthResponse::identifier.size()).split(u':'));
+    if (!isOwn(session, answer.From))
+        return;
+    if (session.openChallenge.isEmpty() || answer.response != session.openChallenge) {
+        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("Wrong answer to the challenge"));
+        return;
+    }
+    session.openChallenge.clear();
+}
+
+void FsdDispatcher::answerQuery(FsdSession &session, const fsd::pdu::ClientQuery &query)
+{
     const QString subject = query.payload.value(0).toUpper();
     const FsdClientRecord *other = m_roster.record(subject);
     QStringList answer;
@@ -238,8 +240,8 @@ void FsdDispatcher::answerQuery(FsdSession &session, const QStringList &fields)
     default:
         return; // the server has no answer to the other types
     }
-    session.send(
-        toLine(fsd::pdu::ClientQueryResponse(server, session.identity->callsign, query.queryType, std::move(answer))));
+    session.send(toLine(
+        fsd::pdu::ClientQueryResponse(serverCallsign, session.identity->callsign, query.queryType, std::move(answer))));
 }
 
 void FsdDispatcher::answerFlightPlan(FsdSession &session, const QString &callsign, bool withPlan)
@@ -250,7 +252,7 @@ void FsdDispatcher::answerFlightPlan(FsdSession &session, const QString &callsig
         return;
     }
     const QString answer = toLine(fsd::pdu::ClientQueryResponse(
-        server, session.identity->callsign, ClientQueryType::FlightPlan, {callsign, other->aircraftType}));
+        serverCallsign, session.identity->callsign, ClientQueryType::FlightPlan, {callsign, other->aircraftType}));
     const QString plan = withPlan ? other->flightPlan : QString();
     if (other->inCrowd) {
         session.sendQuietly((answer + plan).toLatin1());
@@ -259,40 +261,6 @@ void FsdDispatcher::answerFlightPlan(FsdSession &session, const QString &callsig
     session.send(answer);
     if (withPlan)
         session.send(plan);
-}
-
-void FsdDispatcher::onPing(FsdSession &session, const QStringList &fields, const QString &line)
-{
-    const auto request = fsd::pdu::Ping::parse(fields);
-    if (request.To == server)
-        session.send(toLine(fsd::pdu::Pong(server, request.From, request.timestamp)));
-    else
-        m_relay.toCallsign(session, request.To, line);
-}
-
-void FsdDispatcher::onAuthResponse(FsdSession &session, const QStringList &fields, const QString &)
-{
-    const auto answer = fsd::pdu::AuthResponse::parse(fields);
-    if (session.openChallenge.isEmpty() || answer.response != session.openChallenge) {
-        session.refuse(FsdError::UnauthorizedClient, {}, QStringLiteral("Wrong answer to the challenge"));
-        return;
-    }
-    session.openChallenge.clear();
-}
-
-void FsdDispatcher::onFlightPlan(FsdSession &session, const QStringList &fields, const QString &line)
-{
-    session.aircraftType = fsd::pdu::FlightPlan::parse(fields).aircraftType;
-    session.flightPlan = line;
-    m_relay.toControllers(session, line);
-}
-
-void FsdDispatcher::onForOthers(FsdSession &session, const QStringList &fields, const QString &line)
-{
-    if (fields.size() < 3)
-        throw fsd::PDUFormatException(QStringLiteral("Invalid field count."), line);
-    if (fields.at(1) != server)
-        m_relay.toRecipient(session, fields.at(1), line);
 }
 
 } // namespace tarvo::practice

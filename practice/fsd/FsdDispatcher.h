@@ -6,9 +6,13 @@
 
 #include <QObject>
 
+namespace tarvo::fsd::pdu {
+struct ClientQuery;
+}
+
 namespace tarvo::practice {
 
-/// Reads the clients' lines and does what each asks. One place for every identifier that a client may send.
+/// Reads the clients' lines and does what each asks. One place for every message that a client may send.
 class FsdDispatcher : public QObject
 {
     Q_OBJECT
@@ -34,33 +38,16 @@ signals:
     void loggedIn(FsdSession &session);
 
 private:
-    using Handler = void (FsdDispatcher::*)(FsdSession &, const QStringList &fields, const QString &line);
-    struct Command;
-    static const Command commands[];
-    static const Command *commandOf(const QString &line);
+    struct Reader;
 
-    bool mayUse(FsdSession &session, const Command &command, const QStringList &fields) const;
+    /// False, and a complaint, for a sender that isn't the session's.
+    static bool isOwn(FsdSession &session, const QString &sender);
     void enter(FsdSession &session);
-
-    void onIdentification(FsdSession &session, const QStringList &fields, const QString &line);
-    void onAddPilot(FsdSession &session, const QStringList &fields, const QString &line);
-    void onAddAtc(FsdSession &session, const QStringList &fields, const QString &line);
-    void onDelete(FsdSession &session, const QStringList &fields, const QString &line);
-    void onPilotPosition(FsdSession &session, const QStringList &fields, const QString &line);
-    void onFastPosition(FsdSession &session, const QStringList &fields, const QString &line);
-    void onAtcPosition(FsdSession &session, const QStringList &fields, const QString &line);
-    void onText(FsdSession &session, const QStringList &fields, const QString &line);
-    void onQuery(FsdSession &session, const QStringList &fields, const QString &line);
-    void onPing(FsdSession &session, const QStringList &fields, const QString &line);
-    void onAuthResponse(FsdSession &session, const QStringList &fields, const QString &line);
-    void onFlightPlan(FsdSession &session, const QStringList &fields, const QString &line);
-    void onForOthers(FsdSession &session, const QStringList &fields, const QString &line);
-
-    void answerQuery(FsdSession &session, const QStringList &fields);
+    void onAuthResponse(FsdSession &session, const QString &line);
+    void answerQuery(FsdSession &session, const fsd::pdu::ClientQuery &query);
     /// A client of the token protocol asks by text for every plan that it gets: with the plan in the answer to that,
     /// the two would never come to an end.
     void answerFlightPlan(FsdSession &session, const QString &callsign, bool withPlan);
-    void moveTo(FsdSession &session, double latitude, double longitude, const QString &line);
 
     const Roster &m_roster;
     const FsdKeepAlive &m_keepAlive;

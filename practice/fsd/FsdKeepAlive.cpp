@@ -1,5 +1,6 @@
 #include "practice/fsd/FsdKeepAlive.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/AuthChallenge.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/Ping.h"
@@ -11,8 +12,6 @@ namespace tarvo::practice {
 using fsd::toLine;
 
 namespace {
-const QString server = QStringLiteral("SERVER");
-
 /// The interval, up to a quarter shorter or longer.
 qint64 jittered(int intervalMs)
 {
@@ -58,7 +57,8 @@ void FsdKeepAlive::step(FsdSession &session) const
 
 void FsdKeepAlive::ping(FsdSession &session) const
 {
-    session.send(toLine(fsd::pdu::Ping(server, session.name(), QString::number(m_clock.wallMs() / 1000))));
+    session.send(
+        toLine(fsd::pdu::Ping(common::serverCallsign, session.name(), QString::number(m_clock.wallMs() / 1000))));
 }
 
 void FsdKeepAlive::challenge(FsdSession &session) const
@@ -68,7 +68,7 @@ void FsdKeepAlive::challenge(FsdSession &session) const
         return;
     }
     session.openChallenge = newChallenge();
-    session.send(toLine(fsd::pdu::AuthChallenge(server, session.name(), session.openChallenge)));
+    session.send(toLine(fsd::pdu::AuthChallenge(common::serverCallsign, session.name(), session.openChallenge)));
 }
 
 } // namespace tarvo::practice

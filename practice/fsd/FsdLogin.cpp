@@ -1,13 +1,16 @@
 #include "practice/fsd/FsdLogin.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/AddATC.h"
 #include "fsd/pdu/AddPilot.h"
 #include "fsd/pdu/ClientIdentification.h"
 #include "fsd/pdu/FsdLine.h"
 
-#include <algorithm>
+#include <type_traits>
 
 namespace tarvo::practice {
+
+using common::serverCallsign;
 
 /// What both kinds of login line say.
 struct FsdLogin::Request
@@ -20,22 +23,26 @@ struct FsdLogin::Request
 };
 
 namespace {
-const QLatin1StringView server("SERVER");
-
 bool isCallsign(const QString &text)
 {
-    const auto allowed = [](QChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_'; };
-    return text.size() >= 2 && text.size() <= 12 && std::all_of(text.begin(), text.end(), allowed) && text != server;
+    return common::isCallsign(text) && text != serverCallsign;
+}
+
+/// A login as the others get it.
+template <class Pdu>
+FsdIdentity identityOf(Pdu login)
+{
+    login.password.clear();
+    return {login.From, login.cid, login.realName, std::is_same_v<Pdu, fsd::pdu::AddATC>, fsd::toLine(login)};
 }
 } // namespace
 
-bool FsdLogin::identify(FsdSession &session, const QStringList &fields)
+bool FsdLogin::identify(FsdSession &session, const fsd::pdu::ClientIdentification &id)
 {
-    const auto id = fsd::pdu::ClientIdentification::parse(fields);
     const bool sameClient =
         !session.loggedIn() || (id.From == session.identity->callsign && id.cid == session.identity->cid);
     const bool knownCid = m_accounts.find(id.cid) != nullptr;
-    if (id.To != server || !isCallsign(id.From) || id.clientId == 0 || id.clientName.isEmpty() || !knownCid ||
+    if (id.To != serverCallsign || !isCallsign(id.From) || id.clientId == 0 || id.clientName.isEmpty() || !knownCid ||
         !sameClient) {
         session.refuse(FsdError::UnauthorizedClient, id.From, QStringLiteral("Unauthorized client"));
         return false;
@@ -51,30 +58,16 @@ bool FsdLogin::identify(FsdSession &session, const QStringList &fields)
     return true;
 }
 
-bool FsdLogin::addPilot(FsdSession &session, const QStringList &fields)
+bool FsdLogin::addPilot(FsdSession &session, const fsd::pdu::AddPilot &pdu, const QString &recipient)
 {
-    auto pdu = fsd::pdu::AddPilot::parse(fields);
-    Request request{{pdu.From, pdu.cid, pdu.realName, false, {}},
-                    fields.value(1), // reading the line takes its recipient for granted
-                    pdu.password,
-                    static_cast<int>(pdu.rating),
-                    static_cast<int>(pdu.protocolRevision)};
-    pdu.password.clear();
-    request.identity.announcement = fsd::toLine(pdu);
-    return logIn(session, request);
+    return logIn(session, {identityOf(pdu), recipient, pdu.password, static_cast<int>(pdu.rating),
+                           static_cast<int>(pdu.protocolRevision)});
 }
 
-bool FsdLogin::addAtc(FsdSession &session, const QStringList &fields)
+bool FsdLogin::addAtc(FsdSession &session, const fsd::pdu::AddATC &pdu, const QString &recipient)
 {
-    auto pdu = fsd::pdu::AddATC::parse(fields);
-    Request request{{pdu.From, pdu.cid, pdu.realName, true, {}},
-                    fields.value(1),
-                    pdu.password,
-                    static_cast<int>(pdu.rating),
-                    static_cast<int>(pdu.protocolRevision)};
-    pdu.password.clear();
-    request.identity.announcement = fsd::toLine(pdu);
-    return logIn(session, request);
+    return logIn(session, {identityOf(pdu), recipient, pdu.password, static_cast<int>(pdu.rating),
+                           static_cast<int>(pdu.protocolRevision)});
 }
 
 bool FsdLogin::logIn(FsdSession &session, const Request &request)
@@ -100,7 +93,7 @@ bool FsdLogin::mayEnter(FsdSession &session, const Request &request) const
     const Account *account = m_accounts.find(cid);
     const bool otherThanAnnounced =
         !session.announcedCallsign.isEmpty() && (session.announcedCallsign != callsign || session.announcedCid != cid);
-    if (request.to != server)
+    if (request.to != serverCallsign)
         session.refuse(FsdError::SyntaxError, callsign, QStringLiteral("Syntax error"));
     else if (!isCallsign(callsign))
         session.refuse(FsdError::CallsignInvalid, callsign, QStringLiteral("Invalid callsign"));

@@ -5,7 +5,12 @@
 #include "practice/fsd/Roster.h"
 
 #include <QHash>
-#include <QStringList>
+
+namespace tarvo::fsd::pdu {
+struct AddATC;
+struct AddPilot;
+struct ClientIdentification;
+} // namespace tarvo::fsd::pdu
 
 namespace tarvo::practice {
 
@@ -18,12 +23,11 @@ public:
     {
     }
 
-    /// Reads the client's identification. Returns true when that completes a session handed over by another server.
-    /// Throws PDUFormatException.
-    bool identify(FsdSession &session, const QStringList &fields);
-    /// Reads a login line. Returns true when the session is logged in now. Throws PDUFormatException.
-    bool addPilot(FsdSession &session, const QStringList &fields);
-    bool addAtc(FsdSession &session, const QStringList &fields);
+    /// Takes the client's identification. Returns true when that completes a session handed over by another server.
+    bool identify(FsdSession &session, const fsd::pdu::ClientIdentification &id);
+    /// Takes a login, which was addressed to `recipient`. Returns true when the session is logged in now.
+    bool addPilot(FsdSession &session, const fsd::pdu::AddPilot &pdu, const QString &recipient);
+    bool addAtc(FsdSession &session, const fsd::pdu::AddATC &pdu, const QString &recipient);
 
     /// A client with this identity will come without another login.
     void expect(const FsdIdentity &identity) { m_expected.insert(identity.callsign, identity); }

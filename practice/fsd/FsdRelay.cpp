@@ -1,16 +1,15 @@
 #include "practice/fsd/FsdRelay.h"
 
-#include "fsd/pdu/DeleteATC.h"
-#include "fsd/pdu/DeletePilot.h"
+#include "common/Callsign.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/FsdLine.h"
-#include "fsd/pdu/SendFast.h"
+#include "fsd/pdu/PDUFormatException.h"
 
 #include <algorithm>
 
 namespace tarvo::practice {
 
 namespace {
-const QString server = QStringLiteral("SERVER");
 constexpr double partingFactor = 1.2; // who is near already may go this much farther: no toggling on the edge
 
 bool isPilotSomewhere(const FsdClientRecord &client)
@@ -20,13 +19,19 @@ bool isPilotSomewhere(const FsdClientRecord &client)
 
 bool isPosition(const QString &line)
 {
-    return line.startsWith(u'@') || line.startsWith(u'^') || line.startsWith(u'%') ||
-           line.startsWith(QLatin1StringView("#SL")) || line.startsWith(QLatin1StringView("#ST"));
+    try {
+        const fsd::AnyPdu pdu = fsd::parseLine(line.trimmed());
+        return std::holds_alternative<fsd::pdu::PilotPosition>(pdu) ||
+               std::holds_alternative<fsd::pdu::FastPilotPosition>(pdu) ||
+               std::holds_alternative<fsd::pdu::ATCPosition>(pdu);
+    } catch (const fsd::PDUFormatException &) {
+        return false; // a resident may be told to say anything
+    }
 }
 
 QString sendFast(const FsdClientRecord &pilot)
 {
-    return fsd::toLine(fsd::pdu::SendFast(server, pilot.identity->callsign, pilot.fast));
+    return fsd::toLine(fsd::pdu::SendFast(common::serverCallsign, pilot.identity->callsign, pilot.fast));
 }
 } // namespace
 
@@ -95,20 +100,21 @@ bool FsdRelay::say(const FsdResident &from, const QString &line) const
 {
     const QString recipient = line.section(QLatin1Char(':'), 1, 1);
     QList<FsdSession *> recipients;
-    if (isPosition(line) || recipient.startsWith(u'@'))
+    const bool position = isPosition(line);
+    if (position || recipient.startsWith(u'@'))
         recipients = m_roster.inRange(from, m_settings.relayRangeNm);
     else if (recipient.startsWith(u'*'))
         recipients = m_roster.others(from);
     else if (FsdSession *to = m_roster.find(recipient))
         recipients = {to};
     for (FsdSession *to : recipients)
-        deliver(from, *to, line);
+        deliver(from.inCrowd || position, *to, line);
     return !recipients.isEmpty();
 }
 
-void FsdRelay::deliver(const FsdResident &from, FsdSession &to, const QString &line) const
+void FsdRelay::deliver(bool quietly, FsdSession &to, const QString &line)
 {
-    if (from.inCrowd || isPosition(line))
+    if (quietly)
         to.sendQuietly(line.toLatin1());
     else
         to.send(line);
@@ -150,7 +156,7 @@ void FsdRelay::introduce(FsdSession &newcomer) const
 void FsdRelay::introduce(const FsdResident &newcomer) const
 {
     for (FsdSession *other : m_roster.others(newcomer))
-        deliver(newcomer, *other, newcomer.identity->announcement);
+        deliver(newcomer.inCrowd, *other, newcomer.identity->announcement);
 }
 
 void FsdRelay::farewell(const FsdClientRecord &gone) const

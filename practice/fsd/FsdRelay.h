@@ -46,7 +46,7 @@ public:
 
 private:
     void toRangeOfResidents(const FsdSession &from, const QString &line) const;
-    void deliver(const FsdResident &from, FsdSession &to, const QString &line) const;
+    static void deliver(bool quietly, FsdSession &to, const QString &line);
     bool isNearSession(const FsdClientRecord &pilot) const;
     bool isNearResident(const FsdClientRecord &pilot) const;
     double fastRange(const FsdClientRecord &pilot) const;

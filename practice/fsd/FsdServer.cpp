@@ -1,5 +1,6 @@
 #include "practice/fsd/FsdServer.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/ChangeServer.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/KillRequest.h"
@@ -15,7 +16,6 @@ namespace tarvo::practice {
 using fsd::toLine;
 
 namespace {
-const QString server = QStringLiteral("SERVER");
 constexpr int keepAliveMs = 200;
 } // namespace
 
@@ -186,7 +186,7 @@ bool FsdServer::with(const QString &callsign, const std::function<void(FsdSessio
 bool FsdServer::kill(const QString &callsign, const QString &reason)
 {
     return with(callsign, [&](FsdSession &session) {
-        session.send(toLine(fsd::pdu::KillRequest(server, session.name(), reason)));
+        session.send(toLine(fsd::pdu::KillRequest(common::serverCallsign, session.name(), reason)));
         session.finish();
     });
 }
@@ -194,7 +194,7 @@ bool FsdServer::kill(const QString &callsign, const QString &reason)
 bool FsdServer::redirect(const QString &callsign, const QString &newServer)
 {
     return with(callsign, [&](FsdSession &session) {
-        session.send(toLine(fsd::pdu::ChangeServer(server, session.name(), newServer)));
+        session.send(toLine(fsd::pdu::ChangeServer(common::serverCallsign, session.name(), newServer)));
     });
 }
 
@@ -214,21 +214,23 @@ bool FsdServer::dropClient(const QString &callsign)
 bool FsdServer::sendError(const QString &callsign, int errorType, const QString &parameter, const QString &message)
 {
     return with(callsign, [&](FsdSession &session) {
-        session.send(toLine(fsd::pdu::ProtocolError(server, session.name(), errorType, parameter, message)));
+        session.send(
+            toLine(fsd::pdu::ProtocolError(common::serverCallsign, session.name(), errorType, parameter, message)));
     });
 }
 
 bool FsdServer::sendText(const QString &callsign, const QString &text)
 {
     return with(callsign, [&](FsdSession &session) {
-        session.send(toLine(fsd::pdu::TextMessage(server, session.name(), text)));
+        session.send(toLine(fsd::pdu::TextMessage(common::serverCallsign, session.name(), text)));
     });
 }
 
 bool FsdServer::setFast(const QString &callsign, bool fast)
 {
-    return with(callsign,
-                [&](FsdSession &session) { session.send(toLine(fsd::pdu::SendFast(server, session.name(), fast))); });
+    return with(callsign, [&](FsdSession &session) {
+        session.send(toLine(fsd::pdu::SendFast(common::serverCallsign, session.name(), fast)));
+    });
 }
 
 bool FsdServer::ping(const QString &callsign)

@@ -1,5 +1,6 @@
 #include "practice/fsd/FsdSession.h"
 
+#include "common/Callsign.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/ProtocolError.h"
 
@@ -113,7 +114,7 @@ void FsdSession::sendError(FsdError error, const QString &parameter, const QStri
 {
     const QString to = identity ? identity->callsign : QStringLiteral("unknown");
     send(fsd::toLine(
-        fsd::pdu::ProtocolError(QStringLiteral("SERVER"), to, static_cast<qint32>(error), parameter, message)));
+        fsd::pdu::ProtocolError(common::serverCallsign, to, static_cast<qint32>(error), parameter, message)));
 }
 
 void FsdSession::complain(FsdError error, const QString &parameter, const QString &message)

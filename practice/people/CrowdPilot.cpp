@@ -1,8 +1,16 @@
 #include "practice/people/CrowdPilot.h"
 
+#include "common/Callsign.h"
+#include "fsd/pdu/AnyPdu.h"
+#include "fsd/pdu/FsdLine.h"
+#include "fsd/pdu/PDUFormatException.h"
 #include "practice/fsd/FsdServer.h"
+#include "practice/fsd/Overloaded.h"
 
 namespace tarvo::practice {
+
+using namespace fsd::pdu;
+using fsd::toLine;
 
 namespace {
 struct Fleet
@@ -27,24 +35,16 @@ FsdIdentity identityOf(int number)
         QString::number(20'000 + number), QStringLiteral("Crowd %1 ZBAA").arg(number + 1));
 }
 
-/// A question that one of a crowd answers: how it ends, and what the answer has behind the two callsigns.
-struct Answer
-{
-    const char *identifier;
-    const char *question; ///< the field behind the recipient, and with it the next one when it has a colon
-    const char *answer;   ///< identifier of the answer
-    const char *content;  ///< "%type" and "%name" stand for his own
-};
+/// Every one of a crowd flies like this.
+const QString configuration = QStringLiteral(
+    R"({"config":{"is_full_data":true,"lights":{"strobe_on":true,"landing_on":false,"taxi_on":false,"beacon_on":true,)"
+    R"("nav_on":true},"engines":{"1":{"on":true,"is_reversing":false},"2":{"on":true,"is_reversing":false}},)"
+    R"("gear_down":false,"flaps_pct":0,"spoilers_out":false,"on_ground":false}})");
 
-constexpr Answer answers[] = {
-    {"$CQ", "CAPS", "$CR", "CAPS:VERSION=1:ATCINFO=1:MODELDESC=1:ACCONFIG=1:VISUPDATE=1"},
-    {"$CQ", "RN", "$CR", "RN:%name:1"},
-    {"#SB", "PIR", "#SB", "PI:GEN:EQUIPMENT=%type"},
-    {"$CQ", "ACC:{\"request\"", "$CQ",
-     "ACC:{\"config\":{\"is_full_data\":true,\"lights\":{\"strobe_on\":true,\"landing_on\":false,\"taxi_on\":false,"
-     "\"beacon_on\":true,\"nav_on\":true},\"engines\":{\"1\":{\"on\":true,\"is_reversing\":false},\"2\":{\"on\":true,"
-     "\"is_reversing\":false}},\"gear_down\":false,\"flaps_pct\":0,\"spoilers_out\":false,\"on_ground\":false}}"},
-};
+bool asksConfiguration(const ClientQuery &query)
+{
+    return query.payload.join(u':').startsWith(QLatin1StringView("{\"request\""));
+}
 } // namespace
 
 CrowdPilot::CrowdPilot(int number, const CrowdTrack::Place &place, FsdServer &server)
@@ -57,25 +57,38 @@ CrowdPilot::CrowdPilot(int number, const CrowdTrack::Place &place, FsdServer &se
     inCrowd = true;
     position = CrowdTrack::positionAt(place, 0);
     aircraftType = m_type;
-    flightPlan = QStringLiteral("$FP%1:SERVER:I:%2:450:ZBAA:0100:0100:FL310:ZSSS:2:10:4:0:ZBTJ:CROWD:DCT\r\n")
-                     .arg(callsign(), m_type);
+    flightPlan = QStringLiteral("$FP%1:%3:I:%2:450:ZBAA:0100:0100:FL310:ZSSS:2:10:4:0:ZBTJ:CROWD:DCT\r\n")
+                     .arg(callsign(), m_type, common::serverCallsign);
 }
 
 void CrowdPilot::hear(const QString &line)
 {
-    const QString from = line.section(u':', 0, 0).mid(3);
-    const QString question = line.trimmed().section(u':', 2);
-    for (const Answer &row : answers) {
-        if (!line.startsWith(QLatin1StringView(row.identifier)) ||
-            !question.startsWith(QLatin1StringView(row.question)))
-            continue;
-        QString content = QLatin1StringView(row.content);
-        content.replace(QLatin1StringView("%type"), m_type);
-        content.replace(QLatin1StringView("%name"), identity->realName);
-        m_server.say(*this, QLatin1StringView(row.answer) + callsign() + u':' + from + u':' + content +
-                                QLatin1StringView("\r\n"));
-        return;
+    const Overloaded reader{
+        [this](const ClientQuery &query) { answer(query); },
+        [this](const PlaneInfoRequest &request) {
+            m_server.say(*this, toLine(PlaneInfoResponse(callsign(), request.From, m_type, {}, {}, {})));
+        },
+        [](const auto &) {},
+    };
+    try {
+        std::visit(reader, fsd::parseLine(line.trimmed()));
+    } catch (const fsd::PDUFormatException &) {
+        return; // nobody answers that
     }
+}
+
+void CrowdPilot::answer(const ClientQuery &query)
+{
+    const auto respond = [&](const QStringList &payload) {
+        m_server.say(*this, toLine(ClientQueryResponse(callsign(), query.From, query.queryType, payload)));
+    };
+    if (query.queryType == ClientQueryType::Capabilities)
+        respond({QStringLiteral("VERSION=1"), QStringLiteral("ATCINFO=1"), QStringLiteral("MODELDESC=1"),
+                 QStringLiteral("ACCONFIG=1"), QStringLiteral("VISUPDATE=1")});
+    else if (query.queryType == ClientQueryType::RealName)
+        respond({identity->realName, QStringLiteral("1")});
+    else if (query.queryType == ClientQueryType::AircraftConfiguration && asksConfiguration(query))
+        m_server.say(*this, toLine(ClientQuery(callsign(), query.From, query.queryType, {configuration})));
 }
 
 QByteArray CrowdPilot::slowReport(quint32 attitude) const

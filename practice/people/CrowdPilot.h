@@ -3,11 +3,15 @@
 #include "practice/fsd/FsdResident.h"
 #include "practice/people/CrowdTrack.h"
 
+namespace tarvo::fsd::pdu {
+struct ClientQuery;
+}
+
 namespace tarvo::practice {
 
 class FsdServer;
 
-/// One of a crowd: a place on the track and ready-made answers.
+/// One of a crowd: a place on the track and short answers.
 class CrowdPilot : public FsdResident
 {
 public:
@@ -24,6 +28,8 @@ public:
     QByteArray slowReport(quint32 attitude) const;
 
 private:
+    void answer(const fsd::pdu::ClientQuery &query);
+
     FsdServer &m_server;
     CrowdTrack::Place m_place;
     QString m_type;

@@ -1,14 +1,10 @@
 #include "practice/people/Resident.h"
 
-#include "fsd/pdu/ClientQuery.h"
-#include "fsd/pdu/ClientQueryResponse.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"
-#include "fsd/pdu/Ping.h"
-#include "fsd/pdu/Pong.h"
-#include "fsd/pdu/RadioMessage.h"
-#include "fsd/pdu/TextMessage.h"
 #include "practice/fsd/FsdServer.h"
+#include "practice/fsd/Overloaded.h"
 
 #include <algorithm>
 #include <utility>
@@ -20,12 +16,6 @@ using fsd::pdu::ClientQueryType;
 
 namespace {
 constexpr qsizetype mostToSay = 32; ///< lines that wait; a flood of questions gets no more
-
-/// The identifier of three characters that a line begins with.
-bool is(const QString &line, const char *identifier)
-{
-    return line.startsWith(QLatin1StringView(identifier));
-}
 } // namespace
 
 Resident::Resident(FsdIdentity who, FsdServer &server, const ResidentSettings &settings, const common::Clock &clock)
@@ -35,49 +25,28 @@ Resident::Resident(FsdIdentity who, FsdServer &server, const ResidentSettings &s
 
 void Resident::hear(const QString &line)
 {
+    using namespace fsd::pdu;
+    const Overloaded reader{
+        [this](const ClientQuery &query) { onQuery(query.From, query.queryType, query.payload); },
+        [this](const ClientQueryResponse &answer) { onAnswer(answer.From, answer.queryType, answer.payload); },
+        [this](const TextMessage &text) {
+            if (!text.To.startsWith(u'*')) // to some group that he isn't of
+                onText(text.From, text.message);
+        },
+        [this](const RadioMessage &text) { onRadio(text.From, text.frequencies, text.message); },
+        [this](const Wallop &call) { onWallop(call.From, call.message); },
+        [this](const PlaneInfoRequest &request) { onPlaneInfoRequest(request.From); },
+        [this](const Ping &ping) { say(toLine(Pong(callsign(), ping.From, ping.timestamp))); },
+        [this](const AddPilot &pilot) { onPilotComes(pilot.From); },
+        [this](const DeletePilot &pilot) { onPilotLeaves(pilot.From); },
+        [this](const SendFast &) { onFastAsked(); },
+        [](const auto &) {}, // of no interest to a resident
+    };
     try {
-        read(line);
+        std::visit(reader, fsd::parseLine(line.trimmed()));
     } catch (const fsd::PDUFormatException &) {
         return; // the client that sent it has only itself to blame
     }
-}
-
-void Resident::read(const QString &line)
-{
-    QStringList fields = line.trimmed().split(QLatin1Char(':'));
-    fields[0].remove(0, 3);
-    if (is(line, "$CQ")) {
-        const auto query = fsd::pdu::ClientQuery::parse(fields);
-        onQuery(query.From, query.queryType, query.payload);
-    } else if (is(line, "$CR")) {
-        const auto response = fsd::pdu::ClientQueryResponse::parse(fields);
-        onAnswer(response.From, response.queryType, response.payload);
-    } else if (is(line, "#TM")) {
-        readText(fields);
-    } else if (is(line, "#SB") && fields.value(2) == QLatin1StringView("PIR")) {
-        onPlaneInfoRequest(fields.at(0));
-    } else if (is(line, "$PI")) {
-        const auto ping = fsd::pdu::Ping::parse(fields);
-        say(toLine(fsd::pdu::Pong(callsign(), ping.From, ping.timestamp)));
-    } else if (is(line, "#AP")) {
-        onPilotComes(fields.at(0));
-    } else if (is(line, "#DP")) {
-        onPilotLeaves(fields.at(0));
-    } else if (is(line, "$SF")) {
-        onFastAsked();
-    }
-}
-
-void Resident::readText(const QStringList &fields)
-{
-    const QString to = fields.value(1);
-    const QString text = fields.mid(2).join(QLatin1Char(':'));
-    if (to.startsWith(u'@'))
-        onRadio(fields.at(0), fsd::pdu::RadioMessage::parse(fields).frequencies, text);
-    else if (to == QLatin1StringView("*S"))
-        onWallop(fields.at(0), text);
-    else if (!to.startsWith(u'*'))
-        onText(fields.at(0), text);
 }
 
 void Resident::step()

@@ -56,9 +56,6 @@ private:
         QString line;
     };
 
-    void read(const QString &line);
-    void readText(const QStringList &fields);
-
     FsdServer &m_server;
     const ResidentSettings &m_settings;
     const common::Clock &m_clock;

@@ -1,5 +1,6 @@
 #include "practice/people/ResidentPilot.h"
 
+#include "common/Callsign.h"
 #include "common/Units.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/FlightPlan.h"
@@ -72,7 +73,7 @@ void ResidentPilot::fileFlightPlan()
 {
     fsd::pdu::FlightPlan plan;
     plan.From = callsign();
-    plan.To = QStringLiteral("SERVER");
+    plan.To = common::serverCallsign;
     plan.flightRules = QStringLiteral("I");
     plan.aircraftType = aircraftType = m_profile.filedType;
     plan.trueAirspeed = QStringLiteral("450");

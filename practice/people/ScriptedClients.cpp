@@ -1,58 +1,32 @@
 #include "practice/people/ScriptedClients.h"
 
-#include "fsd/pdu/ATCPosition.h"
-#include "fsd/pdu/FastPilotPosition.h"
-#include "fsd/pdu/FlightPlan.h"
+#include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/PDUFormatException.h"
-#include "fsd/pdu/PilotPosition.h"
+#include "practice/fsd/Overloaded.h"
 
 namespace tarvo::practice {
 
 namespace {
-const QLatin1StringView flightPlan("$FP");
-
-/// The fields of a line whose identifier has so many characters.
-QStringList fieldsOf(const QString &line, qsizetype identifier)
+/// Takes over what a line, without its line end, tells of its sender.
+void learn(FsdClientRecord &record, const fsd::AnyPdu &pdu, const QString &line)
 {
-    return line.mid(identifier).split(u':');
-}
-
-bool isFast(const QString &line)
-{
-    return line.startsWith(u'^') || line.startsWith(QLatin1StringView("#SL")) ||
-           line.startsWith(QLatin1StringView("#ST"));
-}
-
-/// Takes over what a line tells of its sender. Throws PDUFormatException.
-void learn(FsdClientRecord &record, const QString &line)
-{
-    using fsd::pdu::FastPilotPositionType;
-    if (line.startsWith(u'@')) {
-        const auto report = fsd::pdu::PilotPosition::parse(fieldsOf(line, 1));
-        record.position = FsdPosition{report.latitude, report.longitude};
-    } else if (line.startsWith(u'%')) {
-        const auto report = fsd::pdu::ATCPosition::parse(fieldsOf(line, 1));
-        record.position = FsdPosition{report.latitude, report.longitude};
-        record.facility = static_cast<int>(report.facility);
-        record.visibilityRangeNm = report.visibilityRange;
-    } else if (isFast(line)) {
-        const auto type =
-            line.startsWith(QLatin1StringView("#ST")) ? FastPilotPositionType::Stopped : FastPilotPositionType::Fast;
-        const auto report = fsd::pdu::FastPilotPosition::parse(fieldsOf(line, line.startsWith(u'^') ? 1 : 3), type);
-        record.position = FsdPosition{report.latitude, report.longitude};
-    } else if (line.startsWith(flightPlan)) {
-        record.aircraftType = fsd::pdu::FlightPlan::parse(fieldsOf(line, 3)).aircraftType;
-        record.flightPlan = line + QLatin1StringView("\r\n");
-    }
-}
-
-/// Who sends a line.
-QString senderOf(const QString &line)
-{
-    if (line.startsWith(u'@'))
-        return line.section(u':', 1, 1);
-    const qsizetype identifier = line.startsWith(u'^') || line.startsWith(u'%') ? 1 : 3;
-    return line.section(u':', 0, 0).mid(identifier);
+    using namespace fsd::pdu;
+    const auto moveTo = [&](const auto &report) { record.position = FsdPosition{report.latitude, report.longitude}; };
+    std::visit(Overloaded{
+                   [&](const PilotPosition &report) { moveTo(report); },
+                   [&](const FastPilotPosition &report) { moveTo(report); },
+                   [&](const ATCPosition &report) {
+                       moveTo(report);
+                       record.facility = static_cast<int>(report.facility);
+                       record.visibilityRangeNm = report.visibilityRange;
+                   },
+                   [&](const FlightPlan &plan) {
+                       record.aircraftType = plan.aircraftType;
+                       record.flightPlan = line + QLatin1StringView("\r\n");
+                   },
+                   [](const auto &) {},
+               },
+               pdu);
 }
 } // namespace
 
@@ -99,14 +73,18 @@ bool ScriptedClients::leave(const QString &callsign)
 bool ScriptedClients::speak(const QString &callsign, const QString &line)
 {
     const auto found = m_clients.find(callsign);
-    if (found == m_clients.end() || senderOf(line) != callsign)
+    if (found == m_clients.end())
         return false;
     try {
-        learn(*found->second, line);
+        const fsd::AnyPdu pdu = fsd::parseLine(line);
+        if (std::visit([](const fsd::pdu::PduBase &base) { return base.From; }, pdu) != callsign)
+            return false;
+        learn(*found->second, pdu, line);
+        const bool heard = m_server.say(*found->second, line + QLatin1StringView("\r\n"));
+        return heard || std::holds_alternative<fsd::pdu::FlightPlan>(pdu);
     } catch (const fsd::PDUFormatException &) {
         return false;
     }
-    return m_server.say(*found->second, line + QLatin1StringView("\r\n")) || line.startsWith(flightPlan);
 }
 
 QStringList ScriptedClients::callsigns() const

@@ -66,7 +66,7 @@ private slots:
         row("ping", "$PIAB1:SERVER:77", "$POSERVER:AB1:77\r\n");
         row("wallop", "#TMAB1:*S:help", "#TMSERVER:AB1:Your call");
         row("query without type", "$CQAB1:SERVER", "$ERSERVER:AB1:4::Invalid field count for ClientQuery command.\r\n");
-        row("unknown line", "$YYAB1:SERVER", "$ERSERVER:AB1:4::Syntax error\r\n");
+        row("unknown line", "$YYAB1:SERVER", "$ERSERVER:AB1:4::Invalid PDU type.\r\n");
         row("another's callsign", "#TMXY2:AB1:hi", "$ERSERVER:AB1:5:XY2:Invalid source callsign\r\n");
         row("text without text", "#TMAB1:XY2", "$ERSERVER:AB1:4::Invalid field count.\r\n");
         row("position nowhere", "@N:AB1:2000:1:91:116:1:2:3:4", "$ERSERVER:AB1:4::No such place\r\n");
