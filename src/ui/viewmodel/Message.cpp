@@ -1,5 +1,6 @@
 #include "ui/viewmodel/Message.h"
 
+#include "model/RadioMessageReceived.h"
 #include "ui/viewmodel/Frequency.h"
 #include "ui/viewmodel/MessageChannels.h"
 
@@ -7,6 +8,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace tarvo::ui {
 
@@ -18,6 +20,17 @@ enum class Direction
     Out,
     System
 };
+
+struct DirectionTexts
+{
+    const char *word;
+    const char *label;
+};
+
+constexpr DirectionTexts directions[] = { // in Direction's order
+    {"in", QT_TRANSLATE_NOOP("Message", "收到")},
+    {"out", QT_TRANSLATE_NOOP("Message", "已发送")},
+    {"system", QT_TRANSLATE_NOOP("Message", "系统")}};
 
 struct KindTraits
 {
@@ -45,10 +58,18 @@ const KindTraits &traits(MessageKind kind)
     return *std::ranges::find(kinds, kind, &KindTraits::kind);
 }
 
+const DirectionTexts &directionTexts(MessageKind kind)
+{
+    return directions[static_cast<std::size_t>(traits(kind).direction)];
+}
+
+/// A call's line may name thousands; a row has room for these.
+constexpr qsizetype mostFrequencies = 8;
+
 QString joined(const QList<uint> &kilohertz)
 {
     QStringList texts;
-    for (const uint frequency : kilohertz)
+    for (const uint frequency : kilohertz.first(std::min(kilohertz.size(), mostFrequencies)))
         texts << megahertz(frequency);
     return texts.join(QStringLiteral(", "));
 }
@@ -64,32 +85,6 @@ QString shownCallsign(const QString &callsign)
 QString sessionChannel(const QString &callsign)
 {
     return channels::canBeSession(callsign) ? callsign : channels::privateOverview();
-}
-
-QString wordFor(Direction direction)
-{
-    switch (direction) {
-    case Direction::In:
-        return QStringLiteral("in");
-    case Direction::Out:
-        return QStringLiteral("out");
-    case Direction::System:
-        break;
-    }
-    return QStringLiteral("system");
-}
-
-QString labelFor(Direction direction)
-{
-    switch (direction) {
-    case Direction::In:
-        return Message::tr("收到");
-    case Direction::Out:
-        return Message::tr("已发送");
-    case Direction::System:
-        break;
-    }
-    return Message::tr("系统");
 }
 
 } // namespace
@@ -186,6 +181,16 @@ QString Message::type() const
     return QLatin1String(traits(kind).type);
 }
 
+QString Message::direction() const
+{
+    return QLatin1String(directionTexts(kind).word);
+}
+
+QString Message::directionLabel() const
+{
+    return tr(directionTexts(kind).label);
+}
+
 MessageGroup Message::group() const
 {
     return traits(kind).group;
@@ -207,8 +212,8 @@ QVariantMap Message::row(qint64 id, qint64 wallMs, bool unread) const
             {QStringLiteral("time"), localTime(wallMs)},
             {QStringLiteral("timestamp"), wallMs},
             {QStringLiteral("type"), type()},
-            {QStringLiteral("direction"), wordFor(traits(kind).direction)},
-            {QStringLiteral("directionLabel"), labelFor(traits(kind).direction)},
+            {QStringLiteral("direction"), direction()},
+            {QStringLiteral("directionLabel"), directionLabel()},
             {QStringLiteral("channel"), channel},
             {QStringLiteral("from"), from},
             {QStringLiteral("to"), to},

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "common/Callsign.h"
-#include "model/RadioMessageReceived.h"
 
 #include <QCoreApplication>
 #include <QList>
 #include <QString>
 #include <QVariantMap>
+
+namespace tarvo::network {
+struct RadioMessageReceived;
+}
 
 namespace tarvo::ui {
 
@@ -72,12 +75,17 @@ public:
     /// The word for the kind: "private_in", "private_out", "radio_in", "radio_out", "server", "system", "broadcast",
     /// "wallop_out" or "selcal".
     QString type() const;
+    /// "in", "out" or "system".
+    QString direction() const;
+    /// "收到", "已发送" or "系统".
+    QString directionLabel() const;
     MessageGroup group() const;
     bool isIncoming() const;
     /// 2 for what is meant for the pilot alone, else 1.
     int priority() const;
     /// The row of the list. `id`: its number; `wallMs`: ms since the epoch.
     QVariantMap row(qint64 id, qint64 wallMs, bool unread) const;
+    bool operator==(const Message &) const = default;
 };
 
 /// "hh:mm:ss" in local time. `wallMs`: ms since the epoch.

@@ -4,15 +4,21 @@
 
 namespace tarvo::ui {
 
-QVariantList MessageStore::inChannel(const QString &channel) const
+bool StoredMessage::countsLike(const StoredMessage &other) const
+{
+    return message.group() == other.message.group() && message.channel == other.message.channel &&
+           unread == other.unread;
+}
+
+QList<StoredMessage> MessageStore::inChannel(const QString &channel) const
 {
     if (channel == channels::all())
-        return m_rows;
-    QVariantList rows;
-    for (qsizetype i = 0; i < m_rows.size(); ++i)
-        if (m_tallies.at(i).channel == channel)
-            rows << m_rows.at(i);
-    return rows;
+        return m_messages;
+    QList<StoredMessage> found;
+    for (const StoredMessage &stored : m_messages)
+        if (stored.message.channel == channel)
+            found << stored;
+    return found;
 }
 
 int MessageStore::unreadIn(const QString &channel) const
@@ -20,14 +26,13 @@ int MessageStore::unreadIn(const QString &channel) const
     return channel == channels::all() ? m_unreadTotal : m_unread.value(channel);
 }
 
-std::optional<MessageStore::Tally> MessageStore::append(const Message &message, qint64 wallMs, bool unread)
+std::optional<StoredMessage> MessageStore::append(const Message &message, qint64 wallMs, bool unread)
 {
-    m_rows.append(message.row(++m_lastId, wallMs, unread));
-    m_tallies.append({message.group(), message.channel, unread});
+    m_messages.append({.message = message, .id = ++m_lastId, .wallMs = wallMs, .unread = unread});
     ++groupCount(message.group());
     if (unread)
         countUnread(message.channel, 1);
-    if (m_rows.size() <= maximumMessages)
+    if (m_messages.size() <= maximumMessages)
         return {};
     return takeFirst();
 }
@@ -37,34 +42,27 @@ bool MessageStore::markRead(const QString &channel)
     const int unread = m_unread.value(channel);
     if (unread == 0)
         return false;
-    for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        if (!m_tallies.at(i).unread || m_tallies.at(i).channel != channel)
-            continue;
-        QVariantMap row = m_rows.at(i).toMap();
-        row.insert(QStringLiteral("unread"), false);
-        m_rows[i] = row;
-        m_tallies[i].unread = false;
-    }
+    for (StoredMessage &stored : m_messages)
+        if (stored.message.channel == channel)
+            stored.unread = false;
     countUnread(channel, -unread);
     return true;
 }
 
 void MessageStore::clear()
 {
-    m_rows.clear();
-    m_tallies.clear();
+    m_messages.clear();
     m_byGroup = {};
     m_unread.clear();
     m_unreadTotal = 0;
 }
 
-MessageStore::Tally MessageStore::takeFirst()
+StoredMessage MessageStore::takeFirst()
 {
-    m_rows.removeFirst();
-    Tally gone = m_tallies.takeFirst();
-    --groupCount(gone.group);
+    StoredMessage gone = m_messages.takeFirst();
+    --groupCount(gone.message.group());
     if (gone.unread)
-        countUnread(gone.channel, -1);
+        countUnread(gone.message.channel, -1);
     return gone;
 }
 

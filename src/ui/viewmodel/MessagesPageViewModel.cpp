@@ -1,10 +1,10 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 
+#include "model/Controller.h"
 #include "ui/viewmodel/Frequency.h"
 
 #include <QVariantMap>
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -21,6 +21,20 @@ QString shownName(const QString &realName)
     return name == model::Controller().realName ? QString() : name;
 }
 
+template <typename Row>
+QVariantList toMaps(const QList<Row> &rows)
+{
+    QVariantList maps;
+    for (const Row &row : rows)
+        maps << row.toMap();
+    return maps;
+}
+
+ShownMessage shown(const StoredMessage &stored)
+{
+    return {.message = stored.message, .wallMs = stored.wallMs};
+}
+
 } // namespace
 
 MessagesPageViewModel::MessagesPageViewModel(QObject *parent, const common::Clock &clock)
@@ -34,7 +48,7 @@ QVariantList MessagesPageViewModel::channels() const
     for (const QString &key : channels::fixed()) {
         entries << channelEntry(key, true);
         if (key == channels::privateOverview())
-            for (const PrivateSession &session : m_sessions.all())
+            for (const PrivateSession &session : m_sessions.rows())
                 entries << channelEntry(session.callsign, false);
     }
     return entries;
@@ -52,21 +66,17 @@ QVariantMap MessagesPageViewModel::channelEntry(const QString &key, bool fixed) 
 
 QVariantList MessagesPageViewModel::privateSessions() const
 {
-    QVariantList rows;
-    for (const PrivateSession &session : m_sessions.all())
-        rows << QVariantMap{{QStringLiteral("callsign"), session.callsign},
-                            {QStringLiteral("unread"), m_store.unreadIn(session.callsign)},
-                            {QStringLiteral("lastMessage"), session.lastMessage},
-                            {QStringLiteral("lastTime"), session.lastTime}};
-    return rows;
+    return toMaps(m_sessions.rows());
 }
 
 QVariantList MessagesPageViewModel::nearbyClients() const
 {
-    QVariantList rows;
-    for (const QVariantMap &row : m_nearby)
-        rows << row;
-    return rows;
+    return toMaps(m_stations.rows());
+}
+
+QVariantList MessagesPageViewModel::messagesForChannel(const QString &channel) const
+{
+    return toMaps(m_store.inChannel(channel));
 }
 
 QString MessagesPageViewModel::summaryText() const
@@ -190,30 +200,23 @@ void MessagesPageViewModel::setNearbyController(const model::Controller &control
     const QString callsign = normalisedCallsign(controller.callsign);
     if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
         return;
-    const QVariantMap row{
-        {QStringLiteral("callsign"), callsign},
-        {QStringLiteral("type"), QStringLiteral("atc")},
-        {QStringLiteral("frequency"), megahertz(controller.normalisedFrequency)}, // what a pilot tunes
-        {QStringLiteral("name"), shownName(controller.realName)}};
-    const bool full = m_nearby.size() >= maximumNearbyClients && !m_nearby.contains(callsign);
-    if (full || m_nearby.value(callsign) == row)
-        return;
-    m_nearby.insert(callsign, row);
-    tell(Change::NearbyClients);
+    const Station station{.callsign = callsign,
+                          .frequency = megahertz(controller.normalisedFrequency), // what a pilot tunes
+                          .name = shownName(controller.realName)};
+    if (m_stations.set(station))
+        tell(Change::NearbyClients);
 }
 
 void MessagesPageViewModel::removeNearbyController(const QString &callsign)
 {
-    if (m_nearby.remove(normalisedCallsign(callsign)) > 0)
+    if (m_stations.remove(normalisedCallsign(callsign)))
         tell(Change::NearbyClients);
 }
 
 void MessagesPageViewModel::clearNearby()
 {
-    if (m_nearby.isEmpty())
-        return;
-    m_nearby.clear();
-    tell(Change::NearbyClients);
+    if (m_stations.clear())
+        tell(Change::NearbyClients);
 }
 
 void MessagesPageViewModel::clearMessages()
@@ -221,13 +224,17 @@ void MessagesPageViewModel::clearMessages()
     if (m_store.all().isEmpty())
         return;
     Changes changes{Change::Messages, Change::ChannelStats};
-    if (!activeMessages().isEmpty())
+    if (m_shown.rowCount() > 0)
         changes |= Change::ActiveMessages;
-    const QList<PrivateSession> &sessions = m_sessions.all();
-    if (std::any_of(sessions.cbegin(), sessions.cend(),
-                    [this](const PrivateSession &session) { return m_store.unreadIn(session.callsign) > 0; }))
-        changes |= Change::Sessions;
     m_store.clear();
+    m_shown.reset({});
+    for (const QString &key : channels::fixed())
+        showUnread(key);
+    for (const PrivateSession &session : QList(m_sessions.rows())) {
+        if (session.unread > 0)
+            changes |= Change::Sessions;
+        showUnread(session.callsign);
+    }
     tell(changes);
 }
 
@@ -298,16 +305,44 @@ void MessagesPageViewModel::add(const Message &message)
         changes |= Change::Sessions;
     }
     const bool unread = message.isIncoming() && message.channel != m_activeChannel;
-    const std::optional<MessageStore::Tally> gone = m_store.append(message, now, unread);
-    if (gone != MessageStore::Tally{message.group(), message.channel, unread})
+    const std::optional<StoredMessage> gone = m_store.append(message, now, unread);
+    const StoredMessage &added = m_store.all().constLast();
+    if (!gone || !gone->countsLike(added))
         changes |= Change::ChannelStats;
-    if (isShown(message.channel) || (gone && isShown(gone->channel)))
+    if (isShown(message.channel) || (gone && isShown(gone->message.channel)))
         changes |= Change::ActiveMessages;
-    if (gone && gone->unread && m_sessions.contains(gone->channel))
+    if (gone && gone->unread && m_sessions.contains(gone->message.channel))
         changes |= Change::Sessions;
+    show(added, gone);
     tell(changes);
     if (message.isIncoming())
         emit messageSoundRequested(message.type(), message.priority());
+}
+
+void MessagesPageViewModel::show(const StoredMessage &added, const std::optional<StoredMessage> &gone)
+{
+    if (isShown(added.message.channel))
+        m_shown.append(shown(added));
+    if (gone && isShown(gone->message.channel))
+        m_shown.removeOldest();
+    if (gone)
+        showUnread(gone->message.channel);
+    showUnread(added.message.channel);
+}
+
+void MessagesPageViewModel::showChannel()
+{
+    QList<ShownMessage> messages;
+    for (const StoredMessage &stored : m_store.inChannel(m_activeChannel))
+        messages << shown(stored);
+    m_shown.reset(messages);
+}
+
+void MessagesPageViewModel::showUnread(const QString &channel)
+{
+    const int unread = m_store.unreadIn(channel);
+    m_channels.setUnread(channel, unread);
+    m_sessions.setUnread(channel, unread);
 }
 
 void MessagesPageViewModel::tell(Changes changes)
@@ -348,9 +383,11 @@ MessagesPageViewModel::Changes MessagesPageViewModel::openSession(const QString 
 MessagesPageViewModel::Changes MessagesPageViewModel::enterChannel(const QString &channel)
 {
     Changes changes{Change::ActiveChannel, Change::ActiveMessages, Change::Unread, Change::Compose};
-    if (channel != m_activeChannel)
+    if (channel != m_activeChannel) {
         changes |= Change::ChannelStats;
-    m_activeChannel = channel;
+        m_activeChannel = channel;
+        showChannel();
+    }
     return changes | markRead(channel);
 }
 
@@ -358,6 +395,7 @@ MessagesPageViewModel::Changes MessagesPageViewModel::markRead(const QString &ch
 {
     if (!m_store.markRead(channel))
         return {};
+    showUnread(channel);
     Changes changes{Change::Messages, Change::ChannelStats};
     if (m_sessions.contains(channel))
         changes |= Change::Sessions;

@@ -1,18 +1,25 @@
 #pragma once
 
 #include "common/Clock.h"
-#include "model/Controller.h"
-#include "model/RadioMessageReceived.h"
+#include "ui/viewmodel/ChannelList.h"
 #include "ui/viewmodel/MessageChannels.h"
 #include "ui/viewmodel/MessageStore.h"
 #include "ui/viewmodel/PrivateSessions.h"
+#include "ui/viewmodel/ShownMessages.h"
+#include "ui/viewmodel/StationList.h"
 
+#include <QAbstractListModel>
 #include <QFlags>
 #include <QList>
-#include <QMap>
 #include <QObject>
 #include <QString>
 #include <QVariantList>
+
+#include <optional>
+
+namespace tarvo::model {
+struct Controller;
+}
 
 namespace tarvo::ui {
 
@@ -21,7 +28,8 @@ namespace tarvo::ui {
 /// "messagesBackend".
 ///
 /// A message is a map with "id", "time", "timestamp", "type", "direction", "directionLabel", "channel", "from", "to",
-/// "message", "meta", "frequencies", "isDirect", "priority" and "unread".
+/// "message", "meta", "frequencies", "isDirect", "priority" and "unread". The lists of maps are made when they are
+/// read; the page shows the models, which tell their rows' changes before the signals tell the step.
 class MessagesPageViewModel : public QObject
 {
     Q_OBJECT
@@ -41,21 +49,22 @@ class MessagesPageViewModel : public QObject
     Q_PROPERTY(bool activeChannelCanSend READ activeChannelCanSend NOTIFY composeChanged)
     Q_PROPERTY(QString activeChannelTitle READ activeChannelTitle NOTIFY activeChannelChanged)
     Q_PROPERTY(QString composePlaceholder READ composePlaceholder NOTIFY composeChanged)
+    Q_PROPERTY(QAbstractListModel *shownMessages READ shownMessages CONSTANT)
+    Q_PROPERTY(QAbstractListModel *channelList READ channelList CONSTANT)
+    Q_PROPERTY(QAbstractListModel *sessionList READ sessionList CONSTANT)
+    Q_PROPERTY(QAbstractListModel *stationList READ stationList CONSTANT)
 
 public:
-    /// More stations than this are not listed.
-    static constexpr qsizetype maximumNearbyClients = 2000;
-
     explicit MessagesPageViewModel(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
 
     /// Oldest first; the oldest goes beyond 300.
-    QVariantList messages() const { return m_store.all(); }
+    QVariantList messages() const { return messagesForChannel(channels::all()); }
     /// The messages that `activeFilter` lets through.
-    QVariantList filteredMessages() const { return m_store.inChannel(m_activeFilter); }
+    QVariantList filteredMessages() const { return messagesForChannel(m_activeFilter); }
     /// Maps with "key", "label", "active", "unread", "canSend" and "fixed".
     QVariantList channels() const;
     QString activeChannel() const { return m_activeChannel; }
-    QVariantList activeMessages() const { return m_store.inChannel(m_activeChannel); }
+    QVariantList activeMessages() const { return messagesForChannel(m_activeChannel); }
     /// Maps with "callsign", "unread", "lastMessage" and "lastTime".
     QVariantList privateSessions() const;
     /// Maps with "callsign", "type" ("atc"), "frequency" (MHz, three decimals) and "name" (empty while unknown), by
@@ -70,6 +79,12 @@ public:
     bool activeChannelCanSend() const { return canSend(m_activeChannel); }
     QString activeChannelTitle() const;
     QString composePlaceholder() const;
+    /// The active channel's messages.
+    ShownMessages *shownMessages() { return &m_shown; }
+    /// The channels that always stand.
+    ChannelList *channelList() { return &m_channels; }
+    PrivateSessions *sessionList() { return &m_sessions; }
+    StationList *stationList() { return &m_stations; }
 
     /// Shows the channel and marks its messages read. Tells so even when it is the active one already.
     void setActiveChannel(const QString &channel);
@@ -107,7 +122,7 @@ public:
     /// radio.
     Q_INVOKABLE void closePrivateSession(const QString &callsign);
     /// Those whose channel is exactly `channel`; all for "ALL".
-    Q_INVOKABLE QVariantList messagesForChannel(const QString &channel) const { return m_store.inChannel(channel); }
+    Q_INVOKABLE QVariantList messagesForChannel(const QString &channel) const;
     Q_INVOKABLE int unreadForChannel(const QString &channel) const { return m_store.unreadIn(channel); }
 
 signals:
@@ -147,6 +162,12 @@ private:
     Changes openSession(const QString &callsign);
     Changes enterChannel(const QString &channel);
     Changes markRead(const QString &channel);
+    /// Brings a step's messages to the lists of the page.
+    void show(const StoredMessage &added, const std::optional<StoredMessage> &gone);
+    /// All of the active channel.
+    void showChannel();
+    /// Brings a channel's unread count to the lists that show it.
+    void showUnread(const QString &channel);
     Changes writeDraft(const QString &target, const QString &message);
     /// True when the active channel shows messages of `channel`.
     bool isShown(const QString &channel) const;
@@ -156,8 +177,10 @@ private:
 
     const common::Clock &m_clock;
     MessageStore m_store;
-    PrivateSessions m_sessions;
-    QMap<QString, QVariantMap> m_nearby; ///< by callsign
+    ShownMessages m_shown{this};
+    ChannelList m_channels{this};
+    PrivateSessions m_sessions{this};
+    StationList m_stations{this};
     QString m_activeChannel = channels::radio();
     QString m_activeFilter = channels::all();
     QString m_draftTarget;

@@ -4,18 +4,37 @@
 
 namespace tarvo::ui {
 
-bool PrivateSessions::contains(const QString &callsign) const
+namespace {
+
+/// Characters of a text of which one line is shown: the rest needn't be laid out.
+constexpr qsizetype longestLine = 200;
+
+constexpr Role<PrivateSession> sessionRoles[] = {
+    {"callsign", [](const PrivateSession &row) -> QVariant { return row.callsign; }},
+    {"unread", [](const PrivateSession &row) -> QVariant { return row.unread; }},
+    {"time", [](const PrivateSession &row) -> QVariant { return row.lastTime.left(5); }},
+    {"lastText", [](const PrivateSession &row) -> QVariant { return row.lastMessage.left(longestLine).simplified(); }},
+};
+
+} // namespace
+
+QVariantMap PrivateSession::toMap() const
 {
-    return indexOf(callsign) >= 0;
+    return {{QStringLiteral("callsign"), callsign},
+            {QStringLiteral("unread"), unread},
+            {QStringLiteral("lastMessage"), lastMessage},
+            {QStringLiteral("lastTime"), lastTime}};
 }
+
+PrivateSessions::PrivateSessions(QObject *parent) : RowsModel(sessionRoles, parent) {}
 
 bool PrivateSessions::open(const QString &callsign, const QString &kept, QString &evicted)
 {
     if (contains(callsign))
         return false;
-    if (m_sessions.size() >= maximumSessions)
+    if (rows().size() >= maximumSessions)
         evicted = evict(kept);
-    m_sessions.append({.callsign = callsign, .lastMessage = {}, .lastTime = {}, .activity = ++m_activity});
+    insert(rows().size(), {.callsign = callsign, .activity = ++m_activity});
     return true;
 }
 
@@ -24,27 +43,34 @@ void PrivateSessions::note(const QString &callsign, const QString &message, cons
     const qsizetype index = indexOf(callsign);
     if (index < 0)
         return;
-    PrivateSession &session = m_sessions[index];
+    PrivateSession session = rows().at(index);
     session.lastMessage = message;
     session.lastTime = time;
     session.activity = ++m_activity;
+    replace(index, session);
 }
 
-bool PrivateSessions::close(const QString &callsign)
+void PrivateSessions::setUnread(const QString &callsign, int unread)
 {
     const qsizetype index = indexOf(callsign);
     if (index < 0)
-        return false;
-    m_sessions.removeAt(index);
-    return true;
+        return;
+    PrivateSession session = rows().at(index);
+    session.unread = unread;
+    replace(index, session);
+}
+
+void PrivateSessions::close(const QString &callsign)
+{
+    const qsizetype index = indexOf(callsign);
+    if (index >= 0)
+        remove(index);
 }
 
 qsizetype PrivateSessions::indexOf(const QString &callsign) const
 {
-    for (qsizetype i = 0; i < m_sessions.size(); ++i)
-        if (m_sessions.at(i).callsign == callsign)
-            return i;
-    return -1;
+    const auto found = std::ranges::find(rows(), callsign, &PrivateSession::callsign);
+    return found == rows().cend() ? -1 : found - rows().cbegin();
 }
 
 QString PrivateSessions::evict(const QString &kept)
@@ -52,9 +78,9 @@ QString PrivateSessions::evict(const QString &kept)
     const auto quieter = [&](const PrivateSession &left, const PrivateSession &right) {
         return left.callsign != kept && (right.callsign == kept || left.activity < right.activity);
     };
-    const auto quietest = std::min_element(m_sessions.cbegin(), m_sessions.cend(), quieter);
+    const auto quietest = std::ranges::min_element(rows(), quieter);
     QString callsign = quietest->callsign;
-    m_sessions.erase(quietest);
+    remove(quietest - rows().cbegin());
     return callsign;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <QList>
+#include "ui/viewmodel/RowsModel.h"
+
 #include <QString>
+#include <QVariantMap>
 
 namespace tarvo::ui {
 
@@ -9,33 +11,39 @@ namespace tarvo::ui {
 struct PrivateSession
 {
     QString callsign; ///< upper-case
-    QString lastMessage;
-    QString lastTime;    ///< "hh:mm:ss", empty before the first message
+    QString lastMessage = {};
+    QString lastTime = {}; ///< "hh:mm:ss", empty before the first message
+    int unread = 0;
     qint64 activity = 0; ///< the higher, the later something happened
+
+    bool operator==(const PrivateSession &) const = default;
+    /// "callsign", "unread", "lastMessage" and "lastTime".
+    QVariantMap toMap() const;
 };
 
 /// The open private sessions, in the order in which they were opened, so that a row stays where it is. Bounded, so that
-/// a flood of senders can't fill the memory.
-class PrivateSessions
+/// a flood of senders can't fill the memory. Roles: "callsign", "unread", "time" ("hh:mm") and "lastText" (one line).
+class PrivateSessions : public RowsModel<PrivateSession>
 {
 public:
     /// One more, and the session that has been quiet for the longest time goes.
     static constexpr qsizetype maximumSessions = 200;
 
-    const QList<PrivateSession> &all() const { return m_sessions; }
-    bool contains(const QString &callsign) const;
+    explicit PrivateSessions(QObject *parent = nullptr);
+
+    bool contains(const QString &callsign) const { return indexOf(callsign) >= 0; }
     /// False when the session is open already. Where one has to go for it, `evicted` is that one's callsign; never
     /// `kept`'s.
     bool open(const QString &callsign, const QString &kept, QString &evicted);
+    // These do nothing for a session that isn't open.
     void note(const QString &callsign, const QString &message, const QString &time);
-    /// False when there is no such session.
-    bool close(const QString &callsign);
+    void setUnread(const QString &callsign, int unread);
+    void close(const QString &callsign);
 
 private:
     qsizetype indexOf(const QString &callsign) const;
     QString evict(const QString &kept);
 
-    QList<PrivateSession> m_sessions;
     qint64 m_activity = 0;
 };
 

@@ -1,4 +1,5 @@
 #include "PageHarness.h"
+#include "model/RadioMessageReceived.h"
 #include "support/TestRegistry.h"
 
 #include <QAccessible>

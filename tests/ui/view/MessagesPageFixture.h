@@ -1,6 +1,8 @@
 #pragma once
 
 #include "PageHarness.h"
+#include "model/Controller.h"
+#include "model/RadioMessageReceived.h"
 
 #include <memory>
 

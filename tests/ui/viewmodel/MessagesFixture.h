@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/RadioMessageReceived.h"
 #include "support/ManualClock.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 

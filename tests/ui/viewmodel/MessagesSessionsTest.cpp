@@ -1,4 +1,5 @@
 #include "MessagesFixture.h"
+#include "model/Controller.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -430,9 +431,9 @@ private slots:
     void aFloodOfStationsIsBounded()
     {
         MessagesFixture fixture;
-        for (int i = 0; i < MessagesPageViewModel::maximumNearbyClients + 10; ++i)
+        for (int i = 0; i < tarvo::ui::StationList::maximumStations + 10; ++i)
             fixture.model.setNearbyController(station(QByteArray::number(i).constData(), 118000, 118000));
-        QCOMPARE(fixture.model.nearbyClients().size(), MessagesPageViewModel::maximumNearbyClients);
+        QCOMPARE(fixture.model.nearbyClients().size(), tarvo::ui::StationList::maximumStations);
         fixture.model.setNearbyController(station("0", 119000, 119000)); // one that is listed still changes
         QCOMPARE(MessagesFixture::field(fixture.model.nearbyClients().first(), "frequency"), QStringLiteral("119.000"));
     }

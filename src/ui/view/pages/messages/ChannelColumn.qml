@@ -10,75 +10,6 @@ Card {
     required property var messages
 
     contentPadding: Style.spacingMedium
-    Component.onCompleted: {
-        showChannels()
-        showSessions()
-        showStations()
-    }
-    onMessagesChanged: {
-        showChannels()
-        showSessions()
-        showStations()
-    }
-
-    function showChannels(): void {
-        const list = messages?.channels ?? []
-        channels.follow(list.filter(row => row.fixed))
-    }
-
-    function showSessions(): void {
-        // One line of the text is shown: the rest needn't be laid out.
-        sessions.follow((messages?.privateSessions ?? []).map(row => ({
-            key: row.callsign,
-            unread: row.unread,
-            time: row.lastTime.slice(0, 5),
-            lastText: row.lastMessage.slice(0, 200).replace(/\s+/g, " ")
-        })))
-    }
-
-    function showStations(): void {
-        stations.follow((messages?.nearbyClients ?? []).map(row => ({
-            key: row.callsign,
-            frequency: row.frequency,
-            name: row.name
-        })))
-    }
-
-    KeyedList { id: channels }
-    KeyedList { id: sessions }
-    KeyedList { id: stations }
-
-    Later {
-        id: laterChannels
-
-        onTriggered: column.showChannels()
-    }
-
-    Later {
-        id: laterSessions
-
-        onTriggered: column.showSessions()
-    }
-
-    Later {
-        id: laterStations
-
-        onTriggered: column.showStations()
-    }
-
-    Connections {
-        target: column.messages
-
-        function onChannelStatsChanged(): void {
-            laterChannels.start()
-        }
-        function onSessionsChanged(): void {
-            laterSessions.start()
-        }
-        function onNearbyClientsChanged(): void {
-            laterStations.start()
-        }
-    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -106,7 +37,7 @@ Card {
         }
 
         Repeater {
-            model: channels.rows
+            model: column.messages?.channelList ?? null
 
             ListRow {
                 required property string key
@@ -135,28 +66,28 @@ Card {
             id: sessionList
 
             objectName: "sessionList"
-            model: sessions.rows
+            model: column.messages?.sessionList ?? null
             emptyText: qsTr("点击发送者或附近管制开始私聊")
             // As long as its rows; the stations have the rest.
             Layout.maximumHeight: Math.max(Layout.minimumHeight, contentHeight)
             delegate: ListRow {
                 required property int index
-                required property string key
+                required property string callsign
                 required property string time
                 required property string lastText
                 required property int unread
 
                 width: ListView.view.width
-                objectName: "session-" + key
-                text: key
+                objectName: "session-" + callsign
+                text: callsign
                 note: time
                 detail: lastText
                 badge: unread
-                selected: column.messages?.activeChannel === key // qmllint disable unqualified
+                selected: column.messages?.activeChannel === callsign // qmllint disable unqualified
                 closable: true
                 onVisualFocusChanged: if (visualFocus) sessionList.reveal(index) // qmllint disable unqualified
-                onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
-                onCloseRequested: column.messages?.closePrivateSession(key) // qmllint disable unqualified
+                onClicked: column.messages?.openPrivateSession(callsign) // qmllint disable unqualified
+                onCloseRequested: column.messages?.closePrivateSession(callsign) // qmllint disable unqualified
             }
         }
 
@@ -173,21 +104,21 @@ Card {
             id: stationList
 
             objectName: "stationList"
-            model: stations.rows
+            model: column.messages?.stationList ?? null
             emptyText: qsTr("附近暂无管制席位")
             delegate: ListRow {
                 required property int index
-                required property string key
+                required property string callsign
                 required property string frequency
                 required property string name
 
                 width: ListView.view.width
-                objectName: "station-" + key
-                text: key
+                objectName: "station-" + callsign
+                text: callsign
                 note: frequency
                 detail: name
                 onVisualFocusChanged: if (visualFocus) stationList.reveal(index) // qmllint disable unqualified
-                onClicked: column.messages?.openPrivateSession(key) // qmllint disable unqualified
+                onClicked: column.messages?.openPrivateSession(callsign) // qmllint disable unqualified
             }
         }
     }

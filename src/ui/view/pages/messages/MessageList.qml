@@ -33,36 +33,9 @@ Control {
         else
             event.accepted = false
     }
-    Component.onCompleted: restart()
-    onMessagesChanged: restart()
-    onChannelChanged: restart()
-
-    function restart(): void {
-        follow = true
-        keyed.replace([])
-        show()
-    }
-
-    function show(): void {
-        const added = keyed.follow((messages?.activeMessages ?? []).map(row => ({
-            key: row.id,
-            type: row.type,
-            direction: row.direction,
-            directionLabel: row.directionLabel,
-            from: row.from,
-            to: row.to,
-            time: row.time,
-            message: row.message,
-            meta: row.meta,
-            frequencies: row.frequencies,
-            isDirect: row.isDirect,
-            expanded: false
-        })))
-        if (follow)
-            toEnd()
-        else
-            missed += added
-    }
+    Component.onCompleted: toEnd()
+    onMessagesChanged: toEnd()
+    onChannelChanged: toEnd()
 
     function toEnd(): void {
         follow = true
@@ -95,23 +68,9 @@ Control {
             missed = 0
     }
 
-    function fold(index: int, expanded: bool): void {
-        if (expanded)
-            follow = false // what is being read stays in sight
-        keyed.rows.setProperty(index, "expanded", expanded)
-    }
-
     function stay(): void {
         if (follow)
             list.positionViewAtEnd()
-    }
-
-    KeyedList { id: keyed }
-
-    Later {
-        id: laterShow
-
-        onTriggered: view.show()
     }
 
     Later {
@@ -127,10 +86,13 @@ Control {
     }
 
     Connections {
-        target: view.messages
+        target: view.messages?.shownMessages ?? null
 
-        function onActiveMessagesChanged(): void {
-            laterShow.start()
+        function onRowsInserted(parent: var, first: int, last: int): void {
+            if (view.follow)
+                laterStay.start()
+            else
+                view.missed += last - first + 1
         }
     }
 
@@ -140,7 +102,7 @@ Control {
         objectName: "messageList"
         anchors.fill: parent
         clip: true
-        model: keyed.rows
+        model: view.messages?.shownMessages ?? null
         spacing: Style.spacingMedium
         boundsBehavior: Flickable.StopAtBounds
         cacheBuffer: 600
@@ -152,11 +114,17 @@ Control {
         ScrollBar.vertical: CustomScrollBar { id: bar }
 
         delegate: MessageBubble {
+            required property var model
+
             width: ListView.view.width - Style.spacingMedium
             sightTop: list.contentY - y // qmllint disable unqualified
             sightBottom: sightTop + list.height // qmllint disable unqualified
             onReplyRequested: from => view.messages?.prepareReply(from) // qmllint disable unqualified
-            onFoldRequested: wanted => view.fold(index, wanted) // qmllint disable unqualified
+            onFoldRequested: wanted => {
+                if (wanted)
+                    view.follow = false // what is being read stays in sight; qmllint disable unqualified
+                model.expanded = wanted
+            }
         }
     }
 

@@ -1,0 +1,28 @@
+#include "ui/viewmodel/ChannelList.h"
+
+#include "ui/viewmodel/MessageChannels.h"
+
+namespace tarvo::ui {
+
+namespace {
+constexpr Role<ChannelRow> channelRoles[] = {
+    {"key", [](const ChannelRow &row) -> QVariant { return row.key; }},
+    {"label", [](const ChannelRow &row) -> QVariant { return channels::label(row.key); }},
+    {"unread", [](const ChannelRow &row) -> QVariant { return row.unread; }},
+};
+} // namespace
+
+ChannelList::ChannelList(QObject *parent) : RowsModel(channelRoles, parent)
+{
+    for (const QString &key : channels::fixed())
+        insert(rows().size(), {.key = key});
+}
+
+void ChannelList::setUnread(const QString &key, int unread)
+{
+    for (qsizetype i = 0; i < rows().size(); ++i)
+        if (rows().at(i).key == key)
+            replace(i, {.key = key, .unread = unread});
+}
+
+} // namespace tarvo::ui

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QVariant>
+
+#include <span>
+#include <utility>
+
+namespace tarvo::ui {
+
+/// What QML reads of a row under one name.
+template <typename Row>
+struct Role
+{
+    const char *name;
+    QVariant (*value)(const Row &row);
+};
+
+/// A list of plain rows for a QML view. Each change is told as what it is, so that a row that stays keeps its delegate
+/// and its place. The roles are numbered from Qt::UserRole in their table's order.
+template <typename Row>
+class RowsModel : public QAbstractListModel
+{
+public:
+    /// `roles` must outlive the model.
+    explicit RowsModel(std::span<const Role<Row>> roles, QObject *parent = nullptr)
+        : QAbstractListModel(parent), m_roles(roles)
+    {
+    }
+
+    const QList<Row> &rows() const { return m_rows; }
+
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    }
+
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        const auto which = static_cast<std::size_t>(role - Qt::UserRole);
+        if (!index.isValid() || index.row() >= m_rows.size() || which >= m_roles.size())
+            return {};
+        return m_roles[which].value(m_rows.at(index.row()));
+    }
+
+    QHash<int, QByteArray> roleNames() const override
+    {
+        QHash<int, QByteArray> names;
+        for (std::size_t i = 0; i < m_roles.size(); ++i)
+            names.insert(Qt::UserRole + static_cast<int>(i), m_roles[i].name);
+        return names;
+    }
+
+protected:
+    void insert(qsizetype at, Row row)
+    {
+        beginInsertRows({}, static_cast<int>(at), static_cast<int>(at));
+        m_rows.insert(at, std::move(row));
+        endInsertRows();
+    }
+
+    void remove(qsizetype at)
+    {
+        beginRemoveRows({}, static_cast<int>(at), static_cast<int>(at));
+        m_rows.removeAt(at);
+        endRemoveRows();
+    }
+
+    /// False, and nothing told, when the row is the same already.
+    bool replace(qsizetype at, Row row)
+    {
+        if (m_rows.at(at) == row)
+            return false;
+        m_rows[at] = std::move(row);
+        emit dataChanged(index(static_cast<int>(at)), index(static_cast<int>(at)));
+        return true;
+    }
+
+    /// Every row is another one now.
+    void reset(QList<Row> rows)
+    {
+        beginResetModel();
+        m_rows = std::move(rows);
+        endResetModel();
+    }
+
+private:
+    std::span<const Role<Row>> m_roles;
+    QList<Row> m_rows;
+};
+
+} // namespace tarvo::ui

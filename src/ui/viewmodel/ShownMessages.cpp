@@ -1,0 +1,36 @@
+#include "ui/viewmodel/ShownMessages.h"
+
+namespace tarvo::ui {
+
+namespace {
+
+constexpr Role<ShownMessage> messageRoles[] = {
+    {"expanded", [](const ShownMessage &row) -> QVariant { return row.expanded; }},
+    {"type", [](const ShownMessage &row) -> QVariant { return row.message.type(); }},
+    {"direction", [](const ShownMessage &row) -> QVariant { return row.message.direction(); }},
+    {"directionLabel", [](const ShownMessage &row) -> QVariant { return row.message.directionLabel(); }},
+    {"from", [](const ShownMessage &row) -> QVariant { return row.message.from; }},
+    {"to", [](const ShownMessage &row) -> QVariant { return row.message.to; }},
+    {"time", [](const ShownMessage &row) -> QVariant { return localTime(row.wallMs); }},
+    {"message", [](const ShownMessage &row) -> QVariant { return row.message.body; }},
+    {"meta", [](const ShownMessage &row) -> QVariant { return row.message.meta; }},
+    {"frequencies", [](const ShownMessage &row) -> QVariant { return row.message.frequencies; }},
+    {"isDirect", [](const ShownMessage &row) -> QVariant { return row.message.isDirect; }},
+};
+constexpr int expandedRole = Qt::UserRole;
+
+} // namespace
+
+ShownMessages::ShownMessages(QObject *parent) : RowsModel(messageRoles, parent) {}
+
+bool ShownMessages::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (!index.isValid() || index.row() >= rows().size() || role != expandedRole)
+        return false;
+    ShownMessage row = rows().at(index.row());
+    row.expanded = value.toBool();
+    replace(index.row(), row);
+    return true;
+}
+
+} // namespace tarvo::ui
