@@ -15,7 +15,7 @@ MediaSoundOutput::MediaSoundOutput()
 void MediaSoundOutput::begin(const QUrl &url, float volume)
 {
     // Without a device the player's pipeline fails on a thread of its own, while the next sound takes it apart on this
-    // one: that has crashed inside the toolkit.
+    // one: that has crashed inside Qt.
     if (QMediaDevices::defaultAudioOutput().isNull()) {
         qDebug() << "No sound device for" << url.fileName();
         return;

@@ -7,7 +7,7 @@
 
 namespace tarvo::ui {
 
-/// The toolkit's media player. Without a sound device nothing begins. Needs the event loop of its thread.
+/// Qt's media player. Without a sound device nothing begins. Needs the event loop of its thread.
 class MediaSoundOutput : public SoundOutput
 {
 public:

@@ -1,5 +1,7 @@
 #include "simulator/xplane/ConnectionAttempt.h"
 
+#include <utility>
+
 namespace tarvo::simulator::xplane {
 
 void ConnectionAttempt::request()
@@ -20,6 +22,7 @@ bool ConnectionAttempt::begin()
     if (started)
         return false;
     started = true;
+    prolonged = false;
     versionReceived = false;
     versionValid = true;
     cslValid = true;
@@ -40,6 +43,7 @@ bool ConnectionAttempt::isLost(qint64 now, qint64 lastDataref) const
 void ConnectionAttempt::setConnected()
 {
     connected = true;
+    failureTold = false;
     requested = false;
     started = false;
 }
@@ -55,7 +59,7 @@ bool ConnectionAttempt::timeOut()
     if (!requested || connected)
         return false;
     requested = false;
-    return true;
+    return !std::exchange(failureTold, true);
 }
 
 } // namespace tarvo::simulator::xplane

@@ -22,19 +22,28 @@ struct ConnectionAttempt
     bool versionReceived = false;
     bool versionValid = true;
     bool cslValid = true;
+    bool wanted = false;      ///< somebody has asked for a link at all; from then on it comes back by itself
+    bool prolonged = false;   ///< a plugin came in the middle of it, and the attempt has got its time anew
+    bool restartDue = false;  ///< the plugin knows nothing of what was sent before; to be told once the link is up
+    bool failureTold = false; ///< of this outage
 
     /// Wants a new attempt.
     void request();
     /// Begins the wanted attempt. False when there is nothing to begin: the socket is not ready, the link is up, or the
     /// attempt has begun already.
     bool begin();
+    /// True from its beginning until the link is up or the time is over.
+    bool isUnderWay() const { return requested && started && !connected; }
+    /// True while a link is wanted and nothing is done for it.
+    bool isAwaited() const { return wanted && !requested && !connected; }
     /// True when everything that the attempt waits for is there.
     bool isComplete(qint64 now, qint64 lastDataref) const;
     /// True when the link is up but the simulator has fallen silent.
     bool isLost(qint64 now, qint64 lastDataref) const;
     void setConnected();
     void setDisconnected();
-    /// The attempt's time is over. True when that is a failure: it was still wanted and the link is not up.
+    /// The attempt's time is over. True when that is a failure to be told: it was still wanted, the link is not up, and
+    /// none was told since it was up last.
     bool timeOut();
 };
 

@@ -8,6 +8,7 @@
 #include <QMetaObject>
 #include <QPointer>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -43,7 +44,7 @@ DatarefLink::DatarefLink(const AppConfig &config, const common::Clock &clock, QO
 {
     connect(&m_socket, &QUdpSocket::readyRead, this, &DatarefLink::receivePending);
     if (!m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0))
-        qWarning() << "X-Plane UDP socket could not be bound:" << m_socket.errorString();
+        qWarning().noquote() << "X-Plane UDP socket could not be bound:" << m_socket.errorString();
     m_publishTimer.setObjectName(QStringLiteral("publish"));
     m_publishTimer.setInterval(publishIntervalMs);
     connect(&m_publishTimer, &QTimer::timeout, this, &DatarefLink::publish);
@@ -58,8 +59,14 @@ void DatarefLink::clearAircraft()
     wakePublishing();
 }
 
+bool DatarefLink::isSilent(qint64 nowSeconds, qint64 forSeconds) const
+{
+    return m_lastAskedSeconds > 0 && nowSeconds - std::max(m_lastAskedSeconds, m_lastHeardSeconds) >= forSeconds;
+}
+
 void DatarefLink::subscribe(bool remember)
 {
+    m_lastAskedSeconds = m_clock.wallMs() / 1000;
     qint32 id = 0;
     for (const Dataref &dataref : datarefs()) {
         const QString name = QString::fromLatin1(dataref.name);
@@ -135,7 +142,7 @@ void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
     const RrefReply reply(datagram);
     if (!sameIpv4(sender, m_target) || !reply.isValid())
         return;
-    m_lastReplySeconds = m_clock.wallMs() / 1000;
+    m_lastHeardSeconds = m_lastReplySeconds = m_clock.wallMs() / 1000;
     const QPointer<DatarefLink> alive(this);
     const qsizetype count = reply.count();
     for (qsizetype i = 0; alive && i < count; ++i) {

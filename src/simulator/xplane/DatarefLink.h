@@ -19,7 +19,8 @@ class AppConfig;
 namespace tarvo::simulator::xplane {
 
 /// X-Plane's UDP interface: reads the own aircraft's datarefs, writes values, runs commands. Publishes what it has read
-/// every 50 ms, each record only when it has changed; the timer rests when nothing has come for a second.
+/// every 50 ms, each record only when it has changed. The timer rests after a second in which X-Plane has not replied
+/// and nothing was published, and goes on with the next reply.
 /// Main thread only.
 class DatarefLink : public QObject
 {
@@ -38,6 +39,11 @@ public:
     /// When X-Plane last replied, or was taken to have; whole seconds since the epoch.
     qint64 lastReplySeconds() const { return m_lastReplySeconds; }
     void setLastReplySeconds(qint64 seconds) { m_lastReplySeconds = seconds; }
+
+    /// When X-Plane last replied, without what it was taken to have; 0 for never.
+    qint64 lastHeardSeconds() const { return m_lastHeardSeconds; }
+    /// True when it was asked and has not replied since, nor was asked again, for so long.
+    bool isSilent(qint64 nowSeconds, qint64 forSeconds) const;
 
     /// Subscribes to every dataref that is not in the list of subscriptions. `remember` adds it to that list.
     void subscribe(bool remember);
@@ -81,12 +87,14 @@ private:
     QHostAddress m_target;
     std::optional<int> m_refusedPort; ///< the configured port that was last complained about
     qint64 m_lastReplySeconds = 0;
+    qint64 m_lastHeardSeconds = 0;
+    qint64 m_lastAskedSeconds = 0; ///< 0 for never
     DatarefSample m_sample;
     model::UserAircraftData m_publishedUser;
     model::UserAircraftConfigData m_publishedConfig;
     model::RadioStackState m_publishedRadio;
     bool m_publishedOnce = false;
-    int m_quietTicks = 0; ///< of the publish timer, since something came last
+    int m_quietTicks = 0; ///< of the publish timer with nothing to publish, since X-Plane replied last
     QStringList m_subscribed;
     QTimer m_publishTimer;
 };

@@ -1,5 +1,6 @@
 #include "simulator/xplane/DatarefTable.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -18,25 +19,21 @@ constexpr float transmitOnCom2 = 7;
 constexpr float transponderModeC = 3;
 constexpr float propellerReversing = 3;
 
+constexpr float northPole = 90;
+constexpr float dateLine = 180;
+constexpr float largestCode = 9999;
+
+/// The largest value that a row believes fits into every type.
 template <class Integer>
 Integer truncated(float value)
 {
-    const double whole = std::trunc(static_cast<double>(value));
-    if (std::isnan(whole))
-        return 0;
-    if (whole <= static_cast<double>(std::numeric_limits<Integer>::min()))
-        return std::numeric_limits<Integer>::min();
-    if (whole >= static_cast<double>(std::numeric_limits<Integer>::max()))
-        return std::numeric_limits<Integer>::max();
-    return static_cast<Integer>(whole);
+    constexpr auto least = static_cast<float>(std::numeric_limits<Integer>::min());
+    return static_cast<Integer>(std::max(value, least));
 }
 
 quint32 volumePercent(float value)
 {
-    const double percent = std::round(static_cast<double>(value) * 100.0);
-    if (!(percent > 0)) // NaN too
-        return 0;
-    return percent >= 100 ? 100 : static_cast<quint32>(percent);
+    return static_cast<quint32>(std::round(std::clamp(static_cast<double>(value) * 100.0, 0.0, 100.0)));
 }
 
 DatarefEvent applyTransmitSelection(DatarefSample &sample, float value)
@@ -147,14 +144,15 @@ constexpr std::array<Dataref, 53> table{{
      [](Sample &s, float v) {
          s.radio.transponderCode = truncated<quint16>(v);
          return DatarefEvent::None;
-     }},
+     },
+     largestCode},
     {"sim/cockpit2/switches/beacon_on", 1, flag<config, &Config::beaconOn>},
     {"sim/cockpit2/switches/landing_lights_on", 1, flag<config, &Config::landingLightsOn>},
     {"sim/cockpit2/switches/taxi_light_on", 1, flag<config, &Config::taxiLightsOn>},
     {"sim/cockpit2/switches/navigation_lights_on", 1, flag<config, &Config::navLightsOn>},
     {"sim/cockpit2/switches/strobe_lights_on", 1, flag<config, &Config::strobesOn>},
-    {"sim/flightmodel/position/latitude", 5, number<user, &User::latitude>},
-    {"sim/flightmodel/position/longitude", 5, number<user, &User::longitude>},
+    {"sim/flightmodel/position/latitude", 5, number<user, &User::latitude>, northPole},
+    {"sim/flightmodel/position/longitude", 5, number<user, &User::longitude>, dateLine},
     {"sim/flightmodel/position/elevation", 5, number<user, &User::altitudeMslM>},
     {"sim/flightmodel/position/y_agl", 5, number<user, &User::altitudeAglM>},
     {"sim/flightmodel2/position/pressure_altitude", 5, number<user, &User::altitudePressure>},
@@ -215,7 +213,8 @@ std::span<const Dataref> datarefs()
 
 DatarefEvent applyDataref(DatarefSample &sample, quint32 id, float value)
 {
-    return id < table.size() ? table[id].apply(sample, value) : DatarefEvent::None;
+    const bool isBelieved = id < table.size() && std::abs(value) <= table[id].most; // a NaN never is
+    return isBelieved ? table[id].apply(sample, value) : DatarefEvent::None;
 }
 
 } // namespace tarvo::simulator::xplane

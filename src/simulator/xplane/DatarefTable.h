@@ -35,13 +35,14 @@ struct Dataref
     const char *name; ///< X-Plane's name, below 400 bytes
     qint32 rateHz;    ///< reports wanted per second
     DatarefEvent (*apply)(DatarefSample &sample, float value);
+    float most = 1e6F; ///< the largest value, of either sign, that is believed
 };
 
 /// All subscribed datarefs, in the order of their ids.
 std::span<const Dataref> datarefs();
 
-/// Folds one reported value into the sample. An id outside the table is ignored. Any value is safe, NaN and infinities
-/// included: whole numbers are truncated and kept inside their type, NaN counts as 0 there.
+/// Folds one reported value into the sample. Ignored are an id outside the table, and a value that no simulator can
+/// mean: NaN, infinities, and what is beyond the row's `most`. The field stays as it was then.
 DatarefEvent applyDataref(DatarefSample &sample, quint32 id, float value);
 
 } // namespace tarvo::simulator::xplane

@@ -1,7 +1,7 @@
 #include "simulator/xplane/PluginLink.h"
 
 #include "common/nng/SocketCloser.h"
-#include "simulator/xplane/MessageThreads.h"
+#include "simulator/xplane/MessagePool.h"
 #include "simulator/xplane/PipeWatch.h"
 #include "simulator/xplane/PluginReceiver.h"
 
@@ -67,7 +67,7 @@ void PluginLink::open(const PluginAddress &address)
 
 void PluginLink::openSocket()
 {
-    startMessageThreads();
+    limitMessagePool();
     const int result = nng_pair1_open(&m_socket);
     m_opened = result == 0;
     if (!m_opened) {

@@ -4,7 +4,7 @@ namespace tarvo::simulator::xplane {
 
 bool isLocalMachine(const QString &configured)
 {
-    const QString address = configured.toLower();
+    const QString address = configured.trimmed().toLower();
     return address.isEmpty() || address == QLatin1String("127.0.0.1") || address == QLatin1String("localhost");
 }
 
@@ -13,12 +13,13 @@ PluginAddress pluginAddress(const QString &configured, const QString &localUrl)
     if (isLocalMachine(configured))
         return {.url = localUrl, .local = true};
     // Both halves are the configured text on purpose: what the pilot enters must make the whole a valid address.
-    return {.url = QStringLiteral("tcp://%1:%2").arg(configured, configured), .local = false};
+    const QString address = configured.trimmed();
+    return {.url = QStringLiteral("tcp://%1:%2").arg(address, address), .local = false};
 }
 
 QHostAddress datarefHost(const QString &configured)
 {
-    return isLocalMachine(configured) ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(configured);
+    return isLocalMachine(configured) ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(configured.trimmed());
 }
 
 } // namespace tarvo::simulator::xplane

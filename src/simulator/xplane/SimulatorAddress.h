@@ -5,6 +5,8 @@
 
 namespace tarvo::simulator::xplane {
 
+// Blanks around a configured address don't count.
+
 /// True when a configured address means this machine: empty, "127.0.0.1" or "localhost" in any case.
 bool isLocalMachine(const QString &configured);
 

@@ -8,6 +8,9 @@
 #include "simulator/xplane/XPlaneAltitudes.h"
 
 #include <QDebug>
+#include <QPointer>
+
+#include <utility>
 
 namespace tarvo::simulator::xplane {
 
@@ -18,6 +21,9 @@ namespace {
 constexpr int dialDelayMs = 500;
 constexpr int tickIntervalMs = 1000;
 constexpr int attemptTimeoutMs = 3000;
+constexpr qint64 callIntervalSeconds = 10;
+/// Time enough for a plugin on this machine to answer.
+constexpr qint64 shortestDialSeconds = 1;
 
 constexpr char transponderCodeDataref[] = "sim/cockpit/radios/transponder_code";
 constexpr char transponderModeDataref[] = "sim/cockpit/radios/transponder_mode";
@@ -60,6 +66,8 @@ void XPlaneAdapter::forwardSignals()
     connect(m_datarefs.get(), &DatarefLink::versionChanged, this, &Simulator::xplaneVersionUpdated);
     connect(m_plugin.get(), &PluginLink::socketError, this, &Simulator::nngSocketError);
     connect(m_plugin.get(), &PluginLink::reportReceived, this, &XPlaneAdapter::onReport);
+    connect(m_plugin.get(), &PluginLink::pluginConnected, this, &XPlaneAdapter::onPluginConnected);
+    connect(m_plugin.get(), &PluginLink::messagesLost, this, &XPlaneAdapter::onPluginNeedsAll);
 }
 
 void XPlaneAdapter::startTimers()
@@ -83,26 +91,95 @@ void XPlaneAdapter::dial()
 {
     m_plugin->open(pluginAddress(m_config.get(config::xplaneNetworkAddress), m_localPluginUrl));
     m_attempt.socketReady = true;
+    m_lastDialSeconds = nowSeconds();
     if (m_attempt.requested)
         beginAttempt();
 }
 
+void XPlaneAdapter::dialAnew(qint64 afterSeconds)
+{
+    if (!m_attempt.socketReady || nowSeconds() - m_lastDialSeconds < afterSeconds)
+        return;
+    m_lastDialSeconds = nowSeconds();
+    m_plugin->dialAnew();
+}
+
 void XPlaneAdapter::tick()
+{
+    const QPointer<XPlaneAdapter> alive(this);
+    checkConnection();
+    if (alive)
+        callTheSilent();
+}
+
+void XPlaneAdapter::checkConnection()
 {
     const qint64 now = nowSeconds();
     const qint64 lastReply = m_datarefs->lastReplySeconds();
     if (m_attempt.isComplete(now, lastReply)) {
         m_attempt.setConnected();
         m_attemptTimer.stop();
-        // Raised last, so that a receiver may reconnect at once.
-        emit simConnectionStateChanged(true);
+        const QPointer<XPlaneAdapter> alive(this);
+        emit simConnectionStateChanged(true); // a receiver may reconnect at once
+        if (alive && m_attempt.connected && std::exchange(m_attempt.restartDue, false))
+            emit restarted();
     } else if (m_attempt.isLost(now, lastReply)) {
         m_datarefs->clearAircraft();
         disconnectSimulator();
     }
 }
 
+/// X-Plane may have been started since, and nng's dialling may have stopped for good.
+void XPlaneAdapter::callTheSilent()
+{
+    const qint64 now = nowSeconds();
+    dialAnew(callIntervalSeconds);
+    if (m_datarefs->isSilent(now, callIntervalSeconds)) {
+        m_datarefs->clearSubscriptions();
+        m_datarefs->subscribe(m_attempt.connected);
+    }
+    const bool hears = now - m_datarefs->lastHeardSeconds() < ConnectionAttempt::staleAfterSeconds;
+    const bool hearsAgain = hears && !m_heardXPlane;
+    m_heardXPlane = hears;
+    if (hearsAgain && m_plugin->isConnected() && m_attempt.isAwaited())
+        startAttempt();
+}
+
+void XPlaneAdapter::onPluginConnected(bool first)
+{
+    if (!first || !m_attempt.isUnderWay()) {
+        onPluginNeedsAll();
+        return;
+    }
+    // The questions of the attempt wait in the socket for this very plugin.
+    m_attempt.prolonged = true;
+    m_attemptTimer.start();
+}
+
+void XPlaneAdapter::onPluginNeedsAll()
+{
+    if (!m_attempt.wanted)
+        return;
+    m_attempt.restartDue = true;
+    if (!m_attempt.isUnderWay()) {
+        startAttempt();
+        return;
+    }
+    // Once only: a plugin that takes the connection and ends it, again and again, makes no attempt endless.
+    if (!std::exchange(m_attempt.prolonged, true))
+        m_attemptTimer.start();
+    askPlugin();
+}
+
 void XPlaneAdapter::reconnectSimulator()
+{
+    m_attempt.wanted = true;
+    m_attempt.failureTold = false; // who asks gets an answer
+    dialAnew(shortestDialSeconds);
+    startAttempt();
+}
+
+void XPlaneAdapter::startAttempt()
 {
     m_attemptTimer.stop();
     if (m_attempt.connected)
@@ -119,9 +196,14 @@ void XPlaneAdapter::beginAttempt()
     m_datarefs->setLastReplySeconds(nowSeconds() - ConnectionAttempt::assumedAgeSeconds);
     m_datarefs->clearSubscriptions();
     m_datarefs->subscribe(m_attempt.connected);
+    askPlugin();
+    m_attemptTimer.start();
+}
+
+void XPlaneAdapter::askPlugin()
+{
     send(message::version());
     validateCsl();
-    m_attemptTimer.start();
 }
 
 void XPlaneAdapter::validateCsl()
@@ -139,10 +221,8 @@ void XPlaneAdapter::validateCsl()
 
 void XPlaneAdapter::onAttemptTimeout()
 {
-    if (!m_attempt.timeOut())
-        return;
-    m_attemptTimer.stop();
-    emit simConnectionFailed(tr("模拟器未启动或连接服务异常，请联系TARVO技术部"));
+    if (m_attempt.timeOut())
+        emit simConnectionFailed(tr("模拟器未启动或连接服务异常，请联系TARVO技术部"));
 }
 
 void XPlaneAdapter::disconnectSimulator()
@@ -173,6 +253,10 @@ void XPlaneAdapter::on(const report::Version &report)
     if (!valid)
         emit invalidPluginVersion();
     emit pluginVersionChecked(valid);
+    if (valid && m_attempt.isAwaited()) { // the answer comes after the attempt's time
+        startAttempt();
+        m_attempt.versionReceived = true;
+    }
 }
 
 void XPlaneAdapter::on(const report::Csl &report)

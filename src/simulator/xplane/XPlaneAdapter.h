@@ -23,6 +23,9 @@ class PluginLink;
 /// X-Plane as the session's simulator: a message socket to a plugin inside it, which draws the traffic, and its UDP
 /// interface, which tells of the own aircraft. Main thread only; nothing here waits for the simulator.
 ///
+/// Once a link was asked for, it comes back by itself: an attempt begins when a plugin connects, when it tells its
+/// version late, and when X-Plane is heard again. Whoever is silent is called every ten seconds.
+///
 /// The timers are children by the names "dial" (500 ms, once), "tick" (1000 ms), "attempt" (3000 ms, once) and, inside
 /// the UDP link, "publish" (50 ms while X-Plane replies).
 class XPlaneAdapter : public Simulator
@@ -78,8 +81,16 @@ private:
     void forwardSignals();
     void startTimers();
     void dial();
+    /// Unless it was dialled in the last `afterSeconds`.
+    void dialAnew(qint64 afterSeconds);
     void tick();
+    void checkConnection();
+    void callTheSilent();
+    void onPluginConnected(bool first);
+    void onPluginNeedsAll();
+    void startAttempt();
     void beginAttempt();
+    void askPlugin();
     void validateCsl();
     void onAttemptTimeout();
     void disconnectSimulator();
@@ -107,6 +118,8 @@ private:
     std::unique_ptr<DatarefLink> m_datarefs;
     std::unique_ptr<PluginLink> m_plugin;
     ConnectionAttempt m_attempt;
+    qint64 m_lastDialSeconds = 0;
+    bool m_heardXPlane = false; ///< at the last tick
     QTimer m_dialTimer;
     QTimer m_tickTimer;
     QTimer m_attemptTimer;

@@ -37,6 +37,7 @@ struct AdapterBench : XPlaneBench
         versionChecked = std::make_unique<QSignalSpy>(adapter.get(), &simulator::Simulator::pluginVersionChecked);
         invalidVersion = std::make_unique<QSignalSpy>(adapter.get(), &simulator::Simulator::invalidPluginVersion);
         cslChecked = std::make_unique<QSignalSpy>(adapter.get(), &simulator::Simulator::cslValidationChecked);
+        restarted = std::make_unique<QSignalSpy>(adapter.get(), &simulator::Simulator::restarted);
         mapping = std::make_unique<QSignalSpy>(adapter.get(), &simulator::Simulator::trafficMappingStatusChanged);
     }
 
@@ -56,6 +57,14 @@ struct AdapterBench : XPlaneBench
         return QTest::qWaitFor([&] { return versionChecked->size() == before + 1; });
     }
 
+    /// The plugin has gone and come again; true when the new one is asked.
+    bool restartPlugin()
+    {
+        plugin.reset();
+        startPlugin();
+        return QTest::qWaitFor([this] { return plugin->count(QStringLiteral("VER")) > 0; });
+    }
+
     bool report(quint32 id, float value, const std::function<bool()> &seen)
     {
         simulator.report(id, value);
@@ -71,7 +80,7 @@ struct AdapterBench : XPlaneBench
         return connection->size() == 1 && connection->first().first().toBool();
     }
 
-    std::unique_ptr<QSignalSpy> connection, failure, versionChecked, invalidVersion, cslChecked, mapping;
+    std::unique_ptr<QSignalSpy> connection, failure, versionChecked, invalidVersion, cslChecked, mapping, restarted;
 };
 
 } // namespace tarvo::test

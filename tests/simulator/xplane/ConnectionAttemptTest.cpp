@@ -117,6 +117,41 @@ private slots:
         QVERIFY(!attempt.isComplete(now, now)); // too late now
     }
 
+    void anOutageIsToldOnce()
+    {
+        ConnectionAttempt attempt = completeAttempt();
+        QVERIFY(attempt.timeOut());
+        attempt.request();
+        attempt.begin();
+        QVERIFY(!attempt.timeOut());
+        QVERIFY(!attempt.requested);
+        attempt.setConnected();
+        attempt.setDisconnected();
+        attempt.request();
+        QVERIFY(attempt.timeOut()); // another one
+    }
+
+    void isUnderWayOrAwaited()
+    {
+        ConnectionAttempt attempt;
+        QVERIFY(!attempt.isAwaited()); // nobody wants a link
+        attempt.wanted = true;
+        attempt.socketReady = true;
+        QVERIFY(attempt.isAwaited());
+        attempt.request();
+        QVERIFY(!attempt.isAwaited());
+        QVERIFY(!attempt.isUnderWay());
+        attempt.prolonged = true;
+        attempt.begin();
+        QVERIFY(!attempt.prolonged);
+        QVERIFY(attempt.isUnderWay());
+        attempt.setConnected();
+        QVERIFY(!attempt.isUnderWay());
+        QVERIFY(!attempt.isAwaited());
+        attempt.setDisconnected();
+        QVERIFY(attempt.isAwaited());
+    }
+
     void timeOutOfALinkThatIsUpIsNone()
     {
         ConnectionAttempt attempt = completeAttempt();

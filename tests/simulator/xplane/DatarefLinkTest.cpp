@@ -225,9 +225,9 @@ private slots:
         QSignalSpy rounds(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead);
         QList<double> afterEachRound; // this comes after the link's own handling of the same signal
         connect(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead, this,
-                [&] { afterEachRound.append(bench.link->sample().user.latitude); });
+                [&] { afterEachRound.append(bench.link->sample().user.altitudeMslM); });
         for (int i = 1; i <= 100; ++i)
-            bench.peer.report(18, static_cast<float>(i));
+            bench.peer.report(20, static_cast<float>(i));
         QVERIFY(rounds.isEmpty()); // no events were handled: all of them are pending
         QVERIFY(rounds.wait());
         QCOMPARE(afterEachRound.first(), 100.0);
@@ -336,17 +336,53 @@ private slots:
         QTEST(static_cast<int>(radio.size()), "radio");
     }
 
-    void notANumberCountsAsAChangeEveryTime()
+    void notANumberKeepsNothingAlive()
     {
         Bench bench;
         QVERIFY(bench.subscribe());
-        bench.peer.report(18, std::numeric_limits<float>::quiet_NaN());
-        QTRY_VERIFY(qIsNaN(bench.link->sample().user.latitude));
+        bench.peer.report(18, 40);
+        bench.peer.report(
+            {{18, std::numeric_limits<float>::quiet_NaN()}, {46, std::numeric_limits<float>::infinity()}});
+        QVERIFY(bench.settle());
+        fire(*bench.link, "publish");
+        QCOMPARE(bench.link->sample().user.latitude, 40.0);
         QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
-        for (int i = 1; i <= 3; ++i) {
+        QSignalSpy config(bench.link.get(), &DatarefLink::userAircraftConfigDataChanged);
+        const auto *timer = bench.link->findChild<QTimer *>(QStringLiteral("publish"));
+        for (int i = 0; i < 25; ++i)
             fire(*bench.link, "publish");
-            QCOMPARE(user.size(), i);
-        }
+        QCOMPARE(user.size(), 0);
+        QCOMPARE(config.size(), 0);
+        QVERIFY(!timer->isActive());
+    }
+
+    void silenceIsNoticed_data()
+    {
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<bool>("replied");
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<bool>("silent");
+        QTest::newRow("never asked") << false << false << 1000 << false;
+        QTest::newRow("asked just now") << true << false << 9 << false;
+        QTest::newRow("asked a while ago") << true << false << 10 << true;
+        QTest::newRow("replied since") << true << true << 10 << false;
+        QTest::newRow("replied a while ago") << true << true << 15 << true;
+    }
+
+    void silenceIsNoticed()
+    {
+        QFETCH(bool, asked);
+        QFETCH(bool, replied);
+        QFETCH(int, seconds);
+        Bench bench;
+        const qint64 start = bench.clock.wallMs() / 1000;
+        if (asked)
+            QVERIFY(bench.subscribe());
+        bench.clock.advance(5000);
+        if (replied)
+            QVERIFY(bench.settle());
+        QTEST(bench.link->isSilent(start + seconds, 10), "silent");
+        QCOMPARE(bench.link->lastHeardSeconds(), replied ? start + 5 : 0);
     }
 
     void clearingKeepsPauseAndVersion()

@@ -294,14 +294,39 @@ private slots:
         QCOMPARE(seen.size(), 52U);
     }
 
-    void anyValueIsSafeAnywhere()
+    void whatCannotBeIsIgnored()
     {
-        for (const float value : {notANumber, infinity, -infinity, 3.4e38F, -3.4e38F, 1e-45F, -0.0F}) {
+        for (const float value : {notANumber, infinity, -infinity, 3.4e38F, -3.4e38F, 2147483648.0F, -1.1e6F, 1.1e6F}) {
+            for (quint32 id = 0; id < datarefs().size(); ++id) {
+                DatarefSample sample;
+                applyDataref(sample, id, 6);
+                const DatarefSample before = sample;
+                QCOMPARE(applyDataref(sample, id, value), DatarefEvent::None);
+                QVERIFY2(sample.user == before.user && sample.config == before.config && sample.radio == before.radio &&
+                             sample.paused == before.paused && sample.version == before.version,
+                         datarefs()[id].name);
+            }
+        }
+    }
+
+    void theLargestValueIsBelieved()
+    {
+        for (quint32 id = 0; id < datarefs().size(); ++id) {
+            const float most = datarefs()[id].most;
+            QCOMPARE(most, id == 18 ? 90.0F : id == 19 ? 180.0F : id == 12 ? 9999.0F : 1e6F);
+        }
+        for (const float sign : {1.0F, -1.0F}) {
             DatarefSample sample;
-            for (quint32 id = 0; id < datarefs().size(); ++id)
-                applyDataref(sample, id, value);
-            QVERIFY(sample.radio.com1Volume <= 100);
-            QVERIFY(sample.radio.com2Volume <= 100);
+            applyDataref(sample, 18, sign * 90);
+            applyDataref(sample, 19, sign * 180);
+            applyDataref(sample, 20, sign * 1e6F);
+            QCOMPARE(sample.user.latitude, static_cast<double>(sign) * 90);
+            QCOMPARE(sample.user.longitude, static_cast<double>(sign) * 180);
+            QCOMPARE(sample.user.altitudeMslM, static_cast<double>(sign) * 1e6);
+            applyDataref(sample, 18, sign * 90.1F);
+            applyDataref(sample, 19, sign * 180.1F);
+            QCOMPARE(sample.user.latitude, static_cast<double>(sign) * 90);
+            QCOMPARE(sample.user.longitude, static_cast<double>(sign) * 180);
         }
     }
 
@@ -318,7 +343,7 @@ private:
         add("COM1 truncated", 4, 118275.75F, com1, 118275);
         add("COM1 negative", 4, -5, com1, 0);
         add("COM1 not a number", 4, notANumber, com1, 0);
-        add("COM1 too large", 4, infinity, com1, 4294967295.0);
+        add("COM1 too large", 4, infinity, com1, 0);
         add(
             "COM1 standby", 5, 121800, [](const DatarefSample &s) -> double { return s.radio.com1StandbyFrequency; },
             121800);
@@ -353,7 +378,7 @@ private:
         add("code", 12, 2000, code, 2000);
         add("code truncated", 12, 7777.9F, code, 7777);
         add("code negative", 12, -1, code, 0);
-        add("code too large", 12, 1e6F, code, 65535);
+        add("code of four digits", 12, 9999, code, 9999);
     }
 
     static void addPositionRows()

@@ -1,4 +1,4 @@
-#include "simulator/xplane/MessageThreads.h"
+#include "simulator/xplane/MessagePool.h"
 #include "simulator/xplane/PluginLink.h"
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
@@ -50,7 +50,7 @@ private slots:
     void opensWithoutAThreadToReceive()
     {
         const tarvo::test::PluginAddressDir address;
-        startMessageThreads();
+        limitMessagePool();
         PluginLink link;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("receive thread does not start")));
         {

@@ -29,6 +29,11 @@ private slots:
         QTest::newRow("another loopback address")
             << QStringLiteral("127.0.0.2") << false << QStringLiteral("tcp://127.0.0.2:127.0.0.2")
             << QHostAddress(QStringLiteral("127.0.0.2"));
+        QTest::newRow("blanks alone") << QStringLiteral(" \t") << true << ipc << here;
+        QTest::newRow("this machine between blanks") << QStringLiteral(" Localhost ") << true << ipc << here;
+        QTest::newRow("another machine between blanks")
+            << QStringLiteral("\t192.168.7.9 \n") << false << QStringLiteral("tcp://192.168.7.9:192.168.7.9")
+            << QHostAddress(QStringLiteral("192.168.7.9"));
         QTest::newRow("a name") << QStringLiteral("sim%1-pc") << false << QStringLiteral("tcp://sim%1-pc:sim%1-pc")
                                 << QHostAddress();
     }

@@ -2,6 +2,7 @@
 #include "simulator/xplane/PluginMessages.h"
 #include "support/TestRegistry.h"
 
+#include <QPointer>
 #include <QRegularExpression>
 
 using namespace tarvo;
@@ -12,6 +13,8 @@ using Bench = test::AdapterBench;
 namespace message = simulator::xplane::message;
 
 namespace {
+
+using Signal = std::function<void(const Simulator *, QObject *, const std::function<void()> &)>;
 
 const QString failureText = QStringLiteral("模拟器未启动或连接服务异常，请联系TARVO技术部");
 
@@ -114,7 +117,6 @@ private slots:
         bench.endAttempt();
         QCOMPARE(bench.failure->size(), 1);
         QCOMPARE(bench.failure->first().first().toString(), failureText);
-        QVERIFY(bench.answerVersion(65536)); // too late
         bench.tick();
         QCOMPARE(bench.connection->size(), 0);
         bench.plugin->clear();
@@ -123,6 +125,7 @@ private slots:
         QVERIFY(bench.answerVersion(65536));
         bench.tick();
         QCOMPARE(bench.connection->size(), 1);
+        QCOMPARE(bench.restarted->size(), 0);
     }
 
     void attemptNeedsFreshValues()
@@ -175,6 +178,45 @@ private slots:
         QVERIFY(bench.answerVersion(65536));
         bench.tick();
         QCOMPARE(bench.connection->size(), 1);
+    }
+
+    void aReceiverMayReplaceTheAdapter_data()
+    {
+        QTest::addColumn<Signal>("signal");
+        QTest::newRow("mapping") << Signal([](const Simulator *s, QObject *o, const std::function<void()> &deed) {
+            QObject::connect(s, &Simulator::trafficMappingStatusChanged, o, deed);
+        });
+        QTest::newRow("version") << Signal([](const Simulator *s, QObject *o, const std::function<void()> &deed) {
+            QObject::connect(s, &Simulator::pluginVersionChecked, o, deed);
+        });
+        QTest::newRow("invalid version") << Signal(
+            [](const Simulator *s, QObject *o, const std::function<void()> &deed) {
+                QObject::connect(s, &Simulator::invalidPluginVersion, o, deed);
+            });
+        QTest::newRow("paths") << Signal([](const Simulator *s, QObject *o, const std::function<void()> &deed) {
+            QObject::connect(s, &Simulator::cslValidationChecked, o, deed);
+        });
+    }
+
+    /// The old adapter lives until the next turn of the event loop.
+    void aReceiverMayReplaceTheAdapter()
+    {
+        QFETCH(Signal, signal);
+        Bench bench;
+        bench.dial();
+        const QPointer<XPlaneAdapter> old = bench.adapter.get();
+        signal(old, old, [&bench] {
+            if (bench.adapter)
+                bench.adapter.release()->deleteLater();
+        });
+        old->reconnectSimulator();
+        if (bench.adapter) {
+            QTRY_VERIFY(bench.plugin->hasClient());
+            bench.plugin->send(QStringLiteral("VER"), {65535});
+            bench.plugin->send(QStringLiteral("CSL"), {QVariantList{}, true});
+        }
+        QTRY_VERIFY(!old);
+        QTRY_VERIFY(!bench.plugin->hasClient());
     }
 
     void reconnectWhileConnectedDropsTheLinkFirst()

@@ -1,4 +1,4 @@
-#include "simulator/xplane/MessageThreads.h"
+#include "simulator/xplane/MessagePool.h"
 
 #include <nng/nng.h>
 
@@ -10,6 +10,8 @@
 #include <sched.h>
 #include <unistd.h>
 
+// For nng below 1.7, which can't be asked for a number of threads.
+//
 // nng ends every message on a pool of threads, twice as many as the machine has processors. Each that ends a message
 // wakes another for the next one and goes on to take that one itself, so that the other was woken for nothing: in dense
 // traffic this is most of what a message costs. What is done about it here, each by itself, saves a fifth of a client's
@@ -19,7 +21,7 @@ namespace tarvo::simulator::xplane {
 
 namespace {
 
-/// What the library itself makes of a machine with one processor.
+/// What nng itself makes of a machine with one processor.
 constexpr int workingThreads = 2;
 
 /// By then every thread of the pool has given itself its name.
@@ -67,7 +69,7 @@ bool start()
     const sched_param none{};
     const int usual = sched_getscheduler(0);
     const bool changed = usual == SCHED_OTHER && sched_setscheduler(0, SCHED_BATCH, &none) == 0;
-    nng_aio *first = nullptr; // whatever the library is asked for first starts it
+    nng_aio *first = nullptr; // whatever nng is asked for first starts it
     if (nng_aio_alloc(&first, parkSurplus, nullptr) == 0)
         nng_sleep_aio(namedAfterMs, first);
     if (changed)
@@ -77,7 +79,7 @@ bool start()
 
 } // namespace
 
-void startMessageThreads()
+void limitMessagePool()
 {
     static const bool started = start();
     (void)started;

@@ -1,4 +1,4 @@
-#include "simulator/xplane/MessageThreads.h"
+#include "simulator/xplane/MessagePool.h"
 #include "support/TestRegistry.h"
 
 #include <nng/nng.h>
@@ -12,11 +12,11 @@
 
 #include <sched.h>
 
-using tarvo::simulator::xplane::startMessageThreads;
+using tarvo::simulator::xplane::limitMessagePool;
 
 namespace {
 
-/// Callbacks of the message library that hold their thread until this dies.
+/// Callbacks of nng's that hold their thread until this dies.
 class HeldCallbacks
 {
 public:
@@ -65,12 +65,12 @@ QList<int> poolThreads()
 
 } // namespace
 
-class MessageThreadsTest : public QObject
+class MessagePoolTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { startMessageThreads(); }
+    void initTestCase() { limitMessagePool(); }
 
     void twoOfThePoolWork()
     {
@@ -88,5 +88,5 @@ private slots:
     void theCallerStaysAsItWas() { QCOMPARE(sched_getscheduler(0), SCHED_OTHER); }
 };
 
-TARVO_TEST(MessageThreadsTest)
-#include "MessageThreadsTest_linux.moc"
+TARVO_TEST(MessagePoolTest)
+#include "MessagePoolTest_linux.moc"

@@ -1,0 +1,266 @@
+#include "AdapterBench.h"
+#include "support/TestRegistry.h"
+
+#include <QLocalServer>
+#include <QLocalSocket>
+
+using namespace tarvo;
+using simulator::Simulator;
+using Bench = test::AdapterBench;
+
+/// A link that was asked for once comes back by itself.
+class XPlaneAdapterRecoveryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aLateAnswerIsTaken_data()
+    {
+        QTest::addColumn<int>("version");
+        QTest::addColumn<bool>("connects");
+        QTest::newRow("of a plugin that is too old") << 65535 << false;
+        QTest::newRow("of a good one") << 65536 << true;
+    }
+
+    void aLateAnswerIsTaken()
+    {
+        QFETCH(int, version);
+        QFETCH(bool, connects);
+        Bench bench;
+        QVERIFY(bench.begin());
+        bench.endAttempt();
+        QVERIFY(bench.answerVersion(version));
+        bench.tick();
+        QCOMPARE(bench.connection->size(), connects ? 1 : 0);
+        bench.endAttempt();
+        QCOMPARE(bench.failure->size(), 1);
+    }
+
+    void aNewPluginBeginsAnAttempt_data()
+    {
+        QTest::addColumn<std::function<void(Bench &)>>("before");
+        QTest::addColumn<QList<bool>>("connected");
+        const auto add = [](const char *name, std::function<void(Bench &)> before, const QList<bool> &connected) {
+            QTest::newRow(name) << std::move(before) << connected;
+        };
+        add("on a link that is up", [](Bench &bench) { QVERIFY(bench.connect()); }, {true, false, true});
+        add("in an attempt", [](Bench &bench) { QVERIFY(bench.begin()); }, {true});
+        add("after an attempt",
+            [](Bench &bench) {
+                QVERIFY(bench.begin());
+                bench.endAttempt();
+            },
+            {true});
+        add("after its first one has shut down",
+            [](Bench &bench) {
+                QVERIFY(bench.connect());
+                bench.plugin->send(QStringLiteral("SHUTDOWN"));
+                QTRY_COMPARE(bench.connection->size(), 2);
+            },
+            {true, false, true});
+        add("in place of one that was too old",
+            [](Bench &bench) {
+                QVERIFY(bench.begin());
+                QVERIFY(bench.answerVersion(65535));
+                bench.endAttempt();
+            },
+            {true});
+        add("where there was none",
+            [](Bench &bench) {
+                bench.plugin.reset();
+                bench.dial();
+                bench.adapter->reconnectSimulator();
+                bench.endAttempt();
+            },
+            {true});
+    }
+
+    void aNewPluginBeginsAnAttempt()
+    {
+        QFETCH(std::function<void(Bench &)>, before);
+        QFETCH(QList<bool>, connected);
+        Bench bench;
+        before(bench);
+        QStringList order;
+        connect(bench.adapter.get(), &Simulator::simConnectionStateChanged, this,
+                [&order](bool up) { order << (up ? QStringLiteral("up") : QStringLiteral("down")); });
+        connect(bench.adapter.get(), &Simulator::restarted, this, [&order] { order << QStringLiteral("restarted"); });
+        QVERIFY(bench.restartPlugin());
+        QVERIFY(bench.answerVersion(65536));
+        QTRY_VERIFY(bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
+        bench.tick();
+        QCOMPARE(order.mid(order.indexOf(QStringLiteral("up"))),
+                 (QStringList{QStringLiteral("up"), QStringLiteral("restarted")}));
+        QList<bool> seen;
+        for (const QList<QVariant> &one : *bench.connection)
+            seen.append(one.first().toBool());
+        QCOMPARE(seen, connected);
+        bench.adapter->reconnectSimulator(); // the plugin knows everything now
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.restarted->size(), 1);
+    }
+
+    void aPluginIsNotAskedUnlessSomebodyWantsTo()
+    {
+        Bench bench;
+        bench.dial();
+        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.plugin.reset();
+        bench.startPlugin();
+        QTRY_VERIFY(bench.plugin->hasClient());
+        QVERIFY(bench.answerVersion(65536)); // unasked
+        bench.clock.advance(10'000);
+        bench.tick();
+        bench.adapter->networkDisconnected();
+        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("DISCON")});
+        QVERIFY(bench.simulator.datagrams().isEmpty());
+    }
+
+    void aPluginThatMissedMessagesIsToldAnew()
+    {
+        Bench bench;
+        bench.plugin.reset();
+        bench.dial();
+        bench.adapter->reconnectSimulator();
+        const QString text(60'000, u'x');
+        QTest::ignoreMessage(QtWarningMsg, "X-Plane plugin does not read: messages are lost until it does");
+        for (int i = 0; i < 8192 + 200; ++i)
+            bench.adapter->showRadioMessageSent(i < 8192 ? QString() : text);
+        bench.startPlugin();
+        // With the first connection the attempt's own question, and then another.
+        QTRY_COMPARE(bench.plugin->count(QStringLiteral("VER")), 2);
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 1);
+        QCOMPARE(bench.restarted->size(), 1);
+    }
+
+    void aPluginThatComesInAnAttemptProlongsItOnce_data()
+    {
+        QTest::addColumn<bool>("first");
+        QTest::newRow("the first") << true;
+        QTest::newRow("another") << false;
+    }
+
+    void aPluginThatComesInAnAttemptProlongsItOnce()
+    {
+        QFETCH(bool, first);
+        Bench bench;
+        auto *timer = bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"));
+        if (first) {
+            bench.plugin.reset();
+            bench.dial();
+        } else {
+            QVERIFY(bench.connect());
+        }
+        bench.adapter->reconnectSimulator();
+        for (const bool prolongs : {true, false}) {
+            timer->stop();
+            QVERIFY(bench.restartPlugin());
+            QTRY_COMPARE(timer->isActive(), prolongs);
+        }
+        timer->start();
+        bench.endAttempt();
+        QCOMPARE(bench.failure->size(), 1);
+    }
+
+    void anOutageIsToldOnce()
+    {
+        Bench bench;
+        QVERIFY(bench.connect());
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(bench.restartPlugin());
+            bench.endAttempt(); // by itself, and without an answer
+            QCOMPARE(bench.failure->size(), 1);
+        }
+        bench.adapter->reconnectSimulator();
+        bench.endAttempt();
+        QCOMPARE(bench.failure->size(), 2); // who asks gets an answer
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QVERIFY(bench.connection->last().first().toBool());
+        QVERIFY(bench.restartPlugin());
+        bench.endAttempt();
+        QCOMPARE(bench.failure->size(), 3); // another outage
+    }
+
+    void aSilentSimulatorIsCalledEveryTenSeconds_data()
+    {
+        QTest::addColumn<bool>("up");
+        QTest::newRow("on a link that is up") << true;
+        QTest::newRow("after an attempt") << false;
+    }
+
+    void aSilentSimulatorIsCalledEveryTenSeconds()
+    {
+        QFETCH(bool, up);
+        Bench bench;
+        QVERIFY(up ? bench.connect() : bench.begin());
+        if (!up)
+            bench.endAttempt();
+        for (int i = 0; i < 3; ++i) {
+            bench.simulator.clear();
+            bench.clock.advance(9000);
+            bench.tick();
+            bench.adapter->transponderIdent(); // comes behind whatever was sent before
+            QTRY_COMPARE(bench.simulator.commands().size(), 1);
+            QVERIFY(bench.simulator.subscriptions().isEmpty());
+            bench.clock.advance(1000);
+            bench.tick();
+            QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+        }
+        QCOMPARE(bench.plugin->count(QStringLiteral("VER")), 1);
+    }
+
+    void aSimulatorThatIsHeardAgainBeginsAnAttempt()
+    {
+        Bench bench;
+        QVERIFY(bench.connect());
+        bench.clock.advance(16'000);
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 2);
+        bench.plugin->clear();
+        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
+        QVERIFY(bench.report(52, 120105, [&] { return version.size() == 1; }));
+        bench.tick();
+        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.connection->size(), 3);
+        QCOMPARE(bench.restarted->size(), 0); // the plugin was there all the time
+        bench.plugin->send(QStringLiteral("SHUTDOWN"));
+        QTRY_COMPARE(bench.connection->size(), 4);
+        bench.tick(); // still heard: nothing new
+        bench.adapter->networkDisconnected();
+        QTRY_COMPARE(bench.plugin->names().mid(1), QStringList{QStringLiteral("DISCON")});
+    }
+
+    /// Whoever takes the connection and says nothing sees how the dialling begins anew.
+    void dialsAnewWhereNoPluginIs()
+    {
+        Bench bench;
+        bench.plugin.reset();
+        QLocalServer mute;
+        QVERIFY(mute.listen(bench.address.url().mid(6)));
+        int calls = 0;
+        connect(&mute, &QLocalServer::newConnection, &mute, [&calls] { ++calls; });
+        bench.dial();
+        bench.adapter->reconnectSimulator(); // too soon after the dial
+        QTRY_COMPARE(calls, 1);
+        bench.clock.advance(1000);
+        bench.adapter->reconnectSimulator();
+        QTRY_COMPARE(calls, 2);
+        for (int expected : {3, 4}) {
+            bench.clock.advance(9000);
+            bench.tick();
+            bench.clock.advance(1000);
+            bench.tick();
+            bench.tick();
+            QTRY_COMPARE(calls, expected);
+        }
+    }
+};
+
+TARVO_TEST(XPlaneAdapterRecoveryTest)
+#include "XPlaneAdapterRecoveryTest.moc"
