@@ -3,6 +3,7 @@
 #include "network/ApiService.h"
 #include "ui/DurationText.h"
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/ShownText.h"
 
 #include <QPointer>
 
@@ -13,14 +14,18 @@ namespace tarvo::ui {
 namespace {
 
 constexpr qsizetype leaderboardRows = 10;
+constexpr qsizetype flightRows = 200;
+// Characters that a row has room for.
+constexpr qsizetype longestCallsign = 32;
+constexpr qsizetype longestName = 64;
 
 QVariantList historyRows(QList<model::UserHistoryEntry> flights)
 {
     std::stable_sort(flights.begin(), flights.end(),
                      [](const auto &a, const auto &b) { return a.startTime > b.startTime; });
     QVariantList rows;
-    for (const model::UserHistoryEntry &flight : flights) {
-        rows.append(QVariantMap{{QStringLiteral("callsign"), flight.callsign},
+    for (const model::UserHistoryEntry &flight : flights.first(std::min(flightRows, flights.size()))) {
+        rows.append(QVariantMap{{QStringLiteral("callsign"), shownText(flight.callsign, longestCallsign)},
                                 {QStringLiteral("time"), flightTimeText(flight.startTime, flight.endTime)},
                                 {QStringLiteral("duration"), durationText(flight.onlineTime)}});
     }
@@ -32,7 +37,7 @@ QVariantList leaderboard(const QList<model::RatingEntry> &entries)
     QVariantList rows;
     for (const model::RatingEntry &entry : entries.first(std::min(leaderboardRows, entries.size()))) {
         rows.append(QVariantMap{{QStringLiteral("rank"), rows.size() + 1},
-                                {QStringLiteral("name"), entry.username},
+                                {QStringLiteral("name"), shownText(entry.username, longestName)},
                                 {QStringLiteral("cid"), QString::number(entry.cid)},
                                 {QStringLiteral("time"), durationText(entry.time)}});
     }

@@ -98,6 +98,43 @@ private slots:
         QCOMPARE(last[u"time"_qs].toString(), u"时间未知"_qs);
     }
 
+    void whatThePageCannotHoldIsCut()
+    {
+        Page page;
+        page.signIn();
+        const QString endless(1'000'000, u'X');
+        page.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs,
+                    QJsonObject{{u"pilots"_qs, QJsonArray{flight(endless, u""_qs, u""_qs, 0)}}});
+        page.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
+                    QJsonObject{{u"pilots"_qs, QJsonArray{QJsonObject{{u"cid"_qs, 1}, {u"username"_qs, endless}}}}});
+        page.feed.loadUserHistory();
+        page.feed.loadLeaderboard();
+        QTRY_COMPARE(page.dashboard.recentFlights().size(), 1);
+        QTRY_COMPARE(page.dashboard.pilotLeaderboard().size(), 1);
+        QCOMPARE(page.dashboard.recentFlights()[0].toMap()[u"callsign"_qs].toString(), QString(32, u'X'));
+        QCOMPARE(page.dashboard.pilotLeaderboard()[0].toMap()[u"name"_qs].toString(), QString(64, u'X'));
+        page.dashboard.setUserInfo(endless, endless, endless);
+        QCOMPARE(page.dashboard.username().size(), 64);
+        QCOMPARE(page.dashboard.cid().size(), 64);
+        QCOMPARE(page.dashboard.rating().size(), 64);
+    }
+
+    void theNewestFlightsAreEnough()
+    {
+        Page page;
+        page.signIn();
+        QJsonArray flights;
+        for (int i = 0; i < 300; ++i)
+            flights.append(flight(
+                u"CES%1"_qs.arg(i),
+                u"2026-03-01T08:%1:%2"_qs.arg(i / 60, 2, 10, QLatin1Char('0')).arg(i % 60, 2, 10, QLatin1Char('0')),
+                u"2026-03-01T09:30:00"_qs, 60));
+        page.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs, QJsonObject{{u"pilots"_qs, flights}});
+        page.feed.loadUserHistory();
+        QTRY_COMPARE(page.dashboard.recentFlights().size(), 200);
+        QCOMPARE(page.dashboard.recentFlights().constFirst().toMap()[u"callsign"_qs].toString(), u"CES299"_qs);
+    }
+
     void showsTheTenBest()
     {
         Page page;

@@ -1,23 +1,26 @@
 #include "ui/viewmodel/DashboardViewModel.h"
 
 #include "common/Clock.h"
+#include "ui/viewmodel/ShownText.h"
 
 namespace tarvo::ui {
 
 namespace {
-constexpr qsizetype longestUsername = 64; ///< characters; a page lays it out on one line
+constexpr qsizetype longestText = 64; ///< characters; a page lays it out on one line
 } // namespace
 
 DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock) : QObject(parent), m_clock(clock) {}
 
 void DashboardViewModel::setUserInfo(const QString &username, const QString &cid, const QString &rating)
 {
-    const QString shownName = username.left(longestUsername);
-    if (shownName == m_username && cid == m_cid && rating == m_rating)
+    const QString shownName = shownText(username, longestText);
+    const QString shownCid = shownText(cid, longestText);
+    const QString shownRating = shownText(rating, longestText);
+    if (shownName == m_username && shownCid == m_cid && shownRating == m_rating)
         return;
     m_username = shownName;
-    m_cid = cid;
-    m_rating = rating;
+    m_cid = shownCid;
+    m_rating = shownRating;
     emit userInfoChanged();
 }
 
@@ -80,19 +83,16 @@ void DashboardViewModel::setFlightData(double latitude, double longitude, double
 
 void DashboardViewModel::setRecentFlights(const QVariantList &flights)
 {
-    if (flights == m_recentFlights)
-        return;
-    m_recentFlights = flights;
-    emit recentFlightsChanged();
+    if (m_recentFlights.setRows(flights))
+        emit recentFlightsChanged();
 }
 
 void DashboardViewModel::setLeaderboard(const QVariantList &pilots, const QVariantList &controllers)
 {
-    if (pilots == m_pilotLeaderboard && controllers == m_atcLeaderboard)
-        return;
-    m_pilotLeaderboard = pilots;
-    m_atcLeaderboard = controllers;
-    emit leaderboardChanged();
+    const bool otherPilots = m_pilotLeaderboard.setRows(pilots);
+    const bool otherControllers = m_atcLeaderboard.setRows(controllers);
+    if (otherPilots || otherControllers)
+        emit leaderboardChanged();
 }
 
 void DashboardViewModel::appendServerLog(const QString &text)

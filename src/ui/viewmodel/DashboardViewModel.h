@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "ui/viewmodel/LineLog.h"
+#include "ui/viewmodel/RowList.h"
 
 #include <QObject>
 #include <QString>
@@ -32,8 +33,11 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(double groundSpeed READ groundSpeed NOTIFY flightDataChanged)
     Q_PROPERTY(QString serverLog READ serverLog NOTIFY serverLogChanged)
     Q_PROPERTY(QVariantList recentFlights READ recentFlights NOTIFY recentFlightsChanged)
+    Q_PROPERTY(tarvo::ui::RowList *recentFlightRows READ recentFlightRows CONSTANT)
     Q_PROPERTY(QVariantList pilotLeaderboard READ pilotLeaderboard NOTIFY leaderboardChanged)
+    Q_PROPERTY(tarvo::ui::RowList *pilotLeaderboardRows READ pilotLeaderboardRows CONSTANT)
     Q_PROPERTY(QVariantList atcLeaderboard READ atcLeaderboard NOTIFY leaderboardChanged)
+    Q_PROPERTY(tarvo::ui::RowList *atcLeaderboardRows READ atcLeaderboardRows CONSTANT)
 
 public:
     explicit DashboardViewModel(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
@@ -55,12 +59,15 @@ public:
     double heading() const { return m_heading; }         ///< degrees
     double groundSpeed() const { return m_groundSpeed; } ///< knots
     QString serverLog() const { return m_serverLog.text(); }
-    QVariantList recentFlights() const { return m_recentFlights; }
-    QVariantList pilotLeaderboard() const { return m_pilotLeaderboard; }
-    QVariantList atcLeaderboard() const { return m_atcLeaderboard; }
+    QVariantList recentFlights() const { return m_recentFlights.toList(); }
+    RowList *recentFlightRows() { return &m_recentFlights; }
+    QVariantList pilotLeaderboard() const { return m_pilotLeaderboard.toList(); }
+    RowList *pilotLeaderboardRows() { return &m_pilotLeaderboard; }
+    QVariantList atcLeaderboard() const { return m_atcLeaderboard.toList(); }
+    RowList *atcLeaderboardRows() { return &m_atcLeaderboard; }
 
     // The program's side. Each emits only on a change.
-    /// A longer user name is cut to 64 characters.
+    /// Longer texts are cut to 64 characters.
     void setUserInfo(const QString &username, const QString &cid, const QString &rating);
     void setTimes(const QString &pilotTime, const QString &atcTime);
     void setAvatarUrl(const QString &avatarUrl);
@@ -114,9 +121,9 @@ private:
     double m_heading = 0;
     double m_groundSpeed = 0;
     LineLog m_serverLog;
-    QVariantList m_recentFlights;
-    QVariantList m_pilotLeaderboard;
-    QVariantList m_atcLeaderboard;
+    RowList m_recentFlights{{"callsign", "time", "duration"}};
+    RowList m_pilotLeaderboard{{"rank", "name", "cid", "time"}};
+    RowList m_atcLeaderboard{{"rank", "name", "cid", "time"}};
 };
 
 } // namespace tarvo::ui

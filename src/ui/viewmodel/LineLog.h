@@ -10,9 +10,6 @@ namespace tarvo::ui {
 class LineLog
 {
 public:
-    /// `text` as one line of bounded length: cut to `maximumLineLength`, with line breaks made blanks.
-    static QString flattened(const QString &text);
-
     /// The oldest lines go beyond this.
     static constexpr qsizetype maximumLines = 2000;
     /// A longer line is cut, so that a hostile text can't fill the memory.

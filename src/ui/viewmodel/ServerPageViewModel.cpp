@@ -3,6 +3,7 @@
 #include "common/Callsign.h"
 #include "common/Clock.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "ui/viewmodel/ShownText.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -14,6 +15,10 @@ namespace {
 
 constexpr int maximumSuggestions = 10;
 constexpr qsizetype maximumEvents = 2000;
+// Characters that a page has room for.
+constexpr qsizetype longestTitle = 200;
+constexpr qsizetype longestDetail = 500;
+constexpr qsizetype longestProfileText = 64;
 
 /// What the page says in one simulator mode. The first of each pair is for an observer.
 struct ModeTexts
@@ -150,9 +155,10 @@ void ServerPageViewModel::setCurrentMode(const QString &mode)
 
 void ServerPageViewModel::setProfile(const QString &realName, const QString &homeAirport)
 {
-    if (realName == m_realName && homeAirport == m_homeAirport)
+    const QString shownName = shownText(realName, longestProfileText);
+    if (shownName == m_realName && homeAirport == m_homeAirport)
         return;
-    m_realName = realName;
+    m_realName = shownName;
     m_homeAirport = homeAirport;
     emit profileChanged();
 }
@@ -167,12 +173,11 @@ void ServerPageViewModel::appendLog(const QString &text)
 void ServerPageViewModel::addRecentEvent(const QString &title, const QString &detail, const QString &tag)
 {
     const QString time = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs()).toString(QStringLiteral("hh:mm:ss"));
-    if (m_recentEvents.size() >= maximumEvents)
-        m_recentEvents.removeLast();
-    m_recentEvents.prepend(QVariantMap{{QStringLiteral("time"), time},
-                                       {QStringLiteral("title"), LineLog::flattened(title)},
-                                       {QStringLiteral("detail"), LineLog::flattened(detail)},
-                                       {QStringLiteral("tag"), tag}});
+    m_recentEvents.prepend({{QStringLiteral("time"), time},
+                            {QStringLiteral("title"), shownText(title, longestTitle)},
+                            {QStringLiteral("detail"), shownText(detail, longestDetail)},
+                            {QStringLiteral("tag"), tag}},
+                           maximumEvents);
     emit recentEventsChanged();
 }
 
@@ -194,7 +199,7 @@ void ServerPageViewModel::clearServerLog()
         emit logCleared();
         emit logChanged();
     }
-    m_recentEvents.clear();
+    m_recentEvents.setRows({});
     addRecentEvent(tr("日志已清空"), tr("服务器日志和最近事件已重置。"), tr("系统"));
 }
 
@@ -217,10 +222,8 @@ void ServerPageViewModel::applyTypeCodeSuggestion(const QString &designator)
 
 void ServerPageViewModel::setSuggestions(const QVariantList &suggestions)
 {
-    if (suggestions == m_typeCodeSuggestions)
-        return;
-    m_typeCodeSuggestions = suggestions;
-    emit typeCodeSuggestionsChanged();
+    if (m_typeCodeSuggestions.setRows(suggestions))
+        emit typeCodeSuggestionsChanged();
 }
 
 void ServerPageViewModel::formEdited()

@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "ui/viewmodel/LineLog.h"
+#include "ui/viewmodel/RowList.h"
 
 #include <QObject>
 #include <QString>
@@ -39,7 +40,9 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(QString homeAirport READ homeAirport NOTIFY profileChanged)
     Q_PROPERTY(QString serverLog READ serverLog NOTIFY logChanged)
     Q_PROPERTY(QVariantList recentEvents READ recentEvents NOTIFY recentEventsChanged)
+    Q_PROPERTY(tarvo::ui::RowList *recentEventRows READ recentEventRows CONSTANT)
     Q_PROPERTY(QVariantList typeCodeSuggestions READ typeCodeSuggestions NOTIFY typeCodeSuggestionsChanged)
+    Q_PROPERTY(tarvo::ui::RowList *typeCodeSuggestionRows READ typeCodeSuggestionRows CONSTANT)
 
 public:
     explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr,
@@ -71,9 +74,11 @@ public:
     QString homeAirport() const { return m_homeAirport; }
     QString serverLog() const { return m_serverLog.text(); }
     /// Newest first; maps with "time", "title", "detail" and "tag". The oldest rows go beyond 2,000.
-    QVariantList recentEvents() const { return m_recentEvents; }
+    QVariantList recentEvents() const { return m_recentEvents.toList(); }
+    RowList *recentEventRows() { return &m_recentEvents; }
     /// Maps with "designator", "title" and "detail".
-    QVariantList typeCodeSuggestions() const { return m_typeCodeSuggestions; }
+    QVariantList typeCodeSuggestions() const { return m_typeCodeSuggestions.toList(); }
+    RowList *typeCodeSuggestionRows() { return &m_typeCodeSuggestions; }
 
     void setCallsign(const QString &callsign);
     void setTypeCode(const QString &typeCode);
@@ -91,7 +96,7 @@ public:
     void setProfile(const QString &realName, const QString &homeAirport);
     /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
     void appendLog(const QString &text);
-    /// Texts are flattened and cut as a line of the log.
+    /// Each text becomes one line, cut to what the list shows of it.
     void addRecentEvent(const QString &title, const QString &detail, const QString &tag);
 
     Q_INVOKABLE void requestConnect();
@@ -146,8 +151,8 @@ private:
     QString m_realName;
     QString m_homeAirport;
     LineLog m_serverLog;
-    QVariantList m_recentEvents;
-    QVariantList m_typeCodeSuggestions;
+    RowList m_recentEvents{{"time", "title", "detail", "tag"}};
+    RowList m_typeCodeSuggestions{{"designator", "title", "detail"}};
 };
 
 } // namespace tarvo::ui

@@ -8,7 +8,6 @@ CustomTextField {
     id: field
 
     required property var server
-    readonly property var suggestions: server?.typeCodeSuggestions ?? []
 
     text: server?.typeCode ?? ""
     font.capitalization: Font.AllUppercase
@@ -37,20 +36,28 @@ CustomTextField {
 
     function move(event: var, step: int): void {
         event.accepted = popup.visible
-        const count = suggestions.length
-        if (popup.visible && count > 0)
+        const count = list.count
+        if (popup.visible)
             list.currentIndex = list.currentIndex < 0 && step < 0 ? count - 1 : (list.currentIndex + step + count) % count
     }
 
     function take(event: var): void {
         event.accepted = popup.visible && list.currentIndex >= 0
         if (event.accepted)
-            apply(suggestions[list.currentIndex].designator)
+            apply(list.currentItem.designator)
     }
 
     function apply(designator: string): void {
         Qt.inputMethod.commit() // qmllint disable type
         server?.applyTypeCodeSuggestion(designator)
+    }
+
+    Connections {
+        target: field.server
+
+        function onTypeCodeSuggestionsChanged(): void {
+            list.currentIndex = -1
+        }
     }
 
     Popup {
@@ -62,7 +69,7 @@ CustomTextField {
         padding: Style.spacingTiny
         focus: false
         closePolicy: Popup.NoAutoClose
-        visible: field.activeFocus && field.suggestions.length > 0
+        visible: field.activeFocus && list.count > 0
         height: Math.min(list.contentHeight, 5.5 * 44) + 2 * padding
 
         background: Rectangle {
@@ -76,23 +83,24 @@ CustomTextField {
 
             anchors.fill: parent
             clip: true
-            model: field.suggestions
+            model: field.server?.typeCodeSuggestionRows ?? null
             currentIndex: -1
             boundsBehavior: Flickable.StopAtBounds
             highlightMoveDuration: 0
             ScrollBar.vertical: CustomScrollBar {}
-            onModelChanged: currentIndex = -1
 
             delegate: AbstractButton {
                 id: row
 
-                required property var modelData
+                required property string designator
+                required property string title
+                required property string detail
                 required property int index
 
                 width: ListView.view.width
                 height: 44
                 focusPolicy: Qt.NoFocus
-                onClicked: field.apply(row.modelData.designator) // qmllint disable unqualified
+                onClicked: field.apply(row.designator) // qmllint disable unqualified
 
                 background: Rectangle {
                     radius: Style.radiusSmall
@@ -104,7 +112,7 @@ CustomTextField {
                     AppText {
                         Layout.leftMargin: Style.spacingSmall
                         Layout.preferredWidth: 44
-                        text: row.modelData.designator
+                        text: row.designator
                         font.weight: Font.DemiBold
                     }
 
@@ -114,14 +122,14 @@ CustomTextField {
 
                         AppText {
                             Layout.fillWidth: true
-                            text: row.modelData.title
+                            text: row.title
                             font.pixelSize: 13
                             elide: Text.ElideRight
                         }
 
                         AppText {
                             Layout.fillWidth: true
-                            text: row.modelData.detail
+                            text: row.detail
                             color: Style.textMuted
                             font.pixelSize: 11
                             elide: Text.ElideRight

@@ -3,68 +3,15 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
-/// Recent events, newest first. A reader who has scrolled down keeps his place while new ones come.
+/// Recent events, newest first: rows with "time", "title", "detail" and "tag". A reader who has scrolled down keeps his
+/// place while new ones come.
 ListView {
     id: list
 
-    /// Has "recentEvents", maps with "time", "title", "detail" and "tag"; or null.
-    required property var source
-    /// The number of the newest event.
-    property int newest: 0
-
     clip: true
-    model: keyed.rows
-    Component.onCompleted: show()
-    onSourceChanged: show()
     spacing: Style.spacingSmall
     boundsBehavior: Flickable.StopAtBounds
     ScrollBar.vertical: CustomScrollBar {}
-
-    function show(): void {
-        const rows = (source?.recentEvents ?? []).map(row => ({
-            key: 0,
-            time: row?.time ?? "",
-            title: row?.title ?? "",
-            detail: row?.detail ?? "",
-            tag: row?.tag ?? ""
-        }))
-        newest += arrived(rows)
-        rows.forEach((row, index) => row.key = newest - index)
-        keyed.follow(rows)
-    }
-
-    /// How many are new. Events have no key; but they come at the front and go at the end alone, so that the rest lines up
-    /// with what is shown.
-    function arrived(rows: var): int {
-        let count = Math.max(0, rows.length - keyed.shown.length)
-        while (count < rows.length && !continues(rows, count))
-            count += 1
-        return count
-    }
-
-    function continues(rows: var, from: int): bool {
-        for (let i = from; i < rows.length; ++i)
-            for (const part of ["time", "title", "detail", "tag"])
-                if (rows[i][part] !== keyed.shown[i - from][part])
-                    return false
-        return true
-    }
-
-    KeyedList { id: keyed }
-
-    Later {
-        id: laterShow
-
-        onTriggered: list.show()
-    }
-
-    Connections {
-        target: list.source
-
-        function onRecentEventsChanged(): void {
-            laterShow.start()
-        }
-    }
 
     delegate: ColumnLayout {
         id: event

@@ -97,7 +97,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 3
                     Layout.preferredHeight: 260
-                    flights: page.dashboard?.recentFlights ?? []
+                    flights: page.dashboard?.recentFlightRows ?? null
                 }
 
                 Card {
@@ -148,7 +148,7 @@ ColumnLayout {
                     title: qsTr("飞行员排行榜")
                     note: qsTr("TOP 10")
                     timeTitle: qsTr("累计飞行")
-                    rows: page.dashboard?.pilotLeaderboard ?? []
+                    rows: page.dashboard?.pilotLeaderboardRows ?? null
                 }
 
                 LeaderboardCard {
@@ -157,7 +157,7 @@ ColumnLayout {
                     Layout.preferredWidth: 1
                     title: qsTr("管制员排行榜")
                     timeTitle: qsTr("累计管制")
-                    rows: page.dashboard?.atcLeaderboard ?? []
+                    rows: page.dashboard?.atcLeaderboardRows ?? null
                 }
             }
         }

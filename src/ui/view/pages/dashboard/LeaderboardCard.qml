@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Layouts
 import "../.."
 
-/// The best ten of one kind: maps with "rank", "name", "cid" and "time", best first.
+/// The best ten of one kind: rows with "rank", "name", "cid" and "time", best first.
 Card {
     id: card
 
     property string title: ""
     property string note: ""
     property string timeTitle: ""
-    property var rows: []
+    property alias rows: places.model
 
     ColumnLayout {
         anchors.fill: parent
@@ -22,13 +22,15 @@ Card {
         }
 
         Repeater {
-            model: card.rows.slice(0, 10)
+            id: places
 
             RowLayout {
                 id: row
 
-                required property var modelData
                 required property int index
+                required property string name
+                required property string cid
+                required property string time
                 readonly property bool podium: index < 3
 
                 Layout.fillWidth: true
@@ -43,7 +45,7 @@ Card {
 
                     AppText {
                         anchors.centerIn: parent
-                        text: String(row.modelData?.rank ?? row.index + 1)
+                        text: String(row.index + 1)
                         color: row.podium ? Style.buttonText : Style.textSecondary
                         font.pixelSize: Style.fontSmall
                         font.weight: Font.DemiBold
@@ -52,12 +54,12 @@ Card {
 
                 AppText {
                     Layout.fillWidth: true
-                    text: row.modelData?.name || String(row.modelData?.cid ?? "--")
+                    text: row.name || row.cid
                     elide: Text.ElideRight
                 }
 
                 AppText {
-                    text: row.modelData?.time ?? "--"
+                    text: row.time
                     color: Style.textSecondary
                     font.pixelSize: 13
                 }
@@ -65,7 +67,7 @@ Card {
         }
 
         AppText {
-            visible: card.rows.length === 0
+            visible: places.count === 0
             Layout.fillWidth: true
             Layout.preferredHeight: 64
             horizontalAlignment: Text.AlignHCenter

@@ -3,11 +3,11 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
-/// The pilot's last flights: maps with "callsign", "time" and "duration", newest first.
+/// The pilot's last flights: rows with "callsign", "time" and "duration", newest first.
 Card {
     id: card
 
-    property var flights: []
+    property alias flights: list.model
 
     ColumnLayout {
         anchors.fill: parent
@@ -16,7 +16,7 @@ Card {
         SectionTitle {
             Layout.fillWidth: true
             title: qsTr("最近飞行")
-            note: card.flights.length > 0 ? qsTr("%1 次").arg(card.flights.length) : ""
+            note: list.count > 0 ? qsTr("%1 次").arg(list.count) : ""
         }
 
         ListView {
@@ -26,13 +26,14 @@ Card {
             Layout.fillHeight: true
             clip: true
             boundsBehavior: Flickable.StopAtBounds
-            model: card.flights
             ScrollBar.vertical: CustomScrollBar {}
 
             delegate: Item {
                 id: row
 
-                required property var modelData
+                required property string callsign
+                required property string time
+                required property string duration
                 required property int index
 
                 width: ListView.view.width
@@ -52,21 +53,21 @@ Card {
 
                     AppText {
                         Layout.preferredWidth: 128 // a callsign of twelve characters
-                        text: row.modelData?.callsign ?? "--"
+                        text: row.callsign
                         font.weight: Font.DemiBold
                         elide: Text.ElideRight
                     }
 
                     AppText {
                         Layout.fillWidth: true
-                        text: row.modelData?.time ?? "--"
+                        text: row.time
                         color: Style.textSecondary
                         font.pixelSize: 13
                         elide: Text.ElideRight
                     }
 
                     AppText {
-                        text: row.modelData?.duration ?? "--"
+                        text: row.duration
                         font.pixelSize: 13
                     }
                 }

@@ -153,7 +153,7 @@ ColumnLayout {
                         objectName: "eventList"
                         Layout.fillWidth: true
                         Layout.fillHeight: true
-                        source: page.server
+                        model: page.server?.recentEventRows ?? null
                     }
                 }
             }
