@@ -1,15 +1,15 @@
 #include "AppConfig.h"
 
 #include "ConfigCipher.h"
-#include "IniGuard.h"
+#include "IniFormat.h"
 #include "MsfsFolders.h"
 #include "ServiceEndpoints.h"
 
 #include <QCoreApplication>
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSettings>
 
 #include <cmath>
 #include <type_traits>
@@ -54,23 +54,6 @@ void keepToTheUser(const QString &path)
         QFile::setPermissions(path, permissions & ~others);
 }
 
-bool isHarmful(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && holdsSerializedObject(file.readAll());
-}
-
-/// Keeps the file under another name. False when it still stands where it stood.
-bool setAside(const QString &path)
-{
-    const QString aside = path + QStringLiteral(".damaged");
-    QFile::remove(aside);
-    if (!QFile::rename(path, aside))
-        return QFile::remove(path);
-    keepToTheUser(aside); // it may hold the password as well
-    return true;
-}
-
 } // namespace
 
 AppConfig &AppConfig::instance()
@@ -80,28 +63,45 @@ AppConfig &AppConfig::instance()
 }
 
 AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
-    : QObject(parent), m_dataRoot(dataRoot), m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini")))
+    : QObject(parent),
+      m_dataRoot(dataRoot),
+      m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini"))),
+      m_copy(m_configPath)
 {
-    openFile();
+    m_settings = std::make_unique<QSettings>(m_configPath, ini::format());
+    const bool readWell = !bringBackWhatIsLost();
     writeMissingDefaults();
     keepToTheUser(m_configPath);
     detectFolders();
+    if (readWell)
+        m_copy.take();
 }
 
-/// A file that can't be ours is set aside, and the program starts with its defaults. Where it can't be moved, the
-/// settings live elsewhere until the program ends: QSettings must not read it.
-void AppConfig::openFile()
+AppConfig::~AppConfig() = default;
+
+/// True when the file lacked a key that the last good copy has. A file that isn't there at all is a fresh start.
+bool AppConfig::bringBackWhatIsLost()
 {
-    QString path = m_configPath;
-    if (isHarmful(path)) {
-        m_startupWarning = QStringLiteral("AppConfig: config.ini holds a serialized object and was set aside");
-        if (!setAside(path)) {
-            m_startupWarning = QStringLiteral("AppConfig: config.ini holds a serialized object and is not used");
-            m_substitute = std::make_unique<QTemporaryDir>();
-            path = m_substitute->filePath(QStringLiteral("config.ini"));
-        }
+    if (!QFileInfo::exists(m_configPath))
+        return false;
+    const QSettings::SettingsMap copied = m_copy.values();
+    int lost = 0;
+    for (const config::AnyKey &anyKey : config::storedKeys) {
+        const QString name = std::visit([](const auto &key) { return QString::fromUtf8(key.key); }, anyKey);
+        if (!copied.contains(name) || m_settings->contains(name))
+            continue;
+        m_settings->setValue(name, copied.value(name));
+        ++lost;
     }
-    m_settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    if (lost == 0)
+        return false;
+    m_copy.keepDamagedFile();
+    m_settings->sync();
+    m_startupWarning =
+        QStringLiteral("AppConfig: config.ini had lost %1 settings, which came back from config.ini.bak; "
+                       "the damaged file is kept as config.ini.damaged")
+            .arg(lost);
+    return true;
 }
 
 void AppConfig::writeMissingDefaults()
@@ -201,6 +201,7 @@ QString AppConfig::encrypted(const char *key, const QString &plain)
     const QString name = QString::fromUtf8(key);
     if (plain.isEmpty()) { // an empty text stays empty in the file
         m_decrypted.remove(name);
+        m_copy.forget(name); // a secret that the pilot took back doesn't come back
         return {};
     }
     QString stored = cipher::encrypt(plain, configSecret());

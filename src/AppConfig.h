@@ -1,23 +1,25 @@
 #pragma once
 
+#include "ConfigCopy.h"
 #include "ConfigKey.h"
 
 #include <QMap>
 #include <QObject>
-#include <QSettings>
 #include <QString>
 #include <QStringList>
-#include <QTemporaryDir>
 #include <QVariant>
 
 #include <memory>
+
+class QSettings;
 
 namespace tarvo {
 
 /// The one place for settings: "config.ini" in the data root. Main thread only.
 ///
 /// Reading never fails: a malformed value converts to the type's zero. Every write is synced to the file at once and
-/// then announced. An unwritable file is not an error here; the values go on working in memory.
+/// then announced. An unwritable file is not an error here; the values go on working in memory. What the file has lost
+/// since the last start that read it well comes back from the copy of then.
 class AppConfig : public QObject
 {
     Q_OBJECT
@@ -28,6 +30,7 @@ public:
 
     /// Settings in another folder, for tests. Writes missing defaults and detects the MSFS folders.
     explicit AppConfig(const QString &dataRoot, QObject *parent = nullptr);
+    ~AppConfig() override;
 
     QString get(const StringKey &key) const;
     bool get(const BoolKey &key) const;
@@ -45,7 +48,8 @@ public:
     /// Sets a text key to its default.
     void reset(const StringKey &key);
 
-    /// What went wrong with the file at the start, for the log, which opens later; empty when nothing did.
+    /// What had to be mended in the file at the start, for the log, which opens later; empty when nothing was. Settings
+    /// were lost then and came back, which the pilot is told.
     QString startupWarning() const { return m_startupWarning; }
 
     /// "logs" in the data root.
@@ -64,7 +68,7 @@ private:
         QString plain;
     };
 
-    void openFile();
+    bool bringBackWhatIsLost();
     void writeMissingDefaults();
     void detectFolders();
     QVariant read(const char *key, const QVariant &defaultValue = {}) const;
@@ -73,11 +77,10 @@ private:
     void store(const char *key, const QVariant &value);
     void announce(const char *key);
 
-    /// Holds the settings while a harmful file can't be moved out of the way; gone with the program.
-    std::unique_ptr<QTemporaryDir> m_substitute;
-    std::unique_ptr<QSettings> m_settings; // goes before its folder
+    std::unique_ptr<QSettings> m_settings;
     QString m_dataRoot;
     QString m_configPath;
+    ConfigCopy m_copy;
     QString m_startupWarning;
     QMap<QString, QVariant> m_volatile;
     /// The last plain text of each encrypted key: deriving the cipher's key is slow on purpose.

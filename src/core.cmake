@@ -2,8 +2,11 @@ tarvo_module(core
     SOURCES
         AppConfig.cpp AppConfig.h
         ConfigCipher.cpp ConfigCipher.h
+        ConfigCopy.cpp ConfigCopy.h
         ConfigKey.h
-        IniGuard.cpp IniGuard.h
+        IniFormat.cpp IniFormat.h
+        IniParser.cpp
+        IniPrinter.cpp
         Logging.cpp Logging.h
         MsfsFolders.cpp MsfsFolders.h
         QAESEncryption.cpp QAESEncryption.h

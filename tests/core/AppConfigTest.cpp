@@ -167,6 +167,7 @@ private slots:
         QTest::newRow("semicolon, hash, percent, equals") << QStringLiteral(";#%20=[x]");
         QTest::newRow("at sign") << QStringLiteral("@Invalid()");
         QTest::newRow("looks like an object") << QStringLiteral("@Variant(x)");
+        QTest::newRow("holds what looks like one") << QStringLiteral("of @Variant(x) and @DateTime(y)");
         QTest::newRow("quotes and backslash") << QStringLiteral("\"C:\\new\\x41\"");
         QTest::newRow("line ends and NUL") << QStringLiteral("a\r\nb") + QChar(u'\0') + u'c';
         QTest::newRow("blanks at the ends") << QStringLiteral("  a  ");
@@ -184,6 +185,7 @@ private slots:
         }
         const AppConfig restarted(m_dir->path());
         QCOMPARE(restarted.get(config::profileRealname), text);
+        QCOMPARE(restarted.startupWarning(), QString());
     }
 
     void volatileValuesStayInMemory()
@@ -193,10 +195,12 @@ private slots:
             QSignalSpy changes(&settings, &AppConfig::configChanged);
             settings.set(config::authToken, QStringLiteral("t0ken"));
             QCOMPARE(settings.get(config::authToken), QStringLiteral("t0ken"));
+            QCOMPARE(changes.size(), 1);
             QCOMPARE(changes.takeFirst(), QVariantList{QStringLiteral("Auth/Token")});
             QVERIFY(!readFile().contains("t0ken"));
             settings.reset(config::authToken);
             QCOMPARE(settings.get(config::authToken), QString());
+            QCOMPARE(changes.size(), 1);
             QCOMPARE(changes.takeFirst(), QVariantList{QStringLiteral("Auth/Token")});
             settings.set(config::authToken, QStringLiteral("again"));
         }
@@ -438,26 +442,105 @@ private slots:
         QCOMPARE(AppConfig(m_dir->path()).startupWarning(), QString());
     }
 
-    void aSerializedObjectIsSetAside_data()
+    /// What crafted bytes of an object can do: end the process by their size or depth.
+    void objectsAreReadAsText_data()
     {
         QTest::addColumn<QByteArray>("value");
-        // A list of 2^31 items, and lists in lists deeper than the stack.
+        const QByteArray nested = "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(200'000) + ")";
         QTest::newRow("too large") << QByteArray("@Variant(\\0\\0\\0\\t\\x7f\\xff\\xff\\xff)");
-        QTest::newRow("too deep") << "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(200000) + ")";
+        QTest::newRow("too deep") << nested;
+        QTest::newRow("escaped DOS line end before it") << "\\\r\n" + nested;
+        QTest::newRow("the other line end before it") << "\\\n\r" + nested;
+        QTest::newRow("number without digits before it") << "\\x" + nested;
+        QTest::newRow("mark behind an escape") << "\\q\xEF\xBB\xBF" + nested;
     }
 
-    void aSerializedObjectIsSetAside()
+    void objectsAreReadAsText()
     {
         QFETCH(const QByteArray, value);
         const QByteArray text = "[Auth]\nUsername=\"" + value + "\"\n";
         writeFile(text);
-        const AppConfig settings(m_dir->path());
-        QCOMPARE(settings.startupWarning(),
-                 QStringLiteral("AppConfig: config.ini holds a serialized object and was set aside"));
-        QCOMPARE(settings.get(config::authUsername), QString());
+        AppConfig settings(m_dir->path());
+        QVERIFY(settings.get(config::authUsername).contains(u"@Variant("));
+        QCOMPARE(settings.startupWarning(), QString());
+        // And while the program runs: every set reads the file again.
+        writeFile(text + "[Foreign]\nkey=" + value + "\n");
+        settings.set(config::xplaneUdpPort, 50000);
+        QCOMPARE(settings.get(config::xplaneUdpPort), 50000);
+        QVERIFY(settings.get(config::authUsername).contains(u"@Variant("));
+    }
+
+    /// Cuts the file down to what the row tells, as a crash of the machine may.
+    void whatTheFileLosesComesBack_data()
+    {
+        QTest::addColumn<QByteArray>("damaged");
+        QTest::addColumn<int>("lost");
+        QTest::addColumn<int>("port");
+        QTest::newRow("everything") << QByteArray() << 30 << 50000;
+        QTest::newRow("all but one key") << QByteArray("[XPlane]\nUDPPort=1234\n") << 29 << 1234;
+        QTest::newRow("zeros") << QByteArray(4096, '\0') << 30 << 50000;
+    }
+
+    void whatTheFileLosesComesBack()
+    {
+        QFETCH(const QByteArray, damaged);
+        QFETCH(const int, lost);
+        QFETCH(const int, port);
+        {
+            AppConfig first(m_dir->path());
+            first.set(config::xplaneUdpPort, 50000);
+            first.set(config::authPassword, QStringLiteral("pw"));
+            QCOMPARE(first.startupWarning(), QString());
+        }
+        QCOMPARE(AppConfig(m_dir->path()).startupWarning(), QString()); // copies the values
+        writeFile(damaged);
+        {
+            const AppConfig settings(m_dir->path());
+            QCOMPARE(settings.startupWarning(),
+                     QStringLiteral("AppConfig: config.ini had lost %1 settings, which came back from config.ini.bak; "
+                                    "the damaged file is kept as config.ini.damaged")
+                         .arg(lost));
+            QCOMPARE(settings.get(config::xplaneUdpPort), port);
+            QCOMPARE(settings.get(config::authPassword), QStringLiteral("pw"));
+        }
         QFile aside(configPath() + QStringLiteral(".damaged"));
         QVERIFY(aside.open(QIODevice::ReadOnly));
-        QCOMPARE(aside.readAll(), text);
+        QCOMPARE(aside.readAll(), damaged);
+        const AppConfig next(m_dir->path());
+        QCOMPARE(next.startupWarning(), QString());
+        QCOMPARE(next.get(config::xplaneUdpPort), port);
+    }
+
+    void aFileThatIsGoneIsAFreshStart()
+    {
+        {
+            AppConfig first(m_dir->path());
+            first.set(config::xplaneUdpPort, 50000);
+        }
+        QCOMPARE(AppConfig(m_dir->path()).get(config::xplaneUdpPort), 50000);
+        QVERIFY(QFile::remove(configPath()));
+        const AppConfig settings(m_dir->path());
+        QCOMPARE(settings.get(config::xplaneUdpPort), 49000);
+        QCOMPARE(settings.startupWarning(), QString());
+    }
+
+    void aSecretThatWasTakenBackStaysAway()
+    {
+        {
+            AppConfig first(m_dir->path());
+            first.set(config::authPassword, QStringLiteral("pw"));
+        }
+        {
+            AppConfig second(m_dir->path()); // copies the password
+            second.reset(config::authPassword);
+        }
+        writeFile("[Voice]\n");
+        const AppConfig settings(m_dir->path());
+        QVERIFY(!settings.startupWarning().isEmpty());
+        QCOMPARE(settings.get(config::authPassword), QString());
+        QFile copy(configPath() + QStringLiteral(".bak"));
+        QVERIFY(copy.open(QIODevice::ReadOnly | QIODevice::Text));
+        QVERIFY(copy.readAll().contains("\nPassword=\n"));
     }
 };
 

@@ -1,4 +1,4 @@
-// The bytes of config.ini, read as at start-up: guard, INI parser, defaults, every key, the cipher.
+// The bytes of config.ini, read as at start-up: INI reader, defaults, every key, the cipher.
 #include "AppConfig.h"
 #include "ConfigCipher.h"
 #include "ServiceEndpoints.h"

@@ -1,0 +1,57 @@
+#include "ConfigCopy.h"
+
+#include "IniFormat.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace tarvo {
+
+namespace {
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeForTheUser(const QString &path, const QByteArray &bytes)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner); // before the password is in it
+    file.write(bytes);
+    file.commit();
+}
+
+} // namespace
+
+QSettings::SettingsMap ConfigCopy::values() const
+{
+    return ini::parse(contentsOf(path()));
+}
+
+void ConfigCopy::take() const
+{
+    const QByteArray now = contentsOf(m_configPath);
+    if (!now.isEmpty() && now != contentsOf(path()))
+        writeForTheUser(path(), now);
+}
+
+void ConfigCopy::forget(const QString &key) const
+{
+    QSettings::SettingsMap copied = values();
+    if (copied.value(key).toString().isEmpty())
+        return;
+    copied.insert(key, QString());
+    writeForTheUser(path(), ini::print(copied));
+}
+
+void ConfigCopy::keepDamagedFile() const
+{
+    if (QFile::exists(m_configPath))
+        writeForTheUser(m_configPath + QStringLiteral(".damaged"), contentsOf(m_configPath));
+}
+
+} // namespace tarvo

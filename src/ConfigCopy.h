@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QSettings>
+#include <QString>
+
+namespace tarvo {
+
+/// The last good copy of config.ini, "config.ini.bak" beside it. Nobody but the user may read it. What can't be written
+/// is no error: there is no copy then.
+class ConfigCopy
+{
+public:
+    explicit ConfigCopy(const QString &configPath) : m_configPath(configPath) {}
+
+    /// What the copy holds; empty without a copy.
+    QSettings::SettingsMap values() const;
+    /// Copies config.ini as it is now.
+    void take() const;
+    /// Empties one value in the copy.
+    void forget(const QString &key) const;
+    /// Keeps config.ini as it is now as "config.ini.damaged", in place of an earlier one.
+    void keepDamagedFile() const;
+
+private:
+    QString path() const { return m_configPath + QStringLiteral(".bak"); }
+
+    QString m_configPath;
+};
+
+} // namespace tarvo
