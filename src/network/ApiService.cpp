@@ -271,11 +271,15 @@ QNetworkRequest ApiService::request(const QString &path, const QString &bearer) 
 void ApiService::whenFinished(QNetworkReply *reply, OutcomeHandler handler)
 {
     limitBody(reply);
+    QTimer::singleShot(m_callTimeout, reply, &QNetworkReply::abort); // a body that drips is never silent
     connect(reply, &QNetworkReply::finished, this,
             [this, reply, generation = m_generation, handler = std::move(handler)] {
                 reply->deleteLater();
-                if (generation == m_generation)
-                    handler(takeOutcome(*reply));
+                if (generation != m_generation)
+                    return;
+                const ReplyOutcome outcome = takeOutcome(*reply);
+                m_answered = outcome.httpStatus != 0;
+                handler(outcome);
             });
 }
 

@@ -58,9 +58,14 @@ public:
     void clearSession();
     /// How long a transfer may stand still before it fails as timed out; 30 s at first.
     void setTransferTimeout(std::chrono::milliseconds timeout);
+    /// How long one call may take as a whole before it fails as timed out; 60 s at first.
+    void setCallTimeout(std::chrono::milliseconds timeout) { m_callTimeout = timeout; }
+    std::chrono::milliseconds callTimeout() const { return m_callTimeout; }
 
     const model::User &currentUser() const { return m_user; }
     bool hasToken() const { return !m_jwt.isEmpty(); }
+    /// While a callback runs: whether the reply that it tells of had an HTTP status. Without one nobody answered.
+    bool wasAnswered() const { return m_answered; }
 
 private:
     using OutcomeHandler = std::function<void(const ReplyOutcome &)>;
@@ -90,8 +95,10 @@ private:
     QString m_refreshToken;
     model::User m_user;
     QTimer m_refreshTimer{this};
-    qint64 m_jwtExpiry = 0;    ///< Unix seconds, 0 for unknown
-    quint64 m_generation = 0;  ///< counts the cleared sessions, so that a late reply can tell that it is stale
+    qint64 m_jwtExpiry = 0;   ///< Unix seconds, 0 for unknown
+    quint64 m_generation = 0; ///< counts the cleared sessions, so that a late reply can tell that it is stale
+    std::chrono::milliseconds m_callTimeout{60'000};
+    bool m_answered = false;   ///< by the last reply
     bool m_waitGoesOn = false; ///< the timer runs a clamped part of a longer wait
 };
 

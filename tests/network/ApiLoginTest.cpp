@@ -6,7 +6,10 @@
 #include <QNetworkCookie>
 #include <QNetworkCookieJar>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 using namespace tarvo;
 using namespace tarvo::test;
@@ -166,6 +169,28 @@ private slots:
         ApiFixture fixture;
         fixture.start();
         QCOMPARE(fixture.manager()->transferTimeout(), 30000);
+    }
+
+    /// One byte after the other, so that the transfer never stands still.
+    void aBodyThatDripsTimesOut()
+    {
+        QTcpServer dripping;
+        QVERIFY(dripping.listen(QHostAddress::LocalHost));
+        QTimer drop;
+        connect(&dripping, &QTcpServer::newConnection, this, [&] {
+            QTcpSocket *socket = dripping.nextPendingConnection();
+            socket->write("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n{");
+            connect(&drop, &QTimer::timeout, socket, [socket] { socket->write(" "); });
+            drop.start(1);
+        });
+        ApiFixture fixture;
+        Told told;
+        fixture.startAt(QStringLiteral("http://127.0.0.1:%1/api").arg(dripping.serverPort()));
+        QCOMPARE(fixture.service->callTimeout(), std::chrono::milliseconds(60'000));
+        fixture.service->setCallTimeout(std::chrono::milliseconds(100));
+        fixture.service->login(m_user, m_password, told.callback());
+        QTRY_COMPARE(told.calls, 1);
+        QCOMPARE(told.message, QStringLiteral("连接超时，请稍后重试"));
     }
 
     void aClosedConnectionIsAnError()

@@ -136,6 +136,7 @@ private slots:
         QTRY_COMPARE(told.calls, 1);
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误: ")), qPrintable(told.message));
         QVERIFY(!told.message.contains(QLatin1Char('%')));
+        QVERIFY(fixture.service->wasAnswered());
     }
 
     void aRefusedConnectionIsTold()
@@ -145,6 +146,7 @@ private slots:
         fixture.startAt(ApiFixture::deadBaseUrl()).refresh(m_held, told.callback());
         QTRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("无法连接到服务器"));
+        QVERIFY(!fixture.service->wasAnswered());
     }
 
     void aServiceThatKeepsSilentTimesOut()
