@@ -46,11 +46,12 @@ ErrorDialog::ErrorDialog(const QString &title, const QString &message, QWidget *
     build(title, message);
 }
 
-void ErrorDialog::open(const QString &title, const QString &message, QWidget *parent)
+ErrorDialog *ErrorDialog::open(const QString &title, const QString &message, QWidget *parent)
 {
     auto *dialog = new ErrorDialog(title, message, parent);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->QDialog::open();
+    return dialog;
 }
 
 void ErrorDialog::build(const QString &title, const QString &message)

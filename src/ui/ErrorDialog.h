@@ -12,8 +12,8 @@ class ErrorDialog : public QDialog
 public:
     ErrorDialog(const QString &title, const QString &message, QWidget *parent = nullptr);
 
-    /// Shows a dialog that is modal to `parent` and destroys itself when closed. Returns at once.
-    static void open(const QString &title, const QString &message, QWidget *parent);
+    /// Shows a dialog that is modal to `parent` and destroys itself when closed. Returns it at once.
+    static ErrorDialog *open(const QString &title, const QString &message, QWidget *parent);
 
 protected:
     void showEvent(QShowEvent *event) override;

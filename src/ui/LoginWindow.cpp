@@ -20,6 +20,7 @@
 #include <QVBoxLayout>
 
 #include <chrono>
+#include <utility>
 
 namespace tarvo::ui {
 
@@ -92,7 +93,24 @@ void LoginWindow::showEvent(QShowEvent *event)
     restoreForm();
     layOut();
     fadeIn();
-    scheduleAutoLogin();
+    if (!tellOfLostSettings())
+        scheduleAutoLogin();
+}
+
+/// Once, and before the window may sign in by itself and go. False when there is nothing to tell.
+bool LoginWindow::tellOfLostSettings()
+{
+    if (m_config.startupWarning().isEmpty() || std::exchange(m_lossTold, true))
+        return false;
+    // The window has its place on the screen only when this event is done.
+    QTimer::singleShot(0ms, this, [this] {
+        const ErrorDialog *dialog = ErrorDialog::open(
+            tr("设置已恢复"),
+            tr("配置文件 config.ini 已损坏，丢失的设置已从上次的备份恢复。损坏的文件保留为 config.ini.damaged。"),
+            this);
+        connect(dialog, &QDialog::finished, this, &LoginWindow::scheduleAutoLogin);
+    });
+    return true;
 }
 
 void LoginWindow::resizeEvent(QResizeEvent *event)
@@ -152,7 +170,7 @@ void LoginWindow::fadeIn()
     connect(
         fade, &QPropertyAnimation::finished, m_form,
         [this, done = QPointer<QGraphicsEffect>(effect)] {
-            if (done && m_form->graphicsEffect() == done) // a later show may have begun another fade
+            if (done) // a later show may have begun another fade, which deletes the earlier effect
                 m_form->setGraphicsEffect(nullptr);
         },
         Qt::QueuedConnection);
@@ -222,9 +240,11 @@ void LoginWindow::refreshFailed(const QString &reason)
                               m_form->password()};
     qWarning().noquote().nospace() << "Auto login with refresh token failed: "
                                    << network::redactedText(reason, secrets);
-    m_api.clearSession();
-    m_config.reset(config::authToken);
-    m_config.reset(config::authRefreshToken);
+    if (m_api.wasAnswered()) { // without a network the tokens are as good as before
+        m_api.clearSession();
+        m_config.reset(config::authToken);
+        m_config.reset(config::authRefreshToken);
+    }
     tryPasswordLogin();
 }
 

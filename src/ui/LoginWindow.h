@@ -47,6 +47,7 @@ private:
     void storeForm();
     void layOut();
     void fadeIn();
+    bool tellOfLostSettings();
     void scheduleAutoLogin();
     void tryAutoLogin();
     void tryPasswordLogin();
@@ -65,6 +66,7 @@ private:
     qreal m_panelOpacity = 1;
     QTimer m_autoLoginTimer{this}; ///< lets the window appear before it signs in by itself
     bool m_autoLoginTried = false;
+    bool m_lossTold = false;
 };
 
 } // namespace tarvo::ui

@@ -19,12 +19,14 @@
 #include <QPropertyAnimation>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <qtestspontaneevent.h>
 
 using namespace tarvo;
+using tarvo::test::LogCapture;
 using tarvo::test::loginLine;
 using tarvo::test::refreshLine;
 
@@ -362,6 +364,51 @@ private slots:
         QCOMPARE(desk.config.get(config::authToken), QString());
         QCOMPARE(desk.config.get(config::authRefreshToken), QString());
         QVERIFY(!desk.busy());
+    }
+
+    void tokensStayWhenNobodyAnswers()
+    {
+        QTcpServer gone;
+        QVERIFY(gone.listen(QHostAddress::LocalHost));
+        ServiceEndpoints endpoints;
+        endpoints.apiBaseUrl = u"http://127.0.0.1:%1/api"_qs.arg(gone.serverPort());
+        gone.close();
+        QTemporaryDir folder;
+        AppConfig config(folder.path());
+        config.set(config::authAutoLogin, true);
+        config.set(config::authRefreshToken, u"kept"_qs);
+        network::ApiService api(config, endpoints);
+        ui::LoginWindow window(config, api, endpoints);
+        const LogCapture log;
+        window.show();
+        QTRY_VERIFY(log.contains(u"Auto login with refresh token failed: 无法连接到服务器"_qs));
+        QCOMPARE(config.get(config::authRefreshToken), u"kept"_qs);
+        QVERIFY(!window.findChild<ui::LoginForm *>()->isBusy());
+    }
+
+    void aPilotIsToldOnceThatSettingsCameBack()
+    {
+        Desk desk;
+        desk.store(u"1001"_qs, u"practice"_qs, true, true);
+        QCOMPARE(AppConfig(desk.folder.path()).startupWarning(), QString()); // copies the file
+        QFile file(desk.folder.filePath(u"config.ini"_qs));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        AppConfig mended(desk.folder.path());
+        desk.peer.acceptLogin();
+        ui::LoginWindow window(mended, desk.api, desk.peer.endpoints());
+        const auto *timer = window.findChild<QTimer *>(u"autoLoginTimer"_qs);
+        window.show();
+        QTRY_VERIFY(window.findChild<ui::ErrorDialog *>());
+        auto *dialog = window.findChild<ui::ErrorDialog *>();
+        QCOMPARE(dialog->windowTitle(), u"设置已恢复"_qs);
+        QVERIFY(!timer->isActive()); // the window would go before the pilot has read it
+        dialog->accept();
+        QVERIFY(timer->isActive());
+        QTRY_VERIFY(!window.isVisible());
+        window.show();
+        QCoreApplication::processEvents();
+        QVERIFY(!window.findChild<ui::ErrorDialog *>());
     }
 
     void signsInByPasswordWithoutAToken()
