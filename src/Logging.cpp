@@ -9,6 +9,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 
 namespace tarvo::logging {
@@ -103,8 +104,11 @@ void openLogFile(const QString &path)
         opened = reopen(log, path);
         isOpening = false;
     }
-    if (!opened) // told without the lock, because the handler takes it
-        qFatal("Failed to open log file for writing");
+    if (opened)
+        return;
+    // The handler has no file to write the last words into.
+    std::fprintf(stderr, "Failed to open log file for writing: %s\n", qPrintable(QDir::toNativeSeparators(path)));
+    qFatal("Failed to open log file for writing"); // without the lock, because the handler takes it
 }
 
 QString formatLine(const QDateTime &time, QtMsgType type, const QMessageLogContext &context, const QString &message)

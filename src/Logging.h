@@ -13,7 +13,7 @@ void installHandler();
 
 /// Closes the log that is open, makes the folder, deletes old logs and opens `path` for appending. At most 9 old files
 /// stay. If the folder can't be made there is no log and no report; if the file can't be opened the process ends with
-/// the fatal message "Failed to open log file for writing".
+/// the fatal message "Failed to open log file for writing", which names the file on standard error.
 void openLogFile(const QString &path);
 
 /// One line of the log without its line end: "time | LEVEL | file:line - message". `time` is local time.

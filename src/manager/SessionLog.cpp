@@ -6,9 +6,9 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QRegularExpression>
 #include <QStringList>
 
-#include <algorithm>
 #include <array>
 
 namespace tarvo::manager {
@@ -28,12 +28,14 @@ int passwordField(const QString &line)
     return line.startsWith(QLatin1StringView("#AA")) ? 4 : -1;
 }
 
-/// Where a login line begins in `text`, which may quote it; -1 when none does.
+/// Where a login line begins: at the beginning of `text`, or where `text` quotes one; -1 when none does. What follows
+/// the identifier within a text is a word ("#APPROACH"), unless it has a digit, as most callsigns have, or fields
+/// follow.
 qsizetype loginLineIn(const QString &text)
 {
-    const qsizetype pilot = text.indexOf(QLatin1StringView("#AP"));
-    const qsizetype observer = text.indexOf(QLatin1StringView("#AA"));
-    return pilot < 0 || observer < 0 ? std::max(pilot, observer) : std::min(pilot, observer);
+    static const QRegularExpression quoted(
+        QStringLiteral("#A[AP](?:(?![A-Za-z0-9])|[A-Za-z]*[0-9]|[A-Za-z]+(?::(?=\\S)|\\s+SERVER\\b))"));
+    return passwordField(text) >= 0 ? 0 : text.indexOf(quoted);
 }
 
 QStringView withoutLineEnd(QStringView line)
@@ -115,7 +117,8 @@ QString maskedLoginLine(const QString &line, const QString &secret)
     return fields.join(QLatin1Char(':'));
 }
 
-SessionLog::SessionLog(const QString &folder, const common::Clock &clock) : m_clock(clock)
+SessionLog::SessionLog(const QString &folder, const common::Clock &clock, qint64 fileLimit)
+    : m_folder(folder), m_clock(clock), m_fileLimit(fileLimit)
 {
     m_flushTimer.setObjectName(QStringLiteral("flushTimer"));
     m_flushTimer.setInterval(flushIntervalMs);
@@ -124,9 +127,20 @@ SessionLog::SessionLog(const QString &folder, const common::Clock &clock) : m_cl
         qCritical().noquote() << "Unable to create directory" << folder;
         return;
     }
-    logging::removeOldFiles(folder, keptFiles);
-    const QString name = QStringLiteral("network-%1.log").arg(logging::fileTimeStamp(clock.wallMs()));
-    m_file.setFileName(QDir(folder).filePath(name));
+    openNext();
+}
+
+QString SessionLog::nextPath() const
+{
+    return QDir(m_folder).filePath(QStringLiteral("network-%1.log").arg(logging::fileTimeStamp(m_clock.wallMs())));
+}
+
+void SessionLog::openNext()
+{
+    m_stream.setDevice(nullptr); // brings what it holds to the disk
+    m_file.close();
+    logging::removeOldFiles(m_folder, keptFiles);
+    m_file.setFileName(nextPath());
     // Appending, so that a second session within the same second doesn't wipe the first one's log.
     if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
         m_stream.setDevice(&m_file);
@@ -151,6 +165,8 @@ void SessionLog::write(QLatin1StringView arrow, const QString &line)
 {
     if (!isOpen())
         return;
+    if (m_file.pos() >= m_fileLimit && m_file.fileName() != nextPath())
+        openNext();
     const QStringView text = withoutLineEnd(line);
     m_stream << QLatin1Char('[') << QLatin1StringView(timeOfDay(m_clock.wallMs()).data()) << QLatin1StringView("] ")
              << arrow << QLatin1Char(' ');

@@ -12,14 +12,17 @@ class Clock;
 namespace tarvo::manager {
 
 /// The raw FSD traffic of one signed-in session, in a file of its own, "network-<UTC time>.log". All connections of the
-/// session write into it. At most 10 earlier files stay.
+/// session write into it. A file that has grown to 64 MB is followed by the next one. At most 10 earlier files stay.
 ///
 /// What can't be opened or written is lost without further report: a session never fails for its log.
 class SessionLog
 {
 public:
-    /// Makes `folder`, deletes old logs and opens the new one.
-    SessionLog(const QString &folder, const common::Clock &clock);
+    static constexpr qint64 longestFile = 64'000'000; ///< bytes
+
+    /// Makes `folder`, deletes old logs and opens the new one. `fileLimit` in bytes; what waits for the disk, and the
+    /// rest of a second, may go beyond it.
+    SessionLog(const QString &folder, const common::Clock &clock, qint64 fileLimit = longestFile);
     ~SessionLog();
     SessionLog(const SessionLog &) = delete;
     SessionLog &operator=(const SessionLog &) = delete;
@@ -39,9 +42,13 @@ public:
     void stopFlushing();
 
 private:
+    void openNext();
+    QString nextPath() const;
     void write(QLatin1StringView arrow, const QString &line);
 
+    QString m_folder;
     const common::Clock &m_clock;
+    qint64 m_fileLimit;
     QFile m_file;
     QTextStream m_stream;
     QTimer m_flushTimer;
@@ -52,7 +59,7 @@ private:
 QString maskedLoginLine(const QString &line, const QString &secret);
 
 /// `text` with "******" wherever the non-empty `secret` stands behind the beginning of an "#AP" or "#AA" line, whether
-/// `text` is that line or quotes it. Another text comes back as it is.
+/// `text` is that line or quotes it. Another text comes back as it is; "#APPROACH" in it is a word.
 QString withoutSecret(const QString &text, const QString &secret);
 
 /// The message of a server's error, `secret` masked when the message or its parameter quotes a login line.

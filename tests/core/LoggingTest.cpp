@@ -284,7 +284,9 @@ private slots:
         opener.start(QCoreApplication::applicationDirPath() + QStringLiteral("/core_log_opener"), {at(name)});
         QVERIFY(opener.waitForFinished());
         QCOMPARE(opener.readAllStandardOutput().trimmed(), opens ? QByteArray("opened") : QByteArray());
-        QCOMPARE(opener.readAllStandardError().contains("Failed to open log file for writing"), !opens);
+        QCOMPARE(opener.readAllStandardError().contains("Failed to open log file for writing: " +
+                                                        QDir::toNativeSeparators(at(name)).toLocal8Bit()),
+                 !opens);
         QCOMPARE(opener.exitStatus() == QProcess::NormalExit && opener.exitCode() == 0, opens);
     }
 

@@ -96,6 +96,17 @@ private slots:
             << u"#TMSERVER:AB1:#AA pass #AP pass"_qs << u"#TMSERVER:AB1:#AA ****** #AP ******"_qs;
         QTest::newRow("before the quotation")
             << u"#TMSERVER:AB1:pass #AP pass"_qs << u"#TMSERVER:AB1:pass #AP ******"_qs;
+        QTest::newRow("quoted without digits")
+            << u"#TMSERVER:AB1:bad: #APZBAA:SERVER:1001:pass"_qs << u"#TMSERVER:AB1:bad: #APZBAA:SERVER:1001:******"_qs;
+        QTest::newRow("quoted with blanks")
+            << u"#TMSERVER:AB1:bad: #AALI SERVER Li pass"_qs << u"#TMSERVER:AB1:bad: #AALI SERVER Li ******"_qs;
+        QTest::newRow("a word") << u"#TMSERVER:AB1:see #APPROACH, you pass"_qs
+                                << u"#TMSERVER:AB1:see #APPROACH, you pass"_qs;
+        QTest::newRow("a word before a colon")
+            << u"#TMSERVER:AB1:#AAL: you pass"_qs << u"#TMSERVER:AB1:#AAL: you pass"_qs;
+        QTest::newRow("a word before a quotation") << u"#TMSERVER:AB1:#APPROACH pass #APAB1:SERVER:1001:pass"_qs
+                                                   << u"#TMSERVER:AB1:#APPROACH pass #APAB1:SERVER:1001:******"_qs;
+        QTest::newRow("a line that begins like a word") << u"#APPROACH pass"_qs << u"#APPROACH ******"_qs;
         QTest::newRow("in a text alone") << u"#TMSERVER:AB1:pass"_qs << u"#TMSERVER:AB1:pass"_qs;
     }
 
@@ -121,6 +132,7 @@ private slots:
             << u"x"_qs << u"bad: #APAB1 SERVER 1001 pass"_qs << u"bad: #APAB1 SERVER 1001 ******"_qs;
         QTest::newRow("the quotation begins in the parameter") << u"#APAB1 1001"_qs << u"pass"_qs << u"******"_qs;
         QTest::newRow("an observer's") << u"#AAAB1"_qs << u"pass"_qs << u"******"_qs;
+        QTest::newRow("a word") << u"see #APPROACH"_qs << u"no pass"_qs << u"no pass"_qs;
         QTest::newRow("no quotation") << u"x"_qs << u"no pass"_qs << u"no pass"_qs;
     }
 
@@ -203,6 +215,29 @@ private slots:
         QCOMPARE(names.size(), 11);
         QVERIFY(!names.contains(u"old-0"_qs));
         QVERIFY(names.contains(u"old-1"_qs) && names.contains(QFileInfo(log.path()).fileName()));
+    }
+
+    void goesOnInANextFile()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        for (int i = 0; i < 10; ++i)
+            makeFile(folder.filePath(u"old-%1"_qs.arg(i)), noonUtc - 100'000 + i * 1000);
+        SessionLog log(folder.path(), clock, 60); // bytes: two lines
+        for (int i = 0; i < 3; ++i) {
+            log.writeSent(u"$POA:B:123456\r\n"_qs, {});
+            log.stopFlushing(); // counts what has reached the file
+        }
+        const QString first = log.path();
+        QCOMPARE(contents(first).count(u'\n'), 3); // no second file within the same second
+        clock.advance(1000);
+        log.writeReceived(u"$POA:B:7\r\n"_qs, {});
+        log.stopFlushing();
+        QCOMPARE(QFileInfo(log.path()).fileName(), u"network-2023-11-15_12-00-01.log"_qs);
+        QCOMPARE(contents(log.path()), u"[12:00:01.123] <<< $POA:B:7\n"_qs);
+        QCOMPARE(contents(first).count(u'\n'), 3);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 11);
+        QCOMPARE(SessionLog::longestFile, 64'000'000);
     }
 
     void twoLogsOfOneSecondKeepBothTheirLines()
