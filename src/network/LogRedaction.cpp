@@ -1,5 +1,7 @@
 #include "network/LogRedaction.h"
 
+#include "network/SecretMask.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -9,6 +11,7 @@ namespace tarvo::network {
 namespace {
 
 constexpr qsizetype longestLogged = 4096;
+constexpr qsizetype longestBody = 256 * 1024; ///< bytes; an honest reply has a few thousand
 
 QString mask()
 {
@@ -20,20 +23,11 @@ bool isSecret(const QString &key)
     return key == QLatin1String("token") || key == QLatin1String("flush_token") || key == QLatin1String("password");
 }
 
-QString masked(QString text, const QStringList &secrets)
-{
-    for (const QString &secret : secrets) {
-        if (!secret.isEmpty())
-            text.replace(secret, mask());
-    }
-    return text;
-}
-
 // The recursion is bounded: the JSON reader refuses documents nested deeper than 1024.
 QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
 {
     if (value.isString())
-        return masked(value.toString(), secrets);
+        return withoutSecrets(value.toString(), secrets);
     if (value.isArray()) {
         QJsonArray array;
         const QJsonArray original = value.toArray();
@@ -45,7 +39,7 @@ QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
         QJsonObject object;
         const QJsonObject original = value.toObject();
         for (auto it = original.begin(); it != original.end(); ++it)
-            object.insert(masked(it.key(), secrets),
+            object.insert(withoutSecrets(it.key(), secrets),
                           isSecret(it.key()) ? QJsonValue(mask()) : masked(it.value(), secrets));
         return object;
     }
@@ -56,6 +50,8 @@ QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
 
 QString redactedBody(const QByteArray &body, const QStringList &secrets)
 {
+    if (body.size() > longestBody)
+        return QStringLiteral("<%1 bytes>").arg(body.size());
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (document.isNull())
         return QStringLiteral("<%1 bytes, not JSON>").arg(body.size());
@@ -67,7 +63,7 @@ QString redactedBody(const QByteArray &body, const QStringList &secrets)
 
 QString redactedText(const QString &text, const QStringList &secrets)
 {
-    QString result = masked(text, secrets).left(longestLogged); // a cut secret would not be found
+    QString result = withoutSecrets(text, secrets).left(longestLogged); // a cut secret would not be found
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
     result.replace(QLatin1Char('\r'), QLatin1Char(' '));
     return result;

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <cstring>
+
 using namespace tarvo::network;
 
 class LogRedactionTest : public QObject
@@ -55,6 +57,27 @@ private slots:
         QTest::newRow("harmless") << QStringLiteral("fine") << QStringLiteral("fine");
         QTest::newRow("echoed") << QStringLiteral("no pass!word here, pass!word")
                                 << QStringLiteral("no ****** here, ******");
+        QTest::newRow("JSON-escaped") << QStringLiteral(R"(got {"password":"pass\u0021word"})")
+                                      << QStringLiteral(R"(got {"password":"******"})");
+        QTest::newRow("escaped twice") << QStringLiteral(R"(got pass\\u0021word!)") << QStringLiteral("got ******!");
+        QTest::newRow("percent-encoded") << QStringLiteral("at ?p=pass%21word&x=%21")
+                                         << QStringLiteral("at ?p=******&x=%21");
+        QTest::newRow("percent-encoded JSON")
+            << QStringLiteral("at %22pass%5cu0021word%22") << QStringLiteral("at %22******%22");
+        QTest::newRow("in Base64") << QStringLiteral("got cGFzcyF3b3Jk; cGFzcw==")
+                                   << QStringLiteral("got ******; cGFzcw==");
+        for (const char *before : {"", "x", "xy"}) {
+            const QByteArray request = before + QByteArray(R"({"password":"pass\u0021word"})");
+            QTest::addRow("a request in Base64, after %d bytes", int(strlen(before)))
+                << QStringLiteral("got:") + QString::fromLatin1(request.toBase64()) << QStringLiteral("got:******");
+            QTest::addRow("a request in Base64 for addresses, after %d bytes", int(strlen(before)))
+                << QStringLiteral("got ") + QString::fromLatin1(request.toBase64(QByteArray::Base64UrlEncoding)) +
+                       QStringLiteral(" end")
+                << QStringLiteral("got ****** end");
+        }
+        QTest::newRow("overlapping") << QStringLiteral("pass!wordpass%21word") << QStringLiteral("************");
+        QTest::newRow("unfinished escapes")
+            << QStringLiteral("\\ % %4 \\u00 \\ud800\\u") << QStringLiteral("\\ % %4 \\u00 \\ud800\\u");
         QTest::newRow("endless") << QString(100000, u'x') << QString(4096, u'x');
         QTest::newRow("secret across the cut")
             << QString(4090, u'x') + QStringLiteral("pass!word") << QString(4090, u'x') + QStringLiteral("******");
@@ -65,6 +88,44 @@ private slots:
     {
         QFETCH(QString, text);
         QTEST(redactedText(text, {QString(), QStringLiteral("pass!word")}), "logged");
+    }
+
+    void otherSecrets_data()
+    {
+        QTest::addColumn<QString>("secret");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("quotes, as JSON writes them")
+            << QStringLiteral("p\"\\/\n") << QStringLiteral(R"(x p\"\\\/\n x)") << QStringLiteral("x ****** x");
+        QTest::newRow("beyond ASCII, as JSON writes it")
+            << QStringLiteral(u"\u5bc6\U0001F6EB") << QStringLiteral(R"(x \u5BC6\ud83d\udeeb x)")
+            << QStringLiteral("x ****** x");
+        QTest::newRow("beyond ASCII, percent-encoded")
+            << QStringLiteral(u"\u5bc6") << QStringLiteral("x %e5%AF%86 x") << QStringLiteral("x ****** x");
+        QTest::newRow("a blank in a form")
+            << QStringLiteral("a b+c") << QStringLiteral("x a+b%2Bc x") << QStringLiteral("x ****** x");
+        QTest::newRow("a plus in an address")
+            << QStringLiteral("a+b") << QStringLiteral("x a+b a%2bb") << QStringLiteral("x ****** ******");
+        QTest::newRow("too short for Base64")
+            << QStringLiteral("abc") << QStringLiteral("x YWJj abc") << QStringLiteral("x YWJj ******");
+        const QString token(2000, u'T');
+        QTest::newRow("cut by the limit of the search")
+            << token << QString(token + u'-').repeated(100) << QStringLiteral("******-").repeated(31);
+    }
+
+    void otherSecrets()
+    {
+        QFETCH(QString, secret);
+        QFETCH(QString, text);
+        const QString logged = redactedText(text, {secret});
+        QVERIFY(!logged.contains(secret.left(100)) || secret.size() < 100);
+        if (secret.size() < 100)
+            QTEST(logged, "logged");
+    }
+
+    void aBodyTooLongToLookThroughIsOnlyCounted()
+    {
+        QCOMPARE(redactedBody("[\"" + QByteArray(300'000, 'x') + "\"]", {}), QStringLiteral("<300004 bytes>"));
     }
 };
 
