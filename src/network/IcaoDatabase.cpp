@@ -51,6 +51,16 @@ bool failed(const char *what, const QSqlError &error)
     return failed(what, error.text());
 }
 
+/// True for an error that lies in the file itself: no database, broken pages, or tables of another make.
+bool meansDamage(const QSqlError &error)
+{
+    constexpr int genericError = 1; // SQLite's result codes
+    constexpr int corrupt = 11;
+    constexpr int notADatabase = 26;
+    const int code = error.nativeErrorCode().toInt() & 0xff; // the rest tells more of the same
+    return code == genericError || code == corrupt || code == notADatabase;
+}
+
 /// A null text would be stored as NULL, which no column takes.
 QString notNull(const QString &text)
 {
@@ -121,6 +131,7 @@ bool IcaoDatabase::open(QString path, Mode mode)
 bool IcaoDatabase::openFile(QString path, Mode mode)
 {
     close();
+    m_damaged = false;
     const QString folder = QFileInfo(path).absolutePath();
     if (mode == Mode::Writable && !QDir().mkpath(folder))
         return failed("Failed to create swift aircraft ICAO database directory:", folder);
@@ -153,7 +164,7 @@ void IcaoDatabase::close()
 {
     m_path.clear();
     m_writable = false;
-    // The toolkit's registry of connections is not asked without need: at process exit it goes before this object.
+    // Qt's registry of connections is not asked without need: at process exit it goes before this object.
     if (std::exchange(m_registered, false))
         QSqlDatabase::removeDatabase(m_connectionName);
 }
@@ -172,8 +183,10 @@ std::optional<QString> IcaoDatabase::schemaError()
 {
     QSqlQuery query(connection());
     for (const char *statement : schemaStatements) {
-        if (!query.exec(QLatin1String(statement)))
+        if (!query.exec(QLatin1String(statement))) {
+            m_damaged = meansDamage(query.lastError());
             return query.lastError().text();
+        }
     }
     return std::nullopt;
 }
@@ -194,6 +207,7 @@ std::optional<IcaoSnapshot> IcaoDatabase::load()
             metadata.insert(query.value(0).toString(), sanitizeText(query.value(1).toString()));
     }
     if (query.lastError().isValid()) {
+        m_damaged = meansDamage(query.lastError());
         failed("Failed to load swift aircraft ICAO metadata:", query.lastError());
         return std::nullopt;
     }
@@ -203,6 +217,7 @@ std::optional<IcaoSnapshot> IcaoDatabase::load()
             rows.append(readRow(query));
     }
     if (query.lastError().isValid()) { // a damaged file may fail only after some rows
+        m_damaged = meansDamage(query.lastError());
         failed("Failed to load swift aircraft ICAO rows:", query.lastError());
         return std::nullopt;
     }

@@ -2,13 +2,11 @@
 
 #include "network/IcaoSnapshot.h"
 
-#include <QHash>
 #include <QString>
 
 #include <optional>
 
 class QSqlDatabase;
-class QSqlQuery;
 
 namespace tarvo::network {
 
@@ -22,8 +20,8 @@ struct IcaoImport
     QString importedAtUtc; ///< ISO date and time
 };
 
-/// One connection to an SQLite file of aircraft types. Every failure is a warning in the log and a false result. The
-/// connection's name must be unique in the process while it is open.
+/// One connection to an SQLite file of aircraft types. What fails in opening, loading and replacing is a warning in the
+/// log and an empty or false result. The connection's name must be unique in the process while it is open.
 class IcaoDatabase
 {
 public:
@@ -48,9 +46,14 @@ public:
     bool isWritable() const { return m_writable; }
     QString path() const { return m_path; }
 
-    /// Makes tables and index where they are missing. The error is the driver's text; nothing on success.
+    /// Whether the last open(), schemaError() or load() failed for what the file holds. A file that is locked or can't
+    /// be reached isn't damaged.
+    bool isDamaged() const { return m_damaged; }
+
+    /// Makes tables and index where they are missing. The error is the driver's text, which goes into no log here;
+    /// nothing on success.
     std::optional<QString> schemaError();
-    /// Rows of the aircraft table; 0 when they can't be counted.
+    /// Rows of the aircraft table; 0, and no warning, when they can't be counted.
     qint64 countRows();
     /// Everything, or nothing after a failure.
     std::optional<IcaoSnapshot> load();
@@ -66,8 +69,9 @@ private:
     QString m_connectionName;
     QString m_driver;
     QString m_path;
-    bool m_registered = false; ///< the toolkit knows a connection of this name
+    bool m_registered = false; ///< Qt knows a connection of this name
     bool m_writable = false;
+    bool m_damaged = false;
 };
 
 } // namespace tarvo::network

@@ -80,6 +80,7 @@ void SwiftAircraftIcaoService::loadFromSources()
         if (loadSnapshot())
             return;
     }
+    setDamagedAside();
     if (!std::exchange(m_migrationTried, true)) {
         const QString appData = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
         if (!migrateDatabase(QStringLiteral("legacy AppData"), QDir(appData).filePath(QLatin1String(databasePath))))
@@ -90,6 +91,25 @@ void SwiftAircraftIcaoService::loadFromSources()
     migrateLegacyJson();
     if (!m_ready)
         importDoc8643();
+}
+
+/// A database that can't be read would keep every next source out for good. SQLite's own files go with it: a journal
+/// would be played into the next database of the name.
+void SwiftAircraftIcaoService::setDamagedAside()
+{
+    if (!m_database.isDamaged())
+        return;
+    m_database.close();
+    const QString path = underDataRoot(QLatin1String(databasePath));
+    for (const char *companion : {"", "-journal", "-wal", "-shm"}) {
+        const QString from = path + QLatin1String(companion);
+        const QString aside = path + QStringLiteral(".damaged") + QLatin1String(companion);
+        QFile::remove(aside);
+        if (QFile::exists(from) && !QFile::rename(from, aside))
+            qWarning().noquote() << "Failed to set damaged swift aircraft ICAO SQLite database aside:" << from;
+    }
+    qWarning().noquote() << "Damaged swift aircraft ICAO SQLite database is kept as:"
+                         << path + QStringLiteral(".damaged");
 }
 
 bool SwiftAircraftIcaoService::switchToWritable()
@@ -130,11 +150,15 @@ bool SwiftAircraftIcaoService::migrateDatabase(const QString &label, const QStri
     }
     if (const std::optional<QString> error = m_database.schemaError()) {
         qWarning().noquote() << "swift aircraft ICAO SQLite migrated but index rebuild failed:" << *error;
+        setDamagedAside();
         m_database.close();
         return false;
     }
     qInfo().noquote() << "Migrated" << label << "swift aircraft ICAO SQLite database to:" << target;
-    return loadSnapshot();
+    const bool loaded = loadSnapshot();
+    if (!loaded)
+        setDamagedAside();
+    return loaded;
 }
 
 bool SwiftAircraftIcaoService::copyDatabase(const QString &label, const QString &source)

@@ -58,6 +58,9 @@ private:
 
     /// Goes through the sources until one has made the service ready.
     void loadFromSources();
+    /// Keeps the writable database under another name when it has shown to be damaged, so that the next source can make
+    /// a new one.
+    void setDamagedAside();
     /// Opens the writable database if it isn't open for writing yet, making it when it is missing.
     bool switchToWritable();
     /// Reads the open database into memory. True when that made the service ready.

@@ -179,15 +179,68 @@ private slots:
         QVERIFY(knows("DC4"));
     }
 
-    void aDamagedWritableDatabaseStaysWhenNothingCanReplaceIt()
+    void aDamagedWritableDatabaseIsRebuilt_data()
+    {
+        QTest::addColumn<QStringList>("statements"); // none: no database at all
+        QTest::newRow("no database") << QStringList();
+        QTest::newRow("rows of another make") << QStringList{QStringLiteral("CREATE TABLE aircraft_icao (code TEXT)")};
+        QTest::newRow("metadata of another make") << QStringList{QStringLiteral("CREATE TABLE metadata (code TEXT)")};
+    }
+
+    void aDamagedWritableDatabaseIsRebuilt()
+    {
+        QFETCH(const QStringList, statements);
+        QVERIFY(!statements.isEmpty() || writeFile(writable(), QByteArray(5000, 'x')));
+        QCOMPARE(statements.isEmpty() ? QStringList() : runSql(writable(), statements), QStringList());
+        const qint64 size = QFileInfo(writable()).size();
+        QVERIFY(writeFile(writable() + QStringLiteral("-journal"), "x"));
+        QVERIFY(writeFile(table(), tableLine));
+        const QString kept = writable() + QStringLiteral(".damaged");
+        const QStringList log = load();
+        QVERIFY(log.contains(QStringLiteral("Damaged swift aircraft ICAO SQLite database is kept as: ") + kept));
+        QCOMPARE(log.last(), importedLine(2));
+        QVERIFY(knows("B738"));
+        QVERIFY(QFileInfo(kept).size() >= size); // an open that got far enough may have added to it
+        QVERIFY(!QFile::exists(writable() + QStringLiteral("-journal")));
+        SwiftAircraftIcaoService next(*m_config, nullptr, m_clock);
+        LogCapture nextLog;
+        next.ensureLoaded();
+        QCOMPARE(nextLog.texts().first(), usingLine());
+        QVERIFY(next.isReady());
+    }
+
+    void aDamagedWritableDatabaseIsKeptWithoutAnotherSource()
     {
         QVERIFY(writeFile(writable(), QByteArray(5000, 'x')));
+        QCOMPARE(load().last(), notReady);
+        QVERIFY(!QFile::exists(writable()));
+        QCOMPARE(QFileInfo(writable() + QStringLiteral(".damaged")).size(), 5000);
+    }
+
+    void aSourceThatLoadsNothingGivesWayToTheNext()
+    {
+        QVERIFY(writeIcaoDatabase(sibling(), {QStringLiteral("DC4")}));
+        QCOMPARE(runSql(sibling(),
+                        {QStringLiteral("DROP TABLE metadata"), QStringLiteral("CREATE TABLE metadata (code TEXT)")}),
+                 QStringList());
         QVERIFY(writeFile(table(), tableLine));
-        const QStringList log = load();
-        QCOMPARE(log.size(), 4);
-        QCOMPARE(log.at(2), QStringLiteral("swift aircraft ICAO SQLite database is not ready"));
-        QCOMPARE(log.at(3), notReady);
-        QCOMPARE(QFileInfo(writable()).size(), 5000);
+        QCOMPARE(load().last(), importedLine(2));
+        QVERIFY(knows("B738"));
+    }
+
+    void aDatabaseThatAnotherProgramHoldsIsNotDamaged()
+    {
+        QVERIFY(writeIcaoDatabase(writable(), {QStringLiteral("B738")}));
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+            other.setDatabaseName(writable());
+            QVERIFY(other.open());
+            QVERIFY(QSqlQuery(other).exec(QStringLiteral("BEGIN EXCLUSIVE")));
+            load();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other"));
+        QVERIFY(QFile::exists(writable()));
+        QVERIFY(!QFile::exists(writable() + QStringLiteral(".damaged")));
     }
 
     void aReadOnlySourceBecomesAWritableCopy()
@@ -226,10 +279,10 @@ private slots:
                                     QStringLiteral("INSERT INTO aircraft_icao VALUES ('B738')")}),
                  QStringList());
         const QStringList log = load();
-        QCOMPARE(log.size(), 2);
+        QCOMPARE(log.size(), 3);
         QVERIFY2(log.at(0).startsWith(QStringLiteral("swift aircraft ICAO SQLite migrated but index rebuild failed: ")),
                  qPrintable(log.at(0)));
-        QCOMPARE(log.at(1), notReady);
+        QCOMPARE(log.at(2), notReady);
     }
 
     void aSourceThatIsTheTargetIsNotMigrated()
@@ -240,6 +293,16 @@ private slots:
         QVERIFY(writeIcaoDatabase(legacy(), {}));
         const QString used = QStringLiteral("Using writable swift aircraft ICAO SQLite database: ") + legacy();
         QCOMPARE(load(), (QStringList{used, notReady}));
+    }
+
+    /// Told apart by their paths they would be one file all the same: the copy would remove its own source.
+    void aSourceThatIsTheTargetThroughALinkIsNotMigrated()
+    {
+        QVERIFY(writeIcaoDatabase(legacy(), {}));
+        if (!QFile::link(appData() + QStringLiteral("/cache"), inRoot(QStringLiteral("cache"))) ||
+            !QFile::exists(writable()))
+            QSKIP("the system's links are no folders");
+        QCOMPARE(load(), (QStringList{usingLine(), notReady}));
     }
 
     void theLegacyJsonIsMigrated()
@@ -419,7 +482,9 @@ private slots:
         QCOMPARE(runSql(sibling(), {QStringLiteral("UPDATE aircraft_icao SET model = '\u5ba2\u673a 737-800'")}),
                  QStringList());
         load();
-        QCOMPARE(m_service->rowsFor(QStringLiteral("B738")).first().model, QStringLiteral("737-800"));
+        const QList<SwiftAircraftIcaoRow> rows = m_service->rowsFor(QStringLiteral("B738"));
+        QCOMPARE(rows.size(), 1);
+        QCOMPARE(rows.first().model, QStringLiteral("737-800"));
         QCOMPARE(runSql(writable(), {QStringLiteral("SELECT model FROM aircraft_icao")}),
                  QStringList(QStringLiteral("\u5ba2\u673a 737-800")));
     }
