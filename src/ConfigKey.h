@@ -37,77 +37,56 @@ struct PathListKey
 
 namespace config {
 
+/// Every setting that the file holds, each told once: KEY(form, name of its constant, fields of the form).
+#define TARVO_STORED_KEYS(KEY)                                                                                         \
+    KEY(StringKey, authRefreshToken, .key = "Auth/RefreshToken", .isEncrypted = true)                                  \
+    KEY(StringKey, authUsername, .key = "Auth/Username")                                                               \
+    KEY(StringKey, authPassword, .key = "Auth/Password", .isEncrypted = true)                                          \
+    KEY(BoolKey, authRememberPassword, "Auth/RememberPassword", false)                                                 \
+    KEY(BoolKey, authAutoLogin, "Auth/AutoLogin", false)                                                               \
+    KEY(BoolKey, authVatsim, "Auth/Vatsim", true)                                                                      \
+    KEY(StringKey, profileRealname, .key = "Profile/Realname")                                                         \
+    KEY(StringKey, profileHomeAirport, .key = "Profile/HomeAirport", .defaultValue = "ZBAA")                           \
+    KEY(IntKey, xplaneUdpPort, "XPlane/UDPPort", 49000)                                                                \
+    KEY(StringKey, xplaneNetworkAddress, .key = "XPlane/NetworkAddress", .defaultValue = "127.0.0.1")                  \
+    KEY(PathListKey, xplaneCsl, "XPlane/CSL")                                                                          \
+    KEY(StringKey, msfsPackagesPath2020, .key = "MSFS/PackagesPath2020")                                               \
+    KEY(StringKey, msfsPackagesPath2024, .key = "MSFS/PackagesPath2024")                                               \
+    KEY(StringKey, msfsCommunityPath2020, .key = "MSFS/CommunityPath2020")                                             \
+    KEY(StringKey, msfsCommunityPath2024, .key = "MSFS/CommunityPath2024")                                             \
+    KEY(PathListKey, msfsCustomMappingPaths2020, "MSFS/CustomMappingPaths2020")                                        \
+    KEY(PathListKey, msfsCustomMappingPaths2024, "MSFS/CustomMappingPaths2024")                                        \
+    KEY(IntKey, msfsLibraryReloadToken, "MSFS/LibraryReloadToken", 0)                                                  \
+    KEY(IntKey, voiceDriver, "Voice/Driver", 13)                                                                       \
+    KEY(StringKey, voiceInputDevice, .key = "Voice/InputDevice", .defaultValue = "Default")                            \
+    KEY(StringKey, voiceOutputHeadphoneDevice, .key = "Voice/OutputHeadphoneDevice", .defaultValue = "Default")        \
+    KEY(StringKey, voiceOutputSpeakerDevice, .key = "Voice/OutputSpeakerDevice", .defaultValue = "Default")            \
+    KEY(StringKey, voicePttKey, .key = "Voice/PttKey", .defaultValue = "kb:163")                                       \
+    KEY(RealKey, voiceMicGain, "Voice/MicGain", 0.0)                                                                   \
+    KEY(RealKey, voicePttPressFreq, "Voice/PttPressFreq", 1500.0)                                                      \
+    KEY(RealKey, voicePttReleaseFreq, "Voice/PttReleaseFreq", 1000.0)                                                  \
+    KEY(RealKey, voicePttVolume, "Voice/PttVolume", 1.0)                                                               \
+    KEY(IntKey, voicePttPlayDevice, "Voice/PttPlayDevice", 0)                                                          \
+    KEY(RealKey, voiceConflictVolume, "Voice/ConflictVolume", 1.0)                                                     \
+    KEY(IntKey, voiceConflictPlayDevice, "Voice/ConflictPlayDevice", 0)
+
+#define TARVO_DECLARE_KEY(Form, name, ...) inline constexpr Form name{__VA_ARGS__};
+TARVO_STORED_KEYS(TARVO_DECLARE_KEY)
+#undef TARVO_DECLARE_KEY
+
 inline constexpr StringKey authToken{.key = "Auth/Token", .isVolatile = true};
-inline constexpr StringKey authRefreshToken{.key = "Auth/RefreshToken", .isEncrypted = true};
-inline constexpr StringKey authUsername{.key = "Auth/Username"};
-inline constexpr StringKey authPassword{.key = "Auth/Password", .isEncrypted = true};
-inline constexpr BoolKey authRememberPassword{"Auth/RememberPassword", false};
-inline constexpr BoolKey authAutoLogin{"Auth/AutoLogin", false};
-inline constexpr BoolKey authVatsim{"Auth/Vatsim", true};
-inline constexpr StringKey profileRealname{.key = "Profile/Realname"};
-inline constexpr StringKey profileHomeAirport{.key = "Profile/HomeAirport", .defaultValue = "ZBAA"};
-inline constexpr IntKey xplaneUdpPort{"XPlane/UDPPort", 49000};
-inline constexpr StringKey xplaneNetworkAddress{.key = "XPlane/NetworkAddress", .defaultValue = "127.0.0.1"};
-inline constexpr PathListKey xplaneCsl{"XPlane/CSL"};
-inline constexpr StringKey msfsPackagesPath2020{.key = "MSFS/PackagesPath2020"};
-inline constexpr StringKey msfsPackagesPath2024{.key = "MSFS/PackagesPath2024"};
-inline constexpr StringKey msfsCommunityPath2020{.key = "MSFS/CommunityPath2020"};
-inline constexpr StringKey msfsCommunityPath2024{.key = "MSFS/CommunityPath2024"};
-inline constexpr PathListKey msfsCustomMappingPaths2020{"MSFS/CustomMappingPaths2020"};
-inline constexpr PathListKey msfsCustomMappingPaths2024{"MSFS/CustomMappingPaths2024"};
-inline constexpr IntKey msfsLibraryReloadToken{"MSFS/LibraryReloadToken", 0};
-inline constexpr IntKey voiceDriver{"Voice/Driver", 13};
-inline constexpr StringKey voiceInputDevice{.key = "Voice/InputDevice", .defaultValue = "Default"};
-inline constexpr StringKey voiceOutputHeadphoneDevice{.key = "Voice/OutputHeadphoneDevice", .defaultValue = "Default"};
-inline constexpr StringKey voiceOutputSpeakerDevice{.key = "Voice/OutputSpeakerDevice", .defaultValue = "Default"};
-inline constexpr StringKey voicePttKey{.key = "Voice/PttKey", .defaultValue = "kb:163"};
-inline constexpr RealKey voiceMicGain{"Voice/MicGain", 0.0};
-inline constexpr RealKey voicePttPressFreq{"Voice/PttPressFreq", 1500.0};
-inline constexpr RealKey voicePttReleaseFreq{"Voice/PttReleaseFreq", 1000.0};
-inline constexpr RealKey voicePttVolume{"Voice/PttVolume", 1.0};
-inline constexpr IntKey voicePttPlayDevice{"Voice/PttPlayDevice", 0};
-inline constexpr RealKey voiceConflictVolume{"Voice/ConflictVolume", 1.0};
-inline constexpr IntKey voiceConflictPlayDevice{"Voice/ConflictPlayDevice", 0};
 
 // What the pilot typed serves this login session even when it is not to be remembered. Filled at every login, emptied
 // when the session's clean-up has run; never in the file.
 inline constexpr StringKey sessionUsername{.key = "Session/Username", .isVolatile = true};
 inline constexpr StringKey sessionPassword{.key = "Session/Password", .isVolatile = true};
 
-/// Every key that the file holds, in the order in which a fresh file is written.
+/// The keys of the table above, in its order. The file has them sorted by name.
 using AnyKey = std::variant<StringKey, BoolKey, IntKey, RealKey, PathListKey>;
-inline constexpr std::array<AnyKey, 30> storedKeys{
-    authRefreshToken,
-    authUsername,
-    authPassword,
-    authRememberPassword,
-    authAutoLogin,
-    authVatsim,
-    profileRealname,
-    profileHomeAirport,
-    xplaneUdpPort,
-    xplaneNetworkAddress,
-    xplaneCsl,
-    msfsPackagesPath2020,
-    msfsPackagesPath2024,
-    msfsCommunityPath2020,
-    msfsCommunityPath2024,
-    msfsCustomMappingPaths2020,
-    msfsCustomMappingPaths2024,
-    msfsLibraryReloadToken,
-    voiceDriver,
-    voiceInputDevice,
-    voiceOutputHeadphoneDevice,
-    voiceOutputSpeakerDevice,
-    voicePttKey,
-    voiceMicGain,
-    voicePttPressFreq,
-    voicePttReleaseFreq,
-    voicePttVolume,
-    voicePttPlayDevice,
-    voiceConflictVolume,
-    voiceConflictPlayDevice,
-};
+#define TARVO_LIST_KEY(Form, name, ...) name,
+inline constexpr auto storedKeys = std::to_array<AnyKey>({TARVO_STORED_KEYS(TARVO_LIST_KEY)});
+#undef TARVO_LIST_KEY
+#undef TARVO_STORED_KEYS
 
 } // namespace config
 } // namespace tarvo

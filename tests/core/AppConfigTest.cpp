@@ -373,20 +373,22 @@ private slots:
     void foldersAreDetectedOnlyForEmptyKeys()
     {
         qputenv("APPDATA", m_dir->path().toLocal8Bit());
-        QVERIFY(QDir().mkpath(at(QStringLiteral("sim/Community"))));
         for (const char *edition : {"Microsoft Flight Simulator", "Microsoft Flight Simulator 2024"}) {
-            QVERIFY(QDir().mkpath(at(QLatin1String(edition))));
-            QFile file(at(QLatin1String(edition) + QStringLiteral("/UserCfg.opt")));
+            const QString folder = at(QLatin1String(edition));
+            QVERIFY(QDir().mkpath(folder + QStringLiteral("/sim/Community")));
+            QFile file(folder + QStringLiteral("/UserCfg.opt"));
             QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("InstalledPackagesPath \"" + m_dir->path().toUtf8() + "/sim\"\n");
+            file.write("InstalledPackagesPath \"" + folder.toUtf8() + "/sim\"\n");
         }
         writeFile("[MSFS]\nPackagesPath2020=moved\nCommunityPath2024=\"  \"\n");
         const AppConfig settings(m_dir->path());
         QCOMPARE(settings.get(config::msfsPackagesPath2020), QStringLiteral("moved"));
-        QCOMPARE(settings.get(config::msfsPackagesPath2024), at(QStringLiteral("sim")));
-        QCOMPARE(settings.get(config::msfsCommunityPath2020), at(QStringLiteral("sim/Community")));
-        QCOMPARE(settings.get(config::msfsCommunityPath2024), at(QStringLiteral("sim/Community")));
-        QCOMPARE(storedLine("PackagesPath2024"), at(QStringLiteral("sim")).toUtf8());
+        const QString sim2024 = at(QStringLiteral("Microsoft Flight Simulator 2024/sim"));
+        QCOMPARE(settings.get(config::msfsPackagesPath2024), sim2024);
+        QCOMPARE(settings.get(config::msfsCommunityPath2020),
+                 at(QStringLiteral("Microsoft Flight Simulator/sim/Community")));
+        QCOMPARE(settings.get(config::msfsCommunityPath2024), sim2024 + QStringLiteral("/Community"));
+        QCOMPARE(storedLine("PackagesPath2024"), sim2024.toUtf8());
     }
 
     void anUnwritableFileWorksInMemory()
