@@ -3,6 +3,7 @@
 
 With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
 pictures of every window stay in build/demo, and the lines that the server saw are printed as they stood on the wire.
+Where this machine allows it, that client finds the server by a name, which is answered late.
 Without it, the pilot is told what there is to look at.
 """
 import argparse
@@ -17,12 +18,15 @@ import tempfile
 import threading
 import time
 
+from name_server import NameServer, enter_own_network
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PICTURES = ROOT / 'build' / 'demo'
 USERNAME, PASSWORD = '1001', 'practice'
 CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
 OTHER_PILOTS = ('CES2117', 'CCA908', 'CHH7182', 'BAW38')
 TOWER = 'ZBAA_TWR'
+SERVER_NAME = 'fsd.practice.test'
 LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
 
 
@@ -176,8 +180,8 @@ def press(*keys):
         xdotool('key', key)
 
 
-def fly(client, practice):
-    """From the login to the logout, as a pilot would."""
+def fly(client, practice, names):
+    """From the login to the logout, as a pilot would. `names` is the name server, if there is one."""
     Window(LOGIN_TITLE)
     picture('1-login')
     type_text(USERNAME)
@@ -186,13 +190,18 @@ def fly(client, practice):
     press('Return')
 
     main = Window(MAIN_TITLE)
+    wait_until('card of X-Plane', lambda: main.count(*X_PLANE_ARROW, WHITE) >= 1000)
     picture('2-mode-selection')
     main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
     picture('3-overview')
 
     main.open_page(SERVER_ITEM)
     picture('4-server-page')
-    fill_form(main, practice)
+    fill_form(main)
+    if names:
+        look_around_meanwhile(main, names)
+    else:
+        main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
     picture('6-connected')
@@ -209,7 +218,7 @@ def fly(client, practice):
         raise Failure(f'the client ended with {client.returncode}')
 
 
-def fill_form(main, practice):
+def fill_form(main):
     main.focus(CALLSIGN_FIELD)
     type_text(CALLSIGN)
     press('Tab')
@@ -218,7 +227,16 @@ def fill_form(main, practice):
     type_text(TYPE_CODE[3:])
     press('Escape', 'Tab')
     type_text(SELCAL)
-    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
+
+
+def look_around_meanwhile(main, names):
+    """Connects, and goes to another page and back while the server's name is being looked up."""
+    main.click(CONNECT_BUTTON, until=names.asked.is_set)
+    main.open_page(MESSAGES_ITEM)
+    picture('5-other-page-while-looking-up')
+    main.open_page(SERVER_ITEM)
+    picture('5-server-page-while-looking-up')
+    names.answer()
 
 
 def meet_traffic(main, practice, connected):
@@ -256,6 +274,7 @@ def talk_to_tower(main, practice, connected):
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
 X_PLANE_CARD = (500, 382)
+X_PLANE_ARROW = (620, 356, 52, 52)  # left, top, width, height of the card's disc
 SIMULATOR_ITEM = (120, 180)
 SERVER_ITEM = (120, 230)
 MESSAGES_ITEM = (120, 280)
@@ -272,6 +291,7 @@ FIELD_HEIGHT = 42
 BADGE = (190, 260, 40, 40)
 PLOT = (646, 132, 310, 290)
 INK, FOCUS, RED, CYAN = (0x0F, 0x17, 0x2A), (0x3B, 0x82, 0xF6), (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9)
+WHITE = (0xFF, 0xFF, 0xFF)
 
 TOUR = f"""
 What there is to see, once X-Plane is chosen and a callsign is connected on the page 服务器:
@@ -294,6 +314,12 @@ def main():
     parser.add_argument('--headless', action='store_true')
     arguments = parser.parse_args()
     programs = arguments.bin.resolve()
+    names, client_command = None, [programs / 'TarvoClient']
+    if arguments.headless:
+        if enter_own_network():
+            names, client_command = NameServer(SERVER_NAME), [programs / 'tarvo-demo-client', SERVER_NAME]
+        else:
+            print('no network of our own here: the client finds the server by its address', flush=True)
     PICTURES.mkdir(parents=True, exist_ok=True)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
@@ -305,9 +331,9 @@ def main():
         write_config(programs, account=not arguments.headless)
         if arguments.headless:
             with virtual_display():
-                client = subprocess.Popen([programs / 'TarvoClient'])
+                client = subprocess.Popen(client_command)
                 try:
-                    fly(client, practice)
+                    fly(client, practice, names)
                 finally:
                     if client.poll() is None:
                         picture('at-the-end')
@@ -315,7 +341,7 @@ def main():
                         client.wait()
         else:
             print(TOUR, flush=True)
-            client = subprocess.Popen([programs / 'TarvoClient'])
+            client = subprocess.Popen(client_command)
             if client.wait() != 0:
                 raise Failure(f'the client ended with {client.returncode}')
     except (Failure, KeyboardInterrupt) as reason:

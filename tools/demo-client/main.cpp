@@ -1,0 +1,20 @@
+// The client as its entry function starts it, but for the FSD server's address: the first argument is its host name.
+#include "AppConfig.h"
+#include "Application.h"
+#include "network/ApiService.h"
+#include "network/SwiftAircraftIcaoService.h"
+
+#include <QApplication>
+#include <QQuickStyle>
+
+int main(int argc, char **argv)
+{
+    QQuickStyle::setStyle(QStringLiteral("Basic")); // only before the application object
+    const QApplication toolkit(argc, argv);
+    tarvo::ServiceEndpoints endpoints;
+    endpoints.fsdHost = QApplication::arguments().value(1, endpoints.fsdHost);
+    tarvo::Application::setUp();
+    tarvo::Application application(tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),
+                                   tarvo::network::SwiftAircraftIcaoService::instance(), endpoints);
+    return application.run();
+}
