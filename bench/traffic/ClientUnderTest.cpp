@@ -12,6 +12,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "simulator/xplane/XPlaneAdapter.h"
 #include "traffic/Pages.h"
+#include "traffic/Scheduling.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -113,23 +114,12 @@ private:
 
 } // namespace
 
-QStringList ClientArguments::toWords() const
-{
-    return {folder, QString::number(fsdPort), QString::number(xplanePort), pluginUrl};
-}
-
-ClientArguments ClientArguments::fromWords(const QStringList &words)
-{
-    return {.folder = words.value(0),
-            .fsdPort = static_cast<quint16>(words.value(1).toUInt()),
-            .xplanePort = static_cast<quint16>(words.value(2).toUInt()),
-            .pluginUrl = words.value(3)};
-}
-
 int runClient(const ClientArguments &arguments)
 {
     logging::installHandler();
     logging::openLogFile(QDir(arguments.folder).filePath(QStringLiteral("logs/client.log")));
+    if (arguments.ordinaryThreads)
+        startOrdinaryMessageThreads();
     const Client client(arguments);
     return QCoreApplication::exec();
 }

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <string_view>
 
 namespace tarvo::bench {
@@ -122,6 +123,8 @@ Ledger::Ledger(int pilots, int reports)
     : m_pilots(pilots),
       m_fast(pilots, reports),
       m_slow(pilots, reports),
+      m_newestOf(static_cast<size_t>(pilots)),
+      m_looseHeartbeats(static_cast<size_t>(pilots)),
       m_complete(static_cast<size_t>(pilots)),
       m_heartbeatDue(static_cast<size_t>(pilots))
 {
@@ -150,24 +153,42 @@ int Ledger::completeCount() const
     return static_cast<int>(std::count(m_complete.begin(), m_complete.end(), true));
 }
 
-std::uint64_t Ledger::missingOf(const Kind &kind, int pilot, int copiesDue) const
+Ledger::Lost Ledger::lostOf(const Kind &kind, int pilot, int copiesDue) const
 {
     const size_t row = kind.rowOf(pilot);
-    std::uint64_t missing = 0;
-    for (int number = kind.first[static_cast<size_t>(pilot)]; number < kind.last[static_cast<size_t>(pilot)]; ++number)
-        missing += static_cast<std::uint64_t>(std::max(0, copiesDue - kind.copies[row + static_cast<size_t>(number)]));
-    return missing;
+    Lost lost;
+    for (int number = kind.first[static_cast<size_t>(pilot)]; number < kind.last[static_cast<size_t>(pilot)];
+         ++number) {
+        const size_t report = row + static_cast<size_t>(number);
+        const auto absent = static_cast<std::uint64_t>(std::max(0, copiesDue - kind.copies[report]));
+        if (kind.lines[report] < m_newestOf[static_cast<size_t>(pilot)])
+            lost.overtaken += absent;
+        else
+            lost.missing += absent;
+    }
+    return lost;
+}
+
+Ledger::Lost Ledger::lost() const
+{
+    Lost sum;
+    for (int pilot = 0; pilot < m_pilots; ++pilot) {
+        const Lost fast = lostOf(m_fast, pilot, fastCopies);
+        const Lost slow = lostOf(m_slow, pilot, 1);
+        const size_t row = static_cast<size_t>(pilot);
+        // A heartbeat comes even where its position was overtaken.
+        const std::uint64_t silent =
+            slow.overtaken > m_looseHeartbeats[row] ? slow.overtaken - m_looseHeartbeats[row] : 0;
+        sum.overtaken += fast.overtaken + slow.overtaken;
+        sum.missing += fast.missing + slow.missing + silent + (m_heartbeatDue[row] ? 1 : 0);
+    }
+    return sum;
 }
 
 std::uint64_t Ledger::outstanding() const
 {
     const std::lock_guard lock(m_mutex);
-    std::uint64_t missing = 0;
-    for (int pilot = 0; pilot < m_pilots; ++pilot) {
-        missing += missingOf(m_fast, pilot, fastCopies) + missingOf(m_slow, pilot, 1);
-        missing += m_heartbeatDue[static_cast<size_t>(pilot)] ? 1 : 0;
-    }
-    return missing;
+    return lost().missing;
 }
 
 std::uint64_t Ledger::measuredLines() const
@@ -182,10 +203,18 @@ std::uint64_t Ledger::measuredLines() const
 
 Tally Ledger::tally() const
 {
-    const std::uint64_t missing = outstanding();
     const std::lock_guard lock(m_mutex);
     Tally tally = m_tally;
-    tally.missing = missing;
+    const Lost gone = lost();
+    tally.missing = gone.missing;
+    tally.overtaken += gone.overtaken;
+    const auto loose = std::accumulate(m_looseHeartbeats.begin(), m_looseHeartbeats.end(), std::uint64_t(0));
+    if (tally.overtaken == 0 && m_disordered + loose > 0) {
+        tally.wrong += m_disordered + loose;
+        tally.firstWrong = QStringLiteral("%1 positions out of order, %2 heartbeats alone, and nothing was overtaken")
+                               .arg(m_disordered)
+                               .arg(loose);
+    }
     if (m_latencies.empty())
         return tally;
     std::vector<std::int64_t> sorted = m_latencies;
@@ -222,14 +251,18 @@ int Ledger::pilotOf(const Message &message, std::uint32_t arguments)
     return -1;
 }
 
-bool Ledger::isInOrder(std::uint32_t line, int copy)
+bool Ledger::isInOrder(int pilot, std::uint32_t line, int copy)
 {
-    const bool inOrder = copy == 0 ? line > m_newestLine : line == m_newestLine;
+    std::uint32_t &his = m_newestOf[static_cast<size_t>(pilot)];
+    const bool inOrder = copy == 0 ? line > his : line >= his;
+    if (line < m_newestLine && m_measuring)
+        ++m_disordered;
+    his = std::max(his, line);
     m_newestLine = std::max(m_newestLine, line);
     return inOrder;
 }
 
-int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now)
+int Ledger::note(Kind &kind, int pilot, int number, int copy, std::int64_t now)
 {
     const size_t report = kind.rowOf(pilot) + static_cast<size_t>(std::max(number, 0));
     if (number < 0 || number >= kind.reports || kind.sent[report] == 0) {
@@ -237,8 +270,8 @@ int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t
         return -1;
     }
     const int before = kind.copies[report]++;
-    const std::uint32_t newest = m_newestLine;
-    if (!isInOrder(kind.lines[report], before) || before >= mostCopies)
+    const std::uint32_t newest = m_newestOf[static_cast<size_t>(pilot)];
+    if (!isInOrder(pilot, kind.lines[report], copy) || before > copy)
         blame(QStringLiteral("report %1 of pilot %2, copy %3: line %4 after line %5")
                   .arg(number)
                   .arg(pilot)
@@ -247,6 +280,10 @@ int Ledger::note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t
                   .arg(newest));
     m_heartbeatPilot = -1;
     if (kind.isMeasured(pilot, number)) {
+        if (copy > before) { // the second took the place of the first
+            ++m_tally.overtaken;
+            kind.copies[report]++;
+        }
         ++m_tally.messages;
         m_latencies.push_back(now - kind.sent[report]);
     }
@@ -259,18 +296,19 @@ void Ledger::receiveFast(const Message &message, std::int64_t now)
     if (pilot < 0)
         return;
     const int number = scene::fastNumberAt(pilot, message.number(1));
-    const int before = note(m_fast, pilot, number, fastCopies, now);
+    const scene::Report due = scene::fastReport(pilot, number);
+    const double speeds[] = {due.groundSpeed, scene::slowReport(pilot, 0).groundSpeed};
+    const int copy = isNear(message.number(15), speeds[0]) ? 0 : 1;
+    const int before = note(m_fast, pilot, number, copy, now);
     if (before < 0)
         return;
     const bool measured = m_fast.isMeasured(pilot, number);
     m_complete[static_cast<size_t>(pilot)] = m_complete[static_cast<size_t>(pilot)] || before + 1 == fastCopies;
-    const scene::Report due = scene::fastReport(pilot, number);
-    // An aircraft that is on one of the two ways only, at the start, gives no first and second message.
-    const double speed = before == 0 ? due.groundSpeed : scene::slowReport(pilot, 0).groundSpeed;
     const double values[] = {due.latitude,    due.longitude,   due.altitude,    due.height,        due.heading,
                              due.bank,        due.pitch,       due.velocity[0], due.velocity[1],   due.velocity[2],
                              due.rotation[0], due.rotation[1], due.rotation[2], due.noseWheelAngle};
-    bool right = !measured || isNear(message.number(15), speed);
+    // An aircraft that is on one of the two ways only, at the start, gives no first and second message.
+    bool right = !measured || isNear(message.number(15), speeds[copy]);
     for (std::uint32_t i = 0; i < std::size(values); ++i)
         right = right && isNear(message.number(i + 1), values[i]);
     if (!right)
@@ -283,7 +321,7 @@ void Ledger::receiveSlow(const Message &message, std::int64_t now)
     if (pilot < 0)
         return;
     const int number = scene::slowNumberAt(pilot, message.number(1));
-    if (note(m_slow, pilot, number, 1, now) < 0)
+    if (note(m_slow, pilot, number, 0, now) < 0)
         return;
     const scene::Report due = scene::slowReport(pilot, number);
     const double values[] = {due.latitude, due.longitude, due.altitude, due.height,
@@ -306,8 +344,12 @@ void Ledger::receiveHeartbeat(const Message &message)
     if (pilot < 0)
         return;
     // At the start there are aircraft whose positions are not told yet.
-    if (m_measuring && pilot != m_heartbeatPilot)
-        blame(QStringLiteral("a heartbeat of pilot %1 that was not due").arg(pilot));
+    if (m_measuring && pilot != m_heartbeatPilot) {
+        if (m_heartbeatDue[static_cast<size_t>(pilot)])
+            ++m_disordered;
+        else
+            ++m_looseHeartbeats[static_cast<size_t>(pilot)];
+    }
     m_heartbeatPilot = -1;
     if (m_heartbeatDue[static_cast<size_t>(pilot)])
         ++m_tally.messages;

@@ -16,19 +16,22 @@ std::int64_t steadyNs();
 /// What came of one measurement.
 struct Tally
 {
-    std::uint64_t messages = 0; ///< FSTPOS, POS and HB
-    std::uint64_t missing = 0;  ///< messages that did not come
-    std::uint64_t wrong = 0;    ///< out of order, too many, or with other values than were sent
-    QString firstWrong;         ///< the first of these in words
-    double medianMs = 0;        ///< from before the line is written to after its message is there
-    double percentile99Ms = 0;  ///< the same
-    double maximumMs = 0;       ///< the same
+    std::uint64_t messages = 0;  ///< FSTPOS, POS and HB
+    std::uint64_t overtaken = 0; ///< positions that did not come, but a newer one of the same aircraft did
+    std::uint64_t missing = 0;   ///< other messages that did not come
+    std::uint64_t wrong = 0;     ///< out of order, too many, or with other values than were sent
+    QString firstWrong;          ///< the first of these in words
+    double medianMs = 0;         ///< from before the line is written to after its message is there
+    double percentile99Ms = 0;   ///< the same
+    double maximumMs = 0;        ///< the same
 };
 
 /// Keeps when each line was sent and checks each message that the plugin gets for it. Every fast report reaches the
 /// plugin twice, first with the ground speed that follows from its velocities, then with that of the last slow report;
 /// every slow report gives a position and then a heartbeat. Nothing of another line comes between these two, and they
-/// come in the order of the lines, whoever's they are. One thread sends, one receives.
+/// come in the order of the lines, whoever's they are. A client that can't get rid of its messages may leave out
+/// positions for newer ones of the same aircraft; then each aircraft's still come in order. One thread sends, one
+/// receives.
 class Ledger
 {
 public:
@@ -49,7 +52,7 @@ public:
     void end();
     /// How many aircraft the plugin gets both ways by now.
     int completeCount() const;
-    /// Messages of the measured time that are still to come.
+    /// Messages of the measured time that are still to come, overtaken ones left out.
     std::uint64_t outstanding() const;
     std::uint64_t measuredLines() const;
     Tally tally() const;
@@ -87,11 +90,17 @@ private:
     /// The pilot that a message is about; -1, and somebody to blame, when there is none or `arguments` is not their
     /// number.
     int pilotOf(const Message &message, std::uint32_t arguments);
-    bool isInOrder(std::uint32_t line, int copy);
+    bool isInOrder(int pilot, std::uint32_t line, int copy);
     /// Notes one copy of a report that came. Gives how many had come before, -1 for one that may not come.
-    int note(Kind &kind, int pilot, int number, int mostCopies, std::int64_t now);
+    int note(Kind &kind, int pilot, int number, int copy, std::int64_t now);
     void blame(const QString &what);
-    std::uint64_t missingOf(const Kind &kind, int pilot, int copiesDue) const;
+    struct Lost
+    {
+        std::uint64_t overtaken = 0;
+        std::uint64_t missing = 0;
+    };
+    Lost lostOf(const Kind &kind, int pilot, int copiesDue) const;
+    Lost lost() const;
 
     const int m_pilots;
     mutable std::mutex m_mutex; ///< guards all that the receiver writes
@@ -99,10 +108,13 @@ private:
     Kind m_slow;
     std::uint32_t m_lines = 0; ///< serial of the last line; the sender's own
     std::atomic<bool> m_measuring = false;
-    std::uint32_t m_newestLine = 0;   ///< serial of the line that the last position came from
-    int m_heartbeatPilot = -1;        ///< whose heartbeat may come next; -1 for nobody's
-    std::vector<bool> m_complete;     ///< of each pilot
-    std::vector<bool> m_heartbeatDue; ///< of each pilot: that of a measured report
+    std::uint32_t m_newestLine = 0;               ///< serial of the newest line that a position came from
+    std::vector<std::uint32_t> m_newestOf;        ///< of each pilot: the same
+    std::uint64_t m_disordered = 0;               ///< positions behind a newer one of another aircraft
+    std::vector<std::uint64_t> m_looseHeartbeats; ///< of each pilot: those without a position right before them
+    int m_heartbeatPilot = -1;                    ///< whose heartbeat may come next; -1 for nobody's
+    std::vector<bool> m_complete;                 ///< of each pilot
+    std::vector<bool> m_heartbeatDue;             ///< of each pilot: that of a measured report
     std::vector<std::int64_t> m_latencies;
     Tally m_tally;
 };

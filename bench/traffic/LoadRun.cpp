@@ -1,7 +1,8 @@
 #include "traffic/LoadRun.h"
 
 #include "practice/xplane/XPlaneStandIn.h"
-#include "traffic/ClientUnderTest.h"
+#include "traffic/BareProgram.h"
+#include "traffic/ClientArguments.h"
 #include "traffic/FsdEnd.h"
 #include "traffic/PluginEnd.h"
 #include "traffic/ProcessCost.h"
@@ -37,7 +38,8 @@ public:
     explicit World(const Load &load)
         : m_load(load),
           ledger(load.pilots, reportsOf(load)),
-          plugin(urlOf(QStringLiteral("plugin")), ledger),
+          plugin(urlOf(QStringLiteral("plugin")),
+                 [this](QByteArrayView message, std::int64_t now) { return ledger.receive(message, now); }),
           fsd(load.pilots, load.rate, ledger)
     {
     }
@@ -68,7 +70,8 @@ public:
         const ClientArguments arguments{.folder = m_folder.filePath(QStringLiteral("client")),
                                         .fsdPort = fsd.port(),
                                         .xplanePort = xplane.udpPort(),
-                                        .pluginUrl = urlOf(QStringLiteral("plugin"))};
+                                        .pluginUrl = urlOf(QStringLiteral("plugin")),
+                                        .ordinaryThreads = m_load.ordinaryThreads};
         client.setProcessChannelMode(QProcess::ForwardedChannels);
         client.start(QCoreApplication::applicationFilePath(),
                      QStringList{QStringLiteral("client")} + arguments.toWords());
@@ -184,6 +187,10 @@ LoadResult runLoad(const Load &load)
     world.fsd.setSlowInterval(slowIntervalMs);
     world.pass(settleMs);
     measure(world, load, result);
+    const BareResult bare = measureBare(load);
+    result.bareShare = bare.cpuShare;
+    if (result.failure.isEmpty())
+        result.failure = bare.failure;
     return result;
 }
 

@@ -9,8 +9,9 @@ namespace tarvo::bench {
 struct Load
 {
     int pilots = 500;
-    double rate = 5;      ///< fast reports of each pilot in a second
-    double seconds = 120; ///< measured, after everybody is there
+    double rate = 5;              ///< fast reports of each pilot in a second
+    double seconds = 120;         ///< measured, after everybody is there
+    bool ordinaryThreads = false; ///< of nng's, without their batch scheduling
 };
 
 struct LoadResult
@@ -21,10 +22,12 @@ struct LoadResult
     Tally tally;
     double cpuShare = 0;         ///< of one core, by the client with all its threads; 1 is all of it
     double idleShare = 0;        ///< the same while connected and alone: what X-Plane and the own reports cost
+    double bareShare = 0;        ///< the same by the bare program, see measureBare()
     double residentStartMiB = 0; ///< of the client, before the first pilot
     double residentCrowdMiB = 0; ///< when everybody is there
     double residentEndMiB = 0;
 
+    double bareRatio() const { return bareShare > 0 ? cpuShare / bareShare : 0; }
     double cpuPerLineUs() const { return perLineUs(cpuShare); }
     /// Without what the client does for itself, which would flatter a large crowd.
     double trafficCpuPerLineUs() const { return perLineUs(cpuShare - idleShare); }

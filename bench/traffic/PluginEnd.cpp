@@ -7,7 +7,7 @@
 
 #include <msgpack.hpp>
 
-#include <QByteArrayView>
+#include <utility>
 
 namespace tarvo::bench {
 
@@ -21,7 +21,7 @@ void send(nng_socket socket, const msgpack::sbuffer &buffer)
 }
 } // namespace
 
-PluginEnd::PluginEnd(const QString &url, Ledger &ledger) : m_ledger(ledger)
+PluginEnd::PluginEnd(const QString &url, Receiver receiver) : m_receiver(std::move(receiver))
 {
     if (nng_pair1_open(&m_socket) != 0)
         return;
@@ -63,7 +63,7 @@ void PluginEnd::handle(const nng_msg *message)
     const QByteArrayView bytes(body, static_cast<qsizetype>(nng_msg_len(message)));
     if (bytes.startsWith("\x92\xa3VER"))
         sayVersion();
-    else if (const QString added = m_ledger.receive(bytes, now); !added.isEmpty())
+    else if (const QString added = m_receiver(bytes, now); !added.isEmpty())
         say("ADDED", added);
 }
 

@@ -2,20 +2,25 @@
 
 #include <nng/nng.h>
 
+#include <QByteArrayView>
 #include <QString>
 
+#include <cstdint>
+#include <functional>
 #include <thread>
 
 namespace tarvo::bench {
 
-class Ledger;
-
-/// The plugin inside X-Plane: answers as a good one, and hands each message to the ledger as soon as it is there.
+/// The plugin inside X-Plane: answers as a good one, and hands each message on as soon as it is there.
 class PluginEnd
 {
 public:
-    /// Listens at that nng address. The ledger outlives this end.
-    PluginEnd(const QString &url, Ledger &ledger);
+    /// Gets each message, packed, and when it came, on a thread of its own. Gives the callsign that is to be answered:
+    /// an ADD's, else nothing.
+    using Receiver = std::function<QString(QByteArrayView message, std::int64_t now)>;
+
+    /// Listens at that nng address. What the receiver uses outlives this end.
+    PluginEnd(const QString &url, Receiver receiver);
     ~PluginEnd();
     PluginEnd(const PluginEnd &) = delete;
     PluginEnd &operator=(const PluginEnd &) = delete;
@@ -28,7 +33,7 @@ private:
     void say(const char *name, const QString &argument);
     void sayVersion();
 
-    Ledger &m_ledger;
+    Receiver m_receiver;
     nng_socket m_socket = NNG_SOCKET_INITIALIZER;
     nng_aio *m_receive = nullptr;
     bool m_listening = false;
