@@ -21,17 +21,19 @@ constexpr float highPriorityVolume = 0.75F;
 constexpr float usualVolume = 0.55F;
 
 /// A sound that is begun anew sooner is hardly heard.
-constexpr int soundGapMs = 500;
+constexpr qint64 soundGapMs = 500;
 } // namespace
 
 MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_ptr<ControllerManager> controllers,
-                           MessagesPageViewModel &page, SoundPlayer &sounds, QObject *parent)
+                           MessagesPageViewModel &page, SoundPlayer &sounds, QObject *parent,
+                           const common::Clock &clock)
     : QObject(parent),
       m_network(std::move(network)),
       m_controllers(std::move(controllers)),
       m_page(page),
       m_sounds(sounds),
-      m_soundTimer(this)
+      m_soundTimer(this),
+      m_clock(clock)
 {
     connectSession();
     connectTexts();
@@ -105,7 +107,7 @@ void MessagesFeed::requestSound(int priority)
 {
     m_soundPriority = std::max(m_soundPriority, priority);
     if (!m_soundTimer.isActive())
-        m_soundTimer.start(static_cast<int>(m_soundGap.remainingTime()));
+        m_soundTimer.start(static_cast<int>(std::max<qint64>(0, m_gapEndsMs - m_clock.steadyMs())));
 }
 
 void MessagesFeed::playSound()
@@ -113,7 +115,7 @@ void MessagesFeed::playSound()
     const int priority = std::exchange(m_soundPriority, 0);
     m_sounds.play(QUrl(QStringLiteral("qrc:/resources/sounds/manager.mp3")),
                   priority >= highPriority ? highPriorityVolume : usualVolume);
-    m_soundGap.setRemainingTime(soundGapMs);
+    m_gapEndsMs = m_clock.steadyMs() + soundGapMs;
 }
 
 } // namespace tarvo::ui

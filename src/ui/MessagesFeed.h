@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDeadlineTimer>
+#include "common/Clock.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -18,7 +19,7 @@ class SoundPlayer;
 class MessagesPageViewModel;
 
 /// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
-/// and lets incoming messages be heard, a burst of them once, and hardly more than two in a second.
+/// and lets incoming messages be heard: the first at once, and those of the half second after a sound together.
 class MessagesFeed : public QObject
 {
     Q_OBJECT
@@ -27,7 +28,7 @@ public:
     /// `controllers` may be null; then no station is listed.
     MessagesFeed(std::shared_ptr<manager::NetworkManager> network,
                  std::shared_ptr<manager::ControllerManager> controllers, MessagesPageViewModel &page,
-                 SoundPlayer &sounds, QObject *parent = nullptr);
+                 SoundPlayer &sounds, QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
 
 private:
     void connectSession();
@@ -44,7 +45,8 @@ private:
     SoundPlayer &m_sounds;
     int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
     QTimer m_soundTimer;     ///< runs out in the next turn of the event loop, or when the gap has passed
-    QDeadlineTimer m_soundGap{0};
+    const common::Clock &m_clock;
+    qint64 m_gapEndsMs = 0; ///< steady time
 };
 
 } // namespace tarvo::ui

@@ -2,6 +2,7 @@
 
 #include "manager/ControllerManager.h"
 #include "manager/Session.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 #include "ui/SoundPlayer.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -24,7 +25,8 @@ struct Desk
     MessagesPageViewModel page;
     ui::SoundPlayer sounds;
     QSignalSpy played{&sounds, &ui::SoundPlayer::played};
-    ui::MessagesFeed feed{session.manager, controllers, page, sounds};
+    test::ManualClock clock;
+    ui::MessagesFeed feed{session.manager, controllers, page, sounds, nullptr, clock};
 
     Desk()
     {
@@ -141,10 +143,34 @@ private slots:
         QTRY_COMPARE(desk.played.size(), 1);
         QCOMPARE(desk.sounds.volume(), 0.75F); // the most urgent of them all
         QVERIFY(!desk.willSound());
-        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
-        QVERIFY(desk.soundTimer().interval() > 0); // not on the heels of the last
+        talk();
         QTRY_COMPARE(desk.played.size(), 2);
         QCOMPARE(desk.sounds.volume(), 0.55F);
+    }
+
+    void soundsKeepHalfASecondApart_data()
+    {
+        QTest::addColumn<int>("afterMs");
+        QTest::addColumn<int>("waitMs");
+        QTest::newRow("at once") << 0 << 500;
+        QTest::newRow("soon") << 180 << 320;
+        QTest::newRow("nearly in time") << 499 << 1;
+        QTest::newRow("in time") << 500 << 0;
+        QTest::newRow("long after") << 60'000 << 0;
+    }
+
+    void soundsKeepHalfASecondApart()
+    {
+        QFETCH(int, afterMs);
+        Desk desk;
+        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTRY_COMPARE(desk.played.size(), 1);
+        desk.clock.advance(afterMs);
+        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTEST(desk.soundTimer().interval(), "waitMs");
+        desk.clock.advance(100);
+        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTEST(desk.soundTimer().interval(), "waitMs"); // the later ones wait no longer
     }
 
     void theOwnCallsignIsThatOfTheSession()
