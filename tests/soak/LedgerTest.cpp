@@ -1,5 +1,7 @@
 #include "traffic/Ledger.h"
 
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "support/TestRegistry.h"
 #include "traffic/Scene.h"

@@ -1,6 +1,7 @@
 #include "simulator/xplane/DatarefLink.h"
 
 #include "AppConfig.h"
+#include "common/Clock.h"
 #include "simulator/xplane/RrefPacket.h"
 #include "simulator/xplane/SimulatorAddress.h"
 

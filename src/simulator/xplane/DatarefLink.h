@@ -1,6 +1,5 @@
 #pragma once
 
-#include "common/Clock.h"
 #include "simulator/xplane/DatarefTable.h"
 
 #include <QByteArrayView>
@@ -14,7 +13,10 @@
 
 namespace tarvo {
 class AppConfig;
+namespace common {
+class Clock;
 }
+} // namespace tarvo
 
 namespace tarvo::simulator::xplane {
 

@@ -1,5 +1,9 @@
 #include "simulator/xplane/PluginMessages.h"
 
+#include "model/Controller.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
+
 #include <QtEndian>
 
 #include <msgpack.hpp>

@@ -1,13 +1,16 @@
 #pragma once
 
-#include "model/Controller.h"
-#include "model/RemoteAircraft.h"
-#include "model/VelocityVector.h"
-
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+namespace tarvo::model {
+struct AircraftVisualState;
+struct Controller;
+struct RemoteAircraft;
+struct VelocityVector;
+} // namespace tarvo::model
 
 /// The messages to the X-Plane plugin, packed. Each is a MessagePack array of two: the name and an array of arguments.
 /// Strings are UTF-8; angles are degrees, altitudes metres, ground speeds knots, all as float64.

@@ -1,6 +1,8 @@
 #include "simulator/xplane/XPlaneAltitudes.h"
 
 #include "common/Units.h"
+#include "model/UserAircraftData.h"
+#include "simulator/Simulator.h"
 
 #include <cmath>
 

@@ -1,7 +1,14 @@
 #pragma once
 
-#include "model/UserAircraftData.h"
-#include "simulator/Simulator.h"
+#include <QtGlobal>
+
+namespace tarvo::model {
+struct UserAircraftData;
+}
+
+namespace tarvo::simulator {
+enum class SimulatorType : quint8;
+}
 
 namespace tarvo::simulator::xplane {
 

@@ -1,4 +1,7 @@
 #include "AdapterSupport.h"
+#include "model/Controller.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "simulator/xplane/PluginReports.h"
 #include "support/SourceFolder.h"

@@ -1,5 +1,6 @@
 #include "simulator/xplane/PluginLink.h"
 #include "simulator/xplane/PluginMessages.h"
+#include "simulator/xplane/ReportInbox.h"
 #include "support/LogCapture.h"
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
@@ -380,6 +381,25 @@ private slots:
         sendBatch(1);
         QTRY_COMPARE(seen, 1605);
         QVERIFY2(mostSinceTurn <= 256, qPrintable(QString::number(mostSinceTurn)));
+    }
+
+    /// As long as the main thread stands still.
+    void whatTheInboxCantHoldIsDropped()
+    {
+        const DropCounter drops;
+        Bench bench;
+        bench.listen();
+        bench.open();
+        QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
+        QTRY_VERIFY(bench.plugin->hasClient());
+        const QByteArray large = packPluginMessage(QStringLiteral("ADDED"), {QString(60'000, u'x')});
+        const auto most = static_cast<qsizetype>(ReportInbox::mostBytes) / large.size();
+        for (qsizetype i = 0; i < most + 5; ++i)
+            bench.plugin->sendRaw(large);
+        drops.waitFor(5);
+        QTRY_COMPARE(reports.size(), most);
+        bench.plugin->sendRaw(added(1));
+        QTRY_COMPARE(reports.size(), most + 1);
     }
 
     void aMessageThatIsTooLargeIsRefused()

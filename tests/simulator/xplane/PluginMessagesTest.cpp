@@ -1,4 +1,7 @@
 #include "simulator/xplane/PluginMessages.h"
+#include "model/Controller.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>

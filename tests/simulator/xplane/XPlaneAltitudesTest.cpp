@@ -1,4 +1,6 @@
 #include "simulator/xplane/XPlaneAltitudes.h"
+#include "model/UserAircraftData.h"
+#include "simulator/Simulator.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
