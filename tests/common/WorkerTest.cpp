@@ -10,6 +10,7 @@
 #include <atomic>
 #include <future>
 #include <memory>
+#include <utility>
 #include <vector>
 
 using tarvo::common::Worker;
@@ -143,6 +144,16 @@ private slots:
         gate.open();
         QVERIFY(worker.finish(10s));
         QCOMPARE(*owned, 1);
+    }
+
+    void whatATaskOwnsGoesBeforeTheTaskIsDone()
+    {
+        std::atomic<int> idleAtTheEnd = -1;
+        Worker worker("test", 1);
+        std::shared_ptr<void> owned(nullptr, [&](void *) { idleAtTheEnd = worker.isIdle() ? 1 : 0; });
+        worker.post([alone = std::move(owned)] {});
+        QVERIFY(worker.finish(10s));
+        QCOMPARE(idleAtTheEnd.load(), 0);
     }
 
     void withoutATaskThereIsNoThread()

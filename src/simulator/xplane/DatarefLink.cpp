@@ -26,11 +26,11 @@ constexpr qsizetype largestDatagram = 65536;
 constexpr int lowestPort = 1;
 constexpr int highestPort = 65535;
 
-bool sameIpv4(const QHostAddress &a, const QHostAddress &b)
+/// The socket is one for IPv4, and so is every sender.
+bool isFrom(const QHostAddress &target, const QHostAddress &sender)
 {
-    bool aIsIpv4 = false;
-    bool bIsIpv4 = false;
-    return a.toIPv4Address(&aIsIpv4) == b.toIPv4Address(&bIsIpv4) && aIsIpv4 && bIsIpv4;
+    bool targetIsIpv4 = false;
+    return target.toIPv4Address(&targetIsIpv4) == sender.toIPv4Address() && targetIsIpv4;
 }
 
 } // namespace
@@ -141,7 +141,7 @@ void DatarefLink::receivePending()
 void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
 {
     const RrefReply reply(datagram);
-    if (!sameIpv4(sender, m_target) || !reply.isValid())
+    if (!isFrom(m_target, sender) || !reply.isValid())
         return;
     m_lastHeardSeconds = m_lastReplySeconds = m_clock.wallMs() / 1000;
     const QPointer<DatarefLink> alive(this);

@@ -1,11 +1,15 @@
 #include "AdapterBench.h"
+#include "simulator/xplane/PluginLink.h"
 #include "support/TestRegistry.h"
 
 #include <QLocalServer>
 #include <QLocalSocket>
 
+#include <utility>
+
 using namespace tarvo;
 using simulator::Simulator;
+using simulator::xplane::PluginLink;
 using Bench = test::AdapterBench;
 
 /// A link that was asked for once comes back by itself.
@@ -211,6 +215,39 @@ private slots:
             QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
         }
         QCOMPARE(bench.plugin->count(QStringLiteral("VER")), 1);
+    }
+
+    void withoutAPluginItBeginsNone()
+    {
+        Bench bench;
+        QVERIFY(bench.connect());
+        bench.clock.advance(16'000);
+        bench.tick();
+        bench.plugin.reset();
+        QTRY_VERIFY(!bench.adapter->findChild<PluginLink *>()->isConnected());
+        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
+        QVERIFY(bench.report(52, 120105, [&] { return version.size() == 1; }));
+        bench.tick();
+        QVERIFY(!bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
+    }
+
+    void aReceiverMayReconnectBeforeTheRestartIsTold()
+    {
+        Bench bench;
+        QVERIFY(bench.connect());
+        QVERIFY(bench.restartPlugin());
+        QVERIFY(bench.answerVersion(65536));
+        bool reconnects = true;
+        connect(bench.adapter.get(), &Simulator::simConnectionStateChanged, this, [&](bool connected) {
+            if (connected && std::exchange(reconnects, false))
+                bench.adapter->reconnectSimulator();
+        });
+        bench.tick();
+        QVERIFY(!reconnects);
+        QCOMPARE(bench.restarted->size(), 0);
+        QVERIFY(bench.answerVersion(65536));
+        bench.tick();
+        QCOMPARE(bench.restarted->size(), 1);
     }
 
     void aSimulatorThatIsHeardAgainBeginsAnAttempt()
