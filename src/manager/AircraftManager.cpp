@@ -6,6 +6,10 @@
 #include "common/Callsign.h"
 #include "manager/NetworkManager.h"
 #include "manager/RemoteAircraftTable.h"
+#include "manager/TrafficLog.h"
+#include "simulator/Simulator.h"
+
+#include <QDebug>
 
 #include <utility>
 
@@ -22,6 +26,7 @@ constexpr int syncIntervalMs = 5000;
 constexpr qint64 staleAircraftAfterMs = 15000;
 constexpr qint64 pendingForMs = 10000;
 constexpr double standingKnots = 0.5;
+constexpr char byAircraftManager[] = "AircraftManager"; ///< in the log, beside NetworkManager
 
 /// Enough is known to place the aircraft well: it stands, or its fast positions come.
 bool isReady(const RemoteAircraft &aircraft)
@@ -168,7 +173,10 @@ void AircraftManager::onConfiguration(const QString &from, const QString &json)
     if (!aircraft)
         return;
     const auto message = model::AircraftConfigurationMessage::parse(json);
-    if (!message.configuration || !takeConfiguration(*aircraft, *message.configuration))
+    if (!message.configuration)
+        return;
+    aircraft->lastUpdate = now();
+    if (!takeConfiguration(*aircraft, *message.configuration))
         return;
     if (isReady(*aircraft))
         sync();
@@ -192,9 +200,8 @@ void AircraftManager::onPilotDeleted(const QString &from)
 {
     if (const RemoteAircraft *aircraft = find(from); aircraft && aircraft->state == State::Ignored) {
         erase(aircraft->callsign); // the simulator won't answer for what it was never told of
-    } else if (const std::shared_ptr<Simulator> simulator = m_simulator; aircraft && simulator) {
-        const RemoteAircraft gone = *aircraft;
-        simulator->removeAircraft(gone, QStringLiteral("Deleted"));
+    } else if (aircraft) {
+        removeFromSimulator(RemoteAircraft(*aircraft), QStringLiteral("Deleted"));
     }
     sync();
 }
@@ -210,7 +217,18 @@ void AircraftManager::onSimulatorChanged()
     m_simulatorConnections.add({
         connect(m_simulator.get(), &Simulator::aircraftAddedToSim, this, &AircraftManager::onAddedToSim),
         connect(m_simulator.get(), &Simulator::aircraftRemovedFromSim, this, &AircraftManager::erase),
+        connect(m_simulator.get(), &Simulator::restarted, this, &AircraftManager::onSimulatorRestarted),
     });
+}
+
+/// It has none of them any more: each that is ready is added anew, with all that its configuration has become.
+void AircraftManager::onSimulatorRestarted()
+{
+    for (RemoteAircraft &aircraft : m_records) {
+        if (aircraft.state != State::Ignored)
+            aircraft.state = State::New;
+    }
+    sync();
 }
 
 void AircraftManager::onAddedToSim(const QString &callsign)
@@ -241,11 +259,22 @@ void AircraftManager::sync()
             return;
         if (!find(aircraft.callsign)) // gone meanwhile
             continue;
+        qDebug().noquote() << trafficText("added", aircraft.callsign, byAircraftManager,
+                                          QStringLiteral("type ") + aircraft.typeCode);
         simulator->addAircraft(aircraft);
         if (simulator != m_simulator || !find(aircraft.callsign)) // gone within the addition
             continue;
         simulator->updateAircraftConfiguration(aircraft);
     }
+}
+
+void AircraftManager::removeFromSimulator(const RemoteAircraft &aircraft, const QString &reason)
+{
+    const std::shared_ptr<Simulator> simulator = m_simulator;
+    if (!simulator)
+        return;
+    qDebug().noquote() << trafficText("removed", aircraft.callsign, byAircraftManager, reason);
+    simulator->removeAircraft(aircraft, reason);
 }
 
 /// Copies of the aircraft to be added. Their records are pending already, because the simulator may confirm an addition
@@ -284,7 +313,7 @@ void AircraftManager::removeStale()
         if (aircraft.state == State::Ignored)
             erase(aircraft.callsign);
         else
-            simulator->removeAircraft(aircraft, QStringLiteral("Stale"));
+            removeFromSimulator(aircraft, QStringLiteral("Stale"));
     }
 }
 

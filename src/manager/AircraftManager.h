@@ -57,6 +57,7 @@ private:
     void onAircraftInfo(const QString &from, const QString &equipment, const QString &airline);
     void onPilotDeleted(const QString &from);
     void onSimulatorChanged();
+    void onSimulatorRestarted();
     void onAddedToSim(const QString &callsign);
 
     model::RemoteAircraft *find(const QString &callsign);
@@ -67,6 +68,8 @@ private:
     void makeRoom();
     void takeFromNetwork(model::RemoteAircraft &aircraft) const;
     void updateConfigurationInSimulator(const model::RemoteAircraft &aircraft);
+    /// To be given a copy, never a record.
+    void removeFromSimulator(const model::RemoteAircraft &aircraft, const QString &reason);
     void sync();
     QList<model::RemoteAircraft> takeDue();
     void removeStale();

@@ -2,6 +2,7 @@
 
 #include "common/Callsign.h"
 #include "manager/NetworkManager.h"
+#include "simulator/Simulator.h"
 
 #include <QDebug>
 
@@ -70,8 +71,10 @@ void ControllerManager::onSimulatorChanged()
     m_radio = {}; // the new simulator tells its own
     if (!m_simulator)
         return;
-    m_simulatorConnections.add(
-        {connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &ControllerManager::onRadioStackState)});
+    m_simulatorConnections.add({
+        connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &ControllerManager::onRadioStackState),
+        connect(m_simulator.get(), &Simulator::restarted, this, &ControllerManager::giveStations),
+    });
 }
 
 void ControllerManager::onRadioStackState(const model::RadioStackState &state)
@@ -88,21 +91,9 @@ Controller *ControllerManager::find(const QString &callsign)
     return place == m_places.constEnd() ? nullptr : &m_controllers[*place];
 }
 
-void ControllerManager::erase(const QString &callsign)
-{
-    const auto found = m_places.constFind(callsign);
-    if (found == m_places.constEnd())
-        return;
-    const qsizetype place = *found;
-    m_places.erase(found);
-    m_controllers.removeAt(place);
-    for (qsizetype i = place; i < m_controllers.size(); ++i)
-        m_places[m_controllers[i].callsign] = i;
-}
-
 void ControllerManager::clear()
 {
-    ++m_generation;
+    m_lists.next();
     m_controllers.clear();
     m_places.clear();
     m_fullLogged = false;
@@ -138,12 +129,12 @@ void ControllerManager::addController(const QString &callsign, quint32 frequency
     m_places.insert(callsign, m_controllers.size());
     m_controllers.append(controller);
 
-    const quint64 generation = m_generation;
+    const SessionMark mark = m_lists.mark();
     m_network->requestRealName(callsign);
     m_network->requestValidAtc(callsign);
     m_network->requestCapabilities(callsign);
     // A server that has gone shows while a line is sent, and the list is empty by then.
-    if (generation == m_generation)
+    if (mark.holds())
         emit controllerAdded(controller);
 }
 
@@ -189,9 +180,9 @@ void ControllerManager::announceDetails(const Controller &controller)
 
 void ControllerManager::republish(const Controller &controller)
 {
-    const quint64 generation = m_generation;
+    const SessionMark mark = m_lists.mark();
     emit controllerDeleted(controller);
-    if (generation == m_generation)
+    if (mark.holds())
         emit controllerAdded(controller);
 }
 
@@ -212,10 +203,15 @@ void ControllerManager::onTick()
 {
     if (!m_simulator)
         return; // without one nothing ages out
-    const quint64 generation = m_generation;
+    const SessionMark mark = m_lists.mark();
     deleteExpired();
-    if (generation != m_generation)
+    if (!mark.holds())
         return; // a listener has ended the connection
+    giveStations();
+}
+
+void ControllerManager::giveStations()
+{
     if (const std::shared_ptr<Simulator> simulator = m_simulator)
         simulator->setControllers(QList<Controller>(m_controllers));
     refreshStations();
@@ -228,13 +224,31 @@ void ControllerManager::deleteExpired()
     std::ranges::copy_if(m_controllers, std::back_inserter(expired), [lastReport](const Controller &controller) {
         return controller.deletePending || controller.lastUpdate <= lastReport;
     });
-    const quint64 generation = m_generation;
+    const SessionMark mark = m_lists.mark();
     for (const Controller &controller : std::as_const(expired)) {
         emit controllerDeleted(controller);
-        if (generation != m_generation)
+        if (!mark.holds())
             return;
-        erase(controller.callsign);
+        m_places.remove(controller.callsign);
     }
+    if (!expired.isEmpty())
+        dropForgotten();
+}
+
+/// Takes out those that have no place any more, all at once: to number the rest anew behind each of thousands would
+/// hold the window.
+void ControllerManager::dropForgotten()
+{
+    QList<Controller> kept;
+    kept.reserve(m_places.size());
+    for (qsizetype place = 0; place < m_controllers.size(); ++place) {
+        const auto known = m_places.find(m_controllers[place].callsign);
+        if (known == m_places.end() || *known != place)
+            continue;
+        *known = kept.size(); // never above `place`, and so never met again
+        kept.append(m_controllers[place]);
+    }
+    m_controllers = kept;
 }
 
 void ControllerManager::refreshStations()

@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "manager/ConnectionList.h"
+#include "manager/SessionMark.h"
 #include "model/Controller.h"
 #include "model/RadioStackState.h"
 
@@ -64,9 +65,10 @@ private:
     void announceDetails(const model::Controller &controller);
     void republish(const model::Controller &controller);
     bool hasRoomFor(const QString &callsign);
-    void erase(const QString &callsign);
     void clear();
     void deleteExpired();
+    void dropForgotten();
+    void giveStations();
     void refreshStations();
     void setStationCallsign(int radio, const QString &callsign);
     QString stationOn(quint32 frequency) const;
@@ -82,7 +84,7 @@ private:
     bool m_fullLogged = false;          ///< since the list was empty
     model::RadioStackState m_radio;
     QTimer m_timer;
-    quint64 m_generation = 0; ///< changes whenever the list is emptied
+    SessionCounter m_lists; ///< changes whenever the list is emptied
 };
 
 } // namespace tarvo::manager

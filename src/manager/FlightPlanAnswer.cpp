@@ -31,6 +31,15 @@ std::optional<KeyedField> readKeyed(const QString &field)
     return KeyedField{field.left(equals).trimmed().toUpper(), field.sliced(equals + 1).trimmed()};
 }
 
+/// A server may send a megabyte of them.
+QStringList lookedAt(const QStringList &payload)
+{
+    QStringList fields = payload.first(std::min(payload.size(), FlightPlanAnswer::maximumFields));
+    for (QString &field : fields)
+        field.truncate(FlightPlanAnswer::longestField);
+    return fields;
+}
+
 QList<KeyedField> keyedFields(const QStringList &payload)
 {
     QList<KeyedField> result;
@@ -80,8 +89,9 @@ QString typeOf(const QStringList &payload, const QList<KeyedField> &fields)
 
 FlightPlanAnswer FlightPlanAnswer::read(const QString &from, const QStringList &payload)
 {
-    const QList<KeyedField> fields = keyedFields(payload);
-    return {callsignOf(from, payload, fields), typeOf(payload, fields)};
+    const QStringList looked = lookedAt(payload);
+    const QList<KeyedField> fields = keyedFields(looked);
+    return {callsignOf(from, looked, fields), typeOf(looked, fields)};
 }
 
 } // namespace tarvo::manager

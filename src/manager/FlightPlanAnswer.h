@@ -12,6 +12,10 @@ struct FlightPlanAnswer
     QString callsign; ///< upper-case; empty when it is not told
     QString type;     ///< not normalised yet; empty when it is not told
 
+    /// Fields and their characters that are looked at. Real answers have fewer.
+    static constexpr qsizetype maximumFields = 64;
+    static constexpr qsizetype longestField = 256;
+
     /// Reads an answer of `from`. Any client but the server tells its own plan.
     static FlightPlanAnswer read(const QString &from, const QStringList &payload);
     bool isComplete() const { return !callsign.isEmpty() && !type.isEmpty(); }

@@ -3,25 +3,17 @@
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
 #include "common/MessageType.h"
-#include "fsd/FsdClient.h"
-#include "manager/AircraftTypeRules.h"
-#include "manager/AtisBuffers.h"
 #include "manager/ConnectionList.h"
-#include "manager/PositionReporter.h"
-#include "manager/RemoteAircraftTable.h"
-#include "manager/SessionLog.h"
 #include "manager/SimulatorData.h"
-#include "manager/SimulatorDataWatch.h"
-#include "model/AircraftConfiguration.h"
+#include "model/AircraftVisualState.h"
 #include "model/ConnectInfo.h"
 #include "model/RadioMessageReceived.h"
 #include "model/RemoteAircraft.h"
-#include "simulator/Simulator.h"
+#include "model/VelocityVector.h"
 
 #include <QList>
 #include <QObject>
 #include <QStringList>
-#include <QTimer>
 #include <QVariantList>
 
 #include <memory>
@@ -30,16 +22,35 @@
 namespace tarvo {
 class AppConfig;
 }
+namespace tarvo::fsd::pdu {
+struct ClientQueryResponse;
+struct KillRequest;
+struct ProtocolError;
+struct SendFast;
+} // namespace tarvo::fsd::pdu
 namespace tarvo::network {
 class ApiService;
 class SwiftAircraftIcaoService;
 } // namespace tarvo::network
+namespace tarvo::simulator {
+class Simulator;
+}
 
 namespace tarvo::manager {
 
-/// Owns one FSD session: validates the connect request, drives the login, keeps the position timers, watches the
-/// simulator's data for life, writes the network log, and turns every event of the session into a signal and a call on
-/// the current Simulator. Main thread only.
+class Login;
+class OwnAircraft;
+class PeerQueries;
+class PositionReporter;
+class RemoteTraffic;
+class SessionLog;
+class StationReports;
+class TextTraffic;
+struct SessionContext;
+
+/// Owns one FSD session: validates the connect request, begins and ends the connection, writes the network log, and
+/// turns every event of the session into a signal and a call on the current Simulator. Its parts do the rest: Login,
+/// OwnAircraft, RemoteTraffic, TextTraffic, StationReports, PeerQueries. Main thread only.
 class NetworkManager : public QObject
 {
     Q_OBJECT
@@ -55,20 +66,20 @@ public:
     /// pointer does nothing.
     void setSimulator(std::shared_ptr<simulator::Simulator> simulator);
     /// The current backend; may be empty.
-    std::shared_ptr<simulator::Simulator> simulator() const { return m_simulator; }
+    std::shared_ptr<simulator::Simulator> simulator() const;
 
     /// True while a name is looked up, by connectToNetwork() or because the server sends the session elsewhere: the
     /// event loop then runs on top of a call of this object, which must not be destroyed before that call has returned.
-    bool isResolving() const { return m_resolving > 0 || m_fsd.isResolving(); }
+    bool isResolving() const;
 
     /// Connected, or on the way there or back.
-    bool isBusy() const { return m_phase != Phase::Idle || m_fsd.isConnected(); }
+    bool isBusy() const;
 
     /// Under what name the current or the last connection ran.
-    const model::ConnectInfo &connectInfo() const { return m_connectInfo; }
+    const model::ConnectInfo &connectInfo() const;
 
     /// The frequencies that a radio message goes out on, in kHz.
-    QList<uint> transmitFrequencies() const { return m_transmitFrequencies; }
+    QList<uint> transmitFrequencies() const;
 
     /// Sends an aircraft configuration to all, or to one callsign. Dropped when not connected.
     void sendConfigurationToAll(const model::AircraftConfiguration &configuration);
@@ -170,7 +181,7 @@ signals:
     void muteReceived(bool mute);
     /// Another simulator is in place, and has been given the traffic.
     void simulatorChanged();
-    /// `connected`: to a simulator that delivers live data.
+    /// `connected`: to a simulator that says so, or that delivers live data.
     void simulatorConnectionStateChanged(bool connected);
     void simulatorConnectionFailed(const QString &message);
     void simulatorXPlaneVersionUpdated(int version);
@@ -191,142 +202,61 @@ private:
         Disconnecting
     };
 
-    // The session (NetworkManager.cpp, NetworkManagerSession.cpp)
-    void connectFsdClient();
+    void makeParts();
+    void connectLine();
+    void connectMessages();
+    void connectOwnAircraft();
+    void connectTexts();
+    void connectTraffic();
+
+    // The connection
     void beginSession(const model::ConnectInfo &info);
     void endSession();
-    void requestFsdToken();
-    void onFsdToken(bool success, const QString &token, const QString &error);
-    void logIn(const QString &password);
-    void sendLoginPdu();
-    void completeLogin();
+    QString normalizedType(const QString &typeCode) const;
     void onNetworkConnected();
+    void onTokenRefused(const QString &error);
+    void completeLogin();
+    void completeLoginIfOwn(const QString &callsign);
+    void deleteAndDisconnect();
+    void sendDeletePdu();
+    void onForceDisconnect(const QString &reason);
     void onNetworkDisconnected();
     void onNetworkError(const QString &error);
-    void onForceDisconnect(const QString &reason);
-    void sendDeletePdu();
-    void deleteAndDisconnect();
-    QString normalizedType(const QString &typeCode) const;
-    QString username() const;
-    QString password() const;
-    QString realName() const;
-    QString realNameWithAirport() const;
+    void tellSimulatorOfTheEnd();
     void notify(const QString &message, common::MessageType type);
 
-    // Sending, and what others ask for (NetworkManagerSending.cpp, NetworkManagerSending.h)
-    void send(const QString &line);
-    template <class Pdu>
-    void sendPdu(const Pdu &pdu);
-    OwnPosition ownPosition() const;
-    void requestFlightPlanByText(const QString &callsign);
-
-    // What the server says (NetworkManagerEvents.cpp)
-    void onServerIdentification(const fsd::pdu::ServerIdentification &pdu);
-    void onAddATC(const fsd::pdu::AddATC &pdu);
-    void onAddPilot(const fsd::pdu::AddPilot &pdu);
-    void onClientQuery(const fsd::pdu::ClientQuery &pdu);
+    // What the server says that no part handles alone
     void onClientQueryResponse(const fsd::pdu::ClientQueryResponse &pdu);
-    void onPing(const fsd::pdu::Ping &pdu);
     void onKillRequest(const fsd::pdu::KillRequest &pdu);
     void onSendFast(const fsd::pdu::SendFast &pdu);
     void onProtocolError(const fsd::pdu::ProtocolError &pdu);
-    void onRawDataSent(const QString &line);
-    void onRawDataReceived(const QString &line);
-    void completeLoginIfOwn(const QString &callsign);
-    void answerQuery(const fsd::pdu::ClientQuery &query, const QStringList &payload);
-    void answerCapabilities(const fsd::pdu::ClientQuery &query);
-    void sendClientInformation(const QString &to);
 
-    // Text, radio and stations (NetworkManagerText.cpp)
-    void onTextMessage(const fsd::pdu::TextMessage &pdu);
-    void onBroadcastMessage(const fsd::pdu::BroadcastMessage &pdu);
-    void onRadioMessage(const fsd::pdu::RadioMessage &pdu);
-    void onSelcal(const QString &from, const QList<uint> &frequencies);
-    void onATCPosition(const fsd::pdu::ATCPosition &pdu);
-    void onDeleteATC(const fsd::pdu::DeleteATC &pdu);
-    void onMute(const fsd::pdu::Mute &pdu);
-    void onValidAtcAnswer(const fsd::pdu::ClientQueryResponse &pdu);
-    void onAtisAnswer(const fsd::pdu::ClientQueryResponse &pdu);
-    void announceAtis(const QString &callsign);
-    void showNotification(const QString &message, int colour);
-
-    // The other aircraft (NetworkManagerTraffic.cpp)
-    void onPilotPosition(const fsd::pdu::PilotPosition &pdu);
-    void onFastPilotPosition(const fsd::pdu::FastPilotPosition &pdu);
-    void onDeletePilot(const fsd::pdu::DeletePilot &pdu);
-    void onPlaneInfoRequest(const fsd::pdu::PlaneInfoRequest &pdu);
-    void onPlaneInfoResponse(const fsd::pdu::PlaneInfoResponse &pdu);
-    void onFlightPlan(const fsd::pdu::FlightPlan &pdu);
-    void onFlightPlanAnswer(const fsd::pdu::ClientQueryResponse &pdu);
-    void onConfiguration(const QString &from, const QString &json);
-    /// What a flight plan has told of an aircraft's type.
-    struct FiledType
-    {
-        QString typeCode;
-        bool differs; ///< from what was known before
-    };
-
-    QDateTime now() const;
-    model::RemoteAircraft *obtainAircraft(const QString &callsign);
-    void prepareAircraft(const QString &callsign);
-    template <class Tell>
-    void tellSimulator(const QString &callsign, const Tell &tell);
-    void updateConfigurationInSimulator(const QString &callsign);
-    void syncAircraft(const QString &callsign);
-    void addToSimulator(model::RemoteAircraft &aircraft);
-    void requestConfiguration(const QString &callsign);
-    std::optional<FiledType> storeFiledType(const QString &callsign, const QString &type);
-    void showFiledType(const QString &callsign, const FiledType &filed);
-    void storeConfiguration(const QString &callsign, const model::AircraftConfiguration &configuration);
-    void announceAircraftInfo(const QString &callsign);
-    void moveTrafficToNewSimulator();
-    void forgetTraffic();
-
-    // What the simulator says (NetworkManagerSimulator.cpp)
+    // The simulator
     void releaseSimulator();
-    void connectSimulatorState(const simulator::Simulator &simulator);
-    void connectSimulatorForwards(const simulator::Simulator &simulator);
-    void clearOwnAircraft();
-    void onUserAircraftData(const model::UserAircraftData &data);
-    void onUserAircraftConfigData(const model::UserAircraftConfigData &data);
-    void onRadioStackState(const model::RadioStackState &state);
-    void onSimConnectionState(bool connected);
-    void onSimPausedState(bool paused);
-    void onWatchdog();
-    void announceSimulatorState();
-    void announceSimulatorData();
+    void connectSimulator();
+    void onSimulatorRestarted();
+    void clearSimulator();
 
-    AppConfig &m_config;
-    network::ApiService &m_api;
     network::SwiftAircraftIcaoService &m_icao;
     const QString m_fsdHost;
     const quint16 m_fsdPort;
-    const common::Clock &m_clock;
 
-    fsd::FsdClient m_fsd;
-    std::shared_ptr<simulator::Simulator> m_simulator;
+    const std::unique_ptr<SessionContext> m_session;
     ConnectionList m_simulatorConnections;
+    std::unique_ptr<OwnAircraft> m_own;
+    std::unique_ptr<PositionReporter> m_reporter;
+    std::unique_ptr<Login> m_login;
+    std::unique_ptr<RemoteTraffic> m_traffic;
+    std::unique_ptr<TextTraffic> m_texts;
+    std::unique_ptr<StationReports> m_stations;
+    std::unique_ptr<PeerQueries> m_queries;
+    std::unique_ptr<SessionLog> m_log;
 
-    SimulatorData m_own; ///< last samples; `simConnected` is filled when it is announced
-    SimulatorDataWatch m_dataWatch;
-    QTimer m_dataWatchdog;
-    QList<uint> m_transmitFrequencies; ///< kHz
-    PositionReporter m_reporter;
-    AtisBuffers m_atis;
-    TypeNormalizer m_types;
-    RemoteAircraftTable m_traffic;
-
-    model::ConnectInfo m_connectInfo;
-    QString m_publicAddress; ///< as the server told it
     Phase m_phase = Phase::Idle;
     bool m_forced = false; ///< the disconnect that is coming is not the user's wish
     QString m_forcedReason;
     bool m_loginAnnounced = false;
-    QString m_loginSecret;    ///< password or token of this login, kept to mask it in the log
-    quint64 m_generation = 0; ///< changes whenever a connection begins or ends
-    int m_resolving = 0;      ///< connectToNetwork() calls on the stack
-
-    SessionLog m_log;
+    int m_resolving = 0; ///< connectToNetwork() calls on the stack
 };
 
 } // namespace tarvo::manager

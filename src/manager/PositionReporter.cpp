@@ -41,7 +41,8 @@ void PositionReporter::stop()
 void PositionReporter::setFast(bool fast)
 {
     if (fast) {
-        m_fastTimer.start();
+        if (!m_fastTimer.isActive()) // a server that repeats itself must not put off the next report for ever
+            m_fastTimer.start();
         return;
     }
     m_fastTimer.stop();

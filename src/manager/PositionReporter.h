@@ -16,7 +16,7 @@ class PositionReporter : public QObject
     Q_OBJECT
 
 public:
-    /// `position` is asked for the newest state before every report.
+    /// `position` is asked for the newest state once for all reports of one tick.
     explicit PositionReporter(std::function<OwnPosition()> position, QObject *parent = nullptr);
 
     /// Sends the first slow report and a stopped one, then goes on every 5 s, as observer every 15 s.

@@ -74,10 +74,28 @@ QList<RemoteAircraft> RemoteAircraftTable::all() const
     return result;
 }
 
-bool RemoteAircraftTable::shouldAskForType(const QString &callsign)
+bool RemoteAircraftTable::isPositionKnown(const QString &callsign) const
+{
+    const auto found = m_entries.constFind(callsign);
+    return found != m_entries.constEnd() && found->positionKnown;
+}
+
+void RemoteAircraftTable::positionKnown(const QString &callsign)
+{
+    if (const auto found = m_entries.find(callsign); found != m_entries.end())
+        found->positionKnown = true;
+}
+
+bool RemoteAircraftTable::shouldAskForType(const QString &callsign, qint64 nowMs)
 {
     const auto found = m_entries.find(callsign);
-    return found != m_entries.end() && found->aircraft.typeCode.isEmpty() && !std::exchange(found->typeAsked, true);
+    if (found == m_entries.end() || !found->aircraft.typeCode.isEmpty() || found->typeAsked)
+        return false;
+    if (found->typeAskedMs && nowMs - *found->typeAskedMs < typeIntervalMs)
+        return false;
+    found->typeAsked = true;
+    found->typeAskedMs = nowMs;
+    return true;
 }
 
 void RemoteAircraftTable::typeAnswered(const QString &callsign)

@@ -36,9 +36,15 @@ public:
     /// In no order.
     QList<model::RemoteAircraft> all() const;
 
+    /// The simulator may be told of an aircraft once its first position has come.
+    bool isPositionKnown(const QString &callsign) const;
+    void positionKnown(const QString &callsign);
+
+    /// A type that nobody can tell is not asked for more often, whatever is answered.
+    static constexpr qint64 typeIntervalMs = 10'000;
     /// True when the aircraft's type is unknown and nobody has been asked for it: then the caller asks, and this gives
-    /// false until the answer has come.
-    bool shouldAskForType(const QString &callsign);
+    /// false until the answer has come. `nowMs`: of a clock that never jumps.
+    bool shouldAskForType(const QString &callsign, qint64 nowMs);
     void typeAnswered(const QString &callsign);
     /// The same for the aircraft's configuration.
     bool shouldAskForConfiguration(const QString &callsign);
@@ -48,7 +54,9 @@ private:
     struct Entry
     {
         model::RemoteAircraft aircraft;
+        bool positionKnown = false;
         bool typeAsked = false;
+        std::optional<qint64> typeAskedMs; ///< the last time
         bool configurationAsked = false;
     };
 

@@ -9,7 +9,7 @@ namespace tarvo::manager {
 /// The own aircraft's whole state, as the pages show it.
 struct SimulatorData
 {
-    bool simConnected = false; ///< connected and delivering live samples
+    bool simConnected = false; ///< the simulator says so, or delivers live data
     model::UserAircraftData aircraft;
     model::UserAircraftConfigData config;
     model::RadioStackState radio;

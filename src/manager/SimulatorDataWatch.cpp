@@ -37,6 +37,12 @@ void SimulatorDataWatch::simulatorConnected()
     m_lastSampleMs = 0; // on purpose: a pilot can't connect until a live sample has come
 }
 
+void SimulatorDataWatch::keepAlive(qint64 nowMs)
+{
+    if (m_valid && m_lastSampleMs > 0)
+        m_lastSampleMs = nowMs;
+}
+
 bool SimulatorDataWatch::expire(qint64 nowMs)
 {
     if (!m_valid || m_lastSampleMs <= 0 || nowMs - m_lastSampleMs <= staleAfterMs)

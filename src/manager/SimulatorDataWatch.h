@@ -27,6 +27,8 @@ public:
     void simulatorConnected();
     /// The simulator says that it is gone.
     void simulatorDisconnected() { *this = {}; }
+    /// The data are as good as new: the simulator is paused, and repeats itself.
+    void keepAlive(qint64 nowMs);
     /// True when the last live sample has just become too old; the data are invalid from then on.
     bool expire(qint64 nowMs);
 

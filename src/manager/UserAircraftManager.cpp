@@ -1,6 +1,8 @@
 #include "manager/UserAircraftManager.h"
 
 #include "manager/NetworkManager.h"
+#include "manager/Plausible.h"
+#include "simulator/Simulator.h"
 
 namespace tarvo::manager {
 
@@ -37,12 +39,13 @@ void UserAircraftManager::onSimulatorChanged()
         connect(m_simulator.get(), &Simulator::radioStackStateChanged, this, &UserAircraftManager::onRadioStackState),
         connect(m_simulator.get(), &Simulator::simConnectionStateChanged, this,
                 &UserAircraftManager::onSimConnectionState),
+        connect(m_simulator.get(), &Simulator::restarted, this, [this] { m_sampleSeen = false; }),
     });
 }
 
 void UserAircraftManager::onUserAircraftConfigData(const model::UserAircraftConfigData &data)
 {
-    m_config = data;
+    m_config = plausible(data, m_config);
     sendChanges();
     switchModeCOn();
 }

@@ -30,8 +30,8 @@ QString simulatorTypeName(SimulatorType type);
 /// The abstract simulator that the session logic talks to. Lives on the main thread, where all its signals are raised.
 ///
 /// Every operation is accepted at any time; one with no meaning for a backend does nothing. After addAircraft a backend
-/// raises aircraftAddedToSim once the object exists, after removeAircraft aircraftRemovedFromSim. The three state
-/// signals are raised only on a change.
+/// raises aircraftAddedToSim once the object exists, after removeAircraft aircraftRemovedFromSim. The own aircraft, its
+/// configuration and the radios are told on a change, and may be told again without one.
 class Simulator : public QObject
 {
     Q_OBJECT
@@ -54,7 +54,8 @@ public slots:
 public:
     /// Draws another pilot's aircraft at its visual state. aircraftAddedToSim tells when it is there.
     virtual void addAircraft(const model::RemoteAircraft &aircraft) = 0;
-    /// Hands on the aircraft's merged configuration; an absent value is one that nobody has told yet.
+    /// Hands on what is known of the aircraft's configuration: by AircraftManager merged of all messages, by
+    /// NetworkManager the last message alone.
     virtual void updateAircraftConfiguration(const model::RemoteAircraft &aircraft) = 0;
     /// Takes one aircraft away. `reason`: a word for the backend's log, such as "Stale". aircraftRemovedFromSim
     /// follows.

@@ -1,6 +1,7 @@
 #include "ui/SimulatorFeed.h"
 
 #include "manager/NetworkManager.h"
+#include "simulator/Simulator.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include <QRegularExpression>

@@ -4,6 +4,7 @@
 #include "manager/NetworkManager.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "simulator/Simulator.h"
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountPeer.h"

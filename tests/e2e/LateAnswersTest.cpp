@@ -169,7 +169,10 @@ private slots:
         QVERIFY(stage.client.fire("staleTimer"));
         QVERIFY(stage.settle());
         QCOMPARE(stage.client.traffic->aircraft().size(), 0);
-        QCOMPARE(stage.inNetworkTable(cca).state, State::InSimulator); // the session's table waits for the server
+        QCOMPARE(stage.inNetworkTable(cca).state, State::New);
+        stage.takeMessages();
+        QVERIFY(stage.hear({slowPosition(cca, 0)})); // and is drawn again when he is heard again
+        QCOMPARE(stage.takeMessages(), told({add(cca), pos(cca, 0)}));
     }
 
     // --- and the pilot leaves ---
@@ -275,14 +278,14 @@ private slots:
         QVERIFY(apron.answerLate()); // the old farewells, which cost him his record, and then the new addition
         QCOMPARE(apron.takeMessages() + apron.takeLines(), QStringList());
         QCOMPARE(apron.known(), 0);
-        QCOMPARE(apron.inNetworkTable(cca).state, State::InSimulator);
+        QCOMPARE(apron.inNetworkTable(cca).state, State::New);
         QCOMPARE(apron.plugin().aircraft().size(), 1);
 
         QVERIFY(apron.hear({slowPosition(cca, 0)})); // with his next report the list meets him anew
         QCOMPARE(apron.takeLines(), QStringList({u"$CQAB1:CCA123:CAPS"_qs, ownCapabilities(cca)}) + typeQuestions(cca));
-        QCOMPARE(apron.takeMessages(), told({pos(cca, 0)}));
+        QCOMPARE(apron.takeMessages(), told({add(cca), pos(cca, 0)})); // twice does no harm
         QVERIFY(apron.hear({planeInfo(cca), fullConfiguration(cca)}));
-        QCOMPARE(apron.takeMessages(), told({acconfFull(cca), add(cca), acconfFull(cca)}));
+        QCOMPARE(apron.takeMessages(), told({acconfFull(cca), acconfFull(cca)})); // the plugin has drawn him by then
         QCOMPARE(apron.inTrafficList(cca).state, State::InSimulator);
     }
 };

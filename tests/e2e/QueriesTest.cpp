@@ -18,26 +18,16 @@ struct Reaction
     bool operator==(const Reaction &) const = default;
 };
 
-/// An aircraft of which nothing but the type is known.
-practice::PluginMessage addNowhere(const QString &callsign, const QString &airline, const QString &type)
-{
-    return {u"ADD"_qs, {callsign, airline, type, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0}};
-}
-
-/// That aircraft once more, with a configuration of which nothing is known.
+/// A configuration of which nothing is known.
 practice::PluginMessage acconfNothing(const QString &callsign)
 {
     return acconf(callsign, QVariantList(11));
 }
 
-/// How the client takes the news of a filed type: one that differs from what was known, be it nothing, updates the
-/// configuration.
+/// How the client takes the news of a filed type of somebody whose place it doesn't know: the simulator hears nothing.
 Reaction appears(const QString &type)
 {
-    return {.lines = {configurationQuestion(cca)},
-            .messages = told({addNowhere(cca, u"CCA"_qs, type), acconfNothing(cca)}),
-            .announced = {u"aircraft CCA123 %1 CCA"_qs.arg(type)},
-            .notifications = {}};
+    return {.lines = {}, .messages = {}, .announced = {u"aircraft CCA123 %1 CCA"_qs.arg(type)}, .notifications = {}};
 }
 
 QString flightPlan(const QString &aircraft)
@@ -242,8 +232,10 @@ private slots:
 
     void onlyAFiledTypeThatDiffersUpdatesTheConfiguration()
     {
-        QVERIFY(m_stage->hear({flightPlan(u"B738"_qs)}));
+        QVERIFY(m_stage->hear({slowPosition(cca, 0)}));
         m_stage->takeMessages();
+        // A type that is the first to be known differs from what was known before.
+        QCOMPARE(react({flightPlan(u"B738"_qs)}).messages, told({add(cca), acconfNothing(cca)}));
         m_stage->takeLines();
         QCOMPARE(react({flightPlan(u"b738"_qs)}).messages, QStringList());
         QCOMPARE(react({flightPlan(u"A320"_qs)}).messages, told({acconfNothing(cca)}));
@@ -252,12 +244,16 @@ private slots:
         QCOMPARE(m_stage->inNetworkTable(cca).typeCode, u"B744"_qs);
     }
 
-    void aTokenClientAsksByTextForEveryPlan()
+    void aTokenClientAsksByTextForAPlanOnceInAWhile()
     {
         Stage stage(Protocol::Token);
         QVERIFY(stage.start({cca}));
         QVERIFY(stage.hear({flightPlan(u"B738"_qs)}));
-        QCOMPARE(stage.takeLines(), (QStringList{u"#TMAB1:SERVER:FP:CCA123:GET"_qs, configurationQuestion(cca)}));
+        QCOMPARE(stage.takeLines(), QStringList{u"#TMAB1:SERVER:FP:CCA123:GET"_qs});
+        stage.clock.advance(4999);
+        QVERIFY(stage.hear({flightPlan(u"B738"_qs)}));
+        QCOMPARE(stage.takeLines(), QStringList());
+        stage.clock.advance(1);
         QVERIFY(stage.hear({flightPlan(u"B738"_qs)}));
         QCOMPARE(stage.takeLines(), QStringList{u"#TMAB1:SERVER:FP:CCA123:GET"_qs});
     }
@@ -267,6 +263,8 @@ private slots:
         // The server knows none, and says so.
         QVERIFY(m_stage->hear({slowPosition(cca, 0)}));
         m_stage->takeLines();
+        QCOMPARE(react({slowPosition(cca, 0)}).lines, QStringList()); // not with every position
+        m_stage->clock.advance(10'000);
         QCOMPARE(react({slowPosition(cca, 0)}).lines, typeQuestions(cca));
         QCOMPARE(react({}).notifications, QStringList());
     }
@@ -279,11 +277,7 @@ private slots:
              .messages = {},
              .announced = {},
              .notifications = {}});
-        row("told", {planeInfo(cca, u"equipment=B738:AIRLINE=CES"_qs)},
-            {.lines = {configurationQuestion(cca)},
-             .messages = told({addNowhere(cca, u"CCA"_qs, u"B738"_qs)}),
-             .announced = {u"aircraft CCA123 B738 CCA"_qs},
-             .notifications = {}});
+        row("told", {planeInfo(cca, u"equipment=B738:AIRLINE=CES"_qs)}, appears(u"B738"_qs));
         row("told without a type", {planeInfo(cca, u"EQUIPMENT="_qs)},
             {.lines = {}, .messages = {}, .announced = {u"aircraft CCA123  CCA"_qs}, .notifications = {}});
         row("another kind", {u"#SBCCA123:AB1:PI:X:0:1:2"_qs},

@@ -1,6 +1,7 @@
 #include "fsd/FsdClient.h"
 #include "fsd/pdu/PilotPosition.h"
 #include "manager/CrowdedSession.h"
+#include "manager/RemoteAircraftTable.h"
 #include "support/TestRegistry.h"
 
 using namespace tarvo;
@@ -26,7 +27,7 @@ private slots:
         QCOMPARE(next->takeCalls(), (QStringList{add, update})); // NetworkManager's
         emit s.sim->aircraftRemovedFromSim(ab2);                 // heard by nobody
         s.sim.reset();
-        QVERIFY(old.expired());
+        QTRY_VERIFY(old.expired());
         QCOMPARE(s.aircraft->aircraft().size(), 1);
         emit next->aircraftAddedToSim(ab2);
         QCOMPARE(s.record().state, State::InSimulator);

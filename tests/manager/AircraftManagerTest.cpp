@@ -199,7 +199,9 @@ private slots:
     {
         CrowdedSession s;
         QVERIFY(s.online && s.meetAb2(0));
+        s.clock.advance(7);
         QCOMPARE(s.told(TrafficSession::configuration(gearUp)), QStringList{update}); // NetworkManager's
+        QCOMPARE(s.record().lastUpdate.toMSecsSinceEpoch(), s.clock.wallMs());        // but a sign of life
         QVERIFY(!s.record().hasConfiguration);
         QCOMPARE(s.record().configuration, model::AircraftConfiguration());
     }

@@ -96,6 +96,47 @@ private slots:
         QCOMPARE(s.takeChanges().size(), kept ? 1 : 0);
     }
 
+    void thoseThatGoAtOnceGoInOrder()
+    {
+        SimulatedSession s;
+        const auto callsign = [](qsizetype i) { return u"X%1"_qs.arg(i); };
+        constexpr qsizetype count = ControllerManager::maximumStations;
+        for (qsizetype i = 0; i < count; ++i)
+            s.report(callsign(i), 118500);
+        for (qsizetype i = 0; i < count; i += 2)
+            s.leave(callsign(i));
+        s.takeChanges();
+        s.tick();
+        QCOMPARE(s.changes.size(), count / 2);
+        QCOMPARE(s.changes.constFirst(), u"deleted X0 118500 Unknown pending"_qs);
+        QCOMPARE(s.changes.constLast(), u"deleted X1998 118500 Unknown pending"_qs);
+        QCOMPARE(s.callsigns().size(), count / 2);
+        // Each of the others is still found where it stands.
+        for (qsizetype i = 1; i < count; i += 2)
+            s.name(callsign(i), u"N%1"_qs.arg(i));
+        for (qsizetype i = 0; i < count / 2; ++i)
+            QCOMPARE(s.known().at(i), u"X%1 118500 N%1"_qs.arg(2 * i + 1));
+    }
+
+    void oneThatComesBackWhileItGoesIsANewOne()
+    {
+        SimulatedSession s;
+        s.report(u"A"_qs, 118500);
+        s.report(u"B"_qs, 118500);
+        s.report(u"C"_qs, 118500);
+        s.leave(u"A"_qs);
+        s.leave(u"B"_qs);
+        QObject::connect(&s.controllers, &ControllerManager::controllerDeleted, s.manager.get(),
+                         [&s](const Controller &gone) {
+                             if (gone.callsign == u"B"_qs)
+                                 s.report(u"A"_qs, 121700);
+                         });
+        s.tick();
+        QCOMPARE(s.known(), (QStringList{u"C 118500 Unknown"_qs, u"A 121700 Unknown"_qs}));
+        s.name(u"A"_qs, u"Li Lei"_qs);
+        QCOMPARE(s.known().constLast(), u"A 121700 Li Lei"_qs);
+    }
+
     void aServerThatInventsStationsFillsNothing()
     {
         SimulatedSession s;

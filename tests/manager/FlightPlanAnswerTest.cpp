@@ -78,6 +78,30 @@ private slots:
         QVERIFY((!FlightPlanAnswer{QString(), u"B738"_qs}.isComplete()));
         QCOMPARE(FlightPlanAnswer::read(u"SERVER"_qs, {}), FlightPlanAnswer());
     }
+
+    void onlyTheFirstFieldsAreLookedAt_data()
+    {
+        QTest::addColumn<int>("before"); // fields in front of the type
+        QTest::addColumn<QString>("type");
+        const int last = int(FlightPlanAnswer::maximumFields) - 1;
+        QTest::newRow("the last that counts") << last << u"B738"_qs;
+        QTest::newRow("one too many") << last + 1 << u"X"_qs; // the second field's
+        QTest::newRow("half a million") << 500'000 << u"X"_qs;
+    }
+
+    void onlyTheFirstFieldsAreLookedAt()
+    {
+        QFETCH(int, before);
+        QStringList payload(before, u"X"_qs);
+        payload << u"TYPE=B738"_qs;
+        QTEST(FlightPlanAnswer::read(u"AB2"_qs, payload).type, "type");
+    }
+
+    void onlyTheBeginningOfAFieldIsLookedAt()
+    {
+        const QString blanks(FlightPlanAnswer::longestField, u' ');
+        QCOMPARE(FlightPlanAnswer::read(u"AB2"_qs, {u"TYPE="_qs + blanks + u"B738"_qs}).type, QString());
+    }
 };
 
 TARVO_TEST(FlightPlanAnswerTest)

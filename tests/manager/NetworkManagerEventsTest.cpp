@@ -115,6 +115,8 @@ private slots:
         QVERIFY(s.online);
         s.peer.inject(u"$PISERVER:AB1:1234567"_qs);
         EXPECT_LINE(s, u"$POAB1:SERVER:1234567"_qs);
+        s.peer.inject(u"$PISERVER:AB1:12\r34 \n"_qs); // as it is
+        EXPECT_LINE(s, u"$POAB1:SERVER:12\r34 \n"_qs);
     }
 
     void protocolErrors()
@@ -276,7 +278,34 @@ private slots:
         QVERIFY(s.online);
         s.manager->sendPrivateMessage(u"AB2"_qs, u"hi\r\n#DPAB1:1001\nmore"_qs);
         EXPECT_LINE(s, u"#TMAB1:AB2:hi  #DPAB1:1001 more"_qs);
+        s.manager->sendPrivateMessage(u"AB2\r\n#DPAB1"_qs, u"hi"_qs);
+        EXPECT_LINE(s, u"#TMAB1:AB2  #DPAB1:hi"_qs);
+        s.manager->sendWallop(u"help\r\n#DPAB1:1001"_qs);
+        EXPECT_LINE(s, u"#TMAB1:*S:help  #DPAB1:1001"_qs);
+        emit s.sim->radioStackStateChanged({.com1Frequency = 118500, .com1TransmitEnabled = true});
+        s.manager->sendRadioMessage(u"hi\r\n#DPAB1:1001"_qs);
+        EXPECT_LINE(s, u"#TMAB1:@18500:hi  #DPAB1:1001"_qs);
+        s.manager->requestRealName(u"AB2\r\n#DPAB1"_qs);
+        EXPECT_LINE(s, u"$CQAB1:AB2  #DPAB1:RN"_qs);
+        s.manager->requestControllerAtis(u"AB2\r\n#DPAB1"_qs);
+        EXPECT_LINE(s, u"$CQAB1:AB2  #DPAB1:ATIS"_qs);
         QVERIFY(s.peer.expectNothing());
+    }
+
+    void whatIsTypedToSignInCannotWriteALineOfItsOwn()
+    {
+        Session s;
+        s.config.set(config::authUsername, u"10\r\n01"_qs);
+        s.config.set(config::authPassword, u"sec\r\nret"_qs);
+        s.config.set(config::profileRealname, u"Li\nLei"_qs);
+        s.config.set(config::profileHomeAirport, u"Z\rB"_qs);
+        s.addSimulator();
+        QVERIFY(s.manager->connectToNetwork(u"ab1"_qs, u"b7\r\n38"_qs, QString(), false));
+        EXPECT_LINE(s, u"#APAB1:SERVER:10  01:sec  ret:1:9:5:Li Lei Z B"_qs);
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        s.peer.inject(u"#SBAB2:AB1:PIR"_qs);
+        EXPECT_LINE(s, u"#SBAB1:AB2:PI:GEN:EQUIPMENT=B7  38"_qs);
     }
 
     void withoutAConnectionNothingIsSent()

@@ -139,6 +139,29 @@ private slots:
                                                "(Raw packet: SERVER:CLIENT:short)"_qs);
     }
 
+    void aTokenIsAskedForOnceAtATime()
+    {
+        Session s(Protocol::Token);
+        QVERIFY(s.connectObserver());
+        for (int i = 0; i < 20; ++i)
+            s.peer.inject(greeting);
+        for (int i = 0; i < 20; ++i)
+            EXPECT_LINE(s, Session::identification()); // each is answered
+        QVERIFY(s.peer.expectNothing());
+        QTRY_COMPARE(s.tokens.waiting(), 1);
+        s.tokens.refuse(u"banned"_qs);
+        QVERIFY(s.peer.waitForClose());
+        QVERIFY(s.connectObserver()); // the next session asks for its own
+        QVERIFY(s.peer.waitForConnection(2));
+        s.peer.inject(greeting);
+        EXPECT_LINE(s, Session::identification());
+        QTRY_COMPARE(s.tokens.waiting(), 1);
+        s.tokens.grant(u"t0ken"_qs);
+        QVERIFY(s.peer.nextLine().startsWith(u"#AAAB1:SERVER:Li Lei:1001:t0ken:"_qs));
+        s.peer.inject(greeting); // and once more when that is answered
+        QTRY_COMPARE(s.tokens.waiting(), 1);
+    }
+
     void tokenRefused()
     {
         Session s(Protocol::Token);

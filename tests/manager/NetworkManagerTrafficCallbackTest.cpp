@@ -147,7 +147,7 @@ private slots:
             s.manager->setSimulator(next);
         };
         QVERIFY(s.feed(TrafficSession::planeInfo()));
-        QVERIFY(old.expired());
+        QTRY_VERIFY(old.expired());
         // The next one has it, once.
         QCOMPARE(next->takeCalls().mid(0, 2),
                  (QStringList{u"addAircraft AB2"_qs, u"updateAircraftConfiguration AB2"_qs}));
@@ -158,9 +158,10 @@ private slots:
     {
         BeforeAdding s;
         QVERIFY(s.ready);
-        for (const QString &callsign : {u"AB3"_qs, u"AB4"_qs})
-            QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, callsign),
-                           {TrafficSession::configurationQuestion(callsign)}));
+        for (const QString &callsign : {u"AB3"_qs, u"AB4"_qs}) {
+            QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, callsign)));
+            QVERIFY(s.feed(TrafficSession::slow(callsign), {TrafficSession::configurationQuestion(callsign)}));
+        }
         const auto second = std::make_shared<FakeSimulator>();
         const auto third = std::make_shared<FakeSimulator>();
         second->onCall = [&](const QString &call) {

@@ -1,3 +1,4 @@
+#include "manager/RemoteAircraftTable.h"
 #include "manager/TrafficSession.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
@@ -264,9 +265,44 @@ private slots:
         QVERIFY(s.online);
         QVERIFY(s.feed(TrafficSession::configuration(gearDown)));
         QCOMPARE(s.takeTrace(), QStringList{u"configuration AB2"_qs});
+        QCOMPARE(s.known().lastUpdate.toMSecsSinceEpoch(), s.clock.wallMs());
+        QVERIFY(s.feed(TrafficSession::slow(ab2), askForType));
+        s.takeTrace();
         QVERIFY(s.feed(TrafficSession::planeInfo()));
         QCOMPARE(s.takeTrace(),
                  (QStringList{u"addAircraft AB2"_qs, u"updateAircraftConfiguration AB2"_qs, u"info AB2 B738 "_qs}));
+    }
+
+    void aConfigurationIsASignOfLife()
+    {
+        TrafficSession s;
+        QVERIFY(s.online && s.showAb2());
+        s.clock.advance(1234);
+        QVERIFY(s.feed(TrafficSession::configuration(gearDown)));
+        QCOMPARE(s.known().lastUpdate.toMSecsSinceEpoch(), s.clock.wallMs());
+    }
+
+    void nobodyIsShownBeforeHisPlaceIsKnown_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::newRow("slow") << TrafficSession::slow(ab2);
+        QTest::newRow("fast") << TrafficSession::fast(ab2);
+    }
+
+    void nobodyIsShownBeforeHisPlaceIsKnown()
+    {
+        QFETCH(QString, line);
+        TrafficSession s;
+        QVERIFY(s.online);
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs)));
+        QVERIFY(s.feed(u"$CRSERVER:AB1:FP:AB2:A320"_qs));
+        QVERIFY(s.feed(TrafficSession::planeInfo()));
+        QVERIFY(s.feed(TrafficSession::configuration(gearDown)));
+        s.manager->setSimulator(s.sim); // a new one changes nothing in that
+        QVERIFY(!s.sim->calls.contains(u"addAircraft AB2"_qs));
+        QVERIFY(s.feed(line));
+        QVERIFY(s.sim->calls.contains(u"addAircraft AB2"_qs));
+        QCOMPARE(s.sim->told.constFirst().state.latitude, 40.5);
     }
 
     void otherTextsAreOnlyRaised_data()
@@ -359,7 +395,9 @@ private slots:
         QVERIFY(s.feed(TrafficSession::slow(u"AB3"_qs), TrafficSession::typeQuestions(u"AB3"_qs))); // no type
         QVERIFY(s.feed(TrafficSession::configuration(gearDown, u"AB4"_qs)));
         QVERIFY(s.feed(TrafficSession::flightPlan(u"C172"_qs, u"AB4"_qs)));
-        QVERIFY(s.feed(u"#SBAB5:AB1:PI:GEN:EQUIPMENT=A320"_qs, {TrafficSession::configurationQuestion(u"AB5"_qs)}));
+        QVERIFY(s.feed(TrafficSession::slow(u"AB4"_qs)));
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"C172"_qs, u"AB6"_qs))); // nowhere yet
+        QVERIFY(s.feed(u"#SBAB5:AB1:PI:GEN:EQUIPMENT=A320"_qs));
         QVERIFY(s.feed(u"#DPAB5:1005"_qs)); // has left
         s.takeTrace();
 
@@ -371,21 +409,6 @@ private slots:
         QCOMPARE(next->told[0].aircraft.state, State::Pending);
         QCOMPARE(s.known().state, State::InSimulator);
         QVERIFY(s.peer.expectNothing()); // AB2's configuration has been asked for before
-    }
-
-    void aTypeWithoutASimulatorWaitsForOne()
-    {
-        test::Session s;
-        QVERIFY(s.connectObserver());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
-        s.peer.inject(TrafficSession::flightPlan(u"B738"_qs));
-        QVERIFY(s.peer.expectNothing());
-        QCOMPARE(s.manager->remoteAircraft(ab2).value().state, State::New);
-        s.sim = std::make_shared<FakeSimulator>();
-        s.manager->setSimulator(s.sim);
-        QCOMPARE(s.sim->takeCalls(), QStringList{u"addAircraft AB2"_qs});
-        EXPECT_LINE(s, askForConfiguration);
     }
 
     // --- questions ---

@@ -51,8 +51,10 @@ private slots:
     {
         TrafficSession s;
         QVERIFY(s.online);
-        QVERIFY(s.feed(TrafficSession::planeInfo(), {askForConfiguration}));
-        QCOMPARE(s.takeTrace(), (QStringList{u"addAircraft AB2"_qs, u"info AB2 B738 "_qs}));
+        QVERIFY(s.feed(TrafficSession::planeInfo()));
+        QCOMPARE(s.takeTrace(), QStringList{u"info AB2 B738 "_qs});
+        QVERIFY(s.feed(TrafficSession::slow(ab2), {askForConfiguration})); // nobody is asked for its type
+        QCOMPARE(s.takeTrace(), (QStringList{u"addAircraft AB2"_qs, u"positionUpdate AB2"_qs, u"slow AB2 250"_qs}));
     }
 
     void planeInformationWithoutATypeIsAskedForAgain()
@@ -63,6 +65,9 @@ private slots:
         s.takeTrace();
         QVERIFY(s.feed(TrafficSession::planeInfo(QString())));
         QCOMPARE(s.takeTrace(), QStringList{u"info AB2  "_qs});
+        s.clock.advance(9999);
+        QVERIFY(s.feed(TrafficSession::slow(ab2))); // not with every position
+        s.clock.advance(1);
         QVERIFY(s.feed(TrafficSession::slow(ab2), askForType));
     }
 
@@ -162,17 +167,22 @@ private slots:
         QCOMPARE(log.texts(QtInfoMsg), QStringList{u"FlightPlan ignored: callsign=AB2 empty aircraft type"_qs});
     }
 
-    void inTokenModeEveryFlightPlanIsAskedForByText()
+    void inTokenModeFlightPlansAreAskedForByText()
     {
         TrafficSession s;
         QVERIFY(s.online);
         s.config.set(config::authVatsim, true);
         const QString text = TrafficSession::textQuestion(ab2);
         QVERIFY(s.feed(TrafficSession::slow(ab2), askForType + QStringList{text}));
-        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs), {text, askForConfiguration}));
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs), {askForConfiguration})); // asked for a moment ago
+        s.clock.advance(4999);
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs)));
+        s.clock.advance(1);
         QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs), {text}));
-        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, u"AB1"_qs), {TrafficSession::textQuestion(u"AB1"_qs)}));
-        QVERIFY(s.feed(u"$CRSERVER:AB1:FP:AB2:A320"_qs)); // an answer is none
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs)));
+        for (const QStringList &answers : {QStringList{TrafficSession::textQuestion(u"AB1"_qs)}, QStringList()})
+            QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, u"AB1"_qs), answers)); // the own one has no record
+        QVERIFY(s.feed(u"$CRSERVER:AB1:FP:AB2:A320"_qs));                                // an answer is none
     }
 
     void flightPlanAnswers_data()
@@ -225,6 +235,8 @@ private slots:
         QVERIFY(s.feed(u"$ERSERVER:AB1:8:x:No flightplan"_qs)); // somebody else
         QVERIFY(s.feed(TrafficSession::slow(ab2)));
         QVERIFY(s.feed(u"$ERSERVER:AB1:8: ab2 :No flightplan"_qs));
+        QVERIFY(s.feed(TrafficSession::slow(ab2)));
+        s.clock.advance(10'000);
         QVERIFY(s.feed(TrafficSession::slow(ab2), askForType));
     }
 
@@ -232,7 +244,7 @@ private slots:
     {
         TrafficSession s;
         QVERIFY(s.online);
-        QVERIFY(s.feed(TrafficSession::planeInfo(u"a-1"_qs), {askForConfiguration}));
+        QVERIFY(s.feed(TrafficSession::planeInfo(u"a-1"_qs)));
         QCOMPARE(s.known().typeCode, u"A-1"_qs);
         QVERIFY(QDir(s.root.path()).mkpath(u"resources"_qs));
         QFile file(s.root.filePath(u"resources/Doc8643.txt"_qs));
@@ -240,7 +252,7 @@ private slots:
         file.write("X\tX\tA1\tL1P\tL\n");
         file.close();
         s.icao.ensureLoaded();
-        QVERIFY(s.feed(TrafficSession::slow(ab2)));
+        QVERIFY(s.feed(TrafficSession::slow(ab2), {askForConfiguration}));
         QCOMPARE(s.known().typeCode, u"A1"_qs);
     }
 };

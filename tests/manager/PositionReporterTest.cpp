@@ -207,6 +207,18 @@ private slots:
         QVERIFY(!reports.timer("fastTimer")->isActive());
     }
 
+    void aServerThatRepeatsItselfStarvesNothing()
+    {
+        Reports reports;
+        reports.reporter.setFast(true);
+        const int id = reports.timer("fastTimer")->timerId();
+        reports.reporter.setFast(true);
+        QCOMPARE(reports.timer("fastTimer")->timerId(), id); // not begun anew
+        reports.reporter.setFast(false);
+        reports.reporter.setFast(true);
+        QVERIFY(reports.timer("fastTimer")->isActive());
+    }
+
     void stopEndsBothTimers()
     {
         Reports reports;

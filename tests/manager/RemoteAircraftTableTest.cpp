@@ -84,17 +84,18 @@ private slots:
     void aTypeIsAskedOnceUntilItIsAnswered()
     {
         RemoteAircraftTable table;
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs)); // nobody
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0)); // nobody
         table.obtain(u"AB2"_qs, noon);
-        QVERIFY(table.shouldAskForType(u"AB2"_qs));
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0));
         table.typeAnswered(u"AB3"_qs);
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs));
-        table.typeAnswered(u"AB2"_qs);
-        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0));
+        table.typeAnswered(u"AB2"_qs); // by nobody who knows it
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs, RemoteAircraftTable::typeIntervalMs - 1));
+        QVERIFY(table.shouldAskForType(u"AB2"_qs, RemoteAircraftTable::typeIntervalMs));
         table.typeAnswered(u"AB2"_qs);
         table.find(u"AB2"_qs)->typeCode = u"B738"_qs;
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs)); // known
+        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 2 * RemoteAircraftTable::typeIntervalMs)); // known
     }
 
     void aConfigurationIsAskedOnceUntilItIsAnswered()
@@ -108,21 +109,21 @@ private slots:
         QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
         table.configurationAnswered(u"AB2"_qs);
         QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
-        QVERIFY(table.shouldAskForType(u"AB2"_qs)); // one has nothing to do with the other
+        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0)); // one has nothing to do with the other
     }
 
     void whoHasLeftIsAskedAnew()
     {
         RemoteAircraftTable table;
         table.obtain(u"AB2"_qs, noon)->state = RemoteAircraft::State::InSimulator;
-        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
         QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
         const std::optional<RemoteAircraft> taken = table.take(u"AB2"_qs);
         QVERIFY(taken);
         QCOMPARE(taken->state, RemoteAircraft::State::InSimulator);
         QVERIFY(!table.take(u"AB2"_qs));
         QCOMPARE(table.obtain(u"AB2"_qs, noon)->state, RemoteAircraft::State::New);
-        QVERIFY(table.shouldAskForType(u"AB2"_qs));
+        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
         QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
     }
 

@@ -136,6 +136,21 @@ private slots:
         QVERIFY(!watch.expire(start + silence)); // told once
     }
 
+    void aPauseKeepsAliveWhatIsAlive()
+    {
+        SimulatorDataWatch watch;
+        watch.simulatorConnected();
+        watch.keepAlive(start); // no live sample has come
+        QVERIFY(!watch.isReadyForPilot());
+        watch.addSample(live, start);
+        watch.keepAlive(start + 60'000);
+        QVERIFY(!watch.expire(start + 63'000));
+        QVERIFY(watch.expire(start + 63'001));
+        watch.keepAlive(start + 70'000); // too late
+        QVERIFY(!watch.isValid());
+        QCOMPARE(watch.lastSampleMs(), start + 60'000);
+    }
+
     void afterExpiryThreeSamplesAreNeededAgain()
     {
         SimulatorDataWatch watch;

@@ -185,7 +185,7 @@ private slots:
         s.manager->setSimulator(next);
         emit s.sim->userAircraftConfigDataChanged({.onGround = false}); // heard by nobody
         s.sim.reset();
-        QVERIFY(old.expired());
+        QTRY_VERIFY(old.expired());
         emit next->simConnectionStateChanged(true);
         emit next->userAircraftConfigDataChanged({.onGround = false}); // its first sample, in the air
         QCOMPARE(next->calls.count(u"transponderModeToggle"_qs), 0);
@@ -212,7 +212,7 @@ private slots:
         emit s.sim->userAircraftConfigDataChanged({.onGround = true});
         emit s.sim->userAircraftConfigDataChanged({.onGround = false});
         QVERIFY(alive);
-        QVERIFY(old.expired());
+        QTRY_VERIFY(old.expired());
         QCOMPARE(s.manager->simulator(), next);
     }
 
