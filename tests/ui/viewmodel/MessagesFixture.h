@@ -6,7 +6,35 @@
 
 #include <QStringList>
 
+#include <functional>
+
 namespace tarvo::test {
+
+using Event = std::function<void(ui::MessagesPageViewModel &)>;
+
+inline QString field(const QVariant &row, const char *key)
+{
+    return row.toMap().value(QLatin1String(key)).toString();
+}
+
+/// One key of every row, with a blank between two.
+inline QString column(const QVariantList &rows, const char *key)
+{
+    QStringList values;
+    for (const QVariant &row : rows)
+        values << field(row, key);
+    return values.join(u' ');
+}
+
+inline network::RadioMessageReceived heardText(const QString &message, bool direct = false,
+                                               const QList<uint> &frequencies = {118025})
+{
+    return {.from = u"CCA1"_qs,
+            .message = message,
+            .frequencies = QVariant::fromValue(frequencies),
+            .direct = direct,
+            .dualReceive = false};
+}
 
 /// A messages model of a pilot who is online, and which of its signals came, in their order.
 class MessagesFixture
@@ -15,7 +43,7 @@ public:
     MessagesFixture()
     {
         using Model = ui::MessagesPageViewModel;
-        model.setOwnCallsign(QStringLiteral("CES2352"));
+        model.setOwnCallsign(u"CES2352"_qs);
         model.setNetworkConnected(true);
         listen(&Model::messagesChanged, "messages");
         listen(&Model::channelStatsChanged, "stats");
@@ -27,7 +55,7 @@ public:
         listen(&Model::nearbyClientsChanged, "nearby");
         listen(&Model::composeChanged, "compose");
         QObject::connect(&model, &Model::messageSoundRequested, &model, [this](const QString &type, int priority) {
-            m_signals << QStringLiteral("sound %1 %2").arg(type).arg(priority);
+            m_signals << u"sound %1 %2"_qs.arg(type).arg(priority);
         });
     }
 
@@ -39,31 +67,7 @@ public:
         return text;
     }
 
-    static QString field(const QVariant &row, const char *key)
-    {
-        return row.toMap().value(QLatin1String(key)).toString();
-    }
-
     QVariantMap last() const { return model.messages().isEmpty() ? QVariantMap() : model.messages().last().toMap(); }
-
-    /// One key of every row, with a blank between two.
-    static QString column(const QVariantList &rows, const char *key)
-    {
-        QStringList values;
-        for (const QVariant &row : rows)
-            values << field(row, key);
-        return values.join(u' ');
-    }
-
-    static network::RadioMessageReceived radio(const QString &message, bool direct = false,
-                                               const QList<uint> &frequencies = {118025})
-    {
-        return {.from = QStringLiteral("CCA1"),
-                .message = message,
-                .frequencies = QVariant::fromValue(frequencies),
-                .direct = direct,
-                .dualReceive = false};
-    }
 
     ManualClock clock;
     ui::MessagesPageViewModel model{nullptr, clock};
@@ -78,3 +82,4 @@ private:
 };
 
 } // namespace tarvo::test
+Q_DECLARE_METATYPE(tarvo::test::Event)

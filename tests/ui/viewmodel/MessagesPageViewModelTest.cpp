@@ -6,15 +6,8 @@
 #include <QObject>
 #include <QTest>
 
-#include <functional>
-
-using tarvo::test::MessagesFixture;
+using namespace tarvo::test;
 using tarvo::ui::MessagesPageViewModel;
-
-namespace {
-using Event = std::function<void(MessagesPageViewModel &)>;
-}
-Q_DECLARE_METATYPE(Event)
 
 /// The list of messages: what each event makes, the bound, the counts.
 class MessagesPageViewModelTest : public QObject
@@ -26,19 +19,17 @@ private slots:
     {
         MessagesPageViewModel model;
         QCOMPARE(model.messages(), QVariantList());
-        QCOMPARE(model.activeChannel(), QStringLiteral("RADIO"));
-        QCOMPARE(model.activeFilter(), QStringLiteral("ALL"));
-        QCOMPARE(model.summaryText(), QStringLiteral("暂无消息"));
+        QCOMPARE(model.activeChannel(), u"RADIO"_qs);
+        QCOMPARE(model.activeFilter(), u"ALL"_qs);
+        QCOMPARE(model.summaryText(), u"暂无消息"_qs);
         QCOMPARE(model.unreadCount(), 0);
         QVERIFY(!model.networkConnected());
         QVERIFY(!model.activeChannelCanSend());
         QCOMPARE(model.privateSessions(), QVariantList());
         QCOMPARE(model.nearbyClients(), QVariantList());
-        QCOMPARE(MessagesFixture::column(model.channels(), "key"),
-                 QStringLiteral("SERVER RADIO PRIVATE BROADCAST WALLOP SELCAL"));
-        QCOMPARE(MessagesFixture::column(model.channels(), "label"),
-                 QStringLiteral("服务器 无线电 私聊 广播 WALLOP SELCAL"));
-        QCOMPARE(MessagesFixture::column(model.channels(), "fixed"), QStringLiteral("true true true true true true"));
+        QCOMPARE(column(model.channels(), "key"), u"SERVER RADIO PRIVATE BROADCAST WALLOP SELCAL"_qs);
+        QCOMPARE(column(model.channels(), "label"), u"服务器 无线电 私聊 广播 WALLOP SELCAL"_qs);
+        QCOMPARE(column(model.channels(), "fixed"), u"true true true true true true"_qs);
     }
 
     void signalsStandInTheirOrder()
@@ -48,13 +39,12 @@ private slots:
         for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
             if (meta.method(i).methodType() == QMetaMethod::Signal)
                 names << QString::fromLatin1(meta.method(i).methodSignature());
-        QCOMPARE(
-            names.join(u' '),
-            QStringLiteral("messagesChanged() channelStatsChanged() activeChannelChanged() activeMessagesChanged() "
-                           "sessionsChanged() unreadChanged() networkStateChanged() nearbyClientsChanged() "
-                           "composeChanged() messageSoundRequested(QString,int) "
-                           "privateMessageRequested(QString,QString) radioMessageRequested(QString) "
-                           "wallopRequested(QString)"));
+        QCOMPARE(names.join(u' '),
+                 u"messagesChanged() channelStatsChanged() activeChannelChanged() activeMessagesChanged() "_qs
+                 "sessionsChanged() unreadChanged() networkStateChanged() nearbyClientsChanged() "
+                 "composeChanged() messageSoundRequested(QString,int) "
+                 "privateMessageRequested(QString,QString) radioMessageRequested(QString) "
+                 "wallopRequested(QString)");
     }
 
     void eachEventMakesItsMessage_data()
@@ -62,132 +52,91 @@ private slots:
         QTest::addColumn<Event>("event");
         QTest::addColumn<QString>("row");   // type|channel|from|to|message|meta|frequencies
         QTest::addColumn<QString>("state"); // direction|label|direct|priority|unread
-        const QString text = QStringLiteral("text");
-        const auto add = [](const char *name, const Event &event, const char *row, const char *state) {
-            QTest::newRow(name) << event << QString::fromUtf8(row) << QString::fromUtf8(state);
+        QTest::addColumn<QString>("told");
+        const QString text = u"text"_qs;
+        const auto add = [](const char *name, const Event &event, const char *row, const char *state,
+                            const char *told) {
+            QTest::newRow(name) << event << QString::fromUtf8(row) << QString::fromUtf8(state)
+                                << u"messages stats "_qs + QString::fromLatin1(told);
+        };
+        const auto radio = [&](const char *name, const tarvo::network::RadioMessageReceived &args, const char *row,
+                               bool direct) {
+            add(
+                name, [=](auto &m) { m.addRadioReceived(args); }, row,
+                direct ? "in|收到|true|2|false" : "in|收到|false|1|false",
+                direct ? "active sound radio_in 2" : "active sound radio_in 1");
         };
         add(
-            "private received", [=](auto &model) { model.addPrivateReceived(QStringLiteral(" cca1 "), text); },
-            "private_in|CCA1|CCA1|CES2352|text||", "in|收到|false|2|true");
+            "private received", [=](auto &m) { m.addPrivateReceived(u" cca1 "_qs, text); },
+            "private_in|CCA1|CCA1|CES2352|text||", "in|收到|false|2|true", "sessions unread sound private_in 2");
         add(
-            "private sent", [=](auto &model) { model.addPrivateSent(QStringLiteral("cca1"), text); },
-            "private_out|CCA1|CES2352|CCA1|text||", "out|已发送|false|1|false");
+            "private sent", [=](auto &m) { m.addPrivateSent(u"cca1"_qs, text); },
+            "private_out|CCA1|CES2352|CCA1|text||", "out|已发送|false|1|false", "sessions");
+        radio("radio received", heardText(text, false, {118025, 121500}),
+              "radio_in|RADIO|CCA1|118.025, 121.500|text|118.025, 121.500|118.025, 121.500", false);
+        radio("radio addressed to the pilot", heardText(text, true),
+              "radio_in|RADIO|CCA1|118.025|text|118.025 | 定向呼叫|118.025", true);
+        radio("radio without frequencies", heardText(text, false, {}), "radio_in|RADIO|CCA1||text||", false);
+        radio("replacement codes stay", heardText(u"%1 %2"_qs), "radio_in|RADIO|CCA1|118.025|%1 %2|118.025|118.025",
+              false);
         add(
-            "radio received",
-            [=](auto &model) {
-                model.addRadioReceived(MessagesFixture::radio(text, false, {118025, 121500}));
-            },
-            "radio_in|RADIO|CCA1|118.025, 121.500|text|118.025, 121.500|118.025, 121.500", "in|收到|false|1|false");
+            "radio sent", [=](auto &m) { m.addRadioSent(text, {122800}); }, "radio_out|RADIO|CES2352||text||122.800",
+            "out|已发送|false|1|false", "active");
         add(
-            "radio addressed to the pilot",
-            [=](auto &model) { model.addRadioReceived(MessagesFixture::radio(text, true)); },
-            "radio_in|RADIO|CCA1|118.025|text|118.025 | 定向呼叫|118.025", "in|收到|true|2|false");
+            "server", [=](auto &m) { m.addServerMessage(text); }, "server|SERVER|服务器||text||",
+            "in|收到|false|1|true", "unread sound server 1");
         add(
-            "radio without frequencies",
-            [=](auto &model) { model.addRadioReceived(MessagesFixture::radio(text, false, {})); },
-            "radio_in|RADIO|CCA1||text||", "in|收到|false|1|false");
+            "broadcast", [=](auto &m) { m.addBroadcast(u"sup1"_qs, text); },
+            "broadcast|BROADCAST|SUP1|全体|text|全网广播|", "in|收到|false|1|true", "unread sound broadcast 1");
         add(
-            "radio sent", [=](auto &model) { model.addRadioSent(text, {122800}); },
-            "radio_out|RADIO|CES2352||text||122.800", "out|已发送|false|1|false");
+            "wallop sent", [=](auto &m) { m.addWallopSent(text); }, "wallop_out|WALLOP|CES2352||text|管理员报告|",
+            "out|已发送|false|1|false", "");
         add(
-            "server", [=](auto &model) { model.addServerMessage(text); }, "server|SERVER|服务器||text||",
-            "in|收到|false|1|true");
+            "selcal", [=](auto &m) { m.addSelcal(u"zbaa_ctr"_qs, {8867}); },
+            "selcal|SELCAL|ZBAA_CTR|||收到 SELCAL 呼叫|8.867", "in|收到|false|2|true", "unread sound selcal 2");
         add(
-            "broadcast", [=](auto &model) { model.addBroadcast(QStringLiteral("sup1"), text); },
-            "broadcast|BROADCAST|SUP1|全体|text|全网广播|", "in|收到|false|1|true");
+            "a selcal on many frequencies", [=](auto &m) { m.addSelcal(u"X"_qs, QList<uint>(2000, 8867)); },
+            "selcal|SELCAL|X|||收到 SELCAL 呼叫|8.867, 8.867, 8.867, 8.867, 8.867, 8.867, 8.867, 8.867",
+            "in|收到|false|2|true", "unread sound selcal 2");
         add(
-            "wallop sent", [=](auto &model) { model.addWallopSent(text); },
-            "wallop_out|WALLOP|CES2352||text|管理员报告|", "out|已发送|false|1|false");
-        add(
-            "selcal", [=](auto &model) { model.addSelcal(QStringLiteral("zbaa_ctr"), {8867}); },
-            "selcal|SELCAL|ZBAA_CTR|||收到 SELCAL 呼叫|8.867", "in|收到|false|2|true");
-        add(
-            "system note", [=](auto &model) { model.addSystemNote(text); }, "system|SERVER|系统||text||",
-            "system|系统|false|1|false");
-        add(
-            "replacement codes stay",
-            [](auto &model) { model.addRadioReceived(MessagesFixture::radio(QStringLiteral("%1 %2"))); },
-            "radio_in|RADIO|CCA1|118.025|%1 %2|118.025|118.025", "in|收到|false|1|false");
+            "system note", [=](auto &m) { m.addSystemNote(text); }, "system|SERVER|系统||text||",
+            "system|系统|false|1|false", "");
     }
 
     void eachEventMakesItsMessage()
-    {
-        QFETCH(Event, event);
-        QFETCH(QString, row);
-        QFETCH(QString, state);
-        MessagesFixture fixture;
-        event(fixture.model);
-        QCOMPARE(fixture.model.messages().size(), 1);
-        const auto joined = [&](const QStringList &keys) {
-            QStringList values;
-            for (const QString &key : keys)
-                values << fixture.last().value(key).toString();
-            return values.join(u'|');
-        };
-        QCOMPARE(
-            joined({QStringLiteral("type"), QStringLiteral("channel"), QStringLiteral("from"), QStringLiteral("to"),
-                    QStringLiteral("message"), QStringLiteral("meta"), QStringLiteral("frequencies")}),
-            row);
-        QCOMPARE(joined({QStringLiteral("direction"), QStringLiteral("directionLabel"), QStringLiteral("isDirect"),
-                         QStringLiteral("priority"), QStringLiteral("unread")}),
-                 state);
-    }
-
-    void aMessageHasNumberAndTime()
-    {
-        MessagesFixture fixture;
-        fixture.model.addServerMessage(QStringLiteral("a"));
-        fixture.clock.advance(61'000);
-        fixture.model.addServerMessage(QStringLiteral("b"));
-        const QVariantMap row = fixture.last();
-        QCOMPARE(row.size(), 15);
-        QCOMPARE(row.value(QStringLiteral("id")).toLongLong(), 2);
-        QCOMPARE(row.value(QStringLiteral("timestamp")).toLongLong(), fixture.clock.wallMs());
-        QCOMPARE(row.value(QStringLiteral("time")).toString(),
-                 QDateTime::fromMSecsSinceEpoch(fixture.clock.wallMs()).toString(QStringLiteral("hh:mm:ss")));
-        fixture.model.clearMessages();
-        fixture.model.addServerMessage(QStringLiteral("c"));
-        QCOMPARE(fixture.last().value(QStringLiteral("id")).toLongLong(), 3); // never used again
-    }
-
-    void whatAnEventTells_data()
-    {
-        QTest::addColumn<Event>("event");
-        QTest::addColumn<QString>("told");
-        const QString text = QStringLiteral("text");
-        QTest::newRow("radio, on the active channel")
-            << Event([=](auto &model) { model.addRadioReceived(MessagesFixture::radio(text)); })
-            << QStringLiteral("messages stats active sound radio_in 1");
-        QTest::newRow("addressed radio") << Event([=](auto &model) {
-            model.addRadioReceived(MessagesFixture::radio(text, true));
-        }) << QStringLiteral("messages stats active sound radio_in 2");
-        QTest::newRow("radio sent") << Event([=](auto &model) { model.addRadioSent(text, {}); })
-                                    << QStringLiteral("messages stats active");
-        QTest::newRow("private received")
-            << Event([=](auto &model) { model.addPrivateReceived(QStringLiteral("CCA1"), text); })
-            << QStringLiteral("messages stats sessions unread sound private_in 2");
-        QTest::newRow("private sent") << Event([=](auto &model) { model.addPrivateSent(QStringLiteral("CCA1"), text); })
-                                      << QStringLiteral("messages stats sessions");
-        QTest::newRow("server") << Event([=](auto &model) { model.addServerMessage(text); })
-                                << QStringLiteral("messages stats unread sound server 1");
-        QTest::newRow("broadcast") << Event([=](auto &model) { model.addBroadcast(QStringLiteral("SUP"), text); })
-                                   << QStringLiteral("messages stats unread sound broadcast 1");
-        QTest::newRow("wallop sent") << Event([=](auto &model) { model.addWallopSent(text); })
-                                     << QStringLiteral("messages stats");
-        QTest::newRow("selcal") << Event([=](auto &model) { model.addSelcal(QStringLiteral("X"), {}); })
-                                << QStringLiteral("messages stats unread sound selcal 2");
-        QTest::newRow("system note") << Event([=](auto &model) { model.addSystemNote(text); })
-                                     << QStringLiteral("messages stats");
-    }
-
-    void whatAnEventTells()
     {
         QFETCH(Event, event);
         QFETCH(QString, told);
         MessagesFixture fixture;
         fixture.told();
         event(fixture.model);
-        QCOMPARE(fixture.told(), told);
+        QCOMPARE(fixture.told(), told.trimmed());
+        QCOMPARE(fixture.model.messages().size(), 1);
+        const auto joined = [&](const char *keys) {
+            QStringList values;
+            for (const QString &key : QString::fromLatin1(keys).split(u' '))
+                values << fixture.last().value(key).toString();
+            return values.join(u'|');
+        };
+        QTEST(joined("type channel from to message meta frequencies"), "row");
+        QTEST(joined("direction directionLabel isDirect priority unread"), "state");
+    }
+
+    void aMessageHasNumberAndTime()
+    {
+        MessagesFixture fixture;
+        fixture.model.addServerMessage(u"a"_qs);
+        fixture.clock.advance(61'000);
+        fixture.model.addServerMessage(u"b"_qs);
+        const QVariantMap row = fixture.last();
+        QCOMPARE(row.size(), 15);
+        QCOMPARE(row.value(u"id"_qs).toLongLong(), 2);
+        QCOMPARE(row.value(u"timestamp"_qs).toLongLong(), fixture.clock.wallMs());
+        QCOMPARE(row.value(u"time"_qs).toString(),
+                 QDateTime::fromMSecsSinceEpoch(fixture.clock.wallMs()).toString(u"hh:mm:ss"_qs));
+        fixture.model.clearMessages();
+        fixture.model.addServerMessage(u"c"_qs);
+        QCOMPARE(fixture.last().value(u"id"_qs).toLongLong(), 3); // never used again
     }
 
     void theOldestGoesBeyond300()
@@ -198,43 +147,43 @@ private slots:
         QCOMPARE(fixture.model.messages().size(), 300);
         QCOMPARE(fixture.model.unreadCount(), 300);
         fixture.told();
-        fixture.model.addServerMessage(QStringLiteral("300"));
+        fixture.model.addServerMessage(u"300"_qs);
         QCOMPARE(fixture.model.messages().size(), 300);
-        QCOMPARE(MessagesFixture::field(fixture.model.messages().first(), "message"), QStringLiteral("1"));
+        QCOMPARE(field(fixture.model.messages().first(), "message"), u"1"_qs);
         QCOMPARE(fixture.model.unreadCount(), 300);
-        QCOMPARE(fixture.told(), QStringLiteral("messages sound server 1")); // one for the like: no count has moved
+        QCOMPARE(fixture.told(), u"messages sound server 1"_qs); // one for the like: no count has moved
     }
 
     void anUnreadOneThatGoesIsCountedNoMore()
     {
         MessagesFixture fixture;
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("a"));
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("b"));
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"a"_qs);
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"b"_qs);
         for (int i = 0; i < 298; ++i)
-            fixture.model.addRadioSent(QStringLiteral("x"), {});
+            fixture.model.addRadioSent(u"x"_qs, {});
         QCOMPARE(fixture.model.unreadCount(), 2);
         fixture.told();
-        fixture.model.addRadioSent(QStringLiteral("x"), {});
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active sessions unread"));
+        fixture.model.addRadioSent(u"x"_qs, {});
+        QCOMPARE(fixture.told(), u"messages stats active sessions unread"_qs);
         QCOMPARE(fixture.model.unreadCount(), 1);
-        QCOMPARE(fixture.model.unreadForChannel(QStringLiteral("CCA1")), 1);
-        fixture.model.addRadioSent(QStringLiteral("x"), {});
-        fixture.model.addRadioSent(QStringLiteral("x"), {});
+        QCOMPARE(fixture.model.unreadForChannel(u"CCA1"_qs), 1);
+        fixture.model.addRadioSent(u"x"_qs, {});
+        fixture.model.addRadioSent(u"x"_qs, {});
         QCOMPARE(fixture.model.unreadCount(), 0);
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "unread"), QStringLiteral("0"));
-        fixture.model.setActiveChannel(QStringLiteral("CCA1"));
+        QCOMPARE(column(fixture.model.privateSessions(), "unread"), u"0"_qs);
+        fixture.model.setActiveChannel(u"CCA1"_qs);
         QCOMPARE(fixture.model.unreadCount(), 0);
     }
 
     void anActiveMessageThatGoesIsTold()
     {
         MessagesFixture fixture;
-        fixture.model.addRadioSent(QStringLiteral("x"), {});
+        fixture.model.addRadioSent(u"x"_qs, {});
         for (int i = 0; i < 299; ++i)
-            fixture.model.addWallopSent(QStringLiteral("x"));
+            fixture.model.addWallopSent(u"x"_qs);
         fixture.told();
-        fixture.model.addWallopSent(QStringLiteral("x"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active"));
+        fixture.model.addWallopSent(u"x"_qs);
+        QCOMPARE(fixture.told(), u"messages stats active"_qs);
         QCOMPARE(fixture.model.activeMessages(), QVariantList());
     }
 
@@ -242,38 +191,38 @@ private slots:
     {
         MessagesFixture fixture;
         MessagesPageViewModel &model = fixture.model;
-        model.addPrivateReceived(QStringLiteral("A"), QString());
-        model.addPrivateSent(QStringLiteral("A"), QString());
-        model.addRadioReceived(MessagesFixture::radio(QString()));
+        model.addPrivateReceived(u"A"_qs, QString());
+        model.addPrivateSent(u"A"_qs, QString());
+        model.addRadioReceived(heardText(QString()));
         model.addRadioSent(QString(), {});
         model.addRadioSent(QString(), {});
         model.addServerMessage(QString());
         model.addSystemNote(QString());
         model.addSystemNote(QString());
-        model.addBroadcast(QStringLiteral("S"), QString());
+        model.addBroadcast(u"S"_qs, QString());
         model.addWallopSent(QString());
-        model.addSelcal(QStringLiteral("Z"), {});
-        QCOMPARE(model.summaryText(), QStringLiteral("11 条消息 | 私聊 2 | 无线电 3 | 服务 4 | 告警 2"));
+        model.addSelcal(u"Z"_qs, {});
+        QCOMPARE(model.summaryText(), u"11 条消息 | 私聊 2 | 无线电 3 | 服务 4 | 告警 2"_qs);
         model.clearMessages();
-        QCOMPARE(model.summaryText(), QStringLiteral("暂无消息"));
+        QCOMPARE(model.summaryText(), u"暂无消息"_qs);
     }
 
     void summaryForgetsWhatHasGone()
     {
         MessagesFixture fixture;
         MessagesPageViewModel &model = fixture.model;
-        model.addPrivateSent(QStringLiteral("A"), QString());
+        model.addPrivateSent(u"A"_qs, QString());
         model.addRadioSent(QString(), {});
         model.addSystemNote(QString());
         model.addWallopSent(QString());
         for (int i = 0; i < 296; ++i)
             model.addRadioSent(QString(), {});
-        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 1 | 无线电 297 | 服务 1 | 告警 1"));
+        QCOMPARE(model.summaryText(), u"300 条消息 | 私聊 1 | 无线电 297 | 服务 1 | 告警 1"_qs);
         model.addWallopSent(QString());
-        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 0 | 无线电 297 | 服务 1 | 告警 2"));
+        QCOMPARE(model.summaryText(), u"300 条消息 | 私聊 0 | 无线电 297 | 服务 1 | 告警 2"_qs);
         for (int i = 0; i < 3; ++i)
             model.addWallopSent(QString());
-        QCOMPARE(model.summaryText(), QStringLiteral("300 条消息 | 私聊 0 | 无线电 296 | 服务 0 | 告警 4"));
+        QCOMPARE(model.summaryText(), u"300 条消息 | 私聊 0 | 无线电 296 | 服务 0 | 告警 4"_qs);
     }
 
     void channelsCompareExactly_data()
@@ -281,21 +230,21 @@ private slots:
         QTest::addColumn<QString>("channel");
         QTest::addColumn<QString>("types");
         QTest::addColumn<int>("unread");
-        QTest::newRow("all") << QStringLiteral("ALL")
-                             << QStringLiteral("server system radio_in radio_out private_in private_out broadcast "
-                                               "wallop_out selcal")
+        QTest::newRow("all") << u"ALL"_qs
+                             << u"server system radio_in radio_out private_in private_out broadcast "_qs
+                                "wallop_out selcal"
                              << 4;
-        QTest::newRow("server") << QStringLiteral("SERVER") << QStringLiteral("server system") << 1;
-        QTest::newRow("radio") << QStringLiteral("RADIO") << QStringLiteral("radio_in radio_out") << 0;
-        QTest::newRow("a session") << QStringLiteral("CCA1") << QStringLiteral("private_in private_out") << 1;
-        QTest::newRow("another case") << QStringLiteral("cca1") << QString() << 0;
-        QTest::newRow("overview") << QStringLiteral("PRIVATE") << QString() << 0;
-        QTest::newRow("COM1") << QStringLiteral("COM1") << QString() << 0;
-        QTest::newRow("COM2") << QStringLiteral("COM2") << QString() << 0;
-        QTest::newRow("broadcast") << QStringLiteral("BROADCAST") << QStringLiteral("broadcast") << 1;
-        QTest::newRow("wallop") << QStringLiteral("WALLOP") << QStringLiteral("wallop_out") << 0;
-        QTest::newRow("selcal") << QStringLiteral("SELCAL") << QStringLiteral("selcal") << 1;
-        QTest::newRow("unknown") << QStringLiteral("X") << QString() << 0;
+        QTest::newRow("server") << u"SERVER"_qs << u"server system"_qs << 1;
+        QTest::newRow("radio") << u"RADIO"_qs << u"radio_in radio_out"_qs << 0;
+        QTest::newRow("a session") << u"CCA1"_qs << u"private_in private_out"_qs << 1;
+        QTest::newRow("another case") << u"cca1"_qs << QString() << 0;
+        QTest::newRow("overview") << u"PRIVATE"_qs << QString() << 0;
+        QTest::newRow("COM1") << u"COM1"_qs << QString() << 0;
+        QTest::newRow("COM2") << u"COM2"_qs << QString() << 0;
+        QTest::newRow("broadcast") << u"BROADCAST"_qs << u"broadcast"_qs << 1;
+        QTest::newRow("wallop") << u"WALLOP"_qs << u"wallop_out"_qs << 0;
+        QTest::newRow("selcal") << u"SELCAL"_qs << u"selcal"_qs << 1;
+        QTest::newRow("unknown") << u"X"_qs << QString() << 0;
         QTest::newRow("empty") << QString() << QString() << 0;
     }
 
@@ -308,92 +257,81 @@ private slots:
         MessagesPageViewModel &model = fixture.model;
         model.addServerMessage(QString());
         model.addSystemNote(QString());
-        model.addRadioReceived(MessagesFixture::radio(QString()));
+        model.addRadioReceived(heardText(QString()));
         model.addRadioSent(QString(), {});
-        model.addPrivateReceived(QStringLiteral("CCA1"), QString());
-        model.addPrivateSent(QStringLiteral("CCA1"), QString());
-        model.addBroadcast(QStringLiteral("S"), QString());
+        model.addPrivateReceived(u"CCA1"_qs, QString());
+        model.addPrivateSent(u"CCA1"_qs, QString());
+        model.addBroadcast(u"S"_qs, QString());
         model.addWallopSent(QString());
-        model.addSelcal(QStringLiteral("Z"), {});
-        QCOMPARE(MessagesFixture::column(model.messagesForChannel(channel), "type"), types);
+        model.addSelcal(u"Z"_qs, {});
+        QCOMPARE(column(model.messagesForChannel(channel), "type"), types);
         QCOMPARE(model.unreadForChannel(channel), unread);
         model.setActiveFilter(channel);
-        QCOMPARE(MessagesFixture::column(model.filteredMessages(), "type"), types);
-    }
-
-    void theFilterIsToldOnChange()
-    {
-        MessagesFixture fixture;
-        fixture.told();
-        fixture.model.setActiveFilter(QStringLiteral("RADIO"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages"));
-        fixture.model.setActiveFilter(QStringLiteral("RADIO"));
-        QCOMPARE(fixture.told(), QString());
+        QCOMPARE(column(model.filteredMessages(), "type"), types);
     }
 
     void enteringAChannelReadsIt()
     {
         MessagesFixture fixture;
         fixture.model.addServerMessage(QString());
-        fixture.model.addBroadcast(QStringLiteral("S"), QString());
+        fixture.model.addBroadcast(u"S"_qs, QString());
         fixture.told();
-        fixture.model.setActiveChannel(QStringLiteral("SERVER"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats channel active unread compose"));
+        fixture.model.setActiveChannel(u"SERVER"_qs);
+        QCOMPARE(fixture.told(), u"messages stats channel active unread compose"_qs);
         QCOMPARE(fixture.model.unreadCount(), 1);
-        QCOMPARE(MessagesFixture::column(fixture.model.activeMessages(), "unread"), QStringLiteral("false"));
-        QCOMPARE(MessagesFixture::column(fixture.model.channels(), "active"),
-                 QStringLiteral("true false false false false false"));
-        QCOMPARE(MessagesFixture::column(fixture.model.channels(), "unread"), QStringLiteral("0 0 0 1 0 0"));
-        fixture.model.setActiveChannel(QStringLiteral("SERVER")); // once more
-        QCOMPARE(fixture.told(), QStringLiteral("channel active unread compose"));
+        QCOMPARE(column(fixture.model.activeMessages(), "unread"), u"false"_qs);
+        QCOMPARE(column(fixture.model.channels(), "active"), u"true false false false false false"_qs);
+        QCOMPARE(column(fixture.model.channels(), "unread"), u"0 0 0 1 0 0"_qs);
+        fixture.model.setActiveChannel(u"SERVER"_qs); // once more
+        QCOMPARE(fixture.told(), u"channel active unread compose"_qs);
         fixture.model.addServerMessage(QString()); // on the active channel: never unread
         QCOMPARE(fixture.model.unreadCount(), 1);
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active sound server 1"));
-        fixture.model.setActiveChannel(QStringLiteral("WALLOP"));
-        QCOMPARE(fixture.told(), QStringLiteral("stats channel active unread compose"));
+        QCOMPARE(fixture.told(), u"messages stats active sound server 1"_qs);
+        fixture.model.setActiveChannel(u"WALLOP"_qs);
+        QCOMPARE(fixture.told(), u"stats channel active unread compose"_qs);
     }
 
     void theWordForEverythingIsNoChannel()
     {
         MessagesFixture fixture;
         fixture.model.addServerMessage(QString());
-        fixture.model.setActiveChannel(QStringLiteral("ALL"));
+        fixture.model.setActiveChannel(u"ALL"_qs);
         QCOMPARE(fixture.model.unreadCount(), 1); // no message's channel has that name
         fixture.told();
-        fixture.model.addRadioReceived(MessagesFixture::radio(QString()));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active unread sound radio_in 1"));
-        QCOMPARE(MessagesFixture::column(fixture.model.activeMessages(), "type"), QStringLiteral("server radio_in"));
+        fixture.model.addRadioReceived(heardText(QString()));
+        QCOMPARE(fixture.told(), u"messages stats active unread sound radio_in 1"_qs);
+        QCOMPARE(column(fixture.model.activeMessages(), "type"), u"server radio_in"_qs);
         QCOMPARE(fixture.model.unreadCount(), 2);
-        fixture.model.setActiveChannel(QStringLiteral("RADIO"));
+        fixture.model.setActiveChannel(u"RADIO"_qs);
         QCOMPARE(fixture.model.unreadCount(), 1);
     }
 
     void clearingEmptiesTheListAndKeepsTheSessions()
     {
         MessagesFixture fixture;
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("hi"));
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"hi"_qs);
         fixture.told();
         fixture.model.clearMessages();
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats sessions unread"));
+        QCOMPARE(fixture.told(), u"messages stats sessions unread"_qs);
         QCOMPARE(fixture.model.messages(), QVariantList());
         QCOMPARE(fixture.model.unreadCount(), 0);
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "callsign"), QStringLiteral("CCA1"));
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "unread"), QStringLiteral("0"));
+        QCOMPARE(column(fixture.model.privateSessions(), "callsign"), u"CCA1"_qs);
+        QCOMPARE(column(fixture.model.privateSessions(), "unread"), u"0"_qs);
         fixture.model.clearMessages();
         QCOMPARE(fixture.told(), QString());
         fixture.model.addRadioSent(QString(), {});
         fixture.told();
         fixture.model.clearMessages();
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active"));
+        QCOMPARE(fixture.told(), u"messages stats active"_qs);
     }
 
     void aLongBodyIsKeptWhole()
     {
         MessagesFixture fixture;
         const QString body = QString(10'001, u'W') + u'\n' + QString(QChar(0x202E));
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), body);
-        QCOMPARE(fixture.last().value(QStringLiteral("message")).toString(), body);
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "lastMessage"), body);
+        fixture.model.addPrivateReceived(u"CCA1"_qs, body);
+        QCOMPARE(fixture.last().value(u"message"_qs).toString(), body);
+        QCOMPARE(column(fixture.model.privateSessions(), "lastMessage"), body);
     }
 
     void aMegabyteIsCut_data()
@@ -401,21 +339,21 @@ private slots:
         QTest::addColumn<Event>("event");
         const QString endless(1 << 20, u'W');
         const auto add = [](const char *name, const Event &event) { QTest::newRow(name) << event; };
-        add("private received", [=](auto &model) { model.addPrivateReceived(endless, endless); });
-        add("private received from somebody",
-            [=](auto &model) { model.addPrivateReceived(QStringLiteral("CCA1"), endless); });
-        add("private sent", [=](auto &model) { model.addPrivateSent(endless, endless); });
-        add("private sent to somebody", [=](auto &model) { model.addPrivateSent(QStringLiteral("CCA1"), endless); });
-        add("radio received", [=](auto &model) {
-            model.addRadioReceived(
-                {.from = endless, .message = endless, .frequencies = {}, .direct = false, .dualReceive = false});
-        });
-        add("radio sent", [=](auto &model) { model.addRadioSent(endless, {}); });
-        add("server", [=](auto &model) { model.addServerMessage(endless); });
-        add("broadcast", [=](auto &model) { model.addBroadcast(endless, endless); });
-        add("wallop sent", [=](auto &model) { model.addWallopSent(endless); });
-        add("selcal", [=](auto &model) { model.addSelcal(endless, {}); });
-        add("system note", [=](auto &model) { model.addSystemNote(endless); });
+        for (const QString &other : {endless, u"CCA1"_qs}) {
+            const bool somebody = other != endless;
+            add(somebody ? "private in" : "private in, endless",
+                [=](auto &m) { m.addPrivateReceived(other, endless); });
+            add(somebody ? "private out" : "private out, endless", [=](auto &m) { m.addPrivateSent(other, endless); });
+        }
+        tarvo::network::RadioMessageReceived heard = heardText(endless);
+        heard.from = endless;
+        add("radio received", [=](auto &m) { m.addRadioReceived(heard); });
+        add("radio sent", [=](auto &m) { m.addRadioSent(endless, {}); });
+        add("server", [=](auto &m) { m.addServerMessage(endless); });
+        add("broadcast", [=](auto &m) { m.addBroadcast(endless, endless); });
+        add("wallop sent", [=](auto &m) { m.addWallopSent(endless); });
+        add("selcal", [=](auto &m) { m.addSelcal(endless, {}); });
+        add("system note", [=](auto &m) { m.addSystemNote(endless); });
     }
 
     void aMegabyteIsCut()
@@ -425,14 +363,14 @@ private slots:
         event(fixture.model);
         QCOMPARE(fixture.model.messages().size(), 1);
         const QVariantMap row = fixture.last();
-        const qsizetype body = row.value(QStringLiteral("message")).toString().size();
-        QVERIFY(body == 16384 || row.value(QStringLiteral("type")) == QStringLiteral("selcal"));
+        const qsizetype body = row.value(u"message"_qs).toString().size();
+        QVERIFY(body == 16384 || row.value(u"type"_qs) == u"selcal"_qs);
         for (const char *key : {"channel", "from", "to"})
             QVERIFY(row.value(QLatin1String(key)).toString().size() <= 33);
         const QVariantList sessions = fixture.model.privateSessions();
         for (const QVariant &session : sessions) {
-            QCOMPARE(MessagesFixture::field(session, "callsign"), QStringLiteral("CCA1"));
-            QCOMPARE(MessagesFixture::field(session, "lastMessage").size(), 16384);
+            QCOMPARE(field(session, "callsign"), u"CCA1"_qs);
+            QCOMPARE(field(session, "lastMessage").size(), 16384);
         }
     }
 
@@ -441,13 +379,13 @@ private slots:
         MessagesFixture fixture;
         const QString longest(32, u'W');
         fixture.model.addPrivateReceived(longest, QString());
-        QCOMPARE(MessagesFixture::field(fixture.last(), "channel"), longest);
+        QCOMPARE(field(fixture.last(), "channel"), longest);
         fixture.model.addPrivateReceived(longest + u'W', QString()); // not the same one
-        QCOMPARE(MessagesFixture::field(fixture.last(), "channel"), QStringLiteral("PRIVATE"));
-        QCOMPARE(MessagesFixture::field(fixture.last(), "from"), longest + u'…');
+        QCOMPARE(field(fixture.last(), "channel"), u"PRIVATE"_qs);
+        QCOMPARE(field(fixture.last(), "from"), longest + u'…');
         fixture.model.prepareReply(longest + u'…');
-        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("RADIO"));
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "callsign"), longest);
+        QCOMPARE(fixture.model.activeChannel(), u"RADIO"_qs);
+        QCOMPARE(column(fixture.model.privateSessions(), "callsign"), longest);
     }
 
     void aListenerMayComeBack()
@@ -460,7 +398,7 @@ private slots:
         fixture.model.addServerMessage(QString());
         QCOMPARE(fixture.model.messages(), QVariantList());
         QCOMPARE(fixture.model.unreadCount(), 0);
-        fixture.model.addSelcal(QStringLiteral("Z"), {});
+        fixture.model.addSelcal(u"Z"_qs, {});
         QCOMPARE(fixture.model.unreadCount(), 0);
     }
 };

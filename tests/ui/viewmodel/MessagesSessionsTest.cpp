@@ -6,7 +6,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-using tarvo::test::MessagesFixture;
+using namespace tarvo::test;
 using tarvo::ui::MessagesPageViewModel;
 using tarvo::ui::PrivateSessions;
 
@@ -20,20 +20,18 @@ private slots:
     {
         MessagesFixture fixture;
         MessagesPageViewModel &model = fixture.model;
-        model.addPrivateReceived(QStringLiteral("cca1"), QStringLiteral("hi"));
-        QCOMPARE(MessagesFixture::column(model.channels(), "key"),
-                 QStringLiteral("SERVER RADIO PRIVATE CCA1 BROADCAST WALLOP SELCAL"));
+        model.addPrivateReceived(u"cca1"_qs, u"hi"_qs);
+        QCOMPARE(column(model.channels(), "key"), u"SERVER RADIO PRIVATE CCA1 BROADCAST WALLOP SELCAL"_qs);
         const QVariant entry = model.channels().at(3);
-        QCOMPARE(MessagesFixture::field(entry, "label"), QStringLiteral("私聊 CCA1"));
-        QCOMPARE(MessagesFixture::field(entry, "fixed"), QStringLiteral("false"));
-        QCOMPARE(MessagesFixture::field(entry, "unread"), QStringLiteral("1"));
+        QCOMPARE(field(entry, "label"), u"私聊 CCA1"_qs);
+        QCOMPARE(field(entry, "fixed"), u"false"_qs);
+        QCOMPARE(field(entry, "unread"), u"1"_qs);
         const QVariantMap session = model.privateSessions().first().toMap();
         QCOMPARE(session.size(), 4);
-        QCOMPARE(session.value(QStringLiteral("lastMessage")).toString(), QStringLiteral("hi"));
-        QCOMPARE(session.value(QStringLiteral("lastTime")), fixture.last().value(QStringLiteral("time")));
-        model.closePrivateSession(QStringLiteral("CCA1"));
-        QCOMPARE(MessagesFixture::column(model.channels(), "key"),
-                 QStringLiteral("SERVER RADIO PRIVATE BROADCAST WALLOP SELCAL"));
+        QCOMPARE(session.value(u"lastMessage"_qs).toString(), u"hi"_qs);
+        QCOMPARE(session.value(u"lastTime"_qs), fixture.last().value(u"time"_qs));
+        model.closePrivateSession(u"CCA1"_qs);
+        QCOMPARE(column(model.channels(), "key"), u"SERVER RADIO PRIVATE BROADCAST WALLOP SELCAL"_qs);
         QCOMPARE(model.messages().size(), 1);
         QCOMPARE(model.unreadCount(), 0);
     }
@@ -42,44 +40,44 @@ private slots:
     {
         MessagesFixture fixture;
         MessagesPageViewModel &model = fixture.model;
-        model.addPrivateSent(QStringLiteral("cca1"), QStringLiteral("hello"));
-        QCOMPARE(MessagesFixture::column(model.privateSessions(), "callsign"), QStringLiteral("CCA1"));
-        QCOMPARE(MessagesFixture::column(model.privateSessions(), "lastMessage"), QStringLiteral("hello"));
-        QCOMPARE(MessagesFixture::column(model.privateSessions(), "unread"), QStringLiteral("0"));
+        model.addPrivateSent(u"cca1"_qs, u"hello"_qs);
+        QCOMPARE(column(model.privateSessions(), "callsign"), u"CCA1"_qs);
+        QCOMPARE(column(model.privateSessions(), "lastMessage"), u"hello"_qs);
+        QCOMPARE(column(model.privateSessions(), "unread"), u"0"_qs);
         fixture.clock.advance(61'000);
-        model.addPrivateSent(QStringLiteral("CCA1"), QStringLiteral("again"));
+        model.addPrivateSent(u"CCA1"_qs, u"again"_qs);
         const QVariantMap session = model.privateSessions().first().toMap();
         QCOMPARE(model.privateSessions().size(), 1);
-        QCOMPARE(session.value(QStringLiteral("lastMessage")).toString(), QStringLiteral("again"));
-        QCOMPARE(session.value(QStringLiteral("lastTime")), fixture.last().value(QStringLiteral("time")));
-        QCOMPARE(model.activeChannel(), QStringLiteral("RADIO"));
+        QCOMPARE(session.value(u"lastMessage"_qs).toString(), u"again"_qs);
+        QCOMPARE(session.value(u"lastTime"_qs), fixture.last().value(u"time"_qs));
+        QCOMPARE(model.activeChannel(), u"RADIO"_qs);
     }
 
     void openingMakesItActive()
     {
         MessagesFixture fixture;
         fixture.told();
-        fixture.model.openPrivateSession(QStringLiteral(" zspd_twr "));
-        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("ZSPD_TWR"));
-        QCOMPARE(fixture.told(), QStringLiteral("stats channel active sessions unread compose"));
-        QCOMPARE(MessagesFixture::column(fixture.model.privateSessions(), "lastTime"), QString());
-        fixture.model.openPrivateSession(QStringLiteral("ZSPD_TWR")); // once more
-        QCOMPARE(fixture.told(), QStringLiteral("channel active unread compose"));
-        fixture.model.setActiveChannel(QStringLiteral("RADIO"));
-        fixture.model.addPrivateReceived(QStringLiteral("ZSPD_TWR"), QStringLiteral("hi"));
+        fixture.model.openPrivateSession(u" zspd_twr "_qs);
+        QCOMPARE(fixture.model.activeChannel(), u"ZSPD_TWR"_qs);
+        QCOMPARE(fixture.told(), u"stats channel active sessions unread compose"_qs);
+        QCOMPARE(column(fixture.model.privateSessions(), "lastTime"), QString());
+        fixture.model.openPrivateSession(u"ZSPD_TWR"_qs); // once more
+        QCOMPARE(fixture.told(), u"channel active unread compose"_qs);
+        fixture.model.setActiveChannel(u"RADIO"_qs);
+        fixture.model.addPrivateReceived(u"ZSPD_TWR"_qs, u"hi"_qs);
         fixture.told();
-        fixture.model.openPrivateSession(QStringLiteral("ZSPD_TWR"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats channel active sessions unread compose"));
+        fixture.model.openPrivateSession(u"ZSPD_TWR"_qs);
+        QCOMPARE(fixture.told(), u"messages stats channel active sessions unread compose"_qs);
         QCOMPARE(fixture.model.unreadCount(), 0);
-        fixture.model.addPrivateReceived(QStringLiteral("ZSPD_TWR"), QStringLiteral("there"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats active sessions sound private_in 2"));
+        fixture.model.addPrivateReceived(u"ZSPD_TWR"_qs, u"there"_qs);
+        QCOMPARE(fixture.told(), u"messages stats active sessions sound private_in 2"_qs);
     }
 
     void callsignsThatOpenNothing_data()
     {
         QTest::addColumn<QString>("callsign");
         QTest::newRow("empty") << QString();
-        QTest::newRow("blanks") << QStringLiteral("  ");
+        QTest::newRow("blanks") << u"  "_qs;
         for (const char *word :
              {"ALL", "COM1", "COM2", "SERVER", "RADIO", "radio", "PRIVATE", "BROADCAST", "WALLOP", "SELCAL"})
             QTest::newRow(word) << QString::fromLatin1(word);
@@ -98,10 +96,10 @@ private slots:
         QCOMPARE(fixture.told(), QString());
         QCOMPARE(fixture.model.privateSessions(), QVariantList());
         // Such a sender is heard in the overview: never on the radio's channel.
-        fixture.model.addPrivateReceived(callsign, QStringLiteral("hi"));
-        QCOMPARE(MessagesFixture::field(fixture.last(), "channel"), QStringLiteral("PRIVATE"));
+        fixture.model.addPrivateReceived(callsign, u"hi"_qs);
+        QCOMPARE(field(fixture.last(), "channel"), u"PRIVATE"_qs);
         QCOMPARE(fixture.model.privateSessions(), QVariantList());
-        fixture.model.setActiveChannel(QStringLiteral("PRIVATE"));
+        fixture.model.setActiveChannel(u"PRIVATE"_qs);
         QCOMPARE(fixture.model.unreadCount(), 0);
     }
 
@@ -109,10 +107,10 @@ private slots:
     {
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("target"); // empty: ignored
-        QTest::newRow("callsign") << QStringLiteral("CCA1") << QStringLiteral("CCA1");
-        QTest::newRow("lower case, blanks") << QStringLiteral(" cca1\t") << QStringLiteral("CCA1");
-        QTest::newRow("server") << QStringLiteral("服务器") << QString();
-        QTest::newRow("system") << QStringLiteral(" 系统 ") << QString();
+        QTest::newRow("callsign") << u"CCA1"_qs << u"CCA1"_qs;
+        QTest::newRow("lower case, blanks") << u" cca1\t"_qs << u"CCA1"_qs;
+        QTest::newRow("server") << u"服务器"_qs << QString();
+        QTest::newRow("system") << u" 系统 "_qs << QString();
         QTest::newRow("nobody") << QString() << QString();
     }
 
@@ -121,36 +119,35 @@ private slots:
         QFETCH(QString, from);
         QFETCH(QString, target);
         MessagesFixture fixture;
-        fixture.model.setDraftMessage(QStringLiteral("half a word"));
+        fixture.model.setDraftMessage(u"half a word"_qs);
         fixture.told();
         fixture.model.prepareReply(from);
         QCOMPARE(fixture.model.draftTarget(), target);
-        QCOMPARE(fixture.model.draftMessage(), QStringLiteral("half a word"));
-        QCOMPARE(fixture.model.activeChannel(), target.isEmpty() ? QStringLiteral("RADIO") : target);
-        QCOMPARE(fixture.told(),
-                 target.isEmpty() ? QString() : QStringLiteral("stats channel active sessions unread compose"));
+        QCOMPARE(fixture.model.draftMessage(), u"half a word"_qs);
+        QCOMPARE(fixture.model.activeChannel(), target.isEmpty() ? u"RADIO"_qs : target);
+        QCOMPARE(fixture.told(), target.isEmpty() ? QString() : u"stats channel active sessions unread compose"_qs);
     }
 
     void closingTheActiveOneGoesBackToTheRadio()
     {
         MessagesFixture fixture;
-        fixture.model.openPrivateSession(QStringLiteral("CCA1"));
-        fixture.model.addRadioReceived(MessagesFixture::radio(QString()));
+        fixture.model.openPrivateSession(u"CCA1"_qs);
+        fixture.model.addRadioReceived(heardText(QString()));
         QCOMPARE(fixture.model.unreadCount(), 1);
         fixture.told();
-        fixture.model.closePrivateSession(QStringLiteral(" cca1 "));
-        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("RADIO"));
+        fixture.model.closePrivateSession(u" cca1 "_qs);
+        QCOMPARE(fixture.model.activeChannel(), u"RADIO"_qs);
         QCOMPARE(fixture.model.unreadCount(), 0);
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats channel active sessions unread compose"));
+        QCOMPARE(fixture.told(), u"messages stats channel active sessions unread compose"_qs);
     }
 
     void whatWasWrittenToSomebodyGoesWithTheSession()
     {
         MessagesFixture fixture;
-        fixture.model.prepareReply(QStringLiteral("CCA1"));
-        fixture.model.setDraftMessage(QStringLiteral("between us"));
-        fixture.model.closePrivateSession(QStringLiteral("CCA1"));
-        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("RADIO"));
+        fixture.model.prepareReply(u"CCA1"_qs);
+        fixture.model.setDraftMessage(u"between us"_qs);
+        fixture.model.closePrivateSession(u"CCA1"_qs);
+        QCOMPARE(fixture.model.activeChannel(), u"RADIO"_qs);
         QCOMPARE(fixture.model.draftMessage(), QString()); // one Enter, and all would have heard it
         QCOMPARE(fixture.model.draftTarget(), QString());
     }
@@ -158,64 +155,64 @@ private slots:
     void closingAnotherOneStays()
     {
         MessagesFixture fixture;
-        fixture.model.openPrivateSession(QStringLiteral("CCA1"));
-        fixture.model.setDraftMessage(QStringLiteral("half a word"));
-        fixture.model.addPrivateReceived(QStringLiteral("CCA2"), QString());
+        fixture.model.openPrivateSession(u"CCA1"_qs);
+        fixture.model.setDraftMessage(u"half a word"_qs);
+        fixture.model.addPrivateReceived(u"CCA2"_qs, QString());
         fixture.told();
-        fixture.model.closePrivateSession(QStringLiteral("CCA2"));
-        QCOMPARE(fixture.model.activeChannel(), QStringLiteral("CCA1"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats sessions unread"));
-        QCOMPARE(fixture.model.draftMessage(), QStringLiteral("half a word"));
-        fixture.model.closePrivateSession(QStringLiteral("CCA2"));
-        fixture.model.closePrivateSession(QStringLiteral("RADIO"));
+        fixture.model.closePrivateSession(u"CCA2"_qs);
+        QCOMPARE(fixture.model.activeChannel(), u"CCA1"_qs);
+        QCOMPARE(fixture.told(), u"messages stats sessions unread"_qs);
+        QCOMPARE(fixture.model.draftMessage(), u"half a word"_qs);
+        fixture.model.closePrivateSession(u"CCA2"_qs);
+        fixture.model.closePrivateSession(u"RADIO"_qs);
         QCOMPARE(fixture.told(), QString());
     }
 
     void aClosedSessionComesBackWithItsMessages()
     {
         MessagesFixture fixture;
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("one"));
-        fixture.model.closePrivateSession(QStringLiteral("CCA1"));
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("two"));
-        QCOMPARE(fixture.model.unreadForChannel(QStringLiteral("CCA1")), 1);
-        QCOMPARE(fixture.model.messagesForChannel(QStringLiteral("CCA1")).size(), 2);
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"one"_qs);
+        fixture.model.closePrivateSession(u"CCA1"_qs);
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"two"_qs);
+        QCOMPARE(fixture.model.unreadForChannel(u"CCA1"_qs), 1);
+        QCOMPARE(fixture.model.messagesForChannel(u"CCA1"_qs).size(), 2);
     }
 
     void aFloodOfSendersIsBounded()
     {
         MessagesFixture fixture;
         MessagesPageViewModel &model = fixture.model;
-        model.openPrivateSession(QStringLiteral("FRIEND"));
-        model.addPrivateReceived(QStringLiteral("QUIET"), QStringLiteral("hi"));
-        model.addPrivateReceived(QStringLiteral("LIVELY"), QStringLiteral("hi"));
+        model.openPrivateSession(u"FRIEND"_qs);
+        model.addPrivateReceived(u"QUIET"_qs, u"hi"_qs);
+        model.addPrivateReceived(u"LIVELY"_qs, u"hi"_qs);
         for (int i = 0; i < PrivateSessions::maximumSessions - 3; ++i)
-            model.addPrivateReceived(QStringLiteral("P%1").arg(i), QStringLiteral("buy"));
+            model.addPrivateReceived(u"P%1"_qs.arg(i), u"buy"_qs);
         QCOMPARE(model.privateSessions().size(), PrivateSessions::maximumSessions);
-        model.addPrivateReceived(QStringLiteral("LIVELY"), QStringLiteral("hi again"));
-        model.addPrivateReceived(QStringLiteral("ONE_MORE"), QStringLiteral("buy"));
-        const QString callsigns = MessagesFixture::column(model.privateSessions(), "callsign");
-        QVERIFY(callsigns.startsWith(QStringLiteral("FRIEND LIVELY P0 "))); // the active one stays, however quiet
-        QVERIFY(callsigns.endsWith(QStringLiteral(" ONE_MORE")));
+        model.addPrivateReceived(u"LIVELY"_qs, u"hi again"_qs);
+        model.addPrivateReceived(u"ONE_MORE"_qs, u"buy"_qs);
+        const QString callsigns = column(model.privateSessions(), "callsign");
+        QVERIFY(callsigns.startsWith(u"FRIEND LIVELY P0 "_qs)); // the active one stays, however quiet
+        QVERIFY(callsigns.endsWith(u" ONE_MORE"_qs));
         QCOMPARE(model.privateSessions().size(), PrivateSessions::maximumSessions);
-        QCOMPARE(model.messagesForChannel(QStringLiteral("QUIET")).size(), 1); // its message stays, as read
-        QCOMPARE(model.unreadForChannel(QStringLiteral("QUIET")), 0);
+        QCOMPARE(model.messagesForChannel(u"QUIET"_qs).size(), 1); // its message stays, as read
+        QCOMPARE(model.unreadForChannel(u"QUIET"_qs), 0);
         for (int i = 0; i < 5000; ++i)
-            model.addPrivateReceived(QStringLiteral("F%1").arg(i), QStringLiteral("buy"));
+            model.addPrivateReceived(u"F%1"_qs.arg(i), u"buy"_qs);
         QCOMPARE(model.privateSessions().size(), PrivateSessions::maximumSessions);
         QCOMPARE(model.unreadCount(), PrivateSessions::maximumSessions - 1);
-        QCOMPARE(model.activeChannel(), QStringLiteral("FRIEND"));
+        QCOMPARE(model.activeChannel(), u"FRIEND"_qs);
     }
 
     void aWordBecomesASession()
     {
         MessagesFixture fixture;
-        fixture.model.setActiveChannel(QStringLiteral("CCA1"));
-        QCOMPARE(fixture.model.activeChannelTitle(), QStringLiteral("CCA1"));
+        fixture.model.setActiveChannel(u"CCA1"_qs);
+        QCOMPARE(fixture.model.activeChannelTitle(), u"CCA1"_qs);
         QVERIFY(!fixture.model.activeChannelCanSend());
         fixture.told();
-        fixture.model.addPrivateReceived(QStringLiteral("CCA1"), QStringLiteral("hi"));
-        QCOMPARE(fixture.told(), QStringLiteral("messages stats channel active sessions compose sound private_in 2"));
-        QCOMPARE(fixture.model.activeChannelTitle(), QStringLiteral("私聊 CCA1"));
+        fixture.model.addPrivateReceived(u"CCA1"_qs, u"hi"_qs);
+        QCOMPARE(fixture.told(), u"messages stats channel active sessions compose sound private_in 2"_qs);
+        QCOMPARE(fixture.model.activeChannelTitle(), u"私聊 CCA1"_qs);
         QVERIFY(fixture.model.activeChannelCanSend());
     }
 
@@ -229,10 +226,10 @@ private slots:
         const auto add = [](const char *channel, const char *title, const char *placeholder) {
             const QString key = QString::fromLatin1(channel);
             const QString text = QString::fromUtf8(placeholder);
-            const bool writable = text != QStringLiteral("当前频道只读");
+            const bool writable = text != u"当前频道只读"_qs;
             QTest::addRow("%s", channel) << true << key << QString::fromUtf8(title) << writable << text;
             QTest::addRow("%s, offline", channel)
-                << false << key << QString::fromUtf8(title) << false << QStringLiteral("网络未连接");
+                << false << key << QString::fromUtf8(title) << false << u"网络未连接"_qs;
         };
         add("SERVER", "服务器", "当前频道只读");
         add("RADIO", "无线电", "发送无线电文本消息...");
@@ -250,7 +247,7 @@ private slots:
         QFETCH(QString, channel);
         QFETCH(bool, canSend);
         MessagesFixture fixture;
-        fixture.model.openPrivateSession(QStringLiteral("CCA1"));
+        fixture.model.openPrivateSession(u"CCA1"_qs);
         fixture.model.setNetworkConnected(connected);
         fixture.model.setActiveChannel(channel);
         QTEST(fixture.model.activeChannelTitle(), "title");
@@ -258,29 +255,28 @@ private slots:
         QCOMPARE(fixture.model.activeChannelCanSend(), canSend);
         const QVariantList channels = fixture.model.channels();
         for (const QVariant &entry : channels)
-            if (MessagesFixture::field(entry, "key") == channel)
-                QCOMPARE(entry.toMap().value(QStringLiteral("canSend")).toBool(), canSend);
+            if (field(entry, "key") == channel)
+                QCOMPARE(entry.toMap().value(u"canSend"_qs).toBool(), canSend);
     }
 
-    void theNetworkIsToldOnChange()
+    void whatIsSetIsToldOnChange_data()
     {
-        MessagesFixture fixture;
-        fixture.told();
-        fixture.model.setNetworkConnected(false);
-        QCOMPARE(fixture.told(), QStringLiteral("stats network compose"));
-        fixture.model.setNetworkConnected(false);
-        QCOMPARE(fixture.told(), QString());
+        QTest::addColumn<Event>("event");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("network") << Event([](auto &m) { m.setNetworkConnected(false); }) << u"stats network compose"_qs;
+        QTest::newRow("text") << Event([](auto &m) { m.setDraftMessage(u"a"_qs); }) << u"compose"_qs;
+        QTest::newRow("target") << Event([](auto &m) { m.setDraftTarget(u"CCA1"_qs); }) << u"compose"_qs;
+        QTest::newRow("filter") << Event([](auto &m) { m.setActiveFilter(u"RADIO"_qs); }) << u"messages"_qs;
     }
 
-    void theDraftIsToldOnChange()
+    void whatIsSetIsToldOnChange()
     {
+        QFETCH(Event, event);
         MessagesFixture fixture;
         fixture.told();
-        fixture.model.setDraftMessage(QStringLiteral("a"));
-        fixture.model.setDraftTarget(QStringLiteral("CCA1"));
-        QCOMPARE(fixture.told(), QStringLiteral("compose compose"));
-        fixture.model.setDraftMessage(QStringLiteral("a"));
-        fixture.model.setDraftTarget(QStringLiteral("CCA1"));
+        event(fixture.model);
+        QTEST(fixture.told(), "told");
+        event(fixture.model);
         QCOMPARE(fixture.told(), QString());
     }
 
@@ -289,11 +285,11 @@ private slots:
         QTest::addColumn<bool>("connected");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("sent");
-        QTest::newRow("text") << true << QStringLiteral("hello") << true;
-        QTest::newRow("blanks around stay") << true << QStringLiteral(" hello ") << true;
-        QTest::newRow("offline") << false << QStringLiteral("hello") << false;
+        QTest::newRow("text") << true << u"hello"_qs << true;
+        QTest::newRow("blanks around stay") << true << u" hello "_qs << true;
+        QTest::newRow("offline") << false << u"hello"_qs << false;
         QTest::newRow("empty") << true << QString() << false;
-        QTest::newRow("only blanks") << true << QStringLiteral(" \t　") << false;
+        QTest::newRow("only blanks") << true << u" \t　"_qs << false;
     }
 
     void sending()
@@ -308,12 +304,12 @@ private slots:
         QSignalSpy radios(&model, &MessagesPageViewModel::radioMessageRequested);
         QSignalSpy wallops(&model, &MessagesPageViewModel::wallopRequested);
         const auto draft = [&] {
-            model.setDraftTarget(QStringLiteral("CCA1"));
-            model.setDraftMessage(QStringLiteral("draft"));
+            model.setDraftTarget(u"CCA1"_qs);
+            model.setDraftMessage(u"draft"_qs);
         };
-        const QString left = sent ? QString() : QStringLiteral("draft");
+        const QString left = sent ? QString() : u"draft"_qs;
         draft();
-        model.sendPrivateMessage(QStringLiteral(" cca1 "), text);
+        model.sendPrivateMessage(u" cca1 "_qs, text);
         QCOMPARE(model.draftMessage(), left);
         draft();
         model.sendRadioMessage(text);
@@ -322,7 +318,7 @@ private slots:
         model.sendWallopMessage(text);
         QCOMPARE(model.draftMessage(), left);
         using Calls = QList<QVariantList>;
-        QCOMPARE(privates, sent ? Calls({{QStringLiteral("CCA1"), text}}) : Calls());
+        QCOMPARE(privates, sent ? Calls({{u"CCA1"_qs, text}}) : Calls());
         QCOMPARE(radios, sent ? Calls({{text}}) : Calls());
         QCOMPARE(wallops, sent ? Calls({{text}}) : Calls());
         QCOMPARE(model.messages(), QVariantList()); // only what is reported as sent is listed
@@ -332,69 +328,50 @@ private slots:
     {
         MessagesFixture fixture;
         QSignalSpy privates(&fixture.model, &MessagesPageViewModel::privateMessageRequested);
-        fixture.model.sendPrivateMessage(QStringLiteral("  "), QStringLiteral("hello"));
+        fixture.model.sendPrivateMessage(u"  "_qs, u"hello"_qs);
         QCOMPARE(privates.count(), 0);
     }
 
     void stations_data()
     {
-        QTest::addColumn<quint32>("frequency");
-        QTest::addColumn<quint32>("normalised");
-        QTest::addColumn<QString>("shown"); // empty: not listed
-        QTest::newRow("usual") << quint32(118025) << quint32(118025) << QStringLiteral("118.025");
-        QTest::newRow("reported without its last digit")
-            << quint32(118020) << quint32(118025) << QStringLiteral("118.025");
-        QTest::newRow("no frequency") << quint32(199998) << quint32(199998) << QString();
-        QTest::newRow("the largest") << quint32(4294967295U) << quint32(4294967295U) << QStringLiteral("4294967.295");
+        QTest::addColumn<tarvo::model::Controller>("told");
+        QTest::addColumn<QString>("shown"); // callsign|type|frequency|name; empty: not listed
+        const auto add = [](const char *name, const tarvo::model::Controller &told, const QString &shown) {
+            QTest::newRow(name) << told << shown;
+        };
+        add("usual", station("zspd_twr", 118025, 118025), u"ZSPD_TWR|atc|118.025|"_qs);
+        add("without its last digit", station("ZSPD_TWR", 118020, 118025), u"ZSPD_TWR|atc|118.025|"_qs);
+        add("no frequency", station("ZSPD_TWR", 199998, 199998), QString());
+        add("the largest", station("ZSPD_TWR", 4294967295U, 4294967295U), u"ZSPD_TWR|atc|4294967.295|"_qs);
+        const QString longest(32, u'W');
+        add("no callsign", station("", 118000, 118000), QString());
+        add("the longest callsign", station(longest.toLatin1(), 118000, 118000), longest + u"|atc|118.000|"_qs);
+        add("a longer one", station(longest.toLatin1() + 'W', 118000, 118000), QString());
+        add("a callsign of a megabyte", station(QByteArray(1 << 20, 'W'), 118000, 118000), QString());
+        const auto named = [&](const char *name, const QString &realName, const QString &shown) {
+            tarvo::model::Controller told = station("A", 118000, 118000);
+            told.realName = realName;
+            add(name, told, u"A|atc|118.000|"_qs + shown);
+        };
+        named("name", u"Li Lei"_qs, u"Li Lei"_qs);
+        named("not told", u"Unknown"_qs, QString());
+        named("not told, blanks around it", u" Unknown "_qs, QString());
+        named("nearly the same", u"Unknown Soldier"_qs, u"Unknown Soldier"_qs);
+        named("several lines", u"Li\n\nLei "_qs, u"Li Lei"_qs);
+        named("a name of a megabyte", QString(1 << 20, u'W'), QString(64, u'W'));
     }
 
     void stations()
     {
-        QFETCH(quint32, frequency);
-        QFETCH(quint32, normalised);
-        QFETCH(QString, shown);
+        QFETCH(tarvo::model::Controller, told);
         MessagesFixture fixture;
-        fixture.model.setNearbyController(station("zspd_twr", frequency, normalised));
-        QVariantList rows;
-        if (!shown.isEmpty())
-            rows << QVariantMap{{QStringLiteral("callsign"), QStringLiteral("ZSPD_TWR")},
-                                {QStringLiteral("type"), QStringLiteral("atc")},
-                                {QStringLiteral("frequency"), shown},
-                                {QStringLiteral("name"), QString()}};
-        QCOMPARE(fixture.model.nearbyClients(), rows);
-    }
-
-    void stationsNames_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("usual") << QStringLiteral("Li Lei") << QStringLiteral("Li Lei");
-        QTest::newRow("not told") << QStringLiteral("Unknown") << QString();
-        QTest::newRow("not told, blanks around it") << QStringLiteral(" Unknown ") << QString();
-        QTest::newRow("nearly the same") << QStringLiteral("Unknown Soldier") << QStringLiteral("Unknown Soldier");
-        QTest::newRow("several lines") << QStringLiteral("Li\n\nLei ") << QStringLiteral("Li Lei");
-        QTest::newRow("a megabyte") << QString(1 << 20, u'W') << QString(64, u'W');
-    }
-
-    void stationsNames()
-    {
-        QFETCH(QString, name);
-        MessagesFixture fixture;
-        tarvo::model::Controller tower = station("ZSPD_TWR", 118000, 118000);
-        tower.realName = name;
-        fixture.model.setNearbyController(tower);
-        QCOMPARE(fixture.model.nearbyClients().size(), 1);
-        QTEST(MessagesFixture::field(fixture.model.nearbyClients().first(), "name"), "shown");
-    }
-
-    void whatIsNoCallsignIsNotListed()
-    {
-        MessagesFixture fixture;
-        fixture.model.setNearbyController(station("", 118000, 118000));
-        fixture.model.setNearbyController(station(QByteArray(1 << 20, 'W').constData(), 118000, 118000));
-        QCOMPARE(fixture.model.nearbyClients(), QVariantList());
-        fixture.model.setNearbyController(station(QByteArray(32, 'W').constData(), 118000, 118000));
-        QCOMPARE(fixture.model.nearbyClients().size(), 1);
+        fixture.model.setNearbyController(told);
+        QStringList shown;
+        const QVariantList rows = fixture.model.nearbyClients();
+        for (const QVariant &row : rows)
+            shown << field(row, "callsign") + u'|' + field(row, "type") + u'|' + field(row, "frequency") + u'|' +
+                         field(row, "name");
+        QTEST(shown.join(u'\n'), "shown");
     }
 
     void stationsComeMoveAndGo()
@@ -404,27 +381,27 @@ private slots:
         fixture.told();
         model.setNearbyController(station("B_TWR", 118000, 118000));
         model.setNearbyController(station("A_TWR", 119000, 119000));
-        QCOMPARE(fixture.told(), QStringLiteral("nearby nearby"));
-        QCOMPARE(MessagesFixture::column(model.nearbyClients(), "callsign"), QStringLiteral("A_TWR B_TWR"));
+        QCOMPARE(fixture.told(), u"nearby nearby"_qs);
+        QCOMPARE(column(model.nearbyClients(), "callsign"), u"A_TWR B_TWR"_qs);
         tarvo::model::Controller moved = station("B_TWR", 118000, 118000);
         moved.latitude = 31;
         model.setNearbyController(moved); // shows the same
         QCOMPARE(fixture.told(), QString());
         model.setNearbyController(station("B_TWR", 118500, 118500));
-        QCOMPARE(fixture.told(), QStringLiteral("nearby"));
-        QCOMPARE(MessagesFixture::column(model.nearbyClients(), "frequency"), QStringLiteral("119.000 118.500"));
+        QCOMPARE(fixture.told(), u"nearby"_qs);
+        QCOMPARE(column(model.nearbyClients(), "frequency"), u"119.000 118.500"_qs);
         model.setNearbyController(station("B_TWR", 199998, 199998));
-        QCOMPARE(MessagesFixture::column(model.nearbyClients(), "callsign"), QStringLiteral("A_TWR"));
+        QCOMPARE(column(model.nearbyClients(), "callsign"), u"A_TWR"_qs);
         fixture.told();
-        model.removeNearbyController(QStringLiteral("B_TWR"));
+        model.removeNearbyController(u"B_TWR"_qs);
         QCOMPARE(fixture.told(), QString());
-        model.removeNearbyController(QStringLiteral("a_twr"));
-        QCOMPARE(fixture.told(), QStringLiteral("nearby"));
+        model.removeNearbyController(u"a_twr"_qs);
+        QCOMPARE(fixture.told(), u"nearby"_qs);
         model.clearNearby();
         QCOMPARE(fixture.told(), QString());
         model.setNearbyController(station("B_TWR", 118000, 118000));
         model.clearNearby();
-        QCOMPARE(fixture.told(), QStringLiteral("nearby nearby"));
+        QCOMPARE(fixture.told(), u"nearby nearby"_qs);
         QCOMPARE(model.nearbyClients(), QVariantList());
     }
 
@@ -432,14 +409,14 @@ private slots:
     {
         MessagesFixture fixture;
         for (int i = 0; i < tarvo::ui::StationList::maximumStations + 10; ++i)
-            fixture.model.setNearbyController(station(QByteArray::number(i).constData(), 118000, 118000));
+            fixture.model.setNearbyController(station(QByteArray::number(i), 118000, 118000));
         QCOMPARE(fixture.model.nearbyClients().size(), tarvo::ui::StationList::maximumStations);
         fixture.model.setNearbyController(station("0", 119000, 119000)); // one that is listed still changes
-        QCOMPARE(MessagesFixture::field(fixture.model.nearbyClients().first(), "frequency"), QStringLiteral("119.000"));
+        QCOMPARE(field(fixture.model.nearbyClients().first(), "frequency"), u"119.000"_qs);
     }
 
 private:
-    static tarvo::model::Controller station(const char *callsign, quint32 frequency, quint32 normalised)
+    static tarvo::model::Controller station(const QByteArray &callsign, quint32 frequency, quint32 normalised)
     {
         tarvo::model::Controller controller;
         controller.callsign = QString::fromLatin1(callsign);
