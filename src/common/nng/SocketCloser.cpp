@@ -75,10 +75,17 @@ public:
             return nullptr;
         }
         closer->endSoon();
+        reap();
         const std::lock_guard lock(m_mutex);
-        m_closers.remove_if([](const std::shared_ptr<Worker> &one) { return one->isIdle(); });
         m_closers.push_back(closer);
         return closer;
+    }
+
+    /// Joins those that are done.
+    void reap()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_closers.remove_if([](const std::shared_ptr<Worker> &one) { return one->isIdle(); });
     }
 
     bool waitForAll(std::chrono::milliseconds longest)
@@ -101,7 +108,11 @@ private:
 struct ExitGuard
 {
     ExitGuard() = default;
-    ~ExitGuard() { closers.waitForAll(longestWaitAtExit); }
+    ~ExitGuard()
+    {
+        closers.waitForAll(longestWaitAtExit);
+        closers.reap();
+    }
     ExitGuard(const ExitGuard &) = delete;
     ExitGuard &operator=(const ExitGuard &) = delete;
 
