@@ -227,6 +227,13 @@ private slots:
         QVERIFY(!read<ProtocolError>(u"$ERSERVER:A:4:p:m"_qs).isFatal());
     }
 
+    void whatIsNoFiniteNumberIsWrittenAsZero()
+    {
+        for (const double value : {qQNaN(), qInf(), -qInf()})
+            QCOMPARE(fields::fixed(value, 2), u"0.00"_qs);
+        QCOMPARE(fields::fixed(-1.5, 1), u"-1.5"_qs);
+    }
+
     void enumerationsAreLookedUpAsText()
     {
         for (int value = -3; value < 300; ++value) {
@@ -239,7 +246,7 @@ private slots:
         }
         for (const QString &text : {QString(), u"01"_qs, u" 1"_qs, u"1 "_qs, u"+1"_qs, u"one"_qs})
             QCOMPARE(static_cast<int>(toNetworkRating(text)), 0);
-        QCOMPARE(toWire(NetworkRating::Suspended), u"-1"_qs);
+        QCOMPARE(toWire(static_cast<NetworkRating>(-1)), u"-1"_qs);
         QCOMPARE(toWire(ProtocolRevision::Token), u"100"_qs);
     }
 

@@ -4,12 +4,11 @@
 
 namespace tarvo::fsd::pdu {
 
-// Numbers of the protocol. The client hands them through; only those that it sends itself have a name here. On the wire
-// they are decimal text; reading compares text with the table, so that "01" is not 1 but unknown, 0.
+// Numbers of the protocol. The client hands them through; names have only 0, which stands for a text that isn't known,
+// and those that the client sends. On the wire they are decimal text without a leading zero or sign: "01" isn't known.
 
 enum class NetworkRating : qint8
 {
-    Suspended = -1,
     Unknown = 0,
     Observer = 1
 }; ///< -1, 0, 1 to 12

@@ -77,7 +77,7 @@ quint32 toFrequency(QStringView text)
 
 QString fixed(double value, int decimals)
 {
-    return QString::number(value, 'f', decimals);
+    return QString::number(std::isfinite(value) ? value : 0, 'f', decimals);
 }
 
 qint32 wrappingSum(qint32 a, qint32 b)

@@ -27,7 +27,7 @@ constexpr quint32 frequencyOffset = 100000;
 /// The frequency in kHz that a wire text stands for. One whose sum does not fit 32 bits is out of range, too.
 quint32 toFrequency(QStringView text);
 
-/// `value` with exactly `decimals` digits after the point.
+/// `value` with exactly `decimals` digits after the point. What is no number, or infinite, is 0, as for a reader.
 QString fixed(double value, int decimals);
 
 /// Sum and difference in 32 bits; what overflows falls off.
