@@ -7,7 +7,6 @@
 
 #include <QDebug>
 #include <QMetaEnum>
-#include <QPointer>
 #include <QTcpSocket>
 
 #include <optional>
@@ -20,7 +19,9 @@ namespace tarvo::fsd {
 
 namespace {
 
-constexpr qint64 readBufferSize = 1 << 20; ///< bytes; bounds what piles up while a nested event loop runs
+/// Bytes that a socket reads ahead, and characters of lines that may wait here. What comes beyond stays with the
+/// server.
+constexpr qint64 readBufferSize = 1 << 20;
 
 /// Bytes that may wait to be written. Far above what a live link ever holds back; without a bound a server that asks
 /// and never reads the answers could fill the memory.
@@ -103,8 +104,11 @@ private:
     FsdClient &m_client;
 };
 
-FsdClient::FsdClient(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
+FsdClient::FsdClient(QObject *parent, const common::Clock &clock)
+    : QObject(parent), m_clock(clock), m_socket(new QTcpSocket(this)), m_resolver(this)
 {
+    m_nextTurn.setSingleShot(true);
+    connect(&m_nextTurn, &QTimer::timeout, this, &FsdClient::handleLines);
     attach();
 }
 
@@ -125,10 +129,8 @@ void FsdClient::attach()
 
 bool FsdClient::connectToServer(const QString &host, quint16 port)
 {
-    m_resolver.abort();
-    const int attempt = ++m_attempt;
     const std::optional<QString> address = m_resolver.resolve(host);
-    if (!address || attempt != m_attempt)
+    if (!address)
         return false;
     if (address->isEmpty()) {
         emit raiseNetworkError(
@@ -138,20 +140,17 @@ bool FsdClient::connectToServer(const QString &host, quint16 port)
 
     // A fresh socket each time: this may run inside a signal of the old one, which would close a connection started on
     // itself when the signal returns.
-    abandonServerChange();
+    forgetConnection();
     retire(std::exchange(m_socket, new QTcpSocket(this)));
     attach();
-    m_connected = false;
     m_serverAddress = *address;
-    m_splitter.reset();
-    m_lines.clear();
+    m_serverPort = port;
     m_socket->connectToHost(m_serverAddress, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
     return true;
 }
 
 void FsdClient::disconnectFromServer()
 {
-    ++m_attempt;
     m_resolver.abort();
     dropConnection();
 }
@@ -168,8 +167,9 @@ void FsdClient::sendRaw(const QString &line)
         return;
     }
     const QByteArray bytes = line.toLatin1();
+    const int session = m_session;
     emit raiseRawDataSent(QString::fromUtf8(bytes)); // Latin-1 read as UTF-8: kept on purpose
-    if (!m_connected)
+    if (session != m_session)
         return;
     m_socket->write(bytes);
     m_socket->flush(); // a fast position leaves at once
@@ -182,9 +182,9 @@ void FsdClient::endUnreadConnection()
     m_socket->abort();    // closing would wait for the bytes to leave
     if (m_changingServer) // the end of the old server is silent
         return;
-    const QPointer<QTcpSocket> socket = m_socket;
+    const int session = m_session;
     emit raiseNetworkError(QStringLiteral("The server does not read what it is sent."));
-    if (m_connected && socket == m_socket) // not when a receiver has disconnected or connected anew
+    if (session == m_session) // not when a receiver has disconnected or connected anew
         dropConnection();
 }
 
@@ -198,37 +198,74 @@ void FsdClient::onSocketConnected()
 
 void FsdClient::onSocketError(QAbstractSocket::SocketError error)
 {
-    if (m_changingServer)
+    m_socketError =
+        SocketError{describe(error, m_socket->errorString()), error == QAbstractSocket::RemoteHostClosedError};
+    if (!m_nextTurn.isActive())
+        raiseSocketError();
+}
+
+void FsdClient::raiseSocketError()
+{
+    const std::optional<SocketError> error = std::exchange(m_socketError, std::nullopt);
+    if (!error || m_changingServer)
         return;
     const StackGuard guard(*this);
-    const QTcpSocket *socket = m_socket;
-    emit raiseNetworkError(describe(error, m_socket->errorString()));
-    // A receiver may have connected anew; the guard keeps the old socket's address from being used again.
-    if (error == QAbstractSocket::RemoteHostClosedError && socket == m_socket)
+    const int session = m_session;
+    emit raiseNetworkError(error->text);
+    if (error->isClose && session == m_session)
         dropConnection();
 }
 
 void FsdClient::readSocket()
 {
-    const StackGuard guard(*this);
-    // Again after the lines are handled: a socket does not announce what came in under its own readyRead.
-    while (m_socket->bytesAvailable() > 0)
+    if (m_socket->bytesAvailable() > 0 && m_splitter.waiting() < readBufferSize)
         receive(m_socket->readAll());
+    else
+        handleLines();
 }
 
 void FsdClient::receive(const QByteArray &bytes)
 {
-    m_splitter.feed(QString::fromLatin1(bytes), m_lines);
-    // Lines that a nested event loop reads join the end of this queue. A disconnect empties it.
-    while (!m_lines.isEmpty())
-        dispatch(m_lines.takeFirst());
+    m_splitter.feed(QString::fromLatin1(bytes));
+    handleLines();
+}
+
+/// Looks into the socket once the lines are handled: it does not announce what came in under its own readyRead.
+std::optional<QString> FsdClient::nextLine()
+{
+    std::optional<QString> line = m_splitter.take();
+    while (!line && m_socket->bytesAvailable() > 0) {
+        m_splitter.feed(QString::fromLatin1(m_socket->readAll()));
+        line = m_splitter.take();
+    }
+    return line;
+}
+
+/// May be on the stack more than once, under a receiver's event loop. Each line is taken once, in order; a disconnect
+/// empties the queue.
+void FsdClient::handleLines()
+{
+    const StackGuard guard(*this);
+    const qint64 start = m_clock.steadyMs();
+    while (const std::optional<QString> line = nextLine()) {
+        dispatch(*line);
+        if (m_clock.steadyMs() - start >= longestTurnMs) {
+            m_nextTurn.start();
+            return;
+        }
+    }
+    m_nextTurn.stop();
+    raiseSocketError();
 }
 
 void FsdClient::dispatch(const QString &line)
 {
     if (line.isEmpty())
         return;
+    const int session = m_session;
     emit raiseRawDataReceived(line + QLatin1StringView("\r\n"));
+    if (session != m_session)
+        return;
 
     std::optional<AnyPdu> parsed;
     try {
@@ -255,8 +292,9 @@ void FsdClient::handle(const pdu::AuthChallenge &challenge)
 
 void FsdClient::handle(const pdu::ChangeServer &change)
 {
-    abandonServerChange();                     // a second change overtakes the first
-    const quint16 port = m_socket->peerPort(); // the old server may hang up during the look-up
+    if (m_resolver.isBusy()) // the pilot is about to leave this server for another
+        return;
+    abandonServerChange(); // a second change overtakes the first
     auto *socket = new QTcpSocket(this);
     m_newSocket = socket;
     m_changingServer = true;
@@ -264,32 +302,42 @@ void FsdClient::handle(const pdu::ChangeServer &change)
     // errors of the socket too.
     connect(socket, &QTcpSocket::connected, socket, [this, socket] { onNewServerConnected(socket); });
     connect(socket, &QTcpSocket::errorOccurred, socket, [this, socket] { onNewServerError(socket); });
+    // Lines go on being handled meanwhile; nothing waits.
+    m_resolver.lookUp(change.newServer, [this, socket, name = change.newServer](const QString &address) {
+        if (m_newSocket != socket) // overtaken or disconnected meanwhile
+            return;
+        if (address.isEmpty())
+            qWarning().noquote() << "Server change failed, no address found for" << name;
+        connectToNewServer(socket, address);
+    });
+}
 
-    const std::optional<QString> address = m_resolver.resolve(change.newServer);
-    if (m_newSocket != socket) // overtaken or disconnected meanwhile
-        return;
-    if (!address || address->isEmpty()) {
-        qWarning() << "Server change failed, no address found for" << change.newServer;
+void FsdClient::connectToNewServer(QTcpSocket *socket, const QString &address)
+{
+    if (address.isEmpty()) {
         onNewServerError(socket);
         return;
     }
-    socket->connectToHost(*address, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
-    m_splitter.reset();
+    socket->connectToHost(address, m_serverPort, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+    m_splitter.forgetPartial();
 }
 
-/// The session goes on, over the new socket.
+/// The session goes on, over the new socket. Lines of the old server that still wait are handled before those of the
+/// new one.
 void FsdClient::onNewServerConnected(QTcpSocket *socket)
 {
     const StackGuard guard(*this);
     readSocket(); // what is left on the old socket
     if (m_newSocket != socket)
         return;
-    m_splitter.reset();       // a half line of the old server must not lead the new one's first
-    socket->disconnect(this); // leaves the two closures
+    m_splitter.feed(QString::fromLatin1(m_socket->readAll()));
+    m_splitter.forgetPartial(); // a half line of the old server must not lead the new one's first
+    socket->disconnect(this);   // leaves the two closures
     sendAtOnce(*socket);
     m_newSocket = nullptr;
     retire(std::exchange(m_socket, socket));
     m_changingServer = false;
+    m_socketError.reset();                // the old socket's
     m_serverAddress = socket->peerName(); // the address it was told
     attach();
     readSocket();
@@ -313,15 +361,23 @@ void FsdClient::abandonServerChange()
         retire(socket);
 }
 
-void FsdClient::dropConnection()
+/// Nothing of the connection is handled any more, not what has been read of it either.
+void FsdClient::forgetConnection()
 {
+    ++m_session;
     abandonServerChange();
     m_connected = false;
-    m_lines.clear(); // what came behind the reason is not handled any more
     m_splitter.reset();
-    const QPointer<QTcpSocket> socket = m_socket;
+    m_nextTurn.stop();
+    m_socketError.reset();
+}
+
+void FsdClient::dropConnection()
+{
+    forgetConnection();
+    const int session = m_session;
     emit raiseNetworkDisconnected();
-    if (socket == m_socket) // not when a receiver has connected anew
+    if (session == m_session) // not when a receiver has connected anew
         finish(m_socket);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Clock.h"
 #include "fsd/LineSplitter.h"
 #include "fsd/NameResolver.h"
 
@@ -8,7 +9,9 @@
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <QStringList>
+#include <QTimer>
+
+#include <optional>
 
 class QTcpSocket;
 
@@ -53,7 +56,11 @@ class FsdClient : public QObject
     Q_OBJECT
 
 public:
-    explicit FsdClient(QObject *parent = nullptr);
+    /// How long lines are handled before the event loop turns, in ms. A flood must not hold the window.
+    static constexpr qint64 longestTurnMs = 8;
+
+    /// `clock` must outlive it.
+    explicit FsdClient(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
     ~FsdClient() override;
 
     /// Starts a connection; true when the socket was started. `host` is a name or an IPv4 address. A name is looked up
@@ -67,10 +74,11 @@ public:
     void sendRaw(const QString &line);
     /// True between the socket's connect and any disconnect.
     bool isConnected() const { return m_connected; }
-    /// True while a name is looked up, for a connection or for a server change: a call of this client is then on the
-    /// stack under a nested event loop, and the client must not be destroyed.
+    /// True while a name is looked up for a connection: a call of this client is then on the stack under a nested event
+    /// loop, and the client must not be destroyed.
     bool isResolving() const { return m_resolver.isBusy(); }
-    /// Handles bytes that came from the server, as one read.
+    /// Takes bytes that came from the server, as one read, and handles lines for at most longestTurnMs. The event loop
+    /// goes on with what is left, in order.
     void receive(const QByteArray &bytes);
     /// The resolved address of the current server; empty before the first connection.
     const QString &serverAddress() const { return m_serverAddress; }
@@ -111,31 +119,45 @@ signals:
 
 private:
     class StackGuard;
+    /// An error of the socket, which waits for its turn behind the lines that came before.
+    struct SocketError
+    {
+        QString text;
+        bool isClose = false; ///< by the server
+    };
 
     void attach();
     void endUnreadConnection();
     void onSocketConnected();
     void onSocketError(QAbstractSocket::SocketError error);
+    void raiseSocketError();
     void readSocket();
+    std::optional<QString> nextLine();
+    void handleLines();
     void dispatch(const QString &line);
     void handle(const pdu::AuthChallenge &challenge);
     void handle(const pdu::ChangeServer &change);
+    void connectToNewServer(QTcpSocket *socket, const QString &address);
     void onNewServerConnected(QTcpSocket *socket);
     void onNewServerError(QTcpSocket *socket);
     void abandonServerChange();
+    void forgetConnection();
     void dropConnection();
     void retire(QTcpSocket *socket);
 
+    const common::Clock &m_clock;
     QTcpSocket *m_socket = nullptr; ///< child; a fresh one for each connection, and on a server change
     bool m_connected = false;
-    LineSplitter m_splitter;           ///< holds the text after the last complete line
-    QStringList m_lines;               ///< complete lines that wait for their turn
-    QString m_serverAddress;           ///< resolved
+    LineSplitter m_splitter;                  ///< lines that wait for their turn, and the text after the last
+    QTimer m_nextTurn{this};                  ///< runs out at once; a timer, which lets sockets and windows have theirs
+    std::optional<SocketError> m_socketError; ///< behind the lines that wait
+    QString m_serverAddress;                  ///< resolved
+    quint16 m_serverPort = 0;
     bool m_changingServer = false;     ///< socket errors are silent meanwhile
     QTcpSocket *m_newSocket = nullptr; ///< child; connecting to the next server
     NameResolver m_resolver;
-    int m_attempt = 0;             ///< counts connects and disconnects, so that a look-up knows when it was overtaken
-    int m_reactions = 0;           ///< socket reactions on the stack
+    int m_session = 0;   ///< counts starts and ends of connections, so that a caller of a signal knows of a new one
+    int m_reactions = 0; ///< socket reactions on the stack
     QList<QTcpSocket *> m_retired; ///< to be deleted once no socket's own call can be on the stack
 };
 

@@ -2,40 +2,80 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <utility>
 
 namespace tarvo::fsd {
 
 namespace {
+
 constexpr QLatin1StringView lineEnd{"\r\n"};
+
+void warnOfDropped(qsizetype size)
+{
+    qWarning() << "FSD line dropped, too long:" << size << "characters or more";
+}
+
 } // namespace
 
-void LineSplitter::feed(QString chunk, QStringList &lines)
+void LineSplitter::feed(const QString &chunk)
 {
     // A single character that arrives by itself is lost: kept on purpose.
     if (chunk.size() < 2)
         return;
+    m_text.remove(0, m_start);
+    m_searchFrom -= m_start;
+    m_start = 0;
+    m_text += chunk;
+}
 
-    // The partial line holds no line end; one may straddle its last character and the chunk's first.
-    qsizetype searchFrom = 0;
-    if (m_partial.isEmpty()) {
-        m_partial = std::move(chunk);
-    } else {
-        searchFrom = m_partial.size() - 1;
-        m_partial += chunk;
+std::optional<QString> LineSplitter::take()
+{
+    for (qsizetype end; (end = m_text.indexOf(lineEnd, m_searchFrom)) >= 0;) {
+        const qsizetype start = std::exchange(m_start, end + lineEnd.size());
+        m_searchFrom = m_start;
+        const qsizetype size = end - start;
+        if (std::exchange(m_skipping, false))
+            continue;
+        if (size <= longestLine)
+            return m_text.sliced(start, size);
+        warnOfDropped(size);
     }
+    // One may straddle the last character and the next chunk's first.
+    m_searchFrom = std::max(m_start, m_text.size() - 1);
+    dropPartialIfTooLong();
+    return std::nullopt;
+}
 
-    qsizetype start = 0;
-    for (qsizetype end = m_partial.indexOf(lineEnd, searchFrom); end >= 0; end = m_partial.indexOf(lineEnd, start)) {
-        lines.append(m_partial.sliced(start, end - start));
-        start = end + lineEnd.size();
-    }
-    m_partial.remove(0, start);
+void LineSplitter::dropPartialIfTooLong()
+{
+    const bool endsInReturn = m_text.endsWith(lineEnd.front());
+    const qsizetype size = waiting() - (endsInReturn ? 1 : 0);
+    if (!m_skipping && size <= longestLine)
+        return;
+    if (!std::exchange(m_skipping, true))
+        warnOfDropped(size);
+    reset();
+    m_skipping = true;
+    if (endsInReturn)
+        m_text = lineEnd.first(1);
+}
 
-    if (m_partial.size() > maximumPartial) {
-        qWarning() << "FSD line without an end dropped after" << m_partial.size() << "characters";
-        m_partial.clear();
-    }
+void LineSplitter::forgetPartial()
+{
+    const qsizetype end = m_text.lastIndexOf(lineEnd);
+    if (end < m_searchFrom)
+        reset();
+    else
+        m_text.truncate(end + lineEnd.size());
+}
+
+void LineSplitter::reset()
+{
+    m_text.clear();
+    m_start = 0;
+    m_searchFrom = 0;
+    m_skipping = false;
 }
 
 } // namespace tarvo::fsd

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
+
+#include <optional>
 
 namespace tarvo::fsd {
 
@@ -9,20 +10,28 @@ namespace tarvo::fsd {
 class LineSplitter
 {
 public:
-    /// Characters that may wait for their line end. The protocol sets no limit; without one a server that never ends
-    /// its line could fill the memory.
-    static constexpr qsizetype maximumPartial = 1 << 20;
+    /// Characters of a line, its end not counted. The protocol sets no limit; a longer line is dropped, with a line in
+    /// the log, so that neither it nor what it holds can keep the program busy.
+    static constexpr qsizetype longestLine = 16 * 1024;
 
-    /// Appends the lines that `chunk` completes to `lines`, without their line ends; empty ones too. A chunk of exactly
-    /// one character loses it. A partial line above the limit is dropped with a line in the log.
-    void feed(QString chunk, QStringList &lines);
-    /// Forgets the partial line.
-    void reset() { m_partial.clear(); }
-    /// Text after the last line end.
-    const QString &partial() const { return m_partial; }
+    /// Adds a chunk to what waits. A chunk of exactly one character loses it.
+    void feed(const QString &chunk);
+    /// The next complete line without its end, which may be empty; no value when there is none.
+    std::optional<QString> take();
+    /// Characters that wait, complete lines and the partial one.
+    qsizetype waiting() const { return m_text.size() - m_start; }
+    /// Forgets what follows the last line end. Complete lines stay.
+    void forgetPartial();
+    /// Forgets all that waits.
+    void reset();
 
 private:
-    QString m_partial;
+    void dropPartialIfTooLong();
+
+    QString m_text;
+    qsizetype m_start = 0;      ///< of the next line in the text
+    qsizetype m_searchFrom = 0; ///< no line end begins between the start and this
+    bool m_skipping = false;    ///< the next line end is that of a line that was dropped
 };
 
 } // namespace tarvo::fsd

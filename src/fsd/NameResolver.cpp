@@ -1,8 +1,15 @@
 #include "fsd/NameResolver.h"
 
-#include <QDnsLookup>
+#include "fsd/AddressLookup.h"
+
+#include <QByteArray>
 #include <QEventLoop>
 #include <QHostAddress>
+#include <QUrl>
+
+#include <chrono>
+#include <mutex>
+#include <utility>
 
 namespace tarvo::fsd {
 
@@ -14,44 +21,96 @@ bool isIPv4Literal(const QString &host)
     return address.setAddress(host) && address.protocol() == QAbstractSocket::IPv4Protocol;
 }
 
-QString firstAddress(const QDnsLookup &lookup)
+} // namespace
+
+/// What the resolver shares with its worker, which may outlive it: a look-up can't be called off.
+struct NameResolver::Desk
 {
-    const QList<QDnsHostAddressRecord> records = lookup.hostAddressRecords();
-    if (lookup.error() != QDnsLookup::NoError || records.isEmpty())
-        return {};
-    return records.constFirst().value().toString();
+    std::mutex mutex;
+    NameResolver *owner = nullptr; ///< null once it has gone
+
+    /// On the worker's thread.
+    void report(int request, const QString &address)
+    {
+        const std::lock_guard lock(mutex);
+        if (!owner)
+            return;
+        QMetaObject::invokeMethod(
+            owner, [to = owner, request, address] { to->onAnswer(request, address); }, Qt::QueuedConnection);
+    }
+};
+
+NameResolver::NameResolver(QObject *parent)
+    : QObject(parent), m_desk(std::make_shared<Desk>()), m_worker("name look-up", 1)
+{
+    m_desk->owner = this;
 }
 
-} // namespace
+NameResolver::~NameResolver()
+{
+    {
+        const std::lock_guard lock(m_desk->mutex);
+        m_desk->owner = nullptr;
+    }
+    m_worker.clear();
+    if (!m_worker.isIdle())
+        m_worker.finish(std::chrono::milliseconds(0)); // waits for nobody
+}
+
+void NameResolver::lookUp(const QString &host, Answer answer)
+{
+    abort();
+    const QString name = host.trimmed();
+    if (isIPv4Literal(name)) {
+        answer(name);
+        return;
+    }
+    m_answer = std::move(answer);
+    ask(QUrl::toAce(name));
+}
 
 std::optional<QString> NameResolver::resolve(const QString &host)
 {
-    if (isIPv4Literal(host))
-        return host;
-
-    const QPointer<QDnsLookup> lookup = new QDnsLookup(QDnsLookup::A, host, this);
+    std::optional<QString> address;
+    lookUp(host, [&address](const QString &found) { address = found; });
+    if (address)
+        return address;
+    const int request = m_request;
     QEventLoop loop;
-    connect(lookup, &QDnsLookup::finished, &loop, &QEventLoop::quit);
-    m_lookups.append(lookup);
-    lookup->lookup();
+    connect(this, &NameResolver::requestEnded, &loop, &QEventLoop::quit);
+    ++m_waiting;
     loop.exec();
-
-    if (!lookup)
+    --m_waiting;
+    if (request != m_request) // the answer may have come, and then the abort in the same turn
         return std::nullopt;
-    m_lookups.removeAll(lookup);
-    lookup->deleteLater();
-    if (!lookup->isFinished() || lookup->error() == QDnsLookup::OperationCancelledError)
-        return std::nullopt;
-    return firstAddress(*lookup);
+    m_answer = {}; // the end of the program ends the loop, too
+    return address;
 }
 
 void NameResolver::abort()
 {
-    const auto lookups = m_lookups; // finishing one changes the list
-    for (const QPointer<QDnsLookup> &lookup : lookups) {
-        if (lookup)
-            lookup->abort();
-    }
+    ++m_request;
+    m_answer = {};
+    m_worker.clear();
+    emit requestEnded();
+}
+
+void NameResolver::ask(const QByteArray &name)
+{
+    const bool isAsked = m_worker.post([desk = m_desk, request = m_request, name] {
+        const std::optional<quint32> found = name.isEmpty() ? std::nullopt : lookUpAddress(name);
+        desk->report(request, found ? QHostAddress(*found).toString() : QString());
+    });
+    if (!isAsked) // no thread is to be had
+        m_desk->report(m_request, {});
+}
+
+void NameResolver::onAnswer(int request, const QString &address)
+{
+    if (request != m_request || !m_answer)
+        return;
+    std::exchange(m_answer, {})(address);
+    emit requestEnded();
 }
 
 } // namespace tarvo::fsd

@@ -1,35 +1,55 @@
 #pragma once
 
-#include <QList>
+#include "common/Worker.h"
+
 #include <QObject>
-#include <QPointer>
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <optional>
-
-class QDnsLookup;
 
 namespace tarvo::fsd {
 
-/// Turns a server name into an IPv4 address.
+/// Turns a server name into an IPv4 address. One look-up at a time, on a thread that nobody waits for: neither its
+/// owner's end nor the program's. The newest wins.
 class NameResolver : public QObject
 {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    using Answer = std::function<void(const QString &address)>;
 
-    /// The address as text; empty when there is none; no value when the look-up was aborted, or cut short by the end of
-    /// the program. An IPv4 literal is its own answer. Anything else, "localhost" and IPv6 literals too, is looked up
-    /// in a nested event loop: events go on being handled during the call.
+    explicit NameResolver(QObject *parent = nullptr);
+    ~NameResolver() override;
+
+    /// Calls `answer` with the address as text, empty when there is none. An IPv4 literal is its own answer, given
+    /// inside the call; anything else, "localhost" and IPv6 literals too, is looked up. Never calls it when a newer
+    /// look-up or abort() comes before.
+    void lookUp(const QString &host, Answer answer);
+    /// The address as text; empty when there is none; no value when a newer look-up or abort() came before, or the end
+    /// of the program. Waits in a nested event loop: events go on being handled during the call.
     std::optional<QString> resolve(const QString &host);
     /// True while resolve() is on the stack.
-    bool isBusy() const { return !m_lookups.isEmpty(); }
-    /// Ends every look-up that is under way.
+    bool isBusy() const { return m_waiting > 0; }
+    /// Ends the look-up that is under way.
     void abort();
 
 private:
-    QList<QPointer<QDnsLookup>> m_lookups; ///< under way; more than one when look-ups are nested
+    struct Desk;
+
+    void ask(const QByteArray &name);
+    void onAnswer(int request, const QString &address);
+
+    std::shared_ptr<Desk> m_desk;
+    common::Worker m_worker;
+    Answer m_answer; ///< whom the request that is under way is for
+    int m_request = 0;
+    int m_waiting = 0; ///< resolve() calls on the stack
+
+signals:
+    /// Whoever waits for a request has no longer to.
+    void requestEnded();
 };
 
 } // namespace tarvo::fsd

@@ -1,9 +1,35 @@
 #include "fsd/LineSplitter.h"
 #include "support/TestRegistry.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 using tarvo::fsd::LineSplitter;
+
+namespace {
+
+constexpr qsizetype longest = LineSplitter::longestLine;
+
+QStringList takeAll(LineSplitter &splitter)
+{
+    QStringList lines;
+    while (const std::optional<QString> line = splitter.take())
+        lines << *line;
+    return lines;
+}
+
+QStringList linesOf(const QStringList &chunks)
+{
+    LineSplitter splitter;
+    QStringList lines;
+    for (const QString &chunk : chunks) {
+        splitter.feed(chunk);
+        lines << takeAll(splitter);
+    }
+    return lines;
+}
+
+} // namespace
 
 class LineSplitterTest : public QObject
 {
@@ -51,57 +77,106 @@ private slots:
         QFETCH(QStringList, chunks);
         QFETCH(QStringList, lines);
         QFETCH(QString, partial);
-        LineSplitter splitter;
-        QStringList got;
+        QCOMPARE(linesOf(chunks), lines);
+        LineSplitter lazy; // takes when all has come
         for (const QString &chunk : chunks)
-            splitter.feed(chunk, got);
-        QCOMPARE(got, lines);
-        QCOMPARE(splitter.partial(), partial);
+            lazy.feed(chunk);
+        QCOMPARE(takeAll(lazy), lines);
+        QCOMPARE(lazy.waiting(), partial.size());
+        lazy.feed(u"!\r\n"_qs);
+        QCOMPARE(takeAll(lazy), QStringList{partial + u'!'});
     }
 
     void everyCutOfALineGivesTheSame()
     {
         const QString text = QStringLiteral("$PISERVER:CES1:1\r\n#TMA:B:hi\r\n");
         for (qsizetype cut = 2; cut <= text.size() - 2; ++cut) { // shorter pieces lose their character
-            LineSplitter splitter;
-            QStringList lines;
-            splitter.feed(text.first(cut), lines);
-            splitter.feed(text.sliced(cut), lines);
-            QCOMPARE(lines, (QStringList{u"$PISERVER:CES1:1"_qs, u"#TMA:B:hi"_qs}));
-            QVERIFY(splitter.partial().isEmpty());
+            QCOMPARE(linesOf({text.first(cut), text.sliced(cut)}),
+                     (QStringList{u"$PISERVER:CES1:1"_qs, u"#TMA:B:hi"_qs}));
         }
     }
 
-    void resetForgetsThePartialLine()
+    void forgetting_data()
     {
-        LineSplitter splitter;
-        QStringList lines;
-        splitter.feed(u"ab"_qs, lines);
-        splitter.reset();
-        splitter.feed(u"cd\r\n"_qs, lines);
-        QCOMPARE(lines, QStringList{u"cd"_qs});
+        QTest::addColumn<QString>("chunk");
+        QTest::addColumn<int>("taken"); // lines, before
+        QTest::addColumn<QStringList>("left");
+        const QString lines = u"ab\r\ncd\r\n"_qs;
+        QTest::newRow("a partial line") << u"xy"_qs << 0 << QStringList();
+        QTest::newRow("lines stay") << lines << 0 << QStringList{u"ab"_qs, u"cd"_qs};
+        QTest::newRow("lines before a partial one stay") << lines + u"xy"_qs << 0 << QStringList{u"ab"_qs, u"cd"_qs};
+        QTest::newRow("one is taken") << lines + u"xy"_qs << 1 << QStringList{u"cd"_qs};
+        QTest::newRow("all are taken") << lines + u"xy"_qs << 2 << QStringList();
+        QTest::newRow("all are taken and the end is seen") << lines + u"xy"_qs << 3 << QStringList();
+    }
+    void forgetting()
+    {
+        QFETCH(QString, chunk);
+        QFETCH(int, taken);
+        QFETCH(QStringList, left);
+        for (const bool partialOnly : {true, false}) {
+            LineSplitter splitter;
+            splitter.feed(chunk);
+            for (int i = 0; i < taken; ++i)
+                splitter.take();
+            if (partialOnly)
+                splitter.forgetPartial();
+            else
+                splitter.reset();
+            splitter.feed(u"ef\r\n"_qs);
+            QCOMPARE(takeAll(splitter), (partialOnly ? left : QStringList()) + QStringList{u"ef"_qs});
+        }
     }
 
-    void aLineThatNeverEndsIsDropped()
+    void aLineThatIsTooLongIsDropped_data()
     {
-        LineSplitter splitter;
-        QStringList lines;
-        splitter.feed(QString(LineSplitter::maximumPartial, u'x'), lines);
-        QCOMPARE(splitter.partial().size(), LineSplitter::maximumPartial);
-        QTest::ignoreMessage(QtWarningMsg, "FSD line without an end dropped after 1048578 characters");
-        splitter.feed(u"yy"_qs, lines);
-        QVERIFY(splitter.partial().isEmpty());
-        splitter.feed(u"ab\r\n"_qs, lines);
-        QCOMPARE(lines, QStringList{u"ab"_qs});
+        QTest::addColumn<QStringList>("chunks");
+        QTest::addColumn<QList<qsizetype>>("sizes"); // of the lines
+        QTest::addColumn<int>("warnings");
+        const QString x(longest, u'x');
+        const QString end = u"\r\n"_qs;
+        const QString ab = u"ab\r\n"_qs;
+        QTest::newRow("the longest") << QStringList{x + end + ab} << QList<qsizetype>{longest, 2} << 0;
+        QTest::newRow("the longest, cut in its end")
+            << QStringList{x + u'\r', u"\nab\r\n"_qs} << QList<qsizetype>{longest, 2} << 0;
+        QTest::newRow("the longest, its end comes late")
+            << QStringList{x, end + ab} << QList<qsizetype>{longest, 2} << 0;
+        QTest::newRow("one more") << QStringList{x + u'y' + end + ab} << QList<qsizetype>{2} << 1;
+        QTest::newRow("one more, its end comes late") << QStringList{x + u'y', end + ab} << QList<qsizetype>{2} << 1;
+        QTest::newRow("one more, cut in its end")
+            << QStringList{x + u"y\r"_qs, u"\nab\r\n"_qs} << QList<qsizetype>{2} << 1;
+        QTest::newRow("goes on and on") << QStringList{x + x, x, u"yy"_qs, x + end + ab} << QList<qsizetype>{2} << 1;
+        QTest::newRow("a lone return in it")
+            << QStringList{x + u"y\r"_qs, u"zz"_qs, end + ab} << QList<qsizetype>{2} << 1;
+        QTest::newRow("two in a row") << QStringList{x + x + end + x + x, end + ab} << QList<qsizetype>{2} << 2;
+    }
+    void aLineThatIsTooLongIsDropped()
+    {
+        QFETCH(QStringList, chunks);
+        QFETCH(QList<qsizetype>, sizes);
+        QFETCH(int, warnings);
+        for (int i = 0; i < warnings; ++i)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^FSD line dropped, too long"_qs));
+        QTest::failOnWarning(QRegularExpression(u"."_qs));
+        QList<qsizetype> got;
+        for (const QString &line : linesOf(chunks))
+            got << line.size();
+        QCOMPARE(got, sizes);
     }
 
-    void aLongLineWithAnEndIsNoPartialLine()
+    /// What was dropped doesn't wait in memory.
+    void aLineThatNeverEndsTakesNoRoom()
     {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^FSD line dropped"_qs));
         LineSplitter splitter;
-        QStringList lines;
-        splitter.feed(QString(LineSplitter::maximumPartial + 1, u'x') + u"\r\n"_qs, lines);
-        QCOMPARE(lines.size(), 1);
-        QVERIFY(splitter.partial().isEmpty());
+        for (int i = 0; i < 10; ++i) {
+            splitter.feed(QString(longest, u'x'));
+            QVERIFY(!splitter.take());
+            QVERIFY(splitter.waiting() <= longest);
+        }
+        splitter.reset(); // nor does it swallow the next connection's first line
+        splitter.feed(u"ab\r\n"_qs);
+        QCOMPARE(takeAll(splitter), QStringList{u"ab"_qs});
     }
 };
 

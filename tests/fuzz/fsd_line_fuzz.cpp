@@ -44,12 +44,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray bytes(reinterpret_cast<const char *>(data + 1), static_cast<qsizetype>(size - 1));
     const qsizetype step = data[0] > 0 ? data[0] : bytes.size();
     LineSplitter splitter;
-    QStringList lines;
     for (qsizetype at = 0; at < bytes.size(); at += step) {
-        splitter.feed(QString::fromLatin1(bytes.mid(at, step)), lines);
-        require(splitter.partial().indexOf(QLatin1StringView("\r\n")) < 0);
+        splitter.feed(QString::fromLatin1(bytes.mid(at, step)));
+        while (const std::optional<QString> line = splitter.take()) {
+            require(line->size() <= LineSplitter::longestLine && !line->contains(QLatin1StringView("\r\n")));
+            handleLine(*line);
+        }
+        require(splitter.waiting() <= LineSplitter::longestLine + 1);
     }
-    for (const QString &line : lines)
-        handleLine(line);
     return 0;
 }
