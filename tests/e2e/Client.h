@@ -70,6 +70,7 @@ struct Network
     }
 
     bool started = false;
+    QString fsdHost = QStringLiteral("127.0.0.1"); ///< what a client connects to: an address or a name
 };
 
 enum class Protocol
@@ -226,7 +227,7 @@ private:
     {
         ServiceEndpoints endpoints;
         endpoints.apiBaseUrl = network.practice.account().baseUrl();
-        endpoints.fsdHost = QStringLiteral("127.0.0.1");
+        endpoints.fsdHost = network.fsdHost;
         endpoints.fsdPort = network.practice.fsd().port();
         endpoints.localPluginUrl = network.practice.pluginUrl();
         return endpoints;
