@@ -186,7 +186,7 @@ private slots:
         peer.injectBytes(line.repeated(count));
         peer.closeConnection();
         MainThreadWatch watch;
-        const bool over = QTest::qWaitFor([&] { return disconnected.count() > 0; }, tarvo::test::patienceMs);
+        const bool over = QTest::qWaitFor([&] { return disconnected.count() > 0; }, 4 * tarvo::test::patienceMs);
         qInstallMessageHandler(told);
         QVERIFY(over);
         VERIFY_NO_STANDSTILL(watch);

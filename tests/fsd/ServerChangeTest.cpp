@@ -252,6 +252,7 @@ private slots:
         QVERIFY(net.open());
         net.change(QStringLiteral("not..a.name"));
         QVERIFY(net.first.expectNothing());
+        QTRY_COMPARE(net.client.findChildren<QTcpSocket *>().size(), 1); // the change has failed
         QVERIFY(net.client.isConnected());
         QCOMPARE(net.disconnected.count(), 0);
         QCOMPARE(net.errors.count(), 0);

@@ -147,7 +147,7 @@ private slots:
         TrafficSession s;
         QVERIFY(s.online && s.showAb2());
         const test::LogCapture capture;
-        s.peer.inject(line.arg(QString(100'000, u'X')));
+        s.peer.inject(line.arg(QString(10'000, u'X')));
         QTRY_COMPARE(capture.texts(QtInfoMsg).size(), 1);
         const QString logged = capture.texts(QtInfoMsg).constFirst();
         QVERIFY2(logged.size() < 700, qPrintable(logged));
