@@ -1,4 +1,5 @@
 import QtQuick
+import com.tarvonet.backend
 import "pages"
 
 /// The main window's content. The one place that names the context properties: pages get their view models handed
@@ -7,12 +8,12 @@ Rectangle {
     id: rootWindow
 
     // qmllint disable unqualified
-    readonly property var dashboard: typeof dashboardBackend === "undefined" ? null : dashboardBackend
-    readonly property var simulator: typeof simulatorBackend === "undefined" ? null : simulatorBackend
-    readonly property var server: typeof serverBackend === "undefined" ? null : serverBackend
-    readonly property var messages: typeof messagesBackend === "undefined" ? null : messagesBackend
+    readonly property DashboardBackend dashboard: typeof dashboardBackend === "undefined" ? null : dashboardBackend
+    readonly property SimulatorBackend simulator: typeof simulatorBackend === "undefined" ? null : simulatorBackend
+    readonly property ServerBackend server: typeof serverBackend === "undefined" ? null : serverBackend
+    readonly property MessagesBackend messages: typeof messagesBackend === "undefined" ? null : messagesBackend
     // qmllint enable unqualified
-    readonly property string mode: dashboard?.currentMode ?? "NONE"
+    readonly property string mode: dashboard ? dashboard.currentMode : "NONE"
 
     signal logoutRequested()
 

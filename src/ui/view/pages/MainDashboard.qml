@@ -1,14 +1,15 @@
 import QtQuick
+import com.tarvonet.backend
 import ".."
 
 /// Sidebar and one section at a time. A section is built anew at each switch and shows what the view models hold.
 Item {
     id: main
 
-    required property var dashboard
-    required property var simulator
-    required property var server
-    required property var messages
+    required property DashboardBackend dashboard
+    required property SimulatorBackend simulator
+    required property ServerBackend server
+    required property MessagesBackend messages
     property string currentSection: "dashboard"
 
     signal logoutRequested()
@@ -36,7 +37,7 @@ Item {
         height: parent.height
         dashboard: main.dashboard
         currentSection: main.currentSection
-        unreadCount: main.messages?.unreadCount ?? 0
+        unreadCount: main.messages ? main.messages.unreadCount : 0
         sections: [
             { key: "dashboard", title: qsTr("总览") },
             { key: "simulator", title: qsTr("模拟器") },

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import ".."
 
 /// The first page after the login: which simulator the pilot flies.
 Item {
     id: page
 
-    required property var dashboard
+    required property DashboardBackend dashboard
 
     signal logoutRequested()
 
@@ -74,7 +75,7 @@ Item {
             text: "X-Plane"
             description: qsTr("X-Plane 飞行模拟")
             versions: qsTr("支持 10 / 11 / 12")
-            onClicked: page.dashboard?.requestModeChange("XPLANE")
+            onClicked: if (page.dashboard) page.dashboard.requestModeChange("XPLANE")
         }
     }
 
@@ -125,7 +126,7 @@ Item {
 
         CidText {
             Layout.alignment: Qt.AlignHCenter
-            cid: page.dashboard?.cid ?? "--"
+            cid: page.dashboard ? page.dashboard.cid : "--"
             color: Style.onImageSoft
             font.pixelSize: 13
         }

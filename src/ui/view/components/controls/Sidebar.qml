@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// Brand, sections, and who is signed in.
 Rectangle {
     id: sidebar
 
-    required property var dashboard
+    required property DashboardBackend dashboard
     property string currentSection: "dashboard"
     /// Rows of { key, title }.
     property var sections: []
@@ -110,7 +111,7 @@ Rectangle {
                     id: userName
 
                     Layout.fillWidth: true
-                    text: sidebar.dashboard?.username || "--"
+                    text: sidebar.dashboard ? sidebar.dashboard.username || "--" : "--"
                     font.weight: Font.DemiBold
                     fontSizeMode: Text.HorizontalFit
                     minimumPixelSize: Style.fontSmall
@@ -119,7 +120,7 @@ Rectangle {
 
                 CidText {
                     Layout.fillWidth: true
-                    cid: sidebar.dashboard?.cid ?? "--"
+                    cid: sidebar.dashboard ? sidebar.dashboard.cid : "--"
                 }
             }
         }

@@ -1,15 +1,16 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// The aircraft type, with suggestions below while the pilot types: up and down choose, Enter takes, Escape closes.
 CustomTextField {
     id: field
 
-    required property var server
+    required property ServerBackend server
 
-    text: server?.typeCode ?? ""
+    text: server ? server.typeCode : ""
     font.capitalization: Font.AllUppercase
     inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
 
@@ -20,18 +21,20 @@ CustomTextField {
     }
     // What an input method is still composing counts as typed.
     onPreeditTextChanged: if (activeFocus) refresh()
-    onActiveFocusChanged: if (!activeFocus) server?.refreshTypeCodeSuggestions("")
+    onActiveFocusChanged: if (!activeFocus && server) server.refreshTypeCodeSuggestions("")
     Keys.onDownPressed: event => move(event, 1)
     Keys.onUpPressed: event => move(event, -1)
     Keys.onReturnPressed: event => take(event)
     Keys.onEnterPressed: event => take(event)
     Keys.onEscapePressed: event => {
         event.accepted = popup.visible
-        server?.refreshTypeCodeSuggestions("")
+        if (server)
+            server.refreshTypeCodeSuggestions("")
     }
 
     function refresh(): void {
-        server?.refreshTypeCodeSuggestions(text.slice(0, cursorPosition) + preeditText + text.slice(cursorPosition))
+        if (server)
+            server.refreshTypeCodeSuggestions(text.slice(0, cursorPosition) + preeditText + text.slice(cursorPosition))
     }
 
     function move(event: var, step: int): void {
@@ -49,7 +52,8 @@ CustomTextField {
 
     function apply(designator: string): void {
         Qt.inputMethod.commit() // qmllint disable type
-        server?.applyTypeCodeSuggestion(designator)
+        if (server)
+            server.applyTypeCodeSuggestion(designator)
     }
 
     Connections {
@@ -83,7 +87,7 @@ CustomTextField {
 
             anchors.fill: parent
             clip: true
-            model: field.server?.typeCodeSuggestionRows ?? null
+            model: field.server ? field.server.typeCodeSuggestionRows : null
             currentIndex: -1
             boundsBehavior: Flickable.StopAtBounds
             highlightMoveDuration: 0

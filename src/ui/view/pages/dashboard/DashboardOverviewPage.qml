@@ -1,14 +1,15 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// 总览: the flight now, the account, past flights, news and rankings.
 ColumnLayout {
     id: page
 
-    required property var dashboard
-    required property var server
+    required property DashboardBackend dashboard
+    required property ServerBackend server
 
     spacing: Style.spacingMedium
 
@@ -60,7 +61,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     title: qsTr("当前呼号")
-                    value: page.server?.callsign?.trim().toUpperCase() || "--"
+                    value: page.server ? page.server.callsign.trim().toUpperCase() || "--" : "--"
                     accentColor: Style.controlBorderActive
                 }
 
@@ -68,7 +69,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     title: qsTr("账户等级")
-                    value: page.dashboard?.rating || "--"
+                    value: page.dashboard ? page.dashboard.rating || "--" : "--"
                     accentColor: Style.statusPending
                 }
 
@@ -76,7 +77,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     title: qsTr("总飞行时长")
-                    value: page.dashboard?.pilotTime || "--"
+                    value: page.dashboard ? page.dashboard.pilotTime || "--" : "--"
                     accentColor: Style.statusSuccess
                 }
 
@@ -84,7 +85,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     title: qsTr("总管制时长")
-                    value: page.dashboard?.atcTime || "--"
+                    value: page.dashboard ? page.dashboard.atcTime || "--" : "--"
                     accentColor: Style.primary
                 }
             }
@@ -97,7 +98,7 @@ ColumnLayout {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 3
                     Layout.preferredHeight: 260
-                    flights: page.dashboard?.recentFlightRows ?? null
+                    flights: page.dashboard ? page.dashboard.recentFlightRows : null
                 }
 
                 Card {
@@ -148,7 +149,7 @@ ColumnLayout {
                     title: qsTr("飞行员排行榜")
                     note: qsTr("TOP 10")
                     timeTitle: qsTr("累计飞行")
-                    rows: page.dashboard?.pilotLeaderboardRows ?? null
+                    rows: page.dashboard ? page.dashboard.pilotLeaderboardRows : null
                 }
 
                 LeaderboardCard {
@@ -157,7 +158,7 @@ ColumnLayout {
                     Layout.preferredWidth: 1
                     title: qsTr("管制员排行榜")
                     timeTitle: qsTr("累计管制")
-                    rows: page.dashboard?.atcLeaderboardRows ?? null
+                    rows: page.dashboard ? page.dashboard.atcLeaderboardRows : null
                 }
             }
         }

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// The flight as it is now; "--" without a simulator.
 Card {
     id: strip
 
-    required property var dashboard
-    readonly property bool live: dashboard?.simulatorConnected ?? false
+    required property DashboardBackend dashboard
+    readonly property bool live: dashboard ? dashboard.simulatorConnected : false
 
     contentPadding: 20
 
@@ -17,7 +18,7 @@ Card {
 
         Reading {
             name: qsTr("航向")
-            value: strip.number(strip.dashboard?.heading, Format.course)
+            value: strip.number(strip.dashboard ? strip.dashboard.heading : NaN, Format.course)
             unit: "°"
         }
 
@@ -25,7 +26,7 @@ Card {
 
         Reading {
             name: qsTr("地速")
-            value: strip.number(strip.dashboard?.groundSpeed, v => Format.fixed(v, 0))
+            value: strip.number(strip.dashboard ? strip.dashboard.groundSpeed : NaN, v => Format.fixed(v, 0))
             unit: "kt"
         }
 
@@ -33,7 +34,7 @@ Card {
 
         Reading {
             name: qsTr("高度")
-            value: strip.number(strip.dashboard?.altitude, Format.grouped)
+            value: strip.number(strip.dashboard ? strip.dashboard.altitude : NaN, Format.grouped)
             unit: "ft"
         }
 
@@ -42,7 +43,7 @@ Card {
         Reading {
             Layout.preferredWidth: 220
             name: qsTr("位置")
-            value: strip.number(strip.dashboard?.latitude, latitude => strip.number(strip.dashboard?.longitude,
+            value: strip.number(strip.dashboard ? strip.dashboard.latitude : NaN, latitude => strip.number(strip.dashboard ? strip.dashboard.longitude : NaN,
                 longitude => Format.latitude(latitude) + "  " + Format.longitude(longitude)))
             valueSize: 18
         }

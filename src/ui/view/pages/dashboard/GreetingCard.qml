@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// Who is signed in, and how both connections are.
 Card {
     id: card
 
-    required property var dashboard
+    required property DashboardBackend dashboard
 
     RowLayout {
         anchors.fill: parent
@@ -20,7 +21,7 @@ Card {
 
             AppText {
                 anchors.centerIn: parent
-                text: Array.from(card.dashboard?.username ?? "")[0]?.toUpperCase() ?? "T"
+                text: Array.from(card.dashboard ? card.dashboard.username : "")[0]?.toUpperCase() ?? "T"
                 color: Style.buttonText
                 font.pixelSize: Style.fontHeading
                 font.weight: Font.DemiBold
@@ -33,7 +34,7 @@ Card {
 
             AppText {
                 Layout.fillWidth: true
-                text: qsTr("你好，%1").arg(card.dashboard?.username || "--")
+                text: qsTr("你好，%1").arg(card.dashboard ? card.dashboard.username || "--" : "--")
                 color: Style.textActive
                 font.pixelSize: Style.fontValue
                 font.weight: Font.DemiBold
@@ -44,21 +45,21 @@ Card {
 
             CidText {
                 Layout.fillWidth: true
-                cid: card.dashboard?.cid ?? "--"
+                cid: card.dashboard ? card.dashboard.cid : "--"
                 font.pixelSize: 13
             }
         }
 
         StatusChip {
             label: qsTr("模拟器")
-            status: card.dashboard?.simulatorStatusText ?? "--"
-            good: card.dashboard?.simulatorConnected ?? false
+            status: card.dashboard ? card.dashboard.simulatorStatusText : "--"
+            good: card.dashboard ? card.dashboard.simulatorConnected : false
         }
 
         StatusChip {
             label: qsTr("网络")
-            status: card.dashboard?.serverStatusText ?? "--"
-            good: card.dashboard?.serverConnected ?? false
+            status: card.dashboard ? card.dashboard.serverStatusText : "--"
+            good: card.dashboard ? card.dashboard.serverConnected : false
         }
     }
 }

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// 连接参数: callsign, type, SELCAL, and the one button that connects or disconnects.
 Card {
     id: form
 
-    required property var server
-    readonly property bool connected: server?.serverConnected ?? false
+    required property ServerBackend server
+    readonly property bool connected: server ? server.serverConnected : false
 
     Component.onCompleted: if (!connected) callsignField.forceActiveFocus()
 
@@ -18,7 +19,7 @@ Card {
         SectionTitle {
             Layout.fillWidth: true
             title: qsTr("连接参数")
-            note: form.server?.platformLabel ?? "--"
+            note: form.server ? form.server.platformLabel : "--"
         }
 
         FormField {
@@ -31,7 +32,7 @@ Card {
                 objectName: "callsignField"
                 Layout.fillWidth: true
                 enabled: !form.connected
-                text: form.server?.callsign ?? ""
+                text: form.server ? form.server.callsign : ""
                 placeholderText: qsTr("例如：B2352 / CES2352 / CES2352A")
                 font.capitalization: text.length > 0 ? Font.AllUppercase : Font.MixedCase
                 inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
@@ -54,7 +55,7 @@ Card {
                     Layout.fillWidth: true
                     enabled: !form.connected
                     server: form.server
-                    placeholderText: form.server?.typeCodeRequired ?? true ? qsTr("必填") : qsTr("选填")
+                    placeholderText: (form.server ? form.server.typeCodeRequired : true) ? qsTr("必填") : qsTr("选填")
                     onAccepted: form.submit()
                 }
             }
@@ -68,7 +69,7 @@ Card {
                     objectName: "selcalField"
                     Layout.fillWidth: true
                     enabled: !form.connected
-                    text: form.server?.selcal ?? ""
+                    text: form.server ? form.server.selcal : ""
                     placeholderText: "AB-CD"
                     font.capitalization: Font.AllUppercase
                     inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
@@ -82,7 +83,7 @@ Card {
             objectName: "observerBox"
             enabled: !form.connected
             text: qsTr("观察员")
-            checked: form.server?.observerMode ?? false
+            checked: form.server ? form.server.observerMode : false
             onToggled: if (form.server) form.server.observerMode = checked
         }
 
@@ -91,8 +92,8 @@ Card {
             Layout.fillWidth: true
             primary: true
             accentColor: form.connected ? Style.statusError : Style.primary
-            enabled: form.connected || (form.server?.canConnect ?? false)
-            text: form.connected ? qsTr("断开连接") : form.server?.connectActionLabel ?? "--"
+            enabled: form.connected || (form.server ? form.server.canConnect : false)
+            text: form.connected ? qsTr("断开连接") : (form.server ? form.server.connectActionLabel : "--")
             onClicked: form.submitOrDisconnect()
         }
 
@@ -100,7 +101,7 @@ Card {
             objectName: "formError"
             Layout.fillWidth: true
             visible: text.length > 0
-            text: form.server?.formErrorText ?? ""
+            text: form.server ? form.server.formErrorText : ""
             color: Style.statusError
             font.pixelSize: 13
             wrapMode: Text.Wrap
@@ -109,7 +110,7 @@ Card {
         AppText {
             objectName: "modeHint"
             Layout.fillWidth: true
-            text: form.server?.modeHintText ?? "--"
+            text: form.server ? form.server.modeHintText : "--"
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
@@ -121,14 +122,14 @@ Card {
     /// Enter in a field connects; it never disconnects.
     function submit(): void {
         Qt.inputMethod.commit() // qmllint disable type
-        if (!connected)
-            server?.requestConnect()
+        if (!connected && server)
+            server.requestConnect()
     }
 
     function submitOrDisconnect(): void {
-        if (connected)
-            server?.requestDisconnect()
-        else
+        if (!connected)
             submit()
+        else if (server)
+            server.requestDisconnect()
     }
 }

@@ -1,14 +1,15 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// 服务器: the form on the left, what happens on the right.
 ColumnLayout {
     id: page
 
-    required property var server
-    readonly property bool connected: server?.serverConnected ?? false
+    required property ServerBackend server
+    readonly property bool connected: server ? server.serverConnected : false
 
     spacing: Style.spacingMedium
 
@@ -17,14 +18,14 @@ ColumnLayout {
         title: qsTr("服务器")
 
         StatusChip {
-            visible: page.server?.connectedAsObserver ?? false
+            visible: page.server ? page.server.connectedAsObserver : false
             status: qsTr("观察员")
             good: true
         }
 
         StatusChip {
-            label: page.server?.endpoint ?? ""
-            status: page.server?.serverStatusText ?? "--"
+            label: page.server ? page.server.endpoint : ""
+            status: page.server ? page.server.serverStatusText : "--"
             good: page.connected
         }
     }
@@ -67,17 +68,17 @@ ColumnLayout {
                         SectionTitle {
                             Layout.fillWidth: true
                             title: qsTr("基础信息")
-                            note: page.server?.protocolLabel ?? "--"
+                            note: page.server ? page.server.protocolLabel : "--"
                         }
 
                         Figure {
                             label: qsTr("真实姓名")
-                            value: page.server?.realName || "--"
+                            value: page.server ? page.server.realName || "--" : "--"
                         }
 
                         Figure {
                             label: qsTr("初始机场")
-                            value: page.server?.homeAirport || "--"
+                            value: page.server ? page.server.homeAirport || "--" : "--"
                         }
                     }
                 }
@@ -122,7 +123,7 @@ ColumnLayout {
                             rightPadding: Style.spacingMedium
                             text: qsTr("清空日志")
                             font.pixelSize: Style.fontSmall
-                            onClicked: page.server?.clearServerLog()
+                            onClicked: if (page.server) page.server.clearServerLog()
                         }
                     }
 
@@ -153,7 +154,7 @@ ColumnLayout {
                         objectName: "eventList"
                         Layout.fillWidth: true
                         Layout.fillHeight: true
-                        model: page.server?.recentEventRows ?? null
+                        model: page.server ? page.server.recentEventRows : null
                     }
                 }
             }

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// Surfaces and lights; with `withEngines` the engines too.
 Card {
     id: card
 
-    required property var simulator
+    required property SimulatorBackend simulator
     property bool withEngines: false
 
     ColumnLayout {
@@ -21,26 +22,26 @@ Card {
         RatioBar {
             Layout.fillWidth: true
             label: qsTr("襟翼")
-            value: card.simulator?.flapsLabel ?? "--"
-            ratio: card.simulator?.flapsRatio ?? 0
+            value: card.simulator ? card.simulator.flapsLabel : "--"
+            ratio: card.simulator ? card.simulator.flapsRatio : 0
         }
 
         RatioBar {
             Layout.fillWidth: true
             label: qsTr("减速板")
-            value: card.simulator?.speedbrakeLabel ?? "--"
-            ratio: card.simulator?.speedbrakeRatio ?? 0
+            value: card.simulator ? card.simulator.speedbrakeLabel : "--"
+            ratio: card.simulator ? card.simulator.speedbrakeRatio : 0
         }
 
         Flow {
             Layout.fillWidth: true
             spacing: 6
 
-            Lamp { text: "Beacon"; lit: card.simulator?.beaconOn ?? false; litColor: Style.statusError }
-            Lamp { text: "Landing"; lit: card.simulator?.landingLightsOn ?? false; litColor: Style.statusPending }
-            Lamp { text: "Taxi"; lit: card.simulator?.taxiLightsOn ?? false; litColor: Style.statusPending }
-            Lamp { text: "Nav"; lit: card.simulator?.navLightsOn ?? false; litColor: Style.statusSuccess }
-            Lamp { text: "Strobe"; lit: card.simulator?.strobesOn ?? false; litColor: Style.controlBorderActive }
+            Lamp { text: "Beacon"; lit: card.simulator ? card.simulator.beaconOn : false; litColor: Style.statusError }
+            Lamp { text: "Landing"; lit: card.simulator ? card.simulator.landingLightsOn : false; litColor: Style.statusPending }
+            Lamp { text: "Taxi"; lit: card.simulator ? card.simulator.taxiLightsOn : false; litColor: Style.statusPending }
+            Lamp { text: "Nav"; lit: card.simulator ? card.simulator.navLightsOn : false; litColor: Style.statusSuccess }
+            Lamp { text: "Strobe"; lit: card.simulator ? card.simulator.strobesOn : false; litColor: Style.controlBorderActive }
         }
 
         Loader {

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// The engines side by side: a green ring turns on with each one that runs.
 ColumnLayout {
     id: bay
 
-    required property var simulator
-    readonly property var engines: simulator?.engineStates ?? []
+    required property SimulatorBackend simulator
+    readonly property var engines: simulator ? simulator.engineStates : []
 
     spacing: Style.spacingMedium
 
@@ -58,7 +59,7 @@ ColumnLayout {
 
     AppText {
         Layout.fillWidth: true
-        text: bay.simulator?.engineSummary ?? "--"
+        text: bay.simulator ? bay.simulator.engineSummary : "--"
         color: Style.textSecondary
         font.pixelSize: Style.fontSmall
         horizontalAlignment: Text.AlignHCenter

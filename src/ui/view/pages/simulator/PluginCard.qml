@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// X-Plane 插件状态: whether traffic can be drawn at all.
 Card {
     id: card
 
-    required property var simulator
+    required property SimulatorBackend simulator
 
     ColumnLayout {
         anchors.fill: parent
@@ -23,11 +24,11 @@ Card {
             columnSpacing: Style.paddingPage
             rowSpacing: 10
 
-            Figure { label: qsTr("插件状态"); value: card.simulator?.pluginStatusText ?? "--" }
-            Figure { label: qsTr("CSL 状态"); value: card.simulator?.cslStatusText ?? "--" }
+            Figure { label: qsTr("插件状态"); value: card.simulator ? card.simulator.pluginStatusText : "--" }
+            Figure { label: qsTr("CSL 状态"); value: card.simulator ? card.simulator.cslStatusText : "--" }
         }
 
-        Figure { label: qsTr("X-Plane 版本"); value: card.simulator?.xplaneVersionText ?? "--" }
+        Figure { label: qsTr("X-Plane 版本"); value: card.simulator ? card.simulator.xplaneVersionText : "--" }
 
         RowLayout {
             Layout.fillWidth: true
@@ -43,7 +44,7 @@ Card {
             AppText {
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignRight
-                text: card.simulator?.trafficMappingStatusText ?? "--"
+                text: card.simulator ? card.simulator.trafficMappingStatusText : "--"
                 font.pixelSize: 13
                 font.weight: Font.DemiBold
                 wrapMode: Text.Wrap

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// Both radios and the transponder.
 Card {
     id: card
 
-    required property var simulator
-    readonly property bool live: simulator?.simulatorConnected ?? false
+    required property SimulatorBackend simulator
+    readonly property bool live: simulator ? simulator.simulatorConnected : false
 
     ColumnLayout {
         anchors.fill: parent
@@ -19,19 +20,19 @@ Card {
 
             SectionTitle {
                 Layout.fillWidth: true
-                title: card.simulator?.xplaneMode ?? false ? qsTr("X-Plane 无线电控制") : qsTr("无线电与应答机")
+                title: (card.simulator ? card.simulator.xplaneMode : false) ? qsTr("X-Plane 无线电控制") : qsTr("无线电与应答机")
             }
 
             StatusChip {
                 label: qsTr("发射")
-                status: card.simulator?.activeTransmitLabel ?? "--"
-                good: (card.simulator?.com1TransmitEnabled || card.simulator?.com2TransmitEnabled) ?? false
+                status: card.simulator ? card.simulator.activeTransmitLabel : "--"
+                good: card.simulator ? card.simulator.com1TransmitEnabled || card.simulator.com2TransmitEnabled : false
             }
 
             StatusChip {
                 label: qsTr("监听")
-                status: card.simulator?.activeReceiveLabel ?? "--"
-                good: (card.simulator?.com1ReceiveEnabled || card.simulator?.com2ReceiveEnabled) ?? false
+                status: card.simulator ? card.simulator.activeReceiveLabel : "--"
+                good: card.simulator ? card.simulator.com1ReceiveEnabled || card.simulator.com2ReceiveEnabled : false
             }
         }
 
@@ -44,12 +45,12 @@ Card {
                 Layout.preferredWidth: 1
                 title: "COM1"
                 live: card.live
-                frequency: card.simulator?.com1Frequency ?? "--"
-                transmit: card.simulator?.com1TransmitEnabled ?? false
-                receive: card.simulator?.com1ReceiveEnabled ?? false
-                volume: card.simulator?.com1Volume ?? "--"
+                frequency: card.simulator ? card.simulator.com1Frequency : "--"
+                transmit: card.simulator ? card.simulator.com1TransmitEnabled : false
+                receive: card.simulator ? card.simulator.com1ReceiveEnabled : false
+                volume: card.simulator ? card.simulator.com1Volume : "--"
                 example: "121.800"
-                onTuned: frequency => card.simulator?.requestSetCom1Frequency(frequency)
+                onTuned: frequency => { if (card.simulator) card.simulator.requestSetCom1Frequency(frequency) }
             }
 
             RadioUnit {
@@ -57,24 +58,24 @@ Card {
                 Layout.preferredWidth: 1
                 title: "COM2"
                 live: card.live
-                frequency: card.simulator?.com2Frequency ?? "--"
-                transmit: card.simulator?.com2TransmitEnabled ?? false
-                receive: card.simulator?.com2ReceiveEnabled ?? false
-                volume: card.simulator?.com2Volume ?? "--"
+                frequency: card.simulator ? card.simulator.com2Frequency : "--"
+                transmit: card.simulator ? card.simulator.com2TransmitEnabled : false
+                receive: card.simulator ? card.simulator.com2ReceiveEnabled : false
+                volume: card.simulator ? card.simulator.com2Volume : "--"
                 example: "124.550"
-                onTuned: frequency => card.simulator?.requestSetCom2Frequency(frequency)
+                onTuned: frequency => { if (card.simulator) card.simulator.requestSetCom2Frequency(frequency) }
             }
 
             TransponderUnit {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 live: card.live
-                code: card.simulator?.transponderCode ?? "--"
-                modeC: card.simulator?.squawkingModeC ?? false
-                ident: card.simulator?.squawkingIdent ?? false
-                onCoded: code => card.simulator?.requestSetTransponderCode(code)
-                onModeToggled: card.simulator?.requestTransponderModeToggle()
-                onIdentPressed: card.simulator?.requestTransponderIdent()
+                code: card.simulator ? card.simulator.transponderCode : "--"
+                modeC: card.simulator ? card.simulator.squawkingModeC : false
+                ident: card.simulator ? card.simulator.squawkingIdent : false
+                onCoded: code => { if (card.simulator) card.simulator.requestSetTransponderCode(code) }
+                onModeToggled: if (card.simulator) card.simulator.requestTransponderModeToggle()
+                onIdentPressed: if (card.simulator) card.simulator.requestTransponderIdent()
             }
         }
     }

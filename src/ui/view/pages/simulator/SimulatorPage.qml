@@ -1,14 +1,15 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// 模拟器: how the own aircraft flies, who is around, and its radios.
 ColumnLayout {
     id: page
 
-    required property var simulator
-    readonly property bool xplane: simulator?.xplaneMode ?? false
+    required property SimulatorBackend simulator
+    readonly property bool xplane: simulator ? simulator.xplaneMode : false
 
     spacing: Style.spacingMedium
 
@@ -17,9 +18,9 @@ ColumnLayout {
         title: qsTr("模拟器")
 
         StatusChip {
-            label: page.simulator?.simulatorDisplayName ?? "--"
-            status: page.simulator?.simulatorStatusText ?? "--"
-            good: page.simulator?.simulatorConnected ?? false
+            label: page.simulator ? page.simulator.simulatorDisplayName : "--"
+            status: page.simulator ? page.simulator.simulatorStatusText : "--"
+            good: page.simulator ? page.simulator.simulatorConnected : false
         }
 
         CustomButton {
@@ -29,7 +30,7 @@ ColumnLayout {
             rightPadding: Style.spacingMedium
             text: qsTr("重新连接")
             font.pixelSize: Style.fontSmall
-            onClicked: page.simulator?.requestReconnect()
+            onClicked: if (page.simulator) page.simulator.requestReconnect()
         }
     }
 
@@ -38,7 +39,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.leftMargin: Style.spacingTiny
         visible: text.length > 0
-        text: page.simulator?.simulatorFailureText ?? ""
+        text: page.simulator ? page.simulator.simulatorFailureText : ""
         color: Style.statusError
         font.pixelSize: 13
         wrapMode: Text.Wrap

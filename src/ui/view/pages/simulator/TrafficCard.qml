@@ -1,16 +1,17 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// Who is around: the plot, and the same aircraft as a list, nearest first.
 Card {
     id: card
 
-    required property var simulator
-    readonly property bool live: simulator?.simulatorConnected ?? false
-    readonly property var contacts: simulator?.plotContacts ?? []
+    required property SimulatorBackend simulator
+    readonly property bool live: simulator ? simulator.simulatorConnected : false
+    readonly property var contacts: simulator ? simulator.plotContacts : []
     /// Without an own position there is nothing to measure from, but a snapshot has its labels.
-    readonly property var rows: contacts.length > 0 ? contacts : simulator?.trafficContacts ?? []
+    readonly property var rows: contacts.length > 0 ? contacts : (simulator ? simulator.trafficContacts : [])
 
     contentPadding: 16
 
@@ -20,8 +21,8 @@ Card {
 
         SectionTitle {
             Layout.fillWidth: true
-            title: card.simulator?.msfsMode ?? false ? qsTr("MSFS 交通快照") : qsTr("交通目标")
-            note: card.simulator?.trafficSummary ?? "--"
+            title: (card.simulator ? card.simulator.msfsMode : false) ? qsTr("MSFS 交通快照") : qsTr("交通目标")
+            note: card.simulator ? card.simulator.trafficSummary : "--"
         }
 
         TrafficRadar {
@@ -29,9 +30,9 @@ Card {
             Layout.fillWidth: true
             Layout.preferredHeight: Math.max(290, Math.min(440, card.width * 0.72))
             live: card.live
-            heading: card.simulator?.heading ?? NaN
+            heading: card.simulator ? card.simulator.heading : NaN
             contacts: card.contacts
-            labels: card.simulator?.plotLabels ?? null
+            labels: card.simulator ? card.simulator.plotLabels : null
         }
 
         TrafficList {
