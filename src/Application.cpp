@@ -23,6 +23,29 @@
 namespace tarvo {
 
 using namespace std::chrono_literals;
+using model::SimulatorMode;
+
+namespace {
+
+/// A simulator that can be picked, and how what speaks to it is made.
+struct Backend
+{
+    SimulatorMode mode;
+    const char *name;
+    std::shared_ptr<simulator::Simulator> (*make)(AppConfig &config, const ServiceEndpoints &endpoints);
+};
+
+template <class Adapter>
+std::shared_ptr<simulator::Simulator> make(AppConfig &config, const ServiceEndpoints &endpoints)
+{
+    return std::make_shared<Adapter>(config, endpoints);
+}
+
+constexpr Backend backends[] = {
+    {.mode = SimulatorMode::XPlane, .name = "X-Plane", .make = make<simulator::xplane::XPlaneAdapter>},
+};
+
+} // namespace
 
 void Application::setUp()
 {
@@ -63,7 +86,10 @@ void Application::compose()
     m_mainWindow =
         std::make_unique<ui::MainWindow>(m_networkManager, m_controllerManager, m_config, m_api, m_icao, m_endpoints);
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::logoutRequested, &m_loginWindow, [this] { logOut(); });
-    QObject::connect(m_mainWindow.get(), &ui::MainWindow::xplaneSelected, &m_loginWindow, [this] { activateXPlane(); });
+    QObject::connect(m_mainWindow.get(), &ui::MainWindow::msfsSelected, &m_loginWindow,
+                     [this] { activate(SimulatorMode::Msfs); });
+    QObject::connect(m_mainWindow.get(), &ui::MainWindow::xplaneSelected, &m_loginWindow,
+                     [this] { activate(SimulatorMode::XPlane); });
     openMainWindow();
 }
 
@@ -75,12 +101,19 @@ void Application::openMainWindow()
     m_mainWindow->show();
 }
 
-void Application::activateXPlane()
+void Application::activate(SimulatorMode mode)
 {
     if (!m_networkManager)
         return;
-    qInfo() << "Activating X-Plane backend";
-    m_networkManager->setSimulator(std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints));
+    for (const Backend &backend : backends) {
+        if (backend.mode != mode)
+            continue;
+        qInfo().noquote() << "Activating" << QLatin1String(backend.name) << "backend";
+        m_networkManager->setSimulator(backend.make(m_config, m_endpoints));
+        return;
+    }
+    qWarning().noquote() << "There is no backend for" << model::modeText(mode);
+    m_mainWindow->onModeSelected(model::modeText(SimulatorMode::None));
 }
 
 void Application::logOut()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ServiceEndpoints.h"
+#include "model/SimulatorMode.h"
 #include "ui/LoginWindow.h"
 
 #include <QPoint>
@@ -49,7 +50,7 @@ public:
 private:
     void compose();
     void openMainWindow();
-    void activateXPlane();
+    void activate(model::SimulatorMode mode);
     void logOut();
     void cleanUp();
     void whenUnwound(std::function<void()> action);

@@ -22,6 +22,8 @@
 
 namespace tarvo::ui {
 
+using model::SimulatorMode;
+
 namespace {
 constexpr float connectionSoundVolume = 0.55F;
 
@@ -184,17 +186,21 @@ void MainWindow::onModeSelected(const QString &mode)
 {
     if (!m_network)
         return;
-    const bool xplane = mode == QLatin1String("XPLANE");
-    m_mode = xplane ? mode : QStringLiteral("NONE");
-    m_dashboard.setCurrentMode(m_mode);
-    m_simulator.setMode(m_mode);
+    const SimulatorMode picked = model::modeFromText(mode);
+    m_mode = picked;
+    m_dashboard.setCurrentMode(currentMode());
+    m_simulator.setMode(currentMode());
     m_simulator.setFailure({});
-    m_server.setCurrentMode(m_mode);
-    if (!xplane)
+    m_server.setCurrentMode(currentMode());
+    if (picked == SimulatorMode::None)
         return;
-    emit xplaneSelected();
+    if (picked == SimulatorMode::XPlane)
+        emit xplaneSelected();
+    else
+        emit msfsSelected();
     // The server page's status is left alone: there the same words would block the connect button.
-    setSimulatorState(false, tr("连接中..."));
+    if (m_mode == picked)
+        setSimulatorState(false, tr("连接中..."));
 }
 
 void MainWindow::onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ServiceEndpoints.h"
+#include "model/SimulatorMode.h"
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
 #include "ui/viewmodel/DashboardViewModel.h"
@@ -47,8 +48,8 @@ public:
                QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    /// "XPLANE", or "NONE" while no simulator is picked.
-    QString currentMode() const { return m_mode; }
+    /// "XPLANE" or "MSFS"; "NONE" while no simulator is picked.
+    QString currentMode() const { return model::modeText(m_mode); }
 
     DashboardViewModel &dashboard() { return m_dashboard; }
     SimulatorPageViewModel &simulator() { return m_simulator; }
@@ -59,11 +60,13 @@ public:
 
 signals:
     void logoutRequested();
+    // One is raised when its simulator was picked. Who can't give that one picks "NONE" again.
+    void msfsSelected();
     void xplaneSelected();
 
 public slots:
     void onLogoutClicked();
-    /// "XPLANE" picks X-Plane; any other text clears the mode.
+    /// "XPLANE" or "MSFS" picks that simulator; any other text clears the mode.
     void onModeSelected(const QString &mode);
 
 protected:
@@ -94,7 +97,7 @@ private:
     AppConfig &m_config;
     network::ApiService &m_api;
     ServiceEndpoints m_endpoints;
-    QString m_mode = QStringLiteral("NONE");
+    model::SimulatorMode m_mode = model::SimulatorMode::None;
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::ControllerManager> m_controllers;
     DashboardViewModel m_dashboard;

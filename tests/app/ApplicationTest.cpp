@@ -215,6 +215,17 @@ private slots:
         QCOMPARE(program.main().dashboard().simulatorStatusText(), u"连接中..."_qs);
     }
 
+    void aSimulatorWithoutABackendIsNotPicked()
+    {
+        Program program;
+        program.signIn();
+        QTest::ignoreMessage(QtWarningMsg, "There is no backend for MSFS");
+        program.main().onModeSelected(u"MSFS"_qs);
+        QCOMPARE(program.main().currentMode(), u"NONE"_qs);
+        QCOMPARE(program.main().simulator().simulatorStatusText(), u"未连接"_qs);
+        QVERIFY(!program.application.networkManager()->simulator());
+    }
+
     void logoutWaitsForALookUpToUnwind()
     {
         Program program(u"no-such-host.invalid"_qs);

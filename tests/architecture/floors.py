@@ -23,6 +23,8 @@ SAME_FLOOR_ALLOWED = {('common/nng', 'common'), ('fsd', 'fsd/pdu'), ('simulator/
 # A view model is fed by the windows, never by a manager or a simulator.
 ONLY = {
     'ui/viewmodel': {'network', 'voice', 'input', 'core', 'model', 'common'},
+    # The session knows the abstract simulator and never a backend.
+    'manager': {'fsd', 'fsd/pdu', 'network', 'simulator', 'voice', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
     'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'practice'},
 }

@@ -218,6 +218,7 @@ private slots:
         QTest::addColumn<int>("activations");
         QTest::addColumn<QString>("simulatorStatus");
         QTest::newRow("X-Plane") << u"XPLANE"_qs << u"XPLANE"_qs << 1 << u"连接中..."_qs;
+        QTest::newRow("MSFS") << u"MSFS"_qs << u"MSFS"_qs << 1 << u"连接中..."_qs;
         QTest::newRow("none") << u"NONE"_qs << u"NONE"_qs << 0 << u"未连接"_qs;
         QTest::newRow("unknown text") << u"GLIDER"_qs << u"NONE"_qs << 0 << u"未连接"_qs;
     }
@@ -226,14 +227,15 @@ private slots:
         QFETCH(QString, mode);
         QFETCH(int, activations);
         Deck deck;
-        const QSignalSpy xplane(&deck.window, &ui::MainWindow::xplaneSelected);
+        const QSignalSpy picked(&deck.window,
+                                mode == u"MSFS"_qs ? &ui::MainWindow::msfsSelected : &ui::MainWindow::xplaneSelected);
         deck.dashboard().requestModeChange(mode);
         Deck::answer();
         QTEST(deck.window.currentMode(), "kept");
         QTEST(deck.dashboard().currentMode(), "kept");
         QTEST(deck.window.simulator().currentMode(), "kept");
         QTEST(deck.server().currentMode(), "kept");
-        QCOMPARE(xplane.size(), activations);
+        QCOMPARE(picked.size(), activations);
         QTEST(deck.dashboard().simulatorStatusText(), "simulatorStatus");
         QTEST(deck.window.simulator().simulatorStatusText(), "simulatorStatus");
         QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button

@@ -13,7 +13,6 @@ Rectangle {
     readonly property ServerBackend server: typeof serverBackend === "undefined" ? null : serverBackend
     readonly property MessagesBackend messages: typeof messagesBackend === "undefined" ? null : messagesBackend
     // qmllint enable unqualified
-    readonly property string mode: dashboard ? dashboard.currentMode : "NONE"
 
     signal logoutRequested()
 
@@ -24,7 +23,7 @@ Rectangle {
     Loader {
         anchors.fill: parent
         focus: true
-        sourceComponent: rootWindow.mode === "MSFS" || rootWindow.mode === "XPLANE" ? mainDashboard : modeSelection
+        sourceComponent: rootWindow.dashboard && rootWindow.dashboard.modePicked ? mainDashboard : modeSelection
     }
 
     Component {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "model/SimulatorMode.h"
 #include "ui/viewmodel/LineLog.h"
 #include "ui/viewmodel/RowList.h"
 
@@ -22,6 +23,7 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(QString atcTime READ atcTime NOTIFY userInfoChanged)
     Q_PROPERTY(QString avatarUrl READ avatarUrl NOTIFY userInfoChanged)
     Q_PROPERTY(QString currentMode READ currentMode NOTIFY currentModeChanged)
+    Q_PROPERTY(bool modePicked READ modePicked NOTIFY currentModeChanged)
     Q_PROPERTY(bool simulatorConnected READ simulatorConnected NOTIFY simulatorStateChanged)
     Q_PROPERTY(QString simulatorStatusText READ simulatorStatusText NOTIFY simulatorStateChanged)
     Q_PROPERTY(bool serverConnected READ serverConnected NOTIFY serverStateChanged)
@@ -49,6 +51,7 @@ public:
     QString atcTime() const { return m_atcTime; }
     QString avatarUrl() const { return m_avatarUrl; }
     QString currentMode() const { return m_currentMode; }
+    bool modePicked() const { return model::modeFromText(m_currentMode) != model::SimulatorMode::None; }
     bool simulatorConnected() const { return m_simulatorConnected; }
     QString simulatorStatusText() const { return m_simulatorStatusText; }
     bool serverConnected() const { return m_serverConnected; }
@@ -110,7 +113,7 @@ private:
     QString m_pilotTime = tr("0小时 0分");
     QString m_atcTime = tr("0小时 0分");
     QString m_avatarUrl;
-    QString m_currentMode = QStringLiteral("NONE");
+    QString m_currentMode = model::modeText(model::SimulatorMode::None);
     bool m_simulatorConnected = false;
     QString m_simulatorStatusText = tr("未连接");
     bool m_serverConnected = false;

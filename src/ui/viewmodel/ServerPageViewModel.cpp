@@ -28,14 +28,14 @@ struct ModeTexts
     QString hint[2];
 };
 
-ModeTexts textsFor(const QString &mode)
+ModeTexts textsFor(model::SimulatorMode mode)
 {
-    if (mode == QLatin1String("MSFS"))
+    if (mode == model::SimulatorMode::Msfs)
         return {QStringLiteral("Microsoft Flight Simulator"),
                 {ServerPageViewModel::tr("以观察员连接 MSFS"), ServerPageViewModel::tr("连接 MSFS 网络")},
                 {ServerPageViewModel::tr("观察员模式会自动规范呼号，并跳过机型代码要求。"),
                  ServerPageViewModel::tr("MSFS 飞行模式需要填写呼号和机型代码。")}};
-    if (mode == QLatin1String("XPLANE"))
+    if (mode == model::SimulatorMode::XPlane)
         return {QStringLiteral("X-Plane"),
                 {ServerPageViewModel::tr("以观察员连接 X-Plane"), ServerPageViewModel::tr("连接 X-Plane 网络")},
                 {ServerPageViewModel::tr("适合监听和观察，同时保持 X-Plane 插件在线。"),
@@ -234,7 +234,7 @@ void ServerPageViewModel::formEdited()
 
 void ServerPageViewModel::updateModeTexts()
 {
-    const ModeTexts texts = textsFor(m_currentMode);
+    const ModeTexts texts = textsFor(model::modeFromText(m_currentMode));
     const int role = m_observerMode ? 0 : 1;
     m_platformLabel = texts.platform;
     m_connectActionLabel = texts.action[role];

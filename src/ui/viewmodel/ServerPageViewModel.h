@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "model/SimulatorMode.h"
 #include "ui/viewmodel/LineLog.h"
 #include "ui/viewmodel/RowList.h"
 
@@ -134,7 +135,7 @@ private:
     QString m_serverStatusText = tr("未连接");
     QString m_endpoint;
     QString m_protocolLabel = tr("经典协议");
-    QString m_currentMode = QStringLiteral("NONE");
+    QString m_currentMode = model::modeText(model::SimulatorMode::None);
     QString m_platformLabel = tr("未选择平台");
     QString m_connectActionLabel = tr("连接网络");
     /// Differs by one character from the text that the mode table gives for the same situation: kept on purpose.

@@ -99,15 +99,13 @@ SimulatorPageViewModel::SimulatorPageViewModel(QObject *parent) : QObject(parent
 
 void SimulatorPageViewModel::setMode(const QString &mode)
 {
-    const bool xplane = mode == QLatin1String("XPLANE");
-    const bool msfs = mode == QLatin1String("MSFS");
-    const QString known = xplane || msfs ? mode : QStringLiteral("NONE");
-    if (known == m_mode)
+    const model::SimulatorMode picked = model::modeFromText(mode);
+    if (picked == m_mode)
         return;
-    m_mode = known;
-    m_simulatorName = xplane ? QStringLiteral("X-Plane")
-                      : msfs ? QStringLiteral("Microsoft Flight Simulator")
-                             : tr("未选择");
+    m_mode = picked;
+    m_simulatorName = xplaneMode() ? QStringLiteral("X-Plane")
+                      : msfsMode() ? QStringLiteral("Microsoft Flight Simulator")
+                                   : tr("未选择");
     m_plugin = {};
     emit stateChanged();
     clearOwnAircraft();

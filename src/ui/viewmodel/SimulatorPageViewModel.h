@@ -2,6 +2,7 @@
 
 #include "model/RadioStackState.h"
 #include "model/RemoteAircraft.h"
+#include "model/SimulatorMode.h"
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
 #include "ui/viewmodel/PlotLabels.h"
@@ -88,11 +89,11 @@ class SimulatorPageViewModel : public QObject
 public:
     explicit SimulatorPageViewModel(QObject *parent = nullptr);
 
-    QString currentMode() const { return m_mode; }
+    QString currentMode() const { return model::modeText(m_mode); }
     QString simulatorFamily() const { return m_simulatorName; }
     QString simulatorDisplayName() const { return m_simulatorName; }
-    bool msfsMode() const { return m_mode == QLatin1String("MSFS"); }
-    bool xplaneMode() const { return m_mode == QLatin1String("XPLANE"); }
+    bool msfsMode() const { return m_mode == model::SimulatorMode::Msfs; }
+    bool xplaneMode() const { return m_mode == model::SimulatorMode::XPlane; }
     bool simulatorConnected() const { return m_connected; }
     QString simulatorStatusText() const { return m_statusText; }
     /// Why the last attempt to connect failed; empty once another began or ended well.
@@ -239,7 +240,7 @@ private:
     bool hasMovedVisibly() const;
     PlotOrigin ownPosition() const;
 
-    QString m_mode = QStringLiteral("NONE");
+    model::SimulatorMode m_mode = model::SimulatorMode::None;
     QString m_simulatorName = tr("未选择");
     bool m_connected = false;
     QString m_statusText = tr("未连接");
