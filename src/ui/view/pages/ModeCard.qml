@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import ".."
 
 /// A glass card for one simulator platform.
-AbstractButton {
+Pressable {
     id: card
 
     property string description: ""
@@ -13,10 +12,6 @@ AbstractButton {
     implicitWidth: 400
     implicitHeight: 176
     padding: Style.radiusLarge
-    focusPolicy: Qt.StrongFocus
-    Accessible.name: text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Style.radiusLarge
@@ -79,5 +74,4 @@ AbstractButton {
             }
         }
     }
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

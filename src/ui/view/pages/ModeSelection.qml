@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import com.tarvonet.backend
 import ".."
@@ -98,7 +97,7 @@ Item {
         anchors.bottomMargin: Style.paddingPage
         spacing: Style.spacingMedium
 
-        AbstractButton {
+        Pressable {
             id: logoutButton
 
             objectName: "logoutButton"
@@ -106,8 +105,6 @@ Item {
             implicitWidth: 160
             implicitHeight: Style.controlHeight
             text: qsTr("退出登录")
-            focusPolicy: Qt.StrongFocus
-            Keys.onReturnPressed: clicked()
             onClicked: page.logoutRequested()
 
             background: Rectangle {
@@ -121,7 +118,6 @@ Item {
                 color: Style.onImage
                 horizontalAlignment: Text.AlignHCenter
             }
-            HoverHandler { cursorShape: Qt.PointingHandCursor }
         }
 
         CidText {

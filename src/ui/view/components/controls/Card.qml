@@ -8,7 +8,7 @@ Pane {
 
     property bool showShadow: true
     property real contentPadding: 20
-    /// Nothing is painted outside the frame; a clipped card shows no shadow.
+    /// Cuts what reaches over the frame; not where there is a shadow, which lies outside of it.
     property bool clipSelf: true
     property bool clipContent: true
     property real radius: Style.radiusCard

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import "../.."
 
 /// A push button: filled with the accent colour when `primary`, else quiet.
-Button {
+Pressable {
     id: button
 
     property bool primary: false
@@ -12,12 +11,9 @@ Button {
     implicitHeight: Style.controlHeight
     leftPadding: Style.spacingLarge
     rightPadding: Style.spacingLarge
-    focusPolicy: Qt.StrongFocus
     font.family: Style.fontFamily
     font.pixelSize: Style.fontBody
     font.weight: primary ? Font.DemiBold : Font.Normal
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     contentItem: AppText {
         text: button.text
@@ -36,10 +32,9 @@ Button {
                 return button.primary ? Style.textMuted : Style.controlBgDisabled
             return button.down ? Qt.darker(base, 1.12) : button.hovered ? Qt.lighter(base, button.primary ? 1.25 : 1.03) : base
         }
-        border.width: button.visualFocus ? 2 : 0
-        border.color: Style.controlBorderActive
+        border.width: button.ringWidth
+        border.color: button.ringColor
 
         Behavior on color { ColorAnimation { duration: Style.animationShort } }
     }
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

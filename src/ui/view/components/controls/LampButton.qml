@@ -1,27 +1,22 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import "../.."
 
 /// A lamp on an instrument's glass that can be pressed.
-AbstractButton {
+Pressable {
     id: button
 
     property bool lit: false
 
     implicitWidth: implicitContentWidth
     implicitHeight: implicitContentHeight
-    focusPolicy: Qt.StrongFocus
-    Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: lit
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: height / 2
         color: button.down || button.hovered ? Style.instrumentGrid : Style.instrumentGlass
-        border.width: button.visualFocus ? 2 : 0
-        border.color: Style.controlBorderActive
+        border.width: button.ringWidth
+        border.color: button.ringColor
     }
     contentItem: Lamp {
         Accessible.ignored: true
@@ -30,5 +25,4 @@ AbstractButton {
         lit: button.lit
         litColor: Style.instrumentActive
     }
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import "../.."
 
 /// One line of the sidebar: a dot in place of an icon, the title, and how much is waiting there.
-AbstractButton {
+Pressable {
     id: item
 
     property bool selected: false
@@ -13,16 +12,13 @@ AbstractButton {
     implicitHeight: 46
     leftPadding: Style.spacingLarge
     rightPadding: Style.spacingMedium + (countBadge.visible ? countBadge.width + Style.spacingSmall : 0)
-    focusPolicy: Qt.StrongFocus
     Accessible.name: badge > 0 ? text + qsTr("，%1 条未读").arg(badge) : text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: 23
         color: item.selected ? Style.sidebarItemSelected : item.hovered || item.down ? Style.sidebarItemHover : "transparent"
-        border.width: item.visualFocus ? 2 : 0
-        border.color: Style.controlBorderActive
+        border.width: item.ringWidth
+        border.color: item.ringColor
     }
     contentItem: Row {
         spacing: Style.spacingMedium
@@ -56,6 +52,4 @@ AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         count: item.badge
     }
-
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
 /// One line of a column to choose from: a name, a note at the right, how much is unread, and a quiet second line.
-AbstractButton {
+Pressable {
     id: row
 
     property string note: ""
@@ -21,8 +20,6 @@ AbstractButton {
     leftPadding: Style.spacingMedium
     rightPadding: closable ? 30 : Style.spacingMedium
     focusPolicy: Qt.TabFocus
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
     Keys.onDeletePressed: event => {
         event.accepted = closable
         if (closable)
@@ -41,8 +38,8 @@ AbstractButton {
     background: Rectangle {
         radius: Style.radiusSmall + 2
         color: row.selected ? Style.sidebarItemSelected : row.hovered || row.down ? Style.sheet : "transparent"
-        border.width: row.visualFocus ? 2 : 0
-        border.color: Style.controlBorderActive
+        border.width: row.ringWidth
+        border.color: row.ringColor
 
         Rectangle {
             anchors.left: parent.left
@@ -99,7 +96,7 @@ AbstractButton {
         }
     }
 
-    AbstractButton {
+    Pressable {
         id: cross
 
         objectName: "closeControl"
@@ -113,15 +110,13 @@ AbstractButton {
         focusPolicy: Qt.TabFocus
         hoverEnabled: true
         onClicked: row.close()
-        Keys.onReturnPressed: clicked()
-        Keys.onEnterPressed: clicked()
         Keys.onDeletePressed: clicked()
 
         background: Rectangle {
             radius: 10
             color: cross.hovered ? Style.accentSoft : "transparent"
-            border.width: cross.visualFocus ? 2 : 0
-            border.color: Style.controlBorderActive
+            border.width: cross.ringWidth
+            border.color: cross.ringColor
         }
         contentItem: AppText {
             text: "×"
@@ -130,5 +125,4 @@ AbstractButton {
             horizontalAlignment: Text.AlignHCenter
         }
     }
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 }

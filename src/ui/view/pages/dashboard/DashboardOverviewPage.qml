@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import com.tarvonet.backend
 import "../.."
@@ -18,148 +17,126 @@ ColumnLayout {
         title: qsTr("总览")
     }
 
-    FocusFollower { scroll: scroll }
-
-    ScrollView {
-        id: scroll
-
+    ScrollingColumn {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        // Room for the cards' shadows, which the view would cut off; and it scrolls to the window's edge.
-        Layout.leftMargin: -8
-        Layout.bottomMargin: -16
-        padding: 8
-        bottomPadding: 0
-        rightPadding: Style.spacingMedium
-        contentWidth: availableWidth
-        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
-        ScrollBar.vertical: CustomScrollBar {
-            parent: scroll
-            x: scroll.width - width
-            height: scroll.height
+
+        GreetingCard {
+            Layout.fillWidth: true
+            dashboard: page.dashboard
         }
 
-        ColumnLayout {
-            width: scroll.availableWidth
+        FlightStrip {
+            Layout.fillWidth: true
+            dashboard: page.dashboard
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
             spacing: Style.spacingGrid
 
-            GreetingCard {
+            MetricCard {
                 Layout.fillWidth: true
-                dashboard: page.dashboard
+                Layout.preferredWidth: 1
+                title: qsTr("当前呼号")
+                value: page.server ? page.server.callsign.trim().toUpperCase() || "--" : "--"
+                accentColor: Style.controlBorderActive
             }
 
-            FlightStrip {
+            MetricCard {
                 Layout.fillWidth: true
-                dashboard: page.dashboard
+                Layout.preferredWidth: 1
+                title: qsTr("账户等级")
+                value: page.dashboard ? page.dashboard.rating || "--" : "--"
+                accentColor: Style.statusPending
             }
 
-            RowLayout {
+            MetricCard {
                 Layout.fillWidth: true
-                spacing: Style.spacingGrid
-
-                MetricCard {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("当前呼号")
-                    value: page.server ? page.server.callsign.trim().toUpperCase() || "--" : "--"
-                    accentColor: Style.controlBorderActive
-                }
-
-                MetricCard {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("账户等级")
-                    value: page.dashboard ? page.dashboard.rating || "--" : "--"
-                    accentColor: Style.statusPending
-                }
-
-                MetricCard {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("总飞行时长")
-                    value: page.dashboard ? page.dashboard.pilotTime || "--" : "--"
-                    accentColor: Style.statusSuccess
-                }
-
-                MetricCard {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("总管制时长")
-                    value: page.dashboard ? page.dashboard.atcTime || "--" : "--"
-                    accentColor: Style.primary
-                }
+                Layout.preferredWidth: 1
+                title: qsTr("总飞行时长")
+                value: page.dashboard ? page.dashboard.pilotTime || "--" : "--"
+                accentColor: Style.statusSuccess
             }
 
-            RowLayout {
+            MetricCard {
                 Layout.fillWidth: true
-                spacing: Style.spacingGrid
+                Layout.preferredWidth: 1
+                title: qsTr("总管制时长")
+                value: page.dashboard ? page.dashboard.atcTime || "--" : "--"
+                accentColor: Style.primary
+            }
+        }
 
-                RecentFlightsCard {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 3
-                    Layout.preferredHeight: 260
-                    flights: page.dashboard ? page.dashboard.recentFlightRows : null
-                }
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingGrid
 
-                Card {
-                    Layout.fillWidth: true
-                    Layout.preferredWidth: 2
-                    Layout.preferredHeight: 260
+            RecentFlightsCard {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 3
+                Layout.preferredHeight: 260
+                flights: page.dashboard ? page.dashboard.recentFlightRows : null
+            }
 
-                    ColumnLayout {
-                        anchors.fill: parent
-                        spacing: Style.spacingSmall
+            Card {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 2
+                Layout.preferredHeight: 260
 
-                        SectionTitle {
-                            Layout.fillWidth: true
-                            title: qsTr("系统公告与动态")
-                        }
+                ColumnLayout {
+                    anchors.fill: parent
+                    spacing: Style.spacingSmall
 
-                        AppText {
-                            Layout.fillWidth: true
-                            Layout.topMargin: Style.spacingSmall
-                            text: qsTr("TARVO 客户端更新日志 v1.2.0")
-                            font.weight: Font.DemiBold
-                            wrapMode: Text.Wrap
-                        }
-
-                        AppText {
-                            Layout.fillWidth: true
-                            text: qsTr("优化了模拟器连接稳定性，新增了更美观的仪表盘界面...")
-                            color: Style.textSecondary
-                            font.pixelSize: 13
-                            lineHeight: 1.3
-                            wrapMode: Text.Wrap
-                        }
-
-                        Item { Layout.fillHeight: true }
+                    SectionTitle {
+                        Layout.fillWidth: true
+                        title: qsTr("系统公告与动态")
                     }
+
+                    AppText {
+                        Layout.fillWidth: true
+                        Layout.topMargin: Style.spacingSmall
+                        text: qsTr("TARVO 客户端更新日志 v1.2.0")
+                        font.weight: Font.DemiBold
+                        wrapMode: Text.Wrap
+                    }
+
+                    AppText {
+                        Layout.fillWidth: true
+                        text: qsTr("优化了模拟器连接稳定性，新增了更美观的仪表盘界面...")
+                        color: Style.textSecondary
+                        font.pixelSize: 13
+                        lineHeight: 1.3
+                        wrapMode: Text.Wrap
+                    }
+
+                    Item { Layout.fillHeight: true }
                 }
             }
+        }
 
-            RowLayout {
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.bottomMargin: Style.paddingPage
+            spacing: Style.spacingGrid
+
+            LeaderboardCard {
                 Layout.fillWidth: true
-                Layout.bottomMargin: Style.paddingPage
-                spacing: Style.spacingGrid
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                title: qsTr("飞行员排行榜")
+                note: qsTr("TOP 10")
+                timeTitle: qsTr("累计飞行")
+                rows: page.dashboard ? page.dashboard.pilotLeaderboardRows : null
+            }
 
-                LeaderboardCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("飞行员排行榜")
-                    note: qsTr("TOP 10")
-                    timeTitle: qsTr("累计飞行")
-                    rows: page.dashboard ? page.dashboard.pilotLeaderboardRows : null
-                }
-
-                LeaderboardCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    title: qsTr("管制员排行榜")
-                    timeTitle: qsTr("累计管制")
-                    rows: page.dashboard ? page.dashboard.atcLeaderboardRows : null
-                }
+            LeaderboardCard {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                title: qsTr("管制员排行榜")
+                timeTitle: qsTr("累计管制")
+                rows: page.dashboard ? page.dashboard.atcLeaderboardRows : null
             }
         }
     }

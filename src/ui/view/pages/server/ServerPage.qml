@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import com.tarvonet.backend
 import "../.."
@@ -30,64 +29,45 @@ ColumnLayout {
         }
     }
 
-    FocusFollower { scroll: scroll }
-
     RowLayout {
         Layout.fillWidth: true
         Layout.fillHeight: true
         spacing: Style.spacingGrid
 
-        ScrollView {
-            id: scroll
-
+        ScrollingColumn {
             Layout.fillHeight: true
             Layout.preferredWidth: Math.max(340, Math.min(460, page.width * 0.38))
-            Layout.leftMargin: -8
-            Layout.bottomMargin: -16
-            padding: 8
-            bottomPadding: 0
-            contentWidth: availableWidth
-            ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
-            ScrollBar.vertical: CustomScrollBar {
-                parent: scroll
-                x: scroll.width - width
-                height: scroll.height
-            }
+            rightPadding: 8
 
-            ColumnLayout {
-                width: scroll.availableWidth
-                spacing: Style.spacingGrid
+            Card {
+                Layout.fillWidth: true
 
-                Card {
-                    Layout.fillWidth: true
+                ColumnLayout {
+                    anchors.fill: parent
+                    spacing: Style.spacingMedium
 
-                    ColumnLayout {
-                        anchors.fill: parent
-                        spacing: Style.spacingMedium
+                    SectionTitle {
+                        Layout.fillWidth: true
+                        title: qsTr("基础信息")
+                        note: page.server ? page.server.protocolLabel : "--"
+                    }
 
-                        SectionTitle {
-                            Layout.fillWidth: true
-                            title: qsTr("基础信息")
-                            note: page.server ? page.server.protocolLabel : "--"
-                        }
+                    Figure {
+                        label: qsTr("真实姓名")
+                        value: page.server ? page.server.realName || "--" : "--"
+                    }
 
-                        Figure {
-                            label: qsTr("真实姓名")
-                            value: page.server ? page.server.realName || "--" : "--"
-                        }
-
-                        Figure {
-                            label: qsTr("初始机场")
-                            value: page.server ? page.server.homeAirport || "--" : "--"
-                        }
+                    Figure {
+                        label: qsTr("初始机场")
+                        value: page.server ? page.server.homeAirport || "--" : "--"
                     }
                 }
+            }
 
-                ConnectForm {
-                    Layout.fillWidth: true
-                    Layout.bottomMargin: Style.paddingPage
-                    server: page.server
-                }
+            ConnectForm {
+                Layout.fillWidth: true
+                Layout.bottomMargin: Style.paddingPage
+                server: page.server
             }
         }
 

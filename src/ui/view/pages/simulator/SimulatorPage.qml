@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import com.tarvonet.backend
 import "../.."
@@ -47,111 +46,89 @@ ColumnLayout {
         elide: Text.ElideRight
     }
 
-    FocusFollower { scroll: scroll }
-
-    ScrollView {
-        id: scroll
-
+    ScrollingColumn {
         objectName: "simulatorScroll"
         Layout.fillWidth: true
         Layout.fillHeight: true
-        // Room for the cards' shadows, which the view would cut off; and it scrolls to the window's edge.
-        Layout.leftMargin: -8
-        Layout.bottomMargin: -16
-        padding: 8
-        bottomPadding: 0
-        rightPadding: Style.spacingMedium
-        contentWidth: availableWidth
-        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
-        ScrollBar.vertical: CustomScrollBar {
-            parent: scroll
-            x: scroll.width - width
-            height: scroll.height
-        }
 
-        ColumnLayout {
-            width: scroll.availableWidth
+        RowLayout {
+            Layout.fillWidth: true
             spacing: Style.spacingGrid
 
-            RowLayout {
+            AttitudeCard {
                 Layout.fillWidth: true
-                spacing: Style.spacingGrid
-
-                AttitudeCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    simulator: page.simulator
-                }
-
-                TrafficCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    simulator: page.simulator
-                }
-            }
-
-            RadioCard {
-                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
                 simulator: page.simulator
             }
 
-            RowLayout {
+            TrafficCard {
                 Layout.fillWidth: true
-                Layout.bottomMargin: Style.paddingPage
-                spacing: Style.spacingGrid
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                simulator: page.simulator
+            }
+        }
 
-                AirframeCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    simulator: page.simulator
-                    withEngines: page.xplane
-                }
+        RadioCard {
+            Layout.fillWidth: true
+            simulator: page.simulator
+        }
 
-                Card {
-                    visible: !page.xplane
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.bottomMargin: Style.paddingPage
+            spacing: Style.spacingGrid
 
-                    ColumnLayout {
-                        anchors.fill: parent
-                        spacing: Style.spacingMedium
+            AirframeCard {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                simulator: page.simulator
+                withEngines: page.xplane
+            }
 
-                        SectionTitle {
-                            Layout.fillWidth: true
-                            title: qsTr("发动机")
-                        }
-
-                        EngineBay {
-                            Layout.fillWidth: true
-                            simulator: page.simulator
-                        }
-
-                        Item { Layout.fillHeight: true }
-                    }
-                }
+            Card {
+                visible: !page.xplane
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
 
                 ColumnLayout {
-                    visible: page.xplane
+                    anchors.fill: parent
+                    spacing: Style.spacingMedium
+
+                    SectionTitle {
+                        Layout.fillWidth: true
+                        title: qsTr("发动机")
+                    }
+
+                    EngineBay {
+                        Layout.fillWidth: true
+                        simulator: page.simulator
+                    }
+
+                    Item { Layout.fillHeight: true }
+                }
+            }
+
+            ColumnLayout {
+                visible: page.xplane
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                spacing: Style.spacingGrid
+
+                SessionCard {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
-                    Layout.preferredWidth: 1
-                    spacing: Style.spacingGrid
+                    simulator: page.simulator
+                }
 
-                    SessionCard {
-                        Layout.fillWidth: true
-                        Layout.fillHeight: true
-                        simulator: page.simulator
-                    }
-
-                    PluginCard {
-                        Layout.fillWidth: true
-                        Layout.fillHeight: true
-                        simulator: page.simulator
-                    }
+                PluginCard {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    simulator: page.simulator
                 }
             }
         }
