@@ -2,11 +2,9 @@
 
 #include "manager/NetworkManager.h"
 #include "simulator/Simulator.h"
+#include "ui/viewmodel/RadioEntry.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
-#include <QRegularExpression>
-
-#include <cmath>
 #include <utility>
 
 namespace tarvo::ui {
@@ -16,26 +14,7 @@ using simulator::Simulator;
 
 namespace {
 constexpr int trafficIntervalMs = 1000;
-constexpr double highestKilohertz = 999'999;
 } // namespace
-
-std::optional<quint32> comFrequencyKhz(const QString &megahertz)
-{
-    bool isNumber = false;
-    const double kilohertz = std::round(megahertz.trimmed().toDouble(&isNumber) * 1000);
-    if (!isNumber || !(kilohertz >= 1 && kilohertz <= highestKilohertz)) // written so that a NaN is refused
-        return std::nullopt;
-    return static_cast<quint32>(kilohertz);
-}
-
-std::optional<int> transponderCode(const QString &digits)
-{
-    static const QRegularExpression octal(QStringLiteral("^[0-7]{1,4}\\z"));
-    const QString trimmed = digits.trimmed();
-    if (!octal.match(trimmed).hasMatch())
-        return std::nullopt;
-    return trimmed.toInt();
-}
 
 SimulatorFeed::SimulatorFeed(std::shared_ptr<NetworkManager> network, SimulatorPageViewModel &page, QObject *parent)
     : QObject(parent), m_network(std::move(network)), m_page(page), m_trafficTimer(this)

@@ -16,13 +16,6 @@ namespace tarvo::ui {
 
 class SimulatorPageViewModel;
 
-/// kHz of a radio frequency typed in MHz: "121.800" is 121800. Nothing for text that is no number between 1 kHz and
-/// 999.999 MHz, rounded to whole kHz.
-std::optional<quint32> comFrequencyKhz(const QString &megahertz);
-
-/// The four digits as a decimal number, of one to four octal digits; nothing for any other text.
-std::optional<int> transponderCode(const QString &digits);
-
 /// Brings the own aircraft and the traffic to the simulator page, and the page's wishes to the simulator.
 class SimulatorFeed : public QObject
 {

@@ -66,60 +66,6 @@ class SimulatorFeedTest : public QObject
     Q_OBJECT
 
 private slots:
-    void readsMegahertz_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<quint32>("kilohertz"); // 0: refused
-        QTest::newRow("as the page hints") << u"121.800"_qs << 121800U;
-        QTest::newRow("blanks around it") << u" 118.275 "_qs << 118275U;
-        QTest::newRow("one decimal") << u"124.5"_qs << 124500U;
-        QTest::newRow("no decimals") << u"122"_qs << 122000U;
-        QTest::newRow("rounded, not cut") << u"128.010"_qs << 128010U; // 128009.99999999999
-        QTest::newRow("rounded down") << u"118.0254"_qs << 118025U;
-        QTest::newRow("one kHz") << u"0.001"_qs << 1U;
-        QTest::newRow("rounded up to one kHz") << u"0.0005"_qs << 1U;
-        QTest::newRow("less than half a kHz") << u"0.0004"_qs << 0U;
-        QTest::newRow("the highest") << u"999.999"_qs << 999999U;
-        QTest::newRow("rounded down to the highest") << u"999.9994"_qs << 999999U;
-        QTest::newRow("too high when rounded") << u"999.9999"_qs << 0U;
-        QTest::newRow("too high") << u"1000"_qs << 0U;
-        QTest::newRow("empty") << QString() << 0U;
-        QTest::newRow("letters") << u"tower"_qs << 0U;
-        QTest::newRow("a comma") << u"121,800"_qs << 0U;
-        QTest::newRow("zero") << u"0"_qs << 0U;
-        QTest::newRow("negative") << u"-121.8"_qs << 0U;
-        QTest::newRow("kHz instead") << u"121800"_qs << 0U;
-        QTest::newRow("not a number") << u"nan"_qs << 0U;
-        QTest::newRow("infinite") << u"inf"_qs << 0U;
-    }
-    void readsMegahertz()
-    {
-        QFETCH(QString, text);
-        QFETCH(quint32, kilohertz);
-        QCOMPARE(ui::comFrequencyKhz(text).value_or(0), kilohertz);
-    }
-
-    void readsTransponderCodes_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("code"); // -1: refused
-        QTest::newRow("emergency") << u"7700"_qs << 7700;
-        QTest::newRow("blanks around it") << u" 2000\n"_qs << 2000;
-        QTest::newRow("two digits") << u"07"_qs << 7;
-        QTest::newRow("zeros") << u"0000"_qs << 0;
-        QTest::newRow("an eight") << u"8000"_qs << -1;
-        QTest::newRow("five digits") << u"12345"_qs << -1;
-        QTest::newRow("a letter") << u"77a"_qs << -1;
-        QTest::newRow("a sign") << u"-1"_qs << -1;
-        QTest::newRow("empty") << QString() << -1;
-    }
-    void readsTransponderCodes()
-    {
-        QFETCH(QString, text);
-        QFETCH(int, code);
-        QCOMPARE(ui::transponderCode(text).value_or(-1), code);
-    }
-
     void wishesReachTheSimulator_data()
     {
         using Page = SimulatorPageViewModel;

@@ -2,6 +2,7 @@
 
 #include "common/Units.h"
 #include "ui/viewmodel/Frequency.h"
+#include "ui/viewmodel/RadioEntry.h"
 
 #include <QStringList>
 #include <QVariantMap>
@@ -346,6 +347,16 @@ QVariantList SimulatorPageViewModel::plotContacts() const
 QString SimulatorPageViewModel::trafficSummary() const
 {
     return m_targets.isEmpty() ? tr("附近暂无交通目标") : tr("附近 %1 个交通目标").arg(m_targets.size());
+}
+
+QVariantMap SimulatorPageViewModel::checkFrequency(const QString &typed, const QString &example) const
+{
+    return frequencyVerdict(typed, example);
+}
+
+QVariantMap SimulatorPageViewModel::checkTransponderCode(const QString &typed) const
+{
+    return transponderVerdict(typed);
 }
 
 void SimulatorPageViewModel::requestReconnect()

@@ -188,6 +188,10 @@ public:
     /// Feeds the plot, but not with Microsoft Flight Simulator. Once or twice a second is enough.
     void setRemoteAircraft(const QList<model::RemoteAircraft> &aircraft);
 
+    // What the entry fields say to what is typed into them.
+    Q_INVOKABLE QVariantMap checkFrequency(const QString &typed, const QString &example) const;
+    Q_INVOKABLE QVariantMap checkTransponderCode(const QString &typed) const;
+
     Q_INVOKABLE void requestReconnect();
     Q_INVOKABLE void requestSetCom1Frequency(const QString &frequency);
     Q_INVOKABLE void requestSetCom2Frequency(const QString &frequency);

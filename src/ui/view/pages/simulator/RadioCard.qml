@@ -43,6 +43,7 @@ Card {
             RadioUnit {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                simulator: card.simulator
                 title: "COM1"
                 live: card.live
                 frequency: card.simulator ? card.simulator.com1Frequency : "--"
@@ -56,6 +57,7 @@ Card {
             RadioUnit {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                simulator: card.simulator
                 title: "COM2"
                 live: card.live
                 frequency: card.simulator ? card.simulator.com2Frequency : "--"
@@ -69,6 +71,7 @@ Card {
             TransponderUnit {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                simulator: card.simulator
                 live: card.live
                 code: card.simulator ? card.simulator.transponderCode : "--"
                 modeC: card.simulator ? card.simulator.squawkingModeC : false

@@ -1,11 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// One radio: its display, and the field that tunes it.
 ColumnLayout {
     id: unit
 
+    required property SimulatorBackend simulator
     property string title: "COM1"
     property string frequency: "--"
     property bool transmit: false
@@ -86,27 +88,7 @@ ColumnLayout {
         name: unit.title.toLowerCase()
         placeholder: qsTr("设置 %1，例如 %2").arg(unit.title).arg(unit.example)
         buttonText: qsTr("写入 %1").arg(unit.title)
-        verdict: unit.check(entry.typed)
+        verdict: unit.simulator ? unit.simulator.checkFrequency(entry.typed, unit.example) : ({})
         onSubmitted: value => unit.tuned(value)
-    }
-
-    /// An airband frequency in MHz; fewer than three decimals are filled up.
-    function check(text: string): var {
-        if (!/^\d{3}\.\d{1,3}$/.test(text))
-            return { hint: qsTr("格式如 %1").arg(example), unfinished: begins(text) }
-        const kilohertz = Math.round(Number(text) * 1000)
-        if (kilohertz < 118000 || kilohertz > 136990)
-            return { hint: qsTr("范围 118.000 至 136.990") }
-        if (kilohertz % 5 !== 0)
-            return { hint: qsTr("末位只能是 0 或 5") }
-        return { value: (kilohertz / 1000).toFixed(3) }
-    }
-
-    /// True for what may yet become a frequency: "1", "13", "121."
-    function begins(text: string): bool {
-        for (let megahertz = 118; megahertz <= 136; ++megahertz)
-            if ((megahertz + ".").startsWith(text))
-                return true
-        return false
     }
 }

@@ -1,11 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// The transponder: its code, the two buttons that work it, and the field that sets the code.
 ColumnLayout {
     id: unit
 
+    required property SimulatorBackend simulator
     property string code: "--"
     property bool modeC: false
     property bool ident: false
@@ -87,13 +89,7 @@ ColumnLayout {
         name: "transponder"
         placeholder: qsTr("设置应答机，例如 2000")
         buttonText: qsTr("写入应答机")
-        verdict: unit.check(entry.typed)
+        verdict: unit.simulator ? unit.simulator.checkTransponderCode(entry.typed) : ({})
         onSubmitted: value => unit.coded(value)
-    }
-
-    function check(text: string): var {
-        if (!/^[0-7]*$/.test(text))
-            return { hint: qsTr("只能用数字 0 至 7") }
-        return text.length > 4 ? { hint: qsTr("最多四位数字") } : { value: text }
     }
 }
