@@ -46,7 +46,7 @@ def configure():
     # targets have generated files only.
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         list(pool.map(lambda info: run('cmake', '-E', 'cmake_autogen', info, 'Debug'),
-                      [info for info in BUILD.rglob('AutogenInfo.json') if 'tarvo_view' not in str(info)]))
+                      [info for info in BUILD.rglob('AutogenInfo.json') if 'src/ui/view' not in str(info)]))
 
 
 def units(folders, only):
