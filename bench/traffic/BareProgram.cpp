@@ -1,6 +1,9 @@
 #include "traffic/BareProgram.h"
 
 #include "common/nng/SocketCloser.h"
+#include "model/AircraftVisualState.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "simulator/xplane/MessagePool.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "traffic/FsdEnd.h"

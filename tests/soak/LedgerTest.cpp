@@ -1,5 +1,6 @@
 #include "traffic/Ledger.h"
 
+#include "model/Controller.h"
 #include "model/RemoteAircraft.h"
 #include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"

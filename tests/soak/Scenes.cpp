@@ -308,7 +308,7 @@ bool Hour::sayEverywhere()
 
 bool Hour::pluginSpeaks()
 {
-    practice::PluginPeer &plugin = network.practice.xplane().plugin();
+    practice::PluginStandIn &plugin = network.practice.xplane().plugin();
     network.heard.clear();
     for (int i = 0; i < textCount; ++i)
         plugin.sendRadioMessage(QStringLiteral("cockpit %1").arg(i));
@@ -324,7 +324,7 @@ bool Hour::pluginSpeaks()
 
 bool Hour::pluginDies()
 {
-    practice::PluginPeer &plugin = network.practice.xplane().plugin();
+    practice::PluginStandIn &plugin = network.practice.xplane().plugin();
     const QString url = plugin.url();
     if (!connectAs(false))
         return false;
@@ -350,10 +350,10 @@ bool Hour::pluginDies()
 /// data alone do.
 bool Hour::pluginReturns(const QString &url)
 {
-    practice::PluginPeer &plugin = network.practice.xplane().plugin();
+    practice::PluginStandIn &plugin = network.practice.xplane().plugin();
     QStringList heard;
     const QObject context;
-    QObject::connect(&plugin, &practice::PluginPeer::messageReceived, &context,
+    QObject::connect(&plugin, &practice::PluginStandIn::messageReceived, &context,
                      [&heard](const QString &name) { heard << name; });
     if (!plugin.listen(url))
         return fails(QStringLiteral("no plugin address"));
