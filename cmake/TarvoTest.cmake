@@ -7,6 +7,7 @@ function(tarvo_test_options target)
     target_compile_options(${target} PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang>:-UQT_TESTCASE_BUILDDIR;-UQT_TESTCASE_SOURCEDIR>
         $<$<AND:$<CONFIG:RelWithDebInfo>,$<CXX_COMPILER_ID:GNU,Clang>>:-O1>)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD OFF) # test classes of one folder share names
     if(TARVO_SANITIZE)
         target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
     endif()

@@ -9,7 +9,7 @@
 namespace tarvo::practice {
 
 namespace {
-constexpr int stepMs = 50;
+constexpr int residentStepMs = 50;
 
 /// One on the circuit, who lowers flaps and gear and switches his lights as he goes; one with a livery and a model
 /// hint; one who tells his type but filed nothing; and one whose client doesn't know the question for the type, so that
@@ -131,7 +131,7 @@ void Residents::start()
     auto supervisor = std::make_unique<ResidentSupervisor>(m_server, m_settings, m_clock);
     ResidentSupervisor *const candidate = supervisor.get();
     m_supervisor = add(std::move(supervisor)) ? candidate : nullptr;
-    m_timer.start(stepMs);
+    m_timer.start(residentStepMs);
 }
 
 void Residents::addPilots()

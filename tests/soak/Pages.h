@@ -38,8 +38,12 @@ struct Pages
                          [this](bool connected) { simulator.setSimulatorState(connected, {}); });
         QObject::connect(&simulator, &SimulatorPageViewModel::trafficChanged, &m_context,
                          [this] { m_read += simulator.plotContacts().size(); });
-        QObject::connect(&messages, &MessagesPageViewModel::activeMessagesChanged, &m_context,
-                         [this] { m_read += messages.activeMessages().size(); });
+        QAbstractListModel *shown = messages.shownMessages();
+        QObject::connect(shown, &QAbstractListModel::rowsInserted, &m_context,
+                         [this, shown](const QModelIndex &, int first, int last) {
+                             for (int row = first; row <= last; ++row)
+                                 m_read += shown->itemData(shown->index(row)).size();
+                         });
         messages.setActiveChannel(QStringLiteral("ALL"));
     }
 
