@@ -24,11 +24,11 @@ namespace {
 
 constexpr int longestLoginMs = 60'000;
 constexpr int longestCrowdMs = 90'000;
-constexpr int settleMs = 6'000; ///< the start's questions and their answers are over by then
+constexpr int clientSettleMs = 6'000; ///< the start's questions and their answers are over by then
 constexpr int loginSettleMs = 2'000;
 constexpr double longestIdleSeconds = 20;
 constexpr int longestDrainMs = 5'000;
-constexpr int slowIntervalMs = 5'000;
+constexpr int clientSlowIntervalMs = 5'000;
 constexpr int lookIntervalMs = 50;
 
 /// Everybody but the client.
@@ -100,7 +100,7 @@ public:
 private:
     static int reportsOf(const Load &load)
     {
-        const double longest = load.seconds + (longestCrowdMs + settleMs) / 1000.0 + 10;
+        const double longest = load.seconds + (longestCrowdMs + clientSettleMs) / 1000.0 + 10;
         return static_cast<int>(longest * std::max(load.rate, 1.0));
     }
     QString urlOf(const QString &name) const { return QStringLiteral("ipc://%1/%2.ipc").arg(m_folder.path(), name); }
@@ -184,8 +184,8 @@ LoadResult runLoad(const Load &load)
                              .arg(load.pilots);
         return result;
     }
-    world.fsd.setSlowInterval(slowIntervalMs);
-    world.pass(settleMs);
+    world.fsd.setSlowInterval(clientSlowIntervalMs);
+    world.pass(clientSettleMs);
     measure(world, load, result);
     const BareResult bare = measureBare(load);
     result.bareShare = bare.cpuShare;

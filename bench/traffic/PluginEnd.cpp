@@ -12,7 +12,7 @@
 namespace tarvo::bench {
 
 namespace {
-constexpr int bufferedMessages = 8192;
+constexpr int pluginBufferedMessages = 8192;
 constexpr int version = 65536;
 
 void send(nng_socket socket, const msgpack::sbuffer &buffer)
@@ -25,8 +25,8 @@ PluginEnd::PluginEnd(const QString &url, Receiver receiver) : m_receiver(std::mo
 {
     if (nng_pair1_open(&m_socket) != 0)
         return;
-    nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, bufferedMessages);
-    nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, bufferedMessages);
+    nng_socket_set_int(m_socket, NNG_OPT_RECVBUF, pluginBufferedMessages);
+    nng_socket_set_int(m_socket, NNG_OPT_SENDBUF, pluginBufferedMessages);
     m_listening = nng_listen(m_socket, url.toUtf8().constData(), nullptr, 0) == 0 &&
                   nng_aio_alloc(&m_receive, nullptr, nullptr) == 0;
     if (m_listening)

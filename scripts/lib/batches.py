@@ -29,6 +29,11 @@ class Batch:
         """The checker's words with places in the text replaced by those in the files."""
         return re.sub(re.escape(str(self.text)) + r':(\d+)', lambda match: self._place(int(match[1])), output)
 
+    def split(self):
+        """Each file by itself."""
+        return [Batch(self.root, str(unit), self.text.with_name(text_name(str(unit))), [unit], self.command)
+                for unit in self.units]
+
     def _place(self, line):
         index = bisect.bisect_left(self._starts, line) - 1
         return f'{self.units[index]}:{line - self._starts[index]}'
@@ -56,9 +61,12 @@ def make(root, folder, units, alone):
         for part in range(parts):
             chosen = members[part::parts]
             name = str(chosen[0]) if len(chosen) == 1 else f'{key}, {chosen[0].stem} and others'
-            text = folder / (re.sub(r'\W+', '-', name) + '.cpp')
-            found.append(Batch(root, name, text, chosen, units[chosen[0]]))
+            found.append(Batch(root, name, folder / text_name(name), chosen, units[chosen[0]]))
     return sorted(found, key=lambda batch: -len(batch.units))
+
+
+def text_name(name):
+    return re.sub(r'\W+', '-', name) + '.cpp'
 
 
 def by_itself(unit):

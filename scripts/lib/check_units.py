@@ -7,8 +7,8 @@ tidy     clang-tidy with the project's .clang-tidy; not over the tests, whose ti
          analyzer looks into small functions only; --deep lets it follow all calls, which takes up to five times as long
 windows  mingw-w64's g++ with -fsyntax-only over the Linux Qt headers: is it valid Windows code? Every file, tests too
 
-The files of a module are checked a dozen at a time as one text, because nearly all the time goes into the Qt headers: so
-names in the anonymous namespaces of a module differ. With --only each file is checked by itself.
+The files of a module are checked a dozen at a time as one text, because nearly all the time goes into the Qt headers.
+Where two of them share a name in their anonymous namespaces, each is checked by itself, as with --only.
 
 What passed is not checked again until it, a project header that it includes or its command changes.
 """
@@ -22,7 +22,6 @@ import re
 import shlex
 import subprocess
 import sys
-import time
 
 import batches
 import windows_units
@@ -111,12 +110,17 @@ class TidyChecker:
 
 
 def check(checker, batch, stamp):
-    started = time.monotonic()
+    """What failed, as pairs of batch and output. Files that share names don't pass together: then each is checked alone."""
     result = subprocess.run(checker.command(batch), capture_output=True, text=True, cwd=BUILD)
-    if result.returncode == 0:
+    failures = []
+    if result.returncode != 0 and len(batch.units) > 1:
+        failures = [failure for part in batch.split() for failure in check(checker, part, None)]
+    elif result.returncode != 0:
+        failures = [(batch, batch.translate(result.stdout + result.stderr))]
+    if stamp and not failures:
         stamp.parent.mkdir(parents=True, exist_ok=True)
         stamp.touch()
-    return batch, result, time.monotonic() - started
+    return failures
 
 
 def main():
@@ -141,12 +145,11 @@ def main():
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         jobs = [pool.submit(check, checker, batch, stamps[batch]) for batch in stale]
         for job in concurrent.futures.as_completed(jobs):
-            batch, result, seconds = job.result()
-            if result.returncode != 0:
+            for batch, output in job.result():
                 failed += 1
-                print(f'FAIL {batch.name} ({seconds:.1f} s)\n{batch.translate(result.stdout + result.stderr)}', flush=True)
+                print(f'FAIL {batch.name}\n{output}', flush=True)
     unchanged = sum(len(batch.units) for batch in todo if batch not in stale)
-    print(f'{len(found)} files in {len(todo)} batches, {unchanged} unchanged since they passed, {failed} batches failed')
+    print(f'{len(found)} files in {len(todo)} batches, {unchanged} unchanged since they passed, {failed} failed')
     sys.exit(1 if failed or not found else 0)
 
 

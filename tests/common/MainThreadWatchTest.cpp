@@ -1,6 +1,7 @@
 #include "support/MainThreadWatch.h"
 #include "support/TestRegistry.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 using tarvo::test::MainThreadWatch;
