@@ -31,7 +31,7 @@ LogState &state()
     return *immortal;
 }
 
-/// True in the thread that is opening a log. What the toolkit has to say meanwhile would wait for the lock for ever;
+/// True in the thread that is opening a log. What Qt has to say meanwhile would wait for the lock for ever;
 /// with no file open the line is lost anyway.
 thread_local bool isOpening = false;
 

@@ -7,7 +7,7 @@ class QDateTime;
 
 namespace tarvo::logging {
 
-/// Installs the handler that formats every message of the toolkit and appends it to the log file. Messages that arrive
+/// Installs the handler that formats every message of Qt and appends it to the log file. Messages that arrive
 /// while no file is open are lost.
 void installHandler();
 

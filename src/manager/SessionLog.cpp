@@ -45,7 +45,7 @@ QStringView withoutLineEnd(QStringView line)
     return line;
 }
 
-/// "HH:mm:ss.zzz", UTC, with the closing zero. Every line of the traffic bears one: the toolkit's own formatting would
+/// "HH:mm:ss.zzz", UTC, with the closing zero. Every line of the traffic bears one: Qt's own formatting would
 /// cost as much as all the rest of the line.
 std::array<char, 13> timeOfDay(qint64 wallMs)
 {

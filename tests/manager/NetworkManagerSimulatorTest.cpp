@@ -22,7 +22,7 @@ QStringList *watch(Session &s, QStringList *told)
     return told;
 }
 
-/// As texts: comparing two empty lists of numbers trips the undefined-behaviour sanitizer inside the toolkit.
+/// As texts: comparing two empty lists of numbers trips the undefined-behaviour sanitizer inside Qt.
 QStringList texts(const QList<uint> &numbers)
 {
     QStringList list;

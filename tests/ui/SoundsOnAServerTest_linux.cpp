@@ -35,7 +35,7 @@ public:
         m_process.waitForFinished();
     }
 
-    /// From then on the toolkit finds it; to be called before it has looked for one.
+    /// From then on Qt finds it; to be called before it has looked for one.
     void start()
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
