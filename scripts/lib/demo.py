@@ -18,7 +18,7 @@ import tempfile
 import threading
 import time
 
-from name_server import NameServer, enter_own_network
+from name_server import Name, NameServer, enter_own_network
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PICTURES = ROOT / 'build' / 'demo'
@@ -180,8 +180,8 @@ def press(*keys):
         xdotool('key', key)
 
 
-def fly(client, practice, names):
-    """From the login to the logout, as a pilot would. `names` is the name server, if there is one."""
+def fly(client, practice, server_name):
+    """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one."""
     Window(LOGIN_TITLE)
     picture('1-login')
     type_text(USERNAME)
@@ -198,8 +198,8 @@ def fly(client, practice, names):
     main.open_page(SERVER_ITEM)
     picture('4-server-page')
     fill_form(main)
-    if names:
-        look_around_meanwhile(main, names)
+    if server_name:
+        look_around_meanwhile(main, server_name)
     else:
         main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
     connected = practice.wait_for(r'#AP' + CALLSIGN)
@@ -229,14 +229,14 @@ def fill_form(main):
     type_text(SELCAL)
 
 
-def look_around_meanwhile(main, names):
+def look_around_meanwhile(main, server_name):
     """Connects, and goes to another page and back while the server's name is being looked up."""
-    main.click(CONNECT_BUTTON, until=names.asked.is_set)
+    main.click(CONNECT_BUTTON, until=server_name.asked.is_set)
     main.open_page(MESSAGES_ITEM)
     picture('5-other-page-while-looking-up')
     main.open_page(SERVER_ITEM)
     picture('5-server-page-while-looking-up')
-    names.answer()
+    server_name.answer()
 
 
 def meet_traffic(main, practice, connected):
@@ -314,12 +314,14 @@ def main():
     parser.add_argument('--headless', action='store_true')
     arguments = parser.parse_args()
     programs = arguments.bin.resolve()
-    names, client_command = None, [programs / 'TarvoClient']
+    server_name, client_command = None, [programs / 'TarvoClient']
     if arguments.headless:
-        if enter_own_network():
-            names, client_command = NameServer(SERVER_NAME), [programs / 'tarvo-demo-client', SERVER_NAME]
+        reason = enter_own_network()
+        if reason is None:
+            server_name, client_command = Name('127.0.0.1'), [programs / 'tarvo-demo-client', SERVER_NAME]
+            NameServer({SERVER_NAME: server_name})
         else:
-            print('no network of our own here: the client finds the server by its address', flush=True)
+            print('no network of our own here, so the client finds the server by its address:', reason, flush=True)
     PICTURES.mkdir(parents=True, exist_ok=True)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
@@ -333,7 +335,7 @@ def main():
             with virtual_display():
                 client = subprocess.Popen(client_command)
                 try:
-                    fly(client, practice, names)
+                    fly(client, practice, server_name)
                 finally:
                     if client.poll() is None:
                         picture('at-the-end')

@@ -1,5 +1,17 @@
-"""A name server for one name, in a network of its own, that answers when it is told to. Needs Linux and root, or user
-namespaces."""
+#!/usr/bin/env python3
+"""Runs a command on a network of its own, whose name server answers as told, and late where told.
+
+    name_server.py NAME=[ADDRESS][@SECONDS]... -- COMMAND [ARGUMENT...]
+
+    name_server.py fsd.practice.test=127.0.0.1@3 dead.practice.test= -- scripts/demo
+
+A name with an address is answered after so many seconds (at once without any). One without an address is never
+answered, as by a server that is dead. Any other name doesn't exist. There is only loopback on that network. What the
+command ends with is what this ends with; 77 where such a network can't be had (not root, and not on a build server).
+
+A program in Python can instead call enter_own_network() and keep a NameServer by itself.
+"""
+import argparse
 import os
 import socket
 import struct
@@ -8,74 +20,131 @@ import sys
 import tempfile
 import threading
 
-MARK = 'TARVO_OWN_NETWORK'
+INSIDE = 'TARVO_OWN_NETWORK'
 SET_UP = 'ip link set lo up && mount --bind "$1" /etc/resolv.conf && shift && exec "$@"'
-
-
-def unshared(command):
-    """The command that runs `command` in a network of its own, whose name server is at 127.0.0.1; None where this
-    machine doesn't let us."""
-    with tempfile.NamedTemporaryFile('w', prefix='tarvo-resolv-', delete=False) as file:
-        file.write('nameserver 127.0.0.1\noptions timeout:30\n')  # a late answer is still an answer
-    os.chmod(file.name, 0o644)
-    root = [] if os.geteuid() == 0 else ['--map-root-user']
-    prefix = ['unshare', *root, '--net', '--mount', 'sh', '-c', SET_UP, 'sh', file.name]
-    try:
-        if subprocess.run([*prefix, 'true'], stderr=subprocess.DEVNULL).returncode == 0:
-            return [*prefix, *command]
-    except FileNotFoundError:
-        pass
-    os.unlink(file.name)
-    return None
+RESOLV_CONF = 'nameserver 127.0.0.1\noptions timeout:30\n'  # a late answer is still an answer
+SKIPPED = 77
+NO_SUCH_NAME = 3
+TYPE_A, CLASS_IN = 1, 1
 
 
 def enter_own_network():
-    """Starts this program again in a network of its own. Returns False where that can't be, True inside."""
-    if MARK in os.environ:
-        os.unlink(os.environ[MARK])  # it is mounted by now
-        return True
-    command = unshared([sys.executable, *sys.argv])
-    if command is None:
-        return False
-    os.environ[MARK] = command[command.index('sh', command.index('-c')) + 1]
+    """Starts this program again on a network of its own, where the system's name server is at 127.0.0.1. Returns the
+    reason where that can't be; inside nothing."""
+    if INSIDE in os.environ:
+        os.unlink(os.environ.pop(INSIDE))  # it is mounted by now
+        return None
+    with tempfile.NamedTemporaryFile('w', prefix='tarvo-resolv-', delete=False) as file:
+        file.write(RESOLV_CONF)
+    os.chmod(file.name, 0o644)
+    own_user = [] if os.geteuid() == 0 else ['--map-root-user']
+    prefix = ['unshare', *own_user, '--net', '--mount', 'sh', '-c', SET_UP, 'sh', file.name]
+    try:
+        tried = subprocess.run([*prefix, 'true'], capture_output=True, text=True, check=False)
+        reason = tried.stderr.strip() if tried.returncode != 0 else None
+    except FileNotFoundError as error:
+        reason = str(error)
+    if reason is not None:
+        os.unlink(file.name)
+        return reason
+    os.environ[INSIDE] = file.name
     sys.stdout.flush()
-    os.execvp(command[0], command)
+    return os.execvp(prefix[0], [*prefix, sys.executable, *sys.argv])
+
+
+class Name:
+    """What is known of a name: its address, None for a name that is never answered, and when it is told. Without
+    `seconds` it is told once answer() is called."""
+
+    def __init__(self, address, seconds=None):
+        self.address = address
+        self.seconds = seconds
+        self.asked = threading.Event()
+        self._may_answer = threading.Event()
+
+    def answer(self):
+        """From now on whoever asks, or has asked, gets the answer."""
+        self._may_answer.set()
+
+    def wait(self):
+        """Until it is time to answer."""
+        self._may_answer.wait(self.seconds)
 
 
 class NameServer:
-    """Knows one name, which is 127.0.0.1."""
+    """Answers at 127.0.0.1 for `names`, text to Name, until the program ends."""
 
-    def __init__(self, name):
-        self.name = name
-        self.asked = threading.Event()
-        self._may_answer = threading.Event()
+    def __init__(self, names):
+        self._names = names
         self._socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
         self._socket.bind(('127.0.0.1', 53))
         threading.Thread(target=self._serve, daemon=True).start()
 
-    def answer(self):
-        """From now on whoever asks, or has asked, gets an answer."""
-        self._may_answer.set()
-
     def _serve(self):
         while True:
-            question, sender = self._socket.recvfrom(512)
-            if self._name_of(question) == self.name:
-                self.asked.set()
-                self._may_answer.wait()
-            self._socket.sendto(self._reply(question), sender)
+            query, client = self._socket.recvfrom(512)
+            try:
+                text, kind, question = question_of(query)
+            except (IndexError, struct.error):
+                continue
+            threading.Thread(target=self._answer, args=(self._names.get(text), kind, query, question, client),
+                             daemon=True).start()
 
-    @staticmethod
-    def _name_of(question):
-        labels, at = [], 12
-        while question[at]:
-            labels.append(question[at + 1:at + 1 + question[at]].decode('ascii', 'replace'))
-            at += 1 + question[at]
-        return '.'.join(labels)
+    def _answer(self, name, kind, query, question, client):
+        if name:
+            name.asked.set()
+            if not name.address:
+                return
+            name.wait()
+        address = name.address if name and kind == TYPE_A else None
+        self._socket.sendto(reply_to(query, question, address, exists=name is not None), client)
 
-    def _reply(self, question):
-        end = question.index(0, 12) + 5  # behind type and class
-        known = self._name_of(question) == self.name and question[end - 4:end] == b'\0\1\0\1'
-        head = struct.pack('>2sHHHHH', question[:2], 0x8180 if known else 0x8183, 1, int(known), 0, 0)
-        record = struct.pack('>HHHIH4B', 0xC00C, 1, 1, 60, 4, 127, 0, 0, 1) if known else b''
-        return head + question[12:end] + record
+
+def question_of(query):
+    """Name, type, and the question's bytes."""
+    labels, at = [], 12
+    while query[at]:
+        labels.append(query[at + 1:at + 1 + query[at]].decode('latin-1').lower())
+        at += 1 + query[at]
+    kind = struct.unpack_from('>H', query, at + 1)[0]
+    return '.'.join(labels), kind, query[12:at + 5]
+
+
+def reply_to(query, question, address, exists):
+    """Recursion desired and available; one address record, or none."""
+    head = query[:2] + struct.pack('>HHHHH', 0x8180 | (0 if exists else NO_SUCH_NAME), 1, 1 if address else 0, 0, 0)
+    if not address:
+        return head + question
+    return head + question + struct.pack('>HHHIH', 0xC00C, TYPE_A, CLASS_IN, 1, 4) + socket.inet_aton(address)
+
+
+def parse_name(text):
+    """NAME=[ADDRESS][@SECONDS] as (text, Name)."""
+    name, equals, answer = text.partition('=')
+    if not equals or not name:
+        raise argparse.ArgumentTypeError(f'"{text}" is not NAME=[ADDRESS][@SECONDS]')
+    address, _, seconds = answer.partition('@')
+    if address:
+        socket.inet_aton(address)
+    return name.lower().rstrip('.'), Name(address or None, float(seconds or 0))
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument('names', nargs='+', type=parse_name, metavar='NAME=[ADDRESS][@SECONDS]')
+    if '--' not in sys.argv[1:-1]:
+        parser.error('no command')
+    split = sys.argv.index('--')
+    names, command = parser.parse_args(sys.argv[1:split]).names, sys.argv[split + 1:]
+    reason = enter_own_network()
+    if reason is not None:
+        must = os.geteuid() == 0 or os.environ.get('CI')
+        print(f'{"FAILED" if must else "SKIPPED"}: no network of its own to be had: {reason}')
+        sys.exit(1 if must else SKIPPED)
+    NameServer(dict(names))
+    code = subprocess.run(command, check=False).returncode
+    sys.exit(code if code >= 0 else 128 - code)
+
+
+if __name__ == '__main__':
+    main()
