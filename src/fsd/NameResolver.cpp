@@ -15,6 +15,8 @@ namespace tarvo::fsd {
 
 namespace {
 
+constexpr const char *workerName = "name look-up";
+
 bool isIPv4Literal(const QString &host)
 {
     QHostAddress address;
@@ -40,10 +42,10 @@ struct NameResolver::Desk
     }
 };
 
-NameResolver::NameResolver(QObject *parent)
-    : QObject(parent), m_desk(std::make_shared<Desk>()), m_worker("name look-up", 1)
+NameResolver::NameResolver(QObject *parent) : QObject(parent), m_desk(std::make_shared<Desk>())
 {
     m_desk->owner = this;
+    m_worker.emplace(workerName, 1);
 }
 
 NameResolver::~NameResolver()
@@ -52,9 +54,8 @@ NameResolver::~NameResolver()
         const std::lock_guard lock(m_desk->mutex);
         m_desk->owner = nullptr;
     }
-    m_worker.clear();
-    if (!m_worker.isIdle())
-        m_worker.finish(std::chrono::milliseconds(0)); // waits for nobody
+    m_worker->clear();
+    leaveBusyWorker();
 }
 
 void NameResolver::lookUp(const QString &host, Answer answer)
@@ -71,6 +72,8 @@ void NameResolver::lookUp(const QString &host, Answer answer)
 
 std::optional<QString> NameResolver::resolve(const QString &host)
 {
+    abort();
+    leaveBusyWorker();
     std::optional<QString> address;
     lookUp(host, [&address](const QString &found) { address = found; });
     if (address)
@@ -83,7 +86,8 @@ std::optional<QString> NameResolver::resolve(const QString &host)
     --m_waiting;
     if (request != m_request) // the answer may have come, and then the abort in the same turn
         return std::nullopt;
-    m_answer = {}; // the end of the program ends the loop, too
+    if (!address) // the end of the program ends the loop, too
+        abort();
     return address;
 }
 
@@ -91,13 +95,22 @@ void NameResolver::abort()
 {
     ++m_request;
     m_answer = {};
-    m_worker.clear();
+    m_worker->clear();
     emit requestEnded();
+}
+
+/// A look-up that is at work can't be called off. It is left behind with its thread, so that nobody waits for it.
+void NameResolver::leaveBusyWorker()
+{
+    if (m_worker->isIdle())
+        return;
+    m_worker->finish(std::chrono::milliseconds(0));
+    m_worker.emplace(workerName, 1);
 }
 
 void NameResolver::ask(const QByteArray &name)
 {
-    const bool isAsked = m_worker.post([desk = m_desk, request = m_request, name] {
+    const bool isAsked = m_worker->post([desk = m_desk, request = m_request, name] {
         const std::optional<quint32> found = name.isEmpty() ? std::nullopt : lookUpAddress(name);
         desk->report(request, found ? QHostAddress(*found).toString() : QString());
     });
@@ -107,7 +120,7 @@ void NameResolver::ask(const QByteArray &name)
 
 void NameResolver::onAnswer(int request, const QString &address)
 {
-    if (request != m_request || !m_answer)
+    if (request != m_request)
         return;
     std::exchange(m_answer, {})(address);
     emit requestEnded();

@@ -11,8 +11,9 @@
 
 namespace tarvo::fsd {
 
-/// Turns a server name into an IPv4 address. One look-up at a time, on a thread that nobody waits for: neither its
-/// owner's end nor the program's. The newest wins.
+/// Turns a server name into an IPv4 address, on a thread that nobody waits for: neither its owner's end nor the
+/// program's. The newest look-up wins. Those of lookUp() are made one at a time, however many are asked for; resolve()
+/// doesn't wait for one that was abandoned.
 class NameResolver : public QObject
 {
     Q_OBJECT
@@ -39,11 +40,12 @@ private:
     struct Desk;
 
     void ask(const QByteArray &name);
+    void leaveBusyWorker();
     void onAnswer(int request, const QString &address);
 
     std::shared_ptr<Desk> m_desk;
-    common::Worker m_worker;
-    Answer m_answer; ///< whom the request that is under way is for
+    std::optional<common::Worker> m_worker; ///< there for good, though not always the same
+    Answer m_answer;                        ///< whom the request that is under way is for
     int m_request = 0;
     int m_waiting = 0; ///< resolve() calls on the stack
 

@@ -7,8 +7,11 @@
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
+#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+
+#include <algorithm>
 
 using tarvo::fsd::FsdClient;
 using tarvo::fsd::pdu::Ping;
@@ -99,6 +102,23 @@ private slots:
         net.client.receive("Z");
         net.client.receive(pings(1, 20));
         QTRY_COMPARE(net.order, numbers(21));
+    }
+
+    void whatIsTooMuchStaysWithTheServer()
+    {
+        constexpr qint64 bound = 1 << 20;
+        Slow net;
+        QVERIFY(net.open());
+        auto *socket = net.client.findChild<QTcpSocket *>();
+        qint64 mostUnread = 0;
+        connect(&net.client, &FsdClient::raisePingReceived, this,
+                [&] { mostUnread = std::max(mostUnread, socket->bytesAvailable()); });
+        const QByteArray line = "$PIS:C:" + QByteArray(16'000, 'x') + "\r\n";
+        const int lines = int(4 * bound / line.size());
+        net.client.receive(line.repeated(lines)); // so much that the socket has to wait
+        net.peer.injectBytes(line.repeated(lines));
+        TRY_COMPARE(net.order.size(), 2 * lines);
+        QVERIFY(mostUnread > 0 && mostUnread <= bound);
     }
 
     void aDisconnectForgetsWhatWaits()

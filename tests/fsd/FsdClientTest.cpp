@@ -1,6 +1,7 @@
 #include "fsd/FsdClient.h"
 #include "fsd/pdu/Ping.h"
 #include "support/FsdPeer.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <QMetaMethod>
@@ -27,7 +28,8 @@ const QString badName = QStringLiteral("not..a.name"); // fails without a name s
 struct Session
 {
     FsdPeer peer;
-    FsdClient client;
+    tarvo::test::ManualClock clock; ///< stands still: all lines of a chunk are handled in one turn
+    FsdClient client{nullptr, clock};
     QSignalSpy connected{&client, &FsdClient::raiseNetworkConnected};
     QSignalSpy disconnected{&client, &FsdClient::raiseNetworkDisconnected};
     QSignalSpy errors{&client, &FsdClient::raiseNetworkError};
@@ -38,6 +40,30 @@ struct Session
     {
         return client.connectToServer(peer.address(), peer.port()) &&
                QTest::qWaitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
+    }
+};
+
+/// A server that accepts a connection and never reads.
+struct DeafServer
+{
+    static constexpr int tooMany = 2000; ///< answers
+
+    QTcpServer server;
+
+    bool open(Session &session)
+    {
+        if (!server.listen(QHostAddress::LocalHost))
+            return false;
+        server.pauseAccepting(); // the connection stands, and nobody reads
+        return session.client.connectToServer(u"127.0.0.1"_qs, server.serverPort()) &&
+               QTest::qWaitFor([&] { return session.client.isConnected(); });
+    }
+    /// Says `before`, then asks for more answers than can wait.
+    static void ask(Session &session, const QByteArray &before = {})
+    {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"the server does not read"_qs));
+        const QByteArray challenge = "$ZCS:C:" + QByteArray(16'000, 'x') + "\r\n";
+        session.client.receive(before + challenge.repeated(tooMany));
     }
 };
 
@@ -362,12 +388,9 @@ private slots:
 
     void aServerThatNeverReadsIsLeft()
     {
-        QTcpServer deaf;
-        QVERIFY(deaf.listen(QHostAddress::LocalHost));
-        deaf.pauseAccepting(); // the connection stands, and nobody reads
         Session session;
-        QVERIFY(session.client.connectToServer(u"127.0.0.1"_qs, deaf.serverPort()));
-        QTRY_VERIFY(session.client.isConnected());
+        DeafServer deaf;
+        QVERIFY(deaf.open(session));
         auto *socket = session.client.findChild<QTcpSocket *>();
         qint64 mostUnsent = 0;
         connect(&session.client, &FsdClient::raiseRawDataSent, this,
@@ -379,17 +402,51 @@ private slots:
         });
         connect(&session.client, &FsdClient::raiseNetworkDisconnected, this, [&] { order << u"disconnected"_qs; });
 
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"the server does not read"_qs));
-        const QByteArray challenge = "$ZCS:C:" + QByteArray(16'000, 'x') + "\r\n";
-        constexpr int tooMany = 2000;
-        session.client.receive(challenge.repeated(tooMany));
-        QTRY_COMPARE(order, (QStringList{u"The server does not read what it is sent."_qs, u"disconnected"_qs}));
+        DeafServer::ask(session);
+        QCOMPARE(order, (QStringList{u"The server does not read what it is sent."_qs, u"disconnected"_qs}));
         QVERIFY(!session.client.isConnected());
-        QVERIFY(session.received.count() < tooMany);                  // the rest of the chunk is not handled
+        QVERIFY(session.received.count() < DeafServer::tooMany);      // the rest of the chunk is not handled
         QCOMPARE(session.sent.count(), session.received.count() - 1); // nor the last answer sent
         QVERIFY(mostUnsent > 1024 * 1024 && mostUnsent <= 4 * 1024 * 1024);
         QCOMPARE(socket->bytesToWrite(), 0);
         QCOMPARE(socket->state(), QAbstractSocket::UnconnectedState); // does not wait for the bytes to leave
+    }
+
+    void whoHearsThatTheServerNeverReadsMayAct_data()
+    {
+        QTest::addColumn<bool>("connectsAnew");
+        QTest::newRow("disconnect") << false;
+        QTest::newRow("connect anew") << true;
+    }
+    void whoHearsThatTheServerNeverReadsMayAct()
+    {
+        QFETCH(bool, connectsAnew);
+        Session session;
+        DeafServer deaf;
+        QVERIFY(deaf.open(session));
+        connect(&session.client, &FsdClient::raiseNetworkError, this, [&] {
+            if (connectsAnew)
+                session.client.connectToServer(session.peer.address(), session.peer.port());
+            else
+                session.client.disconnectFromServer();
+        });
+        DeafServer::ask(session);
+        QCOMPARE(session.disconnected.count(), connectsAnew ? 0 : 1);
+        if (connectsAnew)
+            QVERIFY(session.peer.waitForConnection() && session.peer.expectNothing());
+    }
+
+    void aServerThatSendsElsewhereNeedNotRead()
+    {
+        Session session;
+        DeafServer deaf;
+        QVERIFY(deaf.open(session));
+        FsdPeer next(u"127.0.0.2"_qs, deaf.server.serverPort());
+        DeafServer::ask(session, "$XXS:C:127.0.0.2\r\n");
+        QVERIFY(next.waitForConnection() && next.expectNothing());
+        QVERIFY(session.client.isConnected());
+        QCOMPARE(session.disconnected.count(), 0);
+        QCOMPARE(session.errors.count(), 0);
     }
 
     void nothingIsSentOverASocketThatAnErrorHasClosed()

@@ -98,27 +98,37 @@ private slots:
 
     void forgetting_data()
     {
-        QTest::addColumn<QString>("chunk");
-        QTest::addColumn<int>("taken"); // lines, before
+        QTest::addColumn<QStringList>("chunks");
+        QTest::addColumn<int>("taken"); // lines, behind the first chunk
         QTest::addColumn<QStringList>("left");
         const QString lines = u"ab\r\ncd\r\n"_qs;
-        QTest::newRow("a partial line") << u"xy"_qs << 0 << QStringList();
-        QTest::newRow("lines stay") << lines << 0 << QStringList{u"ab"_qs, u"cd"_qs};
-        QTest::newRow("lines before a partial one stay") << lines + u"xy"_qs << 0 << QStringList{u"ab"_qs, u"cd"_qs};
-        QTest::newRow("one is taken") << lines + u"xy"_qs << 1 << QStringList{u"cd"_qs};
-        QTest::newRow("all are taken") << lines + u"xy"_qs << 2 << QStringList();
-        QTest::newRow("all are taken and the end is seen") << lines + u"xy"_qs << 3 << QStringList();
+        const QString longLine(longest + 1, u'x');
+        QTest::newRow("a partial line") << QStringList{u"xy"_qs} << 0 << QStringList();
+        QTest::newRow("lines stay") << QStringList{lines} << 0 << QStringList{u"ab"_qs, u"cd"_qs};
+        QTest::newRow("lines before a partial one stay")
+            << QStringList{lines + u"xy"_qs} << 0 << QStringList{u"ab"_qs, u"cd"_qs};
+        QTest::newRow("one is taken") << QStringList{lines + u"xy"_qs} << 1 << QStringList{u"cd"_qs};
+        QTest::newRow("all are taken") << QStringList{lines + u"xy"_qs} << 2 << QStringList();
+        QTest::newRow("all are taken and the end is seen") << QStringList{lines + u"xy"_qs} << 3 << QStringList();
+        QTest::newRow("a line whose end came in two pieces")
+            << QStringList{u"ab\r"_qs, u"\nxy"_qs} << 1 << QStringList{u"ab"_qs};
+        QTest::newRow("a line that is too long") << QStringList{longLine} << 1 << QStringList();
+        QTest::newRow("a line behind one that is too long")
+            << QStringList{longLine, u"\r\nab\r\nxy"_qs} << 1 << QStringList{u"ab"_qs};
     }
     void forgetting()
     {
-        QFETCH(QString, chunk);
+        QFETCH(QStringList, chunks);
         QFETCH(int, taken);
         QFETCH(QStringList, left);
         for (const bool partialOnly : {true, false}) {
+            if (chunks.first().size() > longest)
+                QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^FSD line dropped, too long"_qs));
             LineSplitter splitter;
-            splitter.feed(chunk);
+            splitter.feed(chunks.first());
             for (int i = 0; i < taken; ++i)
                 splitter.take();
+            splitter.feed(chunks.value(1));
             if (partialOnly)
                 splitter.forgetPartial();
             else

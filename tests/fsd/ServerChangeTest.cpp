@@ -1,4 +1,5 @@
 #include "fsd/FsdClient.h"
+#include "fsd/NameResolver.h"
 #include "fsd/pdu/Ping.h"
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
@@ -11,6 +12,7 @@
 #include <optional>
 
 using tarvo::fsd::FsdClient;
+using tarvo::fsd::NameResolver;
 using tarvo::fsd::pdu::Ping;
 using tarvo::test::FsdPeer;
 
@@ -223,6 +225,32 @@ private slots:
         QVERIFY(net.second->expectNothing()); // the look-up's answer changes nothing any more
         QCOMPARE(net.client.serverAddress(), QStringLiteral("127.0.0.2"));
         QCOMPARE(net.disconnected.count(), 0);
+    }
+
+    void aChangeIsLeftOutWhileThePilotLeavesForAnotherServer()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QVERIFY(net.listenAsSecond());
+        QMetaObject::invokeMethod(
+            &net.client, [&] { net.client.receive("$XXSERVER:CES1:127.0.0.2\r\n"); }, Qt::QueuedConnection);
+        QVERIFY(!net.client.connectToServer(u"not..a.name"_qs, 1));
+        QCOMPARE(net.errors.count(), 1); // the look-up went on to its end
+        QVERIFY(net.first.expectNothing());
+        QCOMPARE(net.second->connectionCount(), 0);
+    }
+
+    void aChangeToldUnderTheEndOfTheConnectionEndsWithIt()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        QSignalSpy lookUps(net.client.findChild<NameResolver *>(), &NameResolver::requestEnded);
+        connect(&net.client, &FsdClient::raiseNetworkError, &net.client,
+                [&] { net.client.receive("$XXSERVER:CES1:not..a.name\r\n"); });
+        net.first.closeConnection();
+        QTRY_COMPARE(lookUps.count(), 2); // the one before, and the server's
+        QCOMPARE(net.disconnected.count(), 1);
+        QCOMPARE(net.errors.count(), 1);
     }
 
     void aRefusedChangeKeepsTheOldServer()
