@@ -1,15 +1,22 @@
-// Starts many look-ups of the name that its argument is, and ends under the last.
+// Starts many look-ups of the name that its argument is, and ends under the last, which ends with it.
 #include "fsd/NameResolver.h"
 
 #include <QCoreApplication>
 
+using tarvo::fsd::NameResolver;
+
 int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
-    tarvo::fsd::NameResolver resolver;
+    const QString name = QString::fromLocal8Bit(argv[argc - 1]);
+    NameResolver resolver;
     for (int i = 0; i < 50; ++i)
-        resolver.lookUp(QString::fromLocal8Bit(argv[argc - 1]), [](const QString &) {});
-    QMetaObject::invokeMethod(
-        &resolver, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
-    return resolver.resolve(QString::fromLocal8Bit(argv[argc - 1])) ? 1 : 0;
+        resolver.lookUp(name, [](const QString &) {});
+    bool hasEnded = false;
+    const auto end = [&] {
+        QCoreApplication::exit();
+        QObject::connect(&resolver, &NameResolver::requestEnded, [&hasEnded] { hasEnded = true; });
+    };
+    QMetaObject::invokeMethod(&resolver, end, Qt::QueuedConnection);
+    return !resolver.resolve(name) && hasEnded ? 0 : 1;
 }
