@@ -11,103 +11,75 @@ namespace tarvo::practice {
 namespace {
 constexpr int residentStepMs = 50;
 
+struct PilotRow
+{
+    const char *callsign, *cid, *realName, *equipment, *livery, *csl, *airline, *filedType, *destination;
+    int squawk;
+    const Pattern &(*pattern)();
+    const char *startPhase;
+};
+
 /// One on the circuit, who lowers flaps and gear and switches his lights as he goes; one with a livery and a model
 /// hint; one who tells his type but filed nothing; and one whose client doesn't know the question for the type, so that
 /// only his flight plan tells it.
-std::vector<PilotProfile> pilots()
+constexpr PilotRow pilotRows[] = {
+    {"CES2117", "9001", "Chen Yu ZSPD", "B738", "", "", "CES", "B738/L", "ZSPD", 3401, westCircuit, "downwind"},
+    {"CCA908", "9002", "Zhao Ming ZBAA", "A333", "SWIFT_A333_CCA", "A333_CCA", "CCA", "H/A333/L", "ZGGG", 3402,
+     racetrack, "climb"},
+    {"CHH7182", "9003", "Wu Lan ZJHK", "E190", "", "", "CHH", "", "", 3403, apronTaxi, "taxi"},
+    {"BAW38", "9004", "Tom Baker EGLL", "", "", "", "", "H/B789/L", "EGLL", 3404, holdingPoint, "holding"},
+};
+
+struct ControllerRow
 {
-    return {
-        {.callsign = QStringLiteral("CES2117"),
-         .cid = QStringLiteral("9001"),
-         .realName = QStringLiteral("Chen Yu ZSPD"),
-         .equipment = QStringLiteral("B738"),
-         .livery = {},
-         .csl = {},
-         .airline = QStringLiteral("CES"),
-         .filedType = QStringLiteral("B738/L"),
-         .destination = QStringLiteral("ZSPD"),
-         .squawk = 3401,
-         .pattern = westCircuit(),
-         .startPhase = QStringLiteral("downwind")},
-        {.callsign = QStringLiteral("CCA908"),
-         .cid = QStringLiteral("9002"),
-         .realName = QStringLiteral("Zhao Ming ZBAA"),
-         .equipment = QStringLiteral("A333"),
-         .livery = QStringLiteral("SWIFT_A333_CCA"),
-         .csl = QStringLiteral("A333_CCA"),
-         .airline = QStringLiteral("CCA"),
-         .filedType = QStringLiteral("H/A333/L"),
-         .destination = QStringLiteral("ZGGG"),
-         .squawk = 3402,
-         .pattern = racetrack(),
-         .startPhase = QStringLiteral("climb")},
-        {.callsign = QStringLiteral("CHH7182"),
-         .cid = QStringLiteral("9003"),
-         .realName = QStringLiteral("Wu Lan ZJHK"),
-         .equipment = QStringLiteral("E190"),
-         .livery = {},
-         .csl = {},
-         .airline = QStringLiteral("CHH"),
-         .filedType = {},
-         .destination = {},
-         .squawk = 3403,
-         .pattern = apronTaxi(),
-         .startPhase = QStringLiteral("taxi")},
-        {.callsign = QStringLiteral("BAW38"),
-         .cid = QStringLiteral("9004"),
-         .realName = QStringLiteral("Tom Baker EGLL"),
-         .equipment = {},
-         .livery = {},
-         .csl = {},
-         .airline = {},
-         .filedType = QStringLiteral("H/B789/L"),
-         .destination = QStringLiteral("EGLL"),
-         .squawk = 3404,
-         .pattern = holdingPoint(),
-         .startPhase = QStringLiteral("holding")},
-    };
+    const char *callsign, *cid, *realName;
+    quint32 frequency; ///< kHz
+    int facility, rangeNm;
+    const char *atis; ///< lines
+    const char *logoff;
+    bool talks;
+};
+
+constexpr ControllerRow controllerRows[] = {
+    {"ZBAA_TWR", "9011", "Liu Fang", 118'500, 4, 60,
+     "Beijing Tower, 118.500\nRunway 36R in use, wind calm, QNH 1013\nText me for a SELCAL check", "1500z", true},
+    {"ZBAA_GND", "9012", "Sun Hao", 121'900, 3, 30, "Beijing Ground, 121.900\nPush-back and taxi: on request", "",
+     false},
+    {"ZBAA_APP", "9013", "Ma Li", 119'000, 5, 150, "Beijing Approach, 119.000\nExpect the ILS approach, runway 36R",
+     "1700z", false},
+};
+
+PilotProfile profileOf(const PilotRow &row)
+{
+    return {.callsign = QLatin1String(row.callsign),
+            .cid = QLatin1String(row.cid),
+            .realName = QLatin1String(row.realName),
+            .equipment = QLatin1String(row.equipment),
+            .livery = QLatin1String(row.livery),
+            .csl = QLatin1String(row.csl),
+            .airline = QLatin1String(row.airline),
+            .filedType = QLatin1String(row.filedType),
+            .destination = QLatin1String(row.destination),
+            .squawk = row.squawk,
+            .pattern = row.pattern(),
+            .startPhase = QLatin1String(row.startPhase)};
 }
 
-std::vector<ControllerProfile> controllers()
+ControllerProfile profileOf(const ControllerRow &row)
 {
     constexpr double latitude = 40.0725;
     constexpr double longitude = 116.5975;
-    return {
-        {.callsign = QStringLiteral("ZBAA_TWR"),
-         .cid = QStringLiteral("9011"),
-         .realName = QStringLiteral("Liu Fang"),
-         .frequency = 118'500,
-         .facility = 4,
-         .rangeNm = 60,
-         .latitude = latitude,
-         .longitude = longitude,
-         .atis = {QStringLiteral("Beijing Tower, 118.500"), QStringLiteral("Runway 36R in use, wind calm, QNH 1013"),
-                  QStringLiteral("Text me for a SELCAL check")},
-         .logoff = QStringLiteral("1500z"),
-         .talks = true},
-        {.callsign = QStringLiteral("ZBAA_GND"),
-         .cid = QStringLiteral("9012"),
-         .realName = QStringLiteral("Sun Hao"),
-         .frequency = 121'900,
-         .facility = 3,
-         .rangeNm = 30,
-         .latitude = latitude,
-         .longitude = longitude,
-         .atis = {QStringLiteral("Beijing Ground, 121.900"), QStringLiteral("Push-back and taxi: on request")},
-         .logoff = {},
-         .talks = false},
-        {.callsign = QStringLiteral("ZBAA_APP"),
-         .cid = QStringLiteral("9013"),
-         .realName = QStringLiteral("Ma Li"),
-         .frequency = 119'000,
-         .facility = 5,
-         .rangeNm = 150,
-         .latitude = latitude,
-         .longitude = longitude,
-         .atis = {QStringLiteral("Beijing Approach, 119.000"), QStringLiteral("Expect the ILS approach, runway 36R")},
-         .logoff = QStringLiteral("1700z"),
-         .talks = false},
-    };
+    return {.callsign = QLatin1String(row.callsign),
+            .cid = QLatin1String(row.cid),
+            .realName = QLatin1String(row.realName),
+            .frequency = row.frequency,
+            .facility = row.facility,
+            .rangeNm = row.rangeNm,
+            .latitude = latitude,
+            .longitude = longitude,
+            .atis = QString::fromLatin1(row.atis).split(u'\n'),
+            .logoff = QLatin1String(row.logoff),
+            .talks = row.talks};
 }
 } // namespace
 
@@ -126,24 +98,14 @@ void Residents::start()
 {
     if (!m_members.empty())
         return;
-    addControllers();
-    addPilots();
+    for (const ControllerRow &row : controllerRows)
+        add(std::make_unique<ResidentController>(profileOf(row), m_server, m_settings, m_clock));
+    for (const PilotRow &row : pilotRows)
+        add(std::make_unique<ResidentPilot>(profileOf(row), m_server, m_settings, m_clock));
     auto supervisor = std::make_unique<ResidentSupervisor>(m_server, m_settings, m_clock);
     ResidentSupervisor *const candidate = supervisor.get();
     m_supervisor = add(std::move(supervisor)) ? candidate : nullptr;
     m_timer.start(residentStepMs);
-}
-
-void Residents::addPilots()
-{
-    for (const PilotProfile &profile : pilots())
-        add(std::make_unique<ResidentPilot>(profile, m_server, m_settings, m_clock));
-}
-
-void Residents::addControllers()
-{
-    for (const ControllerProfile &profile : controllers())
-        add(std::make_unique<ResidentController>(profile, m_server, m_settings, m_clock));
 }
 
 bool Residents::add(std::unique_ptr<Resident> member)

@@ -38,8 +38,6 @@ public:
 
 private:
     bool add(std::unique_ptr<Resident> member);
-    void addPilots();
-    void addControllers();
 
     FsdServer &m_server;
     ResidentSettings m_settings;

@@ -14,10 +14,10 @@
 namespace tarvo::test {
 
 /// A client of the FSD server that writes bytes and keeps the lines that come.
-class FsdPeer
+class FsdLineClient
 {
 public:
-    explicit FsdPeer(const practice::FsdServer &server)
+    explicit FsdLineClient(const practice::FsdServer &server)
     {
         QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] { m_received += socket.readAll(); });
         socket.connectToHost(server.address(), server.port());
@@ -62,7 +62,7 @@ private:
 };
 
 /// Waits until the server has handled everything that `peer`, logged in under that callsign, has sent.
-inline void settle(FsdPeer &peer, const QByteArray &callsign)
+inline void settle(FsdLineClient &peer, const QByteArray &callsign)
 {
     static int serial = 0;
     const QByteArray mark = QByteArray::number(++serial);

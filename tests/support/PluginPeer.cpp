@@ -1,79 +1,21 @@
 #include "support/PluginPeer.h"
 
 #include "common/nng/SocketCloser.h"
+#include "practice/xplane/PluginMessage.h"
 
 #include <nng/protocol/pair1/pair.h>
 
-#include <msgpack.hpp>
-
-#include <QMetaType>
-
 namespace tarvo::test {
+
+using practice::PluginMessage;
 
 namespace {
 
-using Packer = msgpack::packer<msgpack::sbuffer>;
-
-void packVariant(Packer &packer, const QVariant &value)
+/// An empty one when the bytes are no message.
+PluginMessage unpacked(const QByteArray &bytes)
 {
-    switch (value.metaType().id()) {
-    case QMetaType::UnknownType:
-        packer.pack_nil();
-        break;
-    case QMetaType::Bool:
-        packer.pack(value.toBool());
-        break;
-    case QMetaType::Double:
-        packer.pack(value.toDouble());
-        break;
-    case QMetaType::QString:
-        packer.pack(value.toString().toStdString());
-        break;
-    case QMetaType::QVariantList: {
-        const QVariantList list = value.toList();
-        packer.pack_array(static_cast<uint32_t>(list.size()));
-        for (const QVariant &item : list)
-            packVariant(packer, item);
-        break;
-    }
-    default:
-        packer.pack(value.toLongLong());
-    }
-}
-
-QVariant unpackVariant(const msgpack::object &value)
-{
-    switch (value.type) {
-    case msgpack::type::BOOLEAN:
-        return value.via.boolean;
-    case msgpack::type::POSITIVE_INTEGER:
-    case msgpack::type::NEGATIVE_INTEGER:
-        return static_cast<qlonglong>(value.as<int64_t>());
-    case msgpack::type::FLOAT32:
-    case msgpack::type::FLOAT64:
-        return value.via.f64;
-    case msgpack::type::STR:
-        return QString::fromStdString(value.as<std::string>());
-    case msgpack::type::ARRAY: {
-        QVariantList list;
-        for (uint32_t i = 0; i < value.via.array.size; ++i)
-            list.append(unpackVariant(value.via.array.ptr[i]));
-        return list;
-    }
-    default:
-        return {};
-    }
-}
-
-/// Name and arguments; an empty list when the bytes are no message.
-QVariantList unpackMessage(const QByteArray &bytes)
-{
-    try {
-        const auto handle = msgpack::unpack(bytes.constData(), static_cast<size_t>(bytes.size()));
-        return unpackVariant(handle.get()).toList();
-    } catch (const std::exception &) {
-        return {};
-    }
+    QString error;
+    return PluginMessage::fromBytes(bytes, &error).value_or(PluginMessage{});
 }
 
 } // namespace
@@ -116,7 +58,7 @@ QStringList PluginPeer::names() const
 {
     QStringList names;
     for (const QByteArray &message : messages())
-        names.append(unpackMessage(message).value(0).toString());
+        names.append(unpacked(message).name);
     return names;
 }
 
@@ -124,9 +66,9 @@ QVariantList PluginPeer::arguments(const QString &name) const
 {
     QVariantList arguments;
     for (const QByteArray &message : messages()) {
-        const QVariantList parts = unpackMessage(message);
-        if (parts.value(0).toString() == name)
-            arguments = parts.value(1).toList();
+        const PluginMessage got = unpacked(message);
+        if (got.name == name)
+            arguments = got.arguments;
     }
     return arguments;
 }
@@ -180,12 +122,7 @@ void PluginPeer::onPipeEvent(nng_pipe, nng_pipe_ev event, void *peer)
 
 QByteArray packPluginMessage(const QString &name, const QVariantList &arguments)
 {
-    msgpack::sbuffer buffer;
-    Packer packer(buffer);
-    packer.pack_array(2);
-    packVariant(packer, name);
-    packVariant(packer, QVariant(arguments));
-    return {buffer.data(), static_cast<qsizetype>(buffer.size())};
+    return PluginMessage{name, arguments}.toBytes();
 }
 
 } // namespace tarvo::test

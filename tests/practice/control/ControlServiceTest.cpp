@@ -21,7 +21,7 @@ class ControlServiceTest : public QObject
     std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<ControlService> m_control;
     std::unique_ptr<WebPeer> m_web;
-    std::unique_ptr<FsdPeer> m_pilot;
+    std::unique_ptr<FsdLineClient> m_pilot;
 
 private slots:
     void init()
@@ -32,7 +32,7 @@ private slots:
         m_control = std::make_unique<ControlService>(*m_network);
         QVERIFY2(m_network->start(), qPrintable(m_network->errorString()));
         m_web = std::make_unique<WebPeer>(m_network->account());
-        m_pilot = std::make_unique<FsdPeer>(m_network->fsd());
+        m_pilot = std::make_unique<FsdLineClient>(m_network->fsd());
         m_pilot->logIn("AB1");
         QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
     }

@@ -22,12 +22,12 @@ class ScriptPlayerTest : public QObject
     ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<ScriptPlayer> m_player;
-    std::unique_ptr<FsdPeer> m_pilot;
+    std::unique_ptr<FsdLineClient> m_pilot;
     QStringList m_played;
 
     void logIn(const QByteArray &callsign = "AB1")
     {
-        m_pilot = std::make_unique<FsdPeer>(m_network->fsd());
+        m_pilot = std::make_unique<FsdLineClient>(m_network->fsd());
         m_pilot->logIn(callsign);
         QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
         settle(*m_pilot, callsign);
@@ -205,7 +205,7 @@ private slots:
     void waitsForOneClientAlone()
     {
         logIn();
-        FsdPeer other(m_network->fsd());
+        FsdLineClient other(m_network->fsd());
         other.logIn("XY2", "1002");
         QTRY_COMPARE(m_network->fsd().callsigns().size(), 2);
         load("0 wait-for line=$PI from={pilot}\n");
@@ -221,7 +221,7 @@ private slots:
         logIn();
         load("0 wait-for login=XY2\n0 wait-for left=XY2\n");
         m_player->step();
-        FsdPeer other(m_network->fsd());
+        FsdLineClient other(m_network->fsd());
         other.logIn("XY2", "1002");
         QTRY_COMPARE(m_played.size(), 1);
         other.send("#DPXY2:1002");

@@ -16,7 +16,7 @@ class FsdHostileTest : public QObject
     Q_OBJECT
 
     std::unique_ptr<PracticeNetwork> m_network;
-    std::unique_ptr<FsdPeer> m_good;
+    std::unique_ptr<FsdLineClient> m_good;
 
     FsdServer &fsd() { return m_network->fsd(); }
     void start(const PracticeSettings &settings)
@@ -24,7 +24,7 @@ class FsdHostileTest : public QObject
         m_good.reset();
         m_network = std::make_unique<PracticeNetwork>(settings);
         QVERIFY(m_network->start());
-        m_good = std::make_unique<FsdPeer>(fsd());
+        m_good = std::make_unique<FsdLineClient>(fsd());
         m_good->logIn("GOOD1", "1002");
         QTRY_COMPARE(fsd().callsigns().size(), 1);
     }
@@ -43,7 +43,7 @@ private slots:
 
     void aLongLineCostsTheLine()
     {
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("BAD1");
         peer.send("#TMBAD1:GOOD1:" + QByteArray(10'000, 'x'));
         peer.send("$CQBAD1:SERVER:IP");
@@ -54,7 +54,7 @@ private slots:
 
     void aControlCharacterCostsTheLine()
     {
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("BAD1");
         peer.send(QByteArray("#TMBAD1:GOOD1:a\0b", 17));
         peer.send("#TMBAD1:GOOD1:a\nb");
@@ -66,7 +66,7 @@ private slots:
 
     void manyBadLinesCostTheConnection()
     {
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         for (int i = 0; i < 60; ++i)
             peer.send("nonsense");
         QTRY_VERIFY(peer.closed());
@@ -85,7 +85,7 @@ private slots:
     void aFloodCostsTheConnection()
     {
         QFETCH(QByteArray, bytes);
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("BAD1");
         QTRY_VERIFY(peer.got("#TM"));
         peer.socket.write(bytes);
@@ -98,7 +98,7 @@ private slots:
         PracticeSettings settings = quietSettings();
         settings.fsd.maxQueuedBytes = 64 * 1024;
         start(settings);
-        FsdPeer deaf(fsd());
+        FsdLineClient deaf(fsd());
         deaf.logIn("BAD1");
         QTRY_VERIFY(deaf.got("#TM"));
         QSignalSpy refused(&fsd(), &FsdServer::clientRefused);
@@ -117,9 +117,9 @@ private slots:
         PracticeSettings settings = quietSettings();
         settings.fsd.maxClients = 4;
         start(settings);
-        std::vector<std::unique_ptr<FsdPeer>> peers;
+        std::vector<std::unique_ptr<FsdLineClient>> peers;
         for (int i = 0; i < 30; ++i)
-            peers.push_back(std::make_unique<FsdPeer>(fsd()));
+            peers.push_back(std::make_unique<FsdLineClient>(fsd()));
         const auto closed = [&] {
             return std::count_if(peers.begin(), peers.end(), [](const auto &peer) { return peer->closed(); });
         };
@@ -133,7 +133,7 @@ private slots:
         std::mt19937 random(4711); // NOLINT: the same garbage every time
         const QByteArray alphabet = "#$@^%APDITMCQSBZR!:0123456789.-SERVERBAD1\x01\xff\r\n";
         for (int client = 0; client < 20; ++client) {
-            FsdPeer peer(fsd());
+            FsdLineClient peer(fsd());
             peer.logIn("BAD1");
             QByteArray bytes;
             for (int i = 0; i < 3000; ++i)
@@ -147,7 +147,7 @@ private slots:
 
     void malformedLinesAreHarmless()
     {
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("BAD1");
         const QByteArrayList identifiers{"$ID", "#AP", "#AA", "^",   "#SL", "#ST", "%", "#TM", "#SB",
                                          "$CQ", "$CR", "$PI", "$PO", "$FP", "$",   "#", "@"};

@@ -42,7 +42,7 @@ private slots:
 
     void greetsFirst()
     {
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         QTRY_VERIFY(peer.all().endsWith("\r\n"));
         QVERIFY(peer.all().startsWith("$DISERVER:CLIENT:"));
         QCOMPARE(peer.all().count(':'), 3);
@@ -60,7 +60,7 @@ private slots:
     {
         QFETCH(QList<QByteArray>, lines);
         QSignalSpy loggedIn(&m_network->fsd(), &FsdServer::clientLoggedIn);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         for (const QByteArray &line : lines)
             peer.send(line);
         QTRY_COMPARE(loggedIn.size(), 1);
@@ -73,7 +73,7 @@ private slots:
     void letsObserversIn()
     {
         QSignalSpy loggedIn(&m_network->fsd(), &FsdServer::clientLoggedIn);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.logInAsAtc("AB1");
         QTRY_COMPARE(loggedIn.size(), 1);
         QCOMPARE(loggedIn.at(0), (QVariantList{QStringLiteral("AB1"), true}));
@@ -81,7 +81,7 @@ private slots:
 
     void letsTokensIn()
     {
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send(tokenLogin());
         QTRY_COMPARE(m_network->fsd().callsigns(), QStringList{QStringLiteral("AB1")});
@@ -115,7 +115,7 @@ private slots:
     {
         QFETCH(QByteArray, line);
         QFETCH(QByteArray, error);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         QTRY_VERIFY(peer.got("$DI"));
         peer.send(line);
         QTRY_VERIFY2(peer.got(error), peer.all().constData());
@@ -143,7 +143,7 @@ private slots:
         QFETCH(bool, rejected);
         m_network->tokens().setLife(TokenUse::Fsd, life);
         m_network->fsd().setRejectTokens(rejected);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send(tokenLogin(static_cast<TokenUse>(use), cid));
         QTRY_VERIFY(peer.got("$ERSERVER:unknown:6:1001:Invalid CID or password"));
@@ -153,7 +153,7 @@ private slots:
     void refusesOnDemand()
     {
         m_network->fsd().setRejectLogins(true);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.send(pilotLogin);
         QTRY_VERIFY(peer.closed());
         QVERIFY(peer.got("$ERSERVER:unknown:6:"));
@@ -161,10 +161,10 @@ private slots:
 
     void aCallsignIsTakenOnce()
     {
-        FsdPeer first(m_network->fsd());
+        FsdLineClient first(m_network->fsd());
         first.logIn("AB1");
         QTRY_VERIFY(first.got("#TM"));
-        FsdPeer second(m_network->fsd());
+        FsdLineClient second(m_network->fsd());
         second.logIn("AB1", "1002");
         QTRY_VERIFY(second.got("$ERSERVER:unknown:1:AB1:"));
         QTRY_VERIFY(second.closed());
@@ -185,7 +185,7 @@ private slots:
     {
         QFETCH(QByteArray, line);
         QFETCH(bool, closed);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.send(pilotLogin);
         peer.send(line);
         QTRY_VERIFY(peer.got("$ERSERVER:AB1:"));
@@ -195,10 +195,10 @@ private slots:
     void silenceIsNoIdentification()
     {
         QSignalSpy refused(&m_network->fsd(), &FsdServer::clientRefused);
-        FsdPeer mute(m_network->fsd());
-        FsdPeer halfway(m_network->fsd());
+        FsdLineClient mute(m_network->fsd());
+        FsdLineClient halfway(m_network->fsd());
         halfway.send(pilotLogin); // no "$ID"
-        FsdPeer whole(m_network->fsd());
+        FsdLineClient whole(m_network->fsd());
         whole.logIn("XY2");
         settle(whole, "XY2");
         settle(halfway, "AB1");
@@ -216,7 +216,7 @@ private slots:
     void theDeadAreSentAway()
     {
         QSignalSpy refused(&m_network->fsd(), &FsdServer::clientRefused);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.logIn("AB1");
         settle(peer, "AB1");
         pass(120'000);
@@ -231,10 +231,10 @@ private slots:
 
     void othersHearOfArrivalsWithoutThePassword()
     {
-        FsdPeer first(m_network->fsd());
+        FsdLineClient first(m_network->fsd());
         first.logIn("AB1");
         QTRY_VERIFY(first.got("#TM"));
-        FsdPeer second(m_network->fsd());
+        FsdLineClient second(m_network->fsd());
         second.logInAsAtc("XY_OBS");
         QTRY_VERIFY(first.got("#AAXY_OBS:SERVER:Lin Xiaozhou:1001::1:9\r\n"));
         QTRY_VERIFY(second.got("#APAB1:SERVER:1001::1:9:5:Lin Xiaozhou ZBAA\r\n"));
@@ -242,7 +242,7 @@ private slots:
         first.send("#DPAB1:1001");
         QTRY_VERIFY(second.got("#DPAB1:1001\r\n"));
         QTRY_VERIFY(first.closed());
-        FsdPeer third(m_network->fsd());
+        FsdLineClient third(m_network->fsd());
         third.logIn("CD3");
         QTRY_VERIFY(third.got("#AAXY_OBS"));
         second.socket.abort();
@@ -254,12 +254,12 @@ private slots:
         PracticeSettings settings = quietSettings();
         settings.secondAddress = QHostAddress(QStringLiteral("127.0.0.2"));
         start(settings);
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.logIn("AB1");
         QTRY_VERIFY(peer.got("#TM"));
         QVERIFY(m_network->fsd().handOver(QStringLiteral("AB1"), *m_network->secondFsd()));
         QTRY_VERIFY(peer.got("$XXSERVER:AB1:127.0.0.2\r\n"));
-        FsdPeer moved(*m_network->secondFsd());
+        FsdLineClient moved(*m_network->secondFsd());
         moved.send(identification);
         QTRY_COMPARE(m_network->secondFsd()->callsigns(), QStringList{QStringLiteral("AB1")});
         moved.send(pilotLogin); // a client that logs in again all the same is welcome
@@ -270,7 +270,7 @@ private slots:
 
     void anUnexpectedSessionIsNotTakenOver()
     {
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send("$CQAB1:SERVER:IP");
         QTRY_VERIFY(peer.got("$ERSERVER:unknown:5:AB1:"));

@@ -16,9 +16,9 @@ class FsdRelayTest : public QObject
 
     ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
-    std::unique_ptr<FsdPeer> m_a;
-    std::unique_ptr<FsdPeer> m_b;
-    std::unique_ptr<FsdPeer> m_tower;
+    std::unique_ptr<FsdLineClient> m_a;
+    std::unique_ptr<FsdLineClient> m_b;
+    std::unique_ptr<FsdLineClient> m_tower;
 
     FsdServer &fsd() { return m_network->fsd(); }
     void place(double latitudeOfB)
@@ -34,11 +34,11 @@ private slots:
     {
         m_network = std::make_unique<PracticeNetwork>(quietSettings(), m_clock);
         QVERIFY(m_network->start());
-        m_a = std::make_unique<FsdPeer>(fsd());
+        m_a = std::make_unique<FsdLineClient>(fsd());
         m_a->logIn("AB1");
-        m_b = std::make_unique<FsdPeer>(fsd());
+        m_b = std::make_unique<FsdLineClient>(fsd());
         m_b->logIn("XY2", "1002");
-        m_tower = std::make_unique<FsdPeer>(fsd());
+        m_tower = std::make_unique<FsdLineClient>(fsd());
         m_tower->logInAsAtc("ZBAA_TWR");
         QTRY_COMPARE(fsd().callsigns().size(), 3);
     }
@@ -273,7 +273,7 @@ private slots:
         settings.fsd.challengeIntervalMs = 44'000;
         m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
         QVERIFY(m_network->start());
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("AB1");
         settle(peer, "AB1");
         const auto after = [&](qint64 ms) {

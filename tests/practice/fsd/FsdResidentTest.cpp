@@ -46,7 +46,7 @@ class FsdResidentTest : public QObject
     std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<Listener> m_resident;
     std::unique_ptr<Listener> m_tower;
-    std::unique_ptr<FsdPeer> m_a;
+    std::unique_ptr<FsdLineClient> m_a;
 
     FsdServer &fsd() { return m_network->fsd(); }
     void say(const QByteArray &line) { fsd().say(*m_resident, text(line + "\r\n")); }
@@ -65,7 +65,7 @@ private slots:
         m_tower->facility = 4;
         QVERIFY(fsd().addResident(*m_resident));
         QVERIFY(fsd().addResident(*m_tower));
-        m_a = std::make_unique<FsdPeer>(fsd());
+        m_a = std::make_unique<FsdLineClient>(fsd());
         m_a->logIn("AB1");
         settle(*m_a, "AB1");
     }
@@ -105,7 +105,7 @@ private slots:
         QVERIFY(!fsd().addResident(pretender));
         fsd().removeResident(another); // never came in: the one who did stays
         QVERIFY(fsd().residents().contains(QStringLiteral("RES1")));
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("RES1", "1002");
         QTRY_VERIFY(peer.got("$ERSERVER:unknown:1:RES1:Callsign in use\r\n"));
         QTRY_VERIFY(peer.closed());
@@ -290,7 +290,7 @@ private slots:
         Listener one(pilot("CRD1"));
         one.inCrowd = true;
         QVERIFY(fsd().addResident(one));
-        FsdPeer peer(fsd());
+        FsdLineClient peer(fsd());
         peer.logIn("XY2", "1002");
         QTRY_VERIFY(peer.got("#APCRD1:"));
         QVERIFY(one.heard.isEmpty());

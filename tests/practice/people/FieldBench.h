@@ -20,7 +20,7 @@ protected:
         m_a.reset();
         m_network = std::make_unique<practice::PracticeNetwork>(settings, m_clock);
         QVERIFY(m_network->start());
-        m_a = std::make_unique<FsdPeer>(m_network->fsd());
+        m_a = std::make_unique<FsdLineClient>(m_network->fsd());
         m_a->logIn("AB1");
         m_a->report("AB1", fieldLatitude, fieldLongitude);
         settle(*m_a, "AB1");
@@ -48,7 +48,7 @@ protected:
 
     ManualClock m_clock;
     std::unique_ptr<practice::PracticeNetwork> m_network;
-    std::unique_ptr<FsdPeer> m_a;
+    std::unique_ptr<FsdLineClient> m_a;
 };
 
 /// AB1 among the residents.

@@ -47,7 +47,7 @@ private slots:
         FsdServer &second = *m_network->secondFsd();
         QCOMPARE(second.residents(), m_network->fsd().residents());
         QVERIFY(m_network->fsd().handOver(QStringLiteral("AB1"), second));
-        FsdPeer moved(second);
+        FsdLineClient moved(second);
         moved.logIn("AB1");
         moved.report("AB1", fieldLatitude, fieldLongitude);
         settle(moved, "AB1");
@@ -64,7 +64,7 @@ private slots:
     void whoseCallsignIsTakenStaysAway()
     {
         m_network->residents()->stop();
-        FsdPeer peer(m_network->fsd());
+        FsdLineClient peer(m_network->fsd());
         peer.logIn("NET_SUP", "1002");
         settle(peer, "NET_SUP");
         m_network->residents()->start();
@@ -127,7 +127,7 @@ private slots:
         pass(100);
         QCOMPARE(m_a->count("#TMZBAA_TWR:AB1:Good day AB1, welcome to Beijing. I am on 118.500.\r\n"), 1);
         QCOMPARE(lines("#TMZBAA").size(), 1);
-        FsdPeer observer(m_network->fsd());
+        FsdLineClient observer(m_network->fsd());
         observer.logInAsAtc("XY_OBS");
         settle(observer, "XY_OBS");
         pass(10'000);
@@ -206,7 +206,7 @@ private slots:
         settle(*m_a, "AB1");
         m_a->socket.abort();
         QTRY_VERIFY(m_network->fsd().callsigns().isEmpty());
-        m_a = std::make_unique<FsdPeer>(m_network->fsd());
+        m_a = std::make_unique<FsdLineClient>(m_network->fsd());
         m_a->logIn("AB1");
         m_a->report("AB1", fieldLatitude, fieldLongitude);
         m_a->send("#TMAB1:ZBAA_TWR:SELCAL");

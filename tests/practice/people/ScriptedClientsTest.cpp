@@ -20,7 +20,7 @@ class ScriptedClientsTest : public QObject
     const QString m_tower = QStringLiteral("ZBAA_TWR");
     ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
-    std::unique_ptr<FsdPeer> m_pilot;
+    std::unique_ptr<FsdLineClient> m_pilot;
 
     ScriptedClients &scriptedClients() { return m_network->scriptedClients(); }
     QByteArray answerTo(const QByteArray &line)
@@ -36,7 +36,7 @@ private slots:
     {
         m_network = std::make_unique<PracticeNetwork>(quietSettings(), m_clock);
         QVERIFY(m_network->start());
-        m_pilot = std::make_unique<FsdPeer>(m_network->fsd());
+        m_pilot = std::make_unique<FsdLineClient>(m_network->fsd());
         m_pilot->logIn("AB1");
         m_pilot->report("AB1", 40.0, 116.5);
         QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
