@@ -19,28 +19,23 @@ constexpr qsizetype flightRows = 200;
 constexpr qsizetype longestCallsign = 32;
 constexpr qsizetype longestName = 64;
 
-QVariantList historyRows(QList<model::UserHistoryEntry> flights)
+QList<RecentFlight> historyRows(QList<model::UserHistoryEntry> flights)
 {
     std::stable_sort(flights.begin(), flights.end(),
                      [](const auto &a, const auto &b) { return a.startTime > b.startTime; });
-    QVariantList rows;
-    for (const model::UserHistoryEntry &flight : flights.first(std::min(flightRows, flights.size()))) {
-        rows.append(QVariantMap{{QStringLiteral("callsign"), shownText(flight.callsign, longestCallsign)},
-                                {QStringLiteral("time"), flightTimeText(flight.startTime, flight.endTime)},
-                                {QStringLiteral("duration"), durationText(flight.onlineTime)}});
-    }
+    QList<RecentFlight> rows;
+    for (const model::UserHistoryEntry &flight : flights.first(std::min(flightRows, flights.size())))
+        rows.append({shownText(flight.callsign, longestCallsign), flightTimeText(flight.startTime, flight.endTime),
+                     durationText(flight.onlineTime)});
     return rows;
 }
 
-QVariantList leaderboard(const QList<model::RatingEntry> &entries)
+QList<RankedUser> leaderboard(const QList<model::RatingEntry> &entries)
 {
-    QVariantList rows;
-    for (const model::RatingEntry &entry : entries.first(std::min(leaderboardRows, entries.size()))) {
-        rows.append(QVariantMap{{QStringLiteral("rank"), rows.size() + 1},
-                                {QStringLiteral("name"), shownText(entry.username, longestName)},
-                                {QStringLiteral("cid"), QString::number(entry.cid)},
-                                {QStringLiteral("time"), durationText(entry.time)}});
-    }
+    QList<RankedUser> rows;
+    for (const model::RatingEntry &entry : entries.first(std::min(leaderboardRows, entries.size())))
+        rows.append({static_cast<int>(rows.size()) + 1, shownText(entry.username, longestName),
+                     QString::number(entry.cid), durationText(entry.time)});
     return rows;
 }
 

@@ -208,10 +208,10 @@ private slots:
         sky.tick(); // whether a page is open or not: one that opens has the traffic at once
         QCOMPARE(sky.summary(), u"附近 1 个交通目标"_qs);
         QCOMPARE(sky.page.plotContacts().size(), 1);
-        QCOMPARE(sky.page.plotContacts().first().toMap()[u"callsign"_qs].toString(), u"AB2"_qs);
+        QCOMPARE(sky.page.plotContacts().first().target.callsign, u"AB2"_qs);
         emit sky.session.manager->networkDisconnected(false);
         QCOMPARE(sky.summary(), u"附近暂无交通目标"_qs);
-        QCOMPARE(sky.page.plotContacts(), QVariantList());
+        QVERIFY(sky.page.plotContacts().isEmpty());
     }
 
     void unseenTrafficFollows()

@@ -6,9 +6,9 @@ namespace tarvo::ui {
 
 namespace {
 constexpr Role<ChannelRow> channelRoles[] = {
-    {"key", [](const ChannelRow &row) -> QVariant { return row.key; }},
+    {"key", member<&ChannelRow::key>},
     {"label", [](const ChannelRow &row) -> QVariant { return channels::label(row.key); }},
-    {"unread", [](const ChannelRow &row) -> QVariant { return row.unread; }},
+    {"unread", member<&ChannelRow::unread>},
 };
 } // namespace
 

@@ -7,9 +7,28 @@ namespace tarvo::ui {
 
 namespace {
 constexpr qsizetype longestText = 64; ///< characters; a page lays it out on one line
+
+constexpr Role<RecentFlight> flightRoles[] = {
+    {"callsign", member<&RecentFlight::callsign>},
+    {"time", member<&RecentFlight::time>},
+    {"duration", member<&RecentFlight::duration>},
+};
+constexpr Role<RankedUser> rankRoles[] = {
+    {"rank", member<&RankedUser::rank>},
+    {"name", member<&RankedUser::name>},
+    {"cid", member<&RankedUser::cid>},
+    {"time", member<&RankedUser::time>},
+};
 } // namespace
 
-DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock) : QObject(parent), m_clock(clock) {}
+DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock)
+    : QObject(parent),
+      m_clock(clock),
+      m_recentFlights(flightRoles),
+      m_pilotLeaderboard(rankRoles),
+      m_atcLeaderboard(rankRoles)
+{
+}
 
 void DashboardViewModel::setUserInfo(const QString &username, const QString &cid, const QString &rating)
 {
@@ -81,13 +100,13 @@ void DashboardViewModel::setFlightData(double latitude, double longitude, double
     emit flightDataChanged();
 }
 
-void DashboardViewModel::setRecentFlights(const QVariantList &flights)
+void DashboardViewModel::setRecentFlights(const QList<RecentFlight> &flights)
 {
     if (m_recentFlights.setRows(flights))
         emit recentFlightsChanged();
 }
 
-void DashboardViewModel::setLeaderboard(const QVariantList &pilots, const QVariantList &controllers)
+void DashboardViewModel::setLeaderboard(const QList<RankedUser> &pilots, const QList<RankedUser> &controllers)
 {
     const bool otherPilots = m_pilotLeaderboard.setRows(pilots);
     const bool otherControllers = m_atcLeaderboard.setRows(controllers);

@@ -3,13 +3,34 @@
 #include "common/Clock.h"
 #include "model/SimulatorMode.h"
 #include "ui/viewmodel/LineLog.h"
-#include "ui/viewmodel/RowList.h"
+#include "ui/viewmodel/RowsModel.h"
 
 #include <QObject>
 #include <QString>
 #include <QVariantList>
 
 namespace tarvo::ui {
+
+/// A flight that has been flown, as texts.
+struct RecentFlight
+{
+    QString callsign;
+    QString time = {};
+    QString duration = {};
+
+    bool operator==(const RecentFlight &) const = default;
+};
+
+/// A place of a leaderboard.
+struct RankedUser
+{
+    int rank = 0; ///< from 1
+    QString name = {};
+    QString cid = {};
+    QString time = {};
+
+    bool operator==(const RankedUser &) const = default;
+};
 
 /// What the overview page shows. Holds presentation state only: MainWindow feeds it and acts on its requests.
 /// In QML it is the context property "dashboardBackend".
@@ -35,11 +56,11 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(double groundSpeed READ groundSpeed NOTIFY flightDataChanged)
     Q_PROPERTY(QString serverLog READ serverLog NOTIFY serverLogChanged)
     Q_PROPERTY(QVariantList recentFlights READ recentFlights NOTIFY recentFlightsChanged)
-    Q_PROPERTY(tarvo::ui::RowList *recentFlightRows READ recentFlightRows CONSTANT)
+    Q_PROPERTY(QAbstractListModel *recentFlightRows READ recentFlightRows CONSTANT)
     Q_PROPERTY(QVariantList pilotLeaderboard READ pilotLeaderboard NOTIFY leaderboardChanged)
-    Q_PROPERTY(tarvo::ui::RowList *pilotLeaderboardRows READ pilotLeaderboardRows CONSTANT)
+    Q_PROPERTY(QAbstractListModel *pilotLeaderboardRows READ pilotLeaderboardRows CONSTANT)
     Q_PROPERTY(QVariantList atcLeaderboard READ atcLeaderboard NOTIFY leaderboardChanged)
-    Q_PROPERTY(tarvo::ui::RowList *atcLeaderboardRows READ atcLeaderboardRows CONSTANT)
+    Q_PROPERTY(QAbstractListModel *atcLeaderboardRows READ atcLeaderboardRows CONSTANT)
 
 public:
     explicit DashboardViewModel(QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
@@ -62,12 +83,14 @@ public:
     double heading() const { return m_heading; }         ///< degrees
     double groundSpeed() const { return m_groundSpeed; } ///< knots
     QString serverLog() const { return m_serverLog.text(); }
+    /// Maps with "callsign", "time" and "duration".
     QVariantList recentFlights() const { return m_recentFlights.toList(); }
-    RowList *recentFlightRows() { return &m_recentFlights; }
+    QAbstractListModel *recentFlightRows() { return &m_recentFlights; }
+    /// Maps with "rank", "name", "cid" and "time".
     QVariantList pilotLeaderboard() const { return m_pilotLeaderboard.toList(); }
-    RowList *pilotLeaderboardRows() { return &m_pilotLeaderboard; }
+    QAbstractListModel *pilotLeaderboardRows() { return &m_pilotLeaderboard; }
     QVariantList atcLeaderboard() const { return m_atcLeaderboard.toList(); }
-    RowList *atcLeaderboardRows() { return &m_atcLeaderboard; }
+    QAbstractListModel *atcLeaderboardRows() { return &m_atcLeaderboard; }
 
     // The program's side. Each emits only on a change.
     /// Longer texts are cut to 64 characters.
@@ -78,10 +101,10 @@ public:
     void setSimulatorState(bool connected, const QString &statusText);
     void setServerState(bool connected, const QString &statusText);
     void setFlightData(double latitude, double longitude, double altitudeFeet, double heading, double groundSpeed);
-    /// Rows are maps with "callsign", "time" and "duration", newest first.
-    void setRecentFlights(const QVariantList &flights);
-    /// Rows are maps with "rank", "name", "cid" and "time", best first.
-    void setLeaderboard(const QVariantList &pilots, const QVariantList &controllers);
+    /// Newest first.
+    void setRecentFlights(const QList<RecentFlight> &flights);
+    /// Best first.
+    void setLeaderboard(const QList<RankedUser> &pilots, const QList<RankedUser> &controllers);
     /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
     void appendServerLog(const QString &text);
 
@@ -124,9 +147,9 @@ private:
     double m_heading = 0;
     double m_groundSpeed = 0;
     LineLog m_serverLog;
-    RowList m_recentFlights{{"callsign", "time", "duration"}};
-    RowList m_pilotLeaderboard{{"rank", "name", "cid", "time"}};
-    RowList m_atcLeaderboard{{"rank", "name", "cid", "time"}};
+    RowsModel<RecentFlight> m_recentFlights;
+    RowsModel<RankedUser> m_pilotLeaderboard;
+    RowsModel<RankedUser> m_atcLeaderboard;
 };
 
 } // namespace tarvo::ui

@@ -10,8 +10,8 @@ namespace {
 constexpr qsizetype longestLine = 200;
 
 constexpr Role<PrivateSession> sessionRoles[] = {
-    {"callsign", [](const PrivateSession &row) -> QVariant { return row.callsign; }},
-    {"unread", [](const PrivateSession &row) -> QVariant { return row.unread; }},
+    {"callsign", member<&PrivateSession::callsign>},
+    {"unread", member<&PrivateSession::unread>},
     {"time", [](const PrivateSession &row) -> QVariant { return row.lastTime.left(5); }},
     {"lastText", [](const PrivateSession &row) -> QVariant { return row.lastMessage.left(longestLine).simplified(); }},
 };

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QVariant>
 
+#include <algorithm>
 #include <span>
 #include <utility>
 
@@ -18,6 +19,13 @@ struct Role
     const char *name;
     QVariant (*value)(const Row &row);
 };
+
+/// The value of a role that is one of the row's members.
+template <auto Member, typename Row>
+QVariant member(const Row &row)
+{
+    return row.*Member;
+}
 
 /// A list of plain rows for a QML view. Each change is told as what it is, so that a row that stays keeps its delegate
 /// and its place. The roles are numbered from Qt::UserRole in their table's order.
@@ -54,12 +62,31 @@ public:
         return names;
     }
 
-protected:
+    /// The rows as maps from the roles' names to their values.
+    QVariantList toList() const
+    {
+        QVariantList list;
+        for (const Row &row : m_rows) {
+            QVariantMap map;
+            for (const Role<Row> &role : m_roles)
+                map.insert(QString::fromLatin1(role.name), role.value(row));
+            list << map;
+        }
+        return list;
+    }
+
     void insert(qsizetype at, Row row)
     {
         beginInsertRows({}, static_cast<int>(at), static_cast<int>(at));
         m_rows.insert(at, std::move(row));
         endInsertRows();
+    }
+
+    /// Adds a row in front; the last ones beyond `maximum`, which is at least 1, go.
+    void prepend(Row row, qsizetype maximum)
+    {
+        removeFrom(maximum - 1);
+        insert(0, std::move(row));
     }
 
     void remove(qsizetype at)
@@ -79,6 +106,22 @@ protected:
         return true;
     }
 
+    /// Shows these rows instead, place by place: only what differs is told. False when nothing does.
+    bool setRows(const QList<Row> &rows)
+    {
+        const qsizetype before = m_rows.size();
+        bool changed = before != rows.size();
+        for (qsizetype i = 0; i < std::min(before, rows.size()); ++i)
+            changed |= replace(i, rows.at(i));
+        if (rows.size() > before) {
+            beginInsertRows({}, static_cast<int>(before), static_cast<int>(rows.size()) - 1);
+            m_rows.append(rows.sliced(before));
+            endInsertRows();
+        }
+        removeFrom(rows.size());
+        return changed;
+    }
+
     /// Every row is another one now.
     void reset(QList<Row> rows)
     {
@@ -88,6 +131,15 @@ protected:
     }
 
 private:
+    void removeFrom(qsizetype first)
+    {
+        if (first >= m_rows.size())
+            return;
+        beginRemoveRows({}, static_cast<int>(first), static_cast<int>(m_rows.size()) - 1);
+        m_rows.resize(first);
+        endRemoveRows();
+    }
+
     std::span<const Role<Row>> m_roles;
     QList<Row> m_rows;
 };

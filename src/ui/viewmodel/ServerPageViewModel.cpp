@@ -7,7 +7,6 @@
 
 #include <QDateTime>
 #include <QStringList>
-#include <QVariantMap>
 
 namespace tarvo::ui {
 
@@ -19,6 +18,18 @@ constexpr qsizetype maximumEvents = 2000;
 constexpr qsizetype longestTitle = 200;
 constexpr qsizetype longestDetail = 500;
 constexpr qsizetype longestProfileText = 64;
+
+constexpr Role<RecentEvent> eventRoles[] = {
+    {"time", member<&RecentEvent::time>},
+    {"title", member<&RecentEvent::title>},
+    {"detail", member<&RecentEvent::detail>},
+    {"tag", member<&RecentEvent::tag>},
+};
+constexpr Role<TypeCodeSuggestion> suggestionRoles[] = {
+    {"designator", member<&TypeCodeSuggestion::designator>},
+    {"title", member<&TypeCodeSuggestion::title>},
+    {"detail", member<&TypeCodeSuggestion::detail>},
+};
 
 /// What the page says in one simulator mode. The first of each pair is for an observer.
 struct ModeTexts
@@ -45,7 +56,7 @@ ModeTexts textsFor(model::SimulatorMode mode)
     return {ServerPageViewModel::tr("未选择平台"), {action, action}, {hint, hint}};
 }
 
-QVariantMap suggestionFor(const QString &designator, const network::SwiftAircraftIcaoRow &row)
+TypeCodeSuggestion suggestionFor(const QString &designator, const network::SwiftAircraftIcaoRow &row)
 {
     QStringList title{row.manufacturer, row.model};
     title.removeAll(QString());
@@ -54,16 +65,14 @@ QVariantMap suggestionFor(const QString &designator, const network::SwiftAircraf
         detail << row.type;
     if (!row.wakeTurbulenceCategory.isEmpty())
         detail << QStringLiteral("WTC %1").arg(row.wakeTurbulenceCategory);
-    return {{QStringLiteral("designator"), designator},
-            {QStringLiteral("title"), title.join(u' ')},
-            {QStringLiteral("detail"), detail.join(QStringLiteral(" · "))}};
+    return {designator, title.join(u' '), detail.join(QStringLiteral(" · "))};
 }
 
 } // namespace
 
 ServerPageViewModel::ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent,
                                          const common::Clock &clock)
-    : QObject(parent), m_icao(icao), m_clock(clock)
+    : QObject(parent), m_icao(icao), m_clock(clock), m_recentEvents(eventRoles), m_typeCodeSuggestions(suggestionRoles)
 {
 }
 
@@ -173,10 +182,7 @@ void ServerPageViewModel::appendLog(const QString &text)
 void ServerPageViewModel::addRecentEvent(const QString &title, const QString &detail, const QString &tag)
 {
     const QString time = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs()).toString(QStringLiteral("hh:mm:ss"));
-    m_recentEvents.prepend({{QStringLiteral("time"), time},
-                            {QStringLiteral("title"), shownText(title, longestTitle)},
-                            {QStringLiteral("detail"), shownText(detail, longestDetail)},
-                            {QStringLiteral("tag"), tag}},
+    m_recentEvents.prepend({time, shownText(title, longestTitle), shownText(detail, longestDetail), tag},
                            maximumEvents);
     emit recentEventsChanged();
 }
@@ -205,7 +211,7 @@ void ServerPageViewModel::clearServerLog()
 
 void ServerPageViewModel::refreshTypeCodeSuggestions(const QString &query)
 {
-    QVariantList suggestions;
+    QList<TypeCodeSuggestion> suggestions;
     const QString text = query.trimmed();
     const QStringList designators = text.isEmpty() ? QStringList() : m_icao.suggest(text, maximumSuggestions);
     for (const QString &designator : designators)
@@ -220,7 +226,7 @@ void ServerPageViewModel::applyTypeCodeSuggestion(const QString &designator)
     formEdited();
 }
 
-void ServerPageViewModel::setSuggestions(const QVariantList &suggestions)
+void ServerPageViewModel::setSuggestions(const QList<TypeCodeSuggestion> &suggestions)
 {
     if (m_typeCodeSuggestions.setRows(suggestions))
         emit typeCodeSuggestionsChanged();

@@ -3,7 +3,7 @@
 #include "common/Clock.h"
 #include "model/SimulatorMode.h"
 #include "ui/viewmodel/LineLog.h"
-#include "ui/viewmodel/RowList.h"
+#include "ui/viewmodel/RowsModel.h"
 
 #include <QObject>
 #include <QString>
@@ -14,6 +14,27 @@ class SwiftAircraftIcaoService;
 }
 
 namespace tarvo::ui {
+
+/// Something that happened to the session.
+struct RecentEvent
+{
+    QString time; ///< local, "hh:mm:ss"
+    QString title;
+    QString detail;
+    QString tag;
+
+    bool operator==(const RecentEvent &) const = default;
+};
+
+/// An aircraft type that the pilot may mean.
+struct TypeCodeSuggestion
+{
+    QString designator;
+    QString title;
+    QString detail;
+
+    bool operator==(const TypeCodeSuggestion &) const = default;
+};
 
 /// The connect form, the server's state and its log. Holds presentation state only: MainWindow feeds it and acts on its
 /// requests. In QML it is the context property "serverBackend".
@@ -41,9 +62,9 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(QString homeAirport READ homeAirport NOTIFY profileChanged)
     Q_PROPERTY(QString serverLog READ serverLog NOTIFY logChanged)
     Q_PROPERTY(QVariantList recentEvents READ recentEvents NOTIFY recentEventsChanged)
-    Q_PROPERTY(tarvo::ui::RowList *recentEventRows READ recentEventRows CONSTANT)
+    Q_PROPERTY(QAbstractListModel *recentEventRows READ recentEventRows CONSTANT)
     Q_PROPERTY(QVariantList typeCodeSuggestions READ typeCodeSuggestions NOTIFY typeCodeSuggestionsChanged)
-    Q_PROPERTY(tarvo::ui::RowList *typeCodeSuggestionRows READ typeCodeSuggestionRows CONSTANT)
+    Q_PROPERTY(QAbstractListModel *typeCodeSuggestionRows READ typeCodeSuggestionRows CONSTANT)
 
 public:
     explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr,
@@ -76,10 +97,10 @@ public:
     QString serverLog() const { return m_serverLog.text(); }
     /// Newest first; maps with "time", "title", "detail" and "tag". The oldest rows go beyond 2,000.
     QVariantList recentEvents() const { return m_recentEvents.toList(); }
-    RowList *recentEventRows() { return &m_recentEvents; }
+    QAbstractListModel *recentEventRows() { return &m_recentEvents; }
     /// Maps with "designator", "title" and "detail".
     QVariantList typeCodeSuggestions() const { return m_typeCodeSuggestions.toList(); }
-    RowList *typeCodeSuggestionRows() { return &m_typeCodeSuggestions; }
+    QAbstractListModel *typeCodeSuggestionRows() { return &m_typeCodeSuggestions; }
 
     void setCallsign(const QString &callsign);
     void setTypeCode(const QString &typeCode);
@@ -127,7 +148,7 @@ private:
     void updateFormError();
     /// The first rule of the form that is broken; empty when there is none.
     QString firstFormProblem() const;
-    void setSuggestions(const QVariantList &suggestions);
+    void setSuggestions(const QList<TypeCodeSuggestion> &suggestions);
 
     network::SwiftAircraftIcaoService &m_icao;
     const common::Clock &m_clock;
@@ -152,8 +173,8 @@ private:
     QString m_realName;
     QString m_homeAirport;
     LineLog m_serverLog;
-    RowList m_recentEvents{{"time", "title", "detail", "tag"}};
-    RowList m_typeCodeSuggestions{{"designator", "title", "detail"}};
+    RowsModel<RecentEvent> m_recentEvents;
+    RowsModel<TypeCodeSuggestion> m_typeCodeSuggestions;
 };
 
 } // namespace tarvo::ui

@@ -5,7 +5,7 @@ namespace tarvo::ui {
 namespace {
 
 constexpr Role<ShownMessage> messageRoles[] = {
-    {"expanded", [](const ShownMessage &row) -> QVariant { return row.expanded; }},
+    {"expanded", member<&ShownMessage::expanded>},
     {"type", [](const ShownMessage &row) -> QVariant { return row.message.type(); }},
     {"direction", [](const ShownMessage &row) -> QVariant { return row.message.direction(); }},
     {"directionLabel", [](const ShownMessage &row) -> QVariant { return row.message.directionLabel(); }},

@@ -25,7 +25,6 @@ public:
     void append(ShownMessage message) { insert(rows().size(), std::move(message)); }
     /// The list mustn't be empty.
     void removeOldest() { remove(0); }
-    using RowsModel::reset;
 
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 };

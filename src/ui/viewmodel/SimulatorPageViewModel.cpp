@@ -6,6 +6,7 @@
 
 #include <QStringList>
 #include <QVariantMap>
+#include <QtMath>
 
 #include <algorithm>
 #include <array>
@@ -83,20 +84,26 @@ TrafficTarget targetFrom(const QVariantMap &row)
     return target;
 }
 
-QVariantMap rowFor(const PlotContact &contact)
+constexpr Role<PlotContact> contactRoles[] = {
+    {"callsign", [](const PlotContact &row) -> QVariant { return row.target.callsign; }},
+    {"type", [](const PlotContact &row) -> QVariant { return row.target.type; }},
+    {"bearing", member<&PlotContact::bearing>},
+    {"distanceNm", member<&PlotContact::distanceNm>},
+    {"relativeAltitudeFeet", member<&PlotContact::relativeAltitudeFeet>},
+    {"heading", [](const PlotContact &row) -> QVariant { return row.target.heading; }},
+    {"groundSpeed", [](const PlotContact &row) -> QVariant { return row.target.groundSpeed; }},
+};
+
+/// A heading or bearing in three figures; north is 360.
+QString course(double degrees)
 {
-    return {{QStringLiteral("callsign"), contact.target.callsign},
-            {QStringLiteral("type"), contact.target.type},
-            {QStringLiteral("bearing"), contact.bearing},
-            {QStringLiteral("distanceNm"), contact.distanceNm},
-            {QStringLiteral("relativeAltitudeFeet"), contact.relativeAltitudeFeet},
-            {QStringLiteral("heading"), contact.target.heading},
-            {QStringLiteral("groundSpeed"), contact.target.groundSpeed}};
+    const int rounded = qRound(degrees) % 360;
+    return QStringLiteral("%1").arg(rounded == 0 ? 360 : rounded, 3, 10, QLatin1Char('0'));
 }
 
 } // namespace
 
-SimulatorPageViewModel::SimulatorPageViewModel(QObject *parent) : QObject(parent) {}
+SimulatorPageViewModel::SimulatorPageViewModel(QObject *parent) : QObject(parent), m_contacts(contactRoles) {}
 
 void SimulatorPageViewModel::setMode(const QString &mode)
 {
@@ -303,10 +310,14 @@ void SimulatorPageViewModel::clearTraffic()
 
 void SimulatorPageViewModel::plotChanged()
 {
-    m_plotContacts.reset();
     m_plotOrigin.reset();
     if (m_hasData)
         m_plotOrigin = ownPosition();
+    QList<PlotContact> contacts = plotTraffic(m_plotOrigin.value_or(PlotOrigin()), m_targets, maximumPlotRows);
+    if (contacts.isEmpty() && msfsMode()) // the snapshot has its labels all the same
+        for (const TrafficTarget &target : m_targets.first(std::min(maximumPlotRows, m_targets.size())))
+            contacts.append({.target = target});
+    m_contacts.setRows(contacts);
     emit trafficChanged();
 }
 
@@ -331,17 +342,22 @@ bool SimulatorPageViewModel::hasMovedVisibly() const
            std::isfinite(now.altitudeFeet) != std::isfinite(m_plotOrigin->altitudeFeet);
 }
 
-QVariantList SimulatorPageViewModel::plotContacts() const
+QList<PlotContact> SimulatorPageViewModel::plotContacts() const
 {
-    if (!m_plotContacts) {
-        m_plotContacts.emplace();
-        if (m_plotOrigin) {
-            const QList<PlotContact> contacts = plotTraffic(*m_plotOrigin, m_targets, maximumPlotRows);
-            for (const PlotContact &contact : contacts)
-                *m_plotContacts << rowFor(contact);
-        }
-    }
-    return *m_plotContacts;
+    const QList<PlotContact> &rows = m_contacts.rows();
+    const bool placed = !rows.isEmpty() && std::isfinite(rows.first().distanceNm); // all are, or none
+    return placed ? rows : QList<PlotContact>();
+}
+
+QString SimulatorPageViewModel::plotSummary() const
+{
+    const QList<PlotContact> contacts = plotContacts();
+    if (contacts.isEmpty())
+        return tr("附近暂无交通目标");
+    const PlotContact &nearest = contacts.first();
+    return tr("%1 个目标，最近的在方位 %2，%3 海里：%4")
+        .arg(QString::number(contacts.size()), course(nearest.bearing), number(nearest.distanceNm, 1),
+             nearest.target.callsign);
 }
 
 QString SimulatorPageViewModel::trafficSummary() const

@@ -6,6 +6,7 @@
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
 #include "ui/viewmodel/PlotLabels.h"
+#include "ui/viewmodel/RowsModel.h"
 #include "ui/viewmodel/TrafficPlot.h"
 
 #include <QObject>
@@ -82,7 +83,9 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(QString engineSummary READ engineSummary NOTIFY dataChanged)
     Q_PROPERTY(QVariantList engineStates READ engineStates NOTIFY dataChanged)
     Q_PROPERTY(QVariantList trafficContacts READ trafficContacts NOTIFY trafficChanged)
-    Q_PROPERTY(QVariantList plotContacts READ plotContacts NOTIFY trafficChanged)
+    Q_PROPERTY(QAbstractListModel *contactRows READ contactRows CONSTANT)
+    Q_PROPERTY(int plotRange READ plotRange NOTIFY trafficChanged)
+    Q_PROPERTY(QString plotSummary READ plotSummary NOTIFY trafficChanged)
     Q_PROPERTY(tarvo::ui::PlotLabels *plotLabels READ plotLabels CONSTANT)
     Q_PROPERTY(QString trafficSummary READ trafficSummary NOTIFY trafficChanged)
 
@@ -156,10 +159,16 @@ public:
 
     /// The snapshot of Microsoft Flight Simulator, as it came.
     QVariantList trafficContacts() const { return m_trafficContacts; }
-    /// What the plot draws, nearest first, at most 200 maps with "callsign", "type", "bearing" (degrees from true
-    /// north), "distanceNm", "relativeAltitudeFeet", "heading" and "groundSpeed". The last three are NaN while unknown.
-    /// Empty without an own position.
-    QVariantList plotContacts() const;
+    /// Who is around, nearest first, at most 200. Roles: "callsign", "type", "bearing" (degrees from true north),
+    /// "distanceNm", "relativeAltitudeFeet", "heading" and "groundSpeed"; a number that isn't known is NaN. Without an
+    /// own position nobody; with Microsoft Flight Simulator then the snapshot, without bearings and distances.
+    RowsModel<PlotContact> *contactRows() { return &m_contacts; }
+    /// Those of them that the plot draws.
+    QList<PlotContact> plotContacts() const;
+    /// Nautical miles at the plot's outer ring.
+    int plotRange() const { return ui::plotRange(plotContacts()); }
+    /// What is to be seen on the plot, on one line.
+    QString plotSummary() const;
     /// Finds room for the plot's labels; never null.
     PlotLabels *plotLabels() { return &m_plotLabels; }
     QString trafficSummary() const;
@@ -239,7 +248,6 @@ private:
     void updateEngineTexts();
     void updateRadioTexts();
     void clearTraffic();
-    /// The plot is stale: it is computed anew when a page asks for it.
     void plotChanged();
     bool hasMovedVisibly() const;
     PlotOrigin ownPosition() const;
@@ -262,7 +270,7 @@ private:
     QVariantList m_trafficContacts;
     QList<TrafficTarget> m_targets;
     std::optional<PlotOrigin> m_plotOrigin; ///< where the plot was last told from
-    mutable std::optional<QVariantList> m_plotContacts;
+    RowsModel<PlotContact> m_contacts;
     PlotLabels m_plotLabels;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace tarvo::ui {
 
@@ -68,6 +69,17 @@ QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget>
     std::partial_sort(contacts.begin(), contacts.begin() + kept, contacts.end(), nearer);
     contacts.resize(kept);
     return contacts;
+}
+
+int plotRange(const QList<PlotContact> &contacts)
+{
+    constexpr int ranges[] = {2, 5, 10, 20, 40, 80, 160, 320};
+    if (contacts.isEmpty())
+        return 20;
+    const auto inside = static_cast<qsizetype>(std::ceil(static_cast<double>(contacts.size()) * 0.9));
+    const double farthest = contacts.at(inside - 1).distanceNm;
+    const auto *range = std::ranges::lower_bound(ranges, farthest, {}, [](int miles) { return double(miles); });
+    return range == std::end(ranges) ? ranges[std::size(ranges) - 1] : *range;
 }
 
 } // namespace tarvo::ui

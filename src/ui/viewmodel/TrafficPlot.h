@@ -30,13 +30,15 @@ struct PlotOrigin
     double altitudeFeet = 0;
 };
 
-/// One other aircraft as it is seen from the origin.
+/// One other aircraft as it is seen from the origin. A number that isn't known is NaN.
 struct PlotContact
 {
     TrafficTarget target;
-    double distanceNm = 0;           ///< along the great circle
-    double bearing = 0;              ///< degrees from true north, 0 to below 360
-    double relativeAltitudeFeet = 0; ///< above the origin; NaN when either altitude is unknown
+    double distanceNm = std::numeric_limits<double>::quiet_NaN();           ///< along the great circle
+    double bearing = std::numeric_limits<double>::quiet_NaN();              ///< from true north, 0 to below 360 degrees
+    double relativeAltitudeFeet = std::numeric_limits<double>::quiet_NaN(); ///< above the origin
+
+    bool operator==(const PlotContact &) const = default;
 };
 
 /// True for finite degrees with a latitude of at most 90 on either side, other than exactly 0/0: that is where
@@ -53,5 +55,9 @@ double initialBearing(double fromLatitude, double fromLongitude, double toLatitu
 /// The targets as seen from `own`, nearest first, at most `maximum` of them. Targets without a position are left out;
 /// from an origin without a position nothing is seen.
 QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum);
+
+/// The plot's range in nautical miles: the smallest that holds nine of ten contacts, from 2 to 320; 20 for none.
+/// `contacts`: as from plotTraffic().
+int plotRange(const QList<PlotContact> &contacts);
 
 } // namespace tarvo::ui

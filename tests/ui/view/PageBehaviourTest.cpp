@@ -248,9 +248,8 @@ private slots:
         const QString hostile = QStringLiteral("<b>甲</b><img src='file:///etc/passwd'>");
         chooseXPlane(harness);
         harness.dashboard().setUserInfo(hostile, hostile, hostile);
-        harness.dashboard().setRecentFlights(
-            {QVariantMap{{QStringLiteral("callsign"), hostile}}, QVariant(7), QVariant()});
-        harness.dashboard().setLeaderboard({QVariantMap{{QStringLiteral("name"), hostile}}}, {QVariantMap()});
+        harness.dashboard().setRecentFlights({{hostile}, {}});
+        harness.dashboard().setLeaderboard({{.name = hostile}}, {{}});
         QVERIFY(harness.itemWithText(hostile));
         allPlain(harness);
         harness.openSection(QStringLiteral("服务器"));

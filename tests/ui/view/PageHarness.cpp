@@ -77,13 +77,11 @@ void PageHarness::fillAccount()
 {
     m_dashboard.setUserInfo(QStringLiteral("欧阳靖远"), QStringLiteral("CID: 1001"), QStringLiteral("高级教员 (I3)"));
     m_dashboard.setTimes(QStringLiteral("1286小时 47分"), QStringLiteral("342小时 09分"));
-    QVariantList flights;
+    QList<ui::RecentFlight> flights;
     for (int i = 0; i < 20; ++i)
-        flights << QVariantMap{{QStringLiteral("callsign"),
-                                i == 1 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i)},
-                               {QStringLiteral("time"),
-                                QStringLiteral("11-%1 19:4%2 - 22:1%2").arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10)},
-                               {QStringLiteral("duration"), QStringLiteral("2小时 %1分").arg(30 + i)}};
+        flights.append({i == 1 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i),
+                        QStringLiteral("11-%1 19:4%2 - 22:1%2").arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10),
+                        QStringLiteral("2小时 %1分").arg(30 + i)});
     m_dashboard.setRecentFlights(flights);
     const QStringList names{QStringLiteral("欧阳靖远"),
                             QStringLiteral("李想"),
@@ -95,18 +93,11 @@ void PageHarness::fillAccount()
                             QStringLiteral("刘洋"),
                             QStringLiteral("赵一鸣"),
                             QStringLiteral("孙悦")};
-    QVariantList pilots;
-    QVariantList controllers;
-    for (int i = 0; i < names.size(); ++i) {
-        const QVariantMap row{{QStringLiteral("rank"), i + 1},
-                              {QStringLiteral("name"), names.at(i)},
-                              {QStringLiteral("cid"), 1001 + i},
-                              {QStringLiteral("time"), QStringLiteral("%1小时 05分").arg(1286 - 97 * i)}};
-        pilots << row;
-        if (i < 7)
-            controllers << row;
-    }
-    m_dashboard.setLeaderboard(pilots, controllers);
+    QList<ui::RankedUser> pilots;
+    for (int i = 0; i < names.size(); ++i)
+        pilots.append(
+            {i + 1, names.at(i), QString::number(1001 + i), QStringLiteral("%1小时 05分").arg(1286 - 97 * i)});
+    m_dashboard.setLeaderboard(pilots, pilots.first(7));
     m_server.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZSPD 上海浦东国际机场"));
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "PageHarness.h"
+#include "support/OddNumbers.h"
 
-#include <limits>
 #include <memory>
 
 namespace tarvo::test {
-
-inline constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 inline model::RemoteAircraft remoteAircraft(const QString &callsign, double latitude, double longitude,
                                             double altitudeMslM = 1000)

@@ -261,7 +261,7 @@ private:
         return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
     }
     static QRectF mark(const QQuickItem *contact) { return contact->mapRectToScene(QRectF(-6, -6, 12, 12)); }
-    static double distance(const QQuickItem *contact) { return contact->property("distance").toDouble(); }
+    static double distance(const QQuickItem *contact) { return contact->property("distanceNm").toDouble(); }
 };
 
 TARVO_TEST(TrafficCrowdTest)

@@ -13,14 +13,15 @@
 #include <functional>
 
 using tarvo::ui::DashboardViewModel;
+using tarvo::ui::RankedUser;
 
 namespace {
 
 using Action = std::function<void(DashboardViewModel &)>;
 
-QVariantList rows(const QString &name)
+QVariantMap ranked(const QString &name)
 {
-    return {QVariantMap{{QStringLiteral("name"), name}}};
+    return {{u"rank"_qs, 1}, {u"name"_qs, name}, {u"cid"_qs, u"1001"_qs}, {u"time"_qs, u"2小时"_qs}};
 }
 
 } // namespace
@@ -132,12 +133,18 @@ private slots:
             {{QStringLiteral("heading"), 4.0}});
         row("ground speed", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 0, 5); },
             {{QStringLiteral("groundSpeed"), 5.0}});
-        row("flights", "recentFlightsChanged", [=](auto &m) { m.setRecentFlights(rows(text)); },
-            {{QStringLiteral("recentFlights"), rows(text)}});
-        row("pilots", "leaderboardChanged", [=](auto &m) { m.setLeaderboard(rows(text), {}); },
-            {{QStringLiteral("pilotLeaderboard"), rows(text)}});
-        row("controllers", "leaderboardChanged", [=](auto &m) { m.setLeaderboard({}, rows(text)); },
-            {{QStringLiteral("atcLeaderboard"), rows(text)}});
+        row("flights", "recentFlightsChanged",
+            [=](auto &m) {
+                m.setRecentFlights({{text, u"03-01"_qs, u"1小时"_qs}});
+            },
+            {{u"recentFlights"_qs,
+              QVariantList{
+                  QVariantMap{{u"callsign"_qs, text}, {u"time"_qs, u"03-01"_qs}, {u"duration"_qs, u"1小时"_qs}}}}});
+        const QList<RankedUser> best{{1, text, u"1001"_qs, u"2小时"_qs}};
+        row("pilots", "leaderboardChanged", [=](auto &m) { m.setLeaderboard(best, {}); },
+            {{u"pilotLeaderboard"_qs, QVariantList{ranked(text)}}});
+        row("controllers", "leaderboardChanged", [=](auto &m) { m.setLeaderboard({}, best); },
+            {{u"atcLeaderboard"_qs, QVariantList{ranked(text)}}});
     }
 
     void aSetterStoresAndTellsOnce()

@@ -1,5 +1,6 @@
 #include "ui/viewmodel/LabelPlacer.h"
 
+#include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -7,16 +8,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numbers>
 #include <random>
 
 using namespace tarvo::ui;
+using tarvo::test::infinite;
+using tarvo::test::notANumber;
 
 namespace {
 
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr double reach = LabelPlacer::symbolReach;
 const QRectF glass(-220, -160, 440, 320);
 const QSizeF name(48, 13);

@@ -11,9 +11,9 @@ using tarvo::ui::PlotLabels;
 
 namespace {
 
-const QRectF glass(-200, -150, 400, 300);
+const QRectF plot(-200, -150, 400, 300);
 
-QStringList callsigns(int count)
+QStringList numbered(int count)
 {
     QStringList found;
     for (int i = 0; i < count; ++i)
@@ -33,7 +33,7 @@ private slots:
     {
         PlotLabels labels;
         const QList<qreal> figures{50, 0, 1, 40, 20, 1, -50, 0, 2, 40, 0, 0, 0, 80, 3, 0, 20, 0};
-        const QList<qreal> places = labels.place(callsigns(3), figures, 13, glass, {});
+        const QList<qreal> places = labels.place(numbered(3), figures, 13, plot, {});
         QCOMPARE(places.size(), 9);
         QCOMPARE(places.mid(0, 6), (QList<qreal>{11, -6.5, 1, -51, -6.5, 0}));
         QVERIFY(std::isnan(places.at(6)) && std::isnan(places.at(7)));
@@ -44,7 +44,7 @@ private slots:
     {
         PlotLabels labels;
         const QVariantList taken{QRectF(60, -10, 50, 20), QStringLiteral("no rectangle")};
-        const QList<qreal> places = labels.place(callsigns(1), {50, 0, 1, 40, 0, 0}, 13, glass, taken);
+        const QList<qreal> places = labels.place(numbered(1), {50, 0, 1, 40, 0, 0}, 13, plot, taken);
         QCOMPARE(places.size(), 3);
         QVERIFY(std::isfinite(places.at(0)) && places.at(0) != 11);
     }
@@ -52,8 +52,8 @@ private slots:
     void aLabelIsKept()
     {
         PlotLabels labels;
-        QCOMPARE(labels.place(callsigns(1), {-1, 0, 1, 40, 0, 0}, 13, glass, {}).at(0), -51.0);
-        QCOMPARE(labels.place(callsigns(1), {1, 0, 1, 40, 0, 0}, 13, glass, {}).at(0), -51.0);
+        QCOMPARE(labels.place(numbered(1), {-1, 0, 1, 40, 0, 0}, 13, plot, {}).at(0), -51.0);
+        QCOMPARE(labels.place(numbered(1), {1, 0, 1, 40, 0, 0}, 13, plot, {}).at(0), -51.0);
     }
 
     void tooFewFigures_data()
@@ -75,7 +75,7 @@ private slots:
         QFETCH(int, places);
         PlotLabels labels;
         const QList<qreal> told(figures, 20);
-        QCOMPARE(labels.place(callsigns(contacts), told, 13, glass, {}).size(), places);
+        QCOMPARE(labels.place(numbered(contacts), told, 13, plot, {}).size(), places);
     }
 };
 

@@ -1,21 +1,17 @@
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include "SimulatorPageFixture.h"
+#include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
 #include <QSignalSpy>
 #include <QTest>
 
-#include <limits>
-
 using namespace tarvo::test;
 using tarvo::ui::SimulatorPageViewModel;
 
 namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinite = std::numeric_limits<double>::infinity();
 
 /// A sample that is all zeros but for the edit makes the text.
 void row(const char *name, const Edit &edit, const char *property, const char16_t *text)

@@ -1,6 +1,7 @@
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include "SimulatorPageFixture.h"
+#include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -8,15 +9,13 @@
 #include <QTest>
 
 #include <cmath>
-#include <limits>
 
 using namespace tarvo::test;
 using tarvo::model::RemoteAircraft;
+using tarvo::ui::PlotContact;
 using tarvo::ui::SimulatorPageViewModel;
 
 namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 QVariantMap snapshotRow(const char *label, double latitude, double longitude, double altitudeFeet)
 {
@@ -50,7 +49,7 @@ private slots:
         QCOMPARE(data.count(), 1);
         QCOMPARE(traffic.count(), 2);
         QVERIFY(std::isnan(model.pitch()));
-        QCOMPARE(model.plotContacts(), QVariantList());
+        QVERIFY(model.plotContacts().isEmpty());
     }
 
     void remoteAircraftFeedThePlot()
@@ -63,11 +62,11 @@ private slots:
             model.setRemoteAircraft(table);
         QCOMPARE(traffic.count(), 1);
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近 2 个交通目标"));
-        QCOMPARE(model.plotContacts(), QVariantList());
+        QVERIFY(model.plotContacts().isEmpty());
         feed(model, overShanghai());
         QCOMPARE(traffic.count(), 2);
         QCOMPARE(model.plotContacts().size(), 2);
-        const QVariantMap row = model.plotContacts().constFirst().toMap();
+        const QVariantMap row = model.contactRows()->toList().constFirst().toMap();
         QCOMPARE(row.value(QStringLiteral("callsign")).toString(), QStringLiteral("NEAR"));
         QCOMPARE(row.value(QStringLiteral("type")).toString(), QStringLiteral("A320"));
         QCOMPARE(row.value(QStringLiteral("bearing")).toDouble(), 0.0);
@@ -75,10 +74,12 @@ private slots:
         QVERIFY(std::abs(row.value(QStringLiteral("relativeAltitudeFeet")).toDouble() - 1640.42) < 0.01);
         QCOMPARE(row.value(QStringLiteral("heading")).toDouble(), 270.0);
         QCOMPARE(row.value(QStringLiteral("groundSpeed")).toDouble(), 210.0);
+        QCOMPARE(model.plotRange(), 80); // FAR counts
+        QCOMPARE(model.plotSummary(), QStringLiteral("2 个目标，最近的在方位 360，6.0 海里：NEAR"));
         QCOMPARE(model.trafficContacts(), QVariantList());
         model.setRemoteAircraft({});
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近暂无交通目标"));
-        QCOMPARE(model.plotContacts(), QVariantList());
+        QVERIFY(model.plotContacts().isEmpty());
     }
 
     void aCrowdIsCutToTheNearest()
@@ -90,10 +91,10 @@ private slots:
             table << remote(qPrintable(QString::number(i)), 31 + i * 0.001, 121);
         model.setRemoteAircraft(table);
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近 500 个交通目标"));
-        const QVariantList rows = model.plotContacts();
+        const QList<PlotContact> rows = model.plotContacts();
         QCOMPARE(rows.size(), 200);
-        QCOMPARE(rows.first().toMap().value(QStringLiteral("callsign")).toString(), QStringLiteral("1"));
-        QCOMPARE(rows.last().toMap().value(QStringLiteral("callsign")).toString(), QStringLiteral("200"));
+        QCOMPARE(rows.first().target.callsign, QStringLiteral("1"));
+        QCOMPARE(rows.last().target.callsign, QStringLiteral("200"));
     }
 
     void aSnapshotIsPassedOnAndPlotted()
@@ -110,19 +111,18 @@ private slots:
         QCOMPARE(model.trafficContacts(), rows);
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近 4 个交通目标"));
         QCOMPARE(model.plotContacts().size(), 2);
-        const QVariantMap bare = model.plotContacts().at(0).toMap();
-        QCOMPARE(bare.value(QStringLiteral("callsign")).toString(), QStringLiteral("B2352"));
-        for (const char *unknown : {"relativeAltitudeFeet", "heading", "groundSpeed"})
-            QVERIFY(std::isnan(bare.value(QLatin1String(unknown)).toDouble()));
-        const QVariantMap full = model.plotContacts().at(1).toMap();
-        QVERIFY(std::abs(full.value(QStringLiteral("relativeAltitudeFeet")).toDouble() - 1359.58) < 0.01);
+        const PlotContact bare = model.plotContacts().at(0);
+        QCOMPARE(bare.target.callsign, QStringLiteral("B2352"));
+        for (const double unknown : {bare.relativeAltitudeFeet, bare.target.heading, bare.target.groundSpeed})
+            QVERIFY(std::isnan(unknown));
+        QVERIFY(std::abs(model.plotContacts().at(1).relativeAltitudeFeet - 1359.58) < 0.01);
         model.setRemoteAircraft({remote("CES1", 31.1, 121)}); // the session's table stays out of it
         model.setRemoteAircraft({});
         QCOMPARE(model.plotContacts().size(), 2);
         QCOMPARE(traffic.count(), 1);
         model.setTrafficContacts({});
         QCOMPARE(model.trafficContacts(), QVariantList());
-        QCOMPARE(model.plotContacts(), QVariantList());
+        QVERIFY(model.plotContacts().isEmpty());
         QCOMPARE(traffic.count(), 2);
     }
 
@@ -165,7 +165,7 @@ private slots:
             feed(model, own);
         }
         QVERIFY(traffic.count() >= 15 && traffic.count() <= 20);
-        const double distance = model.plotContacts().first().toMap().value(QStringLiteral("distanceNm")).toDouble();
+        const double distance = model.plotContacts().first().distanceNm;
         QVERIFY(std::abs(distance - 5.0) < 0.1);
     }
 
@@ -179,7 +179,7 @@ private slots:
         feed(model, own);
         QCOMPARE(traffic.count(), 0);
         model.setRemoteAircraft({remote("CES1", 32.1, 121)});
-        const double distance = model.plotContacts().first().toMap().value(QStringLiteral("distanceNm")).toDouble();
+        const double distance = model.plotContacts().first().distanceNm;
         QVERIFY(distance < 7); // seen from where the aircraft is now
     }
 

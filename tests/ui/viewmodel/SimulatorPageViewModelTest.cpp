@@ -58,8 +58,9 @@ private slots:
         row("motionSummary", QStringLiteral("暂无运动数据"), "dataChanged");
         row("engineSummary", QStringLiteral("未检测到发动机"), "dataChanged");
         row("engineStates", QVariantList(), "dataChanged");
-        for (const char *list : {"trafficContacts", "plotContacts"})
-            row(list, QVariantList(), "trafficChanged");
+        row("trafficContacts", QVariantList(), "trafficChanged");
+        row("plotRange", 20, "trafficChanged");
+        row("plotSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
         row("trafficSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
     }
 
@@ -230,7 +231,7 @@ private slots:
         QCOMPARE(model.pluginStatusText(), QStringLiteral("未知"));
         QCOMPARE(model.motionSummary(), QStringLiteral("暂无运动数据"));
         QCOMPARE(model.latitude(), 0.0);
-        QCOMPARE(model.plotContacts(), QVariantList());
+        QVERIFY(model.plotContacts().isEmpty());
         QCOMPARE(model.trafficSummary(), QStringLiteral("附近暂无交通目标"));
         QCOMPARE(data.count(), 1);
         QVERIFY(traffic.count() > 0);
@@ -253,7 +254,7 @@ private slots:
         QCOMPARE(model.transponderCode(), QStringLiteral("0000"));
         QCOMPARE(model.engineStates(), QVariantList());
         QVERIFY(!model.simPaused());
-        QCOMPARE(model.plotContacts(), QVariantList()); // nothing to see it from
+        QVERIFY(model.plotContacts().isEmpty()); // nothing to see it from
         feed(model, own);
         QCOMPARE(model.transponderCode(), QStringLiteral("7700"));
         QCOMPARE(model.plotContacts().size(), 1);

@@ -1,19 +1,19 @@
 #include "ui/viewmodel/TrafficPlot.h"
 
+#include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
 #include <QTest>
 
 #include <cmath>
-#include <limits>
 
 using namespace tarvo::ui;
+using tarvo::test::infinite;
+using tarvo::test::notANumber;
 
 namespace {
 
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr double degreeNm = 6371.0088 / 1.852 * 3.14159265358979323846 / 180; ///< one degree of a great circle
 
 TrafficTarget target(const char *callsign, double latitude, double longitude, double altitudeFeet = 0)
@@ -130,6 +130,29 @@ private slots:
                  (QStringList{QStringLiteral("ALSO"), QStringLiteral("NEAR")}));
         QCOMPARE(plotTraffic({31, 121, 0}, targets, 0).size(), 0);
         QCOMPARE(plotTraffic({31, 121, 0}, {}, 10).size(), 0);
+    }
+
+    void theRangeHoldsNineOfTen_data()
+    {
+        QTest::addColumn<QList<double>>("distances");
+        QTest::addColumn<int>("range");
+        QTest::newRow("nobody") << QList<double>() << 20;
+        QTest::newRow("close") << QList<double>{1.5} << 2;
+        QTest::newRow("on a ring") << QList<double>{2} << 2;
+        QTest::newRow("beyond a ring") << QList<double>{2.01} << 5;
+        QTest::newRow("beyond all rings") << QList<double>{900} << 320;
+        QTest::newRow("one of nine is far") << QList<double>{1, 1, 1, 1, 1, 1, 1, 1, 30} << 40;
+        QTest::newRow("one of ten is far") << QList<double>{1, 1, 1, 1, 1, 1, 1, 1, 1, 30} << 2;
+        QTest::newRow("two of eleven are far") << QList<double>{1, 1, 1, 1, 1, 1, 1, 1, 1, 30, 60} << 40;
+    }
+
+    void theRangeHoldsNineOfTen()
+    {
+        QFETCH(QList<double>, distances);
+        QList<PlotContact> contacts;
+        for (const double distance : distances)
+            contacts << PlotContact{.target = {}, .distanceNm = distance};
+        QTEST(plotRange(contacts), "range");
     }
 
     void theHeightIsRelative()

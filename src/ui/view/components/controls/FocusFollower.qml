@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import "../.."
 
 /// Scrolls a page so that what the keyboard goes to is in sight, with what stands right under it. Not for the mouse: what
 /// is pressed mustn't move away under it.
@@ -13,9 +12,10 @@ Item {
     readonly property real margin: 52
 
     visible: false // no layout gives it room
-    onFocusedChanged: later.start()
+    onFocusedChanged: Qt.callLater(show) // qmllint disable
 
-    function show(item: Item): void {
+    function show(): void {
+        const item = focused
         const reason = item?.focusReason
         if (reason !== Qt.TabFocusReason && reason !== Qt.BacktabFocusReason || !holds(item))
             return
@@ -32,11 +32,5 @@ Item {
             if (ancestor === view.contentItem)
                 return true
         return false
-    }
-
-    Later {
-        id: later
-
-        onTriggered: follower.show(follower.focused)
     }
 }

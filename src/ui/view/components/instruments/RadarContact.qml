@@ -6,36 +6,39 @@ import "../.."
 Item {
     id: symbol
 
-    /// A row of the plot's contacts; null for none.
-    property var contact: null
+    required property string callsign
+    required property string type
+    /// Nautical miles; NaN for one without a position, which isn't drawn.
+    required property real distanceNm
+    required property real bearing
+    required property real relativeAltitudeFeet
+    required property real heading
     property real upHeading: 0
     property real range: 10
     property real radius: 100
     property bool measured: true
-    readonly property string callsign: contact?.callsign ?? ""
     /// What the callsign and the height take; 0 for none.
     readonly property real nameWidth: outside || callsign === "" ? 0 : name.width
     readonly property real altitudeWidth: outside || !measured || altitude.text === "" ? 0 : altitude.width
-    readonly property bool below: relative < 0
-    readonly property string heightText: hundreds(relative)
+    readonly property bool below: relativeAltitudeFeet < 0
+    readonly property string heightText: hundreds(relativeAltitudeFeet)
     property bool roomForName: false
     property bool roomForAltitude: false
-    readonly property real distance: contact?.distanceNm ?? 0
-    readonly property real angle: ((contact?.bearing ?? 0) - upHeading) * Math.PI / 180
-    readonly property bool outside: distance > range
-    readonly property real away: Math.min(1, distance / range) * radius
-    readonly property real relative: contact?.relativeAltitudeFeet ?? NaN
-    readonly property bool near: distance < 6 && Math.abs(relative) < 1200
+    readonly property bool placed: Number.isFinite(distanceNm)
+    readonly property real angle: (bearing - upHeading) * Math.PI / 180
+    readonly property bool outside: !(distanceNm <= range)
+    readonly property real away: Math.min(1, distanceNm / range) * radius
+    readonly property bool near: distanceNm < 6 && Math.abs(relativeAltitudeFeet) < 1200
     readonly property color tint: near ? Style.instrumentOwn : Style.instrumentTraffic
 
-    x: away * Math.sin(angle)
-    y: -away * Math.cos(angle)
-    visible: contact !== null
+    x: placed ? away * Math.sin(angle) : 0
+    y: placed ? -away * Math.cos(angle) : 0
+    visible: placed
     opacity: outside ? 0.45 : 1
 
     Item {
-        visible: (symbol.measured || symbol.near) && !symbol.outside && Number.isFinite(symbol.contact?.heading ?? NaN)
-        rotation: (symbol.contact?.heading ?? 0) - symbol.upHeading
+        visible: (symbol.measured || symbol.near) && !symbol.outside && Number.isFinite(symbol.heading)
+        rotation: visible ? symbol.heading - symbol.upHeading : 0
 
         Rectangle {
             x: -0.75

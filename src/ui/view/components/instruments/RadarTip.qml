@@ -5,11 +5,10 @@ import "../.."
 Rectangle {
     id: tip
 
-    /// A RadarContact; null for none.
-    property var symbol: null
-    readonly property var contact: symbol?.contact ?? null
+    /// Null for none.
+    property RadarContact symbol: null
 
-    visible: contact !== null
+    visible: symbol !== null
     implicitWidth: Math.ceil(text.implicitWidth) + 12
     implicitHeight: 20
     radius: 5
@@ -24,7 +23,7 @@ Rectangle {
         anchors.leftMargin: 6
         anchors.rightMargin: 6
         clip: true // an elided text of both directions may be wider than it should
-        text: [tip.contact?.callsign.slice(0, 40) ?? "", tip.contact?.type.slice(0, 8) ?? "", tip.symbol?.heightText ?? ""]
+        text: [tip.symbol?.callsign.slice(0, 40) ?? "", tip.symbol?.type.slice(0, 8) ?? "", tip.symbol?.heightText ?? ""]
             .filter(part => part !== "").join("  ")
         color: Style.instrumentLine
         font.pixelSize: 12

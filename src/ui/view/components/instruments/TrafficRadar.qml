@@ -1,4 +1,5 @@
 import QtQuick
+import com.tarvonet.backend
 import "../.."
 
 /// The aircraft around the own one, which is in the middle and heads up. The outer ring grows and shrinks so that nine
@@ -6,54 +7,33 @@ import "../.."
 Rectangle {
     id: radar
 
-    /// Rows with "callsign", "bearing", "distanceNm", "relativeAltitudeFeet" and "heading", nearest first.
-    property var contacts: []
-    property real heading: 0
-    property bool live: false
-    /// Finds room for the labels; null for none.
-    property var labels: null
-    readonly property real up: live && Number.isFinite(heading) ? (heading % 360 + 360) % 360 : 0
-    readonly property int count: contacts?.length ?? 0
-    readonly property real farthest: count > 0 ? contacts[Math.ceil(count * 0.9) - 1].distanceNm : 20
+    required property SimulatorBackend simulator
+    readonly property bool headingKnown: simulator ? simulator.simulatorConnected && Number.isFinite(simulator.heading) : false
+    /// What is on top, in degrees.
+    readonly property real up: headingKnown ? (simulator.heading % 360 + 360) % 360 : 0
     /// Nautical miles at the outer ring.
-    readonly property int range: rangeFor(farthest)
+    readonly property int range: simulator ? simulator.plotRange : 20
     /// The nearest ones carry a height and a stroke; the others are small.
     readonly property int measuredContacts: 24
-    /// Everything that moves the symbols.
-    readonly property var scene: [contacts, labels, up, range, width, height]
     /// Where the pointer is, or has last tapped; null for nowhere.
     property var asked: null
 
-    function rangeFor(distance: real): int {
-        const ranges = [2, 5, 10, 20, 40, 80, 160, 320]
-        for (const miles of ranges)
-            if (miles >= distance)
-                return miles
-        return ranges[ranges.length - 1]
+    /// The symbols have moved: once they all stand where they do now, the labels follow.
+    function moved(): void {
+        Qt.callLater(placeLabels) // qmllint disable
     }
 
-    /// What is to be seen on it, on one line.
-    function summary(): string {
-        if (count === 0)
-            return qsTr("附近暂无交通目标")
-        const nearest = contacts[0]
-        // The callsign last: what it holds isn't filled in again.
-        return qsTr("%1 个目标，最近的在方位 %2，%3 海里：%4").arg(count).arg(Format.course(nearest.bearing))
-            .arg(Format.fixed(nearest.distanceNm, 1)).arg(nearest.callsign)
-    }
-
-    /// Gives every label the room that there is, once all symbols stand where they do now.
+    /// Gives every label the room that there is.
     function placeLabels(): void {
         const callsigns = []
         const figures = []
-        const shown = Math.min(count, plotted.count)
-        for (let i = 0; i < shown; i++) {
+        for (let i = 0; i < plotted.count; i++) {
             const symbol = plotted.itemAt(i)
             callsigns.push(symbol.callsign)
-            figures.push(symbol.x, symbol.y, symbol.distance, symbol.nameWidth, symbol.altitudeWidth, symbol.below ? 1 : 0)
+            figures.push(symbol.x, symbol.y, symbol.distanceNm, symbol.nameWidth, symbol.altitudeWidth, symbol.below ? 1 : 0)
         }
-        const places = labels?.place(callsigns, figures, Style.radarLabelHeight, glass(), occupied()) ?? []
-        for (let i = 0; i < shown; i++)
+        const places = simulator ? simulator.plotLabels.place(callsigns, figures, Style.radarLabelHeight, glass(), occupied()) : []
+        for (let i = 0; i < plotted.count; i++)
             plotted.itemAt(i).label(places[3 * i] ?? NaN, places[3 * i + 1] ?? NaN, places[3 * i + 2] === 1)
         findPointed()
     }
@@ -79,10 +59,10 @@ Rectangle {
     function findPointed(): void {
         let nearest = 12
         let found = null
-        for (let i = 0; asked && i < Math.min(count, plotted.count); i++) {
+        for (let i = 0; asked && i < plotted.count; i++) {
             const symbol = plotted.itemAt(i)
             const away = Math.hypot(symbol.x + centre.x - asked.x, symbol.y + centre.y - asked.y)
-            if (away < nearest) {
+            if (symbol.visible && away < nearest) {
                 nearest = away
                 found = symbol
             }
@@ -95,11 +75,21 @@ Rectangle {
     radius: 18
     color: Style.instrumentBezel
     Accessible.role: Accessible.Graphic
-    Accessible.name: qsTr("交通雷达：%1").arg(summary())
-    onCountChanged: symbols.count = Math.max(symbols.count, count)
-    onSceneChanged: Qt.callLater(placeLabels) // qmllint disable
+    Accessible.name: qsTr("交通雷达：%1").arg(simulator ? simulator.plotSummary : qsTr("附近暂无交通目标"))
+    onUpChanged: moved()
+    onRangeChanged: moved()
+    onWidthChanged: moved()
+    onHeightChanged: moved()
     onAskedChanged: findPointed()
-    Component.onCompleted: symbols.count = count
+    Component.onCompleted: moved()
+
+    Connections {
+        target: radar.simulator
+
+        function onTrafficChanged(): void {
+            radar.moved()
+        }
+    }
 
     HoverHandler {
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad // a finger hovers for the time of its tap alone
@@ -108,9 +98,6 @@ Rectangle {
     }
 
     TapHandler { onTapped: eventPoint => radar.asked = eventPoint.position }
-
-    // Those that nobody needs any more wait unseen: traffic comes and goes.
-    RowSlots { id: symbols }
 
     Rectangle {
         anchors.fill: parent
@@ -156,13 +143,12 @@ Rectangle {
         Repeater {
             id: plotted
 
-            model: symbols.rows
+            model: radar.simulator ? radar.simulator.contactRows : null
 
             RadarContact {
                 objectName: "radarContact"
                 required property int index
 
-                contact: index < radar.count ? radar.contacts[index] ?? null : null // qmllint disable unqualified
                 upHeading: radar.up // qmllint disable unqualified
                 range: radar.range // qmllint disable unqualified
                 radius: centre.outer // qmllint disable unqualified
@@ -174,7 +160,7 @@ Rectangle {
         // The own aeroplane: fuselage, wings, tail.
         Item {
             z: 1
-            opacity: radar.live ? 1 : 0.4
+            opacity: radar.simulator && radar.simulator.simulatorConnected ? 1 : 0.4
 
             Rectangle { x: -2; y: -11; width: 4; height: 23; radius: 2; color: Style.instrumentLine }
             Rectangle { x: -11; y: -3; width: 22; height: 3.5; radius: 1.5; color: Style.instrumentLine }
@@ -205,7 +191,7 @@ Rectangle {
 
         AppText {
             anchors.centerIn: parent
-            text: radar.live && Number.isFinite(radar.heading) ? Format.course(radar.up) + "°" : "--"
+            text: radar.headingKnown ? Format.course(radar.up) + "°" : "--"
             color: Style.instrumentActive
             font.pixelSize: 13
             font.weight: Font.DemiBold

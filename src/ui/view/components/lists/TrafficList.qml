@@ -7,21 +7,12 @@ import "../.."
 ListView {
     id: list
 
-    property var rows: []
     property string emptyText: "--"
     readonly property int rowHeight: 27
 
     clip: true
     boundsBehavior: Flickable.StopAtBounds
     ScrollBar.vertical: CustomScrollBar {}
-    model: slots.rows
-
-    // Not the rows themselves: they change all the time, and the delegates stay.
-    RowSlots {
-        id: slots
-
-        count: list.rows?.length ?? 0
-    }
 
     header: TrafficRow {
         callsign: qsTr("呼号")
@@ -34,14 +25,13 @@ ListView {
     }
 
     delegate: TrafficRow {
-        required property int index
-        readonly property var contact: list.rows[index] ?? null // qmllint disable unqualified
+        required property var model
 
-        callsign: contact?.callsign || contact?.label || "--"
-        type: contact?.type || "--"
-        bearing: list.figure(contact?.bearing, v => Format.course(v) + "°") // qmllint disable unqualified
-        distance: list.figure(contact?.distanceNm, v => Format.fixed(v, v < 99.95 ? 1 : 0) + " NM") // qmllint disable unqualified
-        altitude: list.figure(contact?.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + Format.fixed(100 * Math.round(v / 100), 0) + " ft") // qmllint disable unqualified
+        callsign: model.callsign || "--"
+        type: model.type || "--"
+        bearing: list.figure(model.bearing, v => Format.course(v) + "°") // qmllint disable unqualified
+        distance: list.figure(model.distanceNm, v => Format.fixed(v, v < 99.95 ? 1 : 0) + " NM") // qmllint disable unqualified
+        altitude: list.figure(model.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + Format.fixed(100 * Math.round(v / 100), 0) + " ft") // qmllint disable unqualified
     }
 
     AppText {
@@ -52,7 +42,7 @@ ListView {
         font.pixelSize: 13
     }
 
-    function figure(value: var, format: var): string {
+    function figure(value: real, format: var): string {
         return Number.isFinite(value) && Math.abs(value) < 1e6 ? format(value) : "--"
     }
 

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import com.tarvonet.backend
 import "../.."
 
 /// The active channel's messages. Stays at the newest, unless the reader has scrolled up, by mouse or by keys.
 Control {
     id: view
 
-    required property var messages
-    readonly property string channel: messages?.activeChannel ?? ""
+    required property MessagesBackend messages
+    readonly property string channel: messages ? messages.activeChannel : ""
     property bool follow: true
     /// How many have come since the reader scrolled up.
     property int missed: 0
@@ -73,24 +74,17 @@ Control {
             list.positionViewAtEnd()
     }
 
-    Later {
-        id: laterStay
-
-        onTriggered: view.stay()
-    }
-
-    Later {
-        id: laterLook
-
-        onTriggered: view.look()
+    /// Not while the list still lays itself out.
+    function later(action: var): void {
+        Qt.callLater(action) // qmllint disable
     }
 
     Connections {
-        target: view.messages?.shownMessages ?? null
+        target: list.model
 
         function onRowsInserted(parent: var, first: int, last: int): void {
             if (view.follow)
-                laterStay.start()
+                view.later(view.stay)
             else
                 view.missed += last - first + 1
         }
@@ -102,15 +96,15 @@ Control {
         objectName: "messageList"
         anchors.fill: parent
         clip: true
-        model: view.messages?.shownMessages ?? null
+        model: view.messages ? view.messages.shownMessages : null
         spacing: Style.spacingMedium
         boundsBehavior: Flickable.StopAtBounds
         cacheBuffer: 600
         onContentYChanged: if (moving || bar.pressed) view.look()
         onMovementEnded: view.look()
-        onHeightChanged: laterStay.start()
-        onWidthChanged: laterStay.start()
-        onContentHeightChanged: view.follow ? laterStay.start() : laterLook.start()
+        onHeightChanged: view.later(view.stay)
+        onWidthChanged: view.later(view.stay)
+        onContentHeightChanged: view.later(view.follow ? view.stay : view.look)
         ScrollBar.vertical: CustomScrollBar { id: bar }
 
         delegate: MessageBubble {
@@ -119,7 +113,7 @@ Control {
             width: ListView.view.width - Style.spacingMedium
             sightTop: list.contentY - y // qmllint disable unqualified
             sightBottom: sightTop + list.height // qmllint disable unqualified
-            onReplyRequested: from => view.messages?.prepareReply(from) // qmllint disable unqualified
+            onReplyRequested: from => view.messages.prepareReply(from) // qmllint disable unqualified
             onFoldRequested: wanted => {
                 if (wanted)
                     view.follow = false // what is being read stays in sight; qmllint disable unqualified

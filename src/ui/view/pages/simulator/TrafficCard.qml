@@ -8,10 +8,6 @@ Card {
     id: card
 
     required property SimulatorBackend simulator
-    readonly property bool live: simulator ? simulator.simulatorConnected : false
-    readonly property var contacts: simulator ? simulator.plotContacts : []
-    /// Without an own position there is nothing to measure from, but a snapshot has its labels.
-    readonly property var rows: contacts.length > 0 ? contacts : (simulator ? simulator.trafficContacts : [])
 
     contentPadding: 16
 
@@ -29,10 +25,7 @@ Card {
             objectName: "trafficRadar"
             Layout.fillWidth: true
             Layout.preferredHeight: Math.max(290, Math.min(440, card.width * 0.72))
-            live: card.live
-            heading: card.simulator ? card.simulator.heading : NaN
-            contacts: card.contacts
-            labels: card.simulator ? card.simulator.plotLabels : null
+            simulator: card.simulator
         }
 
         TrafficList {
@@ -40,7 +33,7 @@ Card {
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.preferredHeight: 6 * rowHeight
-            rows: card.rows
+            model: card.simulator ? card.simulator.contactRows : null
             emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
         }
     }
