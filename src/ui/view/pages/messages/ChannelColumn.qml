@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// What there is to read and whom to write to: channels, private sessions, stations nearby.
 Card {
     id: column
 
-    required property var messages
+    required property MessagesBackend messages
 
     contentPadding: Style.spacingMedium
 
@@ -32,12 +33,12 @@ Card {
                 rightPadding: Style.spacingMedium
                 text: qsTr("清空")
                 font.pixelSize: Style.fontSmall
-                onClicked: column.messages?.clearMessages()
+                onClicked: if (column.messages) column.messages.clearMessages()
             }
         }
 
         Repeater {
-            model: column.messages?.channelList ?? null
+            model: column.messages ? column.messages.channelList : null
 
             ListRow {
                 required property string key
@@ -48,8 +49,8 @@ Card {
                 objectName: "channel-" + key
                 text: label
                 badge: unread
-                selected: column.messages?.activeChannel === key // qmllint disable unqualified
-                onClicked: if (column.messages) column.messages.activeChannel = key // qmllint disable unqualified
+                selected: column.messages.activeChannel === key // qmllint disable unqualified
+                onClicked: column.messages.activeChannel = key // qmllint disable unqualified
             }
         }
 
@@ -66,7 +67,7 @@ Card {
             id: sessionList
 
             objectName: "sessionList"
-            model: column.messages?.sessionList ?? null
+            model: column.messages ? column.messages.sessionList : null
             emptyText: qsTr("点击发送者或附近管制开始私聊")
             // As long as its rows; the stations have the rest.
             Layout.maximumHeight: Math.max(Layout.minimumHeight, contentHeight)
@@ -83,11 +84,11 @@ Card {
                 note: time
                 detail: lastText
                 badge: unread
-                selected: column.messages?.activeChannel === callsign // qmllint disable unqualified
+                selected: column.messages.activeChannel === callsign // qmllint disable unqualified
                 closable: true
                 onVisualFocusChanged: if (visualFocus) sessionList.reveal(index) // qmllint disable unqualified
-                onClicked: column.messages?.openPrivateSession(callsign) // qmllint disable unqualified
-                onCloseRequested: column.messages?.closePrivateSession(callsign) // qmllint disable unqualified
+                onClicked: column.messages.openPrivateSession(callsign) // qmllint disable unqualified
+                onCloseRequested: column.messages.closePrivateSession(callsign) // qmllint disable unqualified
             }
         }
 
@@ -104,7 +105,7 @@ Card {
             id: stationList
 
             objectName: "stationList"
-            model: column.messages?.stationList ?? null
+            model: column.messages ? column.messages.stationList : null
             emptyText: qsTr("附近暂无管制席位")
             delegate: ListRow {
                 required property int index
@@ -118,7 +119,7 @@ Card {
                 note: frequency
                 detail: name
                 onVisualFocusChanged: if (visualFocus) stationList.reveal(index) // qmllint disable unqualified
-                onClicked: column.messages?.openPrivateSession(callsign) // qmllint disable unqualified
+                onClicked: column.messages.openPrivateSession(callsign) // qmllint disable unqualified
             }
         }
     }

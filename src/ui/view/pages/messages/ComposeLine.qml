@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// The line that is being written. Where it goes is the active channel's affair. It hands on the keys that scroll the
@@ -7,9 +8,9 @@ import "../.."
 RowLayout {
     id: compose
 
-    required property var messages
-    readonly property bool canSend: messages?.activeChannelCanSend ?? false
-    readonly property string channel: messages?.activeChannel ?? ""
+    required property MessagesBackend messages
+    readonly property bool canSend: messages ? messages.activeChannelCanSend : false
+    readonly property string channel: messages ? messages.activeChannel : ""
 
     /// Has the focus while nothing can be written.
     property Item elsewhere: null
@@ -40,7 +41,7 @@ RowLayout {
 
     function send(): void {
         Qt.inputMethod.commit() // qmllint disable type
-        if (!messages || !canSend)
+        if (!canSend)
             return
         const text = line.text
         messages.draftMessage = text
@@ -58,7 +59,7 @@ RowLayout {
         objectName: "composeField"
         Layout.fillWidth: true
         enabled: compose.canSend
-        text: compose.messages?.draftMessage ?? ""
+        text: compose.messages ? compose.messages.draftMessage : ""
         onTextEdited: if (compose.messages) compose.messages.draftMessage = text
         onAccepted: compose.send()
         Keys.onPressed: event => compose.scroll(event)
@@ -74,7 +75,7 @@ RowLayout {
             anchors.rightMargin: line.rightPadding
             clip: true
             visible: line.length === 0 && line.preeditText.length === 0
-            text: compose.messages?.composePlaceholder ?? "--"
+            text: compose.messages ? compose.messages.composePlaceholder : "--"
             color: Style.textMuted
             elide: Text.ElideRight
             maximumLineCount: 1

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import com.tarvonet.backend
 import "../.."
 
 /// 消息: the channels on the left, the active one's messages and the line to write on the right.
 ColumnLayout {
     id: page
 
-    required property var messages
+    required property MessagesBackend messages
 
     spacing: Style.spacingMedium
 
@@ -16,14 +17,14 @@ ColumnLayout {
 
         AppText {
             height: 32
-            text: page.messages?.summaryText ?? "--"
+            text: page.messages ? page.messages.summaryText : "--"
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
         }
 
         StatusChip {
             status: !page.messages ? "--" : good ? qsTr("已连接") : qsTr("未连接")
-            good: page.messages?.networkConnected ?? false
+            good: page.messages ? page.messages.networkConnected : false
         }
     }
 
@@ -52,7 +53,7 @@ ColumnLayout {
                 SectionTitle {
                     Layout.fillWidth: true
                     objectName: "channelTitle"
-                    title: page.messages?.activeChannelTitle ?? "--"
+                    title: page.messages ? page.messages.activeChannelTitle : "--"
                     note: list.count > 0 ? qsTr("%1 条").arg(list.count) : ""
                 }
 
