@@ -71,7 +71,7 @@ QVariantList MessagesPageViewModel::privateSessions() const
 
 QVariantList MessagesPageViewModel::nearbyClients() const
 {
-    return toMaps(m_stations.rows());
+    return m_stations.toList();
 }
 
 QVariantList MessagesPageViewModel::messagesForChannel(const QString &channel) const
@@ -200,9 +200,9 @@ void MessagesPageViewModel::setNearbyController(const model::Controller &control
     const QString callsign = normalisedCallsign(controller.callsign);
     if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
         return;
-    const Station station{.callsign = callsign,
-                          .frequency = megahertz(controller.normalisedFrequency), // what a pilot tunes
-                          .name = shownName(controller.realName)};
+    const model::NearbyAtc station{.callsign = callsign,
+                                   .frequency = megahertz(controller.normalisedFrequency), // what a pilot tunes
+                                   .name = shownName(controller.realName)};
     if (m_stations.set(station))
         tell(Change::NearbyClients);
 }

@@ -4,25 +4,23 @@
 
 namespace tarvo::ui {
 
+using model::NearbyAtc;
+
 namespace {
-constexpr Role<Station> stationRoles[] = {
-    {"callsign", [](const Station &row) -> QVariant { return row.callsign; }},
-    {"frequency", [](const Station &row) -> QVariant { return row.frequency; }},
-    {"name", [](const Station &row) -> QVariant { return row.name; }},
+constexpr Role<NearbyAtc> stationRoles[] = {
+    {"callsign", member<&NearbyAtc::callsign>},
+    {"type", [](const NearbyAtc &) -> QVariant { return QStringLiteral("atc"); }},
+    {"frequency", member<&NearbyAtc::frequency>},
+    {"name", member<&NearbyAtc::name>},
 };
 } // namespace
 
-QVariantMap Station::toMap() const
+StationList::StationList(QObject *parent) : RowsModel(stationRoles, parent)
 {
-    return {{QStringLiteral("callsign"), callsign},
-            {QStringLiteral("type"), QStringLiteral("atc")},
-            {QStringLiteral("frequency"), frequency},
-            {QStringLiteral("name"), name}};
+    qRegisterMetaType<NearbyAtc>("model::NearbyAtc");
 }
 
-StationList::StationList(QObject *parent) : RowsModel(stationRoles, parent) {}
-
-bool StationList::set(const Station &station)
+bool StationList::set(const NearbyAtc &station)
 {
     const qsizetype at = place(station.callsign);
     if (standsAt(at, station.callsign))
@@ -52,7 +50,7 @@ bool StationList::clear()
 
 qsizetype StationList::place(const QString &callsign) const
 {
-    return std::ranges::lower_bound(rows(), callsign, {}, &Station::callsign) - rows().cbegin();
+    return std::ranges::lower_bound(rows(), callsign, {}, &NearbyAtc::callsign) - rows().cbegin();
 }
 
 bool StationList::standsAt(qsizetype at, const QString &callsign) const

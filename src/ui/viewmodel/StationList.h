@@ -1,26 +1,14 @@
 #pragma once
 
+#include "model/NearbyAtc.h"
 #include "ui/viewmodel/RowsModel.h"
 
 #include <QString>
-#include <QVariantMap>
 
 namespace tarvo::ui {
 
-/// A station nearby.
-struct Station
-{
-    QString callsign;  ///< upper-case
-    QString frequency; ///< MHz, three decimals
-    QString name;      ///< empty while unknown
-
-    bool operator==(const Station &) const = default;
-    /// With "type" ("atc") beside the three.
-    QVariantMap toMap() const;
-};
-
-/// The stations nearby, by callsign. Roles: "callsign", "frequency", "name".
-class StationList : public RowsModel<Station>
+/// The stations nearby, by callsign. Roles: "callsign", "type" ("atc"), "frequency", "name".
+class StationList : public RowsModel<model::NearbyAtc>
 {
 public:
     /// More are not listed.
@@ -29,7 +17,7 @@ public:
     explicit StationList(QObject *parent = nullptr);
 
     /// Adds or updates the station; false when that changes nothing.
-    bool set(const Station &station);
+    bool set(const model::NearbyAtc &station);
     /// False when it wasn't there.
     bool remove(const QString &callsign);
     /// False when there was none.

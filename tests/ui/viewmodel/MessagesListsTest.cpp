@@ -219,6 +219,12 @@ private slots:
         QCOMPARE(others, 0);
     }
 
+    void aStationHasANameAmongTheMetaTypes()
+    {
+        const MessagesFixture fixture;
+        QCOMPARE(QMetaType::fromName("model::NearbyAtc"), QMetaType::fromType<tarvo::model::NearbyAtc>());
+    }
+
     void aTextIsUnfoldedByThePage()
     {
         MessagesFixture fixture;
@@ -288,8 +294,7 @@ private:
     /// The lists against the properties, which are put together in another way.
     static void compare(MessagesPageViewModel &model)
     {
-        const QStringList stations{u"callsign"_qs, u"frequency"_qs, u"name"_qs};
-        QCOMPARE(rowsOf(*model.stationList()), only(stations, model.nearbyClients()));
+        QCOMPARE(rowsOf(*model.stationList()), model.nearbyClients());
         const QStringList channels{u"key"_qs, u"label"_qs, u"unread"_qs};
         QCOMPARE(rowsOf(*model.channelList()), only(channels, fixedOf(model.channels())));
         const QStringList sessions{u"callsign"_qs, u"unread"_qs};
