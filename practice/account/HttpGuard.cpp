@@ -23,6 +23,7 @@ void HttpGuard::watch(QTcpSocket *socket)
     ++m_open;
     connect(socket, &QObject::destroyed, this, [this] { --m_open; });
     socket->setReadBufferSize(maxRequestBytes);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // an answer comes in several pieces
 
     auto *idle = new QTimer(socket);
     idle->setSingleShot(true);

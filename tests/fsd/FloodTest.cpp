@@ -79,7 +79,7 @@ private slots:
         QVERIFY(net.open());
         net.client.receive(pings(20));
         QCOMPARE(net.order, numbers(perTurn));
-        QTRY_COMPARE(net.order, numbers(20));
+        TRY_COMPARE(net.order, numbers(20));
         QCOMPARE(net.turns.count(), 2);
     }
 
@@ -91,7 +91,7 @@ private slots:
         net.client.receive(pings(20, 20));
         QVERIFY(net.order.size() < 40);
         net.peer.injectBytes(pings(20, 40));
-        QTRY_COMPARE(net.order, numbers(60));
+        TRY_COMPARE(net.order, numbers(60));
     }
 
     void aLoneCharacterIsLostAlsoWhileLinesWait()
@@ -101,7 +101,7 @@ private slots:
         net.client.receive(pings(20));
         net.client.receive("Z");
         net.client.receive(pings(1, 20));
-        QTRY_COMPARE(net.order, numbers(21));
+        TRY_COMPARE(net.order, numbers(21));
     }
 
     void whatIsTooMuchStaysWithTheServer()
@@ -129,7 +129,7 @@ private slots:
         net.client.disconnectFromServer();
         QVERIFY(net.open());
         net.peer.injectBytes(pings(1, 99));
-        QTRY_COMPARE(net.order, numbers(perTurn) + QStringList({u"over"_qs, u"99"_qs}));
+        TRY_COMPARE(net.order, numbers(perTurn) + QStringList({u"over"_qs, u"99"_qs}));
     }
 
     void aNewConnectionForgetsWhatWaits()
@@ -140,7 +140,7 @@ private slots:
         QVERIFY(net.client.connectToServer(net.peer.address(), net.peer.port()));
         QVERIFY(net.peer.waitForConnection(2));
         net.peer.injectBytes(pings(1, 99));
-        QTRY_COMPARE(net.order, numbers(perTurn) + QStringList{u"99"_qs});
+        TRY_COMPARE(net.order, numbers(perTurn) + QStringList{u"99"_qs});
     }
 
     void theServersCloseComesBehindTheLinesThatWait()
@@ -149,7 +149,7 @@ private slots:
         QVERIFY(net.open());
         net.peer.injectBytes(pings(1000));
         net.peer.closeConnection();
-        QTRY_COMPARE(net.order.size(), 1002);
+        TRY_COMPARE(net.order.size(), 1002);
         QCOMPARE(net.order, numbers(1000) + QStringList({u"RemoteHostClosedError"_qs, u"over"_qs}));
     }
 
@@ -160,7 +160,7 @@ private slots:
         connect(&net.client, &FsdClient::raiseKillRequestReceived, &net.client, &FsdClient::disconnectFromServer);
         net.peer.injectBytes(pings(20) + "$!!S:C:bye\r\n" + pings(20));
         net.peer.closeConnection();
-        QTRY_COMPARE(net.order, numbers(20) + QStringList{u"over"_qs});
+        TRY_COMPARE(net.order, numbers(20) + QStringList{u"over"_qs});
         QVERIFY(net.open());
         QVERIFY(net.peer.expectNothing());
         QCOMPARE(net.order.size(), 21);

@@ -2,6 +2,7 @@
 #include "fsd/pdu/Ping.h"
 #include "support/FsdPeer.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QMetaMethod>
@@ -92,7 +93,7 @@ private slots:
         QVERIFY(!session.client.isConnected());
         QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port()));
         QVERIFY(!session.client.isConnected());
-        QTRY_COMPARE(session.connected.count(), 1);
+        TRY_COMPARE(session.connected.count(), 1);
         QVERIFY(session.client.isConnected());
         QCOMPARE(session.client.serverAddress(), QStringLiteral("127.0.0.1"));
         QCOMPARE(session.errors.count(), 0);
@@ -156,7 +157,7 @@ private slots:
              [&] { second = session.client.connectToServer(session.peer.address(), session.peer.port()); });
         QVERIFY(!session.client.connectToServer(QStringLiteral("localhost"), 1));
         QVERIFY(second);
-        QTRY_COMPARE(session.connected.count(), 1);
+        TRY_COMPARE(session.connected.count(), 1);
         QCOMPARE(session.errors.count(), 0);
     }
 
@@ -165,7 +166,7 @@ private slots:
         Session session;
         session.peer.stopListening();
         QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port()));
-        QTRY_COMPARE(session.errors.count(), 1);
+        TRY_COMPARE(session.errors.count(), 1);
         QCOMPARE(firstArgument(session.errors), QStringLiteral("ConnectionRefusedError: Connection refused"));
         QCOMPARE(session.disconnected.count(), 0);
         QCOMPARE(session.connected.count(), 0);
@@ -182,8 +183,8 @@ private slots:
             order << QStringLiteral("disconnected") << (session.client.isConnected() ? u"up"_qs : u"down"_qs);
         });
         session.peer.closeConnection();
-        QTRY_COMPARE(order, (QStringList{u"RemoteHostClosedError: The remote host closed the connection"_qs, u"up"_qs,
-                                         u"disconnected"_qs, u"down"_qs}));
+        TRY_COMPARE(order, (QStringList{u"RemoteHostClosedError: The remote host closed the connection"_qs, u"up"_qs,
+                                        u"disconnected"_qs, u"down"_qs}));
     }
 
     void whatCameBeforeTheCloseIsHandled()
@@ -193,7 +194,7 @@ private slots:
         QSignalSpy kills(&session.client, &FsdClient::raiseKillRequestReceived);
         session.peer.inject(QStringLiteral("$!!SERVER:CES1:bye"));
         session.peer.closeConnection();
-        QTRY_COMPARE(session.disconnected.count(), 1);
+        TRY_COMPARE(session.disconnected.count(), 1);
         QCOMPARE(kills.count(), 1);
     }
 
@@ -243,7 +244,7 @@ private slots:
         Session session;
         QVERIFY(session.open());
         session.peer.injectBytes("$PISERVER:CES1:1\r\n#TMSERVER:C"); // the cut line must not reach the next session
-        QTRY_COMPARE(session.received.count(), 1);
+        TRY_COMPARE(session.received.count(), 1);
         connect(
             &session.client, &FsdClient::raiseNetworkDisconnected, this,
             [&] { QVERIFY(session.client.connectToServer(session.peer.address(), session.peer.port())); },
@@ -253,7 +254,7 @@ private slots:
         else
             session.client.disconnectFromServer();
         QVERIFY(session.peer.waitForConnection(2));
-        QTRY_COMPARE(session.connected.count(), 2);
+        TRY_COMPARE(session.connected.count(), 2);
         QVERIFY(session.peer.expectNothing());
         QVERIFY(session.client.isConnected());
         QCOMPARE(session.disconnected.count(), 1);
@@ -270,7 +271,7 @@ private slots:
             Qt::SingleShotConnection);
         session.peer.abortConnection();
         QVERIFY(session.peer.waitForConnection(2));
-        QTRY_COMPARE(session.connected.count(), 2);
+        TRY_COMPARE(session.connected.count(), 2);
         QVERIFY(session.peer.expectNothing());
         QCOMPARE(session.disconnected.count(), 0); // the old connection's end came too late
     }
@@ -290,7 +291,7 @@ private slots:
 
         QVERIFY(session.open()); // nor does the cut line lead the next session's first
         session.peer.inject(QStringLiteral("$PISERVER:CES1:2"));
-        QTRY_COMPARE(pings.count(), 1);
+        TRY_COMPARE(pings.count(), 1);
         QCOMPARE(session.errors.count(), 0);
     }
 
@@ -300,9 +301,9 @@ private slots:
         QVERIFY(session.open());
         QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
         session.peer.injectBytes("$PISERVER:CES1:1\r\n$PISER");
-        QTRY_COMPARE(pings.count(), 1);
+        TRY_COMPARE(pings.count(), 1);
         session.peer.injectBytes("VER:CES1:2\r\n");
-        QTRY_COMPARE(pings.count(), 2);
+        TRY_COMPARE(pings.count(), 2);
         QCOMPARE(session.errors.count(), 0);
     }
 
@@ -312,7 +313,7 @@ private slots:
         QVERIFY(session.open());
         QSignalSpy reads(session.client.findChild<QTcpSocket *>(), &QTcpSocket::readyRead);
         session.peer.injectBytes("Z");
-        QTRY_COMPARE(reads.count(), 1);
+        TRY_COMPARE(reads.count(), 1);
         QVERIFY(session.peer.expectNothing()); // "Z$ZC..." would be no challenge
         QCOMPARE(session.errors.count(), 0);
     }
@@ -326,7 +327,7 @@ private slots:
         connect(&session.client, &FsdClient::raiseRawDataReceived, this, [&](const QString &line) { order << line; });
         connect(&session.client, &FsdClient::raiseNetworkError, this, [&](const QString &text) { order << text; });
         session.peer.injectBytes("X:abc\r\n\r\n$DISERVER:CES1:v\r\n$PISERVER:CES1:1\r\n");
-        QTRY_COMPARE(pings.count(), 1);
+        TRY_COMPARE(pings.count(), 1);
         QCOMPARE(order,
                  (QStringList{u"X:abc\r\n"_qs, u"Invalid PDU type. (Raw packet: X:abc)"_qs, u"$DISERVER:CES1:v\r\n"_qs,
                               u"Invalid field count for ServerIdentification command. (Raw packet: SERVER:CES1:v)"_qs,
@@ -339,7 +340,7 @@ private slots:
         Session session;
         QVERIFY(session.open());
         session.peer.inject(QStringLiteral("X%2%1"));
-        QTRY_COMPARE(session.errors.count(), 1);
+        TRY_COMPARE(session.errors.count(), 1);
         QCOMPARE(firstArgument(session.errors), QStringLiteral("Invalid PDU type. (Raw packet: X%2%1)"));
     }
 
@@ -349,11 +350,11 @@ private slots:
         QVERIFY(session.open());
         QSignalSpy pings(&session.client, &FsdClient::raisePingReceived);
         session.peer.injectBytes("$PISERVER:CES1:\xE9\xFF\r\n");
-        QTRY_COMPARE(pings.count(), 1);
+        TRY_COMPARE(pings.count(), 1);
         QCOMPARE(firstArgument(session.received), QStringLiteral("$PISERVER:CES1:\u00E9\u00FF\r\n"));
 
         session.client.sendRaw(QStringLiteral("#TMA:B:\u00E9\u4E2D\r\n"));
-        QTRY_COMPARE(session.peer.receivedBytes(), QByteArray("#TMA:B:\xE9?\r\n"));
+        TRY_COMPARE(session.peer.receivedBytes(), QByteArray("#TMA:B:\xE9?\r\n"));
         // Latin-1 bytes read as UTF-8: a lone 0xE9 is no character there.
         QCOMPARE(firstArgument(session.sent), QStringLiteral("#TMA:B:\uFFFD?\r\n"));
     }
@@ -536,7 +537,7 @@ private slots:
                 spies.emplace_back(name, std::make_unique<QSignalSpy>(&session.client, meta.method(i)));
         }
         session.peer.inject(line);
-        QTRY_COMPARE(session.received.count(), 1);
+        TRY_COMPARE(session.received.count(), 1);
         QCOMPARE(firstArgument(session.received), line + u"\r\n"_qs);
         for (const auto &[name, spy] : spies) {
             if (name != u"raiseRawDataReceived" && name != u"raiseRawDataSent")
@@ -557,7 +558,7 @@ private slots:
             }
         });
         session.peer.injectBytes("$PISERVER:CES1:1\r\n$PISERVER:CES1:2\r\n");
-        QTRY_COMPARE(order, (QStringList{u"1"_qs, u"2"_qs, u"3"_qs}));
+        TRY_COMPARE(order, (QStringList{u"1"_qs, u"2"_qs, u"3"_qs}));
     }
 };
 

@@ -2,6 +2,7 @@
 #include "fsd/NameResolver.h"
 #include "fsd/pdu/Ping.h"
 #include "support/FsdPeer.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -99,7 +100,7 @@ private slots:
         TwoServers net;
         QVERIFY(net.move());
         net.second->inject(QStringLiteral("$PISERVER:CES1:new"));
-        QTRY_COMPARE(net.pings.count(), 1);
+        TRY_COMPARE(net.pings.count(), 1);
         net.client.sendRaw(QStringLiteral("$POCES1:SERVER:new\r\n"));
         QVERIFY(net.second->expect(QStringLiteral("$POCES1:SERVER:new")));
         QCOMPARE(net.client.serverAddress(), QStringLiteral("127.0.0.2"));
@@ -143,7 +144,7 @@ private slots:
         net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PISER");
         QVERIFY(net.second->waitForConnection() && net.first.waitForClose());
         net.second->inject(QStringLiteral("$PISERVER:CES1:new"));
-        QTRY_COMPARE(net.pings.count(), 1);
+        TRY_COMPARE(net.pings.count(), 1);
         QCOMPARE(net.from, QStringList{QStringLiteral("SERVER")});
         QCOMPARE(net.errors.count(), 0);
     }
@@ -154,9 +155,9 @@ private slots:
         QVERIFY(net.open());
         QSignalSpy received(&net.client, &FsdClient::raiseRawDataReceived);
         net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PISER"); // nobody listens there
-        QTRY_COMPARE(received.count(), 1);
+        TRY_COMPARE(received.count(), 1);
         net.first.inject(QStringLiteral("VER:CES1:old"));
-        QTRY_COMPARE(received.count(), 2);
+        TRY_COMPARE(received.count(), 2);
         QCOMPARE(net.pings.count(), 0);
         QCOMPARE(net.errors.count(), 1);
         QCOMPARE(net.errors.at(0).at(0).toString(), QStringLiteral("Invalid PDU type. (Raw packet: VER:CES1:old)"));
@@ -182,7 +183,7 @@ private slots:
         net.first.injectBytes("$PIA:CES1:1\r\n$XXSERVER:CES1:127.0.0.2\r\n$PIB:CES1:2\r\n");
         QVERIFY(net.second->waitForConnection() && net.waitForSwap());
         net.second->inject(QStringLiteral("$PISERVER:CES1:new"));
-        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"B"_qs, u"OLD"_qs, u"SERVER"_qs}));
+        TRY_COMPARE(net.from, (QStringList{u"A"_qs, u"B"_qs, u"OLD"_qs, u"SERVER"_qs}));
         QVERIFY(net.nestedWell);
         QCOMPARE(net.errors.count(), 0);
     }
@@ -201,7 +202,7 @@ private slots:
             return socket->state() == QAbstractSocket::ConnectingState;
         });
         net.first.injectBytes("$XXSERVER:CES1:127.0.0.2\r\n$PIA:CES1:1\r\n");
-        QTRY_COMPARE(net.from, (QStringList{u"A"_qs, u"NEW"_qs}));
+        TRY_COMPARE(net.from, (QStringList{u"A"_qs, u"NEW"_qs}));
         QVERIFY(net.nestedWell);
         QCOMPARE(net.errors.count(), 0);
     }
@@ -221,7 +222,7 @@ private slots:
         net.change(QStringLiteral("localhost"));
         QVERIFY(net.second->waitForConnection());
         QVERIFY(net.second->expectNothing());
-        QTRY_VERIFY(!net.client.isResolving());
+        TRY_VERIFY(!net.client.isResolving());
         QVERIFY(net.second->expectNothing()); // the look-up's answer changes nothing any more
         QCOMPARE(net.client.serverAddress(), QStringLiteral("127.0.0.2"));
         QCOMPARE(net.disconnected.count(), 0);
@@ -248,7 +249,7 @@ private slots:
         connect(&net.client, &FsdClient::raiseNetworkError, &net.client,
                 [&] { net.client.receive("$XXSERVER:CES1:not..a.name\r\n"); });
         net.first.closeConnection();
-        QTRY_COMPARE(lookUps.count(), 2); // the one before, and the server's
+        TRY_COMPARE(lookUps.count(), 2); // the one before, and the server's
         QCOMPARE(net.disconnected.count(), 1);
         QCOMPARE(net.errors.count(), 1);
     }
@@ -259,9 +260,9 @@ private slots:
         QVERIFY(net.open());
         net.change(); // nobody listens there
         net.first.inject(QStringLiteral("$PISERVER:CES1:still here"));
-        QTRY_COMPARE(net.pings.count(), 1);
+        TRY_COMPARE(net.pings.count(), 1);
         net.first.closeConnection(); // heard again once the change has failed
-        QTRY_COMPARE(net.disconnected.count(), 1);
+        TRY_COMPARE(net.disconnected.count(), 1);
     }
 
     void aRefusedChangeWithTheOldServerGoneEndsTheSession()
@@ -270,7 +271,7 @@ private slots:
         QVERIFY(net.open());
         net.change();
         net.first.abortConnection();
-        QTRY_COMPARE(net.disconnected.count(), 1);
+        TRY_COMPARE(net.disconnected.count(), 1);
         QVERIFY(!net.client.isConnected());
     }
 
@@ -280,12 +281,12 @@ private slots:
         QVERIFY(net.open());
         net.change(QStringLiteral("not..a.name"));
         QVERIFY(net.first.expectNothing());
-        QTRY_COMPARE(net.client.findChildren<QTcpSocket *>().size(), 1); // the change has failed
+        TRY_COMPARE(net.client.findChildren<QTcpSocket *>().size(), 1); // the change has failed
         QVERIFY(net.client.isConnected());
         QCOMPARE(net.disconnected.count(), 0);
         QCOMPARE(net.errors.count(), 0);
         net.first.closeConnection(); // errors are heard again
-        QTRY_COMPARE(net.errors.count(), 1);
+        TRY_COMPARE(net.errors.count(), 1);
         QCOMPARE(net.disconnected.count(), 1);
     }
 
@@ -294,11 +295,11 @@ private slots:
         TwoServers net;
         QVERIFY(net.open());
         net.first.inject(QStringLiteral("$XXSERVER:CES1"));
-        QTRY_COMPARE(net.errors.count(), 1);
+        TRY_COMPARE(net.errors.count(), 1);
         QCOMPARE(net.errors.at(0).at(0).toString(),
                  QStringLiteral("Invalid field count for ChangeServer command. (Raw packet: SERVER:CES1)"));
         net.first.closeConnection();
-        QTRY_COMPARE(net.disconnected.count(), 1);
+        TRY_COMPARE(net.disconnected.count(), 1);
         QCOMPARE(net.errors.count(), 2);
     }
 
@@ -307,7 +308,7 @@ private slots:
         TwoServers net;
         QVERIFY(net.move());
         net.second->closeConnection();
-        QTRY_COMPARE(net.disconnected.count(), 1);
+        TRY_COMPARE(net.disconnected.count(), 1);
         QVERIFY(!net.client.isConnected());
         QCOMPARE(net.errors.count(), 1);
         QCOMPARE(net.errors.at(0).at(0).toString(),

@@ -1,6 +1,7 @@
 #include "network/ApiFixture.h"
 #include "network/ReplyOutcome.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QNetworkCookie>
@@ -29,7 +30,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(fixture.peer.requests().size(), 1);
         const HttpPeer::Request &request = fixture.peer.requests().first();
         QCOMPARE(request.method, QByteArray("POST"));
@@ -51,7 +52,7 @@ private slots:
             {.body = ApiFixture::authBody(QStringLiteral("LOGIN_SUCCESS"), jwt, QStringLiteral("refresh-9"), user)});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(told.message, QStringLiteral("fine"));
         QVERIFY(fixture.service->hasToken());
@@ -72,7 +73,7 @@ private slots:
                                                           QStringLiteral("refresh"))});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
     }
 
@@ -106,7 +107,7 @@ private slots:
         fixture.peer.answer("POST", sessionsPath, {.status = status, .body = body});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QTEST(told.message, "message");
         QVERIFY(!fixture.service->hasToken());
@@ -119,7 +120,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message,
                  QStringLiteral("服务器接口不存在 (404)\n请求地址: %1/users/sessions").arg(fixture.peer.baseUrl()));
     }
@@ -130,7 +131,7 @@ private slots:
         fixture.peer.answer("POST", sessionsPath, {.status = 503});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误 (503): ")), qPrintable(told.message));
         QVERIFY(told.message.size() > QStringLiteral("网络错误 (503): ").size());
     }
@@ -140,7 +141,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.startAt(ApiFixture::deadBaseUrl()).login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("无法连接到服务器，请检查网络连接"));
     }
 
@@ -160,7 +161,7 @@ private slots:
         Told told;
         fixture.start().setTransferTimeout(std::chrono::milliseconds(50));
         fixture.service->login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("连接超时，请稍后重试"));
     }
 
@@ -189,7 +190,7 @@ private slots:
         QCOMPARE(fixture.service->callTimeout(), std::chrono::milliseconds(60'000));
         fixture.service->setCallTimeout(std::chrono::milliseconds(100));
         fixture.service->login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("连接超时，请稍后重试"));
     }
 
@@ -199,7 +200,7 @@ private slots:
         fixture.peer.answer("POST", sessionsPath, {.delivery = HttpPeer::Delivery::CloseWithoutAnswer});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误 (0): ")), qPrintable(told.message));
     }
@@ -223,7 +224,7 @@ private slots:
                             {.status = 302, .location = stranger.baseUrl().toLatin1() + "/users/sessions/fsd"});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QVERIFY(stranger.requests().isEmpty());
     }
@@ -242,7 +243,7 @@ private slots:
         LogCapture log;
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         const QStringList expected{
             QStringLiteral("Login request: %1/users/sessions").arg(fixture.peer.baseUrl()),
             QStringLiteral("Login response status code: 200"),
@@ -264,11 +265,11 @@ private slots:
                              .setCookie = "session=pilot-a; Path=/"});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         fixture.service->clearSession();
         fixture.service->login(QStringLiteral("2002"), m_password, told.callback());
-        QTRY_COMPARE(told.calls, 2);
+        TRY_COMPARE(told.calls, 2);
         QCOMPARE(fixture.peer.requests().size(), 2);
         QVERIFY(fixture.peer.requests().last().header("Cookie").isNull());
         QVERIFY(fixture.manager()->cookieJar()->cookiesForUrl(QUrl(fixture.peer.baseUrl())).isEmpty());
@@ -284,10 +285,10 @@ private slots:
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
         QSignalSpy finished(fixture.manager(), &QNetworkAccessManager::finished);
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service->clearSession();
         QCOMPARE(fixture.peer.release(), 1);
-        QTRY_COMPARE(finished.count(), 1);
+        TRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.calls, 0);
         QVERIFY(!fixture.service->hasToken());
         QCOMPARE(fixture.config.get(config::authToken), QString());
@@ -304,7 +305,7 @@ private slots:
         fixture.start().clearSession();
         Told told;
         fixture.service->login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
     }
 
@@ -313,8 +314,8 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
-        QTRY_COMPARE(told.calls, 1);
-        QTRY_VERIFY(fixture.manager()->findChildren<QNetworkReply *>().isEmpty());
+        TRY_COMPARE(told.calls, 1);
+        TRY_VERIFY(fixture.manager()->findChildren<QNetworkReply *>().isEmpty());
     }
 };
 

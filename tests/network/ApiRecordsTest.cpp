@@ -1,5 +1,6 @@
 #include "network/ApiFixture.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -89,7 +90,7 @@ private slots:
         ApiFixture fixture;
         ToldRecord told;
         ask(fixture.start(), record, told);
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QTEST(told.error, "error");
         QVERIFY(fixture.peer.requests().isEmpty());
@@ -115,7 +116,7 @@ private slots:
         LogCapture capture;
         ToldRecord told;
         ask(*fixture.service, record, told);
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         const HttpPeer::Request &request = fixture.peer.requests().first();
         QCOMPARE(request.method, QByteArray("GET"));
         QCOMPARE(request.path, pathOf(record));
@@ -177,7 +178,7 @@ private slots:
         fixture.peer.answer("GET", pathOf(record), {.body = body});
         ToldRecord told;
         ask(fixture.startSignedIn(QStringLiteral("jwt-1")), record, told);
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QTEST(told.success, "success");
         QTEST(told.number, "number");
         QTEST(told.error, "error");
@@ -200,7 +201,7 @@ private slots:
         fixture.peer.answer("GET", pathOf(record), {.status = status, .body = R"({"message":"closed"})"});
         ToldRecord told;
         ask(fixture.startSignedIn(QStringLiteral("jwt-1")), record, told);
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QVERIFY2(told.error.startsWith(QStringLiteral("Network error: ")), qPrintable(told.error));
         QCOMPARE(fixture.peer.requests().size(), 1);
@@ -213,10 +214,10 @@ private slots:
         ToldRecord told;
         ask(fixture.startSignedIn(QStringLiteral("jwt-1")), Record::History, told);
         QSignalSpy finished(fixture.manager(), &QNetworkAccessManager::finished);
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service->clearSession();
         fixture.peer.release();
-        QTRY_COMPARE(finished.count(), 1);
+        TRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.calls, 0);
     }
 };

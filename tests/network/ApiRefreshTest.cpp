@@ -1,5 +1,6 @@
 #include "network/ApiFixture.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -32,7 +33,7 @@ private slots:
         LogCapture log;
         Told told;
         fixture.start().refresh(m_held, told.callback(), first);
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         const HttpPeer::Request &request = fixture.peer.requests().first();
         QCOMPARE(request.method, QByteArray("GET"));
         QCOMPARE(request.path, sessionsPath);
@@ -56,7 +57,7 @@ private slots:
         LogCapture log;
         Told told;
         fixture.startSignedIn(QString()).refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(told.message, QStringLiteral("fine"));
         QCOMPARE(fixture.config.get(config::authToken), jwt);
@@ -84,9 +85,9 @@ private slots:
             {.body = ApiFixture::authBody({}, QStringLiteral("jwt-2"), QString(), {{QStringLiteral("cid"), 6}})});
         Told told;
         fixture.startSignedIn(QString()).refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         fixture.service->refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 2);
+        TRY_COMPARE(told.calls, 2);
         QVERIFY(told.success);
         QCOMPARE(fixture.config.get(config::authToken), QStringLiteral("jwt-2"));
         QCOMPARE(fixture.config.get(config::authRefreshToken), QStringLiteral("refresh-2"));
@@ -118,7 +119,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, {.status = status, .body = body});
         Told told;
         fixture.startSignedIn(QStringLiteral("old")).refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QTEST(told.message, "message");
         // The session goes on with the token that it has.
@@ -133,7 +134,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, {.status = 503, .body = "{}"});
         Told told;
         fixture.start().refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误: ")), qPrintable(told.message));
         QVERIFY(!told.message.contains(QLatin1Char('%')));
         QVERIFY(fixture.service->wasAnswered());
@@ -144,7 +145,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.startAt(ApiFixture::deadBaseUrl()).refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("无法连接到服务器"));
         QVERIFY(!fixture.service->wasAnswered());
     }
@@ -156,7 +157,7 @@ private slots:
         Told told;
         fixture.start().setTransferTimeout(std::chrono::milliseconds(50));
         fixture.service->refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("连接超时"));
     }
 
@@ -168,7 +169,7 @@ private slots:
         LogCapture log;
         Told told;
         fixture.startSignedIn(QStringLiteral("jwt-6")).refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(log.contains(QStringLiteral("Refresh response code: ****** message: ****** ******")));
         for (const char *secret : {"jwt-6", "jwt-7", "fresh-7", "refresh-1"})
             QVERIFY2(!log.contains(QLatin1String(secret)), secret);
@@ -184,12 +185,12 @@ private slots:
                                 {.body = ApiFixture::authBody({}, QStringLiteral("answered first"), {})});
         Told told;
         fixture.start().refresh(m_held, told.callback());
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service->refresh(m_held, told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(fixture.config.get(config::authToken), QStringLiteral("answered first"));
         fixture.peer.release();
-        QTRY_COMPARE(told.calls, 2);
+        TRY_COMPARE(told.calls, 2);
         QCOMPARE(fixture.config.get(config::authToken), QStringLiteral("asked first"));
     }
 
@@ -203,10 +204,10 @@ private slots:
         Told told;
         fixture.startSignedIn(QString()).refresh(m_held, told.callback());
         QSignalSpy finished(fixture.manager(), &QNetworkAccessManager::finished);
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service->clearSession();
         fixture.peer.release();
-        QTRY_COMPARE(finished.count(), 1);
+        TRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.calls, 0);
         QVERIFY(!fixture.service->hasToken());
         QCOMPARE(fixture.service->currentUser().username, QString());

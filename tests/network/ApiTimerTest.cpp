@@ -1,5 +1,6 @@
 #include "network/ApiFixture.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -73,7 +74,7 @@ private slots:
                             {.body = ApiFixture::authBody({}, QStringLiteral("opaque"), QString())});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).refresh(QStringLiteral("refresh-1"), told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!fixture.timer()->isActive());
     }
 
@@ -85,7 +86,7 @@ private slots:
         LogCapture log;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600));
         fixture.fireTimer();
-        QTRY_COMPARE(log.startingWith(QStringLiteral("Auto refresh")).size(), 1);
+        TRY_COMPARE(log.startingWith(QStringLiteral("Auto refresh")).size(), 1);
         QCOMPARE(log.texts(QtInfoMsg), QStringList(QStringLiteral("Auto refresh token success")));
         const HttpPeer::Request &request = fixture.peer.requests().first();
         QCOMPARE(request.query, QString());
@@ -101,8 +102,8 @@ private slots:
         LogCapture log;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600));
         fixture.fireTimer();
-        QTRY_COMPARE(log.texts(QtWarningMsg),
-                     QStringList(QStringLiteral("Auto refresh token fail, message: 令牌已过期，请重新登录")));
+        TRY_COMPARE(log.texts(QtWarningMsg),
+                    QStringList(QStringLiteral("Auto refresh token fail, message: 令牌已过期，请重新登录")));
         QCOMPARE(fixture.peer.requests().size(), 1);
         QVERIFY(!fixture.timer()->isActive());
         QVERIFY(fixture.service->hasToken());
@@ -117,8 +118,8 @@ private slots:
         LogCapture log;
         fixture.startSignedIn(jwt);
         fixture.fireTimer();
-        QTRY_COMPARE(log.texts(QtWarningMsg),
-                     QStringList(QStringLiteral("Auto refresh token fail, message: no ****** for ****** please")));
+        TRY_COMPARE(log.texts(QtWarningMsg),
+                    QStringList(QStringLiteral("Auto refresh token fail, message: no ****** for ****** please")));
         QVERIFY(!log.contains(QStringLiteral("refresh-1")));
     }
 
@@ -128,8 +129,8 @@ private slots:
         LogCapture log;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600), QString());
         fixture.fireTimer();
-        QTRY_COMPARE(log.texts(QtWarningMsg),
-                     QStringList(QStringLiteral("Cannot auto refresh token: flush token is empty")));
+        TRY_COMPARE(log.texts(QtWarningMsg),
+                    QStringList(QStringLiteral("Cannot auto refresh token: flush token is empty")));
         QVERIFY(fixture.peer.requests().isEmpty());
     }
 
@@ -140,13 +141,13 @@ private slots:
         fixture.clock.advance(24LL * 24 * 3600 * 1000);
         QSignalSpy timeout(fixture.timer(), &QTimer::timeout);
         fixture.fireTimer();
-        QTRY_COMPARE(timeout.count(), 1);
+        TRY_COMPARE(timeout.count(), 1);
         QVERIFY(fixture.timer()->isActive());
         QCOMPARE(fixture.timer()->interval(), 6 * 24 * 3600 * 1000 - 300 * 1000);
         QVERIFY(fixture.peer.requests().isEmpty());
         // The last part of the wait ends in the refresh.
         fixture.fireTimer();
-        QTRY_COMPARE(fixture.peer.requests().size(), 1);
+        TRY_COMPARE(fixture.peer.requests().size(), 1);
     }
 
     void clearingStopsTheTimer()
@@ -168,14 +169,14 @@ private slots:
                                                           {{QStringLiteral("username"), QStringLiteral("pilot")}})});
         Told told;
         fixture.start().login(QStringLiteral("1001"), QStringLiteral("practice"), told.callback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         fixture.service->clearSession();
         QCOMPARE(fixture.service->currentUser().username, QString());
         // The settings are the caller's to clear.
         QCOMPARE(fixture.config.get(config::authRefreshToken), QStringLiteral("refresh-9"));
         Told token;
         fixture.service->getFSDToken(token.tokenCallback());
-        QTRY_COMPARE(token.calls, 1);
+        TRY_COMPARE(token.calls, 1);
         QCOMPARE(token.message, QStringLiteral("No JWT token found, get FSD token fail"));
         QCOMPARE(fixture.peer.requests().size(), 1);
     }
@@ -186,7 +187,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, {.delivery = HttpPeer::Delivery::Held});
         Told told;
         fixture.start().refresh(QStringLiteral("refresh-1"), told.callback());
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service.reset();
         QCOMPARE(fixture.peer.release(), 1);
         QCOMPARE(told.calls, 0);

@@ -1,5 +1,6 @@
 #include "network/ApiFixture.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -37,7 +38,7 @@ private slots:
         Told told;
         fixture.startSignedIn(jwt).getFSDToken(told.tokenCallback());
         QCOMPARE(told.calls, 0); // never before the event loop
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(told.token, QStringLiteral("fsd-token"));
         QCOMPARE(told.message, QString());
@@ -56,7 +57,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.start().getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QCOMPARE(told.message, QStringLiteral("No JWT token found, get FSD token fail"));
         QVERIFY(fixture.peer.requests().isEmpty());
@@ -81,7 +82,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, goodToken());
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(seconds)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QTEST(paths(fixture), "asked");
         // The request carries the token of the refresh, where there was one.
@@ -98,7 +99,7 @@ private slots:
         fixture.clock.advance(3540 * 1000);
         Told told;
         fixture.service->getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(paths(fixture), (QStringList{sessionsPath, fsdPath}));
     }
 
@@ -109,7 +110,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, goodToken());
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(60)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(paths(fixture), (QStringList{sessionsPath, fsdPath}));
     }
@@ -120,7 +121,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, goodToken());
         Told told;
         fixture.startSignedIn(QStringLiteral("opaque")).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(paths(fixture), QStringList{fsdPath});
     }
@@ -130,7 +131,7 @@ private slots:
         ApiFixture fixture;
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(60), QString()).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("JWT token expired and refresh token is unavailable"));
         QVERIFY(fixture.peer.requests().isEmpty());
     }
@@ -141,7 +142,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, {.status = 401});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(60)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QCOMPARE(told.message, QStringLiteral("Refresh token failed: 令牌已过期，请重新登录"));
         QCOMPARE(paths(fixture), QStringList{sessionsPath});
@@ -165,7 +166,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, {.body = body});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QCOMPARE(told.token, QString());
         QTEST(told.message, "message");
@@ -179,7 +180,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, freshJwt(fixture, 7200));
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(told.success);
         QCOMPARE(paths(fixture), (QStringList{fsdPath, sessionsPath, fsdPath}));
         QCOMPARE(fixture.peer.requests().at(1).header("Authorization"), QByteArray("Bearer refresh-1"));
@@ -194,7 +195,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, freshJwt(fixture));
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QVERIFY2(told.message.startsWith(QStringLiteral("Network error: ")), qPrintable(told.message));
         QCOMPARE(paths(fixture), (QStringList{fsdPath, sessionsPath, fsdPath}));
@@ -206,7 +207,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, {.status = 401});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600), QString()).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY2(told.message.startsWith(QStringLiteral("Network error: ")), qPrintable(told.message));
         QVERIFY(told.message.size() > QStringLiteral("Network error: ").size());
         QCOMPARE(paths(fixture), QStringList{fsdPath});
@@ -219,7 +220,7 @@ private slots:
         fixture.peer.answer("GET", sessionsPath, {.body = R"({"message":"gone"})"});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(told.message, QStringLiteral("Refresh token failed: gone"));
         QCOMPARE(paths(fixture), (QStringList{fsdPath, sessionsPath}));
     }
@@ -239,7 +240,7 @@ private slots:
         fixture.peer.answer("GET", fsdPath, {.status = status, .body = R"({"success":true,"token":"t"})"});
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(3600)).getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QVERIFY(!told.success);
         QVERIFY2(told.message.startsWith(QStringLiteral("Network error: ")), qPrintable(told.message));
         QCOMPARE(paths(fixture), QStringList{fsdPath});
@@ -254,10 +255,10 @@ private slots:
         Told told;
         fixture.startSignedIn(fixture.jwtExpiringIn(60)).getFSDToken(told.tokenCallback());
         QSignalSpy finished(fixture.manager(), &QNetworkAccessManager::finished);
-        QTRY_COMPARE(fixture.peer.heldCount(), 1);
+        TRY_COMPARE(fixture.peer.heldCount(), 1);
         fixture.service->clearSession();
         fixture.peer.release();
-        QTRY_COMPARE(finished.count(), 1);
+        TRY_COMPARE(finished.count(), 1);
         QCOMPARE(told.calls, 0);
         QCOMPARE(paths(fixture), QStringList{sessionsPath});
     }
@@ -270,7 +271,7 @@ private slots:
         fixture.start().getFSDToken(dropped.tokenCallback());
         fixture.service->clearSession();
         fixture.service->getFSDToken(told.tokenCallback());
-        QTRY_COMPARE(told.calls, 1);
+        TRY_COMPARE(told.calls, 1);
         QCOMPARE(dropped.calls, 0);
     }
 };

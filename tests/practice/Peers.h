@@ -20,6 +20,8 @@ public:
     explicit FsdLineClient(const practice::FsdServer &server)
     {
         QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] { m_received += socket.readAll(); });
+        QObject::connect(&socket, &QTcpSocket::connected, &socket,
+                         [this] { socket.setSocketOption(QAbstractSocket::LowDelayOption, 1); });
         socket.connectToHost(server.address(), server.port());
     }
 

@@ -1,4 +1,5 @@
 #include "Peers.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QProcess>
@@ -62,10 +63,10 @@ private slots:
         pilot.connectToHost(QHostAddress::LocalHost, portOf(output, QStringLiteral("fsd")));
         pilot.write("#APAB1:SERVER:1001:practice:1:9:5:Lin\r\n#TMAB1:*S:last\r\n");
         QByteArray received;
-        QTRY_VERIFY((received += pilot.readAll()).contains("Your call"));
+        TRY_VERIFY((received += pilot.readAll()).contains("Your call"));
 
         process.terminate();
-        QTRY_COMPARE(process.state(), QProcess::NotRunning);
+        TRY_COMPARE(process.state(), QProcess::NotRunning);
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 0);
         output += QString::fromUtf8(process.readAllStandardOutput());
@@ -92,7 +93,7 @@ private slots:
         const quint16 port = option.contains(QLatin1String("xplane")) ? udp.localPort() : tcp.serverPort();
         QProcess process;
         start(process, freeAddresses() + QStringList{option.arg(port)});
-        QTRY_COMPARE(process.state(), QProcess::NotRunning);
+        TRY_COMPARE(process.state(), QProcess::NotRunning);
         QCOMPARE(process.exitCode(), 1);
         const QByteArray error = process.readAllStandardError();
         QVERIFY2(error.contains(QByteArray::number(port)), error.constData());
@@ -106,18 +107,18 @@ private slots:
         untilReady(first);
         QProcess second;
         start(second, arguments);
-        QTRY_COMPARE(second.state(), QProcess::NotRunning);
+        TRY_COMPARE(second.state(), QProcess::NotRunning);
         QCOMPARE(second.exitCode(), 1);
         QVERIFY(second.readAllStandardError().contains("p.ipc"));
         first.terminate();
-        QTRY_COMPARE(first.state(), QProcess::NotRunning);
+        TRY_COMPARE(first.state(), QProcess::NotRunning);
     }
 
     void nonsenseIsRefused()
     {
         QProcess process;
         start(process, {QStringLiteral("--address=0.0.0.0")});
-        QTRY_COMPARE(process.state(), QProcess::NotRunning);
+        TRY_COMPARE(process.state(), QProcess::NotRunning);
         QCOMPARE(process.exitCode(), 1);
         QVERIFY(process.readAllStandardError().contains("--address"));
     }

@@ -2,6 +2,7 @@
 
 #include "Peers.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QDir>
@@ -29,7 +30,7 @@ class ScriptPlayerTest : public QObject
     {
         m_pilot = std::make_unique<FsdLineClient>(m_network->fsd());
         m_pilot->logIn(callsign);
-        QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
+        TRY_COMPARE(m_network->fsd().callsigns().size(), 1);
         settle(*m_pilot, callsign);
     }
     void load(const QByteArray &text)
@@ -72,7 +73,7 @@ private slots:
         QCOMPARE(m_player->timeMs(), 0);
         QVERIFY(m_played.isEmpty());
         logIn();
-        QTRY_VERIFY(m_pilot->got("#TMSERVER:AB1:hello\r\n"));
+        TRY_VERIFY(m_pilot->got("#TMSERVER:AB1:hello\r\n"));
         QCOMPARE(m_player->state(), State::Playing);
         QCOMPARE(m_player->pilot(), QStringLiteral("AB1"));
         passSeconds(0.999);
@@ -87,7 +88,7 @@ private slots:
         logIn();
         load("0 text text=hello\n");
         m_player->step();
-        QTRY_VERIFY(m_pilot->got("#TMSERVER:AB1:hello\r\n"));
+        TRY_VERIFY(m_pilot->got("#TMSERVER:AB1:hello\r\n"));
         QCOMPARE(m_player->state(), State::Finished);
     }
 
@@ -126,8 +127,8 @@ private slots:
         logIn("CCA1331");
         load("0 line line=\"#TMAB9:{pilot}:{pilot}, hello: {you}\"\n0 text callsign={pilot} text=x\n");
         m_player->step();
-        QTRY_VERIFY(m_pilot->got("#TMAB9:CCA1331:CCA1331, hello: {you}\r\n"));
-        QTRY_VERIFY(m_pilot->got("#TMSERVER:CCA1331:x\r\n"));
+        TRY_VERIFY(m_pilot->got("#TMAB9:CCA1331:CCA1331, hello: {you}\r\n"));
+        TRY_VERIFY(m_pilot->got("#TMSERVER:CCA1331:x\r\n"));
     }
 
     void aWaitHoldsTheScriptAndItsTime()
@@ -142,7 +143,7 @@ private slots:
         settle(*m_pilot, "AB1");
         QCOMPARE(m_player->timeMs(), 2000);
         m_pilot->send("#TMAB1:SERVER:go on");
-        QTRY_COMPARE(m_played.size(), 2);
+        TRY_COMPARE(m_played.size(), 2);
         QVERIFY(!m_player->isWaiting());
         QCOMPARE(m_player->timeMs(), 2000);
         passSeconds(0.999);
@@ -159,7 +160,7 @@ private slots:
         m_player->step();
         m_pilot->send("$PIAB1:SERVER:y");
         m_pilot->send("$PIAB1:SERVER:x");
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void eachThingHeardEndsOneWait()
@@ -168,11 +169,11 @@ private slots:
         load("0 wait-for line=$PIAB1:SERVER:x\n0 wait-for line=$PIAB1:SERVER:x\n");
         m_player->step();
         m_pilot->send("$PIAB1:SERVER:x");
-        QTRY_COMPARE(m_played.size(), 1);
+        TRY_COMPARE(m_played.size(), 1);
         settle(*m_pilot, "AB1");
         QCOMPARE(m_player->state(), State::Playing);
         m_pilot->send("$PIAB1:SERVER:x");
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void aWaitKnowsWhatCameWhileTheEventsBeforeItWerePlayed()
@@ -194,12 +195,12 @@ private slots:
         m_player->step();
         m_pilot->send("$PIAB1:SERVER:x");
         m_pilot->send("$PIAB1:SERVER:y");
-        QTRY_COMPARE(m_played.size(), 2);
+        TRY_COMPARE(m_played.size(), 2);
         settle(*m_pilot, "AB1");
         m_player->step();
         QCOMPARE(m_played.size(), 2);
         m_pilot->send("$PIAB1:SERVER:x");
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void waitsForOneClientAlone()
@@ -207,13 +208,13 @@ private slots:
         logIn();
         FsdLineClient other(m_network->fsd());
         other.logIn("XY2", "1002");
-        QTRY_COMPARE(m_network->fsd().callsigns().size(), 2);
+        TRY_COMPARE(m_network->fsd().callsigns().size(), 2);
         load("0 wait-for line=$PI from={pilot}\n");
         m_player->step();
         settle(other, "XY2");
         QCOMPARE(m_player->state(), State::Playing);
         settle(*m_pilot, "AB1");
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void waitsForTheComingAndGoingOfOthers()
@@ -223,9 +224,9 @@ private slots:
         m_player->step();
         FsdLineClient other(m_network->fsd());
         other.logIn("XY2", "1002");
-        QTRY_COMPARE(m_played.size(), 1);
+        TRY_COMPARE(m_played.size(), 1);
         other.send("#DPXY2:1002");
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void waitsForTheSimulator()
@@ -238,7 +239,7 @@ private slots:
         QCOMPARE(m_played.size(), 0);
         pluginGets(QStringLiteral("ACCONF"), {QStringLiteral("CCA981"), QVariant(), true, QVariant()});
         pluginGets(QStringLiteral("DEL"), {QStringLiteral("CCA981"), QStringLiteral("Stale")});
-        QTRY_COMPARE(m_player->state(), State::Finished);
+        TRY_COMPARE(m_player->state(), State::Finished);
     }
 
     void waitsForTheWholeOfIt()

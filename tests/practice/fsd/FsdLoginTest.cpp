@@ -1,5 +1,6 @@
 #include "Peers.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -43,7 +44,7 @@ private slots:
     void greetsFirst()
     {
         FsdLineClient peer(m_network->fsd());
-        QTRY_VERIFY(peer.all().endsWith("\r\n"));
+        TRY_VERIFY(peer.all().endsWith("\r\n"));
         QVERIFY(peer.all().startsWith("$DISERVER:CLIENT:"));
         QCOMPARE(peer.all().count(':'), 3);
     }
@@ -63,10 +64,10 @@ private slots:
         FsdLineClient peer(m_network->fsd());
         for (const QByteArray &line : lines)
             peer.send(line);
-        QTRY_COMPARE(loggedIn.size(), 1);
+        TRY_COMPARE(loggedIn.size(), 1);
         QCOMPARE(loggedIn.at(0), (QVariantList{QStringLiteral("AB1"), false}));
         QCOMPARE(m_network->fsd().callsigns(), QStringList{QStringLiteral("AB1")});
-        QTRY_VERIFY(peer.got("#TMSERVER:AB1:Welcome to the practice network."));
+        TRY_VERIFY(peer.got("#TMSERVER:AB1:Welcome to the practice network."));
         QVERIFY(!peer.got("$ER"));
     }
 
@@ -75,7 +76,7 @@ private slots:
         QSignalSpy loggedIn(&m_network->fsd(), &FsdServer::clientLoggedIn);
         FsdLineClient peer(m_network->fsd());
         peer.logInAsAtc("AB1");
-        QTRY_COMPARE(loggedIn.size(), 1);
+        TRY_COMPARE(loggedIn.size(), 1);
         QCOMPARE(loggedIn.at(0), (QVariantList{QStringLiteral("AB1"), true}));
     }
 
@@ -84,7 +85,7 @@ private slots:
         FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send(tokenLogin());
-        QTRY_COMPARE(m_network->fsd().callsigns(), QStringList{QStringLiteral("AB1")});
+        TRY_COMPARE(m_network->fsd().callsigns(), QStringList{QStringLiteral("AB1")});
     }
 
     void refusesABadLogin_data()
@@ -116,11 +117,11 @@ private slots:
         QFETCH(QByteArray, line);
         QFETCH(QByteArray, error);
         FsdLineClient peer(m_network->fsd());
-        QTRY_VERIFY(peer.got("$DI"));
+        TRY_VERIFY(peer.got("$DI"));
         peer.send(line);
         QTRY_VERIFY2(peer.got(error), peer.all().constData());
-        QTRY_VERIFY(peer.closed());
-        QTRY_COMPARE(m_network->fsd().connectionCount(), 0);
+        TRY_VERIFY(peer.closed());
+        TRY_COMPARE(m_network->fsd().connectionCount(), 0);
     }
 
     void refusesABadToken_data()
@@ -146,8 +147,8 @@ private slots:
         FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send(tokenLogin(static_cast<TokenUse>(use), cid));
-        QTRY_VERIFY(peer.got("$ERSERVER:unknown:6:1001:Invalid CID or password"));
-        QTRY_VERIFY(peer.closed());
+        TRY_VERIFY(peer.got("$ERSERVER:unknown:6:1001:Invalid CID or password"));
+        TRY_VERIFY(peer.closed());
     }
 
     void refusesOnDemand()
@@ -155,7 +156,7 @@ private slots:
         m_network->fsd().setRejectLogins(true);
         FsdLineClient peer(m_network->fsd());
         peer.send(pilotLogin);
-        QTRY_VERIFY(peer.closed());
+        TRY_VERIFY(peer.closed());
         QVERIFY(peer.got("$ERSERVER:unknown:6:"));
     }
 
@@ -163,11 +164,11 @@ private slots:
     {
         FsdLineClient first(m_network->fsd());
         first.logIn("AB1");
-        QTRY_VERIFY(first.got("#TM"));
+        TRY_VERIFY(first.got("#TM"));
         FsdLineClient second(m_network->fsd());
         second.logIn("AB1", "1002");
-        QTRY_VERIFY(second.got("$ERSERVER:unknown:1:AB1:"));
-        QTRY_VERIFY(second.closed());
+        TRY_VERIFY(second.got("$ERSERVER:unknown:1:AB1:"));
+        TRY_VERIFY(second.closed());
         QCOMPARE(m_network->fsd().callsigns().size(), 1);
     }
 
@@ -188,8 +189,8 @@ private slots:
         FsdLineClient peer(m_network->fsd());
         peer.send(pilotLogin);
         peer.send(line);
-        QTRY_VERIFY(peer.got("$ERSERVER:AB1:"));
-        QTRY_COMPARE(m_network->fsd().connectionCount(), closed ? 0 : 1);
+        TRY_VERIFY(peer.got("$ERSERVER:AB1:"));
+        TRY_COMPARE(m_network->fsd().connectionCount(), closed ? 0 : 1);
     }
 
     void silenceIsNoIdentification()
@@ -202,13 +203,13 @@ private slots:
         whole.logIn("XY2");
         settle(whole, "XY2");
         settle(halfway, "AB1");
-        QTRY_VERIFY(mute.got("$DI"));
+        TRY_VERIFY(mute.got("$DI"));
         pass(20'000); // just in time
         QCOMPARE(refused.size(), 0);
         pass(1);
         QCOMPARE(refused.size(), 2);
-        QTRY_VERIFY(mute.closed());
-        QTRY_VERIFY(halfway.closed());
+        TRY_VERIFY(mute.closed());
+        TRY_VERIFY(halfway.closed());
         QVERIFY(mute.got("$ERSERVER:unknown:16::No identification"));
         QCOMPARE(m_network->fsd().callsigns(), QStringList{QStringLiteral("XY2")});
     }
@@ -226,27 +227,27 @@ private slots:
         pass(1);
         QCOMPARE(refused.size(), 1);
         QCOMPARE(refused.at(0), (QVariantList{QStringLiteral("AB1"), QStringLiteral("silent")}));
-        QTRY_VERIFY(peer.closed());
+        TRY_VERIFY(peer.closed());
     }
 
     void othersHearOfArrivalsWithoutThePassword()
     {
         FsdLineClient first(m_network->fsd());
         first.logIn("AB1");
-        QTRY_VERIFY(first.got("#TM"));
+        TRY_VERIFY(first.got("#TM"));
         FsdLineClient second(m_network->fsd());
         second.logInAsAtc("XY_OBS");
-        QTRY_VERIFY(first.got("#AAXY_OBS:SERVER:Lin Xiaozhou:1001::1:9\r\n"));
-        QTRY_VERIFY(second.got("#APAB1:SERVER:1001::1:9:5:Lin Xiaozhou ZBAA\r\n"));
+        TRY_VERIFY(first.got("#AAXY_OBS:SERVER:Lin Xiaozhou:1001::1:9\r\n"));
+        TRY_VERIFY(second.got("#APAB1:SERVER:1001::1:9:5:Lin Xiaozhou ZBAA\r\n"));
         QVERIFY(!first.got("#APAB1"));
         first.send("#DPAB1:1001");
-        QTRY_VERIFY(second.got("#DPAB1:1001\r\n"));
-        QTRY_VERIFY(first.closed());
+        TRY_VERIFY(second.got("#DPAB1:1001\r\n"));
+        TRY_VERIFY(first.closed());
         FsdLineClient third(m_network->fsd());
         third.logIn("CD3");
-        QTRY_VERIFY(third.got("#AAXY_OBS"));
+        TRY_VERIFY(third.got("#AAXY_OBS"));
         second.socket.abort();
-        QTRY_VERIFY(third.got("#DAXY_OBS:1001\r\n"));
+        TRY_VERIFY(third.got("#DAXY_OBS:1001\r\n"));
     }
 
     void aSessionIsHandedOver()
@@ -256,15 +257,15 @@ private slots:
         start(settings);
         FsdLineClient peer(m_network->fsd());
         peer.logIn("AB1");
-        QTRY_VERIFY(peer.got("#TM"));
+        TRY_VERIFY(peer.got("#TM"));
         QVERIFY(m_network->fsd().handOver(QStringLiteral("AB1"), *m_network->secondFsd()));
-        QTRY_VERIFY(peer.got("$XXSERVER:AB1:127.0.0.2\r\n"));
+        TRY_VERIFY(peer.got("$XXSERVER:AB1:127.0.0.2\r\n"));
         FsdLineClient moved(*m_network->secondFsd());
         moved.send(identification);
-        QTRY_COMPARE(m_network->secondFsd()->callsigns(), QStringList{QStringLiteral("AB1")});
+        TRY_COMPARE(m_network->secondFsd()->callsigns(), QStringList{QStringLiteral("AB1")});
         moved.send(pilotLogin); // a client that logs in again all the same is welcome
         moved.send("$CQAB1:SERVER:IP");
-        QTRY_VERIFY(moved.got("$CRSERVER:AB1:IP:127.0.0.1\r\n"));
+        TRY_VERIFY(moved.got("$CRSERVER:AB1:IP:127.0.0.1\r\n"));
         QVERIFY(!moved.got("$ER"));
     }
 
@@ -273,7 +274,7 @@ private slots:
         FsdLineClient peer(m_network->fsd());
         peer.send(identification);
         peer.send("$CQAB1:SERVER:IP");
-        QTRY_VERIFY(peer.got("$ERSERVER:unknown:5:AB1:"));
+        TRY_VERIFY(peer.got("$ERSERVER:unknown:5:AB1:"));
         QVERIFY(m_network->fsd().callsigns().isEmpty());
     }
 };

@@ -1,5 +1,6 @@
 #include "Peers.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -40,7 +41,7 @@ private slots:
         m_b->logIn("XY2", "1002");
         m_tower = std::make_unique<FsdLineClient>(fsd());
         m_tower->logInAsAtc("ZBAA_TWR");
-        QTRY_COMPARE(fsd().callsigns().size(), 3);
+        TRY_COMPARE(fsd().callsigns().size(), 3);
     }
 
     void answersQueries_data()
@@ -193,9 +194,9 @@ private slots:
     void aNeighbourWhoLeavesEndsFastPositions()
     {
         place(40.01);
-        QTRY_COMPARE(m_a->count("$SFSERVER:AB1:1\r\n"), 1);
+        TRY_COMPARE(m_a->count("$SFSERVER:AB1:1\r\n"), 1);
         m_b->socket.abort();
-        QTRY_COMPARE(m_a->count("$SFSERVER:AB1:0\r\n"), 1);
+        TRY_COMPARE(m_a->count("$SFSERVER:AB1:0\r\n"), 1);
         QVERIFY(m_a->got("#DPXY2:1002\r\n"));
     }
 
@@ -212,9 +213,9 @@ private slots:
     void kills()
     {
         QVERIFY(fsd().kill(QStringLiteral("AB1"), QStringLiteral("Inactive: too long")));
-        QTRY_VERIFY(m_a->got("$!!SERVER:AB1:Inactive: too long\r\n"));
-        QTRY_VERIFY(m_a->closed());
-        QTRY_VERIFY(m_b->got("#DPAB1:1001\r\n"));
+        TRY_VERIFY(m_a->got("$!!SERVER:AB1:Inactive: too long\r\n"));
+        TRY_VERIFY(m_a->closed());
+        TRY_VERIFY(m_b->got("#DPAB1:1001\r\n"));
         QVERIFY(!fsd().kill(QStringLiteral("AB1"), QString()));
     }
 
@@ -229,24 +230,24 @@ private slots:
         QVERIFY(fsd().sendLine(ab1, QStringLiteral("#Q")));
         const QByteArray all = "$XXSERVER:AB1:127.0.0.9\r\n#TMSERVER:AB1:good evening\r\n$ERSERVER:AB1:9:p:m\r\n"
                                "$SFSERVER:AB1:1\r\n$SFSERVER:AB1:0\r\n#Q\r\n";
-        QTRY_VERIFY(m_a->all().endsWith(all));
+        TRY_VERIFY(m_a->all().endsWith(all));
         QVERIFY(fsd().dropClient(ab1));
-        QTRY_VERIFY(m_a->closed());
+        TRY_VERIFY(m_a->closed());
         QVERIFY(!fsd().ping(QStringLiteral("NOBODY")));
     }
 
     void challengesAreAnswered()
     {
         QVERIFY(fsd().challenge(QStringLiteral("AB1")));
-        QTRY_VERIFY(m_a->got("$ZCSERVER:AB1:"));
+        TRY_VERIFY(m_a->got("$ZCSERVER:AB1:"));
         const qsizetype at = m_a->all().lastIndexOf("$ZCSERVER:AB1:") + 14;
         m_a->send("$ZRAB1:SERVER:" + m_a->all().mid(at).trimmed());
         settle(*m_a, "AB1");
         QVERIFY(!m_a->got("$ER"));
         QVERIFY(fsd().challenge(QStringLiteral("AB1"))); // unanswered this time
         QVERIFY(fsd().challenge(QStringLiteral("AB1")));
-        QTRY_VERIFY(m_a->got("$ERSERVER:AB1:16::No answer"));
-        QTRY_VERIFY(m_a->closed());
+        TRY_VERIFY(m_a->got("$ERSERVER:AB1:16::No answer"));
+        TRY_VERIFY(m_a->closed());
     }
 
     void aWrongAnswerEndsTheSession_data()
@@ -262,8 +263,8 @@ private slots:
         if (challenged)
             QVERIFY(fsd().challenge(QStringLiteral("AB1")));
         m_a->send("$ZRAB1:SERVER:");
-        QTRY_VERIFY(m_a->got("$ERSERVER:AB1:16::Wrong answer"));
-        QTRY_VERIFY(m_a->closed());
+        TRY_VERIFY(m_a->got("$ERSERVER:AB1:16::Wrong answer"));
+        TRY_VERIFY(m_a->closed());
     }
 
     void pingsAndChallengesByItself()
@@ -301,9 +302,9 @@ private slots:
         QSignalSpy received(&fsd(), &FsdServer::lineReceived);
         QSignalSpy sent(&fsd(), &FsdServer::lineSent);
         m_a->send("$CQAB1:SERVER:IP");
-        QTRY_COMPARE(received.size(), 1);
+        TRY_COMPARE(received.size(), 1);
         QCOMPARE(received.at(0), (QVariantList{QStringLiteral("AB1"), QStringLiteral("$CQAB1:SERVER:IP")}));
-        QTRY_COMPARE(sent.size(), 1);
+        TRY_COMPARE(sent.size(), 1);
         QCOMPARE(sent.at(0), (QVariantList{QStringLiteral("AB1"), QStringLiteral("$CRSERVER:AB1:IP:127.0.0.1")}));
     }
 };

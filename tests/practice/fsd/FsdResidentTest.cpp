@@ -1,6 +1,7 @@
 #include "practice/fsd/FsdResident.h"
 #include "Peers.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -85,16 +86,16 @@ private slots:
         QCOMPARE(m_tower->heard, QStringList{QStringLiteral("#APAB1:SERVER:1001::1:9:5:Lin Xiaozhou ZBAA")});
         Listener late(pilot("RES2"));
         QVERIFY(fsd().addResident(late));
-        QTRY_VERIFY(m_a->got("#APRES2:SERVER:9001:"));
+        TRY_VERIFY(m_a->got("#APRES2:SERVER:9001:"));
         QCOMPARE(fsd().residents().join(u' '), QStringLiteral("RES1 ZBAA_TWR RES2"));
         QCOMPARE(fsd().callsigns(), QStringList{QStringLiteral("AB1")});
         QCOMPARE(m_resident->heard.size(), 1); // residents aren't told of each other
         fsd().removeResident(late);
-        QTRY_VERIFY(m_a->got("#DPRES2:9001\r\n"));
+        TRY_VERIFY(m_a->got("#DPRES2:9001\r\n"));
         fsd().removeResident(*m_tower);
-        QTRY_VERIFY(m_a->got("#DAZBAA_TWR:9002\r\n"));
+        TRY_VERIFY(m_a->got("#DAZBAA_TWR:9002\r\n"));
         m_a->socket.abort();
-        QTRY_COMPARE(m_resident->heard.constLast(), QStringLiteral("#DPAB1:1001"));
+        TRY_COMPARE(m_resident->heard.constLast(), QStringLiteral("#DPAB1:1001"));
     }
 
     void aCallsignIsTakenOnce()
@@ -107,8 +108,8 @@ private slots:
         QVERIFY(fsd().residents().contains(QStringLiteral("RES1")));
         FsdLineClient peer(fsd());
         peer.logIn("RES1", "1002");
-        QTRY_VERIFY(peer.got("$ERSERVER:unknown:1:RES1:Callsign in use\r\n"));
-        QTRY_VERIFY(peer.closed());
+        TRY_VERIFY(peer.got("$ERSERVER:unknown:1:RES1:Callsign in use\r\n"));
+        TRY_VERIFY(peer.closed());
     }
 
     void linesReachResidents_data()
@@ -222,16 +223,16 @@ private slots:
         const QString on = QStringLiteral("$SFSERVER:RES1:1");
         const QString off = QStringLiteral("$SFSERVER:RES1:0");
         m_a->report("AB1", 40.07, 116.5); // 4.2 miles
-        QTRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
-        QTRY_VERIFY(m_resident->heard.contains(on));
+        TRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
+        TRY_VERIFY(m_resident->heard.contains(on));
         m_resident->position = FsdPosition{40.3, 116.5}; // flies away
         fsd().keepAlive();
-        QTRY_VERIFY(m_a->got("$SFSERVER:AB1:0\r\n"));
+        TRY_VERIFY(m_a->got("$SFSERVER:AB1:0\r\n"));
         QVERIFY(m_resident->heard.contains(off));
         m_a->report("AB1", 40.3, 116.5);
-        QTRY_COMPARE(m_resident->heard.count(on), 2);
+        TRY_COMPARE(m_resident->heard.count(on), 2);
         m_a->socket.abort();
-        QTRY_COMPARE(m_resident->heard.count(off), 2);
+        TRY_COMPARE(m_resident->heard.count(off), 2);
         QVERIFY(std::none_of(m_tower->heard.begin(), m_tower->heard.end(),
                              [](const QString &line) { return line.startsWith(QStringLiteral("$SF")); }));
     }
@@ -240,7 +241,7 @@ private slots:
     {
         m_clock.advance(3'600'000);
         fsd().keepAlive();
-        QTRY_VERIFY(m_a->closed()); // silent for too long
+        TRY_VERIFY(m_a->closed()); // silent for too long
         QCOMPARE(fsd().residents().size(), 2);
     }
 
@@ -266,19 +267,19 @@ private slots:
         one.aircraftType = QStringLiteral("A320");
         one.flightPlan = QStringLiteral("$FPCRD1:SERVER:I:A320\r\n");
         QVERIFY(fsd().addResident(one));
-        QTRY_VERIFY(m_a->got("#APCRD1:"));
+        TRY_VERIFY(m_a->got("#APCRD1:"));
         m_a->report("AB1", 40.5, 116.5);
-        QTRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
+        TRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
         m_a->send("$CQAB1:CRD1:CAPS");
         m_a->send("$CQAB1:SERVER:FP:CRD1");
         m_a->send("#TMAB1:*:hi");
-        QTRY_VERIFY(m_a->got("$CRSERVER:AB1:FP:CRD1:A320\r\n$FPCRD1:SERVER:I:A320\r\n"));
-        QTRY_VERIFY(m_resident->heard.contains(QStringLiteral("#TMAB1:*:hi")));
+        TRY_VERIFY(m_a->got("$CRSERVER:AB1:FP:CRD1:A320\r\n$FPCRD1:SERVER:I:A320\r\n"));
+        TRY_VERIFY(m_resident->heard.contains(QStringLiteral("#TMAB1:*:hi")));
         fsd().sayPositions({{&one, "@N:CRD1:first\r\n"}, {m_resident.get(), "@N:RES1:second\r\n"}});
-        QTRY_VERIFY(m_a->got("@N:CRD1:first\r\n@N:RES1:second\r\n"));
+        TRY_VERIFY(m_a->got("@N:CRD1:first\r\n@N:RES1:second\r\n"));
         QCOMPARE(one.heard, QStringList{QStringLiteral("$CQAB1:CRD1:CAPS")});
         fsd().removeResident(one);
-        QTRY_VERIFY(m_a->got("#DPCRD1:9001\r\n"));
+        TRY_VERIFY(m_a->got("#DPCRD1:9001\r\n"));
         for (const QSignalSpy *spy : {&sent, &received}) {
             for (const QVariantList &line : *spy)
                 QVERIFY2(!line.at(1).toString().contains(QStringLiteral("CRD1")), qPrintable(line.at(1).toString()));
@@ -292,7 +293,7 @@ private slots:
         QVERIFY(fsd().addResident(one));
         FsdLineClient peer(fsd());
         peer.logIn("XY2", "1002");
-        QTRY_VERIFY(peer.got("#APCRD1:"));
+        TRY_VERIFY(peer.got("#APCRD1:"));
         QVERIFY(one.heard.isEmpty());
         fsd().removeResident(one);
     }
@@ -306,7 +307,7 @@ private slots:
         settle(*m_a, "AB1");
         m_a->forget();
         fsd().sayPositions({{&far, "@N:FAR1:x\r\n"}, {m_resident.get(), "@N:RES1:x\r\n"}});
-        QTRY_VERIFY(m_a->got("@N:RES1:x\r\n"));
+        TRY_VERIFY(m_a->got("@N:RES1:x\r\n"));
         QVERIFY(!m_a->got("@N:FAR1"));
         fsd().removeResident(far);
     }

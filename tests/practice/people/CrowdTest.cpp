@@ -4,6 +4,7 @@
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PilotPosition.h"
 #include "practice/fsd/Roster.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <cmath>
@@ -88,7 +89,7 @@ private slots:
         QFETCH(qint64, stepMs);
         QFETCH(int, expected);
         start(pilots, rate);
-        QTRY_COMPARE(lines("#AP").size(), pilots);
+        TRY_COMPARE(lines("#AP").size(), pilots);
         m_a->forget();
         pass(10'000, stepMs);
         QCOMPARE(lines("^").size(), pilots * expected);

@@ -6,6 +6,7 @@
 #include "practice/flight/Flight.h"
 #include "practice/flight/Patterns.h"
 #include "practice/fsd/Roster.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <cmath>
@@ -101,7 +102,7 @@ private slots:
         QVERIFY(!m_a->got("#ST"));
         QVERIFY(!m_a->got("$SF"));
         start(0, 10);
-        QTRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
+        TRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
         m_a->forget();
         pass(2'000, 50);
         for (const char *callsign : {"CES2117", "CCA908", "CHH7182"})

@@ -2,6 +2,7 @@
 
 #include "Peers.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -39,7 +40,7 @@ private slots:
         m_pilot = std::make_unique<FsdLineClient>(m_network->fsd());
         m_pilot->logIn("AB1");
         m_pilot->report("AB1", 40.0, 116.5);
-        QTRY_COMPARE(m_network->fsd().callsigns().size(), 1);
+        TRY_COMPARE(m_network->fsd().callsigns().size(), 1);
         settle(*m_pilot, "AB1");
         QVERIFY(scriptedClients().join(m_scripted, QStringLiteral("1002"), QStringLiteral("Wang Lei ZBAA"), false));
         QVERIFY(scriptedClients().join(m_tower, QStringLiteral("1003"), QStringLiteral("Chen Yu"), true));
@@ -53,13 +54,13 @@ private slots:
 
     void theOthersAreToldWhoComesAndGoes()
     {
-        QTRY_VERIFY(m_pilot->got("#APXY2:SERVER:1002::"));
-        QTRY_VERIFY(m_pilot->got("#AAZBAA_TWR:SERVER:Chen Yu:1003:"));
+        TRY_VERIFY(m_pilot->got("#APXY2:SERVER:1002::"));
+        TRY_VERIFY(m_pilot->got("#AAZBAA_TWR:SERVER:Chen Yu:1003:"));
         QCOMPARE(scriptedClients().callsigns(), (QStringList{m_scripted, m_tower}));
         QVERIFY(scriptedClients().leave(m_scripted));
         QVERIFY(scriptedClients().leave(m_tower));
-        QTRY_VERIFY(m_pilot->got("#DPXY2:1002\r\n"));
-        QTRY_VERIFY(m_pilot->got("#DAZBAA_TWR:1003\r\n"));
+        TRY_VERIFY(m_pilot->got("#DPXY2:1002\r\n"));
+        TRY_VERIFY(m_pilot->got("#DAZBAA_TWR:1003\r\n"));
         QVERIFY(!scriptedClients().leave(m_scripted));
         QVERIFY(scriptedClients().callsigns().isEmpty());
         QVERIFY(m_network->fsd().residents().isEmpty());
@@ -133,7 +134,7 @@ private slots:
     {
         QVERIFY(scriptedClients().speak(m_scripted, QStringLiteral("@N:XY2:2000:1:40.5:116.5:5000:250:0:0")));
         QVERIFY(scriptedClients().speak(m_scripted, QStringLiteral("#TMXY2:@18500:hello")));
-        QTRY_VERIFY(m_pilot->got("#TMXY2:@18500:hello\r\n"));
+        TRY_VERIFY(m_pilot->got("#TMXY2:@18500:hello\r\n"));
     }
 
     void theServerAnswersForItsPlan()
@@ -161,7 +162,7 @@ private slots:
             ScriptedClients second(m_network->fsd());
             QVERIFY(second.join(QStringLiteral("XY3"), QStringLiteral("1002"), QStringLiteral("N"), false));
         }
-        QTRY_VERIFY(m_pilot->got("#DPXY3:1002\r\n"));
+        TRY_VERIFY(m_pilot->got("#DPXY3:1002\r\n"));
         QCOMPARE(m_network->fsd().residents().size(), 2);
     }
 };

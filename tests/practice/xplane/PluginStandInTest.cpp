@@ -1,6 +1,7 @@
 #include "practice/xplane/PluginStandIn.h"
 
 #include "PluginDialer.h"
+#include "support/Patience.h"
 #include "support/PipeStall.h"
 #include "support/TestRegistry.h"
 
@@ -35,7 +36,7 @@ class PluginStandInTest : public QObject
                 bytes = m_client->receive();
             return !bytes.isEmpty();
         };
-        [&] { QTRY_VERIFY(arrived()); }();
+        [&] { TRY_VERIFY(arrived()); }();
         return bytes;
     }
 
@@ -102,7 +103,7 @@ private slots:
         QSignalSpy received(m_plugin.get(), &PluginStandIn::messageReceived);
         QSignalSpy sent(m_plugin.get(), &PluginStandIn::messageSent);
         QVERIFY(m_client->send("\x92\xa3VER\x90"));
-        QTRY_COMPARE(received.size(), 1);
+        TRY_COMPARE(received.size(), 1);
         QCOMPARE(sent.size(), 0);
     }
 
@@ -112,7 +113,7 @@ private slots:
         QVERIFY(m_client->send(QByteArray("\x92\xa3XYZ\x97\xc0\xc3\x2a\xff\xcb\x3f\xf8\0\0\0\0\0\0"
                                           "\xca\x3f\0\0\0\x91\xa1x",
                                           27)));
-        QTRY_COMPARE(received.size(), 1);
+        TRY_COMPARE(received.size(), 1);
         QCOMPARE(received.at(0).at(0).toString(), QStringLiteral("XYZ"));
         const QVariantList arguments = received.at(0).at(1).toList();
         QCOMPARE(arguments.size(), 7);
@@ -165,7 +166,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QSignalSpy malformed(m_plugin.get(), &PluginStandIn::malformed);
         QVERIFY(m_client->send(bytes));
-        QTRY_COMPARE(malformed.size(), 1);
+        TRY_COMPARE(malformed.size(), 1);
         QVERIFY(m_client->send("\x92\xa3VER\x90"));
         QVERIFY(next().startsWith("\x92\xa3VER"));
     }
@@ -234,7 +235,7 @@ private slots:
             m_client->send("\x92\xa3VER\x90");
             return !received.isEmpty();
         };
-        QTRY_VERIFY(heard());
+        TRY_VERIFY(heard());
         stall.reset();
     }
 
@@ -252,7 +253,7 @@ private slots:
             }
             return !answer.isEmpty();
         };
-        QTRY_VERIFY(asked());
+        TRY_VERIFY(asked());
         QVERIFY(answer.startsWith("\x92\xa3VER"));
     }
 };

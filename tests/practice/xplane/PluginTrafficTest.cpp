@@ -1,6 +1,7 @@
 #include "PluginDialer.h"
 #include "practice/xplane/PluginStandIn.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -29,7 +30,7 @@ class PluginTrafficTest : public QObject
     {
         QSignalSpy received(m_plugin.get(), &PluginStandIn::messageReceived);
         QVERIFY(m_client->send(PluginMessage{name, arguments}.toBytes()));
-        QTRY_COMPARE(received.size(), 1);
+        TRY_COMPARE(received.size(), 1);
     }
     void add(const QString &callsign, const QString &type = QStringLiteral("B738"))
     {
@@ -214,7 +215,7 @@ private slots:
         m_client = std::make_unique<PluginDialer>(url());
         m_plugin->setAddAnswering({.delayMs = 30});
         add(m_a);
-        QTRY_COMPARE(drawn(), QStringList{m_a});
+        TRY_COMPARE(drawn(), QStringList{m_a});
     }
 
     void keepsTheOrderOfDueTimes()
@@ -300,7 +301,7 @@ private slots:
             m_client->send(PluginMessage{QStringLiteral("ADD"), {m_b}}.toBytes());
             return drawn() == QStringList{m_b};
         };
-        QTRY_VERIFY(served());
+        TRY_VERIFY(served());
     }
 
     void oneThatNeverListenedCannotComeBack()

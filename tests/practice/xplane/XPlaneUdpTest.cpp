@@ -1,5 +1,6 @@
 #include "practice/PracticeNetwork.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QHash>
@@ -59,7 +60,7 @@ class XPlaneUdpTest : public QObject
     {
         QSignalSpy subscribed(&xplane(), &XPlaneStandIn::subscribed);
         send(rref(rate, id, name));
-        QTRY_COMPARE(subscribed.size(), 1);
+        TRY_COMPARE(subscribed.size(), 1);
     }
 
 private slots:
@@ -86,7 +87,7 @@ private slots:
         xplane().setFlightTime(xplane().flight().startOf(QStringLiteral("downwind")) + 10);
         for (int i = 0; i < 53; ++i)
             subscribe(1, i, QByteArray(datarefs()[static_cast<std::size_t>(i)].name.latin1()));
-        QTRY_COMPARE(m_values.size(), 53);
+        TRY_COMPARE(m_values.size(), 53);
         QVERIFY(std::abs(m_values.value(18) - 40.07F) < 0.2F);
         QVERIFY(std::abs(m_values.value(20) - 492.0F) < 3);
         QCOMPARE(m_values.value(45), 0.0F); // gear up
@@ -96,9 +97,9 @@ private slots:
     void stopsAtRateZero()
     {
         subscribe(5, 3, "sim/flightmodel/position/latitude");
-        QTRY_COMPARE(m_records, 1);
+        TRY_COMPARE(m_records, 1);
         m_clock.advance(200);
-        QTRY_COMPARE(m_records, 2);
+        TRY_COMPARE(m_records, 2);
         subscribe(0, 3, "sim/flightmodel/position/latitude");
         QCOMPARE(xplane().subscriptionCount(), 0);
     }
@@ -120,10 +121,10 @@ private slots:
         QFETCH(float, value);
         QSignalSpy written(&xplane(), &XPlaneStandIn::written);
         send(dref(value, name));
-        QTRY_COMPARE(written.size(), 1);
+        TRY_COMPARE(written.size(), 1);
         QCOMPARE(xplane().value(QString::fromLatin1(name)), value);
         subscribe(1, 8, name);
-        QTRY_COMPARE(m_values.value(8), value);
+        TRY_COMPARE(m_values.value(8), value);
     }
 
     void obeysCommands()
@@ -132,11 +133,11 @@ private slots:
         const QString ident = QStringLiteral("sim/cockpit/radios/transponder_id");
         QSignalSpy commanded(&xplane(), &XPlaneStandIn::commanded);
         send(cmnd("sim/transponder/transponder_alt"));
-        QTRY_COMPARE(xplane().value(mode), 3.0F);
+        TRY_COMPARE(xplane().value(mode), 3.0F);
         send(cmnd("sim/transponder/transponder_standby"));
-        QTRY_COMPARE(xplane().value(mode), 1.0F);
+        TRY_COMPARE(xplane().value(mode), 1.0F);
         send(cmnd("sim/transponder/transponder_ident"));
-        QTRY_COMPARE(xplane().value(ident), 1.0F);
+        TRY_COMPARE(xplane().value(ident), 1.0F);
         m_clock.advance(17'999);
         xplane().tick();
         QCOMPARE(xplane().value(ident), 1.0F);
@@ -155,7 +156,7 @@ private slots:
         QCOMPARE(xplane().flightTime(), 5.0);
         QCOMPARE(xplane().value(QStringLiteral("sim/time/paused")), 1.0F);
         send(cmnd("sim/operation/pause_toggle"));
-        QTRY_VERIFY(!xplane().isPaused());
+        TRY_VERIFY(!xplane().isPaused());
         m_clock.advance(1000);
         QCOMPARE(xplane().flightTime(), 6.0);
     }
@@ -177,7 +178,7 @@ private slots:
         m_clock.advance(1000);
         xplane().tick();
         xplane().setFrozen(false);
-        QTRY_COMPARE(m_records, 1);
+        TRY_COMPARE(m_records, 1);
     }
 
     void refusesTheRest_data()
@@ -203,7 +204,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QSignalSpy refused(&xplane(), &XPlaneStandIn::refused);
         send(bytes);
-        QTRY_COMPARE(refused.size(), 1);
+        TRY_COMPARE(refused.size(), 1);
         QVERIFY(!refused.at(0).at(1).toString().contains(QLatin1Char('\x1b')));
         QCOMPARE(xplane().subscriptionCount(), 0);
     }
