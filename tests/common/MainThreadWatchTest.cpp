@@ -47,11 +47,15 @@ private:
 private slots:
     void init() { m_time = {}; }
 
-    void turnsWithoutWorkAreNoStandstill()
+    void turnsOfLittleWorkDoNotAddUp()
     {
         MainThreadWatch watch([this] { return m_time; });
-        QTest::qWait(0);
-        QCOMPARE(watch.longest().wallMs, 0.0);
+        const auto *beat = watch.findChild<QTimer *>();
+        int turns = 0;
+        connect(beat, &QTimer::timeout, this, [this, &turns] { m_time.wallMs = m_time.processorMs = ++turns; });
+        QTRY_VERIFY(turns > 60);
+        QCOMPARE(watch.longest().wallMs, 1.0);
+        QCOMPARE(watch.longest().processorMs, 1.0);
     }
 
     /// Between two turns, or going on.
