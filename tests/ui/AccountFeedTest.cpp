@@ -1,35 +1,20 @@
 #include "ui/AccountFeed.h"
 
-#include "AppConfig.h"
-#include "network/ApiService.h"
 #include "support/TestRegistry.h"
-#include "ui/AccountPeer.h"
+#include "ui/AccountStage.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 
 #include <QJsonArray>
-#include <QTemporaryDir>
-#include <QTest>
 
 using namespace tarvo;
 
 namespace {
 
-struct Page
+struct DashboardStage : test::AccountStage
 {
-    QTemporaryDir folder;
-    AppConfig config{folder.path()};
-    test::AccountPeer peer;
-    network::ApiService api{config, peer.endpoints()};
     ui::DashboardViewModel dashboard;
     ui::AccountFeed feed{api, dashboard};
 
-    Page() { peer.acceptLogin(); }
-    void signIn()
-    {
-        bool done = false;
-        api.login(u"1001"_qs, u"practice"_qs, [&done](bool success, const QString &) { done = success; });
-        QTRY_VERIFY(done);
-    }
     void answer(const QByteArray &line, const QString &code, const QJsonValue &data)
     {
         peer.answer(line, {{u"code"_qs, code}, {u"data"_qs, data}});
@@ -50,105 +35,105 @@ class AccountFeedTest : public QObject
 private slots:
     void setsTheDefaults()
     {
-        Page page;
-        page.signIn();
-        page.dashboard.setServerState(true, u"已连接"_qs);
-        page.feed.applyUserInfoDefaults();
-        QCOMPARE(page.dashboard.username(), u"未知用户"_qs);
-        QCOMPARE(page.dashboard.cid(), u"7"_qs);
-        QCOMPARE(page.dashboard.rating(), u"加载中..."_qs);
-        QCOMPARE(page.dashboard.pilotTime(), u"加载中..."_qs);
-        QCOMPARE(page.dashboard.atcTime(), u"加载中..."_qs);
-        QCOMPARE(page.dashboard.simulatorStatusText(), u"未连接"_qs);
-        QCOMPARE(page.dashboard.serverStatusText(), u"未连接"_qs);
-        QVERIFY(!page.dashboard.serverConnected());
+        DashboardStage stage;
+        stage.signIn();
+        stage.dashboard.setServerState(true, u"已连接"_qs);
+        stage.feed.applyUserInfoDefaults();
+        QCOMPARE(stage.dashboard.username(), u"未知用户"_qs);
+        QCOMPARE(stage.dashboard.cid(), u"7"_qs);
+        QCOMPARE(stage.dashboard.rating(), u"加载中..."_qs);
+        QCOMPARE(stage.dashboard.pilotTime(), u"加载中..."_qs);
+        QCOMPARE(stage.dashboard.atcTime(), u"加载中..."_qs);
+        QCOMPARE(stage.dashboard.simulatorStatusText(), u"未连接"_qs);
+        QCOMPARE(stage.dashboard.serverStatusText(), u"未连接"_qs);
+        QVERIFY(!stage.dashboard.serverConnected());
     }
 
     void showsTheUser()
     {
-        Page page;
-        page.signIn();
-        page.answer("GET /api/users/profiles/self", u"GET_USER_PROFILE"_qs,
-                    QJsonObject{{u"rating"_qs, 3}, {u"total_pilot_time"_qs, 3660}, {u"total_atc_time"_qs, 0}});
-        page.feed.loadUserInfo();
-        QTRY_COMPARE(page.dashboard.username(), u"王小明"_qs);
-        QCOMPARE(page.dashboard.cid(), u"CID: 1001"_qs);
-        QCOMPARE(page.dashboard.rating(), u"3"_qs);
-        QCOMPARE(page.dashboard.pilotTime(), u"1小时 01分"_qs);
-        QCOMPARE(page.dashboard.atcTime(), u"0小时 0分"_qs);
+        DashboardStage stage;
+        stage.signIn();
+        stage.answer("GET /api/users/profiles/self", u"GET_USER_PROFILE"_qs,
+                     QJsonObject{{u"rating"_qs, 3}, {u"total_pilot_time"_qs, 3660}, {u"total_atc_time"_qs, 0}});
+        stage.feed.loadUserInfo();
+        QTRY_COMPARE(stage.dashboard.username(), u"王小明"_qs);
+        QCOMPARE(stage.dashboard.cid(), u"CID: 1001"_qs);
+        QCOMPARE(stage.dashboard.rating(), u"3"_qs);
+        QCOMPARE(stage.dashboard.pilotTime(), u"1小时 01分"_qs);
+        QCOMPARE(stage.dashboard.atcTime(), u"0小时 0分"_qs);
     }
 
     void showsTheFlightsNewestFirst()
     {
-        Page page;
-        page.signIn();
-        page.answer(
+        DashboardStage stage;
+        stage.signIn();
+        stage.answer(
             "GET /api/users/histories/self", u"GET_USER_HISTORY"_qs,
             QJsonObject{{u"pilots"_qs,
                          QJsonArray{flight(u"CES1"_qs, u"2026-03-01T08:00:00"_qs, u"2026-03-01T09:30:00"_qs, 5400),
                                     flight(u"CES2"_qs, u"2026-03-02T10:00:00"_qs, u"2026-03-02T11:00:00"_qs, 3600),
                                     flight(u"CES3"_qs, u""_qs, u""_qs, 0)}}});
-        page.feed.loadUserHistory();
-        QTRY_COMPARE(page.dashboard.recentFlights().size(), 3);
-        const QVariantMap first = page.dashboard.recentFlights()[0].toMap();
+        stage.feed.loadUserHistory();
+        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 3);
+        const QVariantMap first = stage.dashboard.recentFlights()[0].toMap();
         QCOMPARE(first[u"callsign"_qs].toString(), u"CES2"_qs);
         QCOMPARE(first[u"time"_qs].toString(), u"03-02 10:00 - 11:00"_qs);
         QCOMPARE(first[u"duration"_qs].toString(), u"1小时 00分"_qs);
-        const QVariantMap last = page.dashboard.recentFlights()[2].toMap();
+        const QVariantMap last = stage.dashboard.recentFlights()[2].toMap();
         QCOMPARE(last[u"time"_qs].toString(), u"时间未知"_qs);
     }
 
     void whatThePageCannotHoldIsCut()
     {
-        Page page;
-        page.signIn();
+        DashboardStage stage;
+        stage.signIn();
         const QString endless(1'000'000, u'X');
-        page.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs,
-                    QJsonObject{{u"pilots"_qs, QJsonArray{flight(endless, u""_qs, u""_qs, 0)}}});
-        page.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
-                    QJsonObject{{u"pilots"_qs, QJsonArray{QJsonObject{{u"cid"_qs, 1}, {u"username"_qs, endless}}}}});
-        page.feed.loadUserHistory();
-        page.feed.loadLeaderboard();
-        QTRY_COMPARE(page.dashboard.recentFlights().size(), 1);
-        QTRY_COMPARE(page.dashboard.pilotLeaderboard().size(), 1);
-        QCOMPARE(page.dashboard.recentFlights()[0].toMap()[u"callsign"_qs].toString(), QString(32, u'X'));
-        QCOMPARE(page.dashboard.pilotLeaderboard()[0].toMap()[u"name"_qs].toString(), QString(64, u'X'));
-        page.dashboard.setUserInfo(endless, endless, endless);
-        QCOMPARE(page.dashboard.username().size(), 64);
-        QCOMPARE(page.dashboard.cid().size(), 64);
-        QCOMPARE(page.dashboard.rating().size(), 64);
+        stage.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs,
+                     QJsonObject{{u"pilots"_qs, QJsonArray{flight(endless, u""_qs, u""_qs, 0)}}});
+        stage.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
+                     QJsonObject{{u"pilots"_qs, QJsonArray{QJsonObject{{u"cid"_qs, 1}, {u"username"_qs, endless}}}}});
+        stage.feed.loadUserHistory();
+        stage.feed.loadLeaderboard();
+        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 1);
+        QTRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 1);
+        QCOMPARE(stage.dashboard.recentFlights()[0].toMap()[u"callsign"_qs].toString(), QString(32, u'X'));
+        QCOMPARE(stage.dashboard.pilotLeaderboard()[0].toMap()[u"name"_qs].toString(), QString(64, u'X'));
+        stage.dashboard.setUserInfo(endless, endless, endless);
+        QCOMPARE(stage.dashboard.username().size(), 64);
+        QCOMPARE(stage.dashboard.cid().size(), 64);
+        QCOMPARE(stage.dashboard.rating().size(), 64);
     }
 
     void theNewestFlightsAreEnough()
     {
-        Page page;
-        page.signIn();
+        DashboardStage stage;
+        stage.signIn();
         QJsonArray flights;
         for (int i = 0; i < 300; ++i)
             flights.append(flight(
                 u"CES%1"_qs.arg(i),
                 u"2026-03-01T08:%1:%2"_qs.arg(i / 60, 2, 10, QLatin1Char('0')).arg(i % 60, 2, 10, QLatin1Char('0')),
                 u"2026-03-01T09:30:00"_qs, 60));
-        page.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs, QJsonObject{{u"pilots"_qs, flights}});
-        page.feed.loadUserHistory();
-        QTRY_COMPARE(page.dashboard.recentFlights().size(), 200);
-        QCOMPARE(page.dashboard.recentFlights().constFirst().toMap()[u"callsign"_qs].toString(), u"CES299"_qs);
+        stage.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs, QJsonObject{{u"pilots"_qs, flights}});
+        stage.feed.loadUserHistory();
+        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 200);
+        QCOMPARE(stage.dashboard.recentFlights().constFirst().toMap()[u"callsign"_qs].toString(), u"CES299"_qs);
     }
 
     void showsTheTenBest()
     {
-        Page page;
-        page.signIn();
+        DashboardStage stage;
+        stage.signIn();
         QJsonArray pilots;
         for (int place = 1; place <= 12; ++place)
             pilots.append(
                 QJsonObject{{u"cid"_qs, 1000 + place}, {u"username"_qs, u"P%1"_qs.arg(place)}, {u"time"_qs, 3600}});
-        page.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
-                    QJsonObject{{u"pilots"_qs, pilots}, {u"controllers"_qs, QJsonArray{pilots[0]}}});
-        page.feed.loadLeaderboard();
-        QTRY_COMPARE(page.dashboard.pilotLeaderboard().size(), 10);
-        QCOMPARE(page.dashboard.atcLeaderboard().size(), 1);
-        const QVariantMap second = page.dashboard.pilotLeaderboard()[1].toMap();
+        stage.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
+                     QJsonObject{{u"pilots"_qs, pilots}, {u"controllers"_qs, QJsonArray{pilots[0]}}});
+        stage.feed.loadLeaderboard();
+        QTRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 10);
+        QCOMPARE(stage.dashboard.atcLeaderboard().size(), 1);
+        const QVariantMap second = stage.dashboard.pilotLeaderboard()[1].toMap();
         QCOMPARE(second[u"rank"_qs].toInt(), 2);
         QCOMPARE(second[u"name"_qs].toString(), u"P2"_qs);
         QCOMPARE(second[u"cid"_qs].toString(), u"1002"_qs);
@@ -157,30 +142,30 @@ private slots:
 
     void aFailureKeepsWhatStands()
     {
-        Page page; // not signed in: every call fails at once
-        page.feed.applyUserInfoDefaults();
-        page.feed.loadUserInfo();
-        page.feed.loadUserHistory();
-        page.feed.loadLeaderboard();
+        DashboardStage stage; // not signed in: every call fails at once
+        stage.feed.applyUserInfoDefaults();
+        stage.feed.loadUserInfo();
+        stage.feed.loadUserHistory();
+        stage.feed.loadLeaderboard();
         QCoreApplication::processEvents();
-        QCOMPARE(page.dashboard.username(), u"未知用户"_qs);
-        QVERIFY(page.dashboard.recentFlights().isEmpty() && page.dashboard.pilotLeaderboard().isEmpty());
+        QCOMPARE(stage.dashboard.username(), u"未知用户"_qs);
+        QVERIFY(stage.dashboard.recentFlights().isEmpty() && stage.dashboard.pilotLeaderboard().isEmpty());
     }
 
     void aReplyAfterItsEndDoesNothing()
     {
-        Page page;
-        page.signIn();
-        page.answer("GET /api/users/profiles/self", u"GET_USER_PROFILE"_qs, QJsonObject{{u"rating"_qs, 3}});
+        DashboardStage stage;
+        stage.signIn();
+        stage.answer("GET /api/users/profiles/self", u"GET_USER_PROFILE"_qs, QJsonObject{{u"rating"_qs, 3}});
         {
-            ui::AccountFeed gone(page.api, page.dashboard);
+            ui::AccountFeed gone(stage.api, stage.dashboard);
             gone.loadUserInfo();
         }
         bool answered = false;
-        page.api.getUserProfile([&answered](bool, const model::UserProfile &, const QString &) { answered = true; });
+        stage.api.getUserProfile([&answered](bool, const model::UserProfile &, const QString &) { answered = true; });
         QTRY_VERIFY(answered);
-        QTRY_COMPARE(page.peer.count("GET /api/users/profiles/self"), 2);
-        QCOMPARE(page.dashboard.username(), u"游客"_qs);
+        QTRY_COMPARE(stage.peer.count("GET /api/users/profiles/self"), 2);
+        QCOMPARE(stage.dashboard.username(), u"游客"_qs);
     }
 };
 

@@ -1,10 +1,8 @@
 #include "ui/LoginWindow.h"
 
-#include "AppConfig.h"
-#include "network/ApiService.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
-#include "ui/AccountPeer.h"
+#include "ui/AccountStage.h"
 #include "ui/ErrorDialog.h"
 #include "ui/LoadingSpinner.h"
 #include "ui/LoginForm.h"
@@ -20,8 +18,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTcpServer>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <qtestspontaneevent.h>
 
@@ -32,13 +28,8 @@ using tarvo::test::refreshLine;
 
 namespace {
 
-/// A login window with a configuration folder and an account service of its own.
-struct Desk
+struct LoginStage : test::AccountStage
 {
-    QTemporaryDir folder;
-    AppConfig config{folder.path()};
-    test::AccountPeer peer;
-    network::ApiService api{config, peer.endpoints()};
     ui::LoginWindow window{config, api, peer.endpoints()};
     QSignalSpy success{&window, &ui::LoginWindow::loginSuccess};
 
@@ -98,13 +89,13 @@ class LoginWindowTest : public QObject
 private slots:
     void isMadeAsTold()
     {
-        const Desk desk;
-        QCOMPARE(desk.window.windowTitle(), u"TARVO Client - 登录"_qs);
-        QCOMPARE(desk.window.minimumSize(), QSize(1000, 700));
-        QCOMPARE(desk.loginButton()->property("type").toString(), u"primary"_qs);
-        QCOMPARE(desk.registerButton()->property("type").toString(), u"secondary"_qs);
-        QVERIFY(desk.part<QFrame>("GlassPanel")->styleSheet().contains(u"rgba(24, 25, 30, 0.65)"_qs));
-        QCOMPARE(desk.password()->echoMode(), QLineEdit::Password);
+        const LoginStage stage;
+        QCOMPARE(stage.window.windowTitle(), u"TARVO Client - 登录"_qs);
+        QCOMPARE(stage.window.minimumSize(), QSize(1000, 700));
+        QCOMPARE(stage.loginButton()->property("type").toString(), u"primary"_qs);
+        QCOMPARE(stage.registerButton()->property("type").toString(), u"secondary"_qs);
+        QVERIFY(stage.part<QFrame>("GlassPanel")->styleSheet().contains(u"rgba(24, 25, 30, 0.65)"_qs));
+        QCOMPARE(stage.password()->echoMode(), QLineEdit::Password);
     }
 
     void restoresTheForm_data()
@@ -122,41 +113,41 @@ private slots:
     {
         QFETCH(bool, remember);
         QFETCH(bool, automatic);
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, remember, automatic);
-        desk.window.show();
-        QCOMPARE(desk.remember()->isChecked(), remember);
-        QCOMPARE(desk.autoLogin()->isChecked(), automatic);
-        QTEST(desk.username()->text(), "username");
-        QTEST(desk.password()->text(), "password");
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, remember, automatic);
+        stage.window.show();
+        QCOMPARE(stage.remember()->isChecked(), remember);
+        QCOMPARE(stage.autoLogin()->isChecked(), automatic);
+        QTEST(stage.username()->text(), "username");
+        QTEST(stage.password()->text(), "password");
     }
 
     void keepsWhatIsTypedWhenRestoredFromTheTaskBar()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, false);
-        desk.window.show();
-        desk.type(u"2002"_qs, u"other"_qs);
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, false);
+        stage.window.show();
+        stage.type(u"2002"_qs, u"other"_qs);
         QShowEvent restored;
         QSpontaneKeyEvent::setSpontaneous(&restored);
-        qApp->notify(&desk.window, &restored); // sendEvent() would make it an own event
-        QCOMPARE(desk.username()->text(), u"2002"_qs);
+        qApp->notify(&stage.window, &restored); // sendEvent() would make it an own event
+        QCOMPARE(stage.username()->text(), u"2002"_qs);
     }
 
     void fadesInAndDropsTheEffect()
     {
-        Desk desk;
-        desk.window.show();
-        auto *panel = desk.part<QFrame>("GlassPanel");
+        LoginStage stage;
+        stage.window.show();
+        auto *panel = stage.part<QFrame>("GlassPanel");
         QVERIFY(panel->graphicsEffect());
         QTRY_VERIFY(!panel->graphicsEffect());
     }
 
     void aFadeThatHasEndedLeavesTheNextOneAlone()
     {
-        Desk desk;
-        desk.window.show();
-        auto *panel = desk.part<QFrame>("GlassPanel");
+        LoginStage stage;
+        stage.window.show();
+        auto *panel = stage.part<QFrame>("GlassPanel");
         auto *fade = panel->graphicsEffect()->findChild<QPropertyAnimation *>();
         fade->setCurrentTime(fade->duration()); // ends it; what follows is queued
         auto *next = new QGraphicsOpacityEffect(panel);
@@ -167,11 +158,11 @@ private slots:
 
     void aLongPasswordIsRestoredWhole()
     {
-        Desk desk;
+        LoginStage stage;
         const QString secret(4000, u'p');
-        desk.store(u"1001"_qs, secret, true, false);
-        desk.window.show();
-        QCOMPARE(desk.password()->text(), secret);
+        stage.store(u"1001"_qs, secret, true, false);
+        stage.window.show();
+        QCOMPARE(stage.password()->text(), secret);
     }
 
     void theLogOfAFailedLoginHoldsNoSecret_data()
@@ -183,14 +174,14 @@ private slots:
     void theLogOfAFailedLoginHoldsNoSecret()
     {
         QFETCH(bool, automatic);
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, automatic);
-        desk.peer.answer(loginLine, {{u"code"_qs, u"NO practice"_qs}});
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, automatic);
+        stage.peer.answer(loginLine, {{u"code"_qs, u"NO practice"_qs}});
         test::LogCapture log;
-        desk.window.show();
+        stage.window.show();
         if (!automatic)
-            desk.loginButton()->click();
-        QTRY_VERIFY(desk.error());
+            stage.loginButton()->click();
+        QTRY_VERIFY(stage.error());
         QCOMPARE(log.startingWith(u"Auto login with password failed: "_qs),
                  QStringList(u"Auto login with password failed: 登录失败 (错误代码: NO ******)"_qs));
         QVERIFY(!log.contains(u"practice"_qs));
@@ -198,14 +189,14 @@ private slots:
 
     void theLogOfAFailedRefreshHoldsNoSecret()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.config.set(config::authRefreshToken, u"kept-7"_qs);
-        desk.peer.acceptLogin();
-        desk.peer.answer(refreshLine, {{u"message"_qs, u"not kept-7\nnor practice"_qs}});
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.config.set(config::authRefreshToken, u"kept-7"_qs);
+        stage.peer.acceptLogin();
+        stage.peer.answer(refreshLine, {{u"message"_qs, u"not kept-7\nnor practice"_qs}});
         test::LogCapture log;
-        desk.window.show();
-        QTRY_COMPARE(desk.success.size(), 1);
+        stage.window.show();
+        QTRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(log.startingWith(u"Auto login with refresh token failed: "_qs),
                  QStringList(u"Auto login with refresh token failed: not ****** nor ******"_qs));
         QVERIFY(!log.contains(u"kept-7"_qs));
@@ -213,10 +204,10 @@ private slots:
 
     void paintsThePhotograph()
     {
-        Desk desk;
-        desk.window.show();
-        const QImage picture = desk.window.grab().toImage();
-        QCOMPARE(picture.size(), desk.window.size() * desk.window.devicePixelRatioF());
+        LoginStage stage;
+        stage.window.show();
+        const QImage picture = stage.window.grab().toImage();
+        QCOMPARE(picture.size(), stage.window.size() * stage.window.devicePixelRatioF());
         QVERIFY(picture.pixelColor(40, 40) != picture.pixelColor(40, picture.height() * 6 / 10)); // a picture, no fill
     }
 
@@ -232,55 +223,55 @@ private slots:
     {
         QFETCH(QString, username);
         QFETCH(QString, password);
-        Desk desk;
-        desk.window.show();
-        desk.type(username, password);
-        desk.loginButton()->click();
-        QCOMPARE(desk.errorText(), u"请输入用户名和密码"_qs);
-        QVERIFY(!desk.busy());
-        QVERIFY(desk.peer.requests().isEmpty());
+        LoginStage stage;
+        stage.window.show();
+        stage.type(username, password);
+        stage.loginButton()->click();
+        QCOMPARE(stage.errorText(), u"请输入用户名和密码"_qs);
+        QVERIFY(!stage.busy());
+        QVERIFY(stage.peer.requests().isEmpty());
     }
 
     void isBusyWhileTheServiceThinks()
     {
-        Desk desk;
-        desk.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs);
-        desk.window.show();
-        desk.type(u" 1001 "_qs, u"wrong"_qs);
-        desk.loginButton()->click();
-        QVERIFY(desk.window.findChild<ui::LoadingSpinner *>()->isVisible());
-        QVERIFY(!desk.loginButton()->findChild<QLabel *>()->isVisible());
-        for (QWidget *part : std::initializer_list<QWidget *>{desk.username(), desk.password(), desk.registerButton(),
-                                                              desk.remember(), desk.autoLogin()})
+        LoginStage stage;
+        stage.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs);
+        stage.window.show();
+        stage.type(u" 1001 "_qs, u"wrong"_qs);
+        stage.loginButton()->click();
+        QVERIFY(stage.window.findChild<ui::LoadingSpinner *>()->isVisible());
+        QVERIFY(!stage.loginButton()->findChild<QLabel *>()->isVisible());
+        for (QWidget *part : std::initializer_list<QWidget *>{
+                 stage.username(), stage.password(), stage.registerButton(), stage.remember(), stage.autoLogin()})
             QVERIFY(!part->isEnabled());
-        desk.window.onLoginClicked(); // an impatient second click
+        stage.window.onLoginClicked(); // an impatient second click
 
-        QTRY_COMPARE(desk.errorText(), u"用户名或密码错误"_qs);
+        QTRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
 
-        QVERIFY(!desk.busy() && desk.username()->isEnabled());
-        QCOMPARE(desk.peer.count(loginLine), 1);
-        QCOMPARE(desk.peer.requests()[0].body.value(u"username"_qs).toString(), u"1001"_qs);
-        QCOMPARE(desk.error()->findChild<QLabel *>(u"titleLabel"_qs)->text(), u"登录失败"_qs);
-        QCOMPARE(desk.success.size(), 0);
+        QVERIFY(!stage.busy() && stage.username()->isEnabled());
+        QCOMPARE(stage.peer.count(loginLine), 1);
+        QCOMPARE(stage.peer.requests()[0].body.value(u"username"_qs).toString(), u"1001"_qs);
+        QCOMPARE(stage.error()->findChild<QLabel *>(u"titleLabel"_qs)->text(), u"登录失败"_qs);
+        QCOMPARE(stage.success.size(), 0);
     }
 
     void enterLogsIn()
     {
-        Desk desk;
-        desk.peer.acceptLogin();
-        desk.window.show();
-        desk.type(u"1001"_qs, u"practice"_qs);
-        QTest::keyClick(desk.password(), Qt::Key_Return);
-        QTRY_COMPARE(desk.success.size(), 1);
-        QVERIFY(!desk.window.isVisible());
+        LoginStage stage;
+        stage.peer.acceptLogin();
+        stage.window.show();
+        stage.type(u"1001"_qs, u"practice"_qs);
+        QTest::keyClick(stage.password(), Qt::Key_Return);
+        QTRY_COMPARE(stage.success.size(), 1);
+        QVERIFY(!stage.window.isVisible());
     }
 
     void tabGoesThroughTheFormInOrder()
     {
-        Desk desk;
-        desk.window.show();
-        QVERIFY(QTest::qWaitForWindowActive(&desk.window));
-        desk.username()->setFocus();
+        LoginStage stage;
+        stage.window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&stage.window));
+        stage.username()->setFocus();
         for (const char *name :
              {"usernameEdit", "passwordEdit", "rememberCheck", "autoLoginCheck", "loginButton", "registerButton"}) {
             QCOMPARE(QApplication::focusWidget()->objectName(), QLatin1String(name));
@@ -299,71 +290,68 @@ private slots:
     void storesTheForm()
     {
         QFETCH(bool, remember);
-        Desk desk;
-        desk.store(u"old"_qs, u"older"_qs, false, false);
-        desk.peer.acceptLogin();
-        desk.window.show();
-        desk.type(u"1001 "_qs, u"practice"_qs);
-        desk.remember()->setChecked(remember);
-        desk.autoLogin()->setChecked(true);
-        desk.loginButton()->click();
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.config.get(config::authRememberPassword), remember);
-        QVERIFY(desk.config.get(config::authAutoLogin));
-        QTEST(desk.config.get(config::authUsername), "username");
-        QTEST(desk.config.get(config::authPassword), "password");
+        LoginStage stage;
+        stage.store(u"old"_qs, u"older"_qs, false, false);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        stage.type(u"1001 "_qs, u"practice"_qs);
+        stage.remember()->setChecked(remember);
+        stage.autoLogin()->setChecked(true);
+        stage.loginButton()->click();
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.config.get(config::authRememberPassword), remember);
+        QVERIFY(stage.config.get(config::authAutoLogin));
+        QTEST(stage.config.get(config::authUsername), "username");
+        QTEST(stage.config.get(config::authPassword), "password");
         // What was typed serves the session either way, and no longer stands in the form.
-        QCOMPARE(desk.config.get(config::sessionUsername), u"1001"_qs);
-        QCOMPARE(desk.config.get(config::sessionPassword), u"practice"_qs);
-        QCOMPARE(desk.password()->text(), QString());
+        QCOMPARE(stage.config.get(config::sessionUsername), u"1001"_qs);
+        QCOMPARE(stage.config.get(config::sessionPassword), u"practice"_qs);
+        QCOMPARE(stage.password()->text(), QString());
     }
 
     void signsInByRefreshToken()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.config.set(config::authRefreshToken, u"kept"_qs);
-        desk.peer.acceptLogin();
-        desk.window.show();
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.peer.count(refreshLine), 1);
-        QCOMPARE(desk.peer.count(loginLine), 0);
-        QCOMPARE(desk.peer.requests()[0].authorization, QByteArray("Bearer kept"));
-        QCOMPARE(desk.config.get(config::sessionUsername), u"1001"_qs);
-        QVERIFY(!desk.window.isVisible());
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.config.set(config::authRefreshToken, u"kept"_qs);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.peer.count(refreshLine), 1);
+        QCOMPARE(stage.peer.count(loginLine), 0);
+        QCOMPARE(stage.peer.requests()[0].authorization, QByteArray("Bearer kept"));
+        QCOMPARE(stage.config.get(config::sessionUsername), u"1001"_qs);
+        QVERIFY(!stage.window.isVisible());
     }
 
     void aRefreshWithoutRememberedNameTakesTheAccountsNumber()
     {
-        Desk desk;
-        desk.store(QString(), QString(), false, true);
-        desk.config.set(config::authRefreshToken, u"kept"_qs);
-        desk.peer.acceptLogin();
-        desk.window.show();
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.config.get(config::sessionUsername), u"1001"_qs);
-        QCOMPARE(desk.config.get(config::sessionPassword), QString());
+        LoginStage stage;
+        stage.store(QString(), QString(), false, true);
+        stage.config.set(config::authRefreshToken, u"kept"_qs);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.config.get(config::sessionUsername), u"1001"_qs);
+        QCOMPARE(stage.config.get(config::sessionPassword), QString());
     }
 
     void aStaleRefreshTokenFallsThroughToThePassword()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.peer.acceptLogin();
-        bool signedIn = false;
-        desk.api.login(u"1001"_qs, u"practice"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
-        QTRY_VERIFY(signedIn);
-        QVERIFY(desk.api.hasToken());
-        desk.config.set(config::authRefreshToken, u"stale"_qs);
-        desk.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs); // of the password, too
-        desk.window.show();
-        QTRY_COMPARE(desk.errorText(), u"用户名或密码错误"_qs);
-        QCOMPARE(desk.peer.count(refreshLine), 1);
-        QCOMPARE(desk.peer.count(loginLine), 2); // the one before, and the one of this window
-        QVERIFY(!desk.api.hasToken());
-        QCOMPARE(desk.config.get(config::authToken), QString());
-        QCOMPARE(desk.config.get(config::authRefreshToken), QString());
-        QVERIFY(!desk.busy());
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.signIn();
+        QVERIFY(stage.api.hasToken());
+        stage.config.set(config::authRefreshToken, u"stale"_qs);
+        stage.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs); // of the password, too
+        stage.window.show();
+        QTRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
+        QCOMPARE(stage.peer.count(refreshLine), 1);
+        QCOMPARE(stage.peer.count(loginLine), 2); // the one before, and the one of this window
+        QVERIFY(!stage.api.hasToken());
+        QCOMPARE(stage.config.get(config::authToken), QString());
+        QCOMPARE(stage.config.get(config::authRefreshToken), QString());
+        QVERIFY(!stage.busy());
     }
 
     void tokensStayWhenNobodyAnswers()
@@ -373,30 +361,29 @@ private slots:
         ServiceEndpoints endpoints;
         endpoints.apiBaseUrl = u"http://127.0.0.1:%1/api"_qs.arg(gone.serverPort());
         gone.close();
-        QTemporaryDir folder;
-        AppConfig config(folder.path());
-        config.set(config::authAutoLogin, true);
-        config.set(config::authRefreshToken, u"kept"_qs);
-        network::ApiService api(config, endpoints);
-        ui::LoginWindow window(config, api, endpoints);
+        LoginStage stage;
+        stage.config.set(config::authAutoLogin, true);
+        stage.config.set(config::authRefreshToken, u"kept"_qs);
+        network::ApiService api(stage.config, endpoints);
+        ui::LoginWindow window(stage.config, api, endpoints);
         const LogCapture log;
         window.show();
         QTRY_VERIFY(log.contains(u"Auto login with refresh token failed: 无法连接到服务器"_qs));
-        QCOMPARE(config.get(config::authRefreshToken), u"kept"_qs);
+        QCOMPARE(stage.config.get(config::authRefreshToken), u"kept"_qs);
         QVERIFY(!window.findChild<ui::LoginForm *>()->isBusy());
     }
 
     void aPilotIsToldOnceThatSettingsCameBack()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        QCOMPARE(AppConfig(desk.folder.path()).startupWarning(), QString()); // copies the file
-        QFile file(desk.folder.filePath(u"config.ini"_qs));
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        QCOMPARE(AppConfig(stage.folder.path()).startupWarning(), QString()); // copies the file
+        QFile file(stage.folder.filePath(u"config.ini"_qs));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.close();
-        AppConfig mended(desk.folder.path());
-        desk.peer.acceptLogin();
-        ui::LoginWindow window(mended, desk.api, desk.peer.endpoints());
+        AppConfig mended(stage.folder.path());
+        stage.peer.acceptLogin();
+        ui::LoginWindow window(mended, stage.api, stage.peer.endpoints());
         const auto *timer = window.findChild<QTimer *>(u"autoLoginTimer"_qs);
         window.show();
         QTRY_VERIFY(window.findChild<ui::ErrorDialog *>());
@@ -413,90 +400,87 @@ private slots:
 
     void signsInByPasswordWithoutAToken()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.peer.acceptLogin();
-        desk.window.show();
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.peer.count(refreshLine), 0);
-        QCOMPARE(desk.peer.count(loginLine), 1);
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.peer.count(refreshLine), 0);
+        QCOMPARE(stage.peer.count(loginLine), 1);
     }
 
     void anEmptyFormEndsAutomaticLoginSilently()
     {
-        Desk desk;
-        desk.store(QString(), QString(), false, true);
-        desk.config.set(config::authRefreshToken, u"stale"_qs);
-        desk.peer.refuseLogin(u"DATABASE_ERROR"_qs);
-        desk.window.show();
-        QTRY_COMPARE(desk.peer.count(refreshLine), 1);
-        QTRY_VERIFY(!desk.busy());
-        QVERIFY(!desk.error() && desk.username()->isEnabled());
-        QCOMPARE(desk.peer.count(loginLine), 0);
+        LoginStage stage;
+        stage.store(QString(), QString(), false, true);
+        stage.config.set(config::authRefreshToken, u"stale"_qs);
+        stage.peer.refuseLogin(u"DATABASE_ERROR"_qs);
+        stage.window.show();
+        QTRY_COMPARE(stage.peer.count(refreshLine), 1);
+        QTRY_VERIFY(!stage.busy());
+        QVERIFY(!stage.error() && stage.username()->isEnabled());
+        QCOMPARE(stage.peer.count(loginLine), 0);
     }
 
     void triesByItselfOnlyOnce()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs);
-        desk.window.show();
-        desk.window.hide();
-        desk.window.show();
-        QTRY_VERIFY(desk.error());
-        QVERIFY(!desk.timer()->isActive());
-        desk.error()->close();
-        desk.window.hide();
-        desk.window.show();
-        QVERIFY(!desk.timer()->isActive());
-        QTRY_VERIFY(!desk.error());
-        desk.peer.acceptLogin();
-        desk.loginButton()->click();
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.peer.count(loginLine), 2); // the one automatic, the one by hand
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs);
+        stage.window.show();
+        stage.window.hide();
+        stage.window.show();
+        QTRY_VERIFY(stage.error());
+        QVERIFY(!stage.timer()->isActive());
+        stage.error()->close();
+        stage.window.hide();
+        stage.window.show();
+        QVERIFY(!stage.timer()->isActive());
+        QTRY_VERIFY(!stage.error());
+        stage.peer.acceptLogin();
+        stage.loginButton()->click();
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.peer.count(loginLine), 2); // the one automatic, the one by hand
     }
 
     void aPilotWhoIsQuickerGoesFirst()
     {
-        Desk desk;
-        desk.store(u"1001"_qs, u"practice"_qs, true, true);
-        desk.config.set(config::authRefreshToken, u"kept"_qs);
-        desk.peer.acceptLogin();
-        desk.window.show();
-        desk.loginButton()->click();
-        desk.timer()->setInterval(0);
-        QTRY_VERIFY(!desk.timer()->isActive());
-        QTRY_COMPARE(desk.success.size(), 1);
-        QCOMPARE(desk.peer.count(loginLine), 1);
-        QCOMPARE(desk.peer.count(refreshLine), 0);
+        LoginStage stage;
+        stage.store(u"1001"_qs, u"practice"_qs, true, true);
+        stage.config.set(config::authRefreshToken, u"kept"_qs);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        stage.loginButton()->click();
+        stage.timer()->setInterval(0);
+        QTRY_VERIFY(!stage.timer()->isActive());
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.peer.count(loginLine), 1);
+        QCOMPARE(stage.peer.count(refreshLine), 0);
     }
 
     void aReplyAfterTheWindowsEndDoesNothing()
     {
-        QTemporaryDir folder;
-        AppConfig config(folder.path());
-        test::AccountPeer peer;
-        peer.acceptLogin();
-        network::ApiService api(config, peer.endpoints());
-        auto window = std::make_unique<ui::LoginWindow>(config, api, peer.endpoints());
+        test::AccountStage account;
+        account.peer.acceptLogin();
+        auto window = std::make_unique<ui::LoginWindow>(account.config, account.api, account.peer.endpoints());
         window->show();
         window->findChild<QLineEdit *>(u"usernameEdit"_qs)->setText(u"1001"_qs);
         window->findChild<QLineEdit *>(u"passwordEdit"_qs)->setText(u"practice"_qs);
         window->onLoginClicked();
         window.reset();
-        QTRY_VERIFY(api.hasToken());
-        QCOMPARE(config.get(config::sessionUsername), QString());
+        QTRY_VERIFY(account.api.hasToken());
+        QCOMPARE(account.config.get(config::sessionUsername), QString());
     }
 
     void registersOnTheWeb()
     {
-        Desk desk;
+        LoginStage stage;
         QUrl opened;
         Catcher catcher(opened);
-        QDesktopServices::setUrlHandler(QUrl(desk.peer.endpoints().registerUrl).scheme(), &catcher, "open");
-        desk.registerButton()->click();
-        QDesktopServices::unsetUrlHandler(QUrl(desk.peer.endpoints().registerUrl).scheme());
-        QCOMPARE(opened, QUrl(desk.peer.endpoints().registerUrl));
+        QDesktopServices::setUrlHandler(QUrl(stage.peer.endpoints().registerUrl).scheme(), &catcher, "open");
+        stage.registerButton()->click();
+        QDesktopServices::unsetUrlHandler(QUrl(stage.peer.endpoints().registerUrl).scheme());
+        QCOMPARE(opened, QUrl(stage.peer.endpoints().registerUrl));
     }
 };
 

@@ -1,12 +1,11 @@
 #include "ui/MainWindow.h"
 
-#include "AppConfig.h"
 #include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
-#include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/TestRegistry.h"
-#include "ui/AccountPeer.h"
+#include "ui/AccountStage.h"
+#include "ui/Sounds.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -15,8 +14,6 @@
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTcpServer>
-#include <QTemporaryDir>
-#include <QTest>
 #include <qtestspontaneevent.h>
 
 #include <functional>
@@ -27,14 +24,10 @@ using namespace tarvo;
 namespace {
 
 /// A main window over a session of its own; the FSD server at its far end only listens.
-struct Deck
+struct MainStage : test::AccountStage
 {
-    QTemporaryDir folder;
-    AppConfig config{folder.path()};
-    test::AccountPeer peer;
     QTcpServer fsd;
     ServiceEndpoints endpoints = endpointsOf(peer, fsd);
-    network::ApiService api{config, endpoints};
     network::SwiftAircraftIcaoService icao{config};
     std::shared_ptr<manager::NetworkManager> network =
         std::make_shared<manager::NetworkManager>(config, api, icao, endpoints);
@@ -113,52 +106,52 @@ class MainWindowTest : public QObject
 private slots:
     void isMadeAsTold()
     {
-        Deck deck;
-        QCOMPARE(deck.window.windowTitle(), u"TARVO Client - 控制面板"_qs);
-        QCOMPARE(deck.window.minimumSize(), QSize(1000, 700));
-        QCOMPARE(deck.window.currentMode(), u"NONE"_qs);
-        QCOMPARE(deck.window.view()->status(), QQuickView::Ready);
-        QCOMPARE(deck.window.view()->resizeMode(), QQuickView::SizeRootObjectToView);
+        MainStage stage;
+        QCOMPARE(stage.window.windowTitle(), u"TARVO Client - 控制面板"_qs);
+        QCOMPARE(stage.window.minimumSize(), QSize(1000, 700));
+        QCOMPARE(stage.window.currentMode(), u"NONE"_qs);
+        QCOMPARE(stage.window.view()->status(), QQuickView::Ready);
+        QCOMPARE(stage.window.view()->resizeMode(), QQuickView::SizeRootObjectToView);
     }
 
     void thePagesHaveTheirModels()
     {
-        Deck deck;
-        const auto property = [&deck](const QString &name) {
-            return deck.window.view()->rootContext()->contextProperty(name).value<QObject *>();
+        MainStage stage;
+        const auto property = [&stage](const QString &name) {
+            return stage.window.view()->rootContext()->contextProperty(name).value<QObject *>();
         };
-        QCOMPARE(property(u"dashboardBackend"_qs), &deck.window.dashboard());
-        QCOMPARE(property(u"simulatorBackend"_qs), &deck.window.simulator());
-        QCOMPARE(property(u"serverBackend"_qs), &deck.window.server());
-        QCOMPARE(property(u"messagesBackend"_qs), &deck.window.messages());
+        QCOMPARE(property(u"dashboardBackend"_qs), &stage.window.dashboard());
+        QCOMPARE(property(u"simulatorBackend"_qs), &stage.window.simulator());
+        QCOMPARE(property(u"serverBackend"_qs), &stage.window.server());
+        QCOMPARE(property(u"messagesBackend"_qs), &stage.window.messages());
     }
 
     void theKeysReachThePagesWhenTheFrameIsFocused()
     {
-        Deck deck;
-        deck.window.show();
-        deck.window.activateWindow();
-        QTRY_COMPARE(QGuiApplication::focusWindow(), deck.window.view());
+        MainStage stage;
+        stage.window.show();
+        stage.window.activateWindow();
+        QTRY_COMPARE(QGuiApplication::focusWindow(), stage.window.view());
         const QSignalSpy focused(qGuiApp, &QGuiApplication::focusWindowChanged);
-        deck.window.windowHandle()->requestActivate(); // as a window manager does at a click
+        stage.window.windowHandle()->requestActivate(); // as a window manager does at a click
         QTRY_COMPARE(focused.size(), 2);
-        QCOMPARE(focused.at(0).at(0).value<QWindow *>(), deck.window.windowHandle());
-        QCOMPARE(focused.at(1).at(0).value<QWindow *>(), deck.window.view());
+        QCOMPARE(focused.at(0).at(0).value<QWindow *>(), stage.window.windowHandle());
+        QCOMPARE(focused.at(1).at(0).value<QWindow *>(), stage.window.view());
     }
 
     void theSessionReachesThePages()
     {
-        Deck deck;
-        emit deck.network->serverMessageReceived(u"welcome"_qs);
-        QCOMPARE(deck.window.messages().messages().size(), 1);
-        emit deck.controllers->controllerAdded(
+        MainStage stage;
+        emit stage.network->serverMessageReceived(u"welcome"_qs);
+        QCOMPARE(stage.window.messages().messages().size(), 1);
+        emit stage.controllers->controllerAdded(
             {.callsign = u"ZBAA_TWR"_qs, .frequency = 118500, .normalisedFrequency = 118500});
-        QCOMPARE(deck.window.messages().nearbyClients().size(), 1);
-        emit deck.network->simulatorDataUpdated(headingFor(271));
-        QCOMPARE(deck.window.simulator().heading(), 271.0);
-        const QSignalSpy played(&deck.window.sounds(), &ui::SoundPlayer::played);
+        QCOMPARE(stage.window.messages().nearbyClients().size(), 1);
+        emit stage.network->simulatorDataUpdated(headingFor(271));
+        QCOMPARE(stage.window.simulator().heading(), 271.0);
+        const QSignalSpy played(&stage.window.sounds(), &ui::SoundPlayer::played);
         QTRY_COMPARE(played.size(), 1); // the message's
-        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
+        QCOMPARE(stage.window.sounds().source(), test::messageSound);
     }
 
     void aWindowThatIsNotSeenIsNotRedrawn_data()
@@ -177,38 +170,38 @@ private slots:
     {
         QFETCH(Step, leave);
         QFETCH(Step, comeBack);
-        Deck deck;
-        deck.window.show();
-        emit deck.network->simulatorDataUpdated(headingFor(1));
-        leave(deck.window);
-        emit deck.network->simulatorDataUpdated(headingFor(2));
-        emit deck.network->simulatorDataUpdated(headingFor(3));
-        QCOMPARE(deck.window.simulator().heading(), 1.0);
-        QCOMPARE(deck.dashboard().heading(), 1.0);
-        comeBack(deck.window);
-        QCOMPARE(deck.window.simulator().heading(), 3.0);
-        QCOMPARE(deck.dashboard().heading(), 3.0);
+        MainStage stage;
+        stage.window.show();
+        emit stage.network->simulatorDataUpdated(headingFor(1));
+        leave(stage.window);
+        emit stage.network->simulatorDataUpdated(headingFor(2));
+        emit stage.network->simulatorDataUpdated(headingFor(3));
+        QCOMPARE(stage.window.simulator().heading(), 1.0);
+        QCOMPARE(stage.dashboard().heading(), 1.0);
+        comeBack(stage.window);
+        QCOMPARE(stage.window.simulator().heading(), 3.0);
+        QCOMPARE(stage.dashboard().heading(), 3.0);
     }
 
     void thePagesAskForLogout()
     {
-        Deck deck;
-        const QSignalSpy logout(&deck.window, &ui::MainWindow::logoutRequested);
-        QMetaObject::invokeMethod(deck.window.view()->rootObject(), "logoutRequested");
-        Deck::answer();
+        MainStage stage;
+        const QSignalSpy logout(&stage.window, &ui::MainWindow::logoutRequested);
+        QMetaObject::invokeMethod(stage.window.view()->rootObject(), "logoutRequested");
+        MainStage::answer();
         QCOMPARE(logout.size(), 1);
     }
 
     void firstShowSetsTheDefaultsARestoreDoesNot()
     {
-        Deck deck;
-        deck.window.show();
-        QCOMPARE(deck.dashboard().username(), u"未知用户"_qs);
-        deck.dashboard().setServerState(true, u"已连接"_qs);
+        MainStage stage;
+        stage.window.show();
+        QCOMPARE(stage.dashboard().username(), u"未知用户"_qs);
+        stage.dashboard().setServerState(true, u"已连接"_qs);
         QShowEvent restored;
         QSpontaneKeyEvent::setSpontaneous(&restored);
-        qApp->notify(&deck.window, &restored); // sendEvent() would make it an own event
-        QCOMPARE(deck.dashboard().serverStatusText(), u"已连接"_qs);
+        qApp->notify(&stage.window, &restored); // sendEvent() would make it an own event
+        QCOMPARE(stage.dashboard().serverStatusText(), u"已连接"_qs);
     }
 
     void picksAMode_data()
@@ -226,26 +219,26 @@ private slots:
     {
         QFETCH(QString, mode);
         QFETCH(int, activations);
-        Deck deck;
-        const QSignalSpy picked(&deck.window,
+        MainStage stage;
+        const QSignalSpy picked(&stage.window,
                                 mode == u"MSFS"_qs ? &ui::MainWindow::msfsSelected : &ui::MainWindow::xplaneSelected);
-        deck.dashboard().requestModeChange(mode);
-        Deck::answer();
-        QTEST(deck.window.currentMode(), "kept");
-        QTEST(deck.dashboard().currentMode(), "kept");
-        QTEST(deck.window.simulator().currentMode(), "kept");
-        QTEST(deck.server().currentMode(), "kept");
+        stage.dashboard().requestModeChange(mode);
+        MainStage::answer();
+        QTEST(stage.window.currentMode(), "kept");
+        QTEST(stage.dashboard().currentMode(), "kept");
+        QTEST(stage.window.simulator().currentMode(), "kept");
+        QTEST(stage.server().currentMode(), "kept");
         QCOMPARE(picked.size(), activations);
-        QTEST(deck.dashboard().simulatorStatusText(), "simulatorStatus");
-        QTEST(deck.window.simulator().simulatorStatusText(), "simulatorStatus");
-        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button
+        QTEST(stage.dashboard().simulatorStatusText(), "simulatorStatus");
+        QTEST(stage.window.simulator().simulatorStatusText(), "simulatorStatus");
+        QCOMPARE(stage.server().serverStatusText(), u"未连接"_qs); // never blocks the connect button
     }
 
     void thePagesGoBeforeWhatTheyShow()
     {
-        Deck deck;
-        auto window =
-            std::make_unique<ui::MainWindow>(deck.network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+        MainStage stage;
+        auto window = std::make_unique<ui::MainWindow>(stage.network, nullptr, stage.config, stage.api, stage.icao,
+                                                       stage.endpoints);
         const QPointer<ui::DashboardViewModel> dashboard(&window->dashboard());
         const QPointer<ui::ServerPageViewModel> server(&window->server());
         int seen = 0;
@@ -258,9 +251,9 @@ private slots:
 
     void theFocusThatWandersWhileItGoesIsNotItsAffair()
     {
-        Deck deck;
-        auto window =
-            std::make_unique<ui::MainWindow>(deck.network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+        MainStage stage;
+        auto window = std::make_unique<ui::MainWindow>(stage.network, nullptr, stage.config, stage.api, stage.icao,
+                                                       stage.endpoints);
         int wandered = 0;
         const auto wander = [&] {
             ++wandered;
@@ -274,13 +267,13 @@ private slots:
 
     void withoutASessionNothingHappens()
     {
-        Deck deck;
-        ui::MainWindow window(nullptr, nullptr, deck.config, deck.api, deck.icao);
+        MainStage stage;
+        ui::MainWindow window(nullptr, nullptr, stage.config, stage.api, stage.icao);
         const QSignalSpy xplane(&window, &ui::MainWindow::xplaneSelected);
         window.onModeSelected(u"XPLANE"_qs);
         emit window.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), true);
         emit window.server().disconnectRequested();
-        Deck::answer();
+        MainStage::answer();
         QCOMPARE(window.currentMode(), u"NONE"_qs);
         QCOMPARE(xplane.size(), 0);
         QCOMPARE(window.server().serverStatusText(), u"未连接"_qs);
@@ -288,70 +281,70 @@ private slots:
 
     void connects()
     {
-        Deck deck;
-        deck.observe(u"CES2352"_qs);
-        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
-        QCOMPARE(deck.dashboard().serverStatusText(), u"连接中..."_qs);
+        MainStage stage;
+        stage.observe(u"CES2352"_qs);
+        QCOMPARE(stage.server().serverStatusText(), u"连接中..."_qs);
+        QCOMPARE(stage.dashboard().serverStatusText(), u"连接中..."_qs);
         const QString line =
-            u"正在连接 FSD 127.0.0.1:%1，呼号=CES2352，机型=B738，观察员模式=是"_qs.arg(deck.fsd.serverPort());
-        QVERIFY2(deck.server().serverLog().contains(line), qPrintable(deck.server().serverLog()));
-        QVERIFY(deck.dashboard().serverLog().contains(line));
-        QTRY_VERIFY(deck.fsd.hasPendingConnections());
-        QVERIFY(deck.fsd.nextPendingConnection());
-        QVERIFY(!deck.fsd.hasPendingConnections()); // one request, one connection
+            u"正在连接 FSD 127.0.0.1:%1，呼号=CES2352，机型=B738，观察员模式=是"_qs.arg(stage.fsd.serverPort());
+        QVERIFY2(stage.server().serverLog().contains(line), qPrintable(stage.server().serverLog()));
+        QVERIFY(stage.dashboard().serverLog().contains(line));
+        QTRY_VERIFY(stage.fsd.hasPendingConnections());
+        QVERIFY(stage.fsd.nextPendingConnection());
+        QVERIFY(!stage.fsd.hasPendingConnections()); // one request, one connection
     }
 
     void theDashboardConnectsTheSameWay()
     {
-        Deck deck;
-        deck.dashboard().requestServerConnect(u"CES2352"_qs, QString(), QString(), true);
-        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
-        Deck::answer();
-        deck.dashboard().requestServerDisconnect();
-        Deck::answer();
-        QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
+        MainStage stage;
+        stage.dashboard().requestServerConnect(u"CES2352"_qs, QString(), QString(), true);
+        QCOMPARE(stage.server().serverStatusText(), u"连接中..."_qs);
+        MainStage::answer();
+        stage.dashboard().requestServerDisconnect();
+        MainStage::answer();
+        QCOMPARE(stage.server().serverStatusText(), u"已断开"_qs);
     }
 
     void aRefusalChangesNothingButTheEvents()
     {
-        Deck deck;
-        emit deck.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
-        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);                      // from the click on
-        Deck::answer();
-        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
-        QCOMPARE(deck.dashboard().serverStatusText(), u"未连接"_qs);
-        QCOMPARE(deck.server().serverLog(), QString());
-        QCOMPARE(deck.event(), u"通知|飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。|系统"_qs);
+        MainStage stage;
+        emit stage.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        QCOMPARE(stage.server().serverStatusText(), u"连接中..."_qs);                      // from the click on
+        MainStage::answer();
+        QCOMPARE(stage.server().serverStatusText(), u"未连接"_qs);
+        QCOMPARE(stage.dashboard().serverStatusText(), u"未连接"_qs);
+        QCOMPARE(stage.server().serverLog(), QString());
+        QCOMPARE(stage.event(), u"通知|飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。|系统"_qs);
     }
 
     void aSecondRequestDisturbsNoConnection()
     {
-        Deck deck;
-        deck.observe(u"CES2352"_qs);
-        deck.observe(u"CES2353"_qs);
-        QCOMPARE(deck.server().serverStatusText(), u"连接中..."_qs);
-        emit deck.network->networkConnected(u"CES2352"_qs);
-        deck.observe(u"CES2353"_qs);
-        QCOMPARE(deck.server().serverStatusText(), u"已连接"_qs);
-        QVERIFY(deck.server().serverConnected());
+        MainStage stage;
+        stage.observe(u"CES2352"_qs);
+        stage.observe(u"CES2353"_qs);
+        QCOMPARE(stage.server().serverStatusText(), u"连接中..."_qs);
+        emit stage.network->networkConnected(u"CES2352"_qs);
+        stage.observe(u"CES2353"_qs);
+        QCOMPARE(stage.server().serverStatusText(), u"已连接"_qs);
+        QVERIFY(stage.server().serverConnected());
     }
 
     void twoRequestsInOneTurnAreRefusedTogether()
     {
-        Deck deck;
-        emit deck.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
-        deck.dashboard().requestServerConnect(u"CES2352"_qs, u"B738"_qs, QString(), false);
-        Deck::answer();
-        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+        MainStage stage;
+        emit stage.server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        stage.dashboard().requestServerConnect(u"CES2352"_qs, u"B738"_qs, QString(), false);
+        MainStage::answer();
+        QCOMPARE(stage.server().serverStatusText(), u"未连接"_qs);
     }
 
     void thePageMayGoWhileTheServersNameIsLookedUp()
     {
-        Deck deck;
-        deck.endpoints.fsdHost = u"no-such-host.invalid"_qs; // looked up in an event loop on top of the request
+        MainStage stage;
+        stage.endpoints.fsdHost = u"no-such-host.invalid"_qs; // looked up in an event loop on top of the request
         const auto network =
-            std::make_shared<manager::NetworkManager>(deck.config, deck.api, deck.icao, deck.endpoints);
-        ui::MainWindow window(network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+            std::make_shared<manager::NetworkManager>(stage.config, stage.api, stage.icao, stage.endpoints);
+        ui::MainWindow window(network, nullptr, stage.config, stage.api, stage.icao, stage.endpoints);
         window.resize(1280, 800);
         window.show();
         window.onModeSelected(u"XPLANE"_qs);
@@ -383,15 +376,15 @@ private slots:
 
     void aConnectionThatFailsAtOnceLeavesTheFormFree()
     {
-        Deck deck;
-        deck.endpoints.fsdHost = u"255.255.255.255"_qs; // no route: the error comes inside the call
+        MainStage stage;
+        stage.endpoints.fsdHost = u"255.255.255.255"_qs; // no route: the error comes inside the call
         const auto network =
-            std::make_shared<manager::NetworkManager>(deck.config, deck.api, deck.icao, deck.endpoints);
-        ui::MainWindow window(network, nullptr, deck.config, deck.api, deck.icao, deck.endpoints);
+            std::make_shared<manager::NetworkManager>(stage.config, stage.api, stage.icao, stage.endpoints);
+        ui::MainWindow window(network, nullptr, stage.config, stage.api, stage.icao, stage.endpoints);
         window.server().setCallsign(u"CES2352"_qs);
         window.server().setObserverMode(true);
         window.server().requestConnect();
-        Deck::answer();
+        MainStage::answer();
         QCOMPARE(window.server().serverStatusText(), u"已断开"_qs);
         QCOMPARE(window.dashboard().serverStatusText(), u"已断开"_qs);
         QVERIFY(window.server().canConnect());
@@ -399,37 +392,37 @@ private slots:
 
     void disconnects()
     {
-        Deck deck;
-        deck.observe(u"CES2352"_qs);
-        QTRY_VERIFY(deck.fsd.hasPendingConnections());
-        const QSignalSpy states(&deck.server(), &ui::ServerPageViewModel::serverStateChanged);
-        emit deck.server().disconnectRequested();
-        Deck::answer();
+        MainStage stage;
+        stage.observe(u"CES2352"_qs);
+        QTRY_VERIFY(stage.fsd.hasPendingConnections());
+        const QSignalSpy states(&stage.server(), &ui::ServerPageViewModel::serverStateChanged);
+        emit stage.server().disconnectRequested();
+        MainStage::answer();
         QCOMPARE(states.size(), 2); // leaving, left
-        QCOMPARE(deck.server().serverStatusText(), u"已断开"_qs);
-        QVERIFY(deck.server().serverLog().contains(u"正在断开 FSD 连接..."_qs));
-        QVERIFY(deck.dashboard().serverLog().contains(u"FSD 已断开：CES2352"_qs));
+        QCOMPARE(stage.server().serverStatusText(), u"已断开"_qs);
+        QVERIFY(stage.server().serverLog().contains(u"正在断开 FSD 连接..."_qs));
+        QVERIFY(stage.dashboard().serverLog().contains(u"FSD 已断开：CES2352"_qs));
     }
 
     void aDisconnectWithoutAConnectionDoesNotBlockTheForm()
     {
-        Deck deck;
-        emit deck.server().disconnectRequested();
-        Deck::answer();
-        QCOMPARE(deck.server().serverStatusText(), u"未连接"_qs);
+        MainStage stage;
+        emit stage.server().disconnectRequested();
+        MainStage::answer();
+        QCOMPARE(stage.server().serverStatusText(), u"未连接"_qs);
     }
 
     void showsTheConnection()
     {
-        Deck deck;
-        emit deck.network->networkConnected(u"CES2352"_qs);
-        QVERIFY(deck.server().serverConnected() && deck.dashboard().serverConnected());
-        QCOMPARE(deck.server().serverStatusText(), u"已连接"_qs);
-        QCOMPARE(deck.server().endpoint(), u"127.0.0.1:%1"_qs.arg(deck.fsd.serverPort()));
-        QVERIFY(deck.server().serverLog().contains(u"FSD 已连接：CES2352"_qs));
-        QCOMPARE(deck.event(), u"网络已连接|网络已连接，当前呼号：CES2352|网络"_qs);
-        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/connect.mp3"_qs));
-        QCOMPARE(deck.window.sounds().volume(), 0.55F);
+        MainStage stage;
+        emit stage.network->networkConnected(u"CES2352"_qs);
+        QVERIFY(stage.server().serverConnected() && stage.dashboard().serverConnected());
+        QCOMPARE(stage.server().serverStatusText(), u"已连接"_qs);
+        QCOMPARE(stage.server().endpoint(), u"127.0.0.1:%1"_qs.arg(stage.fsd.serverPort()));
+        QVERIFY(stage.server().serverLog().contains(u"FSD 已连接：CES2352"_qs));
+        QCOMPARE(stage.event(), u"网络已连接|网络已连接，当前呼号：CES2352|网络"_qs);
+        QCOMPARE(stage.window.sounds().source(), test::connectSound);
+        QCOMPARE(stage.window.sounds().volume(), 0.55F);
     }
 
     void showsTheDisconnection_data()
@@ -443,61 +436,61 @@ private slots:
     void showsTheDisconnection()
     {
         QFETCH(bool, forced);
-        Deck deck;
-        deck.observe(u"ces2352"_qs);
-        emit deck.network->networkConnected(u"CES2352"_qs);
-        QVERIFY(deck.server().connectedAsObserver());
-        emit deck.network->networkDisconnected(forced);
-        QTEST(deck.server().serverStatusText(), "status");
-        QTEST(deck.dashboard().serverStatusText(), "status");
-        QTEST(deck.event(), "event");
-        QVERIFY(!deck.server().serverConnected() && !deck.server().connectedAsObserver());
-        QCOMPARE(deck.server().endpoint(), QString());
-        QVERIFY(deck.server().serverLog().contains(u"FSD 已断开：CES2352"_qs));
-        QCOMPARE(deck.window.sounds().source(), QUrl(u"qrc:/resources/sounds/disconnect.mp3"_qs));
+        MainStage stage;
+        stage.observe(u"ces2352"_qs);
+        emit stage.network->networkConnected(u"CES2352"_qs);
+        QVERIFY(stage.server().connectedAsObserver());
+        emit stage.network->networkDisconnected(forced);
+        QTEST(stage.server().serverStatusText(), "status");
+        QTEST(stage.dashboard().serverStatusText(), "status");
+        QTEST(stage.event(), "event");
+        QVERIFY(!stage.server().serverConnected() && !stage.server().connectedAsObserver());
+        QCOMPARE(stage.server().endpoint(), QString());
+        QVERIFY(stage.server().serverLog().contains(u"FSD 已断开：CES2352"_qs));
+        QCOMPARE(stage.window.sounds().source(), test::disconnectSound);
     }
 
     void showsTheSimulator()
     {
-        Deck deck;
-        emit deck.network->simulatorConnectionStateChanged(true);
-        QVERIFY(deck.dashboard().simulatorConnected());
-        QCOMPARE(deck.dashboard().simulatorStatusText(), u"已连接"_qs);
-        QVERIFY(deck.window.simulator().simulatorConnected());
-        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"已连接"_qs);
-        emit deck.network->simulatorConnectionStateChanged(false);
-        QCOMPARE(deck.dashboard().simulatorStatusText(), u"未连接"_qs);
-        QVERIFY(!deck.window.simulator().simulatorConnected());
-        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"未连接"_qs);
-        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
-        QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
-        QVERIFY(!deck.dashboard().simulatorConnected());
-        QCOMPARE(deck.dashboard().simulatorStatusText(), u"连接失败"_qs);
-        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
+        MainStage stage;
+        emit stage.network->simulatorConnectionStateChanged(true);
+        QVERIFY(stage.dashboard().simulatorConnected());
+        QCOMPARE(stage.dashboard().simulatorStatusText(), u"已连接"_qs);
+        QVERIFY(stage.window.simulator().simulatorConnected());
+        QCOMPARE(stage.window.simulator().simulatorStatusText(), u"已连接"_qs);
+        emit stage.network->simulatorConnectionStateChanged(false);
+        QCOMPARE(stage.dashboard().simulatorStatusText(), u"未连接"_qs);
+        QVERIFY(!stage.window.simulator().simulatorConnected());
+        QCOMPARE(stage.window.simulator().simulatorStatusText(), u"未连接"_qs);
+        emit stage.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        QCOMPARE(stage.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
+        QVERIFY(!stage.dashboard().simulatorConnected());
+        QCOMPARE(stage.dashboard().simulatorStatusText(), u"连接失败"_qs);
+        QCOMPARE(stage.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
     }
 
     void aFailureLeavesASimulatorWhoseDataFlow()
     {
-        Deck deck;
-        deck.window.onModeSelected(u"XPLANE"_qs);
-        emit deck.network->simulatorConnectionStateChanged(true);
-        emit deck.network->simulatorDataUpdated(headingFor(271));
-        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
-        QVERIFY(deck.dashboard().simulatorConnected());
-        QCOMPARE(deck.dashboard().simulatorStatusText(), u"已连接"_qs);
-        QVERIFY(deck.window.simulator().simulatorConnected());
-        QCOMPARE(deck.window.simulator().heading(), 271.0);
-        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
-        QCOMPARE(deck.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
+        MainStage stage;
+        stage.window.onModeSelected(u"XPLANE"_qs);
+        emit stage.network->simulatorConnectionStateChanged(true);
+        emit stage.network->simulatorDataUpdated(headingFor(271));
+        emit stage.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        QVERIFY(stage.dashboard().simulatorConnected());
+        QCOMPARE(stage.dashboard().simulatorStatusText(), u"已连接"_qs);
+        QVERIFY(stage.window.simulator().simulatorConnected());
+        QCOMPARE(stage.window.simulator().heading(), 271.0);
+        QCOMPARE(stage.window.simulator().simulatorFailureText(), u"插件没有应答"_qs);
+        QCOMPARE(stage.event(), u"模拟器连接失败|插件没有应答|模拟器"_qs);
     }
 
     void aFailureIsHealedByDataThatCome()
     {
-        Deck deck;
-        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
-        emit deck.network->simulatorConnectionStateChanged(true);
-        QCOMPARE(deck.window.simulator().simulatorStatusText(), u"已连接"_qs);
-        QCOMPARE(deck.window.simulator().simulatorFailureText(), u"插件没有应答"_qs); // still no plugin
+        MainStage stage;
+        emit stage.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        emit stage.network->simulatorConnectionStateChanged(true);
+        QCOMPARE(stage.window.simulator().simulatorStatusText(), u"已连接"_qs);
+        QCOMPARE(stage.window.simulator().simulatorFailureText(), u"插件没有应答"_qs); // still no plugin
     }
 
     void theReasonOfAFailureGoes_data()
@@ -511,81 +504,75 @@ private slots:
     void theReasonOfAFailureGoes()
     {
         QFETCH(Step, step);
-        Deck deck;
-        emit deck.network->simulatorConnectionFailed(u"插件没有应答"_qs);
-        step(deck.window);
-        QCOMPARE(deck.window.simulator().simulatorFailureText(), QString());
+        MainStage stage;
+        emit stage.network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        step(stage.window);
+        QCOMPARE(stage.window.simulator().simulatorFailureText(), QString());
     }
 
     void showsTheFlight()
     {
-        Deck deck;
+        MainStage stage;
         manager::SimulatorData data;
         data.aircraft.latitude = 40.07;
         data.aircraft.longitude = 116.6;
         data.aircraft.altitudeMslM = 1000;
         data.aircraft.heading = 359;
         data.aircraft.groundSpeed = 250;
-        emit deck.network->simulatorDataUpdated(data);
-        QCOMPARE(deck.dashboard().latitude(), 40.07);
-        QCOMPARE(deck.dashboard().longitude(), 116.6);
-        QCOMPARE(deck.dashboard().altitude(), 3280.84);
-        QCOMPARE(deck.dashboard().heading(), 359.0);
-        QCOMPARE(deck.dashboard().groundSpeed(), 250.0);
+        emit stage.network->simulatorDataUpdated(data);
+        QCOMPARE(stage.dashboard().latitude(), 40.07);
+        QCOMPARE(stage.dashboard().longitude(), 116.6);
+        QCOMPARE(stage.dashboard().altitude(), 3280.84);
+        QCOMPARE(stage.dashboard().heading(), 359.0);
+        QCOMPARE(stage.dashboard().groundSpeed(), 250.0);
     }
 
     void followsTheProfile()
     {
-        Deck deck;
-        QCOMPARE(deck.server().protocolLabel(), u"VATSIM 协议"_qs);
-        QCOMPARE(deck.server().homeAirport(), u"ZBAA"_qs);
-        deck.config.set(config::authVatsim, false);
-        deck.config.set(config::profileRealname, u"王小明"_qs);
-        QCOMPARE(deck.server().protocolLabel(), u"经典协议"_qs);
-        QCOMPARE(deck.server().realName(), u"王小明"_qs);
+        MainStage stage;
+        QCOMPARE(stage.server().protocolLabel(), u"VATSIM 协议"_qs);
+        QCOMPARE(stage.server().homeAirport(), u"ZBAA"_qs);
+        stage.config.set(config::authVatsim, false);
+        stage.config.set(config::profileRealname, u"王小明"_qs);
+        QCOMPARE(stage.server().protocolLabel(), u"经典协议"_qs);
+        QCOMPARE(stage.server().realName(), u"王小明"_qs);
     }
 
     void theProfileIsWhatTheNetworkWillSee()
     {
-        Deck deck;
-        QCOMPARE(deck.server().realName(), u"Unknown"_qs);
-        deck.config.set(config::profileHomeAirport, u" zspd "_qs);
-        QCOMPARE(deck.server().homeAirport(), u"ZSPD"_qs);
-        deck.config.set(config::profileHomeAirport, u"zzzz"_qs);
-        QCOMPARE(deck.server().homeAirport(), u"ZBAA"_qs);
-        deck.config.set(config::authUsername, u"1001"_qs);
-        QCOMPARE(deck.server().realName(), u"1001"_qs);
-        deck.config.set(config::sessionUsername, u"1002"_qs); // typed for this session
-        QCOMPARE(deck.server().realName(), u"1002"_qs);
-        deck.config.set(config::profileRealname, u"uNKNOWN"_qs);
-        QCOMPARE(deck.server().realName(), u"1002"_qs);
+        MainStage stage;
+        QCOMPARE(stage.server().realName(), u"Unknown"_qs);
+        stage.config.set(config::profileHomeAirport, u" zspd "_qs);
+        QCOMPARE(stage.server().homeAirport(), u"ZSPD"_qs);
+        stage.config.set(config::profileHomeAirport, u"zzzz"_qs);
+        QCOMPARE(stage.server().homeAirport(), u"ZBAA"_qs);
+        stage.config.set(config::authUsername, u"1001"_qs);
+        QCOMPARE(stage.server().realName(), u"1001"_qs);
+        stage.config.set(config::sessionUsername, u"1002"_qs); // typed for this session
+        QCOMPARE(stage.server().realName(), u"1002"_qs);
+        stage.config.set(config::profileRealname, u"uNKNOWN"_qs);
+        QCOMPARE(stage.server().realName(), u"1002"_qs);
     }
 
     void theAccountsNameArrivesWithItsData()
     {
-        Deck deck;
-        deck.peer.acceptLogin();
-        bool signedIn = false;
-        deck.api.login(u"1001"_qs, u"secret"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
-        QTRY_VERIFY(signedIn);
-        const QString account = deck.api.currentUser().username;
+        MainStage stage;
+        stage.signIn();
+        const QString account = stage.api.currentUser().username;
         QVERIFY(!account.isEmpty());
-        deck.window.show();
-        QCOMPARE(deck.server().realName(), account);
+        stage.window.show();
+        QCOMPARE(stage.server().realName(), account);
     }
 
     void aChangeOfTheAccountsDataRefreshesTheProfile()
     {
-        Deck deck;
-        deck.peer.acceptLogin();
-        deck.window.show();
-        QCOMPARE(deck.server().realName(), u"Unknown"_qs);
-        bool signedIn = false;
-        deck.api.login(u"1001"_qs, u"secret"_qs, [&signedIn](bool success, const QString &) { signedIn = success; });
-        QTRY_VERIFY(signedIn);
-        const QString account = deck.api.currentUser().username;
-        deck.dashboard().setUserInfo(account, u"CID: 1001"_qs, u"3"_qs);
-        QCOMPARE(deck.server().realName(), account);
+        MainStage stage;
+        stage.window.show();
+        QCOMPARE(stage.server().realName(), u"Unknown"_qs);
+        stage.signIn();
+        const QString account = stage.api.currentUser().username;
+        stage.dashboard().setUserInfo(account, u"CID: 1001"_qs, u"3"_qs);
+        QCOMPARE(stage.server().realName(), account);
     }
 };
 

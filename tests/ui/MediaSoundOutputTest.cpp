@@ -1,11 +1,11 @@
 #include "ui/MediaSoundOutput.h"
 
 #include "support/TestRegistry.h"
+#include "ui/Sounds.h"
 
 #include <QAudioDevice>
 #include <QMediaDevices>
 #include <QTest>
-#include <QUrl>
 
 using tarvo::ui::MediaSoundOutput;
 
@@ -19,7 +19,7 @@ private slots:
     {
         QVERIFY(QMediaDevices::defaultAudioOutput().isNull());
         MediaSoundOutput output;
-        output.begin(QUrl(u"qrc:/resources/sounds/connect.mp3"_qs), 0.55F);
+        output.begin(tarvo::test::connectSound, 0.55F);
         QCOMPARE(output.player().source(), QUrl());
         QCOMPARE(output.player().playbackState(), QMediaPlayer::StoppedState);
     }

@@ -5,6 +5,7 @@
 #include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 #include "ui/SoundPlayer.h"
+#include "ui/Sounds.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 
 #include <functional>
@@ -17,7 +18,7 @@ using ui::MessagesPageViewModel;
 namespace {
 
 /// The messages page's model over a session that is on the network as AB1.
-struct Desk
+struct MessagesStage
 {
     Session session;
     std::shared_ptr<manager::ControllerManager> controllers =
@@ -28,7 +29,7 @@ struct Desk
     test::ManualClock clock;
     ui::MessagesFeed feed{session.manager, controllers, page, sounds, nullptr, clock};
 
-    Desk()
+    MessagesStage()
     {
         session.connectObserver();
         emit session.manager->networkConnected(u"AB1"_qs);
@@ -51,9 +52,7 @@ struct Desk
 } // namespace
 
 using Event = std::function<void(NetworkManager &)>;
-using Wish = std::function<void(MessagesPageViewModel &)>;
 Q_DECLARE_METATYPE(Event)
-Q_DECLARE_METATYPE(Wish)
 
 class MessagesFeedTest : public QObject
 {
@@ -108,44 +107,44 @@ private slots:
         QFETCH(Event, event);
         QFETCH(QString, row);
         QFETCH(float, volume);
-        Desk desk;
-        event(*desk.session.manager);
-        QCOMPARE(desk.newest(), row);
-        QCOMPARE(desk.willSound(), volume > 0);
+        MessagesStage stage;
+        event(*stage.session.manager);
+        QCOMPARE(stage.newest(), row);
+        QCOMPARE(stage.willSound(), volume > 0);
         if (volume > 0) {
-            QTRY_COMPARE(desk.played.size(), 1);
-            QCOMPARE(desk.sounds.source(), QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
-            QCOMPARE(desk.sounds.volume(), volume);
+            QTRY_COMPARE(stage.played.size(), 1);
+            QCOMPARE(stage.sounds.source(), test::messageSound);
+            QCOMPARE(stage.sounds.volume(), volume);
         }
     }
 
     void selcalIsHeard()
     {
-        Desk desk;
-        emit desk.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
-        QCOMPARE(desk.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
-        QTRY_COMPARE(desk.played.size(), 1);
-        QCOMPARE(desk.sounds.volume(), 0.75F);
+        MessagesStage stage;
+        emit stage.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
+        QCOMPARE(stage.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
+        QTRY_COMPARE(stage.played.size(), 1);
+        QCOMPARE(stage.sounds.volume(), 0.75F);
     }
 
     void aBurstIsHeardOnce()
     {
-        Desk desk;
-        const auto talk = [&desk] {
+        MessagesStage stage;
+        const auto talk = [&stage] {
             for (int i = 0; i < 100; ++i)
-                emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
+                emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
         };
         talk();
-        emit desk.session.manager->privateMessageReceived(u"CES1"_qs, u"hi"_qs);
+        emit stage.session.manager->privateMessageReceived(u"CES1"_qs, u"hi"_qs);
         talk();
-        QCOMPARE(desk.played.size(), 0);
-        QCOMPARE(desk.soundTimer().interval(), 0);
-        QTRY_COMPARE(desk.played.size(), 1);
-        QCOMPARE(desk.sounds.volume(), 0.75F); // the most urgent of them all
-        QVERIFY(!desk.willSound());
+        QCOMPARE(stage.played.size(), 0);
+        QCOMPARE(stage.soundTimer().interval(), 0);
+        QTRY_COMPARE(stage.played.size(), 1);
+        QCOMPARE(stage.sounds.volume(), 0.75F); // the most urgent of them all
+        QVERIFY(!stage.willSound());
         talk();
-        QTRY_COMPARE(desk.played.size(), 2);
-        QCOMPARE(desk.sounds.volume(), 0.55F);
+        QTRY_COMPARE(stage.played.size(), 2);
+        QCOMPARE(stage.sounds.volume(), 0.55F);
     }
 
     void soundsKeepHalfASecondApart_data()
@@ -162,63 +161,63 @@ private slots:
     void soundsKeepHalfASecondApart()
     {
         QFETCH(int, afterMs);
-        Desk desk;
-        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
-        QTRY_COMPARE(desk.played.size(), 1);
-        desk.clock.advance(afterMs);
-        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
-        QTEST(desk.soundTimer().interval(), "waitMs");
-        desk.clock.advance(100);
-        emit desk.session.manager->serverMessageReceived(u"welcome"_qs);
-        QTEST(desk.soundTimer().interval(), "waitMs"); // the later ones wait no longer
+        MessagesStage stage;
+        emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTRY_COMPARE(stage.played.size(), 1);
+        stage.clock.advance(afterMs);
+        emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTEST(stage.soundTimer().interval(), "waitMs");
+        stage.clock.advance(100);
+        emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
+        QTEST(stage.soundTimer().interval(), "waitMs"); // the later ones wait no longer
     }
 
     void theOwnCallsignIsThatOfTheSession()
     {
-        Desk desk;
-        NetworkManager &network = *desk.session.manager;
+        MessagesStage stage;
+        NetworkManager &network = *stage.session.manager;
         emit network.privateMessageReceived(u"CES1"_qs, u"hi"_qs);
-        QCOMPARE(desk.newest(), u"private_in CES1 CES1>AB1: hi"_qs);
+        QCOMPARE(stage.newest(), u"private_in CES1 CES1>AB1: hi"_qs);
         network.disconnectFromNetwork();
         QVERIFY(network.connectToNetwork(u"cd2"_qs, QString(), QString(), true));
         emit network.privateMessageReceived(u"CES1"_qs, u"there"_qs); // before the login is complete
-        QCOMPARE(desk.newest(), u"private_in CES1 CES1>CD2: there"_qs);
+        QCOMPARE(stage.newest(), u"private_in CES1 CES1>CD2: there"_qs);
     }
 
     void wishesReachTheNetwork()
     {
-        Desk desk;
-        const QSignalSpy sent(desk.session.manager.get(), &NetworkManager::privateMessageSent);
-        const QSignalSpy wallop(desk.session.manager.get(), &NetworkManager::wallopSent);
-        const QSignalSpy radio(desk.session.manager.get(), &NetworkManager::radioMessageSent);
-        desk.page.sendPrivateMessage(u"CES1"_qs, u"hi"_qs);
+        MessagesStage stage;
+        const QSignalSpy sent(stage.session.manager.get(), &NetworkManager::privateMessageSent);
+        const QSignalSpy wallop(stage.session.manager.get(), &NetworkManager::wallopSent);
+        const QSignalSpy radio(stage.session.manager.get(), &NetworkManager::radioMessageSent);
+        stage.page.sendPrivateMessage(u"CES1"_qs, u"hi"_qs);
         QCOMPARE(sent.size(), 1);
         QCOMPARE(sent[0], (QVariantList{u"CES1"_qs, u"hi"_qs}));
-        desk.page.sendWallopMessage(u"help"_qs);
+        stage.page.sendWallopMessage(u"help"_qs);
         QCOMPARE(wallop.size(), 1);
-        desk.page.sendRadioMessage(u"unheard"_qs); // no radio transmits
+        stage.page.sendRadioMessage(u"unheard"_qs); // no radio transmits
         QCOMPARE(radio.size(), 0);
-        desk.session.addSimulator();
+        stage.session.addSimulator();
         model::RadioStackState radios;
         radios.com1TransmitEnabled = true;
         radios.com1Frequency = 118500;
-        emit desk.session.sim->radioStackStateChanged(radios);
-        desk.page.sendRadioMessage(u"ready"_qs);
+        emit stage.session.sim->radioStackStateChanged(radios);
+        stage.page.sendRadioMessage(u"ready"_qs);
         QCOMPARE(radio.size(), 1);
     }
 
     void stationsComeAndGo()
     {
-        Desk desk;
+        MessagesStage stage;
         model::Controller tower{.callsign = u"ZBAA_TWR"_qs, .frequency = 118500, .normalisedFrequency = 118500};
-        emit desk.controllers->controllerAdded(tower);
-        QCOMPARE(desk.page.nearbyClients().size(), 1);
+        emit stage.controllers->controllerAdded(tower);
+        QCOMPARE(stage.page.nearbyClients().size(), 1);
         tower.realName = u"Li Lei"_qs;
-        emit desk.controllers->controllerUpdated(tower);
-        QCOMPARE(desk.page.nearbyClients().size(), 1);
-        QCOMPARE(desk.page.nearbyClients().first().toMap()[u"name"_qs].toString(), u"Li Lei"_qs);
-        emit desk.controllers->controllerDeleted(tower);
-        QVERIFY(desk.page.nearbyClients().isEmpty());
+        emit stage.controllers->controllerUpdated(tower);
+        QCOMPARE(stage.page.nearbyClients().size(), 1);
+        QCOMPARE(stage.page.nearbyClients().first().toMap()[u"name"_qs].toString(), u"Li Lei"_qs);
+        emit stage.controllers->controllerDeleted(tower);
+        QVERIFY(stage.page.nearbyClients().isEmpty());
     }
 
     void aFeedThatIsGoneTakesNoStationAway()
@@ -237,20 +236,20 @@ private slots:
 
     void aNewSessionBeginsWithoutStations()
     {
-        Desk desk;
-        emit desk.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
-        emit desk.session.manager->networkConnected(u"AB1"_qs);
-        QVERIFY(desk.page.nearbyClients().isEmpty());
+        MessagesStage stage;
+        emit stage.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
+        emit stage.session.manager->networkConnected(u"AB1"_qs);
+        QVERIFY(stage.page.nearbyClients().isEmpty());
     }
 
     void theEndOfTheSessionEmptiesTheStations()
     {
-        Desk desk;
-        QVERIFY(desk.page.networkConnected());
-        emit desk.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
-        emit desk.session.manager->networkDisconnected(false);
-        QVERIFY(!desk.page.networkConnected());
-        QVERIFY(desk.page.nearbyClients().isEmpty());
+        MessagesStage stage;
+        QVERIFY(stage.page.networkConnected());
+        emit stage.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
+        emit stage.session.manager->networkDisconnected(false);
+        QVERIFY(!stage.page.networkConnected());
+        QVERIFY(stage.page.nearbyClients().isEmpty());
     }
 };
 

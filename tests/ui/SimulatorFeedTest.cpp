@@ -14,29 +14,26 @@ using ui::SimulatorPageViewModel;
 namespace {
 
 /// The simulator page's model over a session.
-struct Desk
+template <class AnySession>
+struct PageStage
 {
-    Session session;
+    AnySession session;
     SimulatorPageViewModel page;
     ui::SimulatorFeed feed{session.manager, page};
 
-    QTimer &trafficTimer() { return *feed.findChild<QTimer *>(u"trafficTimer"_qs); }
+    QTimer &trafficTimer() const { return *feed.template findChild<QTimer *>(u"trafficTimer"_qs); }
 };
+using SimulatorStage = PageStage<Session>;
 
-/// The same over a session that is on the network; the timer's own ticks are out of the way.
-struct Sky
+/// The same on the network; the timer's own ticks are out of the way.
+struct TrafficStage : PageStage<test::TrafficSession>
 {
-    test::TrafficSession session;
-    SimulatorPageViewModel page;
-    ui::SimulatorFeed feed{session.manager, page};
-    QTimer *trafficTimer = feed.findChild<QTimer *>(u"trafficTimer"_qs);
-
-    Sky()
+    TrafficStage()
     {
         emit session.manager->networkConnected(u"AB1"_qs);
-        trafficTimer->setInterval(3'600'000);
+        trafficTimer().setInterval(3'600'000);
     }
-    void tick() const { QMetaObject::invokeMethod(trafficTimer, "timeout"); }
+    void tick() const { QMetaObject::invokeMethod(&trafficTimer(), "timeout"); }
     QString summary() const { return page.trafficSummary(); }
     /// The session has heard of the pilot.
     bool hear(const QString &callsign)
@@ -92,48 +89,48 @@ private slots:
     {
         QFETCH(Wish, wish);
         QFETCH(QStringList, calls);
-        Desk desk;
-        wish(desk.page); // there is no simulator yet: nothing to do, and nothing to fall over
-        desk.session.addSimulator();
-        wish(desk.page);
-        QCOMPARE(desk.session.sim->calls, calls);
+        SimulatorStage stage;
+        wish(stage.page); // there is no simulator yet: nothing to do, and nothing to fall over
+        stage.session.addSimulator();
+        wish(stage.page);
+        QCOMPARE(stage.session.sim->calls, calls);
     }
 
     void aWishGoesToTheNewSimulator()
     {
-        Desk desk;
-        desk.session.addSimulator();
-        const auto old = desk.session.sim;
-        desk.session.addSimulator();
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        const auto old = stage.session.sim;
+        stage.session.addSimulator();
         old->calls.clear();
-        desk.page.requestSetCom1Frequency(u"121.800"_qs);
-        QCOMPARE(desk.session.sim->calls, QStringList{u"setCom1Frequency 121800"_qs});
+        stage.page.requestSetCom1Frequency(u"121.800"_qs);
+        QCOMPARE(stage.session.sim->calls, QStringList{u"setCom1Frequency 121800"_qs});
         QCOMPARE(old->calls, QStringList());
     }
 
     void thePageShowsTheSession()
     {
-        Desk desk;
-        desk.session.addSimulator();
+        SimulatorStage stage;
+        stage.session.addSimulator();
         model::UserAircraftData aircraft = Session::standing();
         aircraft.heading = 271;
-        emit desk.session.sim->userAircraftDataChanged(aircraft);
-        QCOMPARE(desk.page.heading(), 271.0);
-        emit desk.session.sim->pluginVersionChecked(true);
-        emit desk.session.sim->cslValidationChecked(false);
-        emit desk.session.sim->trafficMappingStatusChanged(u"12 个模型"_qs);
-        emit desk.session.sim->xplaneVersionUpdated(120100);
-        QCOMPARE(desk.page.pluginStatusText(), u"有效"_qs);
-        QCOMPARE(desk.page.cslStatusText(), u"无效"_qs);
-        QCOMPARE(desk.page.trafficMappingStatusText(), u"12 个模型"_qs);
-        QCOMPARE(desk.page.xplaneVersionText(), u"X-Plane 120100"_qs);
+        emit stage.session.sim->userAircraftDataChanged(aircraft);
+        QCOMPARE(stage.page.heading(), 271.0);
+        emit stage.session.sim->pluginVersionChecked(true);
+        emit stage.session.sim->cslValidationChecked(false);
+        emit stage.session.sim->trafficMappingStatusChanged(u"12 个模型"_qs);
+        emit stage.session.sim->xplaneVersionUpdated(120100);
+        QCOMPARE(stage.page.pluginStatusText(), u"有效"_qs);
+        QCOMPARE(stage.page.cslStatusText(), u"无效"_qs);
+        QCOMPARE(stage.page.trafficMappingStatusText(), u"12 个模型"_qs);
+        QCOMPARE(stage.page.xplaneVersionText(), u"X-Plane 120100"_qs);
         const QVariantList contacts{QVariantMap{{u"label"_qs, u"CES1"_qs}}};
-        emit desk.session.sim->trafficSnapshotChanged(contacts);
-        QCOMPARE(desk.page.trafficContacts(), contacts);
+        emit stage.session.sim->trafficSnapshotChanged(contacts);
+        QCOMPARE(stage.page.trafficContacts(), contacts);
 
-        desk.session.manager->setSimulator(std::make_shared<test::FakeSimulator>());
-        QCOMPARE(desk.page.pluginStatusText(), u"未知"_qs);
-        QCOMPARE(desk.page.xplaneVersionText(), u"未获取"_qs);
+        stage.session.manager->setSimulator(std::make_shared<test::FakeSimulator>());
+        QCOMPARE(stage.page.pluginStatusText(), u"未知"_qs);
+        QCOMPARE(stage.page.xplaneVersionText(), u"未获取"_qs);
     }
 
     void aLostSimulatorTakesItsDataAlong_data()
@@ -151,94 +148,94 @@ private slots:
     void aLostSimulatorTakesItsDataAlong()
     {
         QFETCH(Loss, lose);
-        Desk desk;
-        desk.session.addSimulator();
+        SimulatorStage stage;
+        stage.session.addSimulator();
         model::RadioStackState radio;
         radio.transponderCode = 7700;
-        emit desk.session.sim->radioStackStateChanged(radio);
+        emit stage.session.sim->radioStackStateChanged(radio);
         model::UserAircraftData aircraft = Session::standing();
         aircraft.heading = 271;
-        emit desk.session.sim->userAircraftDataChanged(aircraft);
-        QCOMPARE(desk.page.heading(), 271.0);
-        QCOMPARE(desk.page.transponderCode(), u"7700"_qs);
-        lose(desk.session);
-        QCOMPARE(desk.page.heading(), 0.0);
-        QCOMPARE(desk.page.latitude(), 0.0);
-        QCOMPARE(desk.page.transponderCode(), u"0000"_qs);
-        QCOMPARE(desk.page.motionSummary(), u"暂无运动数据"_qs);
+        emit stage.session.sim->userAircraftDataChanged(aircraft);
+        QCOMPARE(stage.page.heading(), 271.0);
+        QCOMPARE(stage.page.transponderCode(), u"7700"_qs);
+        lose(stage.session);
+        QCOMPARE(stage.page.heading(), 0.0);
+        QCOMPARE(stage.page.latitude(), 0.0);
+        QCOMPARE(stage.page.transponderCode(), u"0000"_qs);
+        QCOMPARE(stage.page.motionSummary(), u"暂无运动数据"_qs);
     }
 
     void aSimulatorThatIsNotThereYetShowsNothing()
     {
-        Desk desk;
-        const QSignalSpy data(&desk.page, &SimulatorPageViewModel::dataChanged);
-        desk.session.manager->setSimulator(std::make_shared<test::FakeSimulator>());
+        SimulatorStage stage;
+        const QSignalSpy data(&stage.page, &SimulatorPageViewModel::dataChanged);
+        stage.session.manager->setSimulator(std::make_shared<test::FakeSimulator>());
         QCOMPARE(data.size(), 0);
-        QCOMPARE(desk.page.motionSummary(), u"暂无运动数据"_qs);
+        QCOMPARE(stage.page.motionSummary(), u"暂无运动数据"_qs);
     }
 
     void unseenPagesAreLeftAlone()
     {
-        Desk desk;
-        desk.session.addSimulator();
-        const QSignalSpy data(&desk.page, &SimulatorPageViewModel::dataChanged);
-        const QSignalSpy shown(&desk.feed, &ui::SimulatorFeed::sampleShown);
-        desk.feed.setSeen(false);
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        const QSignalSpy data(&stage.page, &SimulatorPageViewModel::dataChanged);
+        const QSignalSpy shown(&stage.feed, &ui::SimulatorFeed::sampleShown);
+        stage.feed.setSeen(false);
         model::UserAircraftData aircraft = Session::standing();
         for (aircraft.heading = 1; aircraft.heading < 4; ++aircraft.heading)
-            emit desk.session.sim->userAircraftDataChanged(aircraft);
+            emit stage.session.sim->userAircraftDataChanged(aircraft);
         QCOMPARE(data.size(), 0);
         QCOMPARE(shown.size(), 0);
-        desk.feed.setSeen(true);
+        stage.feed.setSeen(true);
         QCOMPARE(data.size(), 1);
         QCOMPARE(shown.size(), 1);
-        QCOMPARE(desk.page.heading(), 3.0);
-        desk.feed.setSeen(false); // and nothing happens meanwhile
-        desk.feed.setSeen(true);
+        QCOMPARE(stage.page.heading(), 3.0);
+        stage.feed.setSeen(false); // and nothing happens meanwhile
+        stage.feed.setSeen(true);
         QCOMPARE(shown.size(), 1);
     }
 
     void trafficReachesThePageAtATick()
     {
-        Sky sky;
-        QVERIFY(sky.session.online);
-        emit sky.session.sim->userAircraftDataChanged(own());
-        QVERIFY(sky.hear(u"AB2"_qs));
-        QCOMPARE(sky.summary(), u"附近暂无交通目标"_qs);
-        sky.tick(); // whether a page is open or not: one that opens has the traffic at once
-        QCOMPARE(sky.summary(), u"附近 1 个交通目标"_qs);
-        QCOMPARE(sky.page.plotContacts().size(), 1);
-        QCOMPARE(sky.page.plotContacts().first().target.callsign, u"AB2"_qs);
-        emit sky.session.manager->networkDisconnected(false);
-        QCOMPARE(sky.summary(), u"附近暂无交通目标"_qs);
-        QVERIFY(sky.page.plotContacts().isEmpty());
+        TrafficStage stage;
+        QVERIFY(stage.session.online);
+        emit stage.session.sim->userAircraftDataChanged(own());
+        QVERIFY(stage.hear(u"AB2"_qs));
+        QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
+        stage.tick(); // whether a page is open or not: one that opens has the traffic at once
+        QCOMPARE(stage.summary(), u"附近 1 个交通目标"_qs);
+        QCOMPARE(stage.page.plotContacts().size(), 1);
+        QCOMPARE(stage.page.plotContacts().first().target.callsign, u"AB2"_qs);
+        emit stage.session.manager->networkDisconnected(false);
+        QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
+        QVERIFY(stage.page.plotContacts().isEmpty());
     }
 
     void unseenTrafficFollows()
     {
-        Sky sky;
-        QVERIFY(sky.session.online);
-        sky.feed.setSeen(false);
-        QVERIFY(sky.hear(u"AB2"_qs));
-        sky.tick();
-        QCOMPARE(sky.summary(), u"附近暂无交通目标"_qs);
-        sky.feed.setSeen(true); // without waiting for a tick
-        QCOMPARE(sky.summary(), u"附近 1 个交通目标"_qs);
-        sky.feed.setSeen(false);
-        emit sky.session.manager->networkDisconnected(false);
-        sky.feed.setSeen(true);
-        QCOMPARE(sky.summary(), u"附近暂无交通目标"_qs);
+        TrafficStage stage;
+        QVERIFY(stage.session.online);
+        stage.feed.setSeen(false);
+        QVERIFY(stage.hear(u"AB2"_qs));
+        stage.tick();
+        QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
+        stage.feed.setSeen(true); // without waiting for a tick
+        QCOMPARE(stage.summary(), u"附近 1 个交通目标"_qs);
+        stage.feed.setSeen(false);
+        emit stage.session.manager->networkDisconnected(false);
+        stage.feed.setSeen(true);
+        QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
     }
 
     void trafficIsLookedAtWhileConnected()
     {
-        Desk desk;
-        QVERIFY(!desk.trafficTimer().isActive());
-        emit desk.session.manager->networkConnected(u"AB1"_qs);
-        QVERIFY(desk.trafficTimer().isActive());
-        QCOMPARE(desk.trafficTimer().interval(), 1000);
-        emit desk.session.manager->networkDisconnected(false);
-        QVERIFY(!desk.trafficTimer().isActive());
+        SimulatorStage stage;
+        QVERIFY(!stage.trafficTimer().isActive());
+        emit stage.session.manager->networkConnected(u"AB1"_qs);
+        QVERIFY(stage.trafficTimer().isActive());
+        QCOMPARE(stage.trafficTimer().interval(), 1000);
+        emit stage.session.manager->networkDisconnected(false);
+        QVERIFY(!stage.trafficTimer().isActive());
     }
 };
 

@@ -1,6 +1,7 @@
 #include "ui/SoundPlayer.h"
 
 #include "support/TestRegistry.h"
+#include "ui/Sounds.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -15,14 +16,13 @@
 #include <utility>
 
 using namespace std::chrono_literals;
+using tarvo::test::connectSound;
+using tarvo::test::disconnectSound;
+using tarvo::test::messageSound;
 using tarvo::ui::SoundOutput;
 using tarvo::ui::SoundPlayer;
 
 namespace {
-
-const QUrl connectSound(u"qrc:/resources/sounds/connect.mp3"_qs);
-const QUrl messageSound(u"qrc:/resources/sounds/manager.mp3"_qs);
-const QUrl disconnectSound(u"qrc:/resources/sounds/disconnect.mp3"_qs);
 
 /// A sound system that may be kept from returning, and what it was asked to do. Its outputs go after their player, and
 /// keep it that long.

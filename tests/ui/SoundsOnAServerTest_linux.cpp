@@ -2,6 +2,7 @@
 #include "ui/SoundPlayer.h"
 
 #include "support/TestRegistry.h"
+#include "ui/Sounds.h"
 
 #include <QAudioDevice>
 #include <QAudioOutput>
@@ -17,13 +18,12 @@
 #include <memory>
 #include <utility>
 
+using tarvo::test::connectSound;
+using tarvo::test::messageSound;
 using tarvo::ui::MediaSoundOutput;
 using tarvo::ui::SoundPlayer;
 
 namespace {
-
-const QUrl connectSound(u"qrc:/resources/sounds/connect.mp3"_qs);
-const QUrl messageSound(u"qrc:/resources/sounds/manager.mp3"_qs);
 
 /// A sound server of this program's own, with one speaker that nobody hears.
 class SoundServer

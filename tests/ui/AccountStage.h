@@ -1,0 +1,30 @@
+#pragma once
+
+#include "AppConfig.h"
+#include "network/ApiService.h"
+#include "ui/AccountPeer.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace tarvo::test {
+
+/// A configuration in a folder of its own, and an account service at the other end.
+struct AccountStage
+{
+    QTemporaryDir folder;
+    AppConfig config{folder.path()};
+    AccountPeer peer;
+    network::ApiService api{config, peer.endpoints()};
+
+    /// As user 1001, whom the service knows from then on.
+    void signIn()
+    {
+        peer.acceptLogin();
+        bool done = false;
+        api.login(u"1001"_qs, u"practice"_qs, [&done](bool success, const QString &) { done = success; });
+        QTRY_VERIFY(done);
+    }
+};
+
+} // namespace tarvo::test
