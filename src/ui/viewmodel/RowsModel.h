@@ -49,7 +49,7 @@ public:
     QVariant data(const QModelIndex &index, int role) const override
     {
         const auto which = static_cast<std::size_t>(role - Qt::UserRole);
-        if (!index.isValid() || index.row() >= m_rows.size() || which >= m_roles.size())
+        if (!index.isValid() || which >= m_roles.size())
             return {};
         return m_roles[which].value(m_rows.at(index.row()));
     }

@@ -25,7 +25,7 @@ ShownMessages::ShownMessages(QObject *parent) : RowsModel(messageRoles, parent) 
 
 bool ShownMessages::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (!index.isValid() || index.row() >= rows().size() || role != expandedRole)
+    if (!index.isValid() || role != expandedRole)
         return false;
     ShownMessage row = rows().at(index.row());
     row.expanded = value.toBool();

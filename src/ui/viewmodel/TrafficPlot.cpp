@@ -35,7 +35,7 @@ double greatCircleNm(double fromLatitude, double fromLongitude, double toLatitud
     const double north = std::sin((to - from) / 2);
     const double east = std::sin(qDegreesToRadians(toLongitude - fromLongitude) / 2);
     const double square = north * north + std::cos(from) * std::cos(to) * east * east;
-    return 2 * earthRadiusNm * std::asin(std::sqrt(std::clamp(square, 0.0, 1.0)));
+    return 2 * earthRadiusNm * std::asin(std::sqrt(std::min(square, 1.0)));
 }
 
 double initialBearing(double fromLatitude, double fromLongitude, double toLatitude, double toLongitude)
@@ -48,14 +48,14 @@ double initialBearing(double fromLatitude, double fromLongitude, double toLatitu
     const double half = std::sin(turn / 2);
     const double north = std::sin(to - from) + 2 * std::sin(from) * std::cos(to) * half * half;
     const double degrees = qRadiansToDegrees(std::atan2(east, north));
-    const double positive = degrees < 0 ? degrees + 360 : degrees + 0.0; // no -0
-    return positive < 360 ? positive : 0;                                // a hair west of north rounds up
+    const double positive = degrees < 0 ? degrees + 360 : degrees;
+    return positive < 360 ? positive : 0; // a hair west of north rounds up
 }
 
 QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum)
 {
     QList<PlotContact> contacts;
-    if (!isPosition(own.latitude, own.longitude) || maximum <= 0)
+    if (!isPosition(own.latitude, own.longitude))
         return contacts;
     contacts.reserve(targets.size());
     for (const TrafficTarget &target : targets)

@@ -4,8 +4,6 @@
 #include "support/TestRegistry.h"
 
 #include <QDateTime>
-#include <QMetaMethod>
-#include <QMetaProperty>
 #include <QObject>
 #include <QSignalSpy>
 #include <QTest>
@@ -33,47 +31,6 @@ class DashboardViewModelTest : public QObject
     Q_OBJECT
 
 private slots:
-    void startsAsTabled_data()
-    {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("notify");
-        const auto row = [](const char *name, const QVariant &value, const char *notify) {
-            QTest::newRow(name) << QByteArray(name) << value << QByteArray(notify);
-        };
-        row("username", QStringLiteral("游客"), "userInfoChanged");
-        row("cid", QStringLiteral("--"), "userInfoChanged");
-        row("rating", QStringLiteral("--"), "userInfoChanged");
-        row("pilotTime", QStringLiteral("0小时 0分"), "userInfoChanged");
-        row("atcTime", QStringLiteral("0小时 0分"), "userInfoChanged");
-        row("avatarUrl", QString(), "userInfoChanged");
-        row("currentMode", QStringLiteral("NONE"), "currentModeChanged");
-        row("simulatorConnected", false, "simulatorStateChanged");
-        row("simulatorStatusText", QStringLiteral("未连接"), "simulatorStateChanged");
-        row("serverConnected", false, "serverStateChanged");
-        row("serverStatusText", QStringLiteral("未连接"), "serverStateChanged");
-        for (const char *number : {"latitude", "longitude", "altitude", "heading", "groundSpeed"})
-            row(number, 0.0, "flightDataChanged");
-        row("serverLog", QString(), "serverLogChanged");
-        row("recentFlights", QVariantList(), "recentFlightsChanged");
-        row("pilotLeaderboard", QVariantList(), "leaderboardChanged");
-        row("atcLeaderboard", QVariantList(), "leaderboardChanged");
-    }
-
-    void startsAsTabled()
-    {
-        QFETCH(QByteArray, name);
-        QFETCH(QVariant, value);
-        QFETCH(QByteArray, notify);
-        const DashboardViewModel model;
-        const QMetaObject *type = model.metaObject();
-        const QMetaProperty property = type->property(type->indexOfProperty(name.constData()));
-        QVERIFY(property.isValid());
-        QCOMPARE(property.read(&model), value);
-        QCOMPARE(property.notifySignal().name(), notify);
-        QVERIFY(!property.isWritable());
-    }
-
     void aLongUserNameIsCut()
     {
         DashboardViewModel model;
@@ -192,35 +149,6 @@ private slots:
         QCOMPARE(disconnects.count(), 1);
         QCOMPARE(reconnects.count(), 1);
         QCOMPARE(model.currentMode(), QStringLiteral("NONE"));
-    }
-
-    void pagesCanCall_data()
-    {
-        QTest::addColumn<QByteArray>("signature");
-        for (const char *signature :
-             {"requestModeChange(QString)", "requestServerConnect(QString,QString,QString,bool)",
-              "requestServerDisconnect()", "requestSimulatorReconnect()"})
-            QTest::newRow(signature) << QByteArray(signature);
-    }
-
-    void pagesCanCall()
-    {
-        QFETCH(QByteArray, signature);
-        QVERIFY(DashboardViewModel::staticMetaObject.indexOfMethod(signature.constData()) >= 0);
-    }
-
-    void signalsStandInOrder()
-    {
-        const QList<QByteArray> wanted{"userInfoChanged",      "currentModeChanged",      "simulatorStateChanged",
-                                       "serverStateChanged",   "flightDataChanged",       "serverLogChanged",
-                                       "recentFlightsChanged", "leaderboardChanged",      "modeChangedRequest",
-                                       "serverConnectRequest", "serverDisconnectRequest", "simulatorReconnectRequest"};
-        QList<QByteArray> found;
-        const QMetaObject &type = DashboardViewModel::staticMetaObject;
-        for (int i = type.methodOffset(); i < type.methodCount(); ++i)
-            if (type.method(i).methodType() == QMetaMethod::Signal)
-                found << type.method(i).name();
-        QCOMPARE(found, wanted);
     }
 };
 

@@ -19,12 +19,12 @@ namespace {
 
 constexpr double reach = LabelPlacer::symbolReach;
 const QRectF glass(-220, -160, 440, 320);
-const QSizeF name(48, 13);
-const QSizeF altitude(22, 13);
+const QSizeF nameSize(48, 13);
+const QSizeF altitudeSize(22, 13);
 
 PlotSymbol symbol(const char *callsign, QPointF at, double distance)
 {
-    return {QString::fromLatin1(callsign), at, distance, name, {}, false};
+    return {QString::fromLatin1(callsign), at, distance, nameSize, {}, false};
 }
 
 /// The same crowd for the same seed, thick in the middle, with the distance on the plot as the distance.
@@ -41,7 +41,7 @@ QList<PlotSymbol> crowd(int count, unsigned seed)
                               {away * std::sin(angle), away * std::cos(angle)},
                               away,
                               text,
-                              altitude,
+                              altitudeSize,
                               random() % 2 == 0};
     }
     return symbols;
@@ -154,7 +154,7 @@ private slots:
         QFETCH(QPointF, at);
         QFETCH(bool, shown);
         PlotSymbol one = symbol("CES1", at, 1);
-        one.altitude = altitude;
+        one.altitude = altitudeSize;
         one.below = below;
         const QList<PlotLabel> labels = LabelPlacer().place({one}, glass, {});
         QCOMPARE(labels.first().altitude, shown);
@@ -339,15 +339,15 @@ private slots:
         QTest::addColumn<double>("distance");
         QTest::addColumn<QSizeF>("text");
         QTest::addColumn<bool>("shown");
-        QTest::newRow("ordinary") << QPointF(9, 9) << 1.0 << name << true;
-        QTest::newRow("nowhere across") << QPointF(notANumber, 0) << 1.0 << name << false;
-        QTest::newRow("nowhere down") << QPointF(0, notANumber) << 1.0 << name << false;
-        QTest::newRow("infinitely right") << QPointF(infinite, 0) << 1.0 << name << false;
-        QTest::newRow("infinitely up") << QPointF(0, -infinite) << 1.0 << name << false;
-        QTest::newRow("very far") << QPointF(1e308, -1e308) << 1.0 << name << false;
-        QTest::newRow("distance not a number") << QPointF(9, 9) << notANumber << name << true;
-        QTest::newRow("distance infinite") << QPointF(9, 9) << infinite << name << true;
-        QTest::newRow("distance below zero") << QPointF(9, 9) << -3.0 << name << true;
+        QTest::newRow("ordinary") << QPointF(9, 9) << 1.0 << nameSize << true;
+        QTest::newRow("nowhere across") << QPointF(notANumber, 0) << 1.0 << nameSize << false;
+        QTest::newRow("nowhere down") << QPointF(0, notANumber) << 1.0 << nameSize << false;
+        QTest::newRow("infinitely right") << QPointF(infinite, 0) << 1.0 << nameSize << false;
+        QTest::newRow("infinitely up") << QPointF(0, -infinite) << 1.0 << nameSize << false;
+        QTest::newRow("very far") << QPointF(1e308, -1e308) << 1.0 << nameSize << false;
+        QTest::newRow("distance not a number") << QPointF(9, 9) << notANumber << nameSize << true;
+        QTest::newRow("distance infinite") << QPointF(9, 9) << infinite << nameSize << true;
+        QTest::newRow("distance below zero") << QPointF(9, 9) << -3.0 << nameSize << true;
         QTest::newRow("no text") << QPointF(9, 9) << 1.0 << QSizeF() << false;
         QTest::newRow("text of no width") << QPointF(9, 9) << 1.0 << QSizeF(0, 13) << false;
         QTest::newRow("text of less than none") << QPointF(9, 9) << 1.0 << QSizeF(-40, 13) << false;
@@ -399,7 +399,7 @@ private slots:
     {
         QList<PlotSymbol> symbols;
         for (int i = 0; i < 500; ++i)
-            symbols << PlotSymbol{QStringLiteral("CES"), {30, 30}, 1, name, altitude, i % 2 == 0};
+            symbols << PlotSymbol{QStringLiteral("CES"), {30, 30}, 1, nameSize, altitudeSize, i % 2 == 0};
         LabelPlacer placer;
         for (int round = 0; round < 3; ++round) {
             const QList<PlotLabel> labels = placer.place(symbols, glass, {});

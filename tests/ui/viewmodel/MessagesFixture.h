@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Rows.h"
 #include "model/RadioMessageReceived.h"
 #include "support/ManualClock.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -11,20 +12,6 @@
 namespace tarvo::test {
 
 using Event = std::function<void(ui::MessagesPageViewModel &)>;
-
-inline QString field(const QVariant &row, const char *key)
-{
-    return row.toMap().value(QLatin1String(key)).toString();
-}
-
-/// One key of every row, with a blank between two.
-inline QString column(const QVariantList &rows, const char *key)
-{
-    QStringList values;
-    for (const QVariant &row : rows)
-        values << field(row, key);
-    return values.join(u' ');
-}
 
 inline network::RadioMessageReceived heardText(const QString &message, bool direct = false,
                                                const QList<uint> &frequencies = {118025})

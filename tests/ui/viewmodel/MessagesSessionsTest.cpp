@@ -193,6 +193,8 @@ private slots:
         const QString callsigns = column(model.privateSessions(), "callsign");
         QVERIFY(callsigns.startsWith(u"FRIEND LIVELY P0 "_qs)); // the active one stays, however quiet
         QVERIFY(callsigns.endsWith(u" ONE_MORE"_qs));
+        model.addPrivateReceived(u"TWO_MORE"_qs, u"buy"_qs);
+        QVERIFY(column(model.privateSessions(), "callsign").startsWith(u"FRIEND LIVELY P1 "_qs));
         QCOMPARE(model.privateSessions().size(), PrivateSessions::maximumSessions);
         QCOMPARE(model.messagesForChannel(u"QUIET"_qs).size(), 1); // its message stays, as read
         QCOMPARE(model.unreadForChannel(u"QUIET"_qs), 0);
@@ -201,6 +203,21 @@ private slots:
         QCOMPARE(model.privateSessions().size(), PrivateSessions::maximumSessions);
         QCOMPARE(model.unreadCount(), PrivateSessions::maximumSessions - 1);
         QCOMPARE(model.activeChannel(), u"FRIEND"_qs);
+    }
+
+    void theActiveSessionStaysWhereverItStands()
+    {
+        MessagesFixture fixture;
+        const auto everybody = [&fixture] {
+            for (int i = 1; i < PrivateSessions::maximumSessions; ++i)
+                fixture.model.addPrivateReceived(u"P%1"_qs.arg(i), u"buy"_qs);
+        };
+        everybody();
+        fixture.model.openPrivateSession(u"FRIEND"_qs);
+        everybody();
+        fixture.model.addPrivateReceived(u"ONE_MORE"_qs, u"buy"_qs);
+        const QString callsigns = column(fixture.model.privateSessions(), "callsign");
+        QVERIFY2(callsigns.startsWith(u"P2 "_qs) && callsigns.endsWith(u" FRIEND ONE_MORE"_qs), qPrintable(callsigns));
     }
 
     void aWordBecomesASession()

@@ -1,20 +1,16 @@
+#include "Rows.h"
 #include "ServerPageFixture.h"
 #include "support/TestRegistry.h"
 
-#include <QMetaProperty>
 #include <QObject>
 #include <QSignalSpy>
 #include <QTest>
 
+using tarvo::test::field;
 using tarvo::test::ServerPageFixture;
 using tarvo::ui::ServerPageViewModel;
 
 namespace {
-
-QString field(const QVariant &row, const char *name)
-{
-    return row.toMap().value(QLatin1String(name)).toString();
-}
 
 constexpr char typeTable[] = "BOEING\t737-800\tB738\tL2J\tM\n"
                              "BOEING\t737-700\tB737\tL2J\tM\n"
@@ -29,67 +25,6 @@ class ServerPageViewModelTest : public QObject
     Q_OBJECT
 
 private slots:
-    void startsAsTabled_data()
-    {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("notify");
-        QTest::addColumn<bool>("writable");
-        const auto row = [](const char *name, const QVariant &value, const char *notify, bool writable = false) {
-            QTest::newRow(name) << QByteArray(name) << value << QByteArray(notify) << writable;
-        };
-        row("serverConnected", false, "serverStateChanged");
-        row("serverStatusText", QStringLiteral("未连接"), "serverStateChanged");
-        row("endpoint", QString(), "endpointChanged");
-        row("protocolLabel", QStringLiteral("经典协议"), "protocolChanged");
-        row("currentMode", QStringLiteral("NONE"), "formChanged");
-        row("platformLabel", QStringLiteral("未选择平台"), "formChanged");
-        row("connectActionLabel", QStringLiteral("连接网络"), "formChanged");
-        row("modeHintText", QStringLiteral("请先选择模拟平台。"), "formChanged");
-        for (const char *text : {"callsign", "typeCode", "selcal"})
-            row(text, QString(), "formChanged", true);
-        row("observerMode", false, "formChanged", true);
-        row("coordinatedVoice", false, "formChanged", true);
-        row("typeCodeRequired", true, "formChanged");
-        row("connectedAsObserver", false, "serverStateChanged");
-        row("canConnect", false, "formChanged");
-        row("formErrorText", QString(), "formChanged");
-        row("serverLog", QString(), "logChanged");
-        row("recentEvents", QVariantList(), "recentEventsChanged");
-        row("typeCodeSuggestions", QVariantList(), "typeCodeSuggestionsChanged");
-        row("realName", QString(), "profileChanged");
-        row("homeAirport", QString(), "profileChanged");
-    }
-
-    void startsAsTabled()
-    {
-        QFETCH(QByteArray, name);
-        QFETCH(QVariant, value);
-        QFETCH(QByteArray, notify);
-        QFETCH(bool, writable);
-        const ServerPageFixture fixture;
-        const QMetaObject &type = ServerPageViewModel::staticMetaObject;
-        const QMetaProperty property = type.property(type.indexOfProperty(name.constData()));
-        QVERIFY(property.isValid());
-        QCOMPARE(property.read(&fixture.model), value);
-        QCOMPARE(property.notifySignal().name(), notify);
-        QCOMPARE(property.isWritable(), writable);
-    }
-
-    void pagesCanCall_data()
-    {
-        QTest::addColumn<QByteArray>("signature");
-        for (const char *signature : {"requestConnect()", "requestDisconnect()", "clearServerLog()",
-                                      "refreshTypeCodeSuggestions(QString)", "applyTypeCodeSuggestion(QString)"})
-            QTest::newRow(signature) << QByteArray(signature);
-    }
-
-    void pagesCanCall()
-    {
-        QFETCH(QByteArray, signature);
-        QVERIFY(ServerPageViewModel::staticMetaObject.indexOfMethod(signature.constData()) >= 0);
-    }
-
     void serverStateTellsOnlyAChange()
     {
         ServerPageFixture fixture;

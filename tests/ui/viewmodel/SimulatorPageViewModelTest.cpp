@@ -3,8 +3,6 @@
 #include "SimulatorPageFixture.h"
 #include "support/TestRegistry.h"
 
-#include <QMetaMethod>
-#include <QMetaProperty>
 #include <QObject>
 #include <QSignalSpy>
 #include <QTest>
@@ -20,79 +18,6 @@ class SimulatorPageViewModelTest : public QObject
     Q_OBJECT
 
 private slots:
-    void startsAsTabled_data()
-    {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("notify");
-        const auto row = [](const char *name, const QVariant &value, const char *notify) {
-            QTest::newRow(name) << value << QByteArray(notify);
-        };
-        row("currentMode", QStringLiteral("NONE"), "stateChanged");
-        for (const char *text : {"simulatorFamily", "simulatorDisplayName"})
-            row(text, QStringLiteral("未选择"), "stateChanged");
-        for (const char *flag : {"msfsMode", "xplaneMode", "simulatorConnected"})
-            row(flag, false, "stateChanged");
-        row("simulatorStatusText", QStringLiteral("未连接"), "stateChanged");
-        for (const char *text : {"pluginStatusText", "cslStatusText", "trafficMappingStatusText"})
-            row(text, QStringLiteral("未知"), "stateChanged");
-        row("xplaneVersionText", QStringLiteral("未获取"), "stateChanged");
-        for (const char *flag :
-             {"simPaused", "onGround", "gearDown", "avionicsPowerOn", "com1ReceiveEnabled", "com2ReceiveEnabled",
-              "com1TransmitEnabled", "com2TransmitEnabled", "squawkingModeC", "squawkingIdent", "beaconOn",
-              "landingLightsOn", "taxiLightsOn", "navLightsOn", "strobesOn", "speedbrakeArmed"})
-            row(flag, false, "dataChanged");
-        for (const char *number :
-             {"latitude", "longitude", "altitudeMslM", "altitudeAglM", "altitudePressure", "heading", "groundSpeed",
-              "pitch", "bank", "latitudeVelocity", "longitudeVelocity", "altitudeVelocity", "pitchVelocity",
-              "headingVelocity", "bankVelocity", "noseWheelAngle", "flapsRatio", "speedbrakeRatio"})
-            row(number, 0.0, "dataChanged");
-        for (const char *number : {"com1Volume", "com2Volume", "engineCount"})
-            row(number, 0, "dataChanged");
-        for (const char *text : {"com1Frequency", "com2Frequency"})
-            row(text, QStringLiteral("0.000"), "dataChanged");
-        row("transponderCode", QStringLiteral("0000"), "dataChanged");
-        for (const char *text : {"flapsLabel", "speedbrakeLabel"})
-            row(text, QStringLiteral("0%"), "dataChanged");
-        for (const char *text : {"activeTransmitLabel", "activeReceiveLabel"})
-            row(text, QStringLiteral("无"), "dataChanged");
-        row("motionSummary", QStringLiteral("暂无运动数据"), "dataChanged");
-        row("engineSummary", QStringLiteral("未检测到发动机"), "dataChanged");
-        row("engineStates", QVariantList(), "dataChanged");
-        row("trafficContacts", QVariantList(), "trafficChanged");
-        row("plotRange", 20, "trafficChanged");
-        row("plotSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
-        row("trafficSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
-    }
-
-    void startsAsTabled()
-    {
-        QFETCH(QVariant, value);
-        QFETCH(QByteArray, notify);
-        const SimulatorPageViewModel model;
-        const QMetaObject *type = model.metaObject();
-        const QMetaProperty property = type->property(type->indexOfProperty(QTest::currentDataTag()));
-        QVERIFY(property.isValid());
-        QCOMPARE(property.read(&model), value);
-        QCOMPARE(property.notifySignal().name(), notify);
-        QVERIFY(!property.isWritable());
-    }
-
-    void theSignalsStandInOrder()
-    {
-        QStringList signalNames;
-        const QMetaObject &type = SimulatorPageViewModel::staticMetaObject;
-        for (int i = type.methodOffset(); i < type.methodCount(); ++i)
-            if (type.method(i).methodType() == QMetaMethod::Signal)
-                signalNames << QString::fromLatin1(type.method(i).methodSignature());
-        QCOMPARE(signalNames, (QStringList{QStringLiteral("stateChanged()"), QStringLiteral("dataChanged()"),
-                                           QStringLiteral("trafficChanged()"), QStringLiteral("reconnectRequested()"),
-                                           QStringLiteral("setCom1FrequencyRequested(QString)"),
-                                           QStringLiteral("setCom2FrequencyRequested(QString)"),
-                                           QStringLiteral("setTransponderCodeRequested(QString)"),
-                                           QStringLiteral("transponderIdentRequested()"),
-                                           QStringLiteral("transponderModeToggleRequested()")}));
-    }
-
     void requestsAreSignals()
     {
         SimulatorPageViewModel model;

@@ -82,6 +82,12 @@ private slots:
         QVERIFY2(std::abs(metres - 1.112) < 0.001, qPrintable(QString::number(metres)));
     }
 
+    void theOtherEndOfTheWorldHasADistance()
+    {
+        const double distance = greatCircleNm(-81.3, -53.4, 81.3, 126.6); // rounds to a sine above 1
+        QVERIFY2(std::abs(distance - 180 * degreeNm) < 0.01, qPrintable(QString::number(distance)));
+    }
+
     void aHairWestOfNorthIsNorth()
     {
         const double course = initialBearing(0, 0, 10, -1e-300);
