@@ -119,7 +119,7 @@ public:
             answered = true;
             accepted = success;
         });
-        if (!QTest::qWaitFor([&] { return answered; }, patienceMs) || !accepted)
+        if (!waitFor([&] { return answered; }) || !accepted)
             return false;
         config.set(config::sessionUsername, QStringLiteral("1001"));
         config.set(config::sessionPassword, password);

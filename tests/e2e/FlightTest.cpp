@@ -38,8 +38,7 @@ struct Flight
         moment = std::max(0.0, network.practice.xplane().flight().startOf(phase) + 1);
         online = network.started && client.signIn() && listen() && client.activateXPlane([this] { rock(); }) &&
                  client.connectPilot() &&
-                 QTest::qWaitFor([this] { return network.heard.contains(test::identification()); }, patienceMs) &&
-                 rest();
+                 test::waitFor([this] { return network.heard.contains(test::identification()); }) && rest();
     }
 
     AircraftState truth() { return network.practice.xplane().flight().at(moment); }
@@ -69,7 +68,7 @@ struct Flight
         client.fire(timer);
         network.practice.fsd().ping(QStringLiteral("AB1"));
         const auto answered = [this] { return !network.linesOf(QStringLiteral("$PO")).isEmpty(); };
-        if (!QTest::qWaitFor(answered, patienceMs))
+        if (!test::waitFor(answered))
             return {};
         network.heard.removeIf([](const QString &line) { return line.startsWith(QStringLiteral("$PO")); });
         return network.heard;

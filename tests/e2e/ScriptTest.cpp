@@ -32,7 +32,7 @@ struct ScriptRun
         client.controllers = std::make_shared<manager::ControllerManager>(client.manager, clock);
         listen();
         return client.activateXPlane() && client.connectPilot() &&
-               QTest::qWaitFor([this] { return !client.events.isEmpty(); }, patienceMs);
+               test::waitFor([this] { return !client.events.isEmpty(); });
     }
 
     /// Plays it until it is over. What went wrong, or nothing.

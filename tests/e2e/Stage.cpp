@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDeadlineTimer>
 
 #include <algorithm>
 
@@ -61,21 +60,6 @@ QString words(const network::RadioMessageReceived &value)
     if (value.dualReceive)
         all << QStringLiteral("dual");
     return all.join(u' ');
-}
-
-/// Goes on the moment that it comes true, unlike QTest::qWaitFor(), which looks every ten milliseconds.
-bool waitFor(const std::function<bool()> &comesTrue)
-{
-    const QDeadlineTimer deadline(patienceMs);
-    QTimer alarm;
-    alarm.start(100);
-    while (!comesTrue()) {
-        if (deadline.hasExpired())
-            return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    return true;
 }
 
 } // namespace
@@ -333,7 +317,7 @@ bool Stage::turn(const QString &dataref, float value, const std::function<bool()
         xplane().tick();
         return known();
     };
-    return xplane().setValue(dataref, value) && QTest::qWaitFor(ticks, patienceMs);
+    return xplane().setValue(dataref, value) && waitFor(ticks);
 }
 
 bool Stage::turnRadio(const QString &dataref, float value,

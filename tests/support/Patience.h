@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <functional>
+
 namespace tarvo::test {
 
 /// How long a test waits for what goes over sockets or takes another program's doing, in ms. Far more than that takes,
@@ -37,6 +39,17 @@ private:
     QElapsedTimer m_time;
     QTimer m_tick;
 };
+
+/// True as soon as `comesTrue` does; false when that lasts too long.
+inline bool waitFor(const std::function<bool()> &comesTrue)
+{
+    Patience patience;
+    while (!comesTrue()) {
+        if (!patience.goesOn())
+            return false;
+    }
+    return true;
+}
 
 } // namespace tarvo::test
 

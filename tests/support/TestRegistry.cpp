@@ -2,6 +2,7 @@
 
 #include <QDebug>
 #include <QObject>
+#include <QStorageInfo>
 #include <QStringList>
 #include <QTest>
 
@@ -27,6 +28,15 @@ QStringList takeClassNames(QStringList &arguments)
     arguments.erase(std::remove_if(arguments.begin() + 1, arguments.end(), isClassName), arguments.end());
     return names;
 }
+
+/// The settings are brought to the disk with every change, which is what a test would wait for most of its time.
+void keepTemporaryFilesInMemory()
+{
+    constexpr qint64 roomEnough = 1'000'000'000; // bytes
+    const QStorageInfo memory(QStringLiteral("/dev/shm"));
+    if (!qEnvironmentVariableIsSet("TMPDIR") && memory.isValid() && memory.bytesAvailable() > roomEnough)
+        qputenv("TMPDIR", memory.rootPath().toLocal8Bit());
+}
 } // namespace
 
 bool registerTest(TestFactory factory)
@@ -37,6 +47,7 @@ bool registerTest(TestFactory factory)
 
 int runAllTests(int argc, char **argv)
 {
+    keepTemporaryFilesInMemory();
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
