@@ -5,9 +5,6 @@
 #include "fsd/pdu/AddATC.h"
 #include "fsd/pdu/AddPilot.h"
 #include "fsd/pdu/ClientQueryResponse.h"
-#include "fsd/pdu/DeleteATC.h"
-#include "fsd/pdu/DeletePilot.h"
-#include "fsd/pdu/KillRequest.h"
 #include "fsd/pdu/Mute.h"
 #include "fsd/pdu/ProtocolError.h"
 #include "fsd/pdu/SendFast.h"
@@ -20,6 +17,7 @@
 #include "manager/PositionReporter.h"
 #include "manager/RemoteTraffic.h"
 #include "manager/SessionContext.h"
+#include "manager/SessionLifecycle.h"
 #include "manager/SessionLog.h"
 #include "manager/StationReports.h"
 #include "manager/TextTraffic.h"
@@ -27,6 +25,8 @@
 
 #include <QDir>
 #include <QTimer>
+
+#include <utility>
 
 namespace tarvo::manager {
 
@@ -56,6 +56,7 @@ NetworkManager::NetworkManager(AppConfig &config, network::ApiService &api, netw
       m_log(std::make_unique<SessionLog>(networkLogFolder(config), clock))
 {
     makeParts();
+    connectLife();
     connectLine();
     connectMessages();
     connectOwnAircraft();
@@ -71,6 +72,7 @@ NetworkManager::~NetworkManager()
 
 void NetworkManager::makeParts()
 {
+    m_life = std::make_unique<SessionLifecycle>(*m_session, this);
     m_own = std::make_unique<OwnAircraft>(*m_session, this);
     m_reporter = std::make_unique<PositionReporter>([this] { return m_own->position(); }, this);
     m_login = std::make_unique<Login>(*m_session, *m_reporter, this);
@@ -85,26 +87,42 @@ void NetworkManager::makeParts()
 void NetworkManager::connectLine()
 {
     const FsdClient *fsd = &m_session->fsd;
-    connect(fsd, &FsdClient::raiseNetworkConnected, this, &NetworkManager::onNetworkConnected);
-    connect(fsd, &FsdClient::raiseNetworkDisconnected, this, &NetworkManager::onNetworkDisconnected);
+    connect(fsd, &FsdClient::raiseNetworkConnected, m_life.get(), &SessionLifecycle::onNetworkConnected);
+    connect(fsd, &FsdClient::raiseNetworkDisconnected, m_life.get(), &SessionLifecycle::onNetworkDisconnected);
     connect(fsd, &FsdClient::raiseNetworkError, this, &NetworkManager::onNetworkError);
     connect(fsd, &FsdClient::raiseProtocolErrorReceived, this, &NetworkManager::onProtocolError);
-    connect(fsd, &FsdClient::raiseKillRequestReceived, this, &NetworkManager::onKillRequest);
+    connect(fsd, &FsdClient::raiseKillRequestReceived, m_life.get(), &SessionLifecycle::onKillRequest);
     connect(fsd, &FsdClient::raiseRawDataSent, this,
             [this](const QString &line) { m_log->writeSent(line, m_login->secret()); });
     connect(fsd, &FsdClient::raiseRawDataReceived, this,
             [this](const QString &line) { m_log->writeReceived(line, m_login->secret()); });
     connect(m_reporter.get(), &PositionReporter::lineReady, &m_session->fsd, &FsdClient::sendRaw);
-    connect(m_login.get(), &Login::tokenRefused, this, &NetworkManager::onTokenRefused);
+}
+
+void NetworkManager::connectLife()
+{
+    const SessionLifecycle *life = m_life.get();
+    connect(life, &SessionLifecycle::began, m_own.get(), &OwnAircraft::onSessionBegan);
+    connect(life, &SessionLifecycle::began, this, [this] { m_log->startFlushing(); });
+    connect(life, &SessionLifecycle::lineUp, m_login.get(), &Login::onNetworkConnected);
+    connect(life, &SessionLifecycle::ended, m_reporter.get(), &PositionReporter::stop);
+    connect(life, &SessionLifecycle::ended, this, [this] { m_log->stopFlushing(); });
+    connect(life, &SessionLifecycle::networkConnected, this, &NetworkManager::networkConnected);
+    connect(life, &SessionLifecycle::networkDisconnected, this, &NetworkManager::networkDisconnected);
+    // Behind all listeners of this object.
+    connect(life, &SessionLifecycle::networkDisconnected, m_traffic.get(), &RemoteTraffic::forget);
+    connect(life, &SessionLifecycle::notificationPosted, this, &NetworkManager::notificationPosted);
+    connect(m_login.get(), &Login::tokenRefused, m_life.get(), &SessionLifecycle::onTokenRefused);
 }
 
 void NetworkManager::connectMessages()
 {
     const FsdClient *fsd = &m_session->fsd;
     connect(fsd, &FsdClient::raiseServerIdentificationReceived, m_login.get(), &Login::onServerIdentification);
-    connect(fsd, &FsdClient::raiseAddATCReceived, this, [this](const AddATC &pdu) { completeLoginIfOwn(pdu.From); });
-    connect(fsd, &FsdClient::raiseAddPilotReceived, this,
-            [this](const AddPilot &pdu) { completeLoginIfOwn(pdu.From); });
+    connect(fsd, &FsdClient::raiseAddATCReceived, m_life.get(),
+            [this](const AddATC &pdu) { m_life->onAnnounced(pdu.From); });
+    connect(fsd, &FsdClient::raiseAddPilotReceived, m_life.get(),
+            [this](const AddPilot &pdu) { m_life->onAnnounced(pdu.From); });
     connect(fsd, &FsdClient::raiseClientQueryReceived, m_queries.get(), &PeerQueries::onClientQuery);
     connect(fsd, &FsdClient::raiseClientQueryResponseReceived, this, &NetworkManager::onClientQueryResponse);
     connect(fsd, &FsdClient::raisePilotPositionReceived, m_traffic.get(), &RemoteTraffic::onPilotPosition);
@@ -166,16 +184,16 @@ void NetworkManager::connectTraffic()
     connect(queries, &PeerQueries::capabilitiesRequestReceived, this, &NetworkManager::capabilitiesRequestReceived);
 }
 
-// --- the life of one connection: from the pilot's request to the last line ---
+// --- the connection ---
 
 bool NetworkManager::isBusy() const
 {
-    return m_phase != Phase::Idle || m_session->fsd.isConnected();
+    return m_life->isBusy();
 }
 
 bool NetworkManager::isResolving() const
 {
-    return m_resolving > 0 || m_session->fsd.isResolving();
+    return m_life->isResolving();
 }
 
 bool NetworkManager::connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal,
@@ -184,45 +202,13 @@ bool NetworkManager::connectToNetwork(const QString &callsign, const QString &ty
     const ConnectRequest request{common::normalisedCallsign(callsign), typeCode, observer};
     const ConnectConditions conditions{isBusy(), m_session->simulator && m_own->isReadyForPilot()};
     if (const QString refusal = refusalOf(request, conditions); !refusal.isEmpty()) {
-        notify(refusal, MessageType::Error);
+        emit notificationPosted(refusal, MessageType::Error);
         return false;
     }
-    beginSession({request.callsign, normalizedType(typeCode), selcal, observer});
-    const SessionMark mark = m_session->mark();
-    notify(tr("Connecting to network..."), MessageType::Info);
-    if (!mark.holds())
-        return false; // whoever heard the notification has already called it off
-
-    ++m_resolving;
-    const bool started = m_session->fsd.connectToServer(m_fsdHost, m_fsdPort);
-    --m_resolving;
-    // While a name was looked up anything may have happened, another connection included.
-    if (!started && mark.holds())
-        endSession();
-    // An address that can't be reached fails inside the call: the session is then over, as everybody has been told.
-    return started && mark.holds();
-}
-
-void NetworkManager::beginSession(const model::ConnectInfo &info)
-{
-    m_session->sessions.next();
-    m_session->info = info;
-    m_loginAnnounced = false;
-    m_forced = false;
-    m_forcedReason.clear();
-    m_phase = Phase::Connecting;
-    m_log->startFlushing();
-}
-
-void NetworkManager::endSession()
-{
-    m_session->sessions.next();
-    m_phase = Phase::Idle;
-    m_loginAnnounced = false;
-    m_forced = false;
-    m_forcedReason.clear();
-    m_own->forgetLastPosition();
-    m_log->stopFlushing();
+    const bool underWay =
+        m_life->begin({request.callsign, normalizedType(typeCode), selcal, observer}, m_fsdHost, m_fsdPort);
+    letReplacedGo();
+    return underWay;
 }
 
 QString NetworkManager::normalizedType(const QString &typeCode) const
@@ -235,125 +221,14 @@ QString NetworkManager::normalizedType(const QString &typeCode) const
     return known.isEmpty() ? typed : known;
 }
 
-void NetworkManager::onNetworkConnected()
-{
-    const SessionMark mark = m_session->mark();
-    notify(tr("Connected to network."), MessageType::Info);
-    if (mark.holds())
-        m_login->onNetworkConnected();
-}
-
-void NetworkManager::onTokenRefused(const QString &error)
-{
-    const SessionMark mark = m_session->mark();
-    m_forced = true;
-    m_forcedReason = error;
-    notify(tr("Network authentication error: %1").arg(error), MessageType::Error);
-    if (mark.holds())
-        m_session->fsd.disconnectFromServer();
-}
-
-void NetworkManager::completeLoginIfOwn(const QString &callsign)
-{
-    if (common::normalisedCallsign(callsign) == m_session->info.callsign)
-        completeLogin();
-}
-
-void NetworkManager::completeLogin()
-{
-    if (m_loginAnnounced)
-        return;
-    m_loginAnnounced = true;
-    m_phase = Phase::Connected;
-    const model::ConnectInfo info = m_session->info;
-    const SessionMark mark = m_session->mark();
-    // A pilot reads the same words twice, once for the line and once for the login.
-    notify(info.observer ? tr("Connected to network in observer mode.") : tr("Connected to network."),
-           MessageType::Info);
-    if (!mark.holds())
-        return;
-    emit networkConnected(info.callsign);
-    if (!mark.holds())
-        return;
-    if (const std::shared_ptr<Simulator> simulator = m_session->simulator)
-        simulator->networkConnected(info.callsign, info.selcal, info.observer);
-}
-
 void NetworkManager::disconnectFromNetwork()
 {
-    if (!isBusy())
-        return;
-    m_phase = Phase::Disconnecting;
-    deleteAndDisconnect();
-}
-
-void NetworkManager::onForceDisconnect(const QString &reason)
-{
-    if (!isBusy())
-        return;
-    m_forced = true;
-    m_forcedReason = reason;
-    deleteAndDisconnect();
-}
-
-void NetworkManager::deleteAndDisconnect()
-{
-    const SessionMark mark = m_session->mark();
-    sendDeletePdu();
-    // When the server has gone already, the farewell itself ends the session.
-    if (mark.holds())
-        m_session->fsd.disconnectFromServer();
-}
-
-void NetworkManager::sendDeletePdu()
-{
-    if (m_session->info.observer)
-        m_session->send(DeleteATC(m_session->info.callsign, m_session->username()));
-    else
-        m_session->send(DeletePilot(m_session->info.callsign, m_session->username()));
-}
-
-void NetworkManager::onNetworkDisconnected()
-{
-    m_reporter->stop();
-    const bool forced = m_forced;
-    const QString reason = m_forcedReason;
-    // The session is over before anybody hears of it, so that a listener may start the next one at once.
-    endSession();
-
-    if (!forced)
-        notify(tr("Disconnected from network."), MessageType::Info);
-    else if (reason.isEmpty())
-        notify(tr("Forcibly disconnected from network."), MessageType::Error);
-    else
-        notify(tr("Forcibly disconnected from network: ") + reason, MessageType::Error);
-    tellSimulatorOfTheEnd();
-    emit networkDisconnected(forced);
-    m_traffic->forget();
-}
-
-/// Each to the simulator of the moment: one that comes in by then has been given the aircraft.
-void NetworkManager::tellSimulatorOfTheEnd()
-{
-    if (const std::shared_ptr<Simulator> simulator = m_session->simulator)
-        simulator->networkDisconnected();
-    clearSimulator();
+    m_life->leave();
 }
 
 void NetworkManager::onNetworkError(const QString &error)
 {
-    const SessionMark mark = m_session->mark();
-    notify(withoutSecretInPacket(error, m_login->secret()), MessageType::Error);
-    if (!mark.holds() || m_session->fsd.isConnected())
-        return;
-    endSession();
-    emit networkDisconnected(false);
-    m_traffic->forget(); // or the next session would take those who are gone for present
-}
-
-void NetworkManager::notify(const QString &message, MessageType type)
-{
-    emit notificationPosted(message, type);
+    m_life->onNetworkError(withoutSecretInPacket(error, m_login->secret()));
 }
 
 // --- what the server says that no part handles alone ---
@@ -375,7 +250,7 @@ void NetworkManager::onClientQueryResponse(const ClientQueryResponse &pdu)
         break;
     case ClientQueryType::PublicAddress:
         m_queries->setPublicAddress(pdu.payload.value(0));
-        completeLogin();
+        m_life->completeLogin();
         break;
     case ClientQueryType::FlightPlan:
         m_traffic->onFlightPlanAnswer(pdu);
@@ -383,12 +258,6 @@ void NetworkManager::onClientQueryResponse(const ClientQueryResponse &pdu)
     default:
         break;
     }
-}
-
-void NetworkManager::onKillRequest(const KillRequest &pdu)
-{
-    m_forced = true; // the server closes next
-    m_forcedReason = pdu.reason;
 }
 
 void NetworkManager::onSendFast(const SendFast &pdu)
@@ -401,7 +270,7 @@ void NetworkManager::onProtocolError(const ProtocolError &pdu)
 {
     if (pdu.errorType != noFlightPlan) {
         const QString message = errorWithoutSecret(pdu.parameter, pdu.message, m_login->secret());
-        notify(tr("Network Error: %1").arg(message), MessageType::Error);
+        emit notificationPosted(tr("Network Error: %1").arg(message), MessageType::Error);
     } else if (const QString callsign = common::normalisedCallsign(pdu.parameter); !callsign.isEmpty()) {
         m_traffic->onNoFlightPlan(callsign);
     }
@@ -418,36 +287,44 @@ void NetworkManager::setSimulator(std::shared_ptr<Simulator> simulator)
 {
     if (!simulator)
         return;
-    const std::shared_ptr<Simulator> previous = m_session->simulator;
     releaseSimulator();
-    m_session->simulator = std::move(simulator);
+    m_replaced.append(std::exchange(m_session->simulator, std::move(simulator)));
+    letReplacedGo();
     const std::weak_ptr<Simulator> installed = m_session->simulator;
     connectSimulator();
     m_own->startOver();
     m_traffic->giveToSimulator();
     emit simulatorChanged();
 
-    // The earlier one goes with the shot: it may be about to return from the signal in which it was replaced.
-    QTimer::singleShot(0, this, [this, previous, installed] {
+    QTimer::singleShot(0, this, [this, installed] {
         const std::shared_ptr<Simulator> current = installed.lock();
         if (current && current == m_session->simulator)
             current->reconnectSimulator();
     });
 }
 
-void NetworkManager::releaseSimulator()
+/// Replaced simulators may be about to return from a signal in which they were replaced. A later turn of the event loop
+/// is no proof that they have: a name may be looked up in a loop on top of that signal. Qt deletes later what belongs
+/// to the loop of now, and while a look-up's own loop runs nothing is let go.
+void NetworkManager::letReplacedGo()
 {
-    clearSimulator();
-    m_own->stopListening();
-    m_simulatorConnections.clear();
+    if (isResolving())
+        return;
+    struct Keeper : QObject
+    {
+        using QObject::QObject;
+        QList<std::shared_ptr<Simulator>> kept;
+    };
+    auto *keeper = new Keeper(this);
+    keeper->kept.swap(m_replaced);
+    keeper->deleteLater();
 }
 
-void NetworkManager::clearSimulator()
+void NetworkManager::releaseSimulator()
 {
-    if (const std::shared_ptr<Simulator> simulator = m_session->simulator)
-        simulator->removeAllAircraft();
-    if (const std::shared_ptr<Simulator> simulator = m_session->simulator)
-        simulator->clearControllers();
+    m_session->clearSimulator();
+    m_own->stopListening();
+    m_simulatorConnections.clear();
 }
 
 void NetworkManager::connectSimulator()
@@ -457,7 +334,7 @@ void NetworkManager::connectSimulator()
         connect(simulator, &Simulator::requestStationInfo, this, &NetworkManager::requestControllerAtis),
         connect(simulator, &Simulator::radioMessageSent, this, &NetworkManager::sendRadioMessage),
         connect(simulator, &Simulator::privateMessageSent, this, &NetworkManager::sendPrivateMessage),
-        connect(simulator, &Simulator::forceDisconnect, this, &NetworkManager::onForceDisconnect),
+        connect(simulator, &Simulator::forceDisconnect, m_life.get(), &SessionLifecycle::forceOut),
         connect(simulator, &Simulator::restarted, this, &NetworkManager::onSimulatorRestarted),
         connect(simulator, &Simulator::simConnectionFailed, this, &NetworkManager::simulatorConnectionFailed),
         connect(simulator, &Simulator::pluginVersionChecked, this, &NetworkManager::simulatorPluginStatusUpdated),
@@ -472,7 +349,7 @@ void NetworkManager::connectSimulator()
 
 void NetworkManager::onSimulatorRestarted()
 {
-    clearSimulator();
+    m_session->clearSimulator();
     m_traffic->giveToSimulator();
 }
 

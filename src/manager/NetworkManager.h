@@ -24,7 +24,6 @@ class AppConfig;
 }
 namespace tarvo::fsd::pdu {
 struct ClientQueryResponse;
-struct KillRequest;
 struct ProtocolError;
 struct SendFast;
 } // namespace tarvo::fsd::pdu
@@ -43,14 +42,15 @@ class OwnAircraft;
 class PeerQueries;
 class PositionReporter;
 class RemoteTraffic;
+class SessionLifecycle;
 class SessionLog;
 class StationReports;
 class TextTraffic;
 struct SessionContext;
 
-/// Owns one FSD session: validates the connect request, begins and ends the connection, writes the network log, and
-/// turns every event of the session into a signal and a call on the current Simulator. Its parts do the rest: Login,
-/// OwnAircraft, RemoteTraffic, TextTraffic, StationReports, PeerQueries. Main thread only.
+/// Owns one FSD session: validates the connect request, writes the network log, and turns every event of the session
+/// into a signal and a call on the current Simulator. Its parts do the rest: SessionLifecycle, Login, OwnAircraft,
+/// RemoteTraffic, TextTraffic, StationReports, PeerQueries. Main thread only.
 class NetworkManager : public QObject
 {
     Q_OBJECT
@@ -106,7 +106,8 @@ public:
     QList<model::RemoteAircraft> remoteAircraft() const;
 
 public slots:
-    /// Starts a connection. Returns true while it is under way; why it isn't has been posted as a notification.
+    /// Starts a connection. Returns true while it is under way; why it isn't has been posted as a notification. Refused
+    /// until everybody has heard of the last one's end, networkDisconnected() included.
     bool connectToNetwork(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
     /// The user's wish to leave.
     void disconnectFromNetwork();
@@ -194,40 +195,19 @@ signals:
     void simulatorTrafficSnapshotUpdated(const QVariantList &contacts);
 
 private:
-    enum class Phase
-    {
-        Idle,
-        Connecting,
-        Connected,
-        Disconnecting
-    };
-
     void makeParts();
+    void connectLife();
     void connectLine();
     void connectMessages();
     void connectOwnAircraft();
     void connectTexts();
     void connectTraffic();
 
-    // The connection
-    void beginSession(const model::ConnectInfo &info);
-    void endSession();
     QString normalizedType(const QString &typeCode) const;
-    void onNetworkConnected();
-    void onTokenRefused(const QString &error);
-    void completeLogin();
-    void completeLoginIfOwn(const QString &callsign);
-    void deleteAndDisconnect();
-    void sendDeletePdu();
-    void onForceDisconnect(const QString &reason);
-    void onNetworkDisconnected();
     void onNetworkError(const QString &error);
-    void tellSimulatorOfTheEnd();
-    void notify(const QString &message, common::MessageType type);
 
     // What the server says that no part handles alone
     void onClientQueryResponse(const fsd::pdu::ClientQueryResponse &pdu);
-    void onKillRequest(const fsd::pdu::KillRequest &pdu);
     void onSendFast(const fsd::pdu::SendFast &pdu);
     void onProtocolError(const fsd::pdu::ProtocolError &pdu);
 
@@ -235,14 +215,16 @@ private:
     void releaseSimulator();
     void connectSimulator();
     void onSimulatorRestarted();
-    void clearSimulator();
+    void letReplacedGo();
 
     network::SwiftAircraftIcaoService &m_icao;
     const QString m_fsdHost;
     const quint16 m_fsdPort;
 
     const std::unique_ptr<SessionContext> m_session;
+    QList<std::shared_ptr<simulator::Simulator>> m_replaced; ///< which may still be on the stack
     ConnectionList m_simulatorConnections;
+    std::unique_ptr<SessionLifecycle> m_life;
     std::unique_ptr<OwnAircraft> m_own;
     std::unique_ptr<PositionReporter> m_reporter;
     std::unique_ptr<Login> m_login;
@@ -251,12 +233,6 @@ private:
     std::unique_ptr<StationReports> m_stations;
     std::unique_ptr<PeerQueries> m_queries;
     std::unique_ptr<SessionLog> m_log;
-
-    Phase m_phase = Phase::Idle;
-    bool m_forced = false; ///< the disconnect that is coming is not the user's wish
-    QString m_forcedReason;
-    bool m_loginAnnounced = false;
-    int m_resolving = 0; ///< connectToNetwork() calls on the stack
 };
 
 } // namespace tarvo::manager

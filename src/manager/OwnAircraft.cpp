@@ -11,7 +11,8 @@ using simulator::Simulator;
 
 namespace {
 constexpr int watchIntervalMs = 500;
-}
+constexpr qint64 wholeAfterMs = 1500; ///< so long after the first live sample every value has been told
+} // namespace
 
 OwnAircraft::OwnAircraft(SessionContext &session, QObject *parent)
     : QObject(parent), m_session(session), m_watchdog(this)
@@ -110,6 +111,7 @@ void OwnAircraft::onWatchdog()
 
 void OwnAircraft::announceState()
 {
+    rememberPosition();
     emit stateChanged(m_watch.isValid());
     announceData();
 }
@@ -125,10 +127,18 @@ void OwnAircraft::announceData()
 
 OwnPosition OwnAircraft::position()
 {
-    OwnPosition position = !isAlive() && m_lastLive ? *m_lastLive : currentPosition();
+    rememberPosition();
+    OwnPosition position = m_isLost && m_lastLive ? *m_lastLive : currentPosition();
     position.callsign = m_session.info.callsign;
     position.observer = m_session.info.observer;
     return position;
+}
+
+void OwnAircraft::onSessionBegan()
+{
+    m_lastLive.reset();
+    m_isLost = false;
+    rememberPosition();
 }
 
 OwnPosition OwnAircraft::currentPosition()
@@ -149,8 +159,19 @@ OwnPosition OwnAircraft::currentPosition()
 
 void OwnAircraft::rememberPosition()
 {
-    if (!isAlive())
+    if (!isAlive()) {
+        m_isLost = true;
+        m_backSinceMs.reset();
         return;
+    }
+    if (m_isLost) {
+        const qint64 now = m_session.clock.wallMs();
+        if (!m_backSinceMs)
+            m_backSinceMs = now;
+        if (now - *m_backSinceMs < wholeAfterMs)
+            return;
+        m_isLost = false;
+    }
     m_lastLive = currentPosition();
     m_lastLive->paused = true; // it is reported of an aircraft that is held where it is
 }

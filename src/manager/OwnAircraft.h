@@ -36,10 +36,11 @@ public:
     const QList<uint> &transmitFrequencies() const { return m_transmitFrequencies; }
 
     /// What a report says now. Of a simulator that is lost that is what it told last, as if it were paused: nobody is
-    /// sent to the origin of the world because data dry up.
+    /// sent to the origin of the world because data dry up. Nor is half a record reported when it comes back, whose
+    /// values come one by one, some of them once a second.
     OwnPosition position();
-    /// The session is over, and with it the place that a lost simulator is held at.
-    void forgetLastPosition() { m_lastLive.reset(); }
+    /// A session begins; what was before says nothing about its aircraft.
+    void onSessionBegan();
 
 signals:
     /// `connected`: the simulator says so, or delivers live data.
@@ -56,7 +57,7 @@ private:
     void onWatchdog();
     void announceState();
     void announceData();
-    bool isAlive() const { return m_watch.isValid() && isLive(m_data.aircraft); }
+    bool isAlive() const { return m_watch.isReadyForPilot() && isLive(m_data.aircraft); }
     OwnPosition currentPosition();
     void rememberPosition();
 
@@ -69,6 +70,8 @@ private:
     double m_trueAltitudeFeet = 0;     ///< the last plausible one, as below
     double m_pressureAltitudeFeet = 0;
     std::optional<OwnPosition> m_lastLive; ///< of this session
+    bool m_isLost = false;                 ///< until its values are all back
+    std::optional<qint64> m_backSinceMs;   ///< of a lost one: since when it is alive again
 };
 
 } // namespace tarvo::manager

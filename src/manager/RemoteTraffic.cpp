@@ -222,8 +222,6 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
     const SessionMark mark = m_session.mark();
     if (callsign == m_session.info.callsign)
         emit disableVoiceTransmit();
-    if (!mark.holds())
-        return;
     const std::optional<RemoteAircraft> gone = m_table.take(callsign);
     if (const std::shared_ptr<Simulator> simulator = m_session.simulator;
         simulator && gone && gone->state == State::InSimulator) {

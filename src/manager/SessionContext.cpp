@@ -4,8 +4,19 @@
 #include "manager/OneLine.h"
 #include "manager/PilotName.h"
 #include "network/ApiService.h"
+#include "simulator/Simulator.h"
 
 namespace tarvo::manager {
+
+using simulator::Simulator;
+
+void SessionContext::clearSimulator() const
+{
+    if (const std::shared_ptr<Simulator> current = simulator)
+        current->removeAllAircraft();
+    if (const std::shared_ptr<Simulator> current = simulator)
+        current->clearControllers();
+}
 
 bool SessionContext::usesTokens() const
 {

@@ -53,6 +53,8 @@ struct SessionContext
             fsd.sendRaw(fsd::toLine(pdu));
     }
 
+    /// Takes the aircraft and the stations out of the simulator of the moment, which may be another for each.
+    void clearSimulator() const;
     /// True when the server speaks the token protocol.
     bool usesTokens() const;
     // Each on one line: they are typed, and go out among the fields of a line.

@@ -13,14 +13,14 @@ using tarvo::test::Protocol;
 
 namespace {
 
-const QString late = u"fsd.practice.test"_qs;  // answered after a while
-const QString dead = u"dead.practice.test"_qs; // never answered
+const QString lateName = u"fsd.practice.test"_qs; // answered after a while
+const QString dead = u"dead.practice.test"_qs;    // never answered
 
 /// A dead name server keeps a look-up busy for far longer.
 constexpr int soonMs = 5'000;
 
 /// A client that is signed in and has its X-Plane, and a server that it knows by name.
-struct Flight
+struct NamedFlight
 {
     Network network;
     std::unique_ptr<Client> client;
@@ -44,8 +44,8 @@ class ByNameTest : public QObject
 private slots:
     void aPilotFliesByName()
     {
-        Flight flight;
-        QVERIFY(flight.prepare(late));
+        NamedFlight flight;
+        QVERIFY(flight.prepare(lateName));
         MainThreadWatch watch;
         int turnsMeanwhile = 0;
         QTimer turns;
@@ -62,13 +62,13 @@ private slots:
     void aPilotWhoLeavesDuringTheLookUpIsNotConnected_data()
     {
         QTest::addColumn<QString>("host");
-        QTest::newRow("answered late") << late;
+        QTest::newRow("answered late") << lateName;
         QTest::newRow("never answered") << dead;
     }
     void aPilotWhoLeavesDuringTheLookUpIsNotConnected()
     {
         QFETCH(QString, host);
-        Flight flight;
+        NamedFlight flight;
         QVERIFY(flight.prepare(host));
         bool wasLookingUp = false;
         QMetaObject::invokeMethod(
@@ -88,10 +88,28 @@ private slots:
         QCOMPARE(flight.network.practice.fsd().connectionCount(), 0);
     }
 
+    void aPilotWhoConnectsAnewDuringTheLookUpStaysConnected()
+    {
+        NamedFlight flight;
+        QVERIFY(flight.prepare(lateName));
+        bool anew = false;
+        QMetaObject::invokeMethod(
+            flight.client->manager.get(),
+            [&] {
+                flight.client->manager->disconnectFromNetwork();
+                anew = flight.client->connectPilot();
+            },
+            Qt::QueuedConnection);
+        QVERIFY(!flight.client->connectPilot());
+        QVERIFY(anew);
+        QVERIFY(flight.client->manager->isBusy());
+        TRY_EVENTS(*flight.client, u"disconnected"_qs, u"connected AB1"_qs);
+    }
+
     void theServerSendsTheSessionElsewhereByName()
     {
-        Flight flight;
-        QVERIFY(flight.prepare(late));
+        NamedFlight flight;
+        QVERIFY(flight.prepare(lateName));
         practice::FsdServer second(flight.network.practice.accounts(), flight.network.practice.tokens(),
                                    Network::quietSettings().fsd);
         QVERIFY(second.listen(QHostAddress(u"127.0.0.2"_qs), flight.network.practice.fsd().port()));
@@ -121,8 +139,8 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("address");
-        QTest::newRow("a name") << late << u"127.0.0.1"_qs;
-        QTest::newRow("blanks around it") << u" "_qs + late + u"\t"_qs << u"127.0.0.1"_qs;
+        QTest::newRow("a name") << lateName << u"127.0.0.1"_qs;
+        QTest::newRow("blanks around it") << u" "_qs + lateName + u"\t"_qs << u"127.0.0.1"_qs;
         QTest::newRow("no such name") << u"nobody.practice.test"_qs << QString();
     }
     void aNameIsLookedUp()
@@ -147,7 +165,7 @@ private slots:
         });
         turns.start(1);
         QVERIFY(!resolver.resolve(dead));
-        QCOMPARE(resolver.resolve(late), u"127.0.0.1"_qs);
+        QCOMPARE(resolver.resolve(lateName), u"127.0.0.1"_qs);
         QVERIFY2(time.elapsed() < soonMs, qPrintable(QString::number(time.elapsed())));
     }
 
@@ -156,7 +174,7 @@ private slots:
         fsd::NameResolver resolver;
         QStringList answers;
         resolver.lookUp(u"nobody.practice.test"_qs, [&](const QString &address) { answers << u"first "_qs + address; });
-        resolver.lookUp(late, [&](const QString &address) { answers << u"second "_qs + address; });
+        resolver.lookUp(lateName, [&](const QString &address) { answers << u"second "_qs + address; });
         TRY_COMPARE(answers, QStringList{u"second 127.0.0.1"_qs});
     }
 };

@@ -90,6 +90,19 @@ private slots:
         }
     }
 
+    void theProgramsEndDuringTheLookUp()
+    {
+        Session s(tarvo::test::Protocol::Classic, u"localhost"_qs);
+        bool begun = true;
+        QMetaObject::invokeMethod(
+            this, [&] { begun = s.connectObserver(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod( // comes before the answer
+            this, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+        QCoreApplication::exec();
+        QVERIFY(!begun);
+        QVERIFY(!s.manager->isBusy());
+    }
+
     void aPilotNeedsASimulator()
     {
         Session s;

@@ -217,16 +217,47 @@ private slots:
         QCOMPARE(s.linesOf("fastTimer"), QStringList{FlyingSession::heldLine});
     }
 
-    void dataThatAreBackAreReported()
+    void dataThatAreBackAreReportedWhenAllAre()
     {
         FlyingSession s;
         QVERIFY(s.online);
+        const QStringList held{FlyingSession::heldLine, FlyingSession::slowLine};
         s.loseSimulator();
-        QCOMPARE(s.linesOf("slowTimer").size(), 2);
+        QCOMPARE(s.linesOf("slowTimer"), held);
         emit s.sim->simConnectionStateChanged(true); // data are back with the first live sample
-        QCOMPARE(s.linesOf("slowTimer").value(1), FlyingSession::slowLine);
+        QCOMPARE(s.linesOf("slowTimer"), held);
         emit s.sim->userAircraftDataChanged({.latitude = 41, .longitude = 117});
-        QCOMPARE(s.linesOf("slowTimer"), QStringList{u"@N:AB1:2000:1:41.000000:117.000000:0:0:0:0"_qs});
+        s.clock.advance(1499); // altitude and radios are still to come
+        QCOMPARE(s.linesOf("slowTimer"), held);
+        s.sim->trueAltitude = 2000;
+        emit s.sim->radioStackStateChanged({.transponderCode = 7000});
+        s.clock.advance(1);
+        QCOMPARE(s.linesOf("slowTimer"), QStringList{u"@S:AB1:7000:1:41.000000:117.000000:2000:0:0:-2000"_qs});
+    }
+
+    void aLinkThatReturnsBeforeItsDataReportsNothingOfThem()
+    {
+        FlyingSession s;
+        QVERIFY(s.online);
+        emit s.sim->simConnectionStateChanged(false);
+        s.sim->trueAltitude = s.sim->pressureAltitude = 0; // cleared, and not published yet
+        emit s.sim->simConnectionStateChanged(true);
+        s.clock.advance(2000);
+        QCOMPARE(s.linesOf("slowTimer"), (QStringList{FlyingSession::heldLine, FlyingSession::slowLine}));
+    }
+
+    void aSecondSessionHoldsAnAircraftThatHasNotMovedSince()
+    {
+        FlyingSession s;
+        QVERIFY(s.online);
+        s.manager->disconnectFromNetwork();
+        QVERIFY(s.peer.waitForClose());
+        QVERIFY(s.connectPilot());
+        QVERIFY(s.peer.waitForConnection(2));
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        s.loseSimulator();
+        QCOMPARE(s.linesOf("slowTimer"), (QStringList{FlyingSession::heldLine, FlyingSession::slowLine}));
     }
 
     void thePlaceIsForgottenWithTheSession()

@@ -18,6 +18,12 @@
 
 namespace tarvo::test {
 
+// Notifications, as Session writes them down.
+inline const QString connecting = u"9 Connecting to network..."_qs;
+inline const QString connected = u"9 Connected to network."_qs;
+inline const QString disconnected = u"9 Disconnected from network."_qs;
+inline const QString closedByServer = u"10 RemoteHostClosedError: The remote host closed the connection"_qs;
+
 enum class Protocol
 {
     Classic,

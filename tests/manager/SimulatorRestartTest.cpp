@@ -4,6 +4,8 @@
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
+#include <QEventLoop>
+
 using namespace tarvo;
 using namespace tarvo::test;
 using tarvo::manager::NetworkManager;
@@ -162,6 +164,49 @@ private slots:
             emit raw->simConnectionStateChanged(false);
         QVERIFY(!old.expired()); // it was about to go on when the signal had returned
         QTRY_VERIFY(old.expired());
+    }
+
+    void aReplacedSimulatorOutlivesALookUpOnItsStack_data()
+    {
+        QTest::addColumn<bool>("replacedFirst");
+        QTest::newRow("replaced, and then a name is looked up") << true;
+        QTest::newRow("replaced while a name is looked up") << false;
+    }
+
+    void aReplacedSimulatorOutlivesALookUpOnItsStack()
+    {
+        QFETCH(bool, replacedFirst);
+        test::Session s(test::Protocol::Classic, u"localhost"_qs);
+        s.addSimulator();
+        FakeSimulator *raw = s.sim.get();
+        const std::weak_ptr<FakeSimulator> old = s.sim;
+        s.sim.reset();
+        bool alive = false;
+        const auto replace = [&s] { s.manager->setSimulator(std::make_shared<FakeSimulator>()); };
+        const auto turnTheLoop = [] { // as the look-up does, and long enough
+            QEventLoop loop;
+            QTimer::singleShot(0, &loop, [&loop] { QTimer::singleShot(0, &loop, &QEventLoop::quit); });
+            loop.exec();
+        };
+        connect(raw, &simulator::Simulator::simConnectionFailed, this, [&] {
+            if (replacedFirst)
+                replace();
+            QMetaObject::invokeMethod(
+                this,
+                [&] {
+                    if (!replacedFirst)
+                        replace();
+                    turnTheLoop();
+                    alive = !old.expired();
+                },
+                Qt::QueuedConnection);
+            s.connectObserver(); // looks the name up
+        });
+        // From the event loop, which knows by that what is on its stack.
+        QMetaObject::invokeMethod(
+            this, [raw] { emit raw->simConnectionFailed(u"x"_qs); }, Qt::QueuedConnection);
+        QTRY_VERIFY(old.expired());
+        QVERIFY(alive);
     }
 };
 

@@ -1,0 +1,200 @@
+#include "manager/SessionLifecycle.h"
+
+#include "common/Callsign.h"
+#include "fsd/pdu/DeleteATC.h"
+#include "fsd/pdu/DeletePilot.h"
+#include "fsd/pdu/KillRequest.h"
+#include "manager/SessionContext.h"
+#include "simulator/Simulator.h"
+
+namespace tarvo::manager {
+
+using common::MessageType;
+using simulator::Simulator;
+using namespace fsd::pdu;
+
+SessionLifecycle::SessionLifecycle(SessionContext &session, QObject *parent) : QObject(parent), m_session(session) {}
+
+bool SessionLifecycle::isBusy() const
+{
+    return m_phase != Phase::Idle || m_session.fsd.isConnected();
+}
+
+bool SessionLifecycle::isResolving() const
+{
+    return m_resolving > 0 || m_session.fsd.isResolving();
+}
+
+// --- the beginning ---
+
+bool SessionLifecycle::begin(const model::ConnectInfo &info, const QString &host, quint16 port)
+{
+    startOver(Phase::Connecting);
+    m_session.info = info;
+    emit began();
+    const SessionMark mark = m_session.mark();
+    notify(tr("Connecting to network..."), MessageType::Info);
+    if (!mark.holds())
+        return false; // whoever heard the notification has already called it off
+
+    ++m_resolving;
+    const bool started = m_session.fsd.connectToServer(host, port);
+    --m_resolving;
+    // While a name was looked up anything may have happened, another connection included.
+    if (!started && mark.holds())
+        end();
+    // An address that can't be reached fails inside the call: the session is then over, as everybody has been told.
+    return started && mark.holds();
+}
+
+/// No mark of the last session holds from now on.
+void SessionLifecycle::startOver(Phase phase)
+{
+    m_session.sessions.next();
+    m_phase = phase;
+    m_loginAnnounced = false;
+    m_forced = false;
+    m_forcedReason.clear();
+}
+
+void SessionLifecycle::onNetworkConnected()
+{
+    const SessionMark mark = m_session.mark();
+    notify(tr("Connected to network."), MessageType::Info);
+    if (mark.holds())
+        emit lineUp();
+}
+
+void SessionLifecycle::onAnnounced(const QString &callsign)
+{
+    if (common::normalisedCallsign(callsign) == m_session.info.callsign)
+        completeLogin();
+}
+
+void SessionLifecycle::completeLogin()
+{
+    if (m_loginAnnounced)
+        return;
+    m_loginAnnounced = true;
+    m_phase = Phase::Connected;
+    const model::ConnectInfo info = m_session.info;
+    const SessionMark mark = m_session.mark();
+    // A pilot reads the same words twice, once for the line and once for the login.
+    notify(info.observer ? tr("Connected to network in observer mode.") : tr("Connected to network."),
+           MessageType::Info);
+    if (!mark.holds())
+        return;
+    emit networkConnected(info.callsign);
+    if (!mark.holds())
+        return;
+    if (const std::shared_ptr<Simulator> simulator = m_session.simulator)
+        simulator->networkConnected(info.callsign, info.selcal, info.observer);
+}
+
+// --- the end ---
+
+void SessionLifecycle::leave()
+{
+    if (!canLeave())
+        return;
+    m_phase = Phase::Disconnecting;
+    deleteAndDisconnect();
+}
+
+void SessionLifecycle::forceOut(const QString &reason)
+{
+    if (!canLeave())
+        return;
+    m_forced = true;
+    m_forcedReason = reason;
+    deleteAndDisconnect();
+}
+
+bool SessionLifecycle::canLeave() const
+{
+    return isBusy() && m_phase != Phase::TellingTheEnd;
+}
+
+void SessionLifecycle::deleteAndDisconnect()
+{
+    const SessionMark mark = m_session.mark();
+    sendDeletePdu();
+    // When the server has gone already, the farewell itself ends the session.
+    if (mark.holds())
+        m_session.fsd.disconnectFromServer();
+}
+
+void SessionLifecycle::sendDeletePdu()
+{
+    if (m_session.info.observer)
+        m_session.send(DeleteATC(m_session.info.callsign, m_session.username()));
+    else
+        m_session.send(DeletePilot(m_session.info.callsign, m_session.username()));
+}
+
+void SessionLifecycle::onKillRequest(const KillRequest &pdu)
+{
+    m_forced = true;
+    m_forcedReason = pdu.reason;
+}
+
+void SessionLifecycle::onTokenRefused(const QString &error)
+{
+    const SessionMark mark = m_session.mark();
+    m_forced = true;
+    m_forcedReason = error;
+    notify(tr("Network authentication error: %1").arg(error), MessageType::Error);
+    if (mark.holds())
+        m_session.fsd.disconnectFromServer();
+}
+
+void SessionLifecycle::onNetworkDisconnected()
+{
+    const bool forced = m_forced;
+    const QString reason = m_forcedReason;
+    startOver(Phase::TellingTheEnd);
+    emit ended();
+    if (!forced)
+        notify(tr("Disconnected from network."), MessageType::Info);
+    else if (reason.isEmpty())
+        notify(tr("Forcibly disconnected from network."), MessageType::Error);
+    else
+        notify(tr("Forcibly disconnected from network: ") + reason, MessageType::Error);
+    tellSimulatorOfTheEnd();
+    emit networkDisconnected(forced);
+    m_phase = Phase::Idle;
+}
+
+void SessionLifecycle::onNetworkError(const QString &error)
+{
+    const SessionMark mark = m_session.mark();
+    notify(error, MessageType::Error);
+    if (!mark.holds() || m_session.fsd.isConnected())
+        return;
+    startOver(Phase::TellingTheEnd);
+    emit ended();
+    emit networkDisconnected(false);
+    m_phase = Phase::Idle;
+}
+
+/// Without a word: the call that wanted the session tells.
+void SessionLifecycle::end()
+{
+    startOver(Phase::Idle);
+    emit ended();
+}
+
+/// Each to the simulator of the moment: one that comes in by then has been given the aircraft.
+void SessionLifecycle::tellSimulatorOfTheEnd()
+{
+    if (const std::shared_ptr<Simulator> simulator = m_session.simulator)
+        simulator->networkDisconnected();
+    m_session.clearSimulator();
+}
+
+void SessionLifecycle::notify(const QString &message, MessageType type)
+{
+    emit notificationPosted(message, type);
+}
+
+} // namespace tarvo::manager
