@@ -8,9 +8,6 @@ using State = model::RemoteAircraft::State;
 
 namespace {
 
-constexpr practice::PluginAnswering atOnce{};
-constexpr practice::PluginAnswering late{.silent = false, .delayMs = 12'000};
-constexpr practice::PluginAnswering silent{.silent = true, .delayMs = 0};
 const QString csn = u"CSN7"_qs;
 
 /// The two farewells: the session's and the list's.

@@ -7,23 +7,6 @@ using namespace tarvo::test;
 using practice::PluginAnswering;
 using State = model::RemoteAircraft::State;
 
-namespace {
-
-// Longer than it can take until the new simulator is there: its clock runs while the client waits for it.
-constexpr int lateMs = 3'600'000;
-constexpr PluginAnswering atOnce{};
-constexpr PluginAnswering late{.silent = false, .delayMs = lateMs};
-constexpr PluginAnswering silent{.silent = true, .delayMs = 0};
-
-/// A new simulator's radios come in one piece or in several, and each time the stations are told.
-QStringList withoutStations(QStringList messages)
-{
-    messages.removeIf([](const QString &message) { return message.startsWith(u"STATION_CALLSIGN"_qs); });
-    return messages;
-}
-
-} // namespace
-
 /// Another simulator takes the place of the one that is there, in the middle of traffic.
 class NewSimulatorTest : public QObject
 {
@@ -100,7 +83,7 @@ private slots:
         QCOMPARE(stage.inTrafficList(cca).state, inListAfter);
         QTEST(static_cast<int>(stage.plugin().aircraft().size()), "drawnAfter");
 
-        stage.simulatorClock.advance(lateMs);
+        stage.simulatorClock.advance(late.delayMs);
         stage.plugin().answerDue();
         QVERIFY(stage.settle());
         QCOMPARE(stage.inTrafficList(cca).state, inListLater);

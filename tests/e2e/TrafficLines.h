@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/xplane/PluginMessage.h"
+#include "practice/xplane/PluginStandIn.h"
 
 #include <QString>
 #include <QStringList>
@@ -133,6 +134,19 @@ inline practice::PluginMessage note(const QString &text, int colour)
 {
     return {QStringLiteral("NOTIF"), {text, colour}};
 }
+
+/// A new simulator's radios come in one piece or in several, and each time the stations are told.
+inline QStringList withoutStations(QStringList messages)
+{
+    messages.removeIf([](const QString &message) { return message.startsWith(u"STATION_CALLSIGN"_qs); });
+    return messages;
+}
+
+// How a plugin answers an addition or a farewell.
+inline constexpr practice::PluginAnswering atOnce{};
+inline constexpr practice::PluginAnswering silent{.silent = true, .delayMs = 0};
+/// Later than it can take until a new simulator is there: its clock runs while the client waits for it.
+inline constexpr practice::PluginAnswering late{.silent = false, .delayMs = 3'600'000};
 
 inline practice::PluginMessage bare(const QString &name)
 {

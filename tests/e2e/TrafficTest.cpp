@@ -6,17 +6,6 @@ using namespace tarvo;
 using namespace tarvo::test;
 using State = model::RemoteAircraft::State;
 
-namespace {
-
-/// A new simulator's radios come in one piece or in several, and each time the stations are told.
-QStringList withoutStations(QStringList messages)
-{
-    messages.removeIf([](const QString &message) { return message.startsWith(u"STATION_CALLSIGN"_qs); });
-    return messages;
-}
-
-} // namespace
-
 /// Other pilots, from their first position to the plugin's last answer.
 class TrafficTest : public QObject
 {

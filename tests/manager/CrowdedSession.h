@@ -5,7 +5,6 @@
 
 namespace tarvo::test {
 
-inline const QString ab2 = u"AB2"_qs;
 inline const QString fullGearDown = uR"({"config":{"is_full_data":true,"gear_down":true}})"_qs;
 inline const QString gearUp = uR"({"config":{"gear_down":false}})"_qs;
 

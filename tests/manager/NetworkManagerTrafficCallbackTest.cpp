@@ -3,12 +3,9 @@
 
 using namespace tarvo;
 using tarvo::manager::NetworkManager;
-using tarvo::test::FakeSimulator;
-using tarvo::test::TrafficSession;
+using namespace tarvo::test;
 
 namespace {
-
-const QString ab2 = u"AB2"_qs;
 
 /// A session in which AB2 has a type, but is not yet in the simulator.
 struct BeforeAdding : TrafficSession

@@ -6,15 +6,11 @@
 using namespace tarvo;
 using tarvo::manager::NetworkManager;
 using tarvo::model::RemoteAircraft;
-using tarvo::test::FakeSimulator;
-using tarvo::test::TrafficSession;
+using namespace tarvo::test;
 using State = tarvo::model::RemoteAircraft::State;
 
 namespace {
 
-const QString ab2 = u"AB2"_qs;
-const QStringList askForType = TrafficSession::typeQuestions(ab2);
-const QString askForConfiguration = TrafficSession::configurationQuestion(ab2);
 const QString gearDown = uR"({"config":{"gear_down":true}})"_qs;
 
 model::AircraftConfiguration parsed(const QString &json)

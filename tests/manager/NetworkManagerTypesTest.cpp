@@ -7,16 +7,8 @@
 
 using namespace tarvo;
 using tarvo::model::RemoteAircraft;
-using tarvo::test::TrafficSession;
+using namespace tarvo::test;
 using State = tarvo::model::RemoteAircraft::State;
-
-namespace {
-
-const QString ab2 = u"AB2"_qs;
-const QStringList askForType = TrafficSession::typeQuestions(ab2);
-const QString askForConfiguration = TrafficSession::configurationQuestion(ab2);
-
-} // namespace
 
 /// What brings the type of another aircraft: its own answer, a flight plan, the server's answer about one.
 class NetworkManagerTypesTest : public QObject

@@ -4,6 +4,8 @@
 
 namespace tarvo::test {
 
+inline const QString ab2 = u"AB2"_qs;
+
 /// Somebody on the network who writes down, in one list, what the simulator is told and what is raised about the other
 /// aircraft: "addAircraft AB2", "slow AB2 250", "info AB2 B738 ", ...
 struct TrafficSession : Session
@@ -141,5 +143,9 @@ private:
         trace.clear();
     }
 };
+
+/// What is asked about AB2.
+inline const QStringList askForType = TrafficSession::typeQuestions(ab2);
+inline const QString askForConfiguration = TrafficSession::configurationQuestion(ab2);
 
 } // namespace tarvo::test
