@@ -180,7 +180,7 @@ QStringList AppConfig::get(const PathListKey &key) const
     const QStringList items = read(key.key).toStringList();
     for (const QString &item : items) {
         const QString path = normalizedPath(item);
-        if (!path.isEmpty() && QFileInfo::exists(path) && !paths.contains(path))
+        if (QFileInfo::exists(path) && !paths.contains(path))
             paths += path;
     }
     return paths;

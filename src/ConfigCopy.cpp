@@ -35,7 +35,7 @@ QSettings::SettingsMap ConfigCopy::values() const
 void ConfigCopy::take() const
 {
     const QByteArray now = contentsOf(m_configPath);
-    if (!now.isEmpty() && now != contentsOf(path()))
+    if (now != contentsOf(path()))
         writeForTheUser(path(), now);
 }
 

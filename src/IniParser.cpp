@@ -217,7 +217,7 @@ private:
         const qsizetype start = m_at;
         unsigned value = 0;
         for (int digit = 0; m_at < m_text.size() && (digit = digitValue(m_text[m_at], base)) >= 0; ++m_at)
-            value = (value * static_cast<unsigned>(base) + static_cast<unsigned>(digit)) & 0xffff;
+            value = value * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
         if (m_at > start)
             m_item += QChar(static_cast<char16_t>(value));
     }
@@ -250,10 +250,9 @@ QString keyText(QByteArrayView name)
         const QChar c = text.at(at);
         const bool wide = c == u'%' && at + 1 < text.size() && text.at(at + 1) == u'U';
         const QString digits = text.mid(at + (wide ? 2 : 1), wide ? 4 : 2);
-        const bool escaped =
-            c == u'%' && digits.size() == (wide ? 4 : 2) && std::all_of(digits.begin(), digits.end(), [](QChar digit) {
-                return digit.unicode() < 0x80 && digitValue(digit.toLatin1(), 16) >= 0;
-            });
+        const bool escaped = c == u'%' && digits.size() == (wide ? 4 : 2) &&
+                             std::all_of(digits.begin(), digits.end(),
+                                         [](QChar digit) { return digitValue(digit.toLatin1(), 16) >= 0; });
         if (!escaped) {
             key += c == u'\\' ? QChar(u'/') : c;
             continue;

@@ -260,8 +260,7 @@ QNetworkRequest ApiService::request(const QString &path, const QString &bearer) 
     result.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     // The bearer token is the whole session: nothing that one pilot's replies leave behind goes out with another's.
     for (const QNetworkRequest::Attribute attribute :
-         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
-          QNetworkRequest::AuthenticationReuseAttribute})
+         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute})
         result.setAttribute(attribute, QNetworkRequest::Manual);
     if (!bearer.isEmpty())
         result.setRawHeader("Authorization", "Bearer " + bearer.toUtf8());

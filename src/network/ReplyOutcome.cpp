@@ -17,7 +17,7 @@ bool ReplyOutcome::timedOut() const
 void limitBody(QNetworkReply *reply)
 {
     QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() <= longestReplyBody || reply->isFinished())
+        if (reply->bytesAvailable() <= longestReplyBody)
             return;
         reply->setProperty(tooLongProperty, true); // abort() alone would look like a time-out
         reply->abort();
@@ -31,8 +31,7 @@ ReplyOutcome takeOutcome(QNetworkReply &reply)
                          .httpStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
                          .url = reply.request().url(),
                          .body = {}};
-    const bool tooLong = reply.property(tooLongProperty).toBool() || reply.bytesAvailable() > longestReplyBody;
-    if (tooLong) {
+    if (reply.property(tooLongProperty).toBool()) {
         outcome.error = QNetworkReply::UnknownContentError;
         outcome.errorString = QStringLiteral("The reply is too long");
     } else if (reply.isReadable()) {

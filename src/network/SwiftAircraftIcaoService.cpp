@@ -26,12 +26,6 @@ constexpr const char *doc8643Paths[] = {
 };
 constexpr char probeConnection[] = "swift_aircraft_icao_probe";
 
-bool sameFile(const QString &left, const QString &right)
-{
-    return QFileInfo(left).absoluteFilePath() == QFileInfo(right).absoluteFilePath() ||
-           QFileInfo(left) == QFileInfo(right);
-}
-
 qint64 rowsIn(const QString &path)
 {
     IcaoDatabase probe{QLatin1String(probeConnection)};
@@ -134,7 +128,7 @@ bool SwiftAircraftIcaoService::loadSnapshot()
 bool SwiftAircraftIcaoService::migrateDatabase(const QString &label, const QString &source)
 {
     const QString target = underDataRoot(QLatin1String(databasePath));
-    if (!QFileInfo::exists(source) || sameFile(source, target))
+    if (!QFileInfo::exists(source) || QFileInfo(source) == QFileInfo(target))
         return false;
     // Asked first, so that an empty file never replaces the target.
     if (rowsIn(source) == 0) {

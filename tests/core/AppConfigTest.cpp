@@ -225,6 +225,10 @@ private slots:
             settings.set(config::authPassword, password);
             QVERIFY(storedLine("Password") != first); // new salt and vector
             QCOMPARE(settings.get(config::authPassword), password);
+            AppConfig other(m_dir->path());
+            other.set(config::authPassword, QStringLiteral("newer"));
+            QCOMPARE(settings.get(config::authPassword), QStringLiteral("newer"));
+            settings.set(config::authPassword, password);
         }
         QVERIFY(!readFile().contains("s3cret"));
         QCOMPARE(AppConfig(m_dir->path()).get(config::authPassword), password);
@@ -370,8 +374,25 @@ private slots:
         QCOMPARE(settings.get(config::msfsCustomMappingPaths2024), QStringList());
     }
 
+    void foldersAreDetectedOnlyForEmptyKeys_data()
+    {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::addColumn<QStringList>("paths"); // both packages, both communities; %1: the simulator's own
+        const QString own = QStringLiteral("%1 Simulator/sim");
+        const QString own2024 = QStringLiteral("%1 Simulator 2024/sim");
+        const QString community = QStringLiteral("/Community");
+        QTest::newRow("none") << QByteArray() << QStringList{own, own2024, own + community, own2024 + community};
+        QTest::newRow("two") << QByteArray("PackagesPath2020=moved\nCommunityPath2024=\"  \"\n")
+                             << QStringList{QStringLiteral("moved"), own2024, own + community, own2024 + community};
+        QTest::newRow("all but one") << QByteArray("PackagesPath2020=a\nPackagesPath2024=b\nCommunityPath2024=c\n")
+                                     << QStringList{QStringLiteral("a"), QStringLiteral("b"), own + community,
+                                                    QStringLiteral("c")};
+    }
+
     void foldersAreDetectedOnlyForEmptyKeys()
     {
+        QFETCH(const QByteArray, stored);
+        QFETCH(QStringList, paths);
         qputenv("APPDATA", m_dir->path().toLocal8Bit());
         for (const char *edition : {"Microsoft Flight Simulator", "Microsoft Flight Simulator 2024"}) {
             const QString folder = at(QLatin1String(edition));
@@ -380,15 +401,14 @@ private slots:
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write("InstalledPackagesPath \"" + folder.toUtf8() + "/sim\"\n");
         }
-        writeFile("[MSFS]\nPackagesPath2020=moved\nCommunityPath2024=\"  \"\n");
+        writeFile("[MSFS]\n" + stored);
         const AppConfig settings(m_dir->path());
-        QCOMPARE(settings.get(config::msfsPackagesPath2020), QStringLiteral("moved"));
-        const QString sim2024 = at(QStringLiteral("Microsoft Flight Simulator 2024/sim"));
-        QCOMPARE(settings.get(config::msfsPackagesPath2024), sim2024);
-        QCOMPARE(settings.get(config::msfsCommunityPath2020),
-                 at(QStringLiteral("Microsoft Flight Simulator/sim/Community")));
-        QCOMPARE(settings.get(config::msfsCommunityPath2024), sim2024 + QStringLiteral("/Community"));
-        QCOMPARE(storedLine("PackagesPath2024"), sim2024.toUtf8());
+        paths.replaceInStrings(QStringLiteral("%1"), at(QStringLiteral("Microsoft Flight")));
+        QCOMPARE(
+            (QStringList{settings.get(config::msfsPackagesPath2020), settings.get(config::msfsPackagesPath2024),
+                         settings.get(config::msfsCommunityPath2020), settings.get(config::msfsCommunityPath2024)}),
+            paths);
+        QCOMPARE(storedLine("CommunityPath2020"), paths.at(2).toUtf8());
     }
 
     void anUnwritableFileWorksInMemory()

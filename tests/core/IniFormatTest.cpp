@@ -85,10 +85,11 @@ private slots:
         row("letters that are escaped", "a=\\a\\b\\f\\n\\r\\t\\v\\\"\\?\\'\\\\");
         row("numbers", "a=\\x41\\x5BC6g\\101\\60\\0\\400\nb=\\x12345z\nc=\\777777");
         row("escapes that mean nothing", "a=\\qx\\8\nb=\\x\nc=\\xg");
-        row("escaped blanks stay", "a=x\\x20  \nb=\\x20 x");
+        row("escaped blanks stay", "a=x\\x20  \nb=\\x20 x\nc=\\x20\\x20, x  ");
         row("a line that goes on", "a=x\\\n  y\nb=x\\\r\ny\nc=x\\\n\ry\nd=x\\\ry\ne=x\\\n\ny");
         row("backslash at the end", "a=x\\");
-        row("special values", "a=@Invalid()\nb=@@x\nc=@String(a\\0b)\nd=@ByteArray(\\xff\\0)\ne=@x\nf=@");
+        row("special values",
+            "a=@Invalid()\nb=@@x\nc=@String(a\\0b)\nd=@ByteArray(\\xff\\0)\ne=@x\nf=@\ng=@String(x\nh=@ByteArray(x");
         row("special values in a list", "a=@Invalid(), @@b\nb=@@a, @@b");
         row("NUL", QByteArray("a=x\0y\nb\0c=1", 11));
     }
@@ -170,6 +171,8 @@ private slots:
         QCOMPARE(values.value(QStringLiteral("a")), value);
         QCOMPARE(ini::parse(ini::print(values)), values);
     }
+
+    void nothingBehindTheTextIsRead() { QCOMPARE(ini::parse(QByteArrayView("a=x\\n").first(4)), ini::parse("a=x\\")); }
 
     void halfCharactersStay()
     {

@@ -194,6 +194,7 @@ private slots:
         const HandlerGuard guard;
         logging::openLogFile(at(QStringLiteral("a.log")));
         logging::openLogFile(at(QStringLiteral("a.log/logs/b.log"))); // no folder can be made inside a file
+        logging::openLogFile(at(QStringLiteral("x")) + QChar(0) + QStringLiteral("/b.log")); // Qt warns meanwhile
         qInfo("lost");
         QCOMPARE(readLines(QStringLiteral("a.log")), QStringList());
     }

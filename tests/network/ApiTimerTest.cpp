@@ -150,6 +150,15 @@ private slots:
         TRY_COMPARE(fixture.peer.requests().size(), 1);
     }
 
+    void aLongWaitDuringWhichTheMachineSleptEndsInTheRefresh()
+    {
+        ApiFixture fixture;
+        fixture.startSignedIn(fixture.jwtExpiringIn(30LL * 24 * 3600));
+        fixture.clock.advance(31LL * 24 * 3600 * 1000);
+        fixture.fireTimer();
+        TRY_COMPARE(fixture.peer.requests().size(), 1);
+    }
+
     void clearingStopsTheTimer()
     {
         ApiFixture fixture;

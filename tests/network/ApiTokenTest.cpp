@@ -115,6 +115,18 @@ private slots:
         QCOMPARE(paths(fixture), (QStringList{sessionsPath, fsdPath}));
     }
 
+    void aRefreshedJwtThatIsRefusedIsRefreshedAgain()
+    {
+        ApiFixture fixture;
+        fixture.peer.answer("GET", sessionsPath, freshJwt(fixture));
+        fixture.peer.answer("GET", fsdPath, {.status = 401});
+        Told told;
+        fixture.startSignedIn(fixture.jwtExpiringIn(60)).getFSDToken(told.tokenCallback());
+        TRY_COMPARE(told.calls, 1);
+        QVERIFY(!told.success);
+        QCOMPARE(paths(fixture), (QStringList{sessionsPath, fsdPath, sessionsPath, fsdPath}));
+    }
+
     void anUnreadableExpiryNeedsNoRefresh()
     {
         ApiFixture fixture;

@@ -217,6 +217,15 @@ private slots:
         QCOMPARE(QFileInfo(writable() + QStringLiteral(".damaged")).size(), 5000);
     }
 
+    void whatHoldsNothingOfUseIsNotDamaged()
+    {
+        QVERIFY(writeFile(writable(), QByteArray(5000, 'x')));
+        QVERIFY(writeIcaoDatabase(sibling(), {QStringLiteral("DC4")}));
+        QCOMPARE(runSql(sibling(), {QStringLiteral("UPDATE aircraft_icao SET designator = ''")}), QStringList());
+        QCOMPARE(load().last(), notReady);
+        QCOMPARE(QFileInfo(writable() + QStringLiteral(".damaged")).size(), 5000); // the first is kept, not the second
+    }
+
     void aSourceThatLoadsNothingGivesWayToTheNext()
     {
         QVERIFY(writeIcaoDatabase(sibling(), {QStringLiteral("DC4")}));

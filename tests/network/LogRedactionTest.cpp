@@ -106,21 +106,20 @@ private slots:
             << QStringLiteral("a b+c") << QStringLiteral("x a+b%2Bc x") << QStringLiteral("x ****** x");
         QTest::newRow("a plus in an address")
             << QStringLiteral("a+b") << QStringLiteral("x a+b a%2bb") << QStringLiteral("x ****** ******");
+        QTest::newRow("Base64 for addresses")
+            << QStringLiteral("~~~\?\?\?") << QStringLiteral("x fn5-Pz8_ x") << QStringLiteral("x ****** x");
         QTest::newRow("too short for Base64")
             << QStringLiteral("abc") << QStringLiteral("x YWJj abc") << QStringLiteral("x YWJj ******");
         const QString token(2000, u'T');
         QTest::newRow("cut by the limit of the search")
-            << token << QString(token + u'-').repeated(100) << QStringLiteral("******-").repeated(31);
+            << token << QString(token + u'-').repeated(100) << QStringLiteral("******-").repeated(15).chopped(1);
     }
 
     void otherSecrets()
     {
         QFETCH(QString, secret);
         QFETCH(QString, text);
-        const QString logged = redactedText(text, {secret});
-        QVERIFY(!logged.contains(secret.left(100)) || secret.size() < 100);
-        if (secret.size() < 100)
-            QTEST(logged, "logged");
+        QTEST(redactedText(text, {secret}), "logged");
     }
 
     void aBodyTooLongToLookThroughIsOnlyCounted()
