@@ -4,9 +4,9 @@
 #include "manager/AircraftManager.h"
 
 #include "common/Callsign.h"
+#include "common/TrafficLog.h"
 #include "manager/NetworkManager.h"
 #include "manager/RemoteAircraftTable.h"
-#include "manager/TrafficLog.h"
 #include "simulator/Simulator.h"
 
 #include <QDebug>
@@ -15,6 +15,8 @@
 
 namespace tarvo::manager {
 
+using common::trafficLog;
+using common::trafficText;
 using model::RemoteAircraft;
 using simulator::Simulator;
 using State = model::RemoteAircraft::State;
@@ -33,6 +35,30 @@ bool isReady(const RemoteAircraft &aircraft)
 {
     return aircraft.state == State::New && aircraft.hasConfiguration && !aircraft.typeCode.isEmpty() &&
            (aircraft.groundSpeed <= standingKnots || aircraft.fastSeen);
+}
+
+void logTraffic(const char *deed, const QString &callsign, const QString &why)
+{
+    qCDebug(trafficLog).noquote() << trafficText(deed, callsign, byAircraftManager, why);
+}
+
+/// What an aircraft that is not ready waits for, for the log.
+QString missing(const RemoteAircraft &aircraft)
+{
+    QStringList words;
+    if (!aircraft.hasConfiguration)
+        words << QStringLiteral("no configuration");
+    if (aircraft.typeCode.isEmpty())
+        words << QStringLiteral("no type");
+    if (aircraft.groundSpeed > standingKnots && !aircraft.fastSeen)
+        words << QStringLiteral("no fast position");
+    return words.join(QLatin1StringView(", "));
+}
+
+void logWaiting(const RemoteAircraft &aircraft)
+{
+    if (aircraft.state == State::New)
+        logTraffic("kept back", aircraft.callsign, missing(aircraft));
 }
 
 /// False for a message that says nothing yet: parts of a configuration whose whole is unknown.
@@ -98,8 +124,10 @@ void AircraftManager::onNetworkConnected()
 
 void AircraftManager::onNetworkDisconnected()
 {
-    if (const std::shared_ptr<Simulator> simulator = m_simulator)
+    if (const std::shared_ptr<Simulator> simulator = m_simulator) {
+        logTraffic("removed", QStringLiteral("all"), QStringLiteral("Disconnected"));
         simulator->removeAllAircraft();
+    }
     m_index.clear();
     m_records.clear();
     m_staleTimer.stop();
@@ -144,7 +172,12 @@ void AircraftManager::onSlowPosition(const QString &from, const model::AircraftV
 
 void AircraftManager::meet(const QString &callsign, double groundSpeed)
 {
-    add(newRecord(callsign, groundSpeed));
+    const RemoteAircraft aircraft = newRecord(callsign, groundSpeed);
+    add(aircraft);
+    if (aircraft.state == State::Ignored)
+        logTraffic("ignored", callsign, QStringLiteral("it is on the ignore list"));
+    else
+        logWaiting(aircraft);
     m_network->requestCapabilities(callsign);
     m_network->sendOwnCapabilities(callsign);
     m_network->requestPlaneInfoAndFlightPlan(callsign);
@@ -178,10 +211,12 @@ void AircraftManager::onConfiguration(const QString &from, const QString &json)
     aircraft->lastUpdate = now();
     if (!takeConfiguration(*aircraft, *message.configuration))
         return;
-    if (isReady(*aircraft))
+    if (isReady(*aircraft)) {
         sync();
-    else
+    } else {
+        logWaiting(*aircraft);
         updateConfigurationInSimulator(*aircraft);
+    }
 }
 
 void AircraftManager::onAircraftInfo(const QString &from, const QString &equipment, const QString &airline)
@@ -190,6 +225,8 @@ void AircraftManager::onAircraftInfo(const QString &from, const QString &equipme
         aircraft->typeCode = equipment;
         aircraft->airline = airline;
         takeFromNetwork(*aircraft);
+        if (!isReady(*aircraft))
+            logWaiting(*aircraft);
     }
     sync();
 }
@@ -259,8 +296,7 @@ void AircraftManager::sync()
             return;
         if (!find(aircraft.callsign)) // gone meanwhile
             continue;
-        qDebug().noquote() << trafficText("added", aircraft.callsign, byAircraftManager,
-                                          QStringLiteral("type ") + aircraft.typeCode);
+        logTraffic("added", aircraft.callsign, QStringLiteral("type ") + aircraft.typeCode);
         simulator->addAircraft(aircraft);
         if (simulator != m_simulator || !find(aircraft.callsign)) // gone within the addition
             continue;
@@ -273,7 +309,7 @@ void AircraftManager::removeFromSimulator(const RemoteAircraft &aircraft, const 
     const std::shared_ptr<Simulator> simulator = m_simulator;
     if (!simulator)
         return;
-    qDebug().noquote() << trafficText("removed", aircraft.callsign, byAircraftManager, reason);
+    logTraffic("removed", aircraft.callsign, reason);
     simulator->removeAircraft(aircraft, reason);
 }
 
@@ -284,8 +320,10 @@ QList<RemoteAircraft> AircraftManager::takeDue()
     const QDateTime time = now();
     QList<RemoteAircraft> due;
     for (RemoteAircraft &aircraft : m_records) {
-        if (aircraft.state == State::Pending && aircraft.lastStateChange.msecsTo(time) > pendingForMs)
+        if (aircraft.state == State::Pending && aircraft.lastStateChange.msecsTo(time) > pendingForMs) {
             aircraft.state = State::New;
+            logTraffic("given up", aircraft.callsign, QStringLiteral("the simulator has not confirmed its addition"));
+        }
         if (!isReady(aircraft))
             continue;
         due.append(aircraft);

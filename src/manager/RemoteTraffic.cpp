@@ -2,6 +2,7 @@
 
 #include "common/Callsign.h"
 #include "common/Clock.h"
+#include "common/TrafficLog.h"
 #include "fsd/pdu/ClientQuery.h"
 #include "fsd/pdu/ClientQueryResponse.h"
 #include "fsd/pdu/DeletePilot.h"
@@ -14,15 +15,17 @@
 #include "manager/RemoteAircraftUpdates.h"
 #include "manager/ServerCallsign.h"
 #include "manager/SessionContext.h"
-#include "manager/TrafficLog.h"
 #include "simulator/Simulator.h"
 
 #include <QDebug>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvo::manager {
 
+using common::trafficLog;
+using common::trafficText;
 using model::RemoteAircraft;
 using simulator::Simulator;
 using State = model::RemoteAircraft::State;
@@ -37,6 +40,17 @@ constexpr char byNetworkManager[] = "NetworkManager"; ///< in the log, beside Ai
 void logInfo(const QString &text)
 {
     qInfo().noquote() << onOneLine(text);
+}
+
+void logTraffic(const char *deed, const QString &callsign, const QString &why)
+{
+    qCDebug(trafficLog).noquote() << trafficText(deed, callsign, byNetworkManager, why);
+}
+
+/// `told`: what the type code was made of.
+void logType(const RemoteAircraft &aircraft, const QString &told)
+{
+    logTraffic("typed", aircraft.callsign, QStringLiteral("%1 for \"%2\"").arg(aircraft.typeCode, told));
 }
 
 } // namespace
@@ -116,8 +130,10 @@ void RemoteTraffic::notePosition(RemoteAircraft &aircraft, const model::Aircraft
 /// Asks what is still unknown of an aircraft that has reported, and sees to it that the simulator shows it.
 void RemoteTraffic::prepareAircraft(const QString &callsign)
 {
-    if (m_session.fsd.isConnected() && m_table.shouldAskForType(callsign, m_session.clock.steadyMs()))
+    if (m_session.fsd.isConnected() && m_table.shouldAskForType(callsign, m_session.clock.steadyMs())) {
+        logTraffic("asked", callsign, QStringLiteral("its type is unknown"));
         requestPlaneInfoAndFlightPlan(callsign);
+    }
     syncAircraft(callsign);
 }
 
@@ -150,8 +166,10 @@ void RemoteTraffic::syncAircraft(const QString &callsign)
     if (!m_session.simulator || !aircraft || aircraft->state == State::Ignored || aircraft->typeCode.isEmpty())
         return;
     if (!m_table.isPositionKnown(callsign))
-        return;                                                  // or it would be drawn at 0 N 0 E
-    aircraft->typeCode = m_types.normalized(aircraft->typeCode); // the type data may have come since
+        return; // or it would be drawn at 0 N 0 E
+    const QString told = std::exchange(aircraft->typeCode, m_types.normalized(aircraft->typeCode));
+    if (told != aircraft->typeCode) // the type data have come since
+        logType(*aircraft, told);
     if (aircraft->state != State::InSimulator)
         addToSimulator(*aircraft);
     else if (!aircraft->hasConfiguration)
@@ -163,8 +181,7 @@ void RemoteTraffic::addToSimulator(RemoteAircraft &aircraft)
     const std::shared_ptr<Simulator> simulator = m_session.simulator;
     const RemoteAircraft added = aircraft;
     aircraft.state = State::InSimulator; // without waiting for the simulator's answer
-    qDebug().noquote() << trafficText("added", added.callsign, byNetworkManager,
-                                      QStringLiteral("type ") + added.typeCode);
+    logTraffic("added", added.callsign, QStringLiteral("type ") + added.typeCode);
     simulator->addAircraft(added);
     if (simulator != m_session.simulator || !m_table.find(added.callsign))
         return;
@@ -226,7 +243,7 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
     if (const std::shared_ptr<Simulator> simulator = m_session.simulator;
         simulator && gone && gone->state == State::InSimulator) {
         const QString reason = QStringLiteral("Pilot disconnected");
-        qDebug().noquote() << trafficText("removed", callsign, byNetworkManager, reason);
+        logTraffic("removed", callsign, reason);
         simulator->removeAircraft(*gone, reason);
     }
     if (mark.holds())
@@ -251,6 +268,7 @@ void RemoteTraffic::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
                 .arg(callsign, aircraft->typeCode, excerpt(aircraft->airline), excerpt(info.airline.toUpper()),
                      excerpt(aircraft->livery), excerpt(aircraft->remoteModelHint)));
     aircraft->lastStateChange = now();
+    logType(*aircraft, info.equipment);
     m_table.typeAnswered(callsign);
     // Another type does not update the configuration in the simulator here; a flight plan's does.
     syncAircraft(callsign);
@@ -310,6 +328,7 @@ std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QStr
     const bool differs = typeCode.compare(aircraft->typeCode, Qt::CaseInsensitive) != 0;
     aircraft->typeCode = typeCode;
     aircraft->lastStateChange = now();
+    logType(*aircraft, type);
     m_table.typeAnswered(callsign);
     return FiledType{typeCode, differs};
 }

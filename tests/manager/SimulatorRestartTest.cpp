@@ -119,11 +119,41 @@ private slots:
         s.clock.advance(15'001);
         s.fire("staleTimer");
         QVERIFY(s.feed(u"#DPAB2:1002"_qs));
-        QCOMPARE(log.texts(QtDebugMsg), (QStringList{u"Traffic: added AB2 by NetworkManager, type B738"_qs,
-                                                     u"Traffic: added AB2 by AircraftManager, type B738"_qs,
-                                                     u"Traffic: removed AB2 by AircraftManager, Stale"_qs,
-                                                     u"Traffic: removed AB2 by NetworkManager, Pilot disconnected"_qs,
-                                                     u"Traffic: removed AB2 by AircraftManager, Deleted"_qs}));
+        QCOMPARE(log.ofCategory("tarvo.traffic"),
+                 (QStringList{u"Traffic: asked AB2 by NetworkManager, its type is unknown"_qs,
+                              u"Traffic: kept back AB2 by AircraftManager, no configuration, no type"_qs,
+                              u"Traffic: typed AB2 by NetworkManager, B738 for \"B738\""_qs,
+                              u"Traffic: added AB2 by NetworkManager, type B738"_qs,
+                              u"Traffic: kept back AB2 by AircraftManager, no configuration"_qs,
+                              u"Traffic: added AB2 by AircraftManager, type B738"_qs,
+                              u"Traffic: removed AB2 by AircraftManager, Stale"_qs,
+                              u"Traffic: removed AB2 by NetworkManager, Pilot disconnected"_qs,
+                              u"Traffic: removed AB2 by AircraftManager, Deleted"_qs}));
+    }
+
+    void whyAnAircraftIsNotDrawnStandsInTheLog()
+    {
+        CrowdedSession s({u"AB3"_qs});
+        QVERIFY(s.online);
+        const LogCapture log;
+        QVERIFY(s.feed(TrafficSession::slow(u"AB3"_qs), CrowdedSession::greeting(u"AB3"_qs)));
+        QCOMPARE(log.ofCategory("tarvo.traffic").mid(1),
+                 QStringList{u"Traffic: ignored AB3 by AircraftManager, it is on the ignore list"_qs});
+        QVERIFY(s.meetAb2(300));
+        QVERIFY(s.feed(TrafficSession::configuration(fullGearDown)));
+        QCOMPARE(log.ofCategory("tarvo.traffic").constLast(),
+                 u"Traffic: kept back AB2 by AircraftManager, no fast position"_qs);
+        QVERIFY(s.feed(TrafficSession::fast(ab2)));
+        s.fire("syncTimer");
+        s.clock.advance(10'001);
+        s.fire("syncTimer");
+        emit s.manager->networkDisconnected(false);
+        QCOMPARE(
+            log.ofCategory("tarvo.traffic").mid(log.ofCategory("tarvo.traffic").size() - 4),
+            (QStringList{u"Traffic: added AB2 by AircraftManager, type B738"_qs,
+                         u"Traffic: given up AB2 by AircraftManager, the simulator has not confirmed its addition"_qs,
+                         u"Traffic: added AB2 by AircraftManager, type B738"_qs,
+                         u"Traffic: removed all by AircraftManager, Disconnected"_qs}));
     }
 
     void aSimulatorThatIsReplacedWithinItsSignalLivesUntilThen_data()

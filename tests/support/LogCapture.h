@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMessageLogContext>
 #include <QString>
 #include <QStringList>
@@ -17,6 +18,7 @@ public:
     {
         QtMsgType type;
         QString text;
+        QByteArray category;
     };
 
     LogCapture() : m_outer(std::exchange(s_current, this)), m_previous(qInstallMessageHandler(&LogCapture::handle)) {}
@@ -47,6 +49,15 @@ public:
         }
         return result;
     }
+    QStringList ofCategory(const char *name) const
+    {
+        QStringList result;
+        for (const Line &line : m_lines) {
+            if (line.category == name)
+                result.append(line.text);
+        }
+        return result;
+    }
     /// The lines that begin with `start`.
     QStringList startingWith(const QString &start) const
     {
@@ -60,9 +71,9 @@ public:
     bool contains(const QString &part) const { return texts().join(QLatin1Char('\n')).contains(part); }
 
 private:
-    static void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
+    static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
-        s_current->m_lines.append({type, text});
+        s_current->m_lines.append({type, text, context.category});
     }
 
     static inline LogCapture *s_current = nullptr;

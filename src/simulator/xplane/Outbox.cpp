@@ -6,21 +6,25 @@ namespace tarvo::simulator::xplane {
 
 using Kind = OutgoingMessage::Kind;
 
-void Outbox::put(const OutgoingMessage &message)
+quint64 Outbox::put(const OutgoingMessage &message)
 {
-    if (m_lost || (message.kind == Kind::Position && replacePosition(message)))
-        return;
+    if (m_lost)
+        return 1;
+    if (message.kind == Kind::Position && replacePosition(message))
+        return 0;
     if (message.kind == Kind::Existence)
         dropPosition(message.callsign);
     else if (message.kind == Kind::ExistenceOfAll)
         dropPositions();
     append(message);
-    if (m_bytes > mostBytes) {
-        m_waiting.clear();
-        m_positions.clear();
-        m_bytes = 0;
-        m_lost = true;
-    }
+    if (m_bytes <= mostBytes)
+        return 0;
+    const auto lost = static_cast<quint64>(m_waiting.size());
+    m_waiting.clear();
+    m_positions.clear();
+    m_bytes = 0;
+    m_lost = true;
+    return lost;
 }
 
 std::optional<QByteArray> Outbox::next()

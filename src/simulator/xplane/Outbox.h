@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
+#include <QtGlobal>
 
 #include <list>
 #include <optional>
@@ -42,8 +43,9 @@ public:
     /// Some ten minutes of dense traffic without its positions.
     static constexpr qsizetype mostBytes = 8 * 1024 * 1024;
 
-    /// An aircraft that is added or removed leaves no older position of its own behind.
-    void put(const OutgoingMessage &message);
+    /// An aircraft that is added or removed leaves no older position of its own behind. Gives how many messages are
+    /// lost now: one that comes while the plugin is given up, or all that wait.
+    quint64 put(const OutgoingMessage &message);
     /// Takes the message that is to be sent next; none when nothing waits.
     std::optional<QByteArray> next();
     bool isEmpty() const { return m_waiting.empty(); }

@@ -29,7 +29,8 @@ QString errorText(int result)
 
 } // namespace
 
-PluginLink::PluginLink(QObject *parent) : QObject(parent), m_sender(this), m_receiveWorker("plugin receive", 1)
+PluginLink::PluginLink(const common::Clock &clock, QObject *parent)
+    : QObject(parent), m_sender(clock, this), m_receiveWorker("plugin receive", 1)
 {
     connect(&m_sender, &PluginSender::messagesLost, this, &PluginLink::messagesLost);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Clock.h"
 #include "common/Worker.h"
 #include "simulator/xplane/PluginReports.h"
 #include "simulator/xplane/PluginSender.h"
@@ -27,7 +28,8 @@ class PluginLink : public QObject
     Q_OBJECT
 
 public:
-    explicit PluginLink(QObject *parent = nullptr);
+    /// The clock outlives the link.
+    explicit PluginLink(const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
     /// Stops the worker and leaves the closing of the socket, and what has not been sent, to the background. Nothing
     /// the plugin does can delay this.
     ~PluginLink() override;

@@ -1,25 +1,15 @@
 #include "simulator/xplane/PluginReceiver.h"
 
+#include "common/Clock.h"
+#include "common/TrafficLog.h"
+
 #include <QDebug>
 
-#include <bit>
 #include <utility>
 
 namespace tarvo::simulator::xplane {
 
-namespace {
-
-/// Every drop gets its line, up to this many; a plugin that is merely broken does not reach it.
-constexpr quint64 loggedBurst = 20;
-
-/// Beyond the burst only each doubling of the count is logged (40, 80, 160...): a flood of bad messages must not become
-/// a flood of lines that fills the disk. The line tells the count, so that none is lost from sight.
-bool isLogged(quint64 count)
-{
-    return count <= loggedBurst || (count % loggedBurst == 0 && std::has_single_bit(count / loggedBurst));
-}
-
-} // namespace
+using Line = common::DropCount::Line;
 
 PluginReceiver::PluginReceiver(nng_socket socket) : m_socket(socket)
 {
@@ -59,8 +49,9 @@ void PluginReceiver::handleMessage(QByteArrayView message)
 {
     PluginReport report = unpackReport(message);
     if (const auto *malformed = std::get_if<report::Malformed>(&report)) {
-        if (isLogged(++m_malformedCount))
-            qWarning().noquote() << "X-Plane plugin message dropped:" << malformed->why << "total" << m_malformedCount;
+        if (m_malformed.add(common::systemClock().steadyMs()) != Line::None)
+            qWarning().noquote() << "X-Plane plugin message dropped:" << malformed->why << "total"
+                                 << m_malformed.total();
     } else if (!std::holds_alternative<report::Unknown>(report)) {
         putIntoInbox(std::move(report), static_cast<size_t>(message.size()));
     }
@@ -75,10 +66,19 @@ void PluginReceiver::putIntoInbox(PluginReport report, size_t bytes)
         emit inboxFilled();
         break;
     case ReportInbox::Put::Refused:
-        if (isLogged(++m_refusedCount))
-            qWarning() << "X-Plane plugin message dropped: the inbox is full, total" << m_refusedCount;
+        tellRefused();
         break;
     }
+}
+
+void PluginReceiver::tellRefused()
+{
+    static constexpr char text[] = "X-Plane plugin message dropped: the inbox is full, total";
+    const Line line = m_refused.add(common::systemClock().steadyMs());
+    if (line == Line::Warning)
+        qCWarning(common::trafficLog) << text << m_refused.total();
+    else if (line == Line::Debug)
+        qCDebug(common::trafficLog) << text << m_refused.total();
 }
 
 } // namespace tarvo::simulator::xplane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/DropCount.h"
 #include "simulator/xplane/ReportInbox.h"
 
 #include <nng/nng.h>
@@ -39,13 +40,14 @@ signals:
 private:
     void handleMessage(QByteArrayView message);
     void putIntoInbox(PluginReport report, size_t bytes);
+    void tellRefused();
 
     const nng_socket m_socket;
     nng_aio *m_receive = nullptr;
     std::atomic<bool> m_stopped = false;
     ReportInbox m_inbox;
-    quint64 m_malformedCount = 0; ///< the worker's own
-    quint64 m_refusedCount = 0;   ///< the same
+    common::DropCount m_malformed; ///< the worker's own
+    common::DropCount m_refused;   ///< the same
 };
 
 } // namespace tarvo::simulator::xplane

@@ -1,5 +1,8 @@
 #include "simulator/xplane/PluginSender.h"
 
+#include "common/Clock.h"
+#include "common/TrafficLog.h"
+
 #include <QDebug>
 #include <QMetaObject>
 
@@ -23,7 +26,25 @@ nng_msg *packetOf(const QByteArray &bytes)
     return packet;
 }
 
+/// In words for the log.
+QString nameOf(const OutgoingMessage &message)
+{
+    switch (message.kind) {
+    case OutgoingMessage::Kind::Position:
+        return QStringLiteral("a position of ") + message.callsign;
+    case OutgoingMessage::Kind::Existence:
+        return QStringLiteral("an addition or removal of ") + message.callsign;
+    case OutgoingMessage::Kind::ExistenceOfAll:
+        return QStringLiteral("the removal of all");
+    case OutgoingMessage::Kind::Other:
+        break;
+    }
+    return QStringLiteral("a message");
+}
+
 } // namespace
+
+PluginSender::PluginSender(const common::Clock &clock, QObject *parent) : QObject(parent), m_clock(clock) {}
 
 PluginSender::~PluginSender()
 {
@@ -47,8 +68,10 @@ void PluginSender::start(nng_socket socket)
 
 void PluginSender::send(OutgoingMessage message)
 {
-    if (message.bytes.size() >= tooLarge)
+    if (message.bytes.size() >= tooLarge) {
+        tellDrop(m_tooLong, 1, message, QStringLiteral("it is too long"));
         message.bytes.clear();
+    }
     if (m_isReady)
         hand(message.bytes);
     else
@@ -58,9 +81,31 @@ void PluginSender::send(OutgoingMessage message)
 void PluginSender::keep(const OutgoingMessage &message)
 {
     const bool lostBefore = m_outbox.hasLost();
-    m_outbox.put(message);
-    if (m_outbox.hasLost() && !lostBefore)
+    const quint64 lost = m_outbox.put(message);
+    if (lost == 0)
+        return;
+    if (!lostBefore)
         qWarning() << "X-Plane plugin does not read: messages are lost until it does";
+    tellDrop(m_unread, lost, message, QStringLiteral("the buffer is full"));
+}
+
+void PluginSender::tellDrop(common::DropCount &drops, quint64 count, const OutgoingMessage &last, const QString &why)
+{
+    const common::DropCount::Line line = drops.add(m_clock.steadyMs(), count);
+    if (line == common::DropCount::Line::None)
+        return;
+    const QString text = common::trafficText("dropped", nameOf(last), "the plugin link", why) +
+                         QStringLiteral(", total %1").arg(drops.total());
+    if (line == common::DropCount::Line::Warning)
+        qCWarning(common::trafficLog).noquote() << text;
+    else
+        qCDebug(common::trafficLog).noquote() << text;
+}
+
+void PluginSender::tellLoss()
+{
+    qCWarning(common::trafficLog) << "Traffic: X-Plane plugin reads again;" << m_unread.reset() << "messages are lost";
+    emit messagesLost();
 }
 
 /// A callback for each message would cost more than all the rest of it. So nng is asked without one, as nng_send()
@@ -97,7 +142,7 @@ void PluginSender::flush()
         if (!bytes) {
             m_isReady = true;
             if (m_outbox.takeLoss())
-                emit messagesLost();
+                tellLoss();
             return;
         }
         hand(*bytes);

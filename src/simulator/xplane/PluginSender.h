@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/DropCount.h"
 #include "simulator/xplane/Outbox.h"
 
 #include <nng/nng.h>
@@ -7,6 +8,10 @@
 #include <QObject>
 
 #include <vector>
+
+namespace tarvo::common {
+class Clock;
+}
 
 namespace tarvo::simulator::xplane {
 
@@ -17,7 +22,8 @@ class PluginSender : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    /// The clock outlives the sender.
+    explicit PluginSender(const common::Clock &clock, QObject *parent = nullptr);
     ~PluginSender() override;
 
     /// From now on messages go to the socket, those that wait already first. To be called once; the socket outlives
@@ -39,13 +45,18 @@ private:
     void keep(const OutgoingMessage &message);
     void hand(const QByteArray &bytes);
     void flush();
+    void tellDrop(common::DropCount &drops, quint64 count, const OutgoingMessage &last, const QString &why);
+    void tellLoss();
 
+    const common::Clock &m_clock;
     nng_socket m_socket = NNG_SOCKET_INITIALIZER;
     nng_aio *m_quick = nullptr; ///< gives up at once when there is no room
     nng_aio *m_wait = nullptr;  ///< holds one message until there is room
     bool m_isWaiting = false;   ///< m_wait is at work
     bool m_isReady = false;     ///< what comes may leave at once: nothing is before it
     Outbox m_outbox;
+    common::DropCount m_tooLong;
+    common::DropCount m_unread; ///< since the plugin was given up
 };
 
 } // namespace tarvo::simulator::xplane

@@ -1,6 +1,7 @@
 #include "simulator/xplane/XPlaneAdapter.h"
 
 #include "AppConfig.h"
+#include "common/TrafficLog.h"
 #include "simulator/xplane/DatarefLink.h"
 #include "simulator/xplane/PluginLink.h"
 #include "simulator/xplane/PluginMessages.h"
@@ -35,6 +36,13 @@ constexpr char altitudeCommand[] = "sim/transponder/transponder_alt";
 constexpr float standbyMode = 1.0F;
 constexpr float altitudeMode = 3.0F;
 
+/// `deed`: what the plugin says that it has done.
+void logSaid(const char *deed, const QString &callsign)
+{
+    qCDebug(common::trafficLog).noquote()
+        << common::trafficText(deed, callsign, "X-Plane", QStringLiteral("its plugin says"));
+}
+
 } // namespace
 
 XPlaneAdapter::XPlaneAdapter(AppConfig &config, const ServiceEndpoints &endpoints, const common::Clock &clock,
@@ -44,7 +52,7 @@ XPlaneAdapter::XPlaneAdapter(AppConfig &config, const ServiceEndpoints &endpoint
       m_clock(clock),
       m_localPluginUrl(endpoints.localPluginUrl),
       m_datarefs(std::make_unique<DatarefLink>(config, clock, this)),
-      m_plugin(std::make_unique<PluginLink>(this)),
+      m_plugin(std::make_unique<PluginLink>(clock, this)),
       m_dialTimer(this),
       m_tickTimer(this),
       m_attemptTimer(this)
@@ -269,14 +277,18 @@ void XPlaneAdapter::on(const report::Csl &report)
 
 void XPlaneAdapter::on(const report::Added &report)
 {
-    if (!report.callsign.isEmpty())
-        emit aircraftAddedToSim(report.callsign);
+    if (report.callsign.isEmpty())
+        return;
+    logSaid("drawn", report.callsign);
+    emit aircraftAddedToSim(report.callsign);
 }
 
 void XPlaneAdapter::on(const report::Deleted &report)
 {
-    if (!report.callsign.isEmpty())
-        emit aircraftRemovedFromSim(report.callsign);
+    if (report.callsign.isEmpty())
+        return;
+    logSaid("let go", report.callsign);
+    emit aircraftRemovedFromSim(report.callsign);
 }
 
 void XPlaneAdapter::on(const report::StationRequest &report)
@@ -345,6 +357,11 @@ void XPlaneAdapter::send(const QByteArray &message, Kind kind, const QString &ca
 
 void XPlaneAdapter::addAircraft(const model::RemoteAircraft &aircraft)
 {
+    qCDebug(common::trafficLog).noquote() << common::trafficText(
+        "asked for", aircraft.callsign, "XPlaneAdapter",
+        QStringLiteral("type %1, airline %2, %3")
+            .arg(aircraft.typeCode, aircraft.airline,
+                 m_plugin->isConnected() ? QStringLiteral("the plugin is there") : QStringLiteral("no plugin yet")));
     send(message::add(aircraft), Kind::Existence, aircraft.callsign);
 }
 

@@ -1,25 +1,27 @@
 #include "simulator/xplane/PluginSender.h"
+#include "support/LogCapture.h"
+#include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
 #include <nng/protocol/pair1/pair.h>
 
 #include <QTest>
 
-using tarvo::simulator::xplane::PluginSender;
+using namespace tarvo::simulator::xplane;
 
 namespace {
 
 /// A sender at a socket to which nobody is connected.
-struct Bench
+struct SenderBench
 {
-    explicit Bench(int socketHolds)
+    explicit SenderBench(int socketHolds)
     {
         nng_pair1_open(&socket);
         nng_socket_set_int(socket, NNG_OPT_SENDBUF, socketHolds);
     }
-    ~Bench() { nng_close(socket); }
-    Bench(const Bench &) = delete;
-    Bench &operator=(const Bench &) = delete;
+    ~SenderBench() { nng_close(socket); }
+    SenderBench(const SenderBench &) = delete;
+    SenderBench &operator=(const SenderBench &) = delete;
 
     void send(int count)
     {
@@ -40,7 +42,8 @@ struct Bench
     }
 
     nng_socket socket = NNG_SOCKET_INITIALIZER;
-    PluginSender sender;
+    tarvo::test::ManualClock clock;
+    PluginSender sender{clock};
     int sent = 0;
 };
 
@@ -53,7 +56,7 @@ class PluginSenderTest : public QObject
 private slots:
     void theEndGivesWhatHasNotLeft()
     {
-        Bench bench(2);
+        SenderBench bench(2);
         bench.send(1);
         bench.sender.start(bench.socket);
         bench.send(4);
@@ -65,14 +68,14 @@ private slots:
 
     void theEndBeforeTheStartGivesAll()
     {
-        Bench bench(2);
+        SenderBench bench(2);
         bench.send(3);
         QCOMPARE(bench.end(), (QList<int>{0, 1, 2}));
     }
 
     void aLongOutboxLetsOtherEventsIn()
     {
-        Bench bench(8192);
+        SenderBench bench(8192);
         bench.send(2500);
         bench.sender.start(bench.socket);
         for (int i = 0; i < 2; ++i) {
@@ -84,6 +87,35 @@ private slots:
         QCOMPARE(left.size(), 520);
         QCOMPARE(left.first(), 2000);
         QCOMPARE(left.last(), 2519);
+    }
+
+    void whatIsDroppedIsTold()
+    {
+        using Kind = OutgoingMessage::Kind;
+        const OutgoingMessage half(QByteArray(60'000, 'x'));
+        const qsizetype most = Outbox::mostBytes / half.bytes.size();
+        const tarvo::test::LogCapture log;
+        SenderBench bench(2);
+        bench.sender.send({QByteArray(65'536, 'x'), Kind::Existence, QStringLiteral("AB2")});
+        for (qsizetype i = 0; i < most + 1; ++i)
+            bench.sender.send(half);
+        bench.sender.send({"p", Kind::Position, QStringLiteral("AB2")});
+        bench.clock.advance(60'000);
+        for (int i = 0; i < 2; ++i)
+            bench.sender.send({"z", Kind::ExistenceOfAll});
+        bench.sender.start(bench.socket);
+        const auto line = [](const QString &what, const QString &why, qsizetype total) {
+            return QStringLiteral("Traffic: dropped %1 by the plugin link, %2, total %3").arg(what, why).arg(total);
+        };
+        const QString full = QStringLiteral("the buffer is full");
+        QCOMPARE(
+            log.texts(QtWarningMsg),
+            (QStringList{line(QStringLiteral("an addition or removal of AB2"), QStringLiteral("it is too long"), 1),
+                         QStringLiteral("X-Plane plugin does not read: messages are lost until it does"),
+                         line(QStringLiteral("a message"), full, most + 2),
+                         line(QStringLiteral("the removal of all"), full, most + 4),
+                         QStringLiteral("Traffic: X-Plane plugin reads again; %1 messages are lost").arg(most + 5)}));
+        QCOMPARE(log.ofCategory("tarvo.traffic").size(), 4);
     }
 };
 
