@@ -30,10 +30,10 @@ constexpr int few = 5;
 constexpr int full = 300;
 
 /// An item in a window that is laid out, never painted.
-class Scene
+class ShownPage
 {
 public:
-    Scene(QQmlEngine &engine, const char *qml, const QVariantMap &properties) : m_window(&m_control)
+    ShownPage(QQmlEngine &engine, const char *qml, const QVariantMap &properties) : m_window(&m_control)
     {
         QQmlComponent component(&engine);
         component.setData(QByteArray("import QtQuick\nimport 'qrc:/src/ui/view'\n") + qml, QUrl());
@@ -68,15 +68,15 @@ double processorMs()
 }
 
 /// Median of milliseconds. `prepare` isn't counted.
-double measure(Scene &scene, int times, const std::function<void()> &prepare, const std::function<void()> &event)
+double measure(ShownPage &page, int times, const std::function<void()> &prepare, const std::function<void()> &event)
 {
     std::vector<double> taken;
     for (int i = 0; i < times; ++i) {
         prepare();
-        scene.settle();
+        page.settle();
         const double began = processorMs();
         event();
-        scene.settle();
+        page.settle();
         taken.push_back(processorMs() - began);
     }
     std::sort(taken.begin(), taken.end());
@@ -89,8 +89,8 @@ struct Costs
     double atFull = 0;
 };
 
-/// `add` and `clear` act on what the scene shows.
-Costs costOfOne(Scene &scene, const std::function<void()> &add, const std::function<void()> &clear)
+/// `add` and `clear` act on what the page shows.
+Costs costOfOne(ShownPage &page, const std::function<void()> &add, const std::function<void()> &clear)
 {
     const auto fill = [&](int rows) {
         for (int i = 0; i < rows; ++i)
@@ -98,7 +98,7 @@ Costs costOfOne(Scene &scene, const std::function<void()> &add, const std::funct
     };
     Costs costs;
     costs.atFew = measure(
-        scene, rounds,
+        page, rounds,
         [&] {
             clear();
             fill(few);
@@ -106,7 +106,7 @@ Costs costOfOne(Scene &scene, const std::function<void()> &add, const std::funct
         add);
     fill(full);
     costs.atFull = measure(
-        scene, rounds, [] {}, add);
+        page, rounds, [] {}, add);
     return costs;
 }
 
@@ -123,9 +123,9 @@ Costs costOnThePage(QQmlEngine &engine)
 {
     MessagesPageViewModel model;
     model.setNetworkConnected(true);
-    Scene scene(engine, "MessagesPage {}", {{QStringLiteral("messages"), QVariant::fromValue<QObject *>(&model)}});
+    ShownPage page(engine, "MessagesPage {}", {{QStringLiteral("messages"), QVariant::fromValue<QObject *>(&model)}});
     return costOfOne(
-        scene, [&] { model.addRadioReceived(text()); }, [&] { model.clearMessages(); });
+        page, [&] { model.addRadioReceived(text()); }, [&] { model.clearMessages(); });
 }
 
 Costs costInABareList(QQmlEngine &engine)
@@ -146,24 +146,24 @@ Costs costInABareList(QQmlEngine &engine)
         if (model.rowCount() > full)
             model.removeRow(0);
     };
-    Scene scene(
+    ShownPage page(
         engine,
         "ListView { id: list; cacheBuffer: 600; spacing: 12; delegate: MessageBubble { width: 700; sightTop: "
         "list.contentY - y; sightBottom: sightTop + list.height }\n"
         "Connections { target: list.model; function onRowsInserted() { Qt.callLater(list.positionViewAtEnd) } } }",
         {{QStringLiteral("model"), QVariant::fromValue<QObject *>(&model)}});
-    return costOfOne(scene, add, [&] { model.clear(); });
+    return costOfOne(page, add, [&] { model.clear(); });
 }
 
 double costOfStationsThatGo(QQmlEngine &engine, int count, int stride)
 {
     MessagesPageViewModel model;
-    Scene scene(engine, "MessagesPage {}", {{QStringLiteral("messages"), QVariant::fromValue<QObject *>(&model)}});
+    ShownPage page(engine, "MessagesPage {}", {{QStringLiteral("messages"), QVariant::fromValue<QObject *>(&model)}});
     const auto callsign = [stride](int i) {
         return QStringLiteral("S%1_TWR").arg(i * stride % 100003, 6, 10, QChar(u'0'));
     };
     return measure(
-        scene, 5,
+        page, 5,
         [&] {
             for (int i = 0; i < count; ++i)
                 model.setNearbyController(

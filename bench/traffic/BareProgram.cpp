@@ -6,10 +6,10 @@
 #include "model/VelocityVector.h"
 #include "simulator/xplane/MessagePool.h"
 #include "simulator/xplane/PluginMessages.h"
+#include "traffic/Crowd.h"
 #include "traffic/FsdEnd.h"
 #include "traffic/PluginEnd.h"
 #include "traffic/ProcessCost.h"
-#include "traffic/Scene.h"
 #include "traffic/Scheduling.h"
 
 #include <nng/protocol/pair1/pair.h>
@@ -44,7 +44,7 @@ public:
     {
         namespace message = simulator::xplane::message;
         model::RemoteAircraft aircraft;
-        aircraft.callsign = scene::callsignOf(0);
+        aircraft.callsign = crowd::callsignOf(0);
         m_fast = message::fastPosition(aircraft, {}, {}, {});
         m_slow = message::position(aircraft, {});
         m_heartbeat = message::heartbeat(aircraft.callsign);

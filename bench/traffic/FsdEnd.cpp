@@ -5,8 +5,8 @@
 #include "fsd/pdu/ClientQueryResponse.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PlaneInfoResponse.h"
+#include "traffic/Crowd.h"
 #include "traffic/Ledger.h"
-#include "traffic/Scene.h"
 
 #include <QHostAddress>
 
@@ -100,8 +100,8 @@ void FsdEnd::answerAsPilot(const ClientQuery &query)
     if (query.queryType == ClientQueryType::Capabilities)
         send(fsd::toLine(ClientQueryResponse(query.To, m_client, query.queryType,
                                              {QStringLiteral("VERSION=1"), QStringLiteral("ACCONFIG=1")})));
-    else if (query.queryType == ClientQueryType::AircraftConfiguration && scene::pilotOf(query.To.toStdString()) >= 0)
-        send(fsd::toLine(ClientQuery(query.To, m_client, query.queryType, {scene::configuration()})));
+    else if (query.queryType == ClientQueryType::AircraftConfiguration && crowd::pilotOf(query.To.toStdString()) >= 0)
+        send(fsd::toLine(ClientQuery(query.To, m_client, query.queryType, {crowd::configuration()})));
 }
 
 void FsdEnd::startTraffic()
@@ -126,7 +126,7 @@ void FsdEnd::sendFast()
     const int pilot = std::exchange(m_nextFastPilot, (m_nextFastPilot + 1) % m_pilots);
     m_nextFastNs += m_nsPerFast;
     const int number = m_ledger.nextFast(pilot);
-    const QByteArray line = scene::fastLine(pilot, number);
+    const QByteArray line = crowd::fastLine(pilot, number);
     m_ledger.noteFast(pilot, number);
     write(line);
 }
@@ -136,7 +136,7 @@ void FsdEnd::sendSlow()
     const int pilot = std::exchange(m_nextSlowPilot, (m_nextSlowPilot + 1) % m_pilots);
     m_nextSlowNs += m_nsPerSlow;
     const int number = m_ledger.nextSlow(pilot);
-    const QByteArray line = scene::slowLine(pilot, number);
+    const QByteArray line = crowd::slowLine(pilot, number);
     m_ledger.noteSlow(pilot, number);
     write(line);
 }

@@ -1,6 +1,6 @@
 #include "traffic/Ledger.h"
 
-#include "traffic/Scene.h"
+#include "traffic/Crowd.h"
 
 #include <msgpack.hpp>
 
@@ -244,7 +244,7 @@ QString Ledger::receive(QByteArrayView bytes, std::int64_t now)
 
 int Ledger::pilotOf(const Message &message, std::uint32_t arguments)
 {
-    const int pilot = scene::pilotOf(message.callsign());
+    const int pilot = crowd::pilotOf(message.callsign());
     if (pilot >= 0 && pilot < m_pilots && message.argumentCount() == arguments)
         return pilot;
     blame(QStringLiteral("a message %1 of nobody").arg(message.nameForPeople()));
@@ -295,9 +295,9 @@ void Ledger::receiveFast(const Message &message, std::int64_t now)
     const int pilot = pilotOf(message, 16);
     if (pilot < 0)
         return;
-    const int number = scene::fastNumberAt(pilot, message.number(1));
-    const scene::Report due = scene::fastReport(pilot, number);
-    const double speeds[] = {due.groundSpeed, scene::slowReport(pilot, 0).groundSpeed};
+    const int number = crowd::fastNumberAt(pilot, message.number(1));
+    const crowd::Report due = crowd::fastReport(pilot, number);
+    const double speeds[] = {due.groundSpeed, crowd::slowReport(pilot, 0).groundSpeed};
     const int copy = isNear(message.number(15), speeds[0]) ? 0 : 1;
     const int before = note(m_fast, pilot, number, copy, now);
     if (before < 0)
@@ -320,10 +320,10 @@ void Ledger::receiveSlow(const Message &message, std::int64_t now)
     const int pilot = pilotOf(message, 9);
     if (pilot < 0)
         return;
-    const int number = scene::slowNumberAt(pilot, message.number(1));
+    const int number = crowd::slowNumberAt(pilot, message.number(1));
     if (note(m_slow, pilot, number, 0, now) < 0)
         return;
-    const scene::Report due = scene::slowReport(pilot, number);
+    const crowd::Report due = crowd::slowReport(pilot, number);
     const double values[] = {due.latitude, due.longitude, due.altitude, due.height,
                              due.heading,  due.bank,      due.pitch,    due.groundSpeed};
     bool right = true;
@@ -363,10 +363,10 @@ QString Ledger::receiveAdd(const Message &message)
         return {};
     // Each pilot has latitudes of his own.
     const double latitude = message.number(3);
-    const bool his = scene::fastNumberAt(pilot, latitude) >= 0 || scene::slowNumberAt(pilot, latitude) >= 0;
-    if (m_measuring || !his || message.text(1) != scene::airline || message.text(2) != scene::typeCode)
+    const bool his = crowd::fastNumberAt(pilot, latitude) >= 0 || crowd::slowNumberAt(pilot, latitude) >= 0;
+    if (m_measuring || !his || message.text(1) != crowd::airline || message.text(2) != crowd::typeCode)
         blame(QStringLiteral("the addition of pilot %1").arg(pilot));
-    return scene::callsignOf(pilot);
+    return crowd::callsignOf(pilot);
 }
 
 /// All but what the reports themselves give.

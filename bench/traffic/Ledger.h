@@ -52,7 +52,8 @@ public:
     void end();
     /// How many aircraft the plugin gets both ways by now.
     int completeCount() const;
-    /// Messages of the measured time that are still to come, overtaken ones left out.
+    // Of the measured time; behind end(), or before begin().
+    /// Messages that are still to come, overtaken ones left out.
     std::uint64_t outstanding() const;
     std::uint64_t measuredLines() const;
     Tally tally() const;

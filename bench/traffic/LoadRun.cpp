@@ -3,10 +3,10 @@
 #include "practice/xplane/XPlaneStandIn.h"
 #include "traffic/BareProgram.h"
 #include "traffic/ClientArguments.h"
+#include "traffic/Crowd.h"
 #include "traffic/FsdEnd.h"
 #include "traffic/PluginEnd.h"
 #include "traffic/ProcessCost.h"
-#include "traffic/Scene.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -62,7 +62,7 @@ public:
             !xplane.start(QHostAddress(QHostAddress::LocalHost), 0, urlOf(QStringLiteral("unused"))))
             return QStringLiteral("no free port");
         if (!xplane.setValue(QStringLiteral("sim/weather/aircraft/altimeter_temperature_error"),
-                             scene::temperatureErrorFeet))
+                             crowd::temperatureErrorFeet))
             return QStringLiteral("X-Plane's altimeter is always right");
         QDir(m_folder.path()).mkpath(QStringLiteral("client/resources"));
         QFile::copy(QStringLiteral(TARVO_SOURCE_DIR "/resources/Doc8643.txt"),

@@ -1,4 +1,4 @@
-#include "traffic/Scene.h"
+#include "traffic/Crowd.h"
 
 #include "fsd/pdu/AttitudeWord.h"
 #include "fsd/pdu/FsdLine.h"
@@ -7,7 +7,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace tarvo::bench::scene {
+namespace tarvo::bench::crowd {
 
 namespace {
 
@@ -175,4 +175,4 @@ QString configuration()
         R"({"config":{"is_full_data":true,"lights":{"strobe_on":true,"landing_on":false,"taxi_on":false,"beacon_on":true,"nav_on":true},"engines":{"1":{"on":true},"2":{"on":true}},"gear_down":false,"flaps_pct":0,"spoilers_out":false,"on_ground":false}})");
 }
 
-} // namespace tarvo::bench::scene
+} // namespace tarvo::bench::crowd

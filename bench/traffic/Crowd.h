@@ -8,7 +8,7 @@
 
 /// The crowd of a load test: what each pilot reports at each moment. Both ends know it, so that the end that gets the
 /// messages can tell what must stand in each.
-namespace tarvo::bench::scene {
+namespace tarvo::bench::crowd {
 
 constexpr double metresPerFoot = 1 / 3.28084;
 
@@ -55,4 +55,4 @@ int slowNumberAt(int pilot, double latitude);
 /// Lights, engines and surfaces of every pilot, complete: the text of a configuration query.
 QString configuration();
 
-} // namespace tarvo::bench::scene
+} // namespace tarvo::bench::crowd
