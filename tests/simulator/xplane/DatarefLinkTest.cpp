@@ -1,5 +1,4 @@
-#include "simulator/xplane/DatarefLink.h"
-#include "AdapterSupport.h"
+#include "XPlaneBench.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -10,43 +9,8 @@
 
 using namespace tarvo;
 using namespace tarvo::simulator::xplane;
+using tarvo::test::DatarefBench;
 using tarvo::test::DatarefPeer;
-using tarvo::test::fire;
-
-namespace {
-
-/// A link that has subscribed at a peer, so that the peer knows where to reply to.
-struct Bench : test::XPlaneSettings
-{
-    explicit Bench(const QString &host = QStringLiteral("127.0.0.1"))
-    {
-        config.set(config::xplaneUdpPort, peer.port());
-        config.set(config::xplaneNetworkAddress, host);
-        link = std::make_unique<DatarefLink>(config, clock);
-        fire(*link, "publish");
-    }
-
-    bool subscribe(bool remember = false)
-    {
-        link->subscribe(remember);
-        return QTest::qWaitFor([this] { return peer.subscriptions().size() == 53; });
-    }
-
-    /// Waits until all that was sent before has been read: a last, harmless value is seen to arrive.
-    bool settle()
-    {
-        const float marker = ++lastMarker;
-        peer.report(22, marker);
-        return QTest::qWaitFor([&] { return link->sample().user.altitudePressure == static_cast<double>(marker); });
-    }
-
-    test::ManualClock clock;
-    DatarefPeer peer;
-    std::unique_ptr<DatarefLink> link;
-    float lastMarker = 0;
-};
-
-} // namespace
 
 class DatarefLinkTest : public QObject
 {
@@ -65,39 +29,39 @@ private slots:
     void subscribesToEveryRow()
     {
         QFETCH(QString, address);
-        Bench bench(address);
+        DatarefBench bench(address);
         QVERIFY(bench.subscribe());
-        const auto subscriptions = bench.peer.subscriptions();
+        const auto subscriptions = bench.simulator.subscriptions();
         qint32 id = 0;
         for (const Dataref &row : datarefs())
             QCOMPARE(subscriptions.value(id++), (DatarefPeer::Subscription{QString::fromLatin1(row.name), row.rateHz}));
-        QCOMPARE(bench.peer.datagrams().size(), 53);
+        QCOMPARE(bench.simulator.datagrams().size(), 53);
     }
 
     void subscribesAgainUnlessRemembered()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
-        bench.peer.clear();
+        bench.simulator.clear();
         QVERIFY(bench.subscribe(true));
-        bench.peer.clear();
+        bench.simulator.clear();
         bench.link->subscribe(true); // all of them are in the list now
         bench.link->command("marker");
-        QTRY_COMPARE(bench.peer.commands().size(), 1);
-        QCOMPARE(bench.peer.datagrams().size(), 1);
-        bench.peer.clear();
+        TRY_COMPARE(bench.simulator.commands().size(), 1);
+        QCOMPARE(bench.simulator.datagrams().size(), 1);
+        bench.simulator.clear();
         bench.link->clearSubscriptions();
         QVERIFY(bench.subscribe());
     }
 
     void portIsReadAtEachSend()
     {
-        Bench bench;
+        DatarefBench bench;
         DatarefPeer other;
         bench.config.set(config::xplaneUdpPort, other.port());
         bench.link->command("sim/x");
-        QTRY_COMPARE(other.commands(), QStringList{QStringLiteral("sim/x")});
-        QVERIFY(bench.peer.datagrams().isEmpty());
+        TRY_COMPARE(other.commands(), QStringList{QStringLiteral("sim/x")});
+        QVERIFY(bench.simulator.datagrams().isEmpty());
     }
 
     void portOutsideTheRangeIsTheDefaultOne_data()
@@ -116,8 +80,8 @@ private slots:
     {
         QFETCH(int, base);
         QFETCH(bool, addPeer);
-        Bench bench;
-        const int port = base + (addPeer ? bench.peer.port() : 0);
+        DatarefBench bench;
+        const int port = base + (addPeer ? bench.simulator.port() : 0);
         bench.config.set(config::xplaneUdpPort, port);
         {
             const test::LogCapture log;
@@ -126,10 +90,10 @@ private slots:
             QCOMPARE(log.texts(QtWarningMsg),
                      QStringList{QStringLiteral("X-Plane UDP port %1 does not exist; using 49000").arg(port)});
         }
-        bench.config.set(config::xplaneUdpPort, bench.peer.port());
+        bench.config.set(config::xplaneUdpPort, bench.simulator.port());
         bench.link->command("sim/marker");
-        QTRY_VERIFY(!bench.peer.commands().isEmpty());
-        QCOMPARE(bench.peer.commands(), QStringList{QStringLiteral("sim/marker")});
+        TRY_VERIFY(!bench.simulator.commands().isEmpty());
+        QCOMPARE(bench.simulator.commands(), QStringList{QStringLiteral("sim/marker")});
     }
 
     void portsAtTheEndsOfTheRangeAreUsed_data()
@@ -142,7 +106,7 @@ private slots:
     void portsAtTheEndsOfTheRangeAreUsed()
     {
         QFETCH(int, port);
-        Bench bench;
+        DatarefBench bench;
         bench.config.set(config::xplaneUdpPort, port);
         const test::LogCapture log;
         bench.link->command("sim/x");
@@ -151,13 +115,13 @@ private slots:
 
     void textThatIsNoAddressSendsNothing()
     {
-        Bench bench(QStringLiteral("no-such-machine"));
+        DatarefBench bench(QStringLiteral("no-such-machine"));
         bench.link->subscribe(false);
         bench.link->write("sim/x", 1);
         DatarefPeer stranger;
-        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.port());
+        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.simulator.port());
         stranger.sendRaw("marker");
-        QTRY_COMPARE(bench.peer.datagrams(), QList<QByteArray>{"marker"});
+        TRY_COMPARE(bench.simulator.datagrams(), QList<QByteArray>{"marker"});
     }
 
     void replyRefreshesTheTime_data()
@@ -176,12 +140,12 @@ private slots:
     {
         QFETCH(QByteArray, datagram);
         QFETCH(bool, refreshes);
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         bench.link->setLastReplySeconds(7);
-        bench.peer.sendRaw(datagram);
+        bench.simulator.sendRaw(datagram);
         if (refreshes) {
-            QTRY_COMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
+            TRY_COMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
             QVERIFY(bench.link->sample().user == model::UserAircraftData());
         } else {
             // Datagrams of one socket arrive in order: when the marker is there, the other one was, too.
@@ -194,14 +158,14 @@ private slots:
 
     void foreignHostIsDropped()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         bench.link->setLastReplySeconds(7);
         DatarefPeer stranger(QHostAddress(QStringLiteral("127.0.0.2")));
-        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.clientPort());
+        stranger.setClient(QHostAddress(QHostAddress::LocalHost), bench.simulator.clientPort());
         QSignalSpy replay(bench.link.get(), &DatarefLink::replayModeDetected);
         stranger.report({{18, 40.0F}, {50, 1.0F}});
-        QTRY_VERIFY(!linkHasPending(bench));
+        TRY_VERIFY(!linkHasPending(bench));
         QCOMPARE(bench.link->lastReplySeconds(), 7);
         QVERIFY(bench.settle()); // and it does not stop those of the simulator
         QCOMPARE(bench.link->sample().user.latitude, 0.0);
@@ -210,24 +174,24 @@ private slots:
 
     void anotherPortOfTheSimulatorCounts()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         DatarefPeer other;
-        other.setClient(QHostAddress(QHostAddress::LocalHost), bench.peer.clientPort());
+        other.setClient(QHostAddress(QHostAddress::LocalHost), bench.simulator.clientPort());
         other.report(18, 40);
-        QTRY_COMPARE(bench.link->sample().user.latitude, 40.0);
+        TRY_COMPARE(bench.link->sample().user.latitude, 40.0);
     }
 
     void allPendingDatagramsAreReadAtOnce()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         QSignalSpy rounds(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead);
         QList<double> afterEachRound; // this comes after the link's own handling of the same signal
         connect(bench.link->findChild<QUdpSocket *>(), &QUdpSocket::readyRead, this,
                 [&] { afterEachRound.append(bench.link->sample().user.altitudeMslM); });
         for (int i = 1; i <= 100; ++i)
-            bench.peer.report(20, static_cast<float>(i));
+            bench.simulator.report(20, static_cast<float>(i));
         QVERIFY(rounds.isEmpty()); // no events were handled: all of them are pending
         QVERIFY(rounds.wait());
         QCOMPARE(afterEachRound.first(), 100.0);
@@ -235,23 +199,23 @@ private slots:
 
     void everyRecordOfAReplyCounts()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
-        bench.peer.report({{18, 40.0F}, {19, 116.0F}, {53, 1.0F}, {0xffffffff, 1.0F}, {20, 100.0F}});
-        QTRY_COMPARE(bench.link->sample().user.altitudeMslM, 100.0);
+        bench.simulator.report({{18, 40.0F}, {19, 116.0F}, {53, 1.0F}, {0xffffffff, 1.0F}, {20, 100.0F}});
+        TRY_COMPARE(bench.link->sample().user.altitudeMslM, 100.0);
         QCOMPARE(bench.link->sample().user.latitude, 40.0);
         QCOMPARE(bench.link->sample().user.longitude, 116.0);
     }
 
     void eventsAreRaised()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         QSignalSpy replay(bench.link.get(), &DatarefLink::replayModeDetected);
         QSignalSpy paused(bench.link.get(), &DatarefLink::pausedChanged);
         QSignalSpy version(bench.link.get(), &DatarefLink::versionChanged);
-        bench.peer.report({{50, 1.0F}, {50, 0.0F}, {50, 2.0F}, {51, 1.0F}, {51, 1.0F}, {51, 0.0F}});
-        bench.peer.report({{52, 0.0F}, {52, 120105.0F}, {52, 120105.0F}});
+        bench.simulator.report({{50, 1.0F}, {50, 0.0F}, {50, 2.0F}, {51, 1.0F}, {51, 1.0F}, {51, 0.0F}});
+        bench.simulator.report({{52, 0.0F}, {52, 120105.0F}, {52, 120105.0F}});
         QVERIFY(bench.settle());
         QCOMPARE(replay.size(), 2);
         QCOMPARE(paused.size(), 2);
@@ -263,18 +227,17 @@ private slots:
 
     void firstPublicationTellsAll()
     {
-        test::XPlaneSettings settings;
-        test::ManualClock clock;
-        DatarefLink link(settings.config, clock);
+        test::XPlaneBench bench;
+        DatarefLink link(bench.config, bench.clock);
         QSignalSpy user(&link, &DatarefLink::userAircraftDataChanged);
         QSignalSpy config(&link, &DatarefLink::userAircraftConfigDataChanged);
         QSignalSpy radio(&link, &DatarefLink::radioStackStateChanged);
-        fire(link, "publish");
+        test::fire(link, "publish");
         QCOMPARE(user.size(), 1);
         QCOMPARE(config.size(), 1);
         QCOMPARE(radio.size(), 1);
         QVERIFY(user.first().first().value<model::UserAircraftData>() == model::UserAircraftData());
-        fire(link, "publish"); // nothing has changed
+        test::fire(link, "publish"); // nothing has changed
         QCOMPARE(user.size(), 1);
         QCOMPARE(config.size(), 1);
         QCOMPARE(radio.size(), 1);
@@ -282,12 +245,12 @@ private slots:
 
     void publishingRestsWhileNothingComes()
     {
-        Bench bench;
+        DatarefBench bench;
         const auto *timer = bench.link->findChild<QTimer *>(QStringLiteral("publish"));
         const auto rest = [&bench, timer] {
             int ticks = 0;
             for (; timer->isActive() && ticks < 100; ++ticks)
-                fire(*bench.link, "publish");
+                bench.publish();
             return ticks;
         };
         QVERIFY(bench.subscribe());
@@ -295,12 +258,12 @@ private slots:
         QVERIFY(rest() > 10); // a running simulator replies more often than twice a second
         QVERIFY(!timer->isActive());
         QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
-        bench.peer.report(18, 40);
-        QTRY_COMPARE(user.size(), 1); // by its own timer
+        bench.simulator.report(18, 40);
+        TRY_COMPARE(user.size(), 1); // by its own timer
         rest();
         QVERIFY(!timer->isActive());
         bench.link->clearAircraft();
-        QTRY_COMPARE(user.size(), 2);
+        TRY_COMPARE(user.size(), 2);
         QVERIFY(user.last().first().value<model::UserAircraftData>() == model::UserAircraftData());
     }
 
@@ -319,18 +282,18 @@ private slots:
     void onlyWhatChangedIsPublished()
     {
         QFETCH(quint32, id);
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
         QVERIFY(bench.settle());
-        fire(*bench.link, "publish");
+        bench.publish();
         QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
         QSignalSpy config(bench.link.get(), &DatarefLink::userAircraftConfigDataChanged);
         QSignalSpy radio(bench.link.get(), &DatarefLink::radioStackStateChanged);
         QSignalSpy paused(bench.link.get(), &DatarefLink::pausedChanged);
         const auto sum = [&] { return user.size() + config.size() + radio.size() + paused.size(); };
-        bench.peer.report(id, 1);
-        QTRY_COMPARE(sum(), 1);
-        fire(*bench.link, "publish");
+        bench.simulator.report(id, 1);
+        TRY_COMPARE(sum(), 1);
+        bench.publish();
         QTEST(static_cast<int>(user.size()), "user");
         QTEST(static_cast<int>(config.size()), "config");
         QTEST(static_cast<int>(radio.size()), "radio");
@@ -338,19 +301,19 @@ private slots:
 
     void notANumberKeepsNothingAlive()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
-        bench.peer.report(18, 40);
-        bench.peer.report(
+        bench.simulator.report(18, 40);
+        bench.simulator.report(
             {{18, std::numeric_limits<float>::quiet_NaN()}, {46, std::numeric_limits<float>::infinity()}});
         QVERIFY(bench.settle());
-        fire(*bench.link, "publish");
+        bench.publish();
         QCOMPARE(bench.link->sample().user.latitude, 40.0);
         QSignalSpy user(bench.link.get(), &DatarefLink::userAircraftDataChanged);
         QSignalSpy config(bench.link.get(), &DatarefLink::userAircraftConfigDataChanged);
         const auto *timer = bench.link->findChild<QTimer *>(QStringLiteral("publish"));
         for (int i = 0; i < 25; ++i)
-            fire(*bench.link, "publish");
+            bench.publish();
         QCOMPARE(user.size(), 0);
         QCOMPARE(config.size(), 0);
         QVERIFY(!timer->isActive());
@@ -374,7 +337,7 @@ private slots:
         QFETCH(bool, asked);
         QFETCH(bool, replied);
         QFETCH(int, seconds);
-        Bench bench;
+        DatarefBench bench;
         const qint64 start = bench.clock.wallMs() / 1000;
         if (asked)
             QVERIFY(bench.subscribe());
@@ -387,10 +350,10 @@ private slots:
 
     void clearingKeepsPauseAndVersion()
     {
-        Bench bench;
+        DatarefBench bench;
         QVERIFY(bench.subscribe());
-        bench.peer.report({{18, 40.0F}, {45, 1.0F}, {4, 118275.0F}, {51, 1.0F}, {52, 115000.0F}});
-        QTRY_COMPARE(bench.link->sample().version, 115000);
+        bench.simulator.report({{18, 40.0F}, {45, 1.0F}, {4, 118275.0F}, {51, 1.0F}, {52, 115000.0F}});
+        TRY_COMPARE(bench.link->sample().version, 115000);
         bench.link->clearAircraft();
         QVERIFY(bench.link->sample().user == model::UserAircraftData());
         QVERIFY(bench.link->sample().config == model::UserAircraftConfigData());
@@ -400,7 +363,7 @@ private slots:
     }
 
 private:
-    static bool linkHasPending(const Bench &bench)
+    static bool linkHasPending(const DatarefBench &bench)
     {
         return bench.link->findChild<QUdpSocket *>()->hasPendingDatagrams();
     }

@@ -1,6 +1,4 @@
-#include "AdapterSupport.h"
-#include "model/Controller.h"
-#include "model/RemoteAircraft.h"
+#include "XPlaneBench.h"
 #include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "simulator/xplane/PluginReports.h"
@@ -53,27 +51,9 @@ QList<Golden> goldenFile(const char *name)
     return rows;
 }
 
-model::RemoteAircraft aircraft()
-{
-    model::RemoteAircraft one;
-    one.callsign = QStringLiteral("CCA1");
-    one.airline = QStringLiteral("CCA");
-    one.typeCode = QStringLiteral("B738");
-    one.groundSpeed = 250;
-    one.visualState = {.latitude = 40,
-                       .longitude = -116.5,
-                       .altitudeMslM = 3048,
-                       .altitudeAglM = 12.5,
-                       .pitch = 1.5,
-                       .heading = 90,
-                       .bank = -3,
-                       .noseWheelAngle = -14};
-    return one;
-}
-
 model::RemoteAircraft withAllKnown()
 {
-    model::RemoteAircraft one = aircraft();
+    model::RemoteAircraft one = test::remoteAircraft();
     model::AircraftConfiguration &config = one.configuration;
     config.isFullData = true;
     config.engines.present = true;
@@ -86,22 +66,6 @@ model::RemoteAircraft withAllKnown()
     return one;
 }
 
-model::RemoteAircraft withGearKnown()
-{
-    model::RemoteAircraft one = aircraft();
-    one.configuration.gearDown = true;
-    return one;
-}
-
-model::Controller station(const QString &callsign, quint32 frequency)
-{
-    model::Controller one;
-    one.callsign = callsign;
-    one.frequency = frequency;
-    one.valid = true;
-    return one;
-}
-
 /// Every message to the plugin, in the order of the file.
 QList<Golden> messagesToThePlugin()
 {
@@ -109,17 +73,18 @@ QList<Golden> messagesToThePlugin()
     const QString other = QStringLiteral("CCA2");
     const QString tower = QStringLiteral("ZBAA_TWR");
     const QString hi = QStringLiteral("hi");
-    const model::RemoteAircraft one = aircraft();
+    const model::RemoteAircraft one = test::remoteAircraft();
     const model::AircraftVisualState &at = one.visualState;
     return {
         {"VER", message::version()},
         {"CSL", message::csl({QStringLiteral("/a"), QStringLiteral("/b")})},
         {"ADD", message::add(one)},
         {"ACCONF full", message::configuration(withAllKnown())},
-        {"ACCONF gear alone", message::configuration(withGearKnown())},
+        {"ACCONF gear alone", message::configuration(test::aircraftWithGearDown())},
         {"DEL", message::remove(own, QStringLiteral("Stale"))},
         {"DELALL", message::removeAll()},
-        {"ATC", message::controllers({station(tower, 118275), station(QStringLiteral("ZBAA_GND"), 121800)})},
+        {"ATC",
+         message::controllers({test::station(tower, 118275), test::station(QStringLiteral("ZBAA_GND"), 121800)})},
         {"ATC with nobody", message::controllers({})},
         {"POS", message::position(one, at)},
         {"FSTPOS", message::fastPosition(one, at, {8, 9, 10}, {0.25, 0.5, 0.75})},
@@ -155,15 +120,6 @@ QList<std::pair<QByteArray, PluginReport>> reportsOfThePlugin()
     };
 }
 
-/// True when X-Plane's transponder is reported to be in mode C and the adapter knows.
-bool reportModeC(test::XPlaneBench &bench)
-{
-    QSignalSpy radio(bench.adapter.get(), &Simulator::radioStackStateChanged);
-    bench.simulator.report(10, 3);
-    return QTest::qWaitFor(
-        [&] { return !radio.isEmpty() && radio.last().first().value<model::RadioStackState>().squawkingModeC; });
-}
-
 } // namespace
 
 /// Holds what travels between the client and X-Plane against the bytes in golden/.
@@ -176,8 +132,8 @@ private slots:
     {
         const QList<Golden> golden = goldenFile("packets.txt");
         QCOMPARE(golden.size(), 53 + 8);
-        test::XPlaneBench bench;
-        bench.makeAdapter();
+        test::AdapterBench bench;
+        QSignalSpy radio(bench.adapter.get(), &Simulator::radioStackStateChanged);
         bench.dial();
         bench.adapter->reconnectSimulator();
         bench.adapter->setTransponderCode(2000);
@@ -185,10 +141,13 @@ private slots:
         bench.adapter->setCom2Frequency(121800);
         bench.adapter->transponderIdent();
         bench.adapter->transponderModeToggle();
-        QTRY_COMPARE(bench.simulator.datagrams().size(), golden.size() - 2);
-        QVERIFY(reportModeC(bench));
+        TRY_COMPARE(bench.simulator.datagrams().size(), golden.size() - 2);
+        QVERIFY(bench.report(10, 3, [&] { // in mode C
+            bench.publish();
+            return !radio.isEmpty() && radio.last().first().value<model::RadioStackState>().squawkingModeC;
+        }));
         bench.adapter->transponderModeToggle();
-        QTRY_COMPARE(bench.simulator.datagrams().size(), golden.size());
+        TRY_COMPARE(bench.simulator.datagrams().size(), golden.size());
         for (qsizetype i = 0; i < golden.size(); ++i)
             QVERIFY2(bench.simulator.datagrams().at(i) == golden.at(i).bytes, golden.at(i).name.constData());
     }

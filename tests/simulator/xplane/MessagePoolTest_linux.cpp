@@ -1,4 +1,5 @@
 #include "simulator/xplane/MessagePool.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <nng/nng.h>
@@ -74,13 +75,13 @@ private slots:
 
     void twoOfThePoolWork()
     {
-        QTRY_VERIFY(HeldCallbacks().atOnce(2));
-        QTRY_VERIFY(!HeldCallbacks().atOnce(3)); // the others are parked a moment after the start
+        TRY_VERIFY(HeldCallbacks().atOnce(2));
+        TRY_VERIFY(!HeldCallbacks().atOnce(3)); // the others are parked a moment after the start
     }
 
     void thePoolWaitsForAFreeProcessor()
     {
-        QTRY_VERIFY(poolThreads().size() >= 2);
+        TRY_VERIFY(poolThreads().size() >= 2);
         for (const int thread : poolThreads())
             QCOMPARE(sched_getscheduler(thread), SCHED_BATCH);
     }

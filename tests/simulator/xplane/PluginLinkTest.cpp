@@ -1,4 +1,4 @@
-#include "simulator/xplane/PluginLink.h"
+#include "XPlaneBench.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "simulator/xplane/ReportInbox.h"
 #include "support/LogCapture.h"
@@ -20,20 +20,13 @@
 #include <thread>
 
 using namespace tarvo::simulator::xplane;
+using tarvo::test::addedMessage;
 using tarvo::test::packPluginMessage;
+using tarvo::test::PluginBench;
 using tarvo::test::PluginPeer;
 using Kind = OutgoingMessage::Kind;
 
 namespace {
-
-struct Bench : tarvo::test::PluginAddressDir
-{
-    void listen() { plugin = std::make_unique<PluginPeer>(url()); }
-    void open() { link->open({.url = url(), .local = true}); }
-
-    std::unique_ptr<PluginPeer> plugin;
-    std::unique_ptr<PluginLink> link = std::make_unique<PluginLink>();
-};
 
 /// Counts, while it lives, the messages that the link says it has dropped.
 class DropCounter
@@ -45,7 +38,7 @@ public:
     DropCounter &operator=(const DropCounter &) = delete;
 
     /// Runs no events meanwhile.
-    void waitFor(int count) const
+    static void waitFor(int count)
     {
         const QDeadlineTimer deadline(5000);
         while (s_count < count && !deadline.hasExpired())
@@ -67,11 +60,6 @@ private:
 /// Messages for nobody that stay in the socket itself.
 constexpr qsizetype socketHolds = 8192;
 
-QByteArray added(int number)
-{
-    return packPluginMessage(QStringLiteral("ADDED"), {QString::number(number)});
-}
-
 } // namespace
 
 class PluginLinkTest : public QObject
@@ -81,8 +69,8 @@ class PluginLinkTest : public QObject
 private slots:
     void messagesBeforeOpeningAreKeptInOrder()
     {
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         QVERIFY(!bench.link->isReady());
         bench.link->send(message::heartbeat(QStringLiteral("A")));
         bench.link->send(message::removeAll());
@@ -91,51 +79,49 @@ private slots:
         bench.link->send(message::version());
         const QList<QByteArray> expected{message::heartbeat(QStringLiteral("A")), message::removeAll(),
                                          message::version()};
-        QTRY_COMPARE(bench.plugin->messages(), expected);
+        TRY_COMPARE(bench.plugin->messages(), expected);
     }
 
     void pluginThatComesLaterGetsEverything()
     {
-        Bench bench;
+        PluginBench bench;
         QSignalSpy errors(bench.link.get(), &PluginLink::socketError);
         bench.open();
         bench.link->send(message::version());
         bench.link->send(message::removeAll());
-        bench.listen();
+        bench.startPlugin();
         const QList<QByteArray> expected{message::version(), message::removeAll()};
-        QTRY_COMPARE(bench.plugin->messages(), expected);
+        TRY_COMPARE(bench.plugin->messages(), expected);
         QCOMPARE(errors.size(), 0);
     }
 
     void pluginThatVanishesIsFoundAgain()
     {
-        Bench bench;
-        bench.listen();
-        bench.open();
-        QTRY_VERIFY(bench.plugin->hasClient());
+        PluginBench bench;
+        QVERIFY(bench.connect());
         bench.plugin.reset();
         bench.link->send(message::version());
-        bench.listen();
-        QTRY_VERIFY(bench.plugin->hasClient());
+        bench.startPlugin();
+        TRY_VERIFY(bench.plugin->hasClient());
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
-        bench.plugin->sendRaw(added(1));
-        QTRY_COMPARE(reports.size(), 1);
+        bench.plugin->sendRaw(addedMessage(1));
+        TRY_COMPARE(reports.size(), 1);
     }
 
     void saysWhenAPluginComesAndGoes()
     {
-        Bench bench;
+        PluginBench bench;
         QSignalSpy connected(bench.link.get(), &PluginLink::pluginConnected);
         bench.open();
         QVERIFY(!bench.link->isConnected());
         for (const bool first : {true, false, false}) {
-            bench.listen();
-            QTRY_COMPARE(connected.size(), 1);
+            bench.startPlugin();
+            TRY_COMPARE(connected.size(), 1);
             QCOMPARE(connected.takeFirst().first().toBool(), first);
             QVERIFY(bench.link->isConnected());
             const tarvo::test::LogCapture log;
             bench.plugin.reset();
-            QTRY_VERIFY(!log.texts().isEmpty());
+            TRY_VERIFY(!log.texts().isEmpty());
             QCOMPARE(log.texts(QtWarningMsg),
                      QStringList{QStringLiteral("X-Plane plugin connection has ended: the plugin went, or it sent "
                                                 "more than 131072 bytes at once")});
@@ -146,25 +132,25 @@ private slots:
     /// nng's own dialling stops for good when the connection ends just before the handshake: one time in three here.
     void diallingCanBeginAnew()
     {
-        std::array<Bench, 8> benches;
-        for (Bench &bench : benches) {
+        std::array<PluginBench, 8> benches;
+        for (PluginBench &bench : benches) {
             QLocalServer rude;
             connect(&rude, &QLocalServer::newConnection, &rude, [&rude] { delete rude.nextPendingConnection(); });
             QVERIFY(rude.listen(bench.url().mid(6)));
             QSignalSpy rejected(&rude, &QLocalServer::newConnection);
             bench.open();
-            QTRY_VERIFY(!rejected.isEmpty());
+            TRY_VERIFY(!rejected.isEmpty());
         }
-        for (Bench &bench : benches) {
-            bench.listen();
+        for (PluginBench &bench : benches) {
+            bench.startPlugin();
             bench.link->dialAnew();
             bench.link->send(message::version());
         }
-        for (Bench &bench : benches) {
-            QTRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{message::version()});
+        for (PluginBench &bench : benches) {
+            TRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{message::version()});
             bench.link->dialAnew(); // does nothing to a connection
             bench.link->send(message::removeAll());
-            QTRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message::version(), message::removeAll()}));
+            TRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message::version(), message::removeAll()}));
         }
     }
 
@@ -189,11 +175,11 @@ private slots:
     {
         QFETCH(int, size);
         QFETCH(int, sent);
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         bench.link->send(QByteArray(size, 'x'));
-        QTRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{QByteArray(sent, 'x')});
+        TRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{QByteArray(sent, 'x')});
     }
 
     void whatIsNoPositionIsNeverLost_data()
@@ -206,30 +192,30 @@ private slots:
     void whatIsNoPositionIsNeverLost()
     {
         QFETCH(bool, opensFirst);
-        Bench bench;
+        PluginBench bench;
         if (opensFirst)
             bench.open();
         QList<QByteArray> expected;
         for (int i = 0; i < 20'000; ++i) { // far more than the socket holds
-            expected.append(added(i));
+            expected.append(addedMessage(i));
             bench.link->send(expected.last());
         }
         if (!opensFirst)
             bench.open();
-        bench.listen();
-        QTRY_COMPARE(bench.plugin->messages().size(), expected.size());
+        bench.startPlugin();
+        TRY_COMPARE(bench.plugin->messages().size(), expected.size());
         QCOMPARE(bench.plugin->messages(), expected);
         bench.link->send(message::version()); // and on it goes
-        QTRY_COMPARE(bench.plugin->messages().last(), message::version());
+        TRY_COMPARE(bench.plugin->messages().last(), message::version());
     }
 
     void onlyTheNewestPositionWaits()
     {
-        Bench bench;
+        PluginBench bench;
         bench.open();
         QList<QByteArray> expected;
         for (int i = 0; i < socketHolds + 1; ++i) { // the last one waits for room in the socket
-            expected.append(added(i));
+            expected.append(addedMessage(i));
             bench.link->send(expected.last());
         }
         const QString callsign = QStringLiteral("A");
@@ -242,28 +228,28 @@ private slots:
         for (int i = 0; i < 1000; ++i)
             expected.append("other " + QByteArray::number(i));
         expected.append("gone");
-        bench.listen();
-        QTRY_COMPARE(bench.plugin->messages().size(), expected.size());
+        bench.startPlugin();
+        TRY_COMPARE(bench.plugin->messages().size(), expected.size());
         QCOMPARE(bench.plugin->messages(), expected);
     }
 
     void aPluginThatNeverReadsIsTold()
     {
-        Bench bench;
+        PluginBench bench;
         bench.open();
         QSignalSpy lost(bench.link.get(), &PluginLink::messagesLost);
         QTest::ignoreMessage(QtWarningMsg, "X-Plane plugin does not read: messages are lost until it does");
         const QByteArray large(60'000, 'x');
         const qsizetype tooMany = socketHolds + 1 + Outbox::mostBytes / large.size() + 1;
         for (qsizetype i = 0; i < socketHolds + 1; ++i)
-            bench.link->send(added(0));
+            bench.link->send(addedMessage(0));
         for (qsizetype i = socketHolds + 1; i < tooMany + 10; ++i)
             bench.link->send(large);
         QCOMPARE(lost.size(), 0);
-        bench.listen();
-        QTRY_COMPARE(lost.size(), 1);
+        bench.startPlugin();
+        TRY_COMPARE(lost.size(), 1);
         bench.link->send(message::version());
-        QTRY_COMPARE(bench.plugin->messages().size(), socketHolds + 2);
+        TRY_COMPARE(bench.plugin->messages().size(), socketHolds + 2);
         QCOMPARE(bench.plugin->messages().last(), message::version());
         QCOMPARE(lost.size(), 1);
     }
@@ -299,18 +285,18 @@ private slots:
     {
         for (int total = 1; total <= 4; ++total)
             expectDropLine(total);
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         bench.plugin->sendRaw(QByteArray());
         bench.plugin->sendRaw(QByteArrayLiteral("\xc1"));
         bench.plugin->sendRaw(QByteArrayLiteral("\x07"));
         bench.plugin->send(QStringLiteral("PING")); // unknown: neither dropped with a warning nor handed on
         bench.plugin->send(QStringLiteral("VER"), {QStringLiteral("text")});
-        bench.plugin->sendRaw(added(1));
-        QTRY_COMPARE(reports.size(), 1);
+        bench.plugin->sendRaw(addedMessage(1));
+        TRY_COMPARE(reports.size(), 1);
         QVERIFY(reports.first().first().value<PluginReport>() == PluginReport(report::Added{QStringLiteral("1")}));
     }
 
@@ -321,47 +307,47 @@ private slots:
         expectDropLine(40);
         expectDropLine(80);
         QTest::failOnWarning(QRegularExpression(QStringLiteral("dropped"))); // any other one
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         for (int i = 0; i < 100; ++i)
             bench.plugin->sendRaw(QByteArrayLiteral("\xc1"));
-        bench.plugin->sendRaw(added(1));
-        QTRY_COMPARE(reports.size(), 1); // and the loop goes on
+        bench.plugin->sendRaw(addedMessage(1));
+        TRY_COMPARE(reports.size(), 1); // and the loop goes on
     }
 
     void floodArrivesWholeAndInOrder()
     {
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         QStringList callsigns;
         connect(bench.link.get(), &PluginLink::reportReceived, this,
                 [&](const PluginReport &one) { callsigns.append(std::get<report::Added>(one).callsign); });
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         QStringList expected;
         for (int i = 0; i < 3000; ++i) { // far more than the inbox holds while this thread is busy here
-            bench.plugin->sendRaw(added(i));
+            bench.plugin->sendRaw(addedMessage(i));
             expected.append(QString::number(i));
         }
-        QTRY_COMPARE(callsigns.size(), 3000);
+        TRY_COMPARE(callsigns.size(), 3000);
         QCOMPARE(callsigns, expected);
     }
 
     void otherEventsGetTheirTurnInAFlood()
     {
         const DropCounter drops;
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         int batches = 0;
         const auto sendBatch = [&](int size) {
             for (int i = 0; i < size; ++i)
-                bench.plugin->sendRaw(added(i));
+                bench.plugin->sendRaw(addedMessage(i));
             bench.plugin->sendRaw(QByteArrayLiteral("\xc1")); // its line tells that those before it are in the inbox
-            drops.waitFor(++batches);
+            DropCounter::waitFor(++batches);
         };
         int seen = 0;
         int sinceTurn = 0;
@@ -377,9 +363,9 @@ private slots:
             else if (seen % 200 == 5 && seen < 1500)
                 sendBatch(200);
         });
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         sendBatch(1);
-        QTRY_COMPARE(seen, 1605);
+        TRY_COMPARE(seen, 1605);
         QVERIFY2(mostSinceTurn <= 256, qPrintable(QString::number(mostSinceTurn)));
     }
 
@@ -387,19 +373,19 @@ private slots:
     void whatTheInboxCantHoldIsDropped()
     {
         const DropCounter drops;
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         const QByteArray large = packPluginMessage(QStringLiteral("ADDED"), {QString(60'000, u'x')});
         const auto most = static_cast<qsizetype>(ReportInbox::mostBytes) / large.size();
         for (qsizetype i = 0; i < most + 5; ++i)
             bench.plugin->sendRaw(large);
-        drops.waitFor(5);
-        QTRY_COMPARE(reports.size(), most);
-        bench.plugin->sendRaw(added(1));
-        QTRY_COMPARE(reports.size(), most + 1);
+        DropCounter::waitFor(5);
+        TRY_COMPARE(reports.size(), most);
+        bench.plugin->sendRaw(addedMessage(1));
+        TRY_COMPARE(reports.size(), most + 1);
     }
 
     void aMessageThatIsTooLargeIsRefused()
@@ -407,47 +393,47 @@ private slots:
         const auto addedOfLength = [](int length) {
             return packPluginMessage(QStringLiteral("ADDED"), {QString(length, u'x')});
         };
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         QList<qsizetype> lengths;
         connect(bench.link.get(), &PluginLink::reportReceived, this,
                 [&](const PluginReport &one) { lengths.append(std::get<report::Added>(one).callsign.size()); });
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         bench.plugin->sendRaw(addedOfLength(130'000));
-        QTRY_COMPARE(lengths, QList<qsizetype>{130'000});
+        TRY_COMPARE(lengths, QList<qsizetype>{130'000});
         bench.plugin->sendRaw(addedOfLength(132'000));
         const auto theNextIsHere = [&] { // again and again: what goes into the connection that ends is lost
             bench.plugin->sendRaw(addedOfLength(1));
             return lengths.size() > 1;
         };
-        QTRY_VERIFY(theNextIsHere());
+        TRY_VERIFY(theNextIsHere());
         QCOMPARE(lengths.at(1), 1);
     }
 
     void mayBeDestroyedBeforeOpening()
     {
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.link->send(message::version());
         bench.link.reset();
         bench.link = std::make_unique<PluginLink>();
         bench.link->send(message::removeAll());
         bench.open();
-        QTRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{message::removeAll()}); // nothing of the first one
+        TRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{message::removeAll()}); // nothing of the first one
     }
 
     void mayBeDestroyedWhileTheThreadWaits()
     {
         for (int i = 0; i < 30; ++i) {
-            Bench bench;
+            PluginBench bench;
             if (i % 2 == 0)
-                bench.listen();
+                bench.startPlugin();
             bench.open();
             if (i % 3 == 0)
                 bench.link->send(message::version());
             if (i % 6 == 0)
-                QTRY_VERIFY(bench.plugin->hasClient());
+                TRY_VERIFY(bench.plugin->hasClient());
             bench.link.reset(); // would hang if the thread did not leave
         }
     }
@@ -455,35 +441,35 @@ private slots:
     void mayBeDestroyedInAFlood()
     {
         for (int i = 0; i < 20; ++i) {
-            Bench bench;
-            bench.listen();
+            PluginBench bench;
+            bench.startPlugin();
             bench.open();
             int seen = 0;
             connect(bench.link.get(), &PluginLink::reportReceived, this, [&seen] { ++seen; });
-            QTRY_VERIFY(bench.plugin->hasClient());
+            TRY_VERIFY(bench.plugin->hasClient());
             for (int j = 0; j < 1000; ++j)
-                bench.plugin->sendRaw(added(j));
-            QTRY_VERIFY(seen > i * 10);
+                bench.plugin->sendRaw(addedMessage(j));
+            TRY_VERIFY(seen > i * 10);
             bench.link.reset(); // now the inbox is full or being filled
-            QTRY_VERIFY(!bench.plugin->hasClient());
+            TRY_VERIFY(!bench.plugin->hasClient());
         }
     }
 
     void mayBeDestroyedByAReceiver()
     {
-        Bench bench;
-        bench.listen();
+        PluginBench bench;
+        bench.startPlugin();
         bench.open();
         int seen = 0;
         connect(bench.link.get(), &PluginLink::reportReceived, this, [&] {
             ++seen;
             bench.link.reset(); // in the middle of its own signal, with further reports in the inbox
         });
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         for (int i = 0; i < 10; ++i)
-            bench.plugin->sendRaw(added(i));
-        QTRY_VERIFY(!bench.link);
-        QTRY_VERIFY(!bench.plugin->hasClient());
+            bench.plugin->sendRaw(addedMessage(i));
+        TRY_VERIFY(!bench.link);
+        TRY_VERIFY(!bench.plugin->hasClient());
         QCOMPARE(seen, 1);
     }
 

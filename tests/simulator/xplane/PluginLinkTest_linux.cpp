@@ -1,5 +1,6 @@
 #include "simulator/xplane/MessagePool.h"
 #include "simulator/xplane/PluginLink.h"
+#include "support/Patience.h"
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
 
@@ -60,7 +61,7 @@ private slots:
         QVERIFY(link.isReady()); // attempts end in their time-out
         tarvo::test::PluginPeer plugin(address.url());
         link.send(QByteArray("x"));
-        QTRY_COMPARE(plugin.messages(), QList<QByteArray>{"x"});
+        TRY_COMPARE(plugin.messages(), QList<QByteArray>{"x"});
     }
 
     /// The leak report is told to look away from the library's messages; so they are counted here.

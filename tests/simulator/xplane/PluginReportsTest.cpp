@@ -12,6 +12,7 @@ class PluginReportsTest : public QObject
     Q_OBJECT
 
 private slots:
+    /// What the golden file leaves open.
     void reportIs_data()
     {
         QTest::addColumn<QByteArray>("bytes");
@@ -19,27 +20,11 @@ private slots:
         const auto add = [](const char *name, const QByteArray &bytes, const PluginReport &expected) {
             QTest::newRow(name) << bytes << expected;
         };
-        add("VER", QByteArray::fromHex("92a356455291ce00010000"), report::Version{65536});
         add("VER small", QByteArray::fromHex("92a35645529107"), report::Version{7});
         add("VER negative", QByteArray::fromHex("92a356455291ff"), report::Version{-1});
-        add("VER without a version", QByteArray::fromHex("92a356455290"), report::Version{std::nullopt});
         add("VER with more", QByteArray::fromHex("92a3564552920708"), report::Version{7});
-        add("CSL true", QByteArray::fromHex("92a343534c9291a22f61c3"), report::Csl{true});
         add("CSL false", QByteArray::fromHex("92a343534c9290c2"), report::Csl{false});
-        add("ADDED", QByteArray::fromHex("92a5414444454491a443434131"), report::Added{QStringLiteral("CCA1")});
         add("ADDED empty", QByteArray::fromHex("92a5414444454491a0"), report::Added{});
-        add("DELETED", packPluginMessage(QStringLiteral("DELETED"), {QStringLiteral("CCA1")}),
-            report::Deleted{QStringLiteral("CCA1")});
-        add("REQSTATION", packPluginMessage(QStringLiteral("REQSTATION"), {QStringLiteral("ZBAA_TWR")}),
-            report::StationRequest{QStringLiteral("ZBAA_TWR")});
-        add("RDIOSENT", packPluginMessage(QStringLiteral("RDIOSENT"), {QStringLiteral("你好")}),
-            report::RadioSent{QStringLiteral("你好")});
-        add("PRIVSENT", packPluginMessage(QStringLiteral("PRIVSENT"), {QStringLiteral("B"), QStringLiteral("hi")}),
-            report::PrivateSent{QStringLiteral("B"), QStringLiteral("hi")});
-        add("FORCEDISC", packPluginMessage(QStringLiteral("FORCEDISC"), {QStringLiteral("bye")}),
-            report::ForceDisconnect{QStringLiteral("bye")});
-        add("FORCEDISC empty", packPluginMessage(QStringLiteral("FORCEDISC"), {QString()}), report::ForceDisconnect{});
-        add("SHUTDOWN", QByteArray::fromHex("92a853485554444f574e90"), report::Shutdown{});
         add("unknown name", packPluginMessage(QStringLiteral("PING"), {1, true, QVariant(), 2.5}), report::Unknown{});
         add("empty name", packPluginMessage(QString()), report::Unknown{});
         add("name in lower case", packPluginMessage(QStringLiteral("ver"), {65536}), report::Unknown{});

@@ -8,16 +8,17 @@
 #include <QTest>
 
 using namespace tarvo::simulator::xplane;
+using Kind = OutgoingMessage::Kind;
 
 namespace {
 
 /// A sender at a socket to which nobody is connected.
 struct SenderBench
 {
-    explicit SenderBench(int socketHolds)
+    explicit SenderBench(int bufferSize)
     {
         nng_pair1_open(&socket);
-        nng_socket_set_int(socket, NNG_OPT_SENDBUF, socketHolds);
+        nng_socket_set_int(socket, NNG_OPT_SENDBUF, bufferSize);
     }
     ~SenderBench() { nng_close(socket); }
     SenderBench(const SenderBench &) = delete;
@@ -91,7 +92,6 @@ private slots:
 
     void whatIsDroppedIsTold()
     {
-        using Kind = OutgoingMessage::Kind;
         const OutgoingMessage half(QByteArray(60'000, 'x'));
         const qsizetype most = Outbox::mostBytes / half.bytes.size();
         const tarvo::test::LogCapture log;

@@ -1,4 +1,5 @@
 #include "simulator/xplane/PluginMessages.h"
+#include "support/Patience.h"
 #include "support/PluginPeer.h"
 #include "support/TestRegistry.h"
 
@@ -20,7 +21,7 @@ private slots:
         PluginPeer plugin(address.url());
         QProcess program;
         program.start(QStringLiteral(TARVO_LAST_WORDS_PROGRAM), {address.url(), QString::number(messages)});
-        QTRY_VERIFY(plugin.hasClient());
+        TRY_VERIFY(plugin.hasClient());
         plugin.send(QStringLiteral("ADDED"), {QStringLiteral("A")});
         QVERIFY(program.waitForFinished());
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
@@ -28,7 +29,7 @@ private slots:
         QList<QByteArray> expected;
         for (int i = 0; i < messages; ++i)
             expected.append(message::heartbeat(QString::number(i)));
-        QTRY_COMPARE(plugin.messages(), expected);
+        TRY_COMPARE(plugin.messages(), expected);
     }
 };
 

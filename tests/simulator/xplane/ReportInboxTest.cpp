@@ -8,7 +8,7 @@ using Put = ReportInbox::Put;
 
 namespace {
 
-PluginReport added(int number)
+PluginReport reportOf(int number)
 {
     return report::Added{QString::number(number)};
 }
@@ -25,9 +25,9 @@ private slots:
         ReportInbox inbox;
         QVERIFY(!inbox.take());
         for (int i = 0; i < 3; ++i)
-            inbox.put(added(i), 1);
+            inbox.put(reportOf(i), 1);
         for (int i = 0; i < 3; ++i)
-            QVERIFY(inbox.take() == added(i));
+            QVERIFY(inbox.take() == reportOf(i));
         QVERIFY(!inbox.take());
     }
 
@@ -45,27 +45,27 @@ private slots:
         QFETCH(size_t, bytes);
         ReportInbox inbox;
         for (size_t i = 0; i < count; ++i)
-            QVERIFY(inbox.put(added(0), bytes) != Put::Refused);
-        QCOMPARE(inbox.put(added(1), 1), Put::Refused);
-        QVERIFY(inbox.take() == added(0));
-        QCOMPARE(inbox.put(added(2), bytes), Put::Kept);
-        QCOMPARE(inbox.put(added(3), 1), Put::Refused);
+            QVERIFY(inbox.put(reportOf(0), bytes) != Put::Refused);
+        QCOMPARE(inbox.put(reportOf(1), 1), Put::Refused);
+        QVERIFY(inbox.take() == reportOf(0));
+        QCOMPARE(inbox.put(reportOf(2), bytes), Put::Kept);
+        QCOMPARE(inbox.put(reportOf(3), 1), Put::Refused);
     }
 
     void oneDrainIsScheduledAtATime()
     {
         ReportInbox inbox;
-        QCOMPARE(inbox.put(added(0), 1), Put::KeptFirst);
-        QCOMPARE(inbox.put(added(1), 1), Put::Kept);
+        QCOMPARE(inbox.put(reportOf(0), 1), Put::KeptFirst);
+        QCOMPARE(inbox.put(reportOf(1), 1), Put::Kept);
         inbox.beginDrain();
         QVERIFY(inbox.stopDrain());
-        QCOMPARE(inbox.put(added(2), 1), Put::Kept);
+        QCOMPARE(inbox.put(reportOf(2), 1), Put::Kept);
         QVERIFY(!inbox.stopDrain()); // one is scheduled already
         inbox.beginDrain();
         while (inbox.take()) {
         }
         QVERIFY(!inbox.stopDrain());
-        QCOMPARE(inbox.put(added(3), 1), Put::KeptFirst);
+        QCOMPARE(inbox.put(reportOf(3), 1), Put::KeptFirst);
     }
 };
 

@@ -1,4 +1,4 @@
-#include "AdapterBench.h"
+#include "XPlaneBench.h"
 #include "simulator/xplane/PluginLink.h"
 #include "support/TestRegistry.h"
 
@@ -10,7 +10,7 @@
 using namespace tarvo;
 using simulator::Simulator;
 using simulator::xplane::PluginLink;
-using Bench = test::AdapterBench;
+using test::AdapterBench;
 
 /// A link that was asked for once comes back by itself.
 class XPlaneAdapterRecoveryTest : public QObject
@@ -30,7 +30,7 @@ private slots:
     {
         QFETCH(int, version);
         QFETCH(bool, connects);
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
         bench.endAttempt();
         QVERIFY(bench.answerVersion(version));
@@ -42,35 +42,34 @@ private slots:
 
     void aNewPluginBeginsAnAttempt_data()
     {
-        QTest::addColumn<std::function<void(Bench &)>>("before");
+        QTest::addColumn<std::function<void(AdapterBench &)>>("before");
         QTest::addColumn<QList<bool>>("connected");
-        const auto add = [](const char *name, std::function<void(Bench &)> before, const QList<bool> &connected) {
-            QTest::newRow(name) << std::move(before) << connected;
-        };
-        add("on a link that is up", [](Bench &bench) { QVERIFY(bench.connect()); }, {true, false, true});
-        add("in an attempt", [](Bench &bench) { QVERIFY(bench.begin()); }, {true});
+        const auto add = [](const char *name, std::function<void(AdapterBench &)> before,
+                            const QList<bool> &connected) { QTest::newRow(name) << std::move(before) << connected; };
+        add("on a link that is up", [](AdapterBench &bench) { QVERIFY(bench.connect()); }, {true, false, true});
+        add("in an attempt", [](AdapterBench &bench) { QVERIFY(bench.begin()); }, {true});
         add("after an attempt",
-            [](Bench &bench) {
+            [](AdapterBench &bench) {
                 QVERIFY(bench.begin());
                 bench.endAttempt();
             },
             {true});
         add("after its first one has shut down",
-            [](Bench &bench) {
+            [](AdapterBench &bench) {
                 QVERIFY(bench.connect());
                 bench.plugin->send(QStringLiteral("SHUTDOWN"));
-                QTRY_COMPARE(bench.connection->size(), 2);
+                TRY_COMPARE(bench.connection->size(), 2);
             },
             {true, false, true});
         add("in place of one that was too old",
-            [](Bench &bench) {
+            [](AdapterBench &bench) {
                 QVERIFY(bench.begin());
                 QVERIFY(bench.answerVersion(65535));
                 bench.endAttempt();
             },
             {true});
         add("where there was none",
-            [](Bench &bench) {
+            [](AdapterBench &bench) {
                 bench.plugin.reset();
                 bench.dial();
                 bench.adapter->reconnectSimulator();
@@ -81,17 +80,17 @@ private slots:
 
     void aNewPluginBeginsAnAttempt()
     {
-        QFETCH(std::function<void(Bench &)>, before);
+        QFETCH(std::function<void(AdapterBench &)>, before);
         QFETCH(QList<bool>, connected);
-        Bench bench;
+        AdapterBench bench;
         before(bench);
         QStringList order;
         connect(bench.adapter.get(), &Simulator::simConnectionStateChanged, this,
                 [&order](bool up) { order << (up ? QStringLiteral("up") : QStringLiteral("down")); });
         connect(bench.adapter.get(), &Simulator::restarted, this, [&order] { order << QStringLiteral("restarted"); });
         QVERIFY(bench.restartPlugin());
-        QVERIFY(bench.answerVersion(65536));
-        QTRY_VERIFY(bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
+        QVERIFY(bench.answerVersion());
+        TRY_VERIFY(bench.attemptTimer()->isActive());
         bench.tick();
         QCOMPARE(order.mid(order.indexOf(QStringLiteral("up"))),
                  (QStringList{QStringLiteral("up"), QStringLiteral("restarted")}));
@@ -100,30 +99,30 @@ private slots:
             seen.append(one.first().toBool());
         QCOMPARE(seen, connected);
         bench.adapter->reconnectSimulator(); // the plugin knows everything now
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.restarted->size(), 1);
     }
 
     void aPluginIsNotAskedUnlessSomebodyWantsTo()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.dial();
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         bench.plugin.reset();
         bench.startPlugin();
-        QTRY_VERIFY(bench.plugin->hasClient());
-        QVERIFY(bench.answerVersion(65536)); // unasked
+        TRY_VERIFY(bench.plugin->hasClient());
+        QVERIFY(bench.answerVersion()); // unasked
         bench.clock.advance(10'000);
         bench.tick();
         bench.adapter->networkDisconnected();
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("DISCON")});
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("DISCON")});
         QVERIFY(bench.simulator.datagrams().isEmpty());
     }
 
     void aPluginThatMissedMessagesIsToldAnew()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.plugin.reset();
         bench.dial();
         bench.adapter->reconnectSimulator();
@@ -133,8 +132,8 @@ private slots:
             bench.adapter->showRadioMessageSent(i < 8192 ? QString() : text);
         bench.startPlugin();
         // With the first connection the attempt's own question, and then another.
-        QTRY_COMPARE(bench.plugin->count(QStringLiteral("VER")), 2);
-        QVERIFY(bench.answerVersion(65536));
+        TRY_COMPARE(bench.plugin->count(QStringLiteral("VER")), 2);
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.connection->size(), 1);
         QCOMPARE(bench.restarted->size(), 1);
@@ -150,8 +149,8 @@ private slots:
     void aPluginThatComesInAnAttemptProlongsItOnce()
     {
         QFETCH(bool, first);
-        Bench bench;
-        auto *timer = bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"));
+        AdapterBench bench;
+        auto *timer = bench.attemptTimer();
         if (first) {
             bench.plugin.reset();
             bench.dial();
@@ -162,7 +161,7 @@ private slots:
         for (const bool prolongs : {true, false}) {
             timer->stop();
             QVERIFY(bench.restartPlugin());
-            QTRY_COMPARE(timer->isActive(), prolongs);
+            TRY_COMPARE(timer->isActive(), prolongs);
         }
         timer->start();
         bench.endAttempt();
@@ -171,7 +170,7 @@ private slots:
 
     void anOutageIsToldOnce()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         for (int i = 0; i < 3; ++i) {
             QVERIFY(bench.restartPlugin());
@@ -181,7 +180,7 @@ private slots:
         bench.adapter->reconnectSimulator();
         bench.endAttempt();
         QCOMPARE(bench.failure->size(), 2); // who asks gets an answer
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QVERIFY(bench.connection->last().first().toBool());
         QVERIFY(bench.restartPlugin());
@@ -199,7 +198,7 @@ private slots:
     void aSilentSimulatorIsCalledEveryTenSeconds()
     {
         QFETCH(bool, up);
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(up ? bench.connect() : bench.begin());
         if (!up)
             bench.endAttempt();
@@ -208,35 +207,34 @@ private slots:
             bench.clock.advance(9000);
             bench.tick();
             bench.adapter->transponderIdent(); // comes behind whatever was sent before
-            QTRY_COMPARE(bench.simulator.commands().size(), 1);
+            TRY_COMPARE(bench.simulator.commands().size(), 1);
             QVERIFY(bench.simulator.subscriptions().isEmpty());
             bench.clock.advance(1000);
             bench.tick();
-            QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+            TRY_COMPARE(bench.simulator.subscriptions().size(), 53);
         }
         QCOMPARE(bench.plugin->count(QStringLiteral("VER")), 1);
     }
 
     void withoutAPluginItBeginsNone()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.clock.advance(16'000);
         bench.tick();
         bench.plugin.reset();
-        QTRY_VERIFY(!bench.adapter->findChild<PluginLink *>()->isConnected());
-        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
-        QVERIFY(bench.report(52, 120105, [&] { return version.size() == 1; }));
+        TRY_VERIFY(!bench.adapter->findChild<PluginLink *>()->isConnected());
+        QVERIFY(bench.hear());
         bench.tick();
-        QVERIFY(!bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
+        QVERIFY(!bench.attemptTimer()->isActive());
     }
 
     void aReceiverMayReconnectBeforeTheRestartIsTold()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         QVERIFY(bench.restartPlugin());
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bool reconnects = true;
         connect(bench.adapter.get(), &Simulator::simConnectionStateChanged, this, [&](bool connected) {
             if (connected && std::exchange(reconnects, false))
@@ -245,38 +243,38 @@ private slots:
         bench.tick();
         QVERIFY(!reconnects);
         QCOMPARE(bench.restarted->size(), 0);
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.restarted->size(), 1);
     }
 
     void aSimulatorThatIsHeardAgainBeginsAnAttempt()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.clock.advance(16'000);
         bench.tick();
         QCOMPARE(bench.connection->size(), 2);
         bench.plugin->clear();
-        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
-        QVERIFY(bench.report(52, 120105, [&] { return version.size() == 1; }));
+        QVERIFY(bench.hear());
         bench.tick();
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
-        QVERIFY(bench.answerVersion(65536));
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.connection->size(), 3);
         QCOMPARE(bench.restarted->size(), 0); // the plugin was there all the time
         bench.plugin->send(QStringLiteral("SHUTDOWN"));
-        QTRY_COMPARE(bench.connection->size(), 4);
+        TRY_COMPARE(bench.connection->size(), 4);
         bench.tick(); // still heard: nothing new
         bench.adapter->networkDisconnected();
-        QTRY_COMPARE(bench.plugin->names().mid(1), QStringList{QStringLiteral("DISCON")});
+        TRY_COMPARE(bench.plugin->names().mid(1), QStringList{QStringLiteral("DISCON")});
     }
 
-    /// Whoever takes the connection and says nothing sees how the dialling begins anew.
+    /// Whoever takes the connection and says nothing sees how the dialling begins anew: within QTRY's 5 seconds, for
+    /// nng does it by itself after 10.
     void dialsAnewWhereNoPluginIs()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.plugin.reset();
         QLocalServer mute;
         QVERIFY(mute.listen(bench.address.url().mid(6)));

@@ -1,4 +1,4 @@
-#include "AdapterBench.h"
+#include "XPlaneBench.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "support/TestRegistry.h"
 
@@ -9,7 +9,7 @@ using namespace tarvo;
 using simulator::Simulator;
 using simulator::SimulatorType;
 using simulator::xplane::XPlaneAdapter;
-using Bench = test::AdapterBench;
+using test::AdapterBench;
 namespace message = simulator::xplane::message;
 
 namespace {
@@ -29,13 +29,13 @@ private slots:
     {
         QTest::ignoreMessage(QtWarningMsg, "X-Plane CSL validation skipped because no CSL paths are configured");
         QTest::ignoreMessage(QtInfoMsg, "X-Plane connection attempt");
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
         QCOMPARE(bench.mapping->size(), 1);
         QCOMPARE(bench.mapping->first().first().toString(), QStringLiteral("X-Plane CSL 未配置"));
         bench.tick();
         QCOMPARE(bench.connection->size(), 0); // no version yet
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         QCOMPARE(bench.invalidVersion->size(), 0);
         QCOMPARE(bench.connection->size(), 0); // only a tick connects
         bench.tick();
@@ -63,10 +63,10 @@ private slots:
     {
         QFETCH(QVariantList, arguments);
         QFETCH(bool, valid);
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
         bench.plugin->send(QStringLiteral("VER"), arguments);
-        QTRY_COMPARE(bench.versionChecked->size(), 1);
+        TRY_COMPARE(bench.versionChecked->size(), 1);
         QCOMPARE(bench.versionChecked->first().first().toBool(), valid);
         QCOMPARE(bench.invalidVersion->size(), valid ? 0 : 1);
         bench.tick();
@@ -88,7 +88,7 @@ private slots:
         QFETCH(bool, valid);
         QTest::ignoreMessage(QtInfoMsg,
                              valid ? "X-Plane CSL validation result: true" : "X-Plane CSL validation result: false");
-        Bench bench;
+        AdapterBench bench;
         const QTemporaryDir first;
         const QTemporaryDir second;
         const QString log = QStringLiteral("^Validating X-Plane CSL paths: .*\"%1/?\", \"%2/?\"");
@@ -96,12 +96,12 @@ private slots:
         bench.config.set(config::xplaneCsl, {first.path(), second.path()});
         QVERIFY(bench.begin());
         QCOMPARE(bench.mapping->takeFirst().first().toString(), QStringLiteral("X-Plane CSL 验证中：2 个路径"));
-        QTRY_COMPARE(bench.plugin->names(), (QStringList{QStringLiteral("VER"), QStringLiteral("CSL")}));
+        TRY_COMPARE(bench.plugin->names(), (QStringList{QStringLiteral("VER"), QStringLiteral("CSL")}));
         const QStringList paths = bench.config.get(config::xplaneCsl);
         QCOMPARE(bench.plugin->messages().last(), message::csl(paths));
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.plugin->send(QStringLiteral("CSL"), {QVariantList{paths.first(), paths.last()}, valid});
-        QTRY_COMPARE(bench.cslChecked->size(), 1);
+        TRY_COMPARE(bench.cslChecked->size(), 1);
         QCOMPARE(bench.cslChecked->first().first().toBool(), valid);
         QTEST(bench.mapping->takeFirst().first().toString(), "status");
         bench.tick();
@@ -112,7 +112,7 @@ private slots:
 
     void attemptEndsInItsTimeOut()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
         bench.endAttempt();
         QCOMPARE(bench.failure->size(), 1);
@@ -121,23 +121,21 @@ private slots:
         QCOMPARE(bench.connection->size(), 0);
         bench.plugin->clear();
         bench.adapter->reconnectSimulator(); // the pilot tries again
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
-        QVERIFY(bench.answerVersion(65536));
-        bench.tick();
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        QVERIFY(bench.goUp());
         QCOMPARE(bench.connection->size(), 1);
         QCOMPARE(bench.restarted->size(), 0);
     }
 
     void attemptNeedsFreshValues()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.clock.advance(1000); // from 15 seconds, which an attempt assumes, to 16
         bench.tick();
         QCOMPARE(bench.connection->size(), 0);
-        QSignalSpy version(bench.adapter.get(), &Simulator::xplaneVersionUpdated);
-        QVERIFY(bench.report(52, 120105, [&] { return version.size() == 1; }));
+        QVERIFY(bench.hear());
         bench.clock.advance(15'999);
         bench.tick();
         QCOMPARE(bench.connection->size(), 1);
@@ -145,38 +143,37 @@ private slots:
 
     void attemptBeforeTheDialWaitsForIt()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.adapter->reconnectSimulator();
-        QVERIFY(!bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
-        bench.adapter->addAircraft(test::remoteAircraft());
-        bench.adapter->updateAircraftConfiguration(test::remoteAircraft());
+        QVERIFY(!bench.attemptTimer()->isActive());
+        bench.adapter->addAircraft(test::aircraftWithGearDown());
+        bench.adapter->updateAircraftConfiguration(test::aircraftWithGearDown());
         bench.dial();
-        QTRY_COMPARE(bench.plugin->names(),
-                     (QStringList{QStringLiteral("ADD"), QStringLiteral("ACCONF"), QStringLiteral("VER")}));
-        QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
-        QVERIFY(bench.adapter->findChild<QTimer *>(QStringLiteral("attempt"))->isActive());
+        TRY_COMPARE(bench.plugin->names(),
+                    (QStringList{QStringLiteral("ADD"), QStringLiteral("ACCONF"), QStringLiteral("VER")}));
+        TRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+        QVERIFY(bench.attemptTimer()->isActive());
     }
 
     void dialWithoutAnAttemptSaysNothing()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.dial();
-        QTRY_VERIFY(bench.plugin->hasClient());
+        TRY_VERIFY(bench.plugin->hasClient());
         bench.adapter->networkDisconnected();
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("DISCON")});
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("DISCON")});
         QVERIFY(bench.simulator.datagrams().isEmpty());
     }
 
     void pluginThatComesLaterIsFound()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.plugin.reset();
         bench.dial();
         bench.adapter->reconnectSimulator();
         bench.startPlugin();
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
-        QVERIFY(bench.answerVersion(65536));
-        bench.tick();
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        QVERIFY(bench.goUp());
         QCOMPARE(bench.connection->size(), 1);
     }
 
@@ -202,7 +199,7 @@ private slots:
     void aReceiverMayReplaceTheAdapter()
     {
         QFETCH(Signal, signal);
-        Bench bench;
+        AdapterBench bench;
         bench.dial();
         const QPointer<XPlaneAdapter> old = bench.adapter.get();
         signal(old, old, [&bench] {
@@ -211,28 +208,28 @@ private slots:
         });
         old->reconnectSimulator();
         if (bench.adapter) {
-            QTRY_VERIFY(bench.plugin->hasClient());
+            TRY_VERIFY(bench.plugin->hasClient());
             bench.plugin->send(QStringLiteral("VER"), {65535});
             bench.plugin->send(QStringLiteral("CSL"), {QVariantList{}, true});
         }
-        QTRY_VERIFY(!old);
-        QTRY_VERIFY(!bench.plugin->hasClient());
+        TRY_VERIFY(!old);
+        TRY_VERIFY(!bench.plugin->hasClient());
     }
 
     void reconnectWhileConnectedDropsTheLinkFirst()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.simulator.clear();
         bench.plugin->clear();
         bench.adapter->reconnectSimulator();
         QCOMPARE(bench.connection->size(), 2);
         QCOMPARE(bench.connection->last().first().toBool(), false);
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
-        QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        TRY_COMPARE(bench.simulator.subscriptions().size(), 53);
         bench.tick();
         QCOMPARE(bench.connection->size(), 2); // the old version reply does not count any more
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.connection->size(), 3);
         QCOMPARE(bench.connection->last().first().toBool(), true);
@@ -240,12 +237,12 @@ private slots:
 
     void silentSimulatorIsLostAfterSixteenSeconds()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         QSignalSpy user(bench.adapter.get(), &Simulator::userAircraftDataChanged);
         QSignalSpy paused(bench.adapter.get(), &Simulator::simPausedStateChanged);
         bench.simulator.report({{20, 3048.0F}, {51, 1.0F}, {52, 115000.0F}});
-        QTRY_COMPARE(paused.size(), 1);
+        TRY_COMPARE(paused.size(), 1);
         bench.publish();
         QCOMPARE(user.last().first().value<model::UserAircraftData>().altitudeMslM, 3048.0);
         bench.clock.advance(15'000);
@@ -264,10 +261,10 @@ private slots:
 
     void shutdownDropsTheLink()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.plugin->send(QStringLiteral("SHUTDOWN"));
-        QTRY_COMPARE(bench.connection->size(), 2);
+        TRY_COMPARE(bench.connection->size(), 2);
         QCOMPARE(bench.connection->last().first().toBool(), false);
         bench.tick();
         QCOMPARE(bench.connection->size(), 2); // there is no attempt under way
@@ -275,15 +272,15 @@ private slots:
 
     void shutdownWhileNotConnectedTellsItAndForgetsTheVersion()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.begin());
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.plugin->send(QStringLiteral("SHUTDOWN"));
-        QTRY_COMPARE(bench.connection->size(), 1);
+        TRY_COMPARE(bench.connection->size(), 1);
         QCOMPARE(bench.connection->first().first().toBool(), false);
         bench.tick();
         QCOMPARE(bench.connection->size(), 1); // the version that came before does not count any more
-        QVERIFY(bench.answerVersion(65536));
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.connection->size(), 2); // the attempt itself goes on
         QCOMPARE(bench.connection->last().first().toBool(), true);
@@ -299,7 +296,7 @@ private slots:
     void receiverMayReconnectAtOnce()
     {
         QFETCH(bool, bySilence);
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.simulator.clear();
         bench.plugin->clear();
@@ -313,9 +310,9 @@ private slots:
         } else {
             bench.plugin->send(QStringLiteral("SHUTDOWN"));
         }
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
-        QTRY_COMPARE(bench.simulator.subscriptions().size(), 53);
-        QVERIFY(bench.answerVersion(65536));
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        TRY_COMPARE(bench.simulator.subscriptions().size(), 53);
+        QVERIFY(bench.answerVersion());
         bench.tick();
         QCOMPARE(bench.connection->size(), 3); // true, false, true
         QCOMPARE(bench.connection->last().first().toBool(), true);
@@ -323,7 +320,7 @@ private slots:
 
     void dialFailureIsReportedAndTheAttemptTimesOut()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.config.set(config::xplaneNetworkAddress, QStringLiteral("::1"));
         QSignalSpy error(bench.adapter.get(), &Simulator::nngSocketError);
         bench.dial();
@@ -349,7 +346,7 @@ private slots:
     void timersRunAsTold()
     {
         QFETCH(QString, name);
-        Bench bench;
+        AdapterBench bench;
         const auto *timer = bench.adapter->findChild<QTimer *>(name);
         QVERIFY(timer);
         QTEST(timer->interval(), "interval");
@@ -360,60 +357,60 @@ private slots:
 
     void dialsByItself()
     {
-        Bench bench;
+        AdapterBench bench;
         bench.adapter->reconnectSimulator();
-        QTRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
+        TRY_COMPARE(bench.plugin->names(), QStringList{QStringLiteral("VER")});
         bench.plugin->send(QStringLiteral("VER"), {65536});
-        QTRY_COMPARE(bench.connection->size(), 1); // by its own timers
+        TRY_COMPARE(bench.connection->size(), 1); // by its own timers
     }
 
     void mayBeDestroyedAtAnyMoment()
     {
-        const QList<std::function<void(Bench &)>> moments{
-            [](Bench &) {},
-            [](Bench &bench) { bench.adapter->reconnectSimulator(); },
-            [](Bench &bench) { bench.dial(); },
-            [](Bench &bench) {
+        const QList<std::function<void(AdapterBench &)>> moments{
+            [](AdapterBench &) {},
+            [](AdapterBench &bench) { bench.adapter->reconnectSimulator(); },
+            [](AdapterBench &bench) { bench.dial(); },
+            [](AdapterBench &bench) {
                 bench.dial();
                 bench.adapter->reconnectSimulator();
             },
-            [](Bench &bench) { QVERIFY(bench.begin()); },
-            [](Bench &bench) { QVERIFY(bench.connect()); },
-            [](Bench &bench) {
+            [](AdapterBench &bench) { QVERIFY(bench.begin()); },
+            [](AdapterBench &bench) { QVERIFY(bench.connect()); },
+            [](AdapterBench &bench) {
                 QVERIFY(bench.connect());
                 for (int i = 0; i < 500; ++i)
                     bench.plugin->send(QStringLiteral("ADDED"), {QStringLiteral("A")});
             },
-            [](Bench &bench) {
+            [](AdapterBench &bench) {
                 QVERIFY(bench.connect());
                 bench.plugin.reset();
             },
         };
         for (const auto &moment : moments) {
-            Bench bench;
+            AdapterBench bench;
             moment(bench);
             QVERIFY(!QTest::currentTestFailed());
             bench.adapter.reset(); // would hang if the thread did not leave
             if (!bench.plugin)
                 bench.startPlugin();
-            QTRY_VERIFY(!bench.plugin->hasClient());
+            TRY_VERIFY(!bench.plugin->hasClient());
             // The plugin speaks to one client only: a successor gets through when nothing is left of this one.
             bench.makeAdapter();
             bench.dial();
             // Sent more than once: what goes out while the first one is still leaving is lost.
-            QTRY_VERIFY((bench.adapter->networkDisconnected(), bench.plugin->count(QStringLiteral("DISCON")) > 0));
+            TRY_VERIFY((bench.adapter->networkDisconnected(), bench.plugin->count(QStringLiteral("DISCON")) > 0));
         }
     }
 
     void lastWordsReachThePlugin()
     {
-        Bench bench;
+        AdapterBench bench;
         QVERIFY(bench.connect());
         bench.plugin->clear();
         bench.adapter->removeAllAircraft();
         bench.adapter->clearControllers();
         bench.adapter.reset();
-        QTRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message::removeAll(), message::controllers({})}));
+        TRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message::removeAll(), message::controllers({})}));
     }
 };
 
