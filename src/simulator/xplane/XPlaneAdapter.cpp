@@ -134,7 +134,21 @@ void XPlaneAdapter::checkConnection()
     } else if (m_attempt.isLost(now, lastReply)) {
         m_datarefs->clearAircraft();
         disconnectSimulator();
+    } else if (hasDiedInPause()) {
+        m_datarefs->clearAircraft();
+        emit simConnectionStateChanged(false);
     }
+}
+
+/// The session trusts a pause for as long as it lasts; without a link nothing else tells that X-Plane says so no more.
+bool XPlaneAdapter::hasDiedInPause() const
+{
+    return !m_attempt.connected && m_datarefs->sample().paused && m_heardXPlane && !hearsXPlane();
+}
+
+bool XPlaneAdapter::hearsXPlane() const
+{
+    return nowSeconds() - m_datarefs->lastHeardSeconds() < ConnectionAttempt::staleAfterSeconds;
 }
 
 /// X-Plane may have been started since, and nng's dialling may have stopped for good.
@@ -146,9 +160,8 @@ void XPlaneAdapter::callTheSilent()
         m_datarefs->clearSubscriptions();
         m_datarefs->subscribe(m_attempt.connected);
     }
-    const bool hears = now - m_datarefs->lastHeardSeconds() < ConnectionAttempt::staleAfterSeconds;
-    const bool hearsAgain = hears && !m_heardXPlane;
-    m_heardXPlane = hears;
+    const bool heard = std::exchange(m_heardXPlane, hearsXPlane());
+    const bool hearsAgain = m_heardXPlane && !heard;
     if (hearsAgain && m_plugin->isConnected() && m_attempt.isAwaited())
         startAttempt();
 }

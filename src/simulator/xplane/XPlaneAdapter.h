@@ -86,6 +86,8 @@ private:
     void tick();
     void checkConnection();
     void callTheSilent();
+    bool hasDiedInPause() const;
+    bool hearsXPlane() const;
     void onPluginConnected(bool first);
     void onPluginNeedsAll();
     void startAttempt();

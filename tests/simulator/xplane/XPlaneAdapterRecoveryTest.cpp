@@ -270,6 +270,39 @@ private slots:
         TRY_COMPARE(bench.plugin->names().mid(1), QStringList{QStringLiteral("DISCON")});
     }
 
+    void aSimulatorThatDiesInAPauseIsLost_data()
+    {
+        QTest::addColumn<bool>("paused");
+        QTest::addColumn<bool>("up");
+        QTest::addColumn<QList<bool>>("told");
+        QTest::newRow("without a plugin") << true << false << QList<bool>{false};
+        QTest::newRow("without a plugin or a pause") << false << false << QList<bool>{}; // the session finds out itself
+        QTest::newRow("on a link") << true << true << QList<bool>{true, false};
+    }
+
+    void aSimulatorThatDiesInAPauseIsLost()
+    {
+        QFETCH(bool, paused);
+        QFETCH(bool, up);
+        AdapterBench bench;
+        QVERIFY(up ? bench.connect() : bench.begin());
+        bench.endAttempt();
+        bench.simulator.report({{20, 3048.0F}, {51, paused ? 1.0F : 0.0F}});
+        QVERIFY(bench.hear());
+        bench.tick();
+        bench.clock.advance(15'000);
+        bench.tick();
+        QCOMPARE(bench.connection->size(), up ? 1 : 0);
+        bench.clock.advance(1000);
+        bench.tick();
+        bench.tick();
+        QList<bool> told;
+        for (const QList<QVariant> &one : *bench.connection)
+            told.append(one.first().toBool());
+        QTEST(told, "told");
+        QCOMPARE(bench.adapter->pressureAltitudeFeet() == 0.0, paused || up); // the own aircraft is forgotten
+    }
+
     /// Whoever takes the connection and says nothing sees how the dialling begins anew: within QTRY's 5 seconds, for
     /// nng does it by itself after 10.
     void dialsAnewWhereNoPluginIs()
