@@ -92,7 +92,6 @@ void AuthData::parse(const QJsonObject &object)
 {
     token = text(object, QLatin1String("token"));
     flushToken = text(object, QLatin1String("flush_token"));
-    user = User();
     user.parse(object.value(QLatin1String("user")).toObject());
 }
 
