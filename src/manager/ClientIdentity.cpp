@@ -1,6 +1,7 @@
 #include "manager/ClientIdentity.h"
 
 #include "common/Units.h"
+#include "simulator/Simulator.h"
 
 #include <QSysInfo>
 

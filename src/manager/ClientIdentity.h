@@ -1,10 +1,12 @@
 #pragma once
 
-#include "simulator/Simulator.h"
-
 #include <QString>
 
 #include <optional>
+
+namespace tarvo::simulator {
+enum class SimulatorType : quint8;
+}
 
 namespace tarvo::manager {
 

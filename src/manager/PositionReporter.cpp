@@ -1,6 +1,9 @@
 #include "manager/PositionReporter.h"
 
+#include "fsd/pdu/ATCPosition.h"
+#include "fsd/pdu/FastPilotPosition.h"
 #include "fsd/pdu/FsdLine.h"
+#include "fsd/pdu/PilotPosition.h"
 
 namespace tarvo::manager {
 

@@ -1,5 +1,8 @@
 #include "manager/PositionReports.h"
 
+#include "fsd/pdu/ATCPosition.h"
+#include "fsd/pdu/FastPilotPosition.h"
+#include "fsd/pdu/PilotPosition.h"
 #include "manager/Truncate.h"
 
 #include <algorithm>

@@ -1,13 +1,17 @@
 #pragma once
 
-#include "fsd/pdu/ATCPosition.h"
-#include "fsd/pdu/FastPilotPosition.h"
-#include "fsd/pdu/PilotPosition.h"
 #include "model/RadioStackState.h"
 #include "model/UserAircraftData.h"
 #include "model/VelocityVector.h"
 
 #include <QString>
+
+namespace tarvo::fsd::pdu {
+struct ATCPosition;
+struct FastPilotPosition;
+struct PilotPosition;
+enum class FastPilotPositionType;
+} // namespace tarvo::fsd::pdu
 
 namespace tarvo::manager {
 

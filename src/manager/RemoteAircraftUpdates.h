@@ -3,12 +3,20 @@
 // What the messages of another pilot change in his record. Functions of their arguments alone, of which a
 // TypeNormalizer remembers what it has been asked.
 
-#include "fsd/pdu/FastPilotPosition.h"
-#include "fsd/pdu/PilotPosition.h"
-#include "fsd/pdu/PlaneInfoResponse.h"
-#include "model/ConnectInfo.h"
-#include "model/RemoteAircraft.h"
 #include "model/VelocityVector.h"
+
+#include <QString>
+
+namespace tarvo::fsd::pdu {
+struct FastPilotPosition;
+struct PilotPosition;
+struct PlaneInfoResponse;
+} // namespace tarvo::fsd::pdu
+namespace tarvo::model {
+struct AircraftVisualState;
+struct ConnectInfo;
+struct RemoteAircraft;
+} // namespace tarvo::model
 
 namespace tarvo::manager {
 

@@ -1,9 +1,11 @@
 // What other pilots and the server say of an aircraft: flight plan answers, aircraft fields, plane information. The
 // first line is the sender, the second holds the fields of a message.
 #include "AppConfig.h"
+#include "fsd/pdu/PlaneInfoResponse.h"
 #include "manager/AircraftTypeRules.h"
 #include "manager/FlightPlanAnswer.h"
 #include "manager/RemoteAircraftUpdates.h"
+#include "model/RemoteAircraft.h"
 #include "network/SwiftAircraftIcaoService.h"
 
 #include <QDir>

@@ -27,7 +27,7 @@ private slots:
         QCOMPARE(next->takeCalls(), (QStringList{add, update})); // NetworkManager's
         emit s.sim->aircraftRemovedFromSim(ab2);                 // heard by nobody
         s.sim.reset();
-        QTRY_VERIFY(old.expired());
+        TRY_VERIFY(old.expired());
         QCOMPARE(s.aircraft->aircraft().size(), 1);
         emit next->aircraftAddedToSim(ab2);
         QCOMPARE(s.record().state, State::InSimulator);

@@ -1,4 +1,5 @@
 #include "manager/ClientIdentity.h"
+#include "simulator/Simulator.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>

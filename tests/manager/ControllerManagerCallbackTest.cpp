@@ -47,7 +47,7 @@ private slots:
         QCOMPARE(next->takeCalls(), (QStringList{u"setControllers 1"_qs, tuned(1, QString()), tuned(2, QString())}));
         emit next->radioStackStateChanged({.com1Frequency = 118500});
         QCOMPARE(next->takeCalls(), (QStringList{tuned(1, twr), tuned(2, QString())}));
-        QTRY_VERIFY(old.expired());
+        TRY_VERIFY(old.expired());
     }
 
     void aSimulatorThatWasThereBeforeIsHeard()
@@ -117,7 +117,7 @@ private slots:
         s.report(twr, 118500);
         s.tick();
         QCOMPARE(next->takeCalls(), (QStringList{tuned(1, QString()), tuned(2, QString())}));
-        QTRY_VERIFY(watched.expired());
+        TRY_VERIFY(watched.expired());
     }
 
     void aSimulatorThatEndsTheConnectionDuringTheTick()

@@ -177,7 +177,7 @@ private slots:
         EXPECT_LINE(s, stopped); // of the first tick
         QVERIFY(s.isRunning("fastTimer"));
         s.peer.inject(u"$SFSERVER:AB1:0"_qs);
-        QTRY_VERIFY(!s.isRunning("fastTimer"));
+        TRY_VERIFY(!s.isRunning("fastTimer"));
         EXPECT_LINE(s, stopped);
     }
 
@@ -296,7 +296,7 @@ private slots:
     {
         Session s;
         s.config.set(config::authUsername, u"10\r\n01"_qs);
-        s.config.set(config::authPassword, u"sec\r\nret"_qs);
+        s.config.set(config::sessionPassword, u"sec\r\nret"_qs);
         s.config.set(config::profileRealname, u"Li\nLei"_qs);
         s.config.set(config::profileHomeAirport, u"Z\rB"_qs);
         s.addSimulator();

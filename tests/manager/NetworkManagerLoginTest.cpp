@@ -80,7 +80,7 @@ private slots:
         QVERIFY(s.peer.expectNothing()); // nothing before the greeting
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         QVERIFY(s.peer.expectNothing()); // and no login before the token
         s.tokens.grant(u"t0ken"_qs);
         EXPECT_LINE(s, u"#APAB1:SERVER:1001:t0ken:1:100:5:Li Lei ZBAA"_qs);
@@ -99,7 +99,7 @@ private slots:
         QVERIFY(s.connectObserver());
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.grant(u"t0ken"_qs);
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
         EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
@@ -110,10 +110,17 @@ private slots:
     void whatThePilotTypedComesBeforeWhatIsStored()
     {
         Session s;
+        s.config.set(config::authPassword, u"stored"_qs);
         s.config.set(config::sessionUsername, u"2002"_qs);
         s.config.set(config::sessionPassword, u"typed"_qs);
         QVERIFY(s.connectObserver());
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:2002:typed:1:9"_qs);
+        s.manager->disconnectFromNetwork();
+        s.config.reset(config::sessionUsername);
+        s.config.reset(config::sessionPassword);
+        QVERIFY(s.connectObserver());
+        QVERIFY(s.peer.waitForConnection(2));
+        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:stored:1:9"_qs);
     }
 
     void everyGreetingIsAnswered()
@@ -142,18 +149,18 @@ private slots:
         for (int i = 0; i < 20; ++i)
             EXPECT_LINE(s, Session::identification()); // each is answered
         QVERIFY(s.peer.expectNothing());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.refuse(u"banned"_qs);
         QVERIFY(s.peer.waitForClose());
         QVERIFY(s.connectObserver()); // the next session asks for its own
         QVERIFY(s.peer.waitForConnection(2));
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.grant(u"t0ken"_qs);
         QVERIFY(s.peer.nextLine().startsWith(u"#AAAB1:SERVER:Li Lei:1001:t0ken:"_qs));
         s.peer.inject(greeting); // and once more when that is answered
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
     }
 
     void tokenRefused()
@@ -163,7 +170,7 @@ private slots:
         QVERIFY(s.connectPilot());
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.refuse(u"banned"_qs);
         QVERIFY(s.peer.waitForClose());
         QVERIFY(s.peer.expectNothing()); // no delete PDU: nobody had logged in
@@ -179,7 +186,7 @@ private slots:
         QVERIFY(s.connectObserver());
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.manager->disconnectFromNetwork();
         s.takeEvents();
         QVERIFY(s.connectObserver());
@@ -187,7 +194,7 @@ private slots:
         s.tokens.grant(u"old"_qs);
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.refuse(u"new"_qs);
         TRY_EVENTS(s, u"disconnected forced"_qs);
         QVERIFY(s.peer.expectNothing());
@@ -199,14 +206,14 @@ private slots:
         QVERIFY(s.connectObserver());
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         bool answered = false;
         s.manager.reset();
         s.api->getFSDToken([&](bool, const QString &, const QString &) { answered = true; });
-        QTRY_COMPARE(s.tokens.waiting(), 2);
+        TRY_COMPARE(s.tokens.waiting(), 2);
         s.tokens.grant(u"late"_qs);
         s.tokens.grant(u"later"_qs);
-        QTRY_VERIFY(answered);
+        TRY_VERIFY(answered);
         QVERIFY(s.peer.waitForClose());
     }
 
@@ -310,7 +317,8 @@ private slots:
     /// follows the change asks for a token, which logs in a second time.
     void changingToTokensBeforeTheGreetingLogsInAgain()
     {
-        Session s;
+        Session s(Protocol::Token);
+        s.config.set(config::authVatsim, false);
         QVERIFY(s.connectObserver());
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
         EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
@@ -318,7 +326,7 @@ private slots:
         s.config.set(config::authVatsim, true);
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.grant(u"t0ken"_qs);
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
         EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
@@ -381,7 +389,7 @@ private slots:
         for (int i = 0; i < 3; ++i)
             QVERIFY(!s.peer.nextLine().isNull());
         s.config.reset(config::authUsername);
-        s.config.reset(config::authPassword);
+        s.config.reset(config::sessionPassword);
         s.manager->disconnectFromNetwork();
         EXPECT_LINE(s, u"#DAAB1:1001"_qs);
     }
@@ -452,7 +460,7 @@ private slots:
     {
         Session s;
         QVERIFY(s.connectObserver());
-        QTRY_VERIFY(!logLines(s).filter(u">>> #AA"_qs).isEmpty());
+        TRY_VERIFY(!logLines(s).filter(u">>> #AA"_qs).isEmpty());
         QVERIFY(s.peer.isClientConnected());
     }
 
@@ -487,7 +495,7 @@ private slots:
         QVERIFY(s.connectObserver());
         s.peer.inject(greeting);
         EXPECT_LINE(s, Session::identification());
-        QTRY_COMPARE(s.tokens.waiting(), 1);
+        TRY_COMPARE(s.tokens.waiting(), 1);
         s.tokens.grant(u"t0ken"_qs);
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
         s.manager->disconnectFromNetwork();

@@ -78,10 +78,10 @@ private slots:
         TRY_EVENTS(s, u"disconnected"_qs);
         bool answered = false; // another request, to know that all earlier ones have come
         s.api->getFSDToken([&](bool, const QString &, const QString &) { answered = true; });
-        QTRY_VERIFY(s.tokens.waiting() > 0);
+        TRY_VERIFY(s.tokens.waiting() > 0);
         QCOMPARE(s.tokens.waiting(), 1);
         s.tokens.grant(u"t0ken"_qs);
-        QTRY_VERIFY(answered);
+        TRY_VERIFY(answered);
         QVERIFY(!s.isRunning("slowTimer"));
     }
 
@@ -90,7 +90,7 @@ private slots:
         Session s;
         QVERIFY(s.connectObserver());
         QVERIFY(s.peer.waitForConnection());
-        QTRY_VERIFY(s.notifications.contains(connected));
+        TRY_VERIFY(s.notifications.contains(connected));
         s.takeNotifications();
         loseServer(s);
         s.manager->disconnectFromNetwork();
@@ -104,7 +104,7 @@ private slots:
         s.addSimulator();
         QVERIFY(s.connectPilot());
         QVERIFY(s.peer.waitForConnection());
-        QTRY_VERIFY(s.notifications.contains(connected));
+        TRY_VERIFY(s.notifications.contains(connected));
         s.takeNotifications();
         loseServer(s);
         emit s.sim->forceDisconnect(u"crash"_qs);
@@ -118,7 +118,7 @@ private slots:
         Session s;
         QVERIFY(s.connectObserver());
         QVERIFY(s.peer.waitForConnection());
-        QTRY_VERIFY(s.notifications.contains(connected));
+        TRY_VERIFY(s.notifications.contains(connected));
         onNotification(s, closedByServer.mid(3), [&s] {
             s.manager->disconnectFromNetwork();
             QVERIFY(s.connectObserver());

@@ -144,7 +144,7 @@ private slots:
             s.manager->setSimulator(next);
         };
         QVERIFY(s.feed(TrafficSession::planeInfo()));
-        QTRY_VERIFY(old.expired());
+        TRY_VERIFY(old.expired());
         // The next one has it, once.
         QCOMPARE(next->takeCalls().mid(0, 2),
                  (QStringList{u"addAircraft AB2"_qs, u"updateAircraftConfiguration AB2"_qs}));

@@ -197,7 +197,7 @@ private slots:
         QCOMPARE(s.sim->takeCalls(), QStringList());
         QVERIFY(s.manager->remoteAircraft().isEmpty());
         s.peer.inject(QString(line).replace(u"WHO"_qs, u"CES2"_qs)); // somebody else
-        QTRY_VERIFY(s.manager->knowsAircraft(u"CES2"_qs));
+        TRY_VERIFY(s.manager->knowsAircraft(u"CES2"_qs));
     }
 
     void withoutASimulatorPositionsAreIgnored()

@@ -140,7 +140,7 @@ private slots:
         QVERIFY(s.online && s.showAb2());
         const test::LogCapture capture;
         s.peer.inject(line.arg(QString(10'000, u'X')));
-        QTRY_COMPARE(capture.texts(QtInfoMsg).size(), 1);
+        TRY_COMPARE(capture.texts(QtInfoMsg).size(), 1);
         const QString logged = capture.texts(QtInfoMsg).constFirst();
         QVERIFY2(logged.size() < 700, qPrintable(logged));
         // Cut, but not to nothing.

@@ -1,4 +1,5 @@
 #include "manager/PositionReporter.h"
+#include "fsd/pdu/PilotPosition.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 

@@ -1,7 +1,12 @@
 #include "manager/RemoteAircraftUpdates.h"
 
 #include "AppConfig.h"
+#include "fsd/pdu/FastPilotPosition.h"
+#include "fsd/pdu/PilotPosition.h"
+#include "fsd/pdu/PlaneInfoResponse.h"
 #include "manager/AircraftTypeRules.h"
+#include "model/ConnectInfo.h"
+#include "model/RemoteAircraft.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/TestRegistry.h"
 

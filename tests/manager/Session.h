@@ -9,6 +9,7 @@
 #include "support/FakeSimulator.h"
 #include "support/FsdPeer.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -50,10 +51,12 @@ struct Session
 
     explicit Session(Protocol protocol = Protocol::Classic, const QString &host = QStringLiteral("127.0.0.1"))
     {
-        config.set(config::authToken, QStringLiteral("jwt"));
+        // Typed, not stored: to encrypt a stored one would be most of a test's work.
+        config.set(config::sessionPassword, QStringLiteral("secret"));
+        if (protocol == Protocol::Token)
+            config.set(config::authToken, QStringLiteral("jwt"));
         config.set(config::authVatsim, protocol == Protocol::Token);
         config.set(config::authUsername, QStringLiteral("1001"));
-        config.set(config::authPassword, QStringLiteral("secret"));
         config.set(config::profileRealname, QStringLiteral("Li Lei"));
         api = std::make_unique<network::ApiService>(config, endpoints(host), clock);
         manager = std::make_shared<manager::NetworkManager>(config, *api, icao, endpoints(host), clock);
@@ -67,7 +70,7 @@ struct Session
         manager->setSimulator(sim);
         emit sim->simConnectionStateChanged(true);
         emit sim->userAircraftDataChanged(standing());
-        QTRY_COMPARE(sim->calls, QStringList{QStringLiteral("reconnectSimulator")});
+        TRY_COMPARE(sim->calls, QStringList{QStringLiteral("reconnectSimulator")});
         sim->calls.clear();
     }
 
@@ -142,7 +145,7 @@ private:
 
 /// Waits until these and no other events have been heard since they were last taken, and takes them.
 #define TRY_EVENTS(session, ...)                                                                                       \
-    QTRY_COMPARE((session).events, (QStringList{__VA_ARGS__}));                                                        \
+    TRY_COMPARE((session).events, (QStringList{__VA_ARGS__}));                                                         \
     (session).events.clear()
 
 /// The next line that the server gets.

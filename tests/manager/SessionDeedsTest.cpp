@@ -1,5 +1,4 @@
 #include "manager/Session.h"
-#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QCoreApplication>

@@ -2,7 +2,6 @@
 #include "manager/CrowdedSession.h"
 #include "manager/UserAircraftManager.h"
 #include "support/MainThreadWatch.h"
-#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 using namespace tarvo;

@@ -1,5 +1,6 @@
 #include "manager/SessionLog.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QDir>
@@ -201,7 +202,7 @@ private slots:
         log.startFlushing();
         log.writeSent(u"$POA:B:1\r\n"_qs, {});
         QCOMPARE(contents(log.path()), QString());
-        QTRY_COMPARE(contents(log.path()), u"[12:00:00.123] >>> $POA:B:1\n"_qs);
+        TRY_COMPARE(contents(log.path()), u"[12:00:00.123] >>> $POA:B:1\n"_qs);
     }
 
     void keepsTenOlderFiles()

@@ -94,7 +94,7 @@ private slots:
         QCOMPARE(s.known().state, State::New);
         QVERIFY(s.aircraft->aircraft().isEmpty());
         s.peer.inject(TrafficSession::slow(ab2));
-        QTRY_COMPARE(s.known().state, State::InSimulator);
+        TRY_COMPARE(s.known().state, State::InSimulator);
         QCOMPARE(s.sim->takeCalls().mid(0, 2), (QStringList{add, update}));
     }
 
@@ -193,7 +193,7 @@ private slots:
         if (!old.expired())
             emit raw->simConnectionStateChanged(false);
         QVERIFY(!old.expired()); // it was about to go on when the signal had returned
-        QTRY_VERIFY(old.expired());
+        TRY_VERIFY(old.expired());
     }
 
     void aReplacedSimulatorOutlivesALookUpOnItsStack_data()
@@ -235,7 +235,7 @@ private slots:
         // From the event loop, which knows by that what is on its stack.
         QMetaObject::invokeMethod(
             this, [raw] { emit raw->simConnectionFailed(u"x"_qs); }, Qt::QueuedConnection);
-        QTRY_VERIFY(old.expired());
+        TRY_VERIFY(old.expired());
         QVERIFY(alive);
     }
 };
