@@ -1,5 +1,6 @@
 #include "ui/AccountFeed.h"
 
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountStage.h"
 #include "ui/viewmodel/DashboardViewModel.h"
@@ -56,7 +57,7 @@ private slots:
         stage.answer("GET /api/users/profiles/self", u"GET_USER_PROFILE"_qs,
                      QJsonObject{{u"rating"_qs, 3}, {u"total_pilot_time"_qs, 3660}, {u"total_atc_time"_qs, 0}});
         stage.feed.loadUserInfo();
-        QTRY_COMPARE(stage.dashboard.username(), u"王小明"_qs);
+        TRY_COMPARE(stage.dashboard.username(), u"王小明"_qs);
         QCOMPARE(stage.dashboard.cid(), u"CID: 1001"_qs);
         QCOMPARE(stage.dashboard.rating(), u"3"_qs);
         QCOMPARE(stage.dashboard.pilotTime(), u"1小时 01分"_qs);
@@ -74,7 +75,7 @@ private slots:
                                     flight(u"CES2"_qs, u"2026-03-02T10:00:00"_qs, u"2026-03-02T11:00:00"_qs, 3600),
                                     flight(u"CES3"_qs, u""_qs, u""_qs, 0)}}});
         stage.feed.loadUserHistory();
-        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 3);
+        TRY_COMPARE(stage.dashboard.recentFlights().size(), 3);
         const QVariantMap first = stage.dashboard.recentFlights()[0].toMap();
         QCOMPARE(first[u"callsign"_qs].toString(), u"CES2"_qs);
         QCOMPARE(first[u"time"_qs].toString(), u"03-02 10:00 - 11:00"_qs);
@@ -94,8 +95,8 @@ private slots:
                      QJsonObject{{u"pilots"_qs, QJsonArray{QJsonObject{{u"cid"_qs, 1}, {u"username"_qs, endless}}}}});
         stage.feed.loadUserHistory();
         stage.feed.loadLeaderboard();
-        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 1);
-        QTRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 1);
+        TRY_COMPARE(stage.dashboard.recentFlights().size(), 1);
+        TRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 1);
         QCOMPARE(stage.dashboard.recentFlights()[0].toMap()[u"callsign"_qs].toString(), QString(32, u'X'));
         QCOMPARE(stage.dashboard.pilotLeaderboard()[0].toMap()[u"name"_qs].toString(), QString(64, u'X'));
         stage.dashboard.setUserInfo(endless, endless, endless);
@@ -116,7 +117,7 @@ private slots:
                 u"2026-03-01T09:30:00"_qs, 60));
         stage.answer("GET /api/users/histories/self", u"GET_USER_HISTORY"_qs, QJsonObject{{u"pilots"_qs, flights}});
         stage.feed.loadUserHistory();
-        QTRY_COMPARE(stage.dashboard.recentFlights().size(), 200);
+        TRY_COMPARE(stage.dashboard.recentFlights().size(), 200);
         QCOMPARE(stage.dashboard.recentFlights().constFirst().toMap()[u"callsign"_qs].toString(), u"CES299"_qs);
     }
 
@@ -131,7 +132,7 @@ private slots:
         stage.answer("GET /api/server/rating", u"GET_TIME_RATING"_qs,
                      QJsonObject{{u"pilots"_qs, pilots}, {u"controllers"_qs, QJsonArray{pilots[0]}}});
         stage.feed.loadLeaderboard();
-        QTRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 10);
+        TRY_COMPARE(stage.dashboard.pilotLeaderboard().size(), 10);
         QCOMPARE(stage.dashboard.atcLeaderboard().size(), 1);
         const QVariantMap second = stage.dashboard.pilotLeaderboard()[1].toMap();
         QCOMPARE(second[u"rank"_qs].toInt(), 2);
@@ -163,8 +164,8 @@ private slots:
         }
         bool answered = false;
         stage.api.getUserProfile([&answered](bool, const model::UserProfile &, const QString &) { answered = true; });
-        QTRY_VERIFY(answered);
-        QTRY_COMPARE(stage.peer.count("GET /api/users/profiles/self"), 2);
+        TRY_VERIFY(answered);
+        TRY_COMPARE(stage.peer.count("GET /api/users/profiles/self"), 2);
         QCOMPARE(stage.dashboard.username(), u"游客"_qs);
     }
 };

@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "network/ApiService.h"
+#include "support/Patience.h"
 #include "ui/AccountPeer.h"
 
 #include <QTemporaryDir>
@@ -23,7 +24,7 @@ struct AccountStage
         peer.acceptLogin();
         bool done = false;
         api.login(u"1001"_qs, u"practice"_qs, [&done](bool success, const QString &) { done = success; });
-        QTRY_VERIFY(done);
+        TRY_VERIFY(done);
     }
 };
 

@@ -1,5 +1,6 @@
 #include "ui/ErrorDialog.h"
 
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QLabel>
@@ -60,11 +61,11 @@ private slots:
         const QPointer<ErrorDialog> dialog = parent.findChild<ErrorDialog *>();
         QVERIFY(dialog && dialog->isVisible() && dialog->isModal());
         QVERIFY((dialog->geometry().center() - parent.geometry().center()).manhattanLength() <= 2);
-        QTRY_COMPARE(dialog->windowOpacity(), 1.0);
+        TRY_COMPARE(dialog->windowOpacity(), 1.0);
 
         dialog->findChild<QPushButton *>(u"okButton"_qs)->click();
 
-        QTRY_VERIFY(!dialog);
+        TRY_VERIFY(!dialog);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "ui/LoginWindow.h"
 
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountStage.h"
 #include "ui/ErrorDialog.h"
@@ -140,7 +141,7 @@ private slots:
         stage.window.show();
         auto *panel = stage.part<QFrame>("GlassPanel");
         QVERIFY(panel->graphicsEffect());
-        QTRY_VERIFY(!panel->graphicsEffect());
+        TRY_VERIFY(!panel->graphicsEffect());
     }
 
     void aFadeThatHasEndedLeavesTheNextOneAlone()
@@ -181,7 +182,7 @@ private slots:
         stage.window.show();
         if (!automatic)
             stage.loginButton()->click();
-        QTRY_VERIFY(stage.error());
+        TRY_VERIFY(stage.error());
         QCOMPARE(log.startingWith(u"Auto login with password failed: "_qs),
                  QStringList(u"Auto login with password failed: 登录失败 (错误代码: NO ******)"_qs));
         QVERIFY(!log.contains(u"practice"_qs));
@@ -196,7 +197,7 @@ private slots:
         stage.peer.answer(refreshLine, {{u"message"_qs, u"not kept-7\nnor practice"_qs}});
         test::LogCapture log;
         stage.window.show();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(log.startingWith(u"Auto login with refresh token failed: "_qs),
                  QStringList(u"Auto login with refresh token failed: not ****** nor ******"_qs));
         QVERIFY(!log.contains(u"kept-7"_qs));
@@ -246,7 +247,7 @@ private slots:
             QVERIFY(!part->isEnabled());
         stage.window.onLoginClicked(); // an impatient second click
 
-        QTRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
+        TRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
 
         QVERIFY(!stage.busy() && stage.username()->isEnabled());
         QCOMPARE(stage.peer.count(loginLine), 1);
@@ -262,7 +263,7 @@ private slots:
         stage.window.show();
         stage.type(u"1001"_qs, u"practice"_qs);
         QTest::keyClick(stage.password(), Qt::Key_Return);
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QVERIFY(!stage.window.isVisible());
     }
 
@@ -298,7 +299,7 @@ private slots:
         stage.remember()->setChecked(remember);
         stage.autoLogin()->setChecked(true);
         stage.loginButton()->click();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.config.get(config::authRememberPassword), remember);
         QVERIFY(stage.config.get(config::authAutoLogin));
         QTEST(stage.config.get(config::authUsername), "username");
@@ -316,7 +317,7 @@ private slots:
         stage.config.set(config::authRefreshToken, u"kept"_qs);
         stage.peer.acceptLogin();
         stage.window.show();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.peer.count(refreshLine), 1);
         QCOMPARE(stage.peer.count(loginLine), 0);
         QCOMPARE(stage.peer.requests()[0].authorization, QByteArray("Bearer kept"));
@@ -331,7 +332,7 @@ private slots:
         stage.config.set(config::authRefreshToken, u"kept"_qs);
         stage.peer.acceptLogin();
         stage.window.show();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.config.get(config::sessionUsername), u"1001"_qs);
         QCOMPARE(stage.config.get(config::sessionPassword), QString());
     }
@@ -345,7 +346,7 @@ private slots:
         stage.config.set(config::authRefreshToken, u"stale"_qs);
         stage.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs); // of the password, too
         stage.window.show();
-        QTRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
+        TRY_COMPARE(stage.errorText(), u"用户名或密码错误"_qs);
         QCOMPARE(stage.peer.count(refreshLine), 1);
         QCOMPARE(stage.peer.count(loginLine), 2); // the one before, and the one of this window
         QVERIFY(!stage.api.hasToken());
@@ -368,7 +369,7 @@ private slots:
         ui::LoginWindow window(stage.config, api, endpoints);
         const LogCapture log;
         window.show();
-        QTRY_VERIFY(log.contains(u"Auto login with refresh token failed: 无法连接到服务器"_qs));
+        TRY_VERIFY(log.contains(u"Auto login with refresh token failed: 无法连接到服务器"_qs));
         QCOMPARE(stage.config.get(config::authRefreshToken), u"kept"_qs);
         QVERIFY(!window.findChild<ui::LoginForm *>()->isBusy());
     }
@@ -386,13 +387,13 @@ private slots:
         ui::LoginWindow window(mended, stage.api, stage.peer.endpoints());
         const auto *timer = window.findChild<QTimer *>(u"autoLoginTimer"_qs);
         window.show();
-        QTRY_VERIFY(window.findChild<ui::ErrorDialog *>());
+        TRY_VERIFY(window.findChild<ui::ErrorDialog *>());
         auto *dialog = window.findChild<ui::ErrorDialog *>();
         QCOMPARE(dialog->windowTitle(), u"设置已恢复"_qs);
         QVERIFY(!timer->isActive()); // the window would go before the pilot has read it
         dialog->accept();
         QVERIFY(timer->isActive());
-        QTRY_VERIFY(!window.isVisible());
+        TRY_VERIFY(!window.isVisible());
         window.show();
         QCoreApplication::processEvents();
         QVERIFY(!window.findChild<ui::ErrorDialog *>());
@@ -404,7 +405,7 @@ private slots:
         stage.store(u"1001"_qs, u"practice"_qs, true, true);
         stage.peer.acceptLogin();
         stage.window.show();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.peer.count(refreshLine), 0);
         QCOMPARE(stage.peer.count(loginLine), 1);
     }
@@ -416,8 +417,8 @@ private slots:
         stage.config.set(config::authRefreshToken, u"stale"_qs);
         stage.peer.refuseLogin(u"DATABASE_ERROR"_qs);
         stage.window.show();
-        QTRY_COMPARE(stage.peer.count(refreshLine), 1);
-        QTRY_VERIFY(!stage.busy());
+        TRY_COMPARE(stage.peer.count(refreshLine), 1);
+        TRY_VERIFY(!stage.busy());
         QVERIFY(!stage.error() && stage.username()->isEnabled());
         QCOMPARE(stage.peer.count(loginLine), 0);
     }
@@ -430,16 +431,16 @@ private slots:
         stage.window.show();
         stage.window.hide();
         stage.window.show();
-        QTRY_VERIFY(stage.error());
+        TRY_VERIFY(stage.error());
         QVERIFY(!stage.timer()->isActive());
         stage.error()->close();
         stage.window.hide();
         stage.window.show();
         QVERIFY(!stage.timer()->isActive());
-        QTRY_VERIFY(!stage.error());
+        TRY_VERIFY(!stage.error());
         stage.peer.acceptLogin();
         stage.loginButton()->click();
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.peer.count(loginLine), 2); // the one automatic, the one by hand
     }
 
@@ -452,8 +453,8 @@ private slots:
         stage.window.show();
         stage.loginButton()->click();
         stage.timer()->setInterval(0);
-        QTRY_VERIFY(!stage.timer()->isActive());
-        QTRY_COMPARE(stage.success.size(), 1);
+        TRY_VERIFY(!stage.timer()->isActive());
+        TRY_COMPARE(stage.success.size(), 1);
         QCOMPARE(stage.peer.count(loginLine), 1);
         QCOMPARE(stage.peer.count(refreshLine), 0);
     }
@@ -468,7 +469,7 @@ private slots:
         window->findChild<QLineEdit *>(u"passwordEdit"_qs)->setText(u"practice"_qs);
         window->onLoginClicked();
         window.reset();
-        QTRY_VERIFY(account.api.hasToken());
+        TRY_VERIFY(account.api.hasToken());
         QCOMPARE(account.config.get(config::sessionUsername), QString());
     }
 

@@ -3,6 +3,7 @@
 #include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountStage.h"
 #include "ui/Sounds.h"
@@ -79,7 +80,7 @@ QQuickItem *itemNamed(const ui::MainWindow &window, const QString &name)
 
 void click(const ui::MainWindow &window, const QString &name)
 {
-    QTRY_VERIFY(itemNamed(window, name));
+    TRY_VERIFY(itemNamed(window, name));
     const QQuickItem *item = itemNamed(window, name);
     QTest::mouseClick(window.view(), Qt::LeftButton, {},
                       item->mapToScene({item->width() / 2, item->height() / 2}).toPoint());
@@ -131,10 +132,10 @@ private slots:
         MainStage stage;
         stage.window.show();
         stage.window.activateWindow();
-        QTRY_COMPARE(QGuiApplication::focusWindow(), stage.window.view());
+        TRY_COMPARE(QGuiApplication::focusWindow(), stage.window.view());
         const QSignalSpy focused(qGuiApp, &QGuiApplication::focusWindowChanged);
         stage.window.windowHandle()->requestActivate(); // as a window manager does at a click
-        QTRY_COMPARE(focused.size(), 2);
+        TRY_COMPARE(focused.size(), 2);
         QCOMPARE(focused.at(0).at(0).value<QWindow *>(), stage.window.windowHandle());
         QCOMPARE(focused.at(1).at(0).value<QWindow *>(), stage.window.view());
     }
@@ -150,7 +151,7 @@ private slots:
         emit stage.network->simulatorDataUpdated(headingFor(271));
         QCOMPARE(stage.window.simulator().heading(), 271.0);
         const QSignalSpy played(&stage.window.sounds(), &ui::SoundPlayer::played);
-        QTRY_COMPARE(played.size(), 1); // the message's
+        TRY_COMPARE(played.size(), 1); // the message's
         QCOMPARE(stage.window.sounds().source(), test::messageSound);
     }
 
@@ -289,7 +290,7 @@ private slots:
             u"正在连接 FSD 127.0.0.1:%1，呼号=CES2352，机型=B738，观察员模式=是"_qs.arg(stage.fsd.serverPort());
         QVERIFY2(stage.server().serverLog().contains(line), qPrintable(stage.server().serverLog()));
         QVERIFY(stage.dashboard().serverLog().contains(line));
-        QTRY_VERIFY(stage.fsd.hasPendingConnections());
+        TRY_VERIFY(stage.fsd.hasPendingConnections());
         QVERIFY(stage.fsd.nextPendingConnection());
         QVERIFY(!stage.fsd.hasPendingConnections()); // one request, one connection
     }
@@ -368,10 +369,10 @@ private slots:
                 QMetaObject::invokeMethod(this, leave, Qt::QueuedConnection);
         });
         click(window, u"connectButton"_qs);
-        QTRY_VERIFY(!button); // without an end to the program
+        TRY_VERIFY(!button); // without an end to the program
         QVERIFY(resolving);
         QCOMPARE(status, u"连接中..."_qs);
-        QTRY_VERIFY(!network->isResolving());
+        TRY_VERIFY(!network->isResolving());
     }
 
     void aConnectionThatFailsAtOnceLeavesTheFormFree()
@@ -394,7 +395,7 @@ private slots:
     {
         MainStage stage;
         stage.observe(u"CES2352"_qs);
-        QTRY_VERIFY(stage.fsd.hasPendingConnections());
+        TRY_VERIFY(stage.fsd.hasPendingConnections());
         const QSignalSpy states(&stage.server(), &ui::ServerPageViewModel::serverStateChanged);
         emit stage.server().disconnectRequested();
         MainStage::answer();

@@ -3,6 +3,7 @@
 #include "manager/ControllerManager.h"
 #include "manager/Session.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/SoundPlayer.h"
 #include "ui/Sounds.h"
@@ -112,7 +113,7 @@ private slots:
         QCOMPARE(stage.newest(), row);
         QCOMPARE(stage.willSound(), volume > 0);
         if (volume > 0) {
-            QTRY_COMPARE(stage.played.size(), 1);
+            TRY_COMPARE(stage.played.size(), 1);
             QCOMPARE(stage.sounds.source(), test::messageSound);
             QCOMPARE(stage.sounds.volume(), volume);
         }
@@ -123,7 +124,7 @@ private slots:
         MessagesStage stage;
         emit stage.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
         QCOMPARE(stage.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
-        QTRY_COMPARE(stage.played.size(), 1);
+        TRY_COMPARE(stage.played.size(), 1);
         QCOMPARE(stage.sounds.volume(), 0.75F);
     }
 
@@ -139,11 +140,11 @@ private slots:
         talk();
         QCOMPARE(stage.played.size(), 0);
         QCOMPARE(stage.soundTimer().interval(), 0);
-        QTRY_COMPARE(stage.played.size(), 1);
+        TRY_COMPARE(stage.played.size(), 1);
         QCOMPARE(stage.sounds.volume(), 0.75F); // the most urgent of them all
         QVERIFY(!stage.willSound());
         talk();
-        QTRY_COMPARE(stage.played.size(), 2);
+        TRY_COMPARE(stage.played.size(), 2);
         QCOMPARE(stage.sounds.volume(), 0.55F);
     }
 
@@ -163,7 +164,7 @@ private slots:
         QFETCH(int, afterMs);
         MessagesStage stage;
         emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
-        QTRY_COMPARE(stage.played.size(), 1);
+        TRY_COMPARE(stage.played.size(), 1);
         stage.clock.advance(afterMs);
         emit stage.session.manager->serverMessageReceived(u"welcome"_qs);
         QTEST(stage.soundTimer().interval(), "waitMs");

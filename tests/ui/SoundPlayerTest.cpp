@@ -1,5 +1,6 @@
 #include "ui/SoundPlayer.h"
 
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/Sounds.h"
 
@@ -123,7 +124,7 @@ private slots:
         }
         SoundPlayer next(system->factory()); // a step of the first would have come before these
         next.play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs}));
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs}));
     }
 
     void aBurstIsNotQueued()
@@ -137,22 +138,22 @@ private slots:
             player.play(newest, 0.75F);
         };
         burst(connectSound); // while the output is being made
-        QTRY_COMPARE(system->steps(), QStringList{u"made"_qs});
+        TRY_COMPARE(system->steps(), QStringList{u"made"_qs});
         burst(connectSound);
         system->release();
-        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs}));
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs}));
 
         system->hold();
         player.play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps().size(), 3); // it has begun and does not return
+        TRY_COMPARE(system->steps().size(), 3); // it has begun and does not return
         burst(messageSound);
         QCOMPARE(player.source(), messageSound);
         QCOMPARE(player.volume(), 0.75F);
         system->release();
-        QTRY_COMPARE(system->steps().size(), 4);
+        TRY_COMPARE(system->steps().size(), 4);
         player.play(disconnectSound, 0.55F);
-        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs, u"connect.mp3 0.55"_qs,
-                                                   u"manager.mp3 0.75"_qs, u"disconnect.mp3 0.55"_qs}));
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.75"_qs, u"connect.mp3 0.55"_qs,
+                                                  u"manager.mp3 0.75"_qs, u"disconnect.mp3 0.55"_qs}));
     }
 
     void allPlayersShareOneThread()
@@ -161,9 +162,9 @@ private slots:
         for (int i = 0; i < 2; ++i) {
             SoundPlayer player(system->factory());
             player.play(connectSound, 0.55F);
-            QTRY_COMPARE(system->steps().size(), 3 * i + 2);
+            TRY_COMPARE(system->steps().size(), 3 * i + 2);
         }
-        QTRY_COMPARE(system->steps().size(), 6);
+        TRY_COMPARE(system->steps().size(), 6);
         QCOMPARE(system->steps().last(), u"gone"_qs);
         QCOMPARE(system->threads().size(), 1U);
         QVERIFY(!system->threads().contains(thread()));
@@ -175,10 +176,10 @@ private slots:
         system->hold();
         auto player = std::make_unique<SoundPlayer>(system->factory());
         player->play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps(), QStringList{u"made"_qs});
+        TRY_COMPARE(system->steps(), QStringList{u"made"_qs});
         player.reset(); // waits for nobody: the system is let go only afterwards
         system->release();
-        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"gone"_qs}));
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"gone"_qs}));
     }
 
     void aPlayerGoesWhileASoundBegins()
@@ -186,15 +187,15 @@ private slots:
         const auto system = std::make_shared<SoundSystem>();
         auto player = std::make_unique<SoundPlayer>(system->factory());
         player->play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps().size(), 2);
+        TRY_COMPARE(system->steps().size(), 2);
         system->hold();
         player->play(messageSound, 0.55F);
-        QTRY_COMPARE(system->steps().size(), 3);
+        TRY_COMPARE(system->steps().size(), 3);
         player->play(disconnectSound, 0.55F); // never heard
         player.reset();
         system->release();
-        QTRY_COMPARE(system->steps(),
-                     (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs, u"manager.mp3 0.55"_qs, u"gone"_qs}));
+        TRY_COMPARE(system->steps(),
+                    (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs, u"manager.mp3 0.55"_qs, u"gone"_qs}));
     }
 
     void aPlayerGoesBeforeItsTurn()
@@ -204,16 +205,16 @@ private slots:
         SoundPlayer player(system->factory());
         system->hold();
         player.play(connectSound, 0.55F);
-        QTRY_COMPARE(system->steps().size(), 1);
+        TRY_COMPARE(system->steps().size(), 1);
         {
             SoundPlayer other(unused->factory());
             other.play(messageSound, 0.55F);
         }
         player.play(disconnectSound, 0.55F);
         system->release();
-        QTRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"disconnect.mp3 0.55"_qs}));
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"disconnect.mp3 0.55"_qs}));
         player.play(connectSound, 0.55F); // comes after what the other had left
-        QTRY_COMPARE(system->steps().size(), 3);
+        TRY_COMPARE(system->steps().size(), 3);
         QCOMPARE(unused->steps(), QStringList());
     }
 

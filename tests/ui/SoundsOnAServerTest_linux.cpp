@@ -1,6 +1,7 @@
 #include "ui/MediaSoundOutput.h"
 #include "ui/SoundPlayer.h"
 
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/Sounds.h"
 
@@ -47,7 +48,7 @@ public:
                          u"--disable-shm=yes"_qs, u"--realtime=no"_qs, u"--high-priority=no"_qs, u"-L"_qs,
                          u"module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket="_qs + socket(),
                          u"-L"_qs, u"module-null-sink sink_name=speaker norewinds=1 rate=48000 channels=2"_qs});
-        QTRY_VERIFY(QFileInfo::exists(socket()));
+        TRY_VERIFY(QFileInfo::exists(socket()));
         qputenv("PULSE_SERVER", "unix:" + socket().toLocal8Bit());
     }
 
@@ -88,7 +89,7 @@ private slots:
     void initTestCase()
     {
         m_server.start();
-        QTRY_VERIFY(!QMediaDevices::defaultAudioOutput().isNull());
+        TRY_VERIFY(!QMediaDevices::defaultAudioOutput().isNull());
     }
 
     void beginsAnew()
@@ -99,7 +100,7 @@ private slots:
 
         output.begin(connectSound, 0.55F);
         QCOMPARE(diary.takeLines(), (QStringList{u"volume 0.55"_qs, u"source connect.mp3"_qs, u"PlayingState"_qs}));
-        QTRY_VERIFY(player.position() > 0);
+        TRY_VERIFY(player.position() > 0);
         output.begin(connectSound, 0.75F); // while it plays
         QCOMPARE(player.position(), 0);
         QCOMPARE(diary.takeLines(), (QStringList{u"volume 0.75"_qs, u"StoppedState"_qs, u"PlayingState"_qs}));
@@ -116,7 +117,7 @@ private slots:
                 return std::make_unique<MediaSoundOutput>();
             });
             player.play(connectSound, 0.55F);
-            QTRY_COMPARE(made.load(), i); // the sound before has gone from the thread that they share
+            TRY_COMPARE(made.load(), i); // the sound before has gone from the thread that they share
             player.play(messageSound, 0.55F);
         }
     }

@@ -18,7 +18,7 @@ class AccessibilityTest : public QObject
 private slots:
     void init()
     {
-        m_harness = std::make_unique<PageHarness>(PageHarness::Backends::Present, QSize(1280, 1300));
+        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), QSize(1280, 1300));
         m_harness->fillSimulator(QStringLiteral("XPLANE"));
     }
 

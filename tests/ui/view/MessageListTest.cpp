@@ -1,4 +1,5 @@
 #include "MessagesPageFixture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -31,7 +32,7 @@ private slots:
             if (i % 40 == 0)
                 m_harness->settle();
         }
-        QTRY_COMPARE(list()->property("count").toInt(), int(model().activeMessages().size()));
+        TRY_COMPARE(list()->property("count").toInt(), int(model().activeMessages().size()));
         m_harness->settle();
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));
@@ -45,15 +46,15 @@ private slots:
         m_harness->settle();
         QVERIFY(atEnd());
         wheel(+480);
-        QTRY_VERIFY(field("newestButton"));
-        QTRY_VERIFY(!list()->property("moving").toBool());
+        TRY_VERIFY(field("newestButton"));
+        TRY_VERIFY(!list()->property("moving").toBool());
         QQuickItem *anchor = bodyInSight();
         QVERIFY(anchor);
         const QString text = anchor->property("text").toString();
         const qreal y = anchor->mapToScene({}).y();
         for (int i = 0; i < 15; ++i) // some of the oldest go
             model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("new %1").arg(i)));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("15 条新消息 ↓")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("15 条新消息 ↓")));
         m_harness->settle();
         anchor = m_harness->itemWithText(text);
         QVERIFY(anchor);
@@ -64,7 +65,7 @@ private slots:
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));
         model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("the last")));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("the last")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("the last")));
         m_harness->settle();
         QVERIFY(atEnd());
     }
@@ -74,10 +75,10 @@ private slots:
         addRadioTexts(100);
         m_harness->settle();
         wheel(+240);
-        QTRY_VERIFY(field("newestButton"));
-        QTRY_VERIFY(!list()->property("moving").toBool());
+        TRY_VERIFY(field("newestButton"));
+        TRY_VERIFY(!list()->property("moving").toBool());
         wheel(-2400);
-        QTRY_VERIFY(!field("newestButton"));
+        TRY_VERIFY(!field("newestButton"));
     }
 
     void hostileTextsAreShownAsTheyAre_data()
@@ -125,12 +126,12 @@ private slots:
         fillMessages(model());
         model().addRadioReceived(radioText(QStringLiteral("CCA1"), text));
         m_harness->settle();
-        QTRY_VERIFY(field("foldControl"));
+        TRY_VERIFY(field("foldControl"));
         QVERIFY(!m_harness->itemWithText(text));
         const qreal folded = list()->property("contentHeight").toReal();
         m_harness->click(field("foldControl"));
-        QTRY_VERIFY(m_harness->itemWithText(text));
-        QTRY_VERIFY(list()->property("contentHeight").toReal() > folded + 500);
+        TRY_VERIFY(m_harness->itemWithText(text));
+        TRY_VERIFY(list()->property("contentHeight").toReal() > folded + 500);
         m_harness->settle();
         const QQuickItem *body = m_harness->itemWithText(text);
         QVERIFY(body->mapToItem(list(), QPointF()).y() > 0); // one reads on where one was
@@ -140,10 +141,10 @@ private slots:
         m_harness->click(field("newestButton"));
         m_harness->settle();
         m_harness->click(field("foldControl"));
-        QTRY_VERIFY(!m_harness->itemWithText(text));
+        TRY_VERIFY(!m_harness->itemWithText(text));
         m_harness->settle();
         QVERIFY(atEnd());
-        QTRY_VERIFY(!field("newestButton"));
+        TRY_VERIFY(!field("newestButton"));
     }
 
     void theLineScrollsTheList()

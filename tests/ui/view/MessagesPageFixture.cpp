@@ -51,8 +51,7 @@ void fillMessages(MessagesPageViewModel &model)
 
 void MessagesPageFixture::open(QSize size)
 {
-    m_harness = std::make_unique<PageHarness>(PageHarness::Backends::Present, size);
-    m_harness->dashboard().setCurrentMode(QStringLiteral("XPLANE"));
+    m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), size);
     m_harness->fillAccount();
     m_harness->openSection(QStringLiteral("消息"));
 }

@@ -1,5 +1,6 @@
 #include "ComposingInput.h"
 #include "MessagesPageFixture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -77,7 +78,7 @@ private slots:
         fillMessages(model());
         m_harness->click(field("channel-SERVER"));
         QCOMPARE(model().activeChannel(), QStringLiteral("SERVER"));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("欢迎来到网络。")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("欢迎来到网络。")));
         QVERIFY(!field("sendButton")->isEnabled());
         m_harness->click(field("channel-WALLOP"));
         QVERIFY(field("sendButton")->isEnabled());
@@ -90,7 +91,7 @@ private slots:
         m_harness->click(senderOf(QStringLiteral("CCA1831")));
         QCOMPARE(model().draftTarget(), QStringLiteral("CCA1831"));
         QCOMPARE(model().activeChannel(), QStringLiteral("CCA1831"));
-        QTRY_VERIFY(field("session-CCA1831"));
+        TRY_VERIFY(field("session-CCA1831"));
     }
 
     void nobodyAnswersTheServerOrOneself()
@@ -107,7 +108,7 @@ private slots:
     void aStationIsCalledByAClick()
     {
         fillMessages(model());
-        QTRY_VERIFY(field("station-ZSPD_GND"));
+        TRY_VERIFY(field("station-ZSPD_GND"));
         m_harness->click(field("station-ZSPD_GND"));
         QCOMPARE(model().activeChannel(), QStringLiteral("ZSPD_GND"));
         m_harness->type(QStringLiteral("hello"));
@@ -120,7 +121,7 @@ private slots:
     {
         open({1000, 700});
         model().setNearbyController(stationCalled(QStringLiteral("ZSPD_TWR"), 118800, QStringLiteral("Liu Fangyuan")));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("Liu Fangyuan")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("Liu Fangyuan")));
         m_harness->settle();
         QVERIFY(!m_harness->itemWithText(QStringLiteral("Liu Fangyuan"))->property("truncated").toBool());
         QVERIFY(!m_harness->itemWithText(QStringLiteral("118.800"))->property("truncated").toBool());
@@ -142,12 +143,12 @@ private slots:
         QFETCH(bool, onTheCross);
         QFETCH(int, key);
         fillMessages(model());
-        QTRY_VERIFY(field("session-CSN3388"));
+        TRY_VERIFY(field("session-CSN3388"));
         QVERIFY(m_harness->tabTo(QStringLiteral("session-CSN3388")));
         if (onTheCross)
             QTest::keyClick(&m_harness->view, Qt::Key_Tab);
         QTest::keyClick(&m_harness->view, Qt::Key(key));
-        QTRY_VERIFY(!field("session-CSN3388"));
+        TRY_VERIFY(!field("session-CSN3388"));
         QVERIFY(field("session-ZSHA_CTR"));
         // The keyboard goes on from there.
         QVERIFY(m_harness->view.activeFocusItem()->property("visualFocus").toBool());
@@ -182,13 +183,13 @@ private slots:
     void aSessionIsClosedByItsCross()
     {
         fillMessages(model());
-        QTRY_VERIFY(field("session-CSN3388"));
+        TRY_VERIFY(field("session-CSN3388"));
         QQuickItem *row = field("session-CSN3388");
         m_harness->click(row);
         QCOMPARE(model().activeChannel(), QStringLiteral("CSN3388"));
         m_harness->click(row->findChild<QQuickItem *>(QStringLiteral("closeControl")));
         QCOMPARE(model().activeChannel(), QStringLiteral("RADIO"));
-        QTRY_VERIFY(!field("session-CSN3388"));
+        TRY_VERIFY(!field("session-CSN3388"));
         QCOMPARE(model().privateSessions().size(), 1);
     }
 
@@ -199,7 +200,7 @@ private slots:
         QVERIFY(!m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
         m_harness->click(field("clearMessagesButton"));
         QCOMPARE(model().messages(), QVariantList());
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
     }
 
     void sendingGoesToTheActiveChannel_data()

@@ -25,12 +25,6 @@ std::unique_ptr<QSignalSpy> spyOn(QObject *object, const char *signature)
                                         object->metaObject()->method(object->metaObject()->indexOfSignal(signature)));
 }
 
-void chooseXPlane(PageHarness &harness)
-{
-    harness.dashboard().setCurrentMode(QStringLiteral("XPLANE"));
-    harness.server().setCurrentMode(QStringLiteral("XPLANE"));
-}
-
 } // namespace
 
 /// What the pages do when somebody clicks and types.
@@ -67,7 +61,7 @@ private slots:
     void withoutBackendsTheModePageShowsPlaceholders()
     {
         QFETCH(PageHarness::Backends, backends);
-        PageHarness harness(backends);
+        PageHarness harness(QStringLiteral("NONE"), {1280, 800}, backends);
         QVERIFY(harness.itemWithText(QStringLiteral("请选择飞行模拟平台")));
         QVERIFY(harness.itemWithText(QStringLiteral("CID：--")));
         harness.click(harness.item(QStringLiteral("xplaneCard"))); // nobody listens; nothing breaks
@@ -179,9 +173,7 @@ private slots:
     {
         QFETCH(QString, button);
         QFETCH(bool, main);
-        PageHarness harness;
-        if (main)
-            chooseXPlane(harness);
+        PageHarness harness(main ? QStringLiteral("XPLANE") : QStringLiteral("NONE"));
         const auto spy = spyOn(harness.view.rootObject(), "logoutRequested()");
         harness.click(harness.item(button));
         QCOMPARE(spy->count(), 1);
@@ -209,8 +201,7 @@ private slots:
 
     void theOverviewShowsTheFlight()
     {
-        PageHarness harness;
-        chooseXPlane(harness);
+        PageHarness harness(QStringLiteral("XPLANE"));
         harness.fillFlight();
         for (const QString &text : {QStringLiteral("052"), QStringLiteral("452"), QStringLiteral("32,150"),
                                     QStringLiteral("N40°04.8′  E116°35.1′")})
@@ -223,16 +214,14 @@ private slots:
 
     void theOverviewShowsTheFormsCallsign()
     {
-        PageHarness harness;
-        chooseXPlane(harness);
+        PageHarness harness(QStringLiteral("XPLANE"));
         harness.server().setCallsign(QStringLiteral(" cca1234"));
         QVERIFY(harness.itemWithText(QStringLiteral("CCA1234")));
     }
 
     void aSectionShowsCurrentDataAgain()
     {
-        PageHarness harness;
-        chooseXPlane(harness);
+        PageHarness harness(QStringLiteral("XPLANE"));
         harness.openSection(QStringLiteral("服务器"));
         harness.server().setCallsign(QStringLiteral("CCA1"));
         harness.openSection(QStringLiteral("总览"));
@@ -244,9 +233,8 @@ private slots:
 
     void whatComesFromOutsideIsPlainText()
     {
-        PageHarness harness;
+        PageHarness harness(QStringLiteral("XPLANE"));
         const QString hostile = QStringLiteral("<b>甲</b><img src='file:///etc/passwd'>");
-        chooseXPlane(harness);
         harness.dashboard().setUserInfo(hostile, hostile, hostile);
         harness.dashboard().setRecentFlights({{hostile}, {}});
         harness.dashboard().setLeaderboard({{.name = hostile}}, {{}});

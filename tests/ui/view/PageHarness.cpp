@@ -46,7 +46,7 @@ bool isText(QQuickItem *item)
 
 } // namespace
 
-PageHarness::PageHarness(Backends backends, QSize size)
+PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
     : m_config(writeTypeData(m_folder.path())),
       m_icao(m_config),
       m_dashboard(nullptr, m_clock),
@@ -54,6 +54,8 @@ PageHarness::PageHarness(Backends backends, QSize size)
       m_messages(nullptr, m_clock)
 {
     m_icao.ensureLoaded();
+    m_dashboard.setCurrentMode(mode);
+    m_server.setCurrentMode(mode);
     QObject::connect(view.engine(), &QQmlEngine::warnings, view.engine(), [this](const QList<QQmlError> &errors) {
         for (const QQmlError &error : errors)
             m_complaints << error.toString();

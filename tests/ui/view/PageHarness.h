@@ -28,7 +28,9 @@ public:
         Absent, ///< not even named
     };
 
-    explicit PageHarness(Backends backends = Backends::Present, QSize size = {1280, 800});
+    /// Opens in this mode; "NONE" is the choice of the simulator.
+    explicit PageHarness(const QString &mode = QStringLiteral("NONE"), QSize size = {1280, 800},
+                         Backends backends = Backends::Present);
 
     ui::DashboardViewModel &dashboard() { return m_dashboard; }
     ui::ServerPageViewModel &server() { return m_server; }

@@ -30,10 +30,9 @@ private slots:
     {
         QFETCH(QString, page);
         QFETCH(QSize, size);
-        PageHarness harness(PageHarness::Backends::Present, size);
+        PageHarness harness(page == QLatin1String("modes") ? QStringLiteral("NONE") : QStringLiteral("XPLANE"), size);
         harness.fillAccount();
-        if (page != QLatin1String("modes"))
-            chooseXPlane(harness);
+        harness.dashboard().setSimulatorState(false, QStringLiteral("连接中..."));
         if (page == QLatin1String("overview") || page == QLatin1String("server-connected")) {
             harness.fillFlight();
             harness.connectToNetwork();
@@ -60,13 +59,6 @@ private slots:
     }
 
 private:
-    static void chooseXPlane(PageHarness &harness)
-    {
-        harness.dashboard().setCurrentMode(QStringLiteral("XPLANE"));
-        harness.server().setCurrentMode(QStringLiteral("XPLANE"));
-        harness.dashboard().setSimulatorState(false, QStringLiteral("连接中..."));
-    }
-
     /// The longest status texts, beside a long name.
     static void failEverything(PageHarness &harness)
     {

@@ -1,4 +1,5 @@
 #include "PageHarness.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QElapsedTimer>
@@ -23,9 +24,7 @@ private slots:
     void init()
     {
         m_events = 0;
-        m_harness = std::make_unique<PageHarness>();
-        m_harness->dashboard().setCurrentMode(QStringLiteral("XPLANE"));
-        m_harness->server().setCurrentMode(QStringLiteral("XPLANE"));
+        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"));
         m_harness->openSection(QStringLiteral("服务器"));
     }
 
@@ -113,7 +112,7 @@ private slots:
         m_harness->type(QStringLiteral("\tb73"));
         QVERIFY(field("typeCodeField")->hasActiveFocus());
         QCOMPARE(model().typeCodeSuggestions().size(), 2);
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
         QVERIFY(m_harness->itemWithText(QStringLiteral("L2J · WTC M")));
         m_harness->grab(QStringLiteral("server-suggestions"));
     }
@@ -156,7 +155,7 @@ private slots:
     void aClickTakesASuggestion()
     {
         m_harness->type(QStringLiteral("\tb73"));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
         m_harness->click(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
         QCOMPARE(model().typeCode(), QStringLiteral("B738"));
         QCOMPARE(field("typeCodeField")->property("text").toString(), QStringLiteral("B738"));
@@ -175,7 +174,7 @@ private slots:
         QCOMPARE(logText(), model().serverLog());
         m_harness->click(field("clearLogButton"));
         QCOMPARE(logText(), QString());
-        QTRY_COMPARE(field("eventList")->property("count").toInt(), 1);
+        TRY_COMPARE(field("eventList")->property("count").toInt(), 1);
         model().appendLog(QStringLiteral("三"));
         QCOMPARE(logText(), model().serverLog());
     }
@@ -206,7 +205,7 @@ private slots:
     void aReaderOfEventsIsLeftThere()
     {
         addEvents(100);
-        QTRY_COMPARE(field("eventList")->property("count").toInt(), 100);
+        TRY_COMPARE(field("eventList")->property("count").toInt(), 100);
         m_harness->settle();
         QVERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
         QVERIFY(field("eventList")->setProperty("contentY", 600.0));
@@ -215,7 +214,7 @@ private slots:
         QVERIFY(!read.isEmpty());
         const qreal y = m_harness->itemWithText(read)->mapToScene({}).y();
         addEvents(3);
-        QTRY_COMPARE(field("eventList")->property("count").toInt(), 103);
+        TRY_COMPARE(field("eventList")->property("count").toInt(), 103);
         m_harness->settle();
         QVERIFY(m_harness->itemWithText(read));
         QVERIFY(qAbs(m_harness->itemWithText(read)->mapToScene({}).y() - y) < 2);
@@ -224,10 +223,10 @@ private slots:
     void theNewestEventIsSeen()
     {
         addEvents(100);
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
         m_harness->settle();
         model().addRecentEvent(QStringLiteral("事件 100"), {}, {});
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 100")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 100")));
         m_harness->settle();
         const QQuickItem *newest = m_harness->itemWithText(QStringLiteral("事件 100"));
         QVERIFY(newest->mapToItem(field("eventList"), QPointF()).y() >= 0);
@@ -237,7 +236,7 @@ private slots:
     {
         for (int i = 1; i <= 5; ++i) {
             model().addRecentEvent(QStringLiteral("同样"), QStringLiteral("同样"), {});
-            QTRY_COMPARE(field("eventList")->property("count").toInt(), i);
+            TRY_COMPARE(field("eventList")->property("count").toInt(), i);
         }
     }
 
@@ -268,10 +267,10 @@ private slots:
     void manyEventsStayBounded()
     {
         addEvents(1990);
-        QTRY_COMPARE(field("eventList")->property("count").toInt(), 1990);
+        TRY_COMPARE(field("eventList")->property("count").toInt(), 1990);
         addEvents(50);
-        QTRY_COMPARE(field("eventList")->property("count").toInt(), 2000);
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 2039")));
+        TRY_COMPARE(field("eventList")->property("count").toInt(), 2000);
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 2039")));
     }
 
     void aNewPageShowsTheWholeLog()

@@ -35,7 +35,7 @@ class SimulatorPageFixture
 protected:
     void open(QSize size = {1280, 1300})
     {
-        m_harness = std::make_unique<PageHarness>(PageHarness::Backends::Present, size);
+        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), size);
         m_harness->fillSimulator(QStringLiteral("XPLANE"));
         m_harness->openSection(QStringLiteral("模拟器"));
     }

@@ -1,4 +1,5 @@
 #include "SimulatorPageFixture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -296,7 +297,7 @@ private slots:
             model().setOwnAircraft(ownAircraft(10), {}, {}, false);
         QVERIFY(!frames.wait(200));
         model().setOwnAircraft(ownAircraft(11), {}, {}, false);
-        QTRY_VERIFY(frames.count() > 0);
+        TRY_VERIFY(frames.count() > 0);
     }
 
 private:

@@ -1,4 +1,5 @@
 #include "SimulatorPageFixture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -95,9 +96,9 @@ private slots:
         QFETCH(QString, row);
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);
         model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31.1, 121, altitudeMslM)});
-        QTRY_VERIFY(m_harness->itemWithText(symbol));
-        QTRY_VERIFY(m_harness->itemWithText(row));
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("6.0 NM")));
+        TRY_VERIFY(m_harness->itemWithText(symbol));
+        TRY_VERIFY(m_harness->itemWithText(row));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("6.0 NM")));
     }
 
     void theListGrowsAndShrinks()
@@ -117,7 +118,7 @@ private slots:
     {
         model().setMode(QStringLiteral("MSFS"));
         model().setTrafficContacts({QVariantMap{{QStringLiteral("label"), QStringLiteral("OBJ-7")}}, QVariant(3)});
-        QTRY_VERIFY(m_harness->itemWithText(QStringLiteral("OBJ-7")));
+        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("OBJ-7")));
         QCOMPARE(item(QStringLiteral("trafficList"))->property("count").toInt(), 2);
     }
 
