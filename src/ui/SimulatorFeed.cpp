@@ -71,8 +71,6 @@ void SimulatorFeed::connectRequests()
 
 void SimulatorFeed::setSeen(bool seen)
 {
-    if (seen == m_seen)
-        return;
     m_seen = seen;
     if (!seen)
         return;
