@@ -21,7 +21,7 @@ constexpr int publishIntervalMs = 50;
 /// A second. X-Plane that runs replies more often, and so keeps the timer's beat.
 constexpr int ticksUntilRest = 20;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
-constexpr int datagramsPerRound = 1000;
+constexpr int datagramsPerRound = 150;
 constexpr qsizetype largestDatagram = 65536;
 constexpr int lowestPort = 1;
 constexpr int highestPort = 65535;
@@ -29,8 +29,7 @@ constexpr int highestPort = 65535;
 /// The socket is one for IPv4, and so is every sender.
 bool isFrom(const QHostAddress &target, const QHostAddress &sender)
 {
-    bool targetIsIpv4 = false;
-    return target.toIPv4Address(&targetIsIpv4) == sender.toIPv4Address() && targetIsIpv4;
+    return target.toIPv4Address() == sender.toIPv4Address(); // never 0
 }
 
 } // namespace
@@ -65,19 +64,12 @@ bool DatarefLink::isSilent(qint64 nowSeconds, qint64 forSeconds) const
     return m_lastAskedSeconds > 0 && nowSeconds - std::max(m_lastAskedSeconds, m_lastHeardSeconds) >= forSeconds;
 }
 
-void DatarefLink::subscribe(bool remember)
+void DatarefLink::subscribe()
 {
     m_lastAskedSeconds = m_clock.wallMs() / 1000;
     qint32 id = 0;
-    for (const Dataref &dataref : datarefs()) {
-        const QString name = QString::fromLatin1(dataref.name);
-        if (!m_subscribed.contains(name)) {
-            send(subscribePacket(dataref.rateHz, id, dataref.name));
-            if (remember)
-                m_subscribed.append(name);
-        }
-        ++id;
-    }
+    for (const Dataref &dataref : datarefs())
+        send(subscribePacket(dataref.rateHz, id++, dataref.name));
 }
 
 void DatarefLink::write(QByteArrayView dataref, float value)

@@ -5,7 +5,6 @@
 #include <QByteArrayView>
 #include <QHostAddress>
 #include <QObject>
-#include <QStringList>
 #include <QTimer>
 #include <QUdpSocket>
 
@@ -47,10 +46,8 @@ public:
     /// True when it was asked and has not replied since, nor was asked again, for so long.
     bool isSilent(qint64 nowSeconds, qint64 forSeconds) const;
 
-    /// Subscribes to every dataref that is not in the list of subscriptions. `remember` adds it to that list.
-    void subscribe(bool remember);
-    /// Empties the list of subscriptions; X-Plane itself is not told.
-    void clearSubscriptions() { m_subscribed.clear(); }
+    /// Subscribes to every dataref, as often as it is called: X-Plane may have forgotten.
+    void subscribe();
 
     /// Writes one value, in the dataref's own unit. Lost without notice when no simulator is there.
     void write(QByteArrayView dataref, float value);
@@ -97,7 +94,6 @@ private:
     model::RadioStackState m_publishedRadio;
     bool m_publishedOnce = false;
     int m_quietTicks = 0; ///< of the publish timer with nothing to publish, since X-Plane replied last
-    QStringList m_subscribed;
     QTimer m_publishTimer;
 };
 

@@ -143,7 +143,7 @@ void XPlaneAdapter::checkConnection()
 /// The session trusts a pause for as long as it lasts; without a link nothing else tells that X-Plane says so no more.
 bool XPlaneAdapter::hasDiedInPause() const
 {
-    return !m_attempt.connected && m_datarefs->sample().paused && m_heardXPlane && !hearsXPlane();
+    return m_datarefs->sample().paused && m_heardXPlane && !hearsXPlane();
 }
 
 bool XPlaneAdapter::hearsXPlane() const
@@ -156,10 +156,8 @@ void XPlaneAdapter::callTheSilent()
 {
     const qint64 now = nowSeconds();
     dialAnew(callIntervalSeconds);
-    if (m_datarefs->isSilent(now, callIntervalSeconds)) {
-        m_datarefs->clearSubscriptions();
-        m_datarefs->subscribe(m_attempt.connected);
-    }
+    if (m_datarefs->isSilent(now, callIntervalSeconds))
+        m_datarefs->subscribe();
     const bool heard = std::exchange(m_heardXPlane, hearsXPlane());
     const bool hearsAgain = m_heardXPlane && !heard;
     if (hearsAgain && m_plugin->isConnected() && m_attempt.isAwaited())
@@ -202,7 +200,6 @@ void XPlaneAdapter::reconnectSimulator()
 
 void XPlaneAdapter::startAttempt()
 {
-    m_attemptTimer.stop();
     if (m_attempt.connected)
         disconnectSimulator();
     m_attempt.request();
@@ -215,8 +212,7 @@ void XPlaneAdapter::beginAttempt()
         return;
     qInfo() << "X-Plane connection attempt";
     m_datarefs->setLastReplySeconds(nowSeconds() - ConnectionAttempt::assumedAgeSeconds);
-    m_datarefs->clearSubscriptions();
-    m_datarefs->subscribe(m_attempt.connected);
+    m_datarefs->subscribe();
     askPlugin();
     m_attemptTimer.start();
 }
@@ -249,7 +245,6 @@ void XPlaneAdapter::onAttemptTimeout()
 void XPlaneAdapter::disconnectSimulator()
 {
     m_attempt.setDisconnected();
-    m_datarefs->clearSubscriptions();
     // Raised last, so that a receiver may reconnect at once.
     emit simConnectionStateChanged(false);
 }

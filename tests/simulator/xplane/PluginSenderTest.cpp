@@ -88,6 +88,9 @@ private slots:
         QCOMPARE(left.size(), 520);
         QCOMPARE(left.first(), 2000);
         QCOMPARE(left.last(), 2519);
+        QCoreApplication::processEvents(); // the turn that was to go on
+        bench.send(1);
+        QCOMPARE(bench.end(), QList<int>{2520});
     }
 
     void whatIsDroppedIsTold()

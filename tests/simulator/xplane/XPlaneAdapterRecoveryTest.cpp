@@ -161,7 +161,9 @@ private slots:
         for (const bool prolongs : {true, false}) {
             timer->stop();
             QVERIFY(bench.restartPlugin());
-            TRY_COMPARE(timer->isActive(), prolongs);
+            if (prolongs)
+                TRY_VERIFY(timer->isActive());
+            QCOMPARE(timer->isActive(), prolongs);
         }
         timer->start();
         bench.endAttempt();

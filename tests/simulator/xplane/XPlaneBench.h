@@ -119,9 +119,9 @@ struct DatarefBench : XPlaneBench
     void publish() { fire(*link, "publish"); }
 
     /// The peer knows then where to reply to.
-    bool subscribe(bool remember = false)
+    bool subscribe()
     {
-        link->subscribe(remember);
+        link->subscribe();
         return QTest::qWaitFor([this] { return simulator.subscriptions().size() == 53; });
     }
 
