@@ -122,7 +122,7 @@ struct DatarefBench : XPlaneBench
     bool subscribe()
     {
         link->subscribe();
-        return QTest::qWaitFor([this] { return simulator.subscriptions().size() == 53; });
+        return waitFor([this] { return simulator.subscriptions().size() == 53; });
     }
 
     /// Waits until all that was sent before has been read: a last, harmless value is seen to arrive.
@@ -130,7 +130,7 @@ struct DatarefBench : XPlaneBench
     {
         const float marker = ++lastMarker;
         simulator.report(22, marker);
-        return QTest::qWaitFor([&] { return link->sample().user.altitudePressure == static_cast<double>(marker); });
+        return waitFor([&] { return link->sample().user.altitudePressure == static_cast<double>(marker); });
     }
 
     std::unique_ptr<simulator::xplane::DatarefLink> link;
@@ -147,7 +147,7 @@ struct PluginBench : PluginAddressDir
     {
         startPlugin();
         open();
-        return QTest::qWaitFor([this] { return plugin->hasClient(); });
+        return waitFor([this] { return plugin->hasClient(); });
     }
 
     std::unique_ptr<PluginPeer> plugin;
@@ -185,7 +185,7 @@ struct AdapterBench : XPlaneBench
     {
         dial();
         adapter->reconnectSimulator();
-        return QTest::qWaitFor(
+        return waitFor(
             [this] { return plugin->count(QStringLiteral("VER")) == 1 && simulator.subscriptions().size() == 53; });
     }
 
@@ -193,7 +193,7 @@ struct AdapterBench : XPlaneBench
     {
         const qsizetype before = versionChecked->size();
         plugin->send(QStringLiteral("VER"), {number});
-        return QTest::qWaitFor([&] { return versionChecked->size() == before + 1; });
+        return waitFor([&] { return versionChecked->size() == before + 1; });
     }
 
     /// A good version, and the tick that takes it; true when the link is up then.
@@ -213,13 +213,13 @@ struct AdapterBench : XPlaneBench
     {
         plugin.reset();
         startPlugin();
-        return QTest::qWaitFor([this] { return plugin->count(QStringLiteral("VER")) > 0; });
+        return waitFor([this] { return plugin->count(QStringLiteral("VER")) > 0; });
     }
 
     bool report(quint32 id, float value, const std::function<bool()> &seen)
     {
         simulator.report(id, value);
-        return QTest::qWaitFor(seen);
+        return waitFor(seen);
     }
     /// X-Plane is heard: it tells its version.
     bool hear()
