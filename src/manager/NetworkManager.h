@@ -68,8 +68,8 @@ public:
     /// The current backend; may be empty.
     std::shared_ptr<simulator::Simulator> simulator() const;
 
-    /// True while a name is looked up, by connectToNetwork() or because the server sends the session elsewhere: the
-    /// event loop then runs on top of a call of this object, which must not be destroyed before that call has returned.
+    /// True while connectToNetwork() is on the stack. It may look a name up, and handles events meanwhile: this object
+    /// must not be destroyed before it has returned.
     bool isResolving() const;
 
     /// Connected, or on the way there or back.

@@ -66,11 +66,9 @@ void PeerQueries::answer(const ClientQuery &query, const QStringList &payload)
 void PeerQueries::answerCapabilities(const ClientQuery &query)
 {
     const QString from = query.From; // the original lives only for its signal
-    const SessionMark mark = m_session.mark();
     if (!isServer(from))
         emit capabilitiesRequestReceived(from);
-    if (mark.holds())
-        sendOwnCapabilities(from);
+    sendOwnCapabilities(from);
 }
 
 void PeerQueries::sendClientInformation(const QString &to)

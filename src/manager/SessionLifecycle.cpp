@@ -15,16 +15,6 @@ using namespace fsd::pdu;
 
 SessionLifecycle::SessionLifecycle(SessionContext &session, QObject *parent) : QObject(parent), m_session(session) {}
 
-bool SessionLifecycle::isBusy() const
-{
-    return m_phase != Phase::Idle || m_session.fsd.isConnected();
-}
-
-bool SessionLifecycle::isResolving() const
-{
-    return m_resolving > 0 || m_session.fsd.isResolving();
-}
-
 // --- the beginning ---
 
 bool SessionLifecycle::begin(const model::ConnectInfo &info, const QString &host, quint16 port)
@@ -42,7 +32,7 @@ bool SessionLifecycle::begin(const model::ConnectInfo &info, const QString &host
     --m_resolving;
     // While a name was looked up anything may have happened, another connection included.
     if (!started && mark.holds())
-        end();
+        end(Phase::Idle);
     // An address that can't be reached fails inside the call: the session is then over, as everybody has been told.
     return started && mark.holds();
 }
@@ -52,9 +42,7 @@ void SessionLifecycle::startOver(Phase phase)
 {
     m_session.sessions.next();
     m_phase = phase;
-    m_loginAnnounced = false;
-    m_forced = false;
-    m_forcedReason.clear();
+    m_forced.reset();
 }
 
 void SessionLifecycle::onNetworkConnected()
@@ -73,9 +61,8 @@ void SessionLifecycle::onAnnounced(const QString &callsign)
 
 void SessionLifecycle::completeLogin()
 {
-    if (m_loginAnnounced)
+    if (m_phase != Phase::Connecting)
         return;
-    m_loginAnnounced = true;
     m_phase = Phase::Connected;
     const model::ConnectInfo info = m_session.info;
     const SessionMark mark = m_session.mark();
@@ -95,24 +82,16 @@ void SessionLifecycle::completeLogin()
 
 void SessionLifecycle::leave()
 {
-    if (!canLeave())
-        return;
-    m_phase = Phase::Disconnecting;
-    deleteAndDisconnect();
+    if (canLeave())
+        deleteAndDisconnect();
 }
 
 void SessionLifecycle::forceOut(const QString &reason)
 {
     if (!canLeave())
         return;
-    m_forced = true;
-    m_forcedReason = reason;
+    m_forced = reason;
     deleteAndDisconnect();
-}
-
-bool SessionLifecycle::canLeave() const
-{
-    return isBusy() && m_phase != Phase::TellingTheEnd;
 }
 
 void SessionLifecycle::deleteAndDisconnect()
@@ -134,15 +113,13 @@ void SessionLifecycle::sendDeletePdu()
 
 void SessionLifecycle::onKillRequest(const KillRequest &pdu)
 {
-    m_forced = true;
-    m_forcedReason = pdu.reason;
+    m_forced = pdu.reason;
 }
 
 void SessionLifecycle::onTokenRefused(const QString &error)
 {
     const SessionMark mark = m_session.mark();
-    m_forced = true;
-    m_forcedReason = error;
+    m_forced = error;
     notify(tr("Network authentication error: %1").arg(error), MessageType::Error);
     if (mark.holds())
         m_session.fsd.disconnectFromServer();
@@ -150,18 +127,16 @@ void SessionLifecycle::onTokenRefused(const QString &error)
 
 void SessionLifecycle::onNetworkDisconnected()
 {
-    const bool forced = m_forced;
-    const QString reason = m_forcedReason;
-    startOver(Phase::TellingTheEnd);
-    emit ended();
+    const std::optional<QString> forced = m_forced;
+    end(Phase::TellingTheEnd);
     if (!forced)
         notify(tr("Disconnected from network."), MessageType::Info);
-    else if (reason.isEmpty())
+    else if (forced->isEmpty())
         notify(tr("Forcibly disconnected from network."), MessageType::Error);
     else
-        notify(tr("Forcibly disconnected from network: ") + reason, MessageType::Error);
+        notify(tr("Forcibly disconnected from network: ") + *forced, MessageType::Error);
     tellSimulatorOfTheEnd();
-    emit networkDisconnected(forced);
+    emit networkDisconnected(forced.has_value());
     m_phase = Phase::Idle;
 }
 
@@ -171,16 +146,14 @@ void SessionLifecycle::onNetworkError(const QString &error)
     notify(error, MessageType::Error);
     if (!mark.holds() || m_session.fsd.isConnected())
         return;
-    startOver(Phase::TellingTheEnd);
-    emit ended();
+    end(Phase::TellingTheEnd);
     emit networkDisconnected(false);
     m_phase = Phase::Idle;
 }
 
-/// Without a word: the call that wanted the session tells.
-void SessionLifecycle::end()
+void SessionLifecycle::end(Phase phase)
 {
-    startOver(Phase::Idle);
+    startOver(phase);
     emit ended();
 }
 

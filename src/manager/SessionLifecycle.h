@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QString>
 
+#include <optional>
+
 namespace tarvo::fsd::pdu {
 struct KillRequest;
 }
@@ -29,9 +31,9 @@ public:
     explicit SessionLifecycle(SessionContext &session, QObject *parent = nullptr);
 
     /// Connected, or on the way there or back.
-    bool isBusy() const;
-    /// True while begin() or a server change looks a name up in an event loop of its own.
-    bool isResolving() const;
+    bool isBusy() const { return m_phase != Phase::Idle; }
+    /// True while begin() is on the stack, where it may look a name up in an event loop of its own.
+    bool isResolving() const { return m_resolving > 0; }
 
     /// Starts a connection; not to be called while busy. Returns true while it is under way.
     bool begin(const model::ConnectInfo &info, const QString &host, quint16 port);
@@ -71,13 +73,12 @@ private:
         Idle,
         Connecting,
         Connected,
-        Disconnecting,
         TellingTheEnd
     };
 
     void startOver(Phase phase);
-    void end();
-    bool canLeave() const;
+    void end(Phase phase);
+    bool canLeave() const { return isBusy() && m_phase != Phase::TellingTheEnd; }
     void deleteAndDisconnect();
     void sendDeletePdu();
     void tellSimulatorOfTheEnd();
@@ -85,10 +86,8 @@ private:
 
     SessionContext &m_session;
     Phase m_phase = Phase::Idle;
-    bool m_forced = false; ///< the disconnect that is coming is not the user's wish
-    QString m_forcedReason;
-    bool m_loginAnnounced = false;
-    int m_resolving = 0; ///< begin() calls on the stack
+    std::optional<QString> m_forced; ///< why a disconnect is coming that is not the user's wish
+    int m_resolving = 0;             ///< begin() calls on the stack
 };
 
 } // namespace tarvo::manager

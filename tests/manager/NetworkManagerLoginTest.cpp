@@ -511,7 +511,10 @@ private slots:
             QVERIFY(s.connectObserver());
             QVERIFY(s.peer.waitForConnection(i));
             EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
+            s.peer.inject(u"$CRSERVER:AB1:IP:1.2.3.4"_qs);
+            TRY_EVENTS(s, u"connected AB1"_qs);
             s.manager->disconnectFromNetwork();
+            s.takeEvents();
         }
         QCOMPARE(logLines(s).filter(u">>> #AA"_qs).size(), 2);
         QCOMPARE(logLines(s).filter(u">>> #DA"_qs).size(), 2);

@@ -2,13 +2,13 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
+
 namespace tarvo::test {
 
 namespace {
 
-constexpr int longestMs = 30'000;
 constexpr int steadyMs = 500;
-const QString own = QStringLiteral("AB1");
 
 } // namespace
 
@@ -28,7 +28,12 @@ bool Hour::fails(const QString &what)
 
 bool Hour::waitFor(const std::function<bool()> &condition, const QString &what)
 {
-    return QTest::qWaitFor(condition, longestMs) || fails(what);
+    m_watch.restart(); // what the hour itself did before is not the client's
+    const bool came = test::waitFor(condition);
+    const ThreadTime longest = m_watch.longest();
+    m_longestStandstill.wallMs = std::max(m_longestStandstill.wallMs, longest.wallMs);
+    m_longestStandstill.processorMs = std::max(m_longestStandstill.processorMs, longest.processorMs);
+    return came || fails(what);
 }
 
 // --- the login session ---
@@ -96,7 +101,7 @@ Footprint Hour::steady(const std::function<Footprint()> &sample)
         }
         return unchanged.elapsed() >= steadyMs;
     };
-    if (!QTest::qWaitFor(isSteady, longestMs))
+    if (!QTest::qWaitFor(isSteady, patienceMs)) // not at every turn
         qWarning("What the process holds does not come to rest");
     return last;
 }
@@ -109,7 +114,7 @@ bool Hour::connectAs(bool observer)
     // X-Plane may just have come back: a pilot is refused until its first live sample is there.
     const auto accepted = [&] { return observer ? client->connectObserver() : client->connectPilot(); };
     const auto connected = [this] { return client->events.contains(u"connected AB1"_qs); };
-    return (waitFor(accepted, {}) && waitFor(connected, {})) ||
+    return (QTest::qWaitFor(accepted, patienceMs) && waitFor(connected, {})) || // not asked at every turn
            fails(QStringLiteral("connecting: ") + client->notifications.value(client->notifications.size() - 1));
 }
 
@@ -134,7 +139,7 @@ bool Hour::leave()
 bool Hour::settleAt(practice::FsdServer &server)
 {
     network.heard.clear();
-    if (!server.ping(own))
+    if (!server.ping(ownCallsign))
         return fails(QStringLiteral("the client is not there"));
     const auto answered = [this] { return !network.linesOf(u"$PO"_qs).isEmpty(); };
     if (!waitFor(answered, QStringLiteral("no answer to a ping")))
@@ -150,7 +155,7 @@ bool Hour::settle()
 
 void Hour::say(const QString &line)
 {
-    fsd().sendLine(own, line);
+    fsd().sendLine(ownCallsign, line);
 }
 
 bool Hour::sayAll(const QStringList &lines)

@@ -2,6 +2,7 @@
 
 #include "soak/Footprint.h"
 #include "soak/Pages.h"
+#include "support/MainThreadWatch.h"
 
 #include <QStringList>
 
@@ -10,7 +11,9 @@
 
 namespace tarvo::test {
 
-/// One client and one network, and all that may happen between them. Every scene begins and ends signed in, with
+inline const QString ownCallsign = QStringLiteral("AB1");
+
+/// One client and one network, and all that may happen between them. Every scenario begins and ends signed in, with
 /// X-Plane connected and the FSD server not; it gives false, with what it was about in `where`, when the client does
 /// not do what it must, or holds more than it may.
 class Hour
@@ -37,6 +40,8 @@ public:
     /// Once nothing has changed for half a second.
     Footprint steadyFootprint();
     static Footprint steady(const std::function<Footprint()> &sample);
+    /// The longest that the main thread has stood still while the hour waited; the network's own work is in it.
+    ThreadTime longestStandstill() const { return m_longestStandstill; }
     int connections() { return network.practice.fsd().connectionCount() + m_second->connectionCount(); }
 
     Network network;
@@ -72,6 +77,8 @@ private:
     bool pluginSpeaks();
     bool pluginReturns(const QString &url);
 
+    MainThreadWatch m_watch;
+    ThreadTime m_longestStandstill;
     std::unique_ptr<practice::FsdServer> m_second;
     std::unique_ptr<Pages> m_pages; ///< as long as there is a session
     int m_generation = 0;           ///< makes callsigns that have never been there

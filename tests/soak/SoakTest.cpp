@@ -4,6 +4,8 @@
 
 #include "Logging.h"
 
+#include <QTextStream>
+
 using namespace tarvo;
 using tarvo::test::Footprint;
 using tarvo::test::heapInUse;
@@ -35,13 +37,13 @@ private:
     QtMessageHandler m_previous;
 };
 
-struct Scene
+struct Scenario
 {
     const char *name;
     bool (Hour::*play)();
 };
 
-constexpr Scene scenes[] = {
+constexpr Scenario scenarios[] = {
     {"logins and how they end", &Hour::logins},
     {"bad lines", &Hour::badLines},
     {"floods", &Hour::floods},
@@ -93,8 +95,9 @@ private slots:
             }
             hour.signOut();
         }
+        verifyNoStandstill(hour.longestStandstill());
         hour.end();
-        QTRY_COMPARE(hour.connections(), 0);
+        TRY_COMPARE(hour.connections(), 0);
         const Footprint after = Hour::steady(&Footprint::ofProcess);
         QVERIFY2(after.descriptors <= before.descriptors, qPrintable(after.excessOver(before)));
     }
@@ -102,8 +105,16 @@ private slots:
 private:
     static void playRound(Hour &hour)
     {
-        for (const Scene &scene : scenes)
-            QVERIFY2((hour.*scene.play)(), qPrintable(QLatin1StringView(scene.name) + u": "_qs + hour.where));
+        for (const Scenario &scenario : scenarios)
+            QVERIFY2((hour.*scenario.play)(), qPrintable(QLatin1StringView(scenario.name) + u": "_qs + hour.where));
+    }
+
+    static void verifyNoStandstill(const test::ThreadTime &longest)
+    {
+        // Not by way of the log, which is the program's here.
+        QTextStream(stdout) << "The main thread stood still for " << longest.processorMs << " ms at most ("
+                            << longest.wallMs << " by the wall clock)" << Qt::endl;
+        QVERIFY(longest.processorMs < test::MainThreadWatch::mostMs);
     }
 
     static void compareRounds(const QList<Remains> &rounds)

@@ -15,7 +15,6 @@ constexpr int senderCount = 250; ///< more than there may be private sessions
 constexpr int linesAtOnce = 150; ///< the server cuts off who lets too much pile up
 constexpr int longestSender = 1000;
 constexpr int textCount = 30;
-const QString own = QStringLiteral("AB1");
 const QString fullConfiguration =
     QStringLiteral(R"({"config":{"is_full_data":true,"lights":{"nav_on":true},"gear_down":true,"on_ground":false}})");
 
@@ -78,17 +77,17 @@ bool Hour::endSomehow(int kind)
 {
     switch (kind % 6) {
     case 0:
-        fsd().kill(own, QStringLiteral("Bad manners"));
+        fsd().kill(ownCallsign, QStringLiteral("Bad manners"));
         break;
     case 1:
         network.practice.xplane().plugin().forceDisconnect(QStringLiteral("Replay mode"));
         break;
     case 2:
-        fsd().dropClient(own);
+        fsd().dropClient(ownCallsign);
         break;
     case 3: // in the middle of a line
-        fsd().sendBytes(own, QByteArrayLiteral("@N:TST1:2000:1:40.0"));
-        fsd().dropClient(own);
+        fsd().sendBytes(ownCallsign, QByteArrayLiteral("@N:TST1:2000:1:40.0"));
+        fsd().dropClient(ownCallsign);
         break;
     case 4: // in the middle of traffic
         for (int i = 0; i < 50; ++i)
@@ -97,7 +96,7 @@ bool Hour::endSomehow(int kind)
         break;
     default:
         say(QStringLiteral("$ERSERVER:AB1:002::Fatal"));
-        fsd().kill(own, {});
+        fsd().kill(ownCallsign, {});
     }
     return awaitEnd();
 }
@@ -112,8 +111,8 @@ bool Hour::badLines()
     }
     if (!everyLineAndHalves(hostileLines + arrivalOf(callsignOf(++m_generation, 1))))
         return false;
-    fsd().sendBytes(own, QByteArray(300'000, 'x')); // a line that never ends
-    fsd().sendBytes(own, QByteArrayLiteral("\r\n"));
+    fsd().sendBytes(ownCallsign, QByteArray(300'000, 'x')); // a line that never ends
+    fsd().sendBytes(ownCallsign, QByteArrayLiteral("\r\n"));
     return settle() && leave();
 }
 
@@ -190,9 +189,9 @@ bool Hour::everyLineAndHalves(const QStringList &lines)
     for (const QString &line : lines) {
         const QByteArray bytes = line.toLatin1() + "\r\n";
         for (qsizetype cut = 2; cut + 1 < bytes.size(); cut += 10) {
-            fsd().sendBytes(own, bytes.left(cut));
+            fsd().sendBytes(ownCallsign, bytes.left(cut));
             QCoreApplication::processEvents(); // so that mostly they are read one by one
-            fsd().sendBytes(own, bytes.mid(cut));
+            fsd().sendBytes(ownCallsign, bytes.mid(cut));
             QCoreApplication::processEvents();
         }
     }
@@ -393,18 +392,18 @@ bool Hour::serversChange()
     if (!connectAs(true) || !settle())
         return false;
     for (int i = 0; i < 4; ++i) {
-        here->sendLine(own, QStringLiteral("#TMSERVER:AB1:moving"));
-        if (!here->handOver(own, *there))
+        here->sendLine(ownCallsign, QStringLiteral("#TMSERVER:AB1:moving"));
+        if (!here->handOver(ownCallsign, *there))
             return fails(QStringLiteral("hand-over"));
-        here->sendBytes(own, QByteArrayLiteral("^HALF:1:2")); // the old server's last words
-        const auto moved = [&] { return there->callsigns().contains(own) && here->connectionCount() == 0; };
+        here->sendBytes(ownCallsign, QByteArrayLiteral("^HALF:1:2")); // the old server's last words
+        const auto moved = [&] { return there->callsigns().contains(ownCallsign) && here->connectionCount() == 0; };
         if (!waitFor(moved, QStringLiteral("server change %1").arg(i)))
             return false;
         std::swap(here, there);
         if (!settleAt(*here))
             return false;
     }
-    here->redirect(own, QStringLiteral("127.0.0.3")); // nobody is there
+    here->redirect(ownCallsign, QStringLiteral("127.0.0.3")); // nobody is there
     return settleAt(*here) && leave();
 }
 
