@@ -10,8 +10,8 @@ namespace tarvo::ui {
 
 class DashboardViewModel;
 
-/// Brings what the account service knows of the user to the overview page. A request that fails is not shown: the page
-/// keeps what it has.
+/// Brings what the account service knows of the user to the overview page. When a request fails, the page keeps what it
+/// has.
 class AccountFeed : public QObject
 {
     Q_OBJECT

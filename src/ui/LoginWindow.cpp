@@ -97,7 +97,7 @@ void LoginWindow::showEvent(QShowEvent *event)
         scheduleAutoLogin();
 }
 
-/// Once, and before the window may sign in by itself and go. False when there is nothing to tell.
+/// Only once, and before the automatic login, which would close the window. False when there is nothing to tell.
 bool LoginWindow::tellOfLostSettings()
 {
     if (m_config.startupWarning().isEmpty() || std::exchange(m_lossTold, true))

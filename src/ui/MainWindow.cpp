@@ -59,7 +59,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
 
 MainWindow::~MainWindow()
 {
-    // The view goes now, and the focus wanders while windows go: nothing of it must reach the window any more.
+    // The focus moves while the view is destroyed. The window must not hear of it any more.
     disconnect(qGuiApp, nullptr, this, nullptr);
     // The pages bind to the view models: they must go first.
     const std::unique_ptr<QWidget> pages(takeCentralWidget());
@@ -91,8 +91,8 @@ void MainWindow::createView()
 
 void MainWindow::passFocusOn(const QWindow *focused)
 {
-    // Window managers focus the frame, some at every click, and after the view inside it has taken the keys already.
-    // The container hears nothing of that, as its window was active all along; the keys would go nowhere.
+    // Window managers focus the frame, some at every click, even when the view inside has the keys already. The
+    // container doesn't hear of that, because its window was active all along, and the keys would be lost.
     if (focused && focused == windowHandle())
         m_view->requestActivate();
 }
@@ -108,8 +108,8 @@ void MainWindow::exposeModels()
 
 void MainWindow::connectRequests()
 {
-    // A request comes from a handler of the page that asks. What answers it may run an event loop of its own, in which
-    // the page goes: so it is answered from the event loop.
+    // A request comes from a QML handler of a page. Answering it may run a nested event loop, in which the page may be
+    // destroyed. So it is answered later, from the event loop.
     const auto later = Qt::QueuedConnection;
     connect(&m_dashboard, &DashboardViewModel::modeChangedRequest, this, &MainWindow::onModeSelected, later);
     connect(&m_dashboard, &DashboardViewModel::serverDisconnectRequest, this, &MainWindow::onDisconnectRequested,
@@ -118,7 +118,6 @@ void MainWindow::connectRequests()
     connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
-    connect(&m_dashboard, &DashboardViewModel::userInfoChanged, this, &MainWindow::updateProfile);
 }
 
 void MainWindow::connectSession()
@@ -198,7 +197,7 @@ void MainWindow::onModeSelected(const QString &mode)
         emit xplaneSelected();
     else
         emit msfsSelected();
-    // The server page's status is left alone: there the same words would block the connect button.
+    // Not the server page's status: there these words would disable the connect button.
     if (m_mode == picked)
         setSimulatorState(false, tr("连接中..."));
 }
@@ -275,7 +274,7 @@ void MainWindow::onSimulatorStateChanged(bool connected)
 
 void MainWindow::onSimulatorFailed(const QString &message)
 {
-    // The session goes by the simulator's data: these may be alive although the link to its plugin isn't.
+    // What counts is the simulator's data, which may come although the link to its plugin is down.
     if (!m_simulator.simulatorConnected())
         setSimulatorState(false, tr("连接失败"));
     m_simulator.setFailure(message);

@@ -36,7 +36,7 @@ namespace tarvo::ui {
 class MessagesFeed;
 class SimulatorFeed;
 
-/// Hosts the QML pages, owns their view models, feeds these from the session and turns their requests into calls.
+/// Hosts the QML pages and owns their view models. Feeds these from the session, and turns their requests into calls.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -60,7 +60,7 @@ public:
 
 signals:
     void logoutRequested();
-    // One is raised when its simulator was picked. Who can't give that one picks "NONE" again.
+    // Raised when that simulator was picked. A receiver that doesn't have it picks "NONE" again.
     void msfsSelected();
     void xplaneSelected();
 

@@ -18,8 +18,8 @@ class SoundPlayer;
 
 class MessagesPageViewModel;
 
-/// Brings what is said on the network, and the stations in reach, to the messages page; sends what the page asks for;
-/// and lets incoming messages be heard: the first at once, and those of the half second after a sound together.
+/// Brings the texts of the network and the stations in reach to the messages page, and sends what the page asks for.
+/// Plays a sound for incoming messages: for the first at once, then one for all that come within half a second.
 class MessagesFeed : public QObject
 {
     Q_OBJECT
@@ -44,7 +44,7 @@ private:
     MessagesPageViewModel &m_page;
     SoundPlayer &m_sounds;
     int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
-    QTimer m_soundTimer;     ///< runs out in the next turn of the event loop, or when the gap has passed
+    QTimer m_soundTimer;     ///< ends in the next turn of the event loop, or after the gap
     const common::Clock &m_clock;
     qint64 m_gapEndsMs = 0; ///< steady time
 };

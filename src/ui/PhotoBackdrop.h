@@ -6,8 +6,8 @@
 
 namespace tarvo::ui {
 
-/// A photograph that covers a window, and a blurred copy of it to lay behind frosted glass. Both are made once for each
-/// size; the photograph is decoded no larger than it is shown.
+/// A photograph that covers a window, and a blurred copy for behind the frosted glass. Both are made once for each
+/// size. The photograph is decoded no larger than it is shown.
 class PhotoBackdrop
 {
 public:

@@ -19,15 +19,15 @@ constexpr std::size_t mostTasks = 100;
 /// A sound system that hangs keeps the program's end no longer than this.
 constexpr std::chrono::milliseconds longestWaitAtExit{5000};
 
-/// One for the whole program, not one for each player: the sound system's own objects stay on the thread that first
-/// used it, and whoever destroys a player must not wait until that has come to its end.
+/// One for the whole program. The sound system's objects stay on the thread that used it first, and destroying a player
+/// must not wait for that thread's end.
 common::Worker &soundWorker()
 {
     static std::unique_ptr<common::Worker> worker;
     if (!worker) {
         worker = std::make_unique<common::Worker>("sounds", mostTasks, common::Worker::Between::HandleEvents);
-        // The windows are gone by then. Nearly always it ends at once; were it left at work without need, it could
-        // crash when Qt goes from under it.
+        // The windows are gone by then. It nearly always ends at once. It is waited for, because a sound that still
+        // uses Qt could crash when Qt is unloaded.
         qAddPostRoutine([] {
             worker->finish(longestWaitAtExit);
             worker.reset();
@@ -39,10 +39,10 @@ common::Worker &soundWorker()
 } // namespace
 
 /// Where wishes are left for the sounds' thread.
-class SoundPlayer::Desk
+class SoundPlayer::Wishes
 {
 public:
-    explicit Desk(SoundOutput::Factory makeOutput) : m_makeOutput(std::move(makeOutput)) {}
+    explicit Wishes(SoundOutput::Factory makeOutput) : m_makeOutput(std::move(makeOutput)) {}
 
     /// True when it took the place of one that has not begun.
     bool put(const QUrl &url, float volume)
@@ -99,21 +99,21 @@ SoundPlayer::SoundPlayer(SoundOutput::Factory makeOutput, QObject *parent)
 
 SoundPlayer::~SoundPlayer()
 {
-    if (!m_desk)
+    if (!m_wishes)
         return;
-    m_desk->clear();
-    soundWorker().post([desk = std::exchange(m_desk, nullptr)]() mutable { desk.reset(); }); // with its output
+    m_wishes->clear();
+    soundWorker().post([wishes = std::exchange(m_wishes, nullptr)]() mutable { wishes.reset(); }); // with its output
 }
 
 void SoundPlayer::play(const QUrl &url, float volume)
 {
-    if (!m_desk)
-        m_desk = std::make_shared<Desk>(m_makeOutput);
+    if (!m_wishes)
+        m_wishes = std::make_shared<Wishes>(m_makeOutput);
     m_source = url;
     m_volume = volume;
-    const bool isLeft = m_desk->put(url, volume) || soundWorker().post([desk = m_desk] { desk->serve(); });
+    const bool isLeft = m_wishes->put(url, volume) || soundWorker().post([wishes = m_wishes] { wishes->serve(); });
     if (!isLeft)
-        m_desk->clear();
+        m_wishes->clear();
     emit played(url);
 }
 

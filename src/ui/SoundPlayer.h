@@ -9,8 +9,8 @@
 
 namespace tarvo::ui {
 
-/// Plays one short sound at a time, on a thread that all players share and that the first sound of the program starts:
-/// no call here waits for the sound system. Needs the application object. Used on the main thread.
+/// Plays one short sound at a time. All players share a thread, which the first sound starts, so that no call here
+/// waits for the sound system. Needs the application object. Used on the main thread.
 class SoundPlayer : public QObject
 {
     Q_OBJECT
@@ -35,10 +35,10 @@ signals:
     void played(const QUrl &url);
 
 private:
-    class Desk;
+    class Wishes;
 
     SoundOutput::Factory m_makeOutput;
-    std::shared_ptr<Desk> m_desk; ///< shared with the sounds' thread; null before the first
+    std::shared_ptr<Wishes> m_wishes; ///< shared with the sounds' thread; null before the first
     QUrl m_source;
     float m_volume = 1.0F;
 };

@@ -236,7 +236,7 @@ std::optional<int> LabelPlacer::Placing::sideFor(std::size_t owner) const
         if (best == 0)
             break;
     }
-    // A label moves to the side for a wholly free place alone.
+    // A label changes its side only for a place that is wholly free.
     return kept && best != 0 ? contact.before.side : side;
 }
 

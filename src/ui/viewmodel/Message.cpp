@@ -74,7 +74,7 @@ QString joined(const QList<uint> &kilohertz)
     return texts.join(QStringLiteral(", "));
 }
 
-/// Upper-case. What is cut is marked, and so is no callsign any more: an answer can't go to somebody else.
+/// Upper-case. A text that was cut ends with an ellipsis, so that no answer can go to another pilot of that name.
 QString shownCallsign(const QString &callsign)
 {
     const QString whole = normalisedCallsign(callsign);

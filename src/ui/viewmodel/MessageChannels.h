@@ -20,9 +20,9 @@ QString all();
 QStringList fixed();
 /// "私聊 %1" for a callsign.
 QString label(const QString &key);
-/// Whether there can be a session with the callsign. Not with a channel's or a filter's own word, or with one of the
-/// network's addresses for many, such as "@18500", "*" or "*S": the texts would mix with another channel's, and an
-/// answer would go out on the radio or to everybody. `callsign`: upper-case.
+/// True when there can be a session with the callsign. A channel's or filter's own word can't be one: its texts would
+/// mix with that channel's. Nor can an address for many, such as "@18500", "*" or "*S": an answer would go out on the
+/// radio or to everybody. `callsign`: upper-case.
 bool canBeSession(const QString &callsign);
 
 } // namespace tarvo::ui::channels

@@ -23,13 +23,13 @@ struct Controller;
 
 namespace tarvo::ui {
 
-/// All messages of a run, shown through channels; the line that is being written, and the stations nearby. Holds
-/// presentation state only: MessagesFeed feeds it and sends what it requests. In QML it is the context property
+/// All messages of a run, in channels; the line that is being written; the stations nearby. Only what is shown:
+/// MessagesFeed feeds it and sends what it requests. In QML it is the context property
 /// "messagesBackend".
 ///
 /// A message is a map with "id", "time", "timestamp", "type", "direction", "directionLabel", "channel", "from", "to",
 /// "message", "meta", "frequencies", "isDirect", "priority" and "unread". The lists of maps are made when they are
-/// read; the page shows the models, which tell their rows' changes before the signals tell the step.
+/// read. The page shows the item models, which change before the signals are raised.
 class MessagesPageViewModel : public QObject
 {
     Q_OBJECT
@@ -86,7 +86,7 @@ public:
     PrivateSessions *sessionList() { return &m_sessions; }
     StationList *stationList() { return &m_stations; }
 
-    /// Shows the channel and marks its messages read. Tells so even when it is the active one already.
+    /// Shows the channel and marks its messages as read. The signals are raised even when it was active already.
     void setActiveChannel(const QString &channel);
     void setDraftTarget(const QString &target);
     void setDraftMessage(const QString &message);
@@ -104,7 +104,7 @@ public:
     void addWallopSent(const QString &message);
     void addSelcal(const QString &from, const QList<uint> &frequencies);
     void addSystemNote(const QString &text);
-    /// Adds or updates a station. One without a frequency is not listed, nor one whose callsign is none.
+    /// Adds or updates a station. Not one without a frequency, or with a callsign that is too long or empty.
     void setNearbyController(const model::Controller &controller);
     void removeNearbyController(const QString &callsign);
     void clearNearby();
@@ -118,8 +118,8 @@ public:
     /// `from`: a message's sender. Its session becomes the active channel and its callsign the draft's target.
     Q_INVOKABLE void prepareReply(const QString &from);
     Q_INVOKABLE void openPrivateSession(const QString &callsign);
-    /// The session's messages stay in the list, as read. What was being written there goes, lest it go out on the
-    /// radio.
+    /// The session's messages stay in the list, as read. What was being written there is dropped: it must not be sent
+    /// on the radio.
     Q_INVOKABLE void closePrivateSession(const QString &callsign);
     /// Those whose channel is exactly `channel`; all for "ALL".
     Q_INVOKABLE QVariantList messagesForChannel(const QString &channel) const;
@@ -141,7 +141,7 @@ signals:
     void wallopRequested(QString message);
 
 private:
-    /// What one step has changed. Told at its end, when everything fits together again.
+    /// What one step has changed. The signals are raised at its end, when all members agree again.
     enum class Change : unsigned
     {
         Messages = 1U << 0U,
@@ -157,7 +157,8 @@ private:
     Q_DECLARE_FLAGS(Changes, Change)
 
     void add(const Message &message);
-    /// Emits the signals in their order. A listener may come back into the model: nothing is changed after this.
+    /// Emits the signals in their order. A listener may call the model again, so this is the last thing that a step
+    /// does.
     void tell(Changes changes);
     Changes openSession(const QString &callsign);
     Changes enterChannel(const QString &channel);

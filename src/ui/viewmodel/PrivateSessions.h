@@ -21,19 +21,19 @@ struct PrivateSession
     QVariantMap toMap() const;
 };
 
-/// The open private sessions, in the order in which they were opened, so that a row stays where it is. Bounded, so that
-/// a flood of senders can't fill the memory. Roles: "callsign", "unread", "time" ("hh:mm") and "lastText" (one line).
+/// The open private sessions in the order of their opening, so that no row moves. There is a limit, so that a flood of
+/// senders can't fill the memory. Roles: "callsign", "unread", "time" ("hh:mm") and "lastText" (one line).
 class PrivateSessions : public RowsModel<PrivateSession>
 {
 public:
-    /// One more, and the session that has been quiet for the longest time goes.
+    /// When one more is opened, the one that was quiet for the longest time is closed.
     static constexpr qsizetype maximumSessions = 200;
 
     explicit PrivateSessions(QObject *parent = nullptr);
 
     bool contains(const QString &callsign) const { return indexOf(callsign) >= 0; }
-    /// False when the session is open already. Where one has to go for it, `evicted` is that one's callsign; never
-    /// `kept`'s.
+    /// False when the session is open already. When another had to be closed for it, `evicted` is that one's callsign.
+    /// `kept` is never closed.
     bool open(const QString &callsign, const QString &kept, QString &evicted);
     // These do nothing for a session that isn't open.
     void note(const QString &callsign, const QString &message, const QString &time);

@@ -27,8 +27,8 @@ QVariant member(const Row &row)
     return row.*Member;
 }
 
-/// A list of plain rows for a QML view. Each change is told as what it is, so that a row that stays keeps its delegate
-/// and its place. The roles are numbered from Qt::UserRole in their table's order.
+/// A list of plain rows for a QML view. Each change is announced as what it is, so that rows that stay keep their
+/// delegates and their places. The roles are numbered from Qt::UserRole in their table's order.
 template <typename Row>
 class RowsModel : public QAbstractListModel
 {
@@ -96,7 +96,7 @@ public:
         endRemoveRows();
     }
 
-    /// False, and nothing told, when the row is the same already.
+    /// False, without a signal, when the row is the same already.
     bool replace(qsizetype at, Row row)
     {
         if (m_rows.at(at) == row)
@@ -106,7 +106,8 @@ public:
         return true;
     }
 
-    /// Shows these rows instead, place by place: only what differs is told. False when nothing does.
+    /// Shows these rows instead. They are compared row by row, and only differences are announced. False when there are
+    /// none.
     bool setRows(const QList<Row> &rows)
     {
         const qsizetype before = m_rows.size();

@@ -1,6 +1,7 @@
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include "common/Units.h"
+#include "model/RemoteAircraft.h"
 #include "ui/viewmodel/Frequency.h"
 #include "ui/viewmodel/RadioEntry.h"
 
@@ -78,7 +79,7 @@ TrafficTarget targetFrom(const QVariantMap &row)
                          value("altitudeFeet"),
                          value("headingTrue"),
                          value("groundSpeedKnots")};
-    // Snapshots whose definition carries positions alone fill the rest with zeros.
+    // Some snapshots have positions only, and zeros for all else.
     if (target.altitudeFeet == 0 && target.heading == 0 && target.groundSpeed == 0)
         target.altitudeFeet = target.heading = target.groundSpeed = unknown;
     return target;
@@ -124,11 +125,10 @@ void SimulatorPageViewModel::setSimulatorState(bool connected, const QString &te
 {
     if (connected == m_connected && text == m_statusText)
         return;
-    const bool lost = m_connected && !connected;
     m_connected = connected;
     m_statusText = text;
     emit stateChanged();
-    if (lost)
+    if (!connected)
         clearOwnAircraft();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "model/RadioStackState.h"
-#include "model/RemoteAircraft.h"
 #include "model/SimulatorMode.h"
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
@@ -9,16 +8,21 @@
 #include "ui/viewmodel/RowsModel.h"
 #include "ui/viewmodel/TrafficPlot.h"
 
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QVariantList>
 
 #include <optional>
 
+namespace tarvo::model {
+struct RemoteAircraft;
+}
+
 namespace tarvo::ui {
 
-/// The simulator page: the own aircraft as texts and numbers, the traffic around it, and the page's commands. Holds
-/// presentation state only: SimulatorFeed feeds it and acts on its requests, MainWindow tells it mode and link. In QML
+/// The simulator page: the own aircraft as texts and numbers, the traffic around it, and the page's commands. Only what
+/// is shown: SimulatorFeed feeds it and acts on its requests, MainWindow sets mode and link. In QML
 /// it is the context property "simulatorBackend".
 class SimulatorPageViewModel : public QObject
 {
@@ -99,7 +103,7 @@ public:
     bool xplaneMode() const { return m_mode == model::SimulatorMode::XPlane; }
     bool simulatorConnected() const { return m_connected; }
     QString simulatorStatusText() const { return m_statusText; }
-    /// Why the last attempt to connect failed; empty once another began or ended well.
+    /// Why the last attempt to connect failed. Empty when a new attempt has begun, or one has succeeded.
     QString simulatorFailureText() const { return m_failureText; }
     QString pluginStatusText() const { return m_plugin.plugin; }
     QString cslStatusText() const { return m_plugin.csl; }

@@ -41,8 +41,8 @@ struct PlotContact
     bool operator==(const PlotContact &) const = default;
 };
 
-/// True for finite degrees with a latitude of at most 90 on either side, other than exactly 0/0: that is where
-/// everybody is who has not told a position yet.
+/// True for finite degrees with a latitude from -90 to 90. Exactly 0/0 is no position: aircraft that have not sent one
+/// yet are there.
 bool isPosition(double latitude, double longitude);
 
 /// Nautical miles along the great circle between two positions.

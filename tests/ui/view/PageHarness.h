@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AppConfig.h"
+#include "model/RemoteAircraft.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/ManualClock.h"
 #include "ui/viewmodel/DashboardViewModel.h"
@@ -29,7 +30,7 @@ public:
     };
 
     /// Opens in this mode; "NONE" is the choice of the simulator.
-    explicit PageHarness(const QString &mode = QStringLiteral("NONE"), QSize size = {1280, 800},
+    explicit PageHarness(const QString &mode = u"NONE"_qs, QSize size = {1280, 800},
                          Backends backends = Backends::Present);
 
     ui::DashboardViewModel &dashboard() { return m_dashboard; }
