@@ -14,11 +14,9 @@ namespace {
 
 QJsonObject authData()
 {
-    return {{QStringLiteral("token"), QStringLiteral("jwt")},
-            {QStringLiteral("flush_token"), QStringLiteral("fresh")},
-            {QStringLiteral("user"), QJsonObject{{QStringLiteral("id"), 7},
-                                                 {QStringLiteral("cid"), 1001},
-                                                 {QStringLiteral("username"), QStringLiteral("王小明")}}}};
+    return {{u"token"_qs, u"jwt"_qs},
+            {u"flush_token"_qs, u"fresh"_qs},
+            {u"user"_qs, QJsonObject{{u"id"_qs, 7}, {u"cid"_qs, 1001}, {u"username"_qs, u"王小明"_qs}}}};
 }
 
 QByteArray lineOf(const QHttpServerRequest &request)
@@ -41,7 +39,7 @@ AccountPeer::AccountPeer()
 ServiceEndpoints AccountPeer::endpoints() const
 {
     ServiceEndpoints endpoints;
-    endpoints.apiBaseUrl = QStringLiteral("http://127.0.0.1:%1/api").arg(m_port);
+    endpoints.apiBaseUrl = u"http://127.0.0.1:%1/api"_qs.arg(m_port);
     return endpoints;
 }
 
@@ -52,15 +50,14 @@ void AccountPeer::answer(const QByteArray &line, const QJsonObject &body)
 
 void AccountPeer::acceptLogin()
 {
-    const QJsonObject accepted{{QStringLiteral("code"), QStringLiteral("LOGIN_SUCCESS")},
-                               {QStringLiteral("data"), authData()}};
+    const QJsonObject accepted{{u"code"_qs, u"LOGIN_SUCCESS"_qs}, {u"data"_qs, authData()}};
     answer(loginLine, accepted);
     answer(refreshLine, accepted);
 }
 
 void AccountPeer::refuseLogin(const QString &code)
 {
-    const QJsonObject refused{{QStringLiteral("code"), code}, {QStringLiteral("message"), QStringLiteral("stale")}};
+    const QJsonObject refused{{u"code"_qs, code}, {u"message"_qs, u"stale"_qs}};
     answer(loginLine, refused);
     answer(refreshLine, refused);
 }

@@ -48,10 +48,7 @@ struct LoginStage : test::AccountStage
     ui::ErrorDialog *error() const { return window.findChild<ui::ErrorDialog *>(); }
     QTimer *timer() const { return part<QTimer>("autoLoginTimer"); }
     bool busy() const { return window.findChild<ui::LoginForm *>()->isBusy(); }
-    QString errorText() const
-    {
-        return error() ? error()->findChild<QLabel *>(QStringLiteral("messageLabel"))->text() : QString();
-    }
+    QString errorText() const { return error() ? error()->findChild<QLabel *>(u"messageLabel"_qs)->text() : QString(); }
     /// Signs in by itself at once, where it does, and not half a second later.
     void show()
     {

@@ -97,6 +97,9 @@ private slots:
             },
             u"radio_in RADIO TWR>118.500: cleared"_qs, 0.55F);
         add(
+            "SELCAL", [](NetworkManager &network) { emit network.selcalAlertReceived(u"TWR"_qs, {118500}); },
+            u"selcal SELCAL TWR>: "_qs, 0.75F);
+        add(
             "a note",
             [](NetworkManager &network) {
                 emit network.notificationPosted(u"Connecting"_qs, common::MessageType::Info);
@@ -117,15 +120,6 @@ private slots:
             QCOMPARE(stage.sounds.source(), test::messageSound);
             QCOMPARE(stage.sounds.volume(), volume);
         }
-    }
-
-    void selcalIsHeard()
-    {
-        MessagesStage stage;
-        emit stage.session.manager->selcalAlertReceived(u"TWR"_qs, {118500});
-        QCOMPARE(stage.page.messages().last().toMap()[u"type"_qs].toString(), u"selcal"_qs);
-        TRY_COMPARE(stage.played.size(), 1);
-        QCOMPARE(stage.sounds.volume(), 0.75F);
     }
 
     void aBurstIsHeardOnce()
@@ -235,22 +229,15 @@ private slots:
         QCOMPARE(page.nearbyClients().size(), 1);
     }
 
-    void aNewSessionBeginsWithoutStations()
+    void aSessionBeginsAndEndsWithoutStations()
     {
         MessagesStage stage;
         emit stage.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
         emit stage.session.manager->networkConnected(u"AB1"_qs);
-        QVERIFY(stage.page.nearbyClients().isEmpty());
-    }
-
-    void theEndOfTheSessionEmptiesTheStations()
-    {
-        MessagesStage stage;
-        QVERIFY(stage.page.networkConnected());
+        QVERIFY(stage.page.networkConnected() && stage.page.nearbyClients().isEmpty());
         emit stage.controllers->controllerAdded({.callsign = u"ZBAA_TWR"_qs, .frequency = 118500});
         emit stage.session.manager->networkDisconnected(false);
-        QVERIFY(!stage.page.networkConnected());
-        QVERIFY(stage.page.nearbyClients().isEmpty());
+        QVERIFY(!stage.page.networkConnected() && stage.page.nearbyClients().isEmpty());
     }
 };
 

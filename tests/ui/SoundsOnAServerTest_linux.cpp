@@ -66,9 +66,9 @@ public:
     explicit Diary(const QMediaPlayer &player)
     {
         connect(player.audioOutput(), &QAudioOutput::volumeChanged, this,
-                [this](float volume) { m_lines << QStringLiteral("volume %1").arg(volume); });
+                [this](float volume) { m_lines << u"volume %1"_qs.arg(volume); });
         connect(&player, &QMediaPlayer::sourceChanged, this,
-                [this](const QUrl &url) { m_lines << QStringLiteral("source ") + url.fileName(); });
+                [this](const QUrl &url) { m_lines << u"source "_qs + url.fileName(); });
         connect(&player, &QMediaPlayer::playbackStateChanged, this,
                 [this](QMediaPlayer::PlaybackState state) { m_lines << QVariant::fromValue(state).toString(); });
     }

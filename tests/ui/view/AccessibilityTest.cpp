@@ -18,8 +18,8 @@ class AccessibilityTest : public QObject
 private slots:
     void init()
     {
-        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), QSize(1280, 1300));
-        m_harness->fillSimulator(QStringLiteral("XPLANE"));
+        m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs, QSize(1280, 1300));
+        m_harness->fillSimulator(u"XPLANE"_qs);
     }
 
     void cleanup()
@@ -33,33 +33,29 @@ private slots:
         QTest::addColumn<QString>("item");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QAccessible::Role>("role");
-        QTest::newRow("compose line") << QStringLiteral("composeField") << QStringLiteral("发送无线电文本消息...")
-                                      << QAccessible::EditableText;
-        QTest::newRow("sender") << QStringLiteral("sender") << QStringLiteral("回复 CCA1") << QAccessible::Button;
-        QTest::newRow("fold") << QStringLiteral("foldControl") << QStringLiteral("展开全文") << QAccessible::Button;
-        QTest::newRow("newest") << QStringLiteral("newestButton") << QStringLiteral("回到最新 ↓")
-                                << QAccessible::Button;
-        QTest::newRow("list") << QStringLiteral("messagePane") << QStringLiteral("消息列表") << QAccessible::Client;
-        QTest::newRow("session's close") << QStringLiteral("closeControl") << QStringLiteral("关闭 CSN3388")
-                                         << QAccessible::Button;
-        QTest::newRow("session with unread")
-            << QStringLiteral("session-CSN3388") << QStringLiteral("CSN3388，2 条未读") << QAccessible::Button;
-        QTest::newRow("channel") << QStringLiteral("channel-RADIO") << QStringLiteral("无线电") << QAccessible::Button;
+        QTest::newRow("compose line") << u"composeField"_qs << u"发送无线电文本消息..."_qs << QAccessible::EditableText;
+        QTest::newRow("sender") << u"sender"_qs << u"回复 CCA1"_qs << QAccessible::Button;
+        QTest::newRow("fold") << u"foldControl"_qs << u"展开全文"_qs << QAccessible::Button;
+        QTest::newRow("newest") << u"newestButton"_qs << u"回到最新 ↓"_qs << QAccessible::Button;
+        QTest::newRow("list") << u"messagePane"_qs << u"消息列表"_qs << QAccessible::Client;
+        QTest::newRow("session's close") << u"closeControl"_qs << u"关闭 CSN3388"_qs << QAccessible::Button;
+        QTest::newRow("session with unread") << u"session-CSN3388"_qs << u"CSN3388，2 条未读"_qs << QAccessible::Button;
+        QTest::newRow("channel") << u"channel-RADIO"_qs << u"无线电"_qs << QAccessible::Button;
     }
 
     void controlsOfTheMessagesHaveNames()
     {
         QFETCH(QString, item);
-        m_harness->openSection(QStringLiteral("消息"));
+        m_harness->openSection(u"消息"_qs);
         m_harness->messages().setNetworkConnected(true);
         for (int i = 0; i < 20; ++i)
-            m_harness->messages().addRadioReceived({.from = QStringLiteral("CCA1"),
+            m_harness->messages().addRadioReceived({.from = u"CCA1"_qs,
                                                     .message = QString(3000, u'W'),
                                                     .frequencies = {},
                                                     .direct = false,
                                                     .dualReceive = false});
-        m_harness->messages().addPrivateReceived(QStringLiteral("CSN3388"), QStringLiteral("one"));
-        m_harness->messages().addPrivateReceived(QStringLiteral("CSN3388"), QStringLiteral("two"));
+        m_harness->messages().addPrivateReceived(u"CSN3388"_qs, u"one"_qs);
+        m_harness->messages().addPrivateReceived(u"CSN3388"_qs, u"two"_qs);
         m_harness->settle();
         QTest::keyClick(&m_harness->view, Qt::Key_PageUp); // shows the way back
         m_harness->settle();
@@ -69,40 +65,40 @@ private slots:
 
     void lampsTellWhetherTheyAreLit()
     {
-        m_harness->openSection(QStringLiteral("模拟器"));
-        QVERIFY(reader(QStringLiteral("modeCButton")));
-        QCOMPARE(nameOf(QStringLiteral("modeCButton")), QStringLiteral("Mode C"));
-        QVERIFY(isLit(reader(QStringLiteral("modeCButton"))));
-        QVERIFY(!isLit(reader(QStringLiteral("identButton"))));
-        QCOMPARE(lamp(QStringLiteral("Beacon"))->role(), QAccessible::Indicator);
-        QVERIFY(isLit(lamp(QStringLiteral("Beacon"))));
-        QVERIFY(!isLit(lamp(QStringLiteral("Taxi"))));
+        m_harness->openSection(u"模拟器"_qs);
+        QVERIFY(reader(u"modeCButton"_qs));
+        QCOMPARE(nameOf(u"modeCButton"_qs), u"Mode C"_qs);
+        QVERIFY(isLit(reader(u"modeCButton"_qs)));
+        QVERIFY(!isLit(reader(u"identButton"_qs)));
+        QCOMPARE(lamp(u"Beacon"_qs)->role(), QAccessible::Indicator);
+        QVERIFY(isLit(lamp(u"Beacon"_qs)));
+        QVERIFY(!isLit(lamp(u"Taxi"_qs)));
     }
 
     void theInstrumentsAreSummedUp()
     {
-        m_harness->openSection(QStringLiteral("模拟器"));
-        const QString display = QStringLiteral("attitudeIndicator");
-        const QString radar = QStringLiteral("trafficRadar");
-        QCOMPARE(nameOf(display), QStringLiteral("飞行仪表：俯仰 7°，横滚 22°，航向 052，地速 268 节，海高 8243 英尺"));
-        QCOMPARE(nameOf(radar), QStringLiteral("交通雷达：附近暂无交通目标"));
+        m_harness->openSection(u"模拟器"_qs);
+        const QString display = u"attitudeIndicator"_qs;
+        const QString radar = u"trafficRadar"_qs;
+        QCOMPARE(nameOf(display), u"飞行仪表：俯仰 7°，横滚 22°，航向 052，地速 268 节，海高 8243 英尺"_qs);
+        QCOMPARE(nameOf(radar), u"交通雷达：附近暂无交通目标"_qs);
         tarvo::model::RemoteAircraft aircraft;
-        aircraft.callsign = QStringLiteral("CES1");
+        aircraft.callsign = u"CES1"_qs;
         aircraft.visualState.latitude = 31.2434;
         aircraft.visualState.longitude = 121.8052;
         m_harness->simulator().setRemoteAircraft({aircraft});
-        QCOMPARE(nameOf(radar), QStringLiteral("交通雷达：1 个目标，最近的在方位 360，6.0 海里：CES1"));
-        m_harness->simulator().setSimulatorState(false, QStringLiteral("未连接"));
-        QCOMPARE(nameOf(display), QStringLiteral("飞行仪表：无姿态数据"));
+        QCOMPARE(nameOf(radar), u"交通雷达：1 个目标，最近的在方位 360，6.0 海里：CES1"_qs);
+        m_harness->simulator().setSimulatorState(false, u"未连接"_qs);
+        QCOMPARE(nameOf(display), u"飞行仪表：无姿态数据"_qs);
         QCOMPARE(reader(radar)->role(), QAccessible::Graphic);
     }
 
     void theSidebarTellsWhatIsUnread()
     {
-        QCOMPARE(nameOf(QStringLiteral("section-messages")), QStringLiteral("消息"));
+        QCOMPARE(nameOf(u"section-messages"_qs), u"消息"_qs);
         for (int i = 0; i < 120; ++i)
-            m_harness->messages().addServerMessage(QStringLiteral("text"));
-        QCOMPARE(nameOf(QStringLiteral("section-messages")), QStringLiteral("消息，120 条未读"));
+            m_harness->messages().addServerMessage(u"text"_qs);
+        QCOMPARE(nameOf(u"section-messages"_qs), u"消息，120 条未读"_qs);
     }
 
 private:

@@ -27,8 +27,7 @@ private slots:
     {
         fillMessages(model());
         for (int i = 0; i < 320; ++i) {
-            model().addRadioReceived(
-                radioText(QStringLiteral("CCA1"), QStringLiteral("%1 ").arg(i).repeated(1 + 7 * (i % 9))));
+            model().addRadioReceived(radioText(u"CCA1"_qs, u"%1 "_qs.arg(i).repeated(1 + 7 * (i % 9))));
             if (i % 40 == 0)
                 m_harness->settle();
         }
@@ -36,7 +35,7 @@ private slots:
         m_harness->settle();
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));
-        m_harness->grab(QStringLiteral("messages-full"));
+        m_harness->grab(u"messages-full"_qs);
     }
 
     void aReaderWhoScrolledUpIsLeftThere()
@@ -53,19 +52,19 @@ private slots:
         const QString text = anchor->property("text").toString();
         const qreal y = anchor->mapToScene({}).y();
         for (int i = 0; i < 15; ++i) // some of the oldest go
-            model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("new %1").arg(i)));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("15 条新消息 ↓")));
+            model().addRadioReceived(radioText(u"CCA2"_qs, u"new %1"_qs.arg(i)));
+        TRY_VERIFY(m_harness->itemWithText(u"15 条新消息 ↓"_qs));
         m_harness->settle();
         anchor = m_harness->itemWithText(text);
         QVERIFY(anchor);
         QVERIFY(qAbs(anchor->mapToScene({}).y() - y) < 2);
-        m_harness->grab(QStringLiteral("messages-scrolled"));
+        m_harness->grab(u"messages-scrolled"_qs);
         m_harness->click(field("newestButton"));
         m_harness->settle();
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));
-        model().addRadioReceived(radioText(QStringLiteral("CCA2"), QStringLiteral("the last")));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("the last")));
+        model().addRadioReceived(radioText(u"CCA2"_qs, u"the last"_qs));
+        TRY_VERIFY(m_harness->itemWithText(u"the last"_qs));
         m_harness->settle();
         QVERIFY(atEnd());
     }
@@ -84,18 +83,17 @@ private slots:
     void hostileTextsAreShownAsTheyAre_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::newRow("markup") << QStringLiteral("<b>bold</b><img src='file:///etc/passwd'>&amp;");
-        QTest::newRow("right to left override") << QStringLiteral("abc \u202Efdp.exe\u202C def \u200F\u2067x");
-        QTest::newRow("Arabic and Hebrew") << QStringLiteral("مرحبا بالعالم שלום עולם");
-        QTest::newRow("line breaks") << QStringLiteral("one\ntwo\r\nthree\u2028four\n\n\n\nfive");
+        QTest::newRow("markup") << u"<b>bold</b><img src='file:///etc/passwd'>&amp;"_qs;
+        QTest::newRow("right to left override") << u"abc \u202Efdp.exe\u202C def \u200F\u2067x"_qs;
+        QTest::newRow("Arabic and Hebrew") << u"مرحبا بالعالم שלום עולם"_qs;
+        QTest::newRow("line breaks") << u"one\ntwo\r\nthree\u2028four\n\n\n\nfive"_qs;
         QTest::newRow("many line breaks") << QString(10000, u'\n');
         QTest::newRow("10,000 letters without a break") << QString(10000, u'W');
         QTest::newRow("10,000 Chinese characters") << QString(10000, u'测');
-        QTest::newRow("10,000 words") << QStringLiteral("word ").repeated(2000);
-        QTest::newRow("marks upon marks")
-            << QStringLiteral("Z") + QString(500, QChar(0x0336)) + QString(500, QChar(0x030D));
-        QTest::newRow("control characters") << QStringLiteral("a\tb\x01\x07\x1b[31mred");
-        QTest::newRow("replacement codes") << QStringLiteral("%1 %2 %n %L1");
+        QTest::newRow("10,000 words") << u"word "_qs.repeated(2000);
+        QTest::newRow("marks upon marks") << u"Z"_qs + QString(500, QChar(0x0336)) + QString(500, QChar(0x030D));
+        QTest::newRow("control characters") << u"a\tb\x01\x07\x1b[31mred"_qs;
+        QTest::newRow("replacement codes") << u"%1 %2 %n %L1"_qs;
         QTest::newRow("lone surrogates") << QString(QChar(0xD83D)).repeated(2500);
     }
 
@@ -103,14 +101,14 @@ private slots:
     {
         QFETCH(QString, text);
         fillMessages(model());
-        model().addRadioReceived(radioText(QStringLiteral("EVIL"), text));
-        model().addPrivateReceived(QStringLiteral("EVIL"), text);
+        model().addRadioReceived(radioText(u"EVIL"_qs, text));
+        model().addPrivateReceived(u"EVIL"_qs, text);
         model().addPrivateReceived(text.left(3000), text);
-        model().setNearbyController(stationCalled(QStringLiteral("EVIL_") + text.left(3000), 118000, text));
+        model().setNearbyController(stationCalled(u"EVIL_"_qs + text.left(3000), 118000, text));
         m_harness->settle();
         QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
         QVERIFY(atEnd());
-        m_harness->grab(QStringLiteral("messages-hostile-%1").arg(QString::fromUtf8(QTest::currentDataTag())));
+        m_harness->grab(u"messages-hostile-%1"_qs.arg(QString::fromUtf8(QTest::currentDataTag())));
         const QList<QQuickItem *> texts = m_harness->texts();
         for (const QQuickItem *item : texts)
             if (!item->property("text").toString().isEmpty())
@@ -122,9 +120,9 @@ private slots:
 
     void aLongTextIsFoldedUntilAskedFor()
     {
-        const QString text = QStringLiteral("word ").repeated(2000).trimmed();
+        const QString text = u"word "_qs.repeated(2000).trimmed();
         fillMessages(model());
-        model().addRadioReceived(radioText(QStringLiteral("CCA1"), text));
+        model().addRadioReceived(radioText(u"CCA1"_qs, text));
         m_harness->settle();
         TRY_VERIFY(field("foldControl"));
         QVERIFY(!m_harness->itemWithText(text));
@@ -137,7 +135,7 @@ private slots:
         QVERIFY(body->mapToItem(list(), QPointF()).y() > 0); // one reads on where one was
         QVERIFY(field("newestButton"));
         QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
-        m_harness->grab(QStringLiteral("messages-unfolded"));
+        m_harness->grab(u"messages-unfolded"_qs);
         m_harness->click(field("newestButton"));
         m_harness->settle();
         m_harness->click(field("foldControl"));
@@ -185,7 +183,7 @@ private slots:
         fillMessages(model());
         addRadioTexts(100);
         m_harness->settle();
-        QVERIFY(m_harness->tabTo(QStringLiteral("messagePane"), true));
+        QVERIFY(m_harness->tabTo(u"messagePane"_qs, true));
         QVERIFY(field("messagePane")->property("visualFocus").toBool());
         press(Qt::Key(key));
         QVERIFY(!atEnd());
@@ -213,11 +211,11 @@ private slots:
     {
         fillMessages(model());
         m_harness->settle();
-        QQuickItem *sender = senderOf(QStringLiteral("CCA1831"));
+        QQuickItem *sender = senderOf(u"CCA1831"_qs);
         QVERIFY(tabToItem(sender));
         QVERIFY(sender->property("visualFocus").toBool());
         press(Qt::Key_Return);
-        QCOMPARE(model().activeChannel(), QStringLiteral("CCA1831"));
+        QCOMPARE(model().activeChannel(), u"CCA1831"_qs);
         QVERIFY(field("composeField")->hasActiveFocus());
     }
 
@@ -245,15 +243,15 @@ private slots:
 
     void foldAndNewestWorkByKeys()
     {
-        const QString text = QStringLiteral("word ").repeated(2000).trimmed();
+        const QString text = u"word "_qs.repeated(2000).trimmed();
         fillMessages(model());
-        model().addRadioReceived(radioText(QStringLiteral("CCA1"), text));
+        model().addRadioReceived(radioText(u"CCA1"_qs, text));
         m_harness->settle();
-        QVERIFY(m_harness->tabTo(QStringLiteral("foldControl"), true));
+        QVERIFY(m_harness->tabTo(u"foldControl"_qs, true));
         QVERIFY(field("foldControl")->property("visualFocus").toBool());
         press(Qt::Key_Return);
         QVERIFY(m_harness->itemWithText(text));
-        QVERIFY(m_harness->tabTo(QStringLiteral("newestButton")));
+        QVERIFY(m_harness->tabTo(u"newestButton"_qs));
         press(Qt::Key_Space);
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));

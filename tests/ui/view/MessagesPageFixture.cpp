@@ -27,33 +27,33 @@ model::Controller stationCalled(const QString &callsign, quint32 frequency, cons
 
 void fillMessages(MessagesPageViewModel &model)
 {
-    model.setOwnCallsign(QStringLiteral("CES2352"));
+    model.setOwnCallsign(u"CES2352"_qs);
     model.setNetworkConnected(true);
-    model.setNearbyController(stationCalled(QStringLiteral("ZSPD_TWR"), 118800, QStringLiteral("李想")));
-    model.setNearbyController(stationCalled(QStringLiteral("ZSPD_GND"), 121700, QStringLiteral("Unknown")));
-    model.setNearbyController(stationCalled(QStringLiteral("ZSHA_CTR"), 134775, QStringLiteral("Zhang Wei")));
-    model.addServerMessage(QStringLiteral("欢迎来到网络。"));
-    model.addSystemNote(QStringLiteral("ZSPD_TWR ATIS:"));
-    model.addRadioReceived(radioText(QStringLiteral("CCA1831"), QStringLiteral("浦东塔台，CCA1831，17L 盲降已建立。")));
-    model.addRadioSent(QStringLiteral("浦东塔台，CES2352，请求推出开车，停机位 215。"), {118025});
-    model.addRadioReceived(radioText(QStringLiteral("ZSPD_TWR"),
+    model.setNearbyController(stationCalled(u"ZSPD_TWR"_qs, 118800, u"李想"_qs));
+    model.setNearbyController(stationCalled(u"ZSPD_GND"_qs, 121700, u"Unknown"_qs));
+    model.setNearbyController(stationCalled(u"ZSHA_CTR"_qs, 134775, u"Zhang Wei"_qs));
+    model.addServerMessage(u"欢迎来到网络。"_qs);
+    model.addSystemNote(u"ZSPD_TWR ATIS:"_qs);
+    model.addRadioReceived(radioText(u"CCA1831"_qs, u"浦东塔台，CCA1831，17L 盲降已建立。"_qs));
+    model.addRadioSent(u"浦东塔台，CES2352，请求推出开车，停机位 215。"_qs, {118025});
+    model.addRadioReceived(radioText(u"ZSPD_TWR"_qs,
                                      QStringLiteral("CES2352，浦东塔台，同意推出开车，朝向东，跑道 16R，应答机 3401。"
                                                     "修正海压 1013，风向 170，4 米每秒，能见度大于 10 公里。"),
                                      true));
-    model.addRadioSent(QStringLiteral("同意推出开车，朝向东，跑道 16R，应答机 3401，CES2352。"), {118025});
-    model.addPrivateReceived(QStringLiteral("ZSHA_CTR"), QStringLiteral("请确认飞行计划中的备降场。"));
-    model.addPrivateSent(QStringLiteral("ZSHA_CTR"), QStringLiteral("备降场 ZSNJ。"));
-    model.addPrivateReceived(QStringLiteral("CSN3388"), QStringLiteral("晚上好！今晚去哪里？"));
-    model.addBroadcast(QStringLiteral("ADMIN_SUP"), QStringLiteral("服务器将在 22:00 维护十分钟。"));
-    model.addWallopSent(QStringLiteral("有人在 121.500 上占频。"));
-    model.addSelcal(QStringLiteral("ZSHA_CTR"), {134775});
+    model.addRadioSent(u"同意推出开车，朝向东，跑道 16R，应答机 3401，CES2352。"_qs, {118025});
+    model.addPrivateReceived(u"ZSHA_CTR"_qs, u"请确认飞行计划中的备降场。"_qs);
+    model.addPrivateSent(u"ZSHA_CTR"_qs, u"备降场 ZSNJ。"_qs);
+    model.addPrivateReceived(u"CSN3388"_qs, u"晚上好！今晚去哪里？"_qs);
+    model.addBroadcast(u"ADMIN_SUP"_qs, u"服务器将在 22:00 维护十分钟。"_qs);
+    model.addWallopSent(u"有人在 121.500 上占频。"_qs);
+    model.addSelcal(u"ZSHA_CTR"_qs, {134775});
 }
 
 void MessagesPageFixture::open(QSize size)
 {
-    m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), size);
+    m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs, size);
     m_harness->fillAccount();
-    m_harness->openSection(QStringLiteral("消息"));
+    m_harness->openSection(u"消息"_qs);
 }
 
 QQuickItem *MessagesPageFixture::senderOf(const QString &callsign)
@@ -70,7 +70,7 @@ QQuickItem *MessagesPageFixture::senderOf(const QString &callsign)
 void MessagesPageFixture::addRadioTexts(int count)
 {
     for (int i = 0; i < count; ++i)
-        model().addRadioReceived(radioText(QStringLiteral("CCA1"), QString::number(i)));
+        model().addRadioReceived(radioText(u"CCA1"_qs, QString::number(i)));
 }
 
 bool MessagesPageFixture::atEnd()

@@ -44,7 +44,7 @@ private slots:
         model().setActiveChannel(channel);
         m_harness->settle();
         QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
-        m_harness->grab(QStringLiteral("messages-%1-%2").arg(channel.toLower()).arg(size.width()));
+        m_harness->grab(u"messages-%1-%2"_qs.arg(channel.toLower()).arg(size.width()));
     }
 
     void theSidebarsBadge_data()
@@ -52,11 +52,11 @@ private slots:
         QTest::addColumn<int>("unread");
         QTest::addColumn<QString>("text"); // empty: hidden
         QTest::newRow("none") << 0 << QString();
-        QTest::newRow("one") << 1 << QStringLiteral("1");
-        QTest::newRow("99") << 99 << QStringLiteral("99");
-        QTest::newRow("100") << 100 << QStringLiteral("99+");
-        QTest::newRow("all that the list can hold") << 300 << QStringLiteral("99+");
-        QTest::newRow("more") << 320 << QStringLiteral("99+");
+        QTest::newRow("one") << 1 << u"1"_qs;
+        QTest::newRow("99") << 99 << u"99"_qs;
+        QTest::newRow("100") << 100 << u"99+"_qs;
+        QTest::newRow("all that the list can hold") << 300 << u"99+"_qs;
+        QTest::newRow("more") << 320 << u"99+"_qs;
     }
 
     void theSidebarsBadge()
@@ -64,12 +64,12 @@ private slots:
         QFETCH(int, unread);
         QFETCH(QString, text);
         for (int i = 0; i < unread; ++i)
-            model().addServerMessage(QStringLiteral("text"));
+            model().addServerMessage(u"text"_qs);
         const QQuickItem *badge = field("sidebarBadge");
         QCOMPARE(badge != nullptr, !text.isEmpty());
         if (badge)
             QCOMPARE(badge->childItems().value(0)->property("text").toString(), text);
-        model().setActiveChannel(QStringLiteral("SERVER"));
+        model().setActiveChannel(u"SERVER"_qs);
         QVERIFY(!field("sidebarBadge"));
     }
 
@@ -77,8 +77,8 @@ private slots:
     {
         fillMessages(model());
         m_harness->click(field("channel-SERVER"));
-        QCOMPARE(model().activeChannel(), QStringLiteral("SERVER"));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("欢迎来到网络。")));
+        QCOMPARE(model().activeChannel(), u"SERVER"_qs);
+        TRY_VERIFY(m_harness->itemWithText(u"欢迎来到网络。"_qs));
         QVERIFY(!field("sendButton")->isEnabled());
         m_harness->click(field("channel-WALLOP"));
         QVERIFY(field("sendButton")->isEnabled());
@@ -88,9 +88,9 @@ private slots:
     {
         fillMessages(model());
         m_harness->settle();
-        m_harness->click(senderOf(QStringLiteral("CCA1831")));
-        QCOMPARE(model().draftTarget(), QStringLiteral("CCA1831"));
-        QCOMPARE(model().activeChannel(), QStringLiteral("CCA1831"));
+        m_harness->click(senderOf(u"CCA1831"_qs));
+        QCOMPARE(model().draftTarget(), u"CCA1831"_qs);
+        QCOMPARE(model().activeChannel(), u"CCA1831"_qs);
         TRY_VERIFY(field("session-CCA1831"));
     }
 
@@ -98,11 +98,11 @@ private slots:
     {
         fillMessages(model());
         m_harness->settle();
-        QVERIFY(!senderOf(QStringLiteral("CES2352"))->isEnabled());
-        model().setActiveChannel(QStringLiteral("SERVER"));
+        QVERIFY(!senderOf(u"CES2352"_qs)->isEnabled());
+        model().setActiveChannel(u"SERVER"_qs);
         m_harness->settle();
-        QVERIFY(!senderOf(QStringLiteral("服务器"))->isEnabled());
-        QVERIFY(!senderOf(QStringLiteral("系统"))->isEnabled());
+        QVERIFY(!senderOf(u"服务器"_qs)->isEnabled());
+        QVERIFY(!senderOf(u"系统"_qs)->isEnabled());
     }
 
     void aStationIsCalledByAClick()
@@ -110,22 +110,22 @@ private slots:
         fillMessages(model());
         TRY_VERIFY(field("station-ZSPD_GND"));
         m_harness->click(field("station-ZSPD_GND"));
-        QCOMPARE(model().activeChannel(), QStringLiteral("ZSPD_GND"));
-        m_harness->type(QStringLiteral("hello"));
-        QCOMPARE(model().draftMessage(), QStringLiteral("hello"));
+        QCOMPARE(model().activeChannel(), u"ZSPD_GND"_qs);
+        m_harness->type(u"hello"_qs);
+        QCOMPARE(model().draftMessage(), u"hello"_qs);
     }
 
-    void theColumnIsTitled() { QCOMPARE(field("columnTitle")->property("title").toString(), QStringLiteral("消息")); }
+    void theColumnIsTitled() { QCOMPARE(field("columnTitle")->property("title").toString(), u"消息"_qs); }
 
     void aStationShowsItsWholeName()
     {
         open({1000, 700});
-        model().setNearbyController(stationCalled(QStringLiteral("ZSPD_TWR"), 118800, QStringLiteral("Liu Fangyuan")));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("Liu Fangyuan")));
+        model().setNearbyController(stationCalled(u"ZSPD_TWR"_qs, 118800, u"Liu Fangyuan"_qs));
+        TRY_VERIFY(m_harness->itemWithText(u"Liu Fangyuan"_qs));
         m_harness->settle();
-        QVERIFY(!m_harness->itemWithText(QStringLiteral("Liu Fangyuan"))->property("truncated").toBool());
-        QVERIFY(!m_harness->itemWithText(QStringLiteral("118.800"))->property("truncated").toBool());
-        QVERIFY(!m_harness->itemWithText(QStringLiteral("ZSPD_TWR"))->property("truncated").toBool());
+        QVERIFY(!m_harness->itemWithText(u"Liu Fangyuan"_qs)->property("truncated").toBool());
+        QVERIFY(!m_harness->itemWithText(u"118.800"_qs)->property("truncated").toBool());
+        QVERIFY(!m_harness->itemWithText(u"ZSPD_TWR"_qs)->property("truncated").toBool());
     }
 
     void aSessionIsClosedByAKey_data()
@@ -144,7 +144,7 @@ private slots:
         QFETCH(int, key);
         fillMessages(model());
         TRY_VERIFY(field("session-CSN3388"));
-        QVERIFY(m_harness->tabTo(QStringLiteral("session-CSN3388")));
+        QVERIFY(m_harness->tabTo(u"session-CSN3388"_qs));
         if (onTheCross)
             QTest::keyClick(&m_harness->view, Qt::Key_Tab);
         QTest::keyClick(&m_harness->view, Qt::Key(key));
@@ -157,23 +157,23 @@ private slots:
     void aChannelIsNotClosedByAKey()
     {
         fillMessages(model());
-        QVERIFY(m_harness->tabTo(QStringLiteral("channel-WALLOP")));
+        QVERIFY(m_harness->tabTo(u"channel-WALLOP"_qs));
         const qsizetype channels = model().channels().size();
         QTest::keyClick(&m_harness->view, Qt::Key_Delete);
         QCOMPARE(model().channels().size(), channels);
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
-        QCOMPARE(model().activeChannel(), QStringLiteral("WALLOP"));
+        QCOMPARE(model().activeChannel(), u"WALLOP"_qs);
     }
 
     void aSessionOutOfSightIsScrolledTo()
     {
         fillMessages(model());
         for (int i = 0; i < 12; ++i)
-            model().addPrivateReceived(QStringLiteral("P%1").arg(i), QStringLiteral("text"));
+            model().addPrivateReceived(u"P%1"_qs.arg(i), u"text"_qs);
         m_harness->settle();
         QQuickItem *sessions = field("sessionList");
-        const QString last = model().privateSessions().constLast().toMap().value(QStringLiteral("callsign")).toString();
-        QVERIFY(m_harness->tabTo(QStringLiteral("session-") + last));
+        const QString last = model().privateSessions().constLast().toMap().value(u"callsign"_qs).toString();
+        QVERIFY(m_harness->tabTo(u"session-"_qs + last));
         const QQuickItem *focused = m_harness->view.activeFocusItem();
         const QRectF box = focused->mapRectToItem(sessions, QRectF(0, 0, focused->width(), focused->height()));
         QVERIFY(QRectF(-1, -1, sessions->width() + 2, sessions->height() + 2).contains(box));
@@ -186,9 +186,9 @@ private slots:
         TRY_VERIFY(field("session-CSN3388"));
         QQuickItem *row = field("session-CSN3388");
         m_harness->click(row);
-        QCOMPARE(model().activeChannel(), QStringLiteral("CSN3388"));
-        m_harness->click(row->findChild<QQuickItem *>(QStringLiteral("closeControl")));
-        QCOMPARE(model().activeChannel(), QStringLiteral("RADIO"));
+        QCOMPARE(model().activeChannel(), u"CSN3388"_qs);
+        m_harness->click(row->findChild<QQuickItem *>(u"closeControl"_qs));
+        QCOMPARE(model().activeChannel(), u"RADIO"_qs);
         TRY_VERIFY(!field("session-CSN3388"));
         QCOMPARE(model().privateSessions().size(), 1);
     }
@@ -197,10 +197,10 @@ private slots:
     {
         fillMessages(model());
         m_harness->settle();
-        QVERIFY(!m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
+        QVERIFY(!m_harness->itemWithText(u"当前频道暂无消息"_qs));
         m_harness->click(field("clearMessagesButton"));
         QCOMPARE(model().messages(), QVariantList());
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
+        TRY_VERIFY(m_harness->itemWithText(u"当前频道暂无消息"_qs));
     }
 
     void sendingGoesToTheActiveChannel_data()
@@ -209,12 +209,11 @@ private slots:
         QTest::addColumn<QList<QVariantList>>("privates");
         QTest::addColumn<QList<QVariantList>>("radios");
         QTest::addColumn<QList<QVariantList>>("wallops");
-        const QString text = QStringLiteral("hello there");
+        const QString text = u"hello there"_qs;
         const QList<QVariantList> none;
-        QTest::newRow("radio") << QStringLiteral("RADIO") << none << QList<QVariantList>{{text}} << none;
-        QTest::newRow("wallop") << QStringLiteral("WALLOP") << none << none << QList<QVariantList>{{text}};
-        QTest::newRow("private") << QStringLiteral("CSN3388") << QList<QVariantList>{{QStringLiteral("CSN3388"), text}}
-                                 << none << none;
+        QTest::newRow("radio") << u"RADIO"_qs << none << QList<QVariantList>{{text}} << none;
+        QTest::newRow("wallop") << u"WALLOP"_qs << none << none << QList<QVariantList>{{text}};
+        QTest::newRow("private") << u"CSN3388"_qs << QList<QVariantList>{{u"CSN3388"_qs, text}} << none << none;
     }
 
     void sendingGoesToTheActiveChannel()
@@ -225,7 +224,7 @@ private slots:
         QSignalSpy privates(&model(), &MessagesPageViewModel::privateMessageRequested);
         QSignalSpy radios(&model(), &MessagesPageViewModel::radioMessageRequested);
         QSignalSpy wallops(&model(), &MessagesPageViewModel::wallopRequested);
-        m_harness->type(QStringLiteral("hello there"));
+        m_harness->type(u"hello there"_qs);
         m_harness->click(field("sendButton"));
         QTEST(QList<QVariantList>(privates), "privates");
         QTEST(QList<QVariantList>(radios), "radios");
@@ -238,13 +237,13 @@ private slots:
     {
         fillMessages(model());
         QSignalSpy radios(&model(), &MessagesPageViewModel::radioMessageRequested);
-        m_harness->type(QStringLiteral("one"));
+        m_harness->type(u"one"_qs);
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
-        m_harness->type(QStringLiteral("two"));
+        m_harness->type(u"two"_qs);
         QTest::keyClick(&m_harness->view, Qt::Key_Enter);
-        m_harness->type(QStringLiteral("  "));
+        m_harness->type(u"  "_qs);
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
-        QCOMPARE(radios, (QList<QVariantList>{{QStringLiteral("one")}, {QStringLiteral("two")}}));
+        QCOMPARE(radios, (QList<QVariantList>{{u"one"_qs}, {u"two"_qs}}));
     }
 
     void sendingCommitsWhatIsBeingComposed_data()
@@ -259,16 +258,16 @@ private slots:
         QFETCH(bool, click);
         fillMessages(model());
         QSignalSpy radios(&model(), &MessagesPageViewModel::radioMessageRequested);
-        m_harness->type(QStringLiteral("a"));
+        m_harness->type(u"a"_qs);
         ComposingInput input;
-        input.compose(QStringLiteral("你好"));
-        QCOMPARE(field("composeField")->property("preeditText").toString(), QStringLiteral("你好"));
-        QCOMPARE(composed(), QStringLiteral("a"));
+        input.compose(u"你好"_qs);
+        QCOMPARE(field("composeField")->property("preeditText").toString(), u"你好"_qs);
+        QCOMPARE(composed(), u"a"_qs);
         if (click)
             m_harness->click(field("sendButton"));
         else
             QTest::keyClick(&m_harness->view, Qt::Key_Return);
-        QCOMPARE(radios, (QList<QVariantList>{{QStringLiteral("a你好")}}));
+        QCOMPARE(radios, (QList<QVariantList>{{u"a你好"_qs}}));
         QCOMPARE(composed(), QString());
     }
 
@@ -278,38 +277,38 @@ private slots:
         model().setNetworkConnected(false);
         QVERIFY(!field("sendButton")->isEnabled());
         QVERIFY(!field("composeField")->isEnabled());
-        QCOMPARE(field("composeHint")->property("text").toString(), QStringLiteral("网络未连接"));
+        QCOMPARE(field("composeHint")->property("text").toString(), u"网络未连接"_qs);
     }
 
     void aDraftOutlivesThePage()
     {
         fillMessages(model());
-        m_harness->type(QStringLiteral("half a"));
-        m_harness->openSection(QStringLiteral("总览"));
-        m_harness->openSection(QStringLiteral("消息"));
-        QCOMPARE(composed(), QStringLiteral("half a"));
-        m_harness->type(QStringLiteral(" word"));
-        QCOMPARE(model().draftMessage(), QStringLiteral("half a word"));
+        m_harness->type(u"half a"_qs);
+        m_harness->openSection(u"总览"_qs);
+        m_harness->openSection(u"消息"_qs);
+        QCOMPARE(composed(), u"half a"_qs);
+        m_harness->type(u" word"_qs);
+        QCOMPARE(model().draftMessage(), u"half a word"_qs);
     }
 
     void theEmptyPageTellsWhatIsMissing()
     {
-        QVERIFY(m_harness->itemWithText(QStringLiteral("当前频道暂无消息")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("附近暂无管制席位")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("暂无消息")));
+        QVERIFY(m_harness->itemWithText(u"当前频道暂无消息"_qs));
+        QVERIFY(m_harness->itemWithText(u"附近暂无管制席位"_qs));
+        QVERIFY(m_harness->itemWithText(u"暂无消息"_qs));
         QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
-        m_harness->grab(QStringLiteral("messages-empty"));
+        m_harness->grab(u"messages-empty"_qs);
     }
 
     void aFloodOfSendersKeepsThePageUsable()
     {
         fillMessages(model());
         for (int i = 0; i < 2000; ++i)
-            model().addPrivateReceived(QStringLiteral("P%1").arg(i), QStringLiteral("buy now"));
+            model().addPrivateReceived(u"P%1"_qs.arg(i), u"buy now"_qs);
         m_harness->settle();
         QCOMPARE(field("sessionList")->property("count").toInt(), 200);
         QVERIFY(field("channel-RADIO"));
-        m_harness->grab(QStringLiteral("messages-flood"));
+        m_harness->grab(u"messages-flood"_qs);
     }
 };
 

@@ -61,72 +61,64 @@ private slots:
     void withoutBackendsTheModePageShowsPlaceholders()
     {
         QFETCH(PageHarness::Backends, backends);
-        PageHarness harness(QStringLiteral("NONE"), {1280, 800}, backends);
-        QVERIFY(harness.itemWithText(QStringLiteral("请选择飞行模拟平台")));
-        QVERIFY(harness.itemWithText(QStringLiteral("CID：--")));
-        harness.click(harness.item(QStringLiteral("xplaneCard"))); // nobody listens; nothing breaks
+        PageHarness harness(u"NONE"_qs, {1280, 800}, backends);
+        QVERIFY(harness.itemWithText(u"请选择飞行模拟平台"_qs));
+        QVERIFY(harness.itemWithText(u"CID：--"_qs));
+        harness.click(harness.item(u"xplaneCard"_qs)); // nobody listens; nothing breaks
         QCOMPARE(harness.complaints(), QStringList());
     }
 
     void withoutBackendsTheSectionsShowPlaceholders_data()
     {
         QTest::addColumn<QString>("section");
-        QTest::newRow("overview") << QStringLiteral("dashboard");
-        QTest::newRow("simulator") << QStringLiteral("simulator");
-        QTest::newRow("server") << QStringLiteral("server");
-        QTest::newRow("messages") << QStringLiteral("messages");
+        QTest::newRow("overview") << u"dashboard"_qs;
+        QTest::newRow("simulator") << u"simulator"_qs;
+        QTest::newRow("server") << u"server"_qs;
+        QTest::newRow("messages") << u"messages"_qs;
     }
 
     void withoutBackendsTheSectionsShowPlaceholders()
     {
         QFETCH(QString, section);
         QQuickView view;
-        QStringList complaints;
-        connect(view.engine(), &QQmlEngine::warnings, this, [&](const QList<QQmlError> &errors) {
-            for (const QQmlError &error : errors)
-                complaints << error.toString();
-        });
-        view.setInitialProperties({{QStringLiteral("dashboard"), QVariant::fromValue(nullptr)},
-                                   {QStringLiteral("simulator"), QVariant::fromValue(nullptr)},
-                                   {QStringLiteral("server"), QVariant::fromValue(nullptr)},
-                                   {QStringLiteral("messages"), QVariant::fromValue(nullptr)},
-                                   {QStringLiteral("currentSection"), section}});
-        view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/pages/MainDashboard.qml")));
+        const QSignalSpy complaints(view.engine(), &QQmlEngine::warnings);
+        view.setInitialProperties({{u"dashboard"_qs, QVariant::fromValue(nullptr)},
+                                   {u"simulator"_qs, QVariant::fromValue(nullptr)},
+                                   {u"server"_qs, QVariant::fromValue(nullptr)},
+                                   {u"messages"_qs, QVariant::fromValue(nullptr)},
+                                   {u"currentSection"_qs, section}});
+        view.setSource(QUrl(u"qrc:/src/ui/view/pages/MainDashboard.qml"_qs));
         QVERIFY(view.rootObject());
         int placeholders = 0;
         const QList<QQuickItem *> items = view.rootObject()->findChildren<QQuickItem *>();
         for (const QQuickItem *item : items)
             placeholders += item->property("text").toString() == QLatin1String("--");
         QVERIFY(placeholders >= 2);
-        QCOMPARE(complaints, QStringList());
+        QCOMPARE(complaints.size(), 0);
     }
 
     void aModelThatGoesLeavesPlaceholders()
     {
         auto dashboard = std::make_unique<DashboardViewModel>();
-        dashboard->setCurrentMode(QStringLiteral("XPLANE"));
+        dashboard->setCurrentMode(u"XPLANE"_qs);
         QQuickView view;
-        QStringList complaints;
-        connect(view.engine(), &QQmlEngine::warnings, this, [&](const QList<QQmlError> &errors) {
-            for (const QQmlError &error : errors)
-                complaints << error.toString();
-        });
-        view.rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), dashboard.get());
-        view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
-        QVERIFY(view.rootObject()->findChild<QObject *>(QStringLiteral("sectionLoader")));
+        const QSignalSpy complaints(view.engine(), &QQmlEngine::warnings);
+        view.rootContext()->setContextProperty(u"dashboardBackend"_qs, dashboard.get());
+        view.setSource(QUrl(u"qrc:/src/ui/view/Dashboard.qml"_qs));
+        QVERIFY(view.rootObject()->findChild<QObject *>(u"sectionLoader"_qs));
         dashboard.reset();
-        QVERIFY(view.rootObject()->findChild<QObject *>(QStringLiteral("xplaneCard")));
-        QCOMPARE(complaints, QStringList());
+        QVERIFY(view.rootObject()->findChild<QObject *>(u"xplaneCard"_qs));
+        QCOMPARE(complaints.size(), 0);
     }
 
     void theModeChoosesTheRootPage_data()
     {
         QTest::addColumn<QString>("mode");
         QTest::addColumn<bool>("main");
-        QTest::newRow("X-Plane") << QStringLiteral("XPLANE") << true;
-        QTest::newRow("MSFS") << QStringLiteral("MSFS") << true;
-        QTest::newRow("none") << QStringLiteral("NONE") << false;
-        QTest::newRow("unknown") << QStringLiteral("xplane") << false;
+        QTest::newRow("X-Plane") << u"XPLANE"_qs << true;
+        QTest::newRow("MSFS") << u"MSFS"_qs << true;
+        QTest::newRow("none") << u"NONE"_qs << false;
+        QTest::newRow("unknown") << u"xplane"_qs << false;
     }
 
     void theModeChoosesTheRootPage()
@@ -135,10 +127,10 @@ private slots:
         QFETCH(bool, main);
         PageHarness harness;
         harness.dashboard().setCurrentMode(mode);
-        QCOMPARE(harness.item(QStringLiteral("sectionLoader")) != nullptr, main);
-        QCOMPARE(harness.item(QStringLiteral("xplaneCard")) != nullptr, !main);
-        harness.dashboard().setCurrentMode(QStringLiteral("NONE"));
-        QVERIFY(harness.item(QStringLiteral("xplaneCard")));
+        QCOMPARE(harness.item(u"sectionLoader"_qs) != nullptr, main);
+        QCOMPARE(harness.item(u"xplaneCard"_qs) != nullptr, !main);
+        harness.dashboard().setCurrentMode(u"NONE"_qs);
+        QVERIFY(harness.item(u"xplaneCard"_qs));
     }
 
     void theCardAsksForTheMode_data()
@@ -155,25 +147,25 @@ private slots:
         PageHarness harness;
         QSignalSpy asked(&harness.dashboard(), &DashboardViewModel::modeChangedRequest);
         if (key == 0)
-            harness.click(harness.item(QStringLiteral("xplaneCard")));
+            harness.click(harness.item(u"xplaneCard"_qs));
         else
             QTest::keyClick(&harness.view, Qt::Key(key));
-        QCOMPARE(asked, (QList<QVariantList>{{QStringLiteral("XPLANE")}}));
+        QCOMPARE(asked, (QList<QVariantList>{{u"XPLANE"_qs}}));
     }
 
     void logoutReachesTheRoot_data()
     {
         QTest::addColumn<QString>("button");
         QTest::addColumn<bool>("main");
-        QTest::newRow("mode page") << QStringLiteral("logoutButton") << false;
-        QTest::newRow("sidebar") << QStringLiteral("logoutItem") << true;
+        QTest::newRow("mode page") << u"logoutButton"_qs << false;
+        QTest::newRow("sidebar") << u"logoutItem"_qs << true;
     }
 
     void logoutReachesTheRoot()
     {
         QFETCH(QString, button);
         QFETCH(bool, main);
-        PageHarness harness(main ? QStringLiteral("XPLANE") : QStringLiteral("NONE"));
+        PageHarness harness(main ? u"XPLANE"_qs : u"NONE"_qs);
         const auto spy = spyOn(harness.view.rootObject(), "logoutRequested()");
         harness.click(harness.item(button));
         QCOMPARE(spy->count(), 1);
@@ -183,11 +175,11 @@ private slots:
     {
         QTest::addColumn<QString>("cid");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("with a prefix") << QStringLiteral("CID: 1001") << QStringLiteral("CID：1001");
-        QTest::newRow("bare") << QStringLiteral("1001") << QStringLiteral("CID：1001");
-        QTest::newRow("full-width colon") << QStringLiteral("CID：1001") << QStringLiteral("CID：1001");
-        QTest::newRow("none yet") << QStringLiteral("--") << QStringLiteral("CID：--");
-        QTest::newRow("empty") << QString() << QStringLiteral("CID：--");
+        QTest::newRow("with a prefix") << u"CID: 1001"_qs << u"CID：1001"_qs;
+        QTest::newRow("bare") << u"1001"_qs << u"CID：1001"_qs;
+        QTest::newRow("full-width colon") << u"CID：1001"_qs << u"CID：1001"_qs;
+        QTest::newRow("none yet") << u"--"_qs << u"CID：--"_qs;
+        QTest::newRow("empty") << QString() << u"CID：--"_qs;
     }
 
     void theCidHasOnePrefix()
@@ -195,52 +187,51 @@ private slots:
         QFETCH(QString, cid);
         QFETCH(QString, shown);
         PageHarness harness;
-        harness.dashboard().setUserInfo(QStringLiteral("甲"), cid, QStringLiteral("S1"));
+        harness.dashboard().setUserInfo(u"甲"_qs, cid, u"S1"_qs);
         QVERIFY(harness.itemWithText(shown));
     }
 
     void theOverviewShowsTheFlight()
     {
-        PageHarness harness(QStringLiteral("XPLANE"));
+        PageHarness harness(u"XPLANE"_qs);
         harness.fillFlight();
-        for (const QString &text : {QStringLiteral("052"), QStringLiteral("452"), QStringLiteral("32,150"),
-                                    QStringLiteral("N40°04.8′  E116°35.1′")})
+        for (const QString &text : {u"052"_qs, u"452"_qs, u"32,150"_qs, u"N40°04.8′  E116°35.1′"_qs})
             QVERIFY2(harness.itemWithText(text), qPrintable(text));
         harness.dashboard().setFlightData(-33.99999, -0.5, qQNaN(), 359.7, 0);
-        QVERIFY(harness.itemWithText(QStringLiteral("360")));
-        QVERIFY(harness.itemWithText(QStringLiteral("S34°00.0′  W000°30.0′")));
+        QVERIFY(harness.itemWithText(u"360"_qs));
+        QVERIFY(harness.itemWithText(u"S34°00.0′  W000°30.0′"_qs));
         QCOMPARE(harness.complaints(), QStringList());
     }
 
     void theOverviewShowsTheFormsCallsign()
     {
-        PageHarness harness(QStringLiteral("XPLANE"));
-        harness.server().setCallsign(QStringLiteral(" cca1234"));
-        QVERIFY(harness.itemWithText(QStringLiteral("CCA1234")));
+        PageHarness harness(u"XPLANE"_qs);
+        harness.server().setCallsign(u" cca1234"_qs);
+        QVERIFY(harness.itemWithText(u"CCA1234"_qs));
     }
 
     void aSectionShowsCurrentDataAgain()
     {
-        PageHarness harness(QStringLiteral("XPLANE"));
-        harness.openSection(QStringLiteral("服务器"));
-        harness.server().setCallsign(QStringLiteral("CCA1"));
-        harness.openSection(QStringLiteral("总览"));
-        QVERIFY(harness.itemWithText(QStringLiteral("CCA1")));
-        harness.server().setCallsign(QStringLiteral("CCA2"));
-        harness.openSection(QStringLiteral("服务器"));
-        QCOMPARE(harness.item(QStringLiteral("callsignField"))->property("text").toString(), QStringLiteral("CCA2"));
+        PageHarness harness(u"XPLANE"_qs);
+        harness.openSection(u"服务器"_qs);
+        harness.server().setCallsign(u"CCA1"_qs);
+        harness.openSection(u"总览"_qs);
+        QVERIFY(harness.itemWithText(u"CCA1"_qs));
+        harness.server().setCallsign(u"CCA2"_qs);
+        harness.openSection(u"服务器"_qs);
+        QCOMPARE(harness.item(u"callsignField"_qs)->property("text").toString(), u"CCA2"_qs);
     }
 
     void whatComesFromOutsideIsPlainText()
     {
-        PageHarness harness(QStringLiteral("XPLANE"));
-        const QString hostile = QStringLiteral("<b>甲</b><img src='file:///etc/passwd'>");
+        PageHarness harness(u"XPLANE"_qs);
+        const QString hostile = u"<b>甲</b><img src='file:///etc/passwd'>"_qs;
         harness.dashboard().setUserInfo(hostile, hostile, hostile);
         harness.dashboard().setRecentFlights({{hostile}, {}});
         harness.dashboard().setLeaderboard({{.name = hostile}}, {{}});
         QVERIFY(harness.itemWithText(hostile));
         allPlain(harness);
-        harness.openSection(QStringLiteral("服务器"));
+        harness.openSection(u"服务器"_qs);
         harness.server().addRecentEvent(hostile, hostile, hostile);
         harness.server().appendLog(hostile);
         QVERIFY(harness.itemWithText(hostile));

@@ -19,8 +19,8 @@ namespace {
 /// Some type data where the service looks for it.
 QString writeTypeData(const QString &folder)
 {
-    QDir(folder).mkpath(QStringLiteral("resources"));
-    QFile file(folder + QStringLiteral("/resources/Doc8643.txt"));
+    QDir(folder).mkpath(u"resources"_qs);
+    QFile file(folder + u"/resources/Doc8643.txt"_qs);
     if (file.open(QIODevice::WriteOnly))
         file.write("BOEING\t737-800\tB738\tL2J\tM\nBOEING\t737-700\tB737\tL2J\tM\nBOEING\t737 MAX 8\tB38M\tL2J\tM\n"
                    "BOEING\t777-300ER\tB77W\tL2J\tH\nAIRBUS\tA-320\tA320\tL2J\tM\nAIRBUS\tA-320neo\tA20N\tL2J\tM\n"
@@ -62,13 +62,13 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
     });
     const bool present = backends == Backends::Present;
     if (backends != Backends::Absent) {
-        view.rootContext()->setContextProperty(QStringLiteral("dashboardBackend"), present ? &m_dashboard : nullptr);
-        view.rootContext()->setContextProperty(QStringLiteral("serverBackend"), present ? &m_server : nullptr);
-        view.rootContext()->setContextProperty(QStringLiteral("messagesBackend"), present ? &m_messages : nullptr);
-        view.rootContext()->setContextProperty(QStringLiteral("simulatorBackend"), present ? &m_simulator : nullptr);
+        view.rootContext()->setContextProperty(u"dashboardBackend"_qs, present ? &m_dashboard : nullptr);
+        view.rootContext()->setContextProperty(u"serverBackend"_qs, present ? &m_server : nullptr);
+        view.rootContext()->setContextProperty(u"messagesBackend"_qs, present ? &m_messages : nullptr);
+        view.rootContext()->setContextProperty(u"simulatorBackend"_qs, present ? &m_simulator : nullptr);
     }
     view.setResizeMode(QQuickView::SizeRootObjectToView);
-    view.setSource(QUrl(QStringLiteral("qrc:/src/ui/view/Dashboard.qml")));
+    view.setSource(QUrl(u"qrc:/src/ui/view/Dashboard.qml"_qs));
     view.resize(size);
     view.show();
     view.requestActivate();
@@ -77,50 +77,48 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
 
 void PageHarness::fillAccount()
 {
-    m_dashboard.setUserInfo(QStringLiteral("欧阳靖远"), QStringLiteral("CID: 1001"), QStringLiteral("高级教员 (I3)"));
-    m_dashboard.setTimes(QStringLiteral("1286小时 47分"), QStringLiteral("342小时 09分"));
+    m_dashboard.setUserInfo(u"欧阳靖远"_qs, u"CID: 1001"_qs, u"高级教员 (I3)"_qs);
+    m_dashboard.setTimes(u"1286小时 47分"_qs, u"342小时 09分"_qs);
     QList<ui::RecentFlight> flights;
     for (int i = 0; i < 20; ++i)
-        flights.append({i == 1 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i),
-                        QStringLiteral("11-%1 19:4%2 - 22:1%2").arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10),
-                        QStringLiteral("2小时 %1分").arg(30 + i)});
+        flights.append({i == 1 ? u"CCAWMDG_2352"_qs : u"CES%1"_qs.arg(2352 + 31 * i),
+                        u"11-%1 19:4%2 - 22:1%2"_qs.arg(20 - i, 2, 10, QChar(u'0')).arg(i % 10),
+                        u"2小时 %1分"_qs.arg(30 + i)});
     m_dashboard.setRecentFlights(flights);
-    const QStringList names{QStringLiteral("欧阳靖远"),
-                            QStringLiteral("李想"),
-                            QStringLiteral("Zhang Wei"),
-                            QStringLiteral("王小明"),
-                            QStringLiteral("司徒嘉慧"),
-                            QStringLiteral("陈晨"),
-                            QStringLiteral("Alexander von Humboldt"),
-                            QStringLiteral("刘洋"),
-                            QStringLiteral("赵一鸣"),
-                            QStringLiteral("孙悦")};
+    const QStringList names{u"欧阳靖远"_qs,
+                            u"李想"_qs,
+                            u"Zhang Wei"_qs,
+                            u"王小明"_qs,
+                            u"司徒嘉慧"_qs,
+                            u"陈晨"_qs,
+                            u"Alexander von Humboldt"_qs,
+                            u"刘洋"_qs,
+                            u"赵一鸣"_qs,
+                            u"孙悦"_qs};
     QList<ui::RankedUser> pilots;
     for (int i = 0; i < names.size(); ++i)
-        pilots.append(
-            {i + 1, names.at(i), QString::number(1001 + i), QStringLiteral("%1小时 05分").arg(1286 - 97 * i)});
+        pilots.append({i + 1, names.at(i), QString::number(1001 + i), u"%1小时 05分"_qs.arg(1286 - 97 * i)});
     m_dashboard.setLeaderboard(pilots, pilots.first(7));
-    m_server.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZSPD 上海浦东国际机场"));
+    m_server.setProfile(u"欧阳靖远"_qs, u"ZSPD 上海浦东国际机场"_qs);
 }
 
 void PageHarness::fillFlight()
 {
-    m_dashboard.setSimulatorState(true, QStringLiteral("已连接"));
+    m_dashboard.setSimulatorState(true, u"已连接"_qs);
     m_dashboard.setFlightData(40.0801, 116.5846, 32150.4, 52.4, 451.6);
 }
 
 void PageHarness::connectToNetwork()
 {
-    m_server.setCallsign(QStringLiteral("ces2352"));
-    m_server.setTypeCode(QStringLiteral("B738"));
-    m_server.appendLog(QStringLiteral("正在连接 FSD 127.0.0.1:6809，呼号=CES2352，机型=B738，观察员模式=false"));
-    m_server.appendLog(QStringLiteral("FSD 已连接：CES2352"));
-    m_server.setEndpoint(QStringLiteral("127.0.0.1:6809"));
-    m_server.setServerState(true, QStringLiteral("已连接"));
-    m_dashboard.setServerState(true, QStringLiteral("已连接"));
-    m_server.addRecentEvent(QStringLiteral("网络已连接"), QStringLiteral("网络已连接，当前呼号：CES2352"),
-                            QStringLiteral("网络"));
-    m_server.addRecentEvent(QStringLiteral("通知"), QStringLiteral("Connected to network."), QStringLiteral("系统"));
+    m_server.setCallsign(u"ces2352"_qs);
+    m_server.setTypeCode(u"B738"_qs);
+    m_server.appendLog(u"正在连接 FSD 127.0.0.1:6809，呼号=CES2352，机型=B738，观察员模式=false"_qs);
+    m_server.appendLog(u"FSD 已连接：CES2352"_qs);
+    m_server.setEndpoint(u"127.0.0.1:6809"_qs);
+    m_server.setServerState(true, u"已连接"_qs);
+    m_dashboard.setServerState(true, u"已连接"_qs);
+    m_server.addRecentEvent(u"网络已连接"_qs, u"网络已连接，当前呼号：CES2352"_qs, u"网络"_qs);
+    m_server.addRecentEvent(u"通知"_qs, u"Connected to network."_qs, u"系统"_qs);
 }
 
 void PageHarness::fillSimulator(const QString &mode)
@@ -128,11 +126,11 @@ void PageHarness::fillSimulator(const QString &mode)
     m_dashboard.setCurrentMode(mode);
     m_server.setCurrentMode(mode);
     m_simulator.setMode(mode);
-    m_simulator.setSimulatorState(true, QStringLiteral("已连接"));
-    m_dashboard.setSimulatorState(true, QStringLiteral("已连接"));
+    m_simulator.setSimulatorState(true, u"已连接"_qs);
+    m_dashboard.setSimulatorState(true, u"已连接"_qs);
     m_simulator.setPluginValid(true);
     m_simulator.setCslValid(true);
-    m_simulator.setTrafficMappingStatus(QStringLiteral("已加载 1286 个模型"));
+    m_simulator.setTrafficMappingStatus(u"已加载 1286 个模型"_qs);
     m_simulator.setXPlaneVersion(120105);
     model::UserAircraftData aircraft;
     aircraft.latitude = 31.1434;
@@ -168,13 +166,12 @@ void PageHarness::fillSimulator(const QString &mode)
 
 void PageHarness::fillTraffic(int count)
 {
-    const QStringList types{QStringLiteral("B738"), QStringLiteral("A320"), QStringLiteral("B77W"), QString(),
-                            QStringLiteral("C172")};
+    const QStringList types{u"B738"_qs, u"A320"_qs, u"B77W"_qs, QString(), u"C172"_qs};
     QList<model::RemoteAircraft> table;
     QVariantList snapshot;
     for (int i = 0; i < count; ++i) {
         model::RemoteAircraft aircraft;
-        aircraft.callsign = i == 2 ? QStringLiteral("CCAWMDG_2352") : QStringLiteral("CES%1").arg(2352 + 31 * i);
+        aircraft.callsign = i == 2 ? u"CCAWMDG_2352"_qs : u"CES%1"_qs.arg(2352 + 31 * i);
         aircraft.typeCode = types.at(i % types.size());
         const double angle = 0.7 + 2.4 * i;
         const double degrees = 0.05 + 0.4 * (i % 40) / 40.0;
@@ -184,12 +181,12 @@ void PageHarness::fillTraffic(int count)
         aircraft.visualState.heading = (140 * i) % 360;
         aircraft.groundSpeed = 240;
         table << aircraft;
-        snapshot << QVariantMap{{QStringLiteral("label"), aircraft.callsign},
-                                {QStringLiteral("latitude"), aircraft.visualState.latitude},
-                                {QStringLiteral("longitude"), aircraft.visualState.longitude},
-                                {QStringLiteral("altitudeFeet"), 0.0},
-                                {QStringLiteral("headingTrue"), 0.0},
-                                {QStringLiteral("groundSpeedKnots"), 0.0}};
+        snapshot << QVariantMap{{u"label"_qs, aircraft.callsign},
+                                {u"latitude"_qs, aircraft.visualState.latitude},
+                                {u"longitude"_qs, aircraft.visualState.longitude},
+                                {u"altitudeFeet"_qs, 0.0},
+                                {u"headingTrue"_qs, 0.0},
+                                {u"groundSpeedKnots"_qs, 0.0}};
     }
     if (m_simulator.msfsMode())
         m_simulator.setTrafficContacts(snapshot);
@@ -285,7 +282,7 @@ QImage PageHarness::grab(const QString &name)
     const QImage picture = view.grabWindow();
     const QString folder = qEnvironmentVariable("TARVO_SHOTS");
     if (!folder.isEmpty())
-        picture.save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+        picture.save(folder + QLatin1Char('/') + name + u".png"_qs);
     return picture;
 }
 

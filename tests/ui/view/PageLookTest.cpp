@@ -30,9 +30,9 @@ private slots:
     {
         QFETCH(QString, page);
         QFETCH(QSize, size);
-        PageHarness harness(page == QLatin1String("modes") ? QStringLiteral("NONE") : QStringLiteral("XPLANE"), size);
+        PageHarness harness(page == QLatin1String("modes") ? u"NONE"_qs : u"XPLANE"_qs, size);
         harness.fillAccount();
-        harness.dashboard().setSimulatorState(false, QStringLiteral("连接中..."));
+        harness.dashboard().setSimulatorState(false, u"连接中..."_qs);
         if (page == QLatin1String("overview") || page == QLatin1String("server-connected")) {
             harness.fillFlight();
             harness.connectToNetwork();
@@ -40,16 +40,16 @@ private slots:
         if (page == QLatin1String("overview-failed"))
             failEverything(harness);
         if (page.startsWith(QLatin1String("server")))
-            harness.openSection(QStringLiteral("服务器"));
+            harness.openSection(u"服务器"_qs);
         if (page.startsWith(QLatin1String("simulator")))
             showSimulator(harness, page);
         if (page == QLatin1String("server-error"))
-            harness.server().setCallsign(QStringLiteral("呼号 有空格"));
-        QVERIFY(!harness.grab(QStringLiteral("%1-%2").arg(page).arg(size.width())).isNull());
-        if (QQuickItem *scroll = harness.item(QStringLiteral("simulatorScroll"))) {
+            harness.server().setCallsign(u"呼号 有空格"_qs);
+        QVERIFY(!harness.grab(u"%1-%2"_qs.arg(page).arg(size.width())).isNull());
+        if (QQuickItem *scroll = harness.item(u"simulatorScroll"_qs)) {
             auto *flickable = scroll->property("contentItem").value<QQuickItem *>();
             flickable->setProperty("contentY", flickable->property("contentHeight").toReal() - flickable->height());
-            harness.grab(QStringLiteral("%1-%2-end").arg(page).arg(size.width()));
+            harness.grab(u"%1-%2-end"_qs.arg(page).arg(size.width()));
         }
         const QList<QQuickItem *> texts = harness.texts();
         QVERIFY(texts.size() > 3);
@@ -62,23 +62,21 @@ private:
     /// The longest status texts, beside a long name.
     static void failEverything(PageHarness &harness)
     {
-        harness.dashboard().setUserInfo(QStringLiteral("Alexander von Humboldt"), QStringLiteral("CID: 1001"),
-                                        QStringLiteral("高级教员 (I3)"));
-        harness.dashboard().setSimulatorState(false, QStringLiteral("连接失败"));
-        harness.dashboard().setServerState(false, QStringLiteral("已断开（强制）"));
+        harness.dashboard().setUserInfo(u"Alexander von Humboldt"_qs, u"CID: 1001"_qs, u"高级教员 (I3)"_qs);
+        harness.dashboard().setSimulatorState(false, u"连接失败"_qs);
+        harness.dashboard().setServerState(false, u"已断开（强制）"_qs);
     }
 
     static void showSimulator(PageHarness &harness, const QString &page)
     {
         if (page == QLatin1String("simulator-offline")) {
-            harness.simulator().setMode(QStringLiteral("XPLANE"));
-            harness.simulator().setSimulatorState(false, QStringLiteral("连接中..."));
+            harness.simulator().setMode(u"XPLANE"_qs);
+            harness.simulator().setSimulatorState(false, u"连接中..."_qs);
         } else {
-            harness.fillSimulator(page.endsWith(QLatin1String("msfs")) ? QStringLiteral("MSFS")
-                                                                       : QStringLiteral("XPLANE"));
+            harness.fillSimulator(page.endsWith(QLatin1String("msfs")) ? u"MSFS"_qs : u"XPLANE"_qs);
             harness.fillTraffic(page.endsWith(QLatin1String("crowd")) ? 300 : 6);
         }
-        harness.openSection(QStringLiteral("模拟器"));
+        harness.openSection(u"模拟器"_qs);
     }
 
     static bool isWhole(QQuickItem *text)
@@ -90,7 +88,7 @@ private:
     /// As drawn: a text may shrink to fit.
     static int pixelSize(QQuickItem *text)
     {
-        return text->property("fontInfo").value<QJSValue>().property(QStringLiteral("pixelSize")).toInt();
+        return text->property("fontInfo").value<QJSValue>().property(u"pixelSize"_qs).toInt();
     }
 
     static constexpr int smallestReadable = 10;

@@ -29,39 +29,32 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("sent");
         QTest::addColumn<QString>("hint");
-        const QString com = QStringLiteral("com1");
-        const QString form = QStringLiteral("格式如 121.800");
-        const QString range = QStringLiteral("范围 118.000 至 136.990");
-        const QString code = QStringLiteral("transponder");
+        const QString com = u"com1"_qs;
+        const QString form = u"格式如 121.800"_qs;
+        const QString range = u"范围 118.000 至 136.990"_qs;
+        const QString code = u"transponder"_qs;
         QTest::newRow("COM, nothing") << com << QString() << QString() << QString();
-        QTest::newRow("COM, blanks") << com << QStringLiteral("  ") << QString() << QString();
-        QTest::newRow("COM, whole") << com << QStringLiteral("121.800") << QStringLiteral("121.800") << QString();
-        QTest::newRow("COM, blanks around")
-            << com << QStringLiteral(" 121.800 ") << QStringLiteral("121.800") << QString();
-        QTest::newRow("COM, one decimal") << com << QStringLiteral("121.8") << QStringLiteral("121.800") << QString();
-        QTest::newRow("COM, 8.33 channel")
-            << com << QStringLiteral("118.005") << QStringLiteral("118.005") << QString();
-        QTest::newRow("COM, lowest") << com << QStringLiteral("118.000") << QStringLiteral("118.000") << QString();
-        QTest::newRow("COM, highest") << com << QStringLiteral("136.990") << QStringLiteral("136.990") << QString();
-        QTest::newRow("COM, below") << com << QStringLiteral("117.995") << QString() << range;
-        QTest::newRow("COM, above") << com << QStringLiteral("136.995") << QString() << range;
-        QTest::newRow("COM, between the channels")
-            << com << QStringLiteral("121.803") << QString() << QStringLiteral("末位只能是 0 或 5");
-        QTest::newRow("COM, no point") << com << QStringLiteral("121800") << QString() << form;
-        QTest::newRow("COM, four decimals") << com << QStringLiteral("121.8000") << QString() << form;
-        QTest::newRow("COM, letters") << com << QStringLiteral("12l.800") << QString() << form;
-        QTest::newRow("COM, minus") << com << QStringLiteral("-121.800") << QString() << form;
-        QTest::newRow("COM, exponent") << com << QStringLiteral("1.2e2") << QString() << form;
-        QTest::newRow("COM2's own example")
-            << QStringLiteral("com2") << QStringLiteral("x") << QString() << QStringLiteral("格式如 124.550");
-        QTest::newRow("code, whole") << code << QStringLiteral("7700") << QStringLiteral("7700") << QString();
-        QTest::newRow("code, one digit") << code << QStringLiteral("0") << QStringLiteral("0") << QString();
-        QTest::newRow("code, an eight") << code << QStringLiteral("8000") << QString()
-                                        << QStringLiteral("只能用数字 0 至 7");
-        QTest::newRow("code, five digits")
-            << code << QStringLiteral("12345") << QString() << QStringLiteral("最多四位数字");
-        QTest::newRow("code, a letter") << code << QStringLiteral("77o0") << QString()
-                                        << QStringLiteral("只能用数字 0 至 7");
+        QTest::newRow("COM, blanks") << com << u"  "_qs << QString() << QString();
+        QTest::newRow("COM, whole") << com << u"121.800"_qs << u"121.800"_qs << QString();
+        QTest::newRow("COM, blanks around") << com << u" 121.800 "_qs << u"121.800"_qs << QString();
+        QTest::newRow("COM, one decimal") << com << u"121.8"_qs << u"121.800"_qs << QString();
+        QTest::newRow("COM, 8.33 channel") << com << u"118.005"_qs << u"118.005"_qs << QString();
+        QTest::newRow("COM, lowest") << com << u"118.000"_qs << u"118.000"_qs << QString();
+        QTest::newRow("COM, highest") << com << u"136.990"_qs << u"136.990"_qs << QString();
+        QTest::newRow("COM, below") << com << u"117.995"_qs << QString() << range;
+        QTest::newRow("COM, above") << com << u"136.995"_qs << QString() << range;
+        QTest::newRow("COM, between the channels") << com << u"121.803"_qs << QString() << u"末位只能是 0 或 5"_qs;
+        QTest::newRow("COM, no point") << com << u"121800"_qs << QString() << form;
+        QTest::newRow("COM, four decimals") << com << u"121.8000"_qs << QString() << form;
+        QTest::newRow("COM, letters") << com << u"12l.800"_qs << QString() << form;
+        QTest::newRow("COM, minus") << com << u"-121.800"_qs << QString() << form;
+        QTest::newRow("COM, exponent") << com << u"1.2e2"_qs << QString() << form;
+        QTest::newRow("COM2's own example") << u"com2"_qs << u"x"_qs << QString() << u"格式如 124.550"_qs;
+        QTest::newRow("code, whole") << code << u"7700"_qs << u"7700"_qs << QString();
+        QTest::newRow("code, one digit") << code << u"0"_qs << u"0"_qs << QString();
+        QTest::newRow("code, an eight") << code << u"8000"_qs << QString() << u"只能用数字 0 至 7"_qs;
+        QTest::newRow("code, five digits") << code << u"12345"_qs << QString() << u"最多四位数字"_qs;
+        QTest::newRow("code, a letter") << code << u"77o0"_qs << QString() << u"只能用数字 0 至 7"_qs;
     }
 
     void entries()
@@ -71,11 +64,11 @@ private slots:
         QFETCH(QString, sent);
         QSignalSpy com1(&model(), &SimulatorPageViewModel::setCom1FrequencyRequested);
         QSignalSpy code(&model(), &SimulatorPageViewModel::setTransponderCodeRequested);
-        QQuickItem *field = item(entry + QStringLiteral("Field"));
+        QQuickItem *field = item(entry + u"Field"_qs);
         field->forceActiveFocus();
         m_harness->type(typed);
-        QTEST(item(entry + QStringLiteral("Hint"))->property("text").toString(), "hint");
-        QCOMPARE(item(entry + QStringLiteral("Button"))->isEnabled(), !sent.isEmpty());
+        QTEST(item(entry + u"Hint"_qs)->property("text").toString(), "hint");
+        QCOMPARE(item(entry + u"Button"_qs)->isEnabled(), !sent.isEmpty());
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
         const QList<QVariantList> expected =
             sent.isEmpty() ? QList<QVariantList>() : QList<QVariantList>{{QVariant(sent)}};
@@ -86,10 +79,10 @@ private slots:
     void fullWidthTextIsRead()
     {
         QSignalSpy com1(&model(), &SimulatorPageViewModel::setCom1FrequencyRequested);
-        item(QStringLiteral("com1Field"))->setProperty("text", QStringLiteral("１２１。８"));
-        QVERIFY(item(QStringLiteral("com1Button"))->isEnabled());
-        m_harness->click(item(QStringLiteral("com1Button")));
-        QCOMPARE(com1, (QList<QVariantList>{{QStringLiteral("121.800")}}));
+        item(u"com1Field"_qs)->setProperty("text", u"１２１。８"_qs);
+        QVERIFY(item(u"com1Button"_qs)->isEnabled());
+        m_harness->click(item(u"com1Button"_qs));
+        QCOMPARE(com1, (QList<QVariantList>{{u"121.800"_qs}}));
     }
 
     void whatMayBecomeRightIsNotWrongYet_data()
@@ -106,8 +99,8 @@ private slots:
     {
         QFETCH(QString, typed);
         QFETCH(bool, begins);
-        const QString form = QStringLiteral("格式如 121.800");
-        item(QStringLiteral("com1Field"))->forceActiveFocus();
+        const QString form = u"格式如 121.800"_qs;
+        item(u"com1Field"_qs)->forceActiveFocus();
         m_harness->type(typed);
         QCOMPARE(hint(), begins ? QString() : form);
         QTest::keyClick(&m_harness->view, Qt::Key_Return); // so the pilot has done
@@ -115,7 +108,7 @@ private slots:
         QTest::keyClick(&m_harness->view, Qt::Key_Backspace);
         m_harness->type(typed.right(1));
         QCOMPARE(hint(), begins ? QString() : form);
-        item(QStringLiteral("transponderField"))->forceActiveFocus(); // and so, too
+        item(u"transponderField"_qs)->forceActiveFocus(); // and so, too
         QCOMPARE(hint(), form);
     }
 
@@ -130,20 +123,20 @@ private slots:
     {
         QFETCH(bool, click);
         QSignalSpy com2(&model(), &SimulatorPageViewModel::setCom2FrequencyRequested);
-        QQuickItem *field = item(QStringLiteral("com2Field"));
+        QQuickItem *field = item(u"com2Field"_qs);
         field->forceActiveFocus();
-        m_harness->type(QStringLiteral("124"));
-        QVERIFY(!item(QStringLiteral("com2Button"))->isEnabled());
+        m_harness->type(u"124"_qs);
+        QVERIFY(!item(u"com2Button"_qs)->isEnabled());
         ComposingInput input;
-        input.compose(QStringLiteral(".55"));
-        QCOMPARE(field->property("preeditText").toString(), QStringLiteral(".55"));
-        QVERIFY(item(QStringLiteral("com2Button"))->isEnabled());
-        m_harness->grab(QStringLiteral("simulator-entry"));
+        input.compose(u".55"_qs);
+        QCOMPARE(field->property("preeditText").toString(), u".55"_qs);
+        QVERIFY(item(u"com2Button"_qs)->isEnabled());
+        m_harness->grab(u"simulator-entry"_qs);
         if (click)
-            m_harness->click(item(QStringLiteral("com2Button")));
+            m_harness->click(item(u"com2Button"_qs));
         else
             QTest::keyClick(&m_harness->view, Qt::Key_Return);
-        QCOMPARE(com2, (QList<QVariantList>{{QStringLiteral("124.550")}}));
+        QCOMPARE(com2, (QList<QVariantList>{{u"124.550"_qs}}));
         QCOMPARE(field->property("text").toString(), QString());
         QCOMPARE(field->property("preeditText").toString(), QString());
     }
@@ -151,31 +144,31 @@ private slots:
     void theFieldKeepsTheFocus()
     {
         QSignalSpy com2(&model(), &SimulatorPageViewModel::setCom2FrequencyRequested);
-        m_harness->click(item(QStringLiteral("com2Field")));
-        m_harness->type(QStringLiteral("124.55"));
-        m_harness->click(item(QStringLiteral("com2Button")));
-        m_harness->type(QStringLiteral("118.1\t "));
-        QCOMPARE(com2, (QList<QVariantList>{{QStringLiteral("124.550")}, {QStringLiteral("118.100")}}));
-        QVERIFY(item(QStringLiteral("com2Field"))->hasActiveFocus()); // after the button's own key as well
+        m_harness->click(item(u"com2Field"_qs));
+        m_harness->type(u"124.55"_qs);
+        m_harness->click(item(u"com2Button"_qs));
+        m_harness->type(u"118.1\t "_qs);
+        QCOMPARE(com2, (QList<QVariantList>{{u"124.550"_qs}, {u"118.100"_qs}}));
+        QVERIFY(item(u"com2Field"_qs)->hasActiveFocus()); // after the button's own key as well
     }
 
     void withoutASimulatorNothingCanBeWritten()
     {
-        const QStringList names{QStringLiteral("com1"), QStringLiteral("com2"), QStringLiteral("transponder")};
+        const QStringList names{u"com1"_qs, u"com2"_qs, u"transponder"_qs};
         for (const QString &name : names)
-            item(name + QStringLiteral("Field"))->setProperty("text", name == names.last() ? u"2000"_qs : u"121.8"_qs);
+            item(name + u"Field"_qs)->setProperty("text", name == names.last() ? u"2000"_qs : u"121.8"_qs);
         for (const QString &name : names)
-            QVERIFY(item(name + QStringLiteral("Button"))->isEnabled());
+            QVERIFY(item(name + u"Button"_qs)->isEnabled());
         QSignalSpy com1(&model(), &SimulatorPageViewModel::setCom1FrequencyRequested);
-        item(QStringLiteral("com1Field"))->forceActiveFocus();
-        model().setSimulatorState(false, QStringLiteral("未连接"));
+        item(u"com1Field"_qs)->forceActiveFocus();
+        model().setSimulatorState(false, u"未连接"_qs);
         for (const QString &name : names)
-            QVERIFY(!item(name + QStringLiteral("Button"))->isEnabled());
-        QVERIFY(!item(QStringLiteral("identButton"))->isEnabled());
-        QVERIFY(!item(QStringLiteral("modeCButton"))->isEnabled());
+            QVERIFY(!item(name + u"Button"_qs)->isEnabled());
+        QVERIFY(!item(u"identButton"_qs)->isEnabled());
+        QVERIFY(!item(u"modeCButton"_qs)->isEnabled());
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
         QCOMPARE(com1.count(), 0);
-        QCOMPARE(item(QStringLiteral("com1Field"))->property("text").toString(), QStringLiteral("121.8"));
+        QCOMPARE(item(u"com1Field"_qs)->property("text").toString(), u"121.8"_qs);
     }
 
     void theKeyboardBringsTheEntriesIntoSight_data()
@@ -190,22 +183,22 @@ private slots:
         QFETCH(QSize, size);
         open(size);
         m_harness->settle();
-        QVERIFY(!inSight(QStringLiteral("com1Field")));
+        QVERIFY(!inSight(u"com1Field"_qs));
         for (const char16_t *name : {u"com1Field", u"com2Field", u"modeCButton", u"identButton", u"transponderField"}) {
             QVERIFY(m_harness->tabTo(QString::fromUtf16(name)));
             QVERIFY2(inSight(QString::fromUtf16(name)), qPrintable(QString::fromUtf16(name)));
         }
-        m_harness->type(QStringLiteral("2000\t"));
-        QVERIFY(item(QStringLiteral("transponderButton"))->hasActiveFocus());
+        m_harness->type(u"2000\t"_qs);
+        QVERIFY(item(u"transponderButton"_qs)->hasActiveFocus());
         m_harness->settle();
-        QVERIFY(inSight(QStringLiteral("transponderButton")));
+        QVERIFY(inSight(u"transponderButton"_qs));
     }
 
     void theMouseMovesNothingAway()
     {
         open({1000, 700});
-        QQuickItem *view = item(QStringLiteral("simulatorScroll"))->property("contentItem").value<QQuickItem *>();
-        QQuickItem *field = item(QStringLiteral("com1Field"));
+        QQuickItem *view = item(u"simulatorScroll"_qs)->property("contentItem").value<QQuickItem *>();
+        QQuickItem *field = item(u"com1Field"_qs);
         // So that just its upper half can be seen.
         const qreal top = field->mapToItem(view, QPointF()).y();
         view->setProperty("contentY", top + field->height() / 2 - view->height());
@@ -217,12 +210,12 @@ private slots:
     }
 
 private:
-    QString hint() { return item(QStringLiteral("com1Hint"))->property("text").toString(); }
+    QString hint() { return item(u"com1Hint"_qs)->property("text").toString(); }
 
     bool inSight(const QString &name)
     {
         const QQuickItem *field = item(name);
-        const QQuickItem *view = item(QStringLiteral("simulatorScroll"));
+        const QQuickItem *view = item(u"simulatorScroll"_qs);
         const QRectF box = field->mapRectToItem(view, QRectF(0, 0, field->width(), field->height()));
         return QRectF(0, 0, view->width(), view->height()).contains(box);
     }

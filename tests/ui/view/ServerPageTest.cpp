@@ -24,8 +24,8 @@ private slots:
     void init()
     {
         m_events = 0;
-        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"));
-        m_harness->openSection(QStringLiteral("服务器"));
+        m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs);
+        m_harness->openSection(u"服务器"_qs);
     }
 
     void cleanup()
@@ -36,31 +36,30 @@ private slots:
 
     void theCallsignIsTypedFirstAndShownUpperCase()
     {
-        m_harness->type(QStringLiteral("ces2352"));
-        QCOMPARE(model().callsign(), QStringLiteral("ces2352"));
+        m_harness->type(u"ces2352"_qs);
+        QCOMPARE(model().callsign(), u"ces2352"_qs);
         const QFont font = field("callsignField")->property("font").value<QFont>();
         QCOMPARE(font.capitalization(), QFont::AllUppercase);
     }
 
     void tabGoesThroughTheForm()
     {
-        m_harness->type(QStringLiteral("ces2352\t"));
+        m_harness->type(u"ces2352\t"_qs);
         QVERIFY(field("typeCodeField")->hasActiveFocus());
-        m_harness->type(QStringLiteral("b738\t"));
+        m_harness->type(u"b738\t"_qs);
         QVERIFY(field("selcalField")->hasActiveFocus());
-        m_harness->type(QStringLiteral("ab-cd\t"));
+        m_harness->type(u"ab-cd\t"_qs);
         QVERIFY(field("observerBox")->hasActiveFocus());
-        m_harness->type(QStringLiteral(" \t"));
+        m_harness->type(u" \t"_qs);
         QVERIFY(field("connectButton")->hasActiveFocus());
         QSignalSpy requested(&model(), &ServerPageViewModel::connectRequested);
-        m_harness->type(QStringLiteral(" "));
-        QCOMPARE(requested, (QList<QVariantList>{
-                                {QStringLiteral("ces2352"), QStringLiteral("b738"), QStringLiteral("ab-cd"), true}}));
+        m_harness->type(u" "_qs);
+        QCOMPARE(requested, (QList<QVariantList>{{u"ces2352"_qs, u"b738"_qs, u"ab-cd"_qs, true}}));
     }
 
     void theErrorStandsAtTheDisabledButton()
     {
-        m_harness->type(QStringLiteral("a"));
+        m_harness->type(u"a"_qs);
         const QQuickItem *error = field("formError");
         QVERIFY(error);
         QCOMPARE(error->property("text").toString(), model().formErrorText());
@@ -68,7 +67,7 @@ private slots:
         QVERIFY(!button->isEnabled());
         const qreal gap = error->mapToScene({}).y() - button->mapToScene(QPointF(0, button->height())).y();
         QVERIFY(gap >= 0 && gap < 24);
-        m_harness->type(QStringLiteral("b1234\tb738"));
+        m_harness->type(u"b1234\tb738"_qs);
         QVERIFY(button->isEnabled());
         QVERIFY(!field("formError"));
         QCOMPARE(field("modeHint")->property("text").toString(), model().modeHintText());
@@ -76,13 +75,13 @@ private slots:
 
     void aClickConnectsAndDisconnects()
     {
-        m_harness->type(QStringLiteral("ces2352\tb738\t"));
-        QCOMPARE(field("connectButton")->property("text").toString(), QStringLiteral("连接 X-Plane 网络"));
+        m_harness->type(u"ces2352\tb738\t"_qs);
+        QCOMPARE(field("connectButton")->property("text").toString(), u"连接 X-Plane 网络"_qs);
         QSignalSpy connects(&model(), &ServerPageViewModel::connectRequested);
         QSignalSpy disconnects(&model(), &ServerPageViewModel::disconnectRequested);
         m_harness->click(field("connectButton"));
         QCOMPARE(connects.count(), 1);
-        model().setServerState(true, QStringLiteral("已连接"));
+        model().setServerState(true, u"已连接"_qs);
         QVERIFY(!field("callsignField")->isEnabled());
         m_harness->click(field("connectButton"));
         QCOMPARE(disconnects.count(), 1);
@@ -91,9 +90,9 @@ private slots:
 
     void enterInAFieldConnects()
     {
-        model().setTypeCode(QStringLiteral("B738"));
+        model().setTypeCode(u"B738"_qs);
         QSignalSpy connects(&model(), &ServerPageViewModel::connectRequested);
-        m_harness->type(QStringLiteral("ces2352"));
+        m_harness->type(u"ces2352"_qs);
         QTest::keyClick(&m_harness->view, Qt::Key_Return);
         QCOMPARE(connects.count(), 1);
     }
@@ -102,25 +101,25 @@ private slots:
     {
         m_harness->click(field("observerBox"));
         QVERIFY(model().observerMode());
-        QCOMPARE(field("connectButton")->property("text").toString(), QStringLiteral("以观察员连接 X-Plane"));
+        QCOMPARE(field("connectButton")->property("text").toString(), u"以观察员连接 X-Plane"_qs);
         model().setObserverMode(false);
         QVERIFY(!field("observerBox")->property("checked").toBool());
     }
 
     void suggestionsAppearWhileTyping()
     {
-        m_harness->type(QStringLiteral("\tb73"));
+        m_harness->type(u"\tb73"_qs);
         QVERIFY(field("typeCodeField")->hasActiveFocus());
         QCOMPARE(model().typeCodeSuggestions().size(), 2);
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("L2J · WTC M")));
-        m_harness->grab(QStringLiteral("server-suggestions"));
+        TRY_VERIFY(m_harness->itemWithText(u"BOEING 737-800"_qs));
+        QVERIFY(m_harness->itemWithText(u"L2J · WTC M"_qs));
+        m_harness->grab(u"server-suggestions"_qs);
     }
 
     void aComposedTextCountsAsTyped()
     {
-        m_harness->type(QStringLiteral("\tb7"));
-        QInputMethodEvent composing(QStringLiteral("38"), {});
+        m_harness->type(u"\tb7"_qs);
+        QInputMethodEvent composing(u"38"_qs, {});
         QCoreApplication::sendEvent(field("typeCodeField"), &composing);
         QCOMPARE(model().typeCodeSuggestions().size(), 1);
     }
@@ -129,22 +128,22 @@ private slots:
     {
         QTest::addColumn<QList<int>>("keys");
         QTest::addColumn<QString>("typeCode");
-        QTest::newRow("down, Enter") << QList<int>{Qt::Key_Down, Qt::Key_Return} << QStringLiteral("B737");
+        QTest::newRow("down, Enter") << QList<int>{Qt::Key_Down, Qt::Key_Return} << u"B737"_qs;
         QTest::newRow("down twice, keypad Enter")
-            << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Enter} << QStringLiteral("B738");
+            << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Enter} << u"B738"_qs;
         QTest::newRow("down wraps") << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}
-                                    << QStringLiteral("B737");
-        QTest::newRow("up starts at the end") << QList<int>{Qt::Key_Up, Qt::Key_Return} << QStringLiteral("B738");
+                                    << u"B737"_qs;
+        QTest::newRow("up starts at the end") << QList<int>{Qt::Key_Up, Qt::Key_Return} << u"B738"_qs;
         QTest::newRow("Escape keeps what was typed")
-            << QList<int>{Qt::Key_Down, Qt::Key_Escape, Qt::Key_Return} << QStringLiteral("b73");
-        QTest::newRow("Enter without a choice") << QList<int>{Qt::Key_Return} << QStringLiteral("b73");
+            << QList<int>{Qt::Key_Down, Qt::Key_Escape, Qt::Key_Return} << u"b73"_qs;
+        QTest::newRow("Enter without a choice") << QList<int>{Qt::Key_Return} << u"b73"_qs;
     }
 
     void suggestionsByKeyboard()
     {
         QFETCH(QList<int>, keys);
         QFETCH(QString, typeCode);
-        m_harness->type(QStringLiteral("\tb73"));
+        m_harness->type(u"\tb73"_qs);
         for (const int key : keys)
             QTest::keyClick(&m_harness->view, Qt::Key(key));
         QCOMPARE(model().typeCode(), typeCode);
@@ -154,28 +153,28 @@ private slots:
 
     void aClickTakesASuggestion()
     {
-        m_harness->type(QStringLiteral("\tb73"));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
-        m_harness->click(m_harness->itemWithText(QStringLiteral("BOEING 737-800")));
-        QCOMPARE(model().typeCode(), QStringLiteral("B738"));
-        QCOMPARE(field("typeCodeField")->property("text").toString(), QStringLiteral("B738"));
+        m_harness->type(u"\tb73"_qs);
+        TRY_VERIFY(m_harness->itemWithText(u"BOEING 737-800"_qs));
+        m_harness->click(m_harness->itemWithText(u"BOEING 737-800"_qs));
+        QCOMPARE(model().typeCode(), u"B738"_qs);
+        QCOMPARE(field("typeCodeField")->property("text").toString(), u"B738"_qs);
     }
 
     void leavingTheFieldClosesTheSuggestions()
     {
-        m_harness->type(QStringLiteral("\tb73\t"));
+        m_harness->type(u"\tb73\t"_qs);
         QCOMPARE(model().typeCodeSuggestions(), QVariantList());
     }
 
     void theLogGrowsAtItsEnd()
     {
-        model().appendLog(QStringLiteral("一"));
-        model().appendLog(QStringLiteral("<i>二</i>"));
+        model().appendLog(u"一"_qs);
+        model().appendLog(u"<i>二</i>"_qs);
         QCOMPARE(logText(), model().serverLog());
         m_harness->click(field("clearLogButton"));
         QCOMPARE(logText(), QString());
         TRY_COMPARE(field("eventList")->property("count").toInt(), 1);
-        model().appendLog(QStringLiteral("三"));
+        model().appendLog(u"三"_qs);
         QCOMPARE(logText(), model().serverLog());
     }
 
@@ -197,7 +196,7 @@ private slots:
         QQuickItem *view = field("logView");
         QVERIFY(view->property("atEnd").toBool());
         QVERIFY(view->setProperty("contentY", 0.0));
-        model().appendLog(QStringLiteral("new"));
+        model().appendLog(u"new"_qs);
         QCOMPARE(view->property("contentY").toReal(), 0.0);
         QVERIFY(!view->property("atEnd").toBool());
     }
@@ -207,7 +206,7 @@ private slots:
         addEvents(100);
         TRY_COMPARE(field("eventList")->property("count").toInt(), 100);
         m_harness->settle();
-        QVERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
+        QVERIFY(m_harness->itemWithText(u"事件 99"_qs));
         QVERIFY(field("eventList")->setProperty("contentY", 600.0));
         m_harness->settle();
         const QString read = eventInSight();
@@ -223,19 +222,19 @@ private slots:
     void theNewestEventIsSeen()
     {
         addEvents(100);
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 99")));
+        TRY_VERIFY(m_harness->itemWithText(u"事件 99"_qs));
         m_harness->settle();
-        model().addRecentEvent(QStringLiteral("事件 100"), {}, {});
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 100")));
+        model().addRecentEvent(u"事件 100"_qs, {}, {});
+        TRY_VERIFY(m_harness->itemWithText(u"事件 100"_qs));
         m_harness->settle();
-        const QQuickItem *newest = m_harness->itemWithText(QStringLiteral("事件 100"));
+        const QQuickItem *newest = m_harness->itemWithText(u"事件 100"_qs);
         QVERIFY(newest->mapToItem(field("eventList"), QPointF()).y() >= 0);
     }
 
     void equalEventsAreAllThere()
     {
         for (int i = 1; i <= 5; ++i) {
-            model().addRecentEvent(QStringLiteral("同样"), QStringLiteral("同样"), {});
+            model().addRecentEvent(u"同样"_qs, u"同样"_qs, {});
             TRY_COMPARE(field("eventList")->property("count").toInt(), i);
         }
     }
@@ -248,7 +247,7 @@ private slots:
             for (int i = 0; i < 20; ++i) {
                 QElapsedTimer timer;
                 timer.start();
-                model().addRecentEvent(QStringLiteral("同样"), {}, {});
+                model().addRecentEvent(u"同样"_qs, {}, {});
                 m_harness->settle();
                 least = std::min(least, timer.nsecsElapsed());
             }
@@ -261,7 +260,7 @@ private slots:
         m_harness->settle();
         QCOMPARE(field("eventList")->property("count").toInt(), 2000);
         const qint64 many = cost();
-        QVERIFY2(many < 3 * few, qPrintable(QStringLiteral("%1 times").arg(double(many) / double(few))));
+        QVERIFY2(many < 3 * few, qPrintable(u"%1 times"_qs.arg(double(many) / double(few))));
     }
 
     void manyEventsStayBounded()
@@ -270,15 +269,15 @@ private slots:
         TRY_COMPARE(field("eventList")->property("count").toInt(), 1990);
         addEvents(50);
         TRY_COMPARE(field("eventList")->property("count").toInt(), 2000);
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("事件 2039")));
+        TRY_VERIFY(m_harness->itemWithText(u"事件 2039"_qs));
     }
 
     void aNewPageShowsTheWholeLog()
     {
-        model().appendLog(QStringLiteral("一"));
-        m_harness->openSection(QStringLiteral("总览"));
-        model().appendLog(QStringLiteral("二"));
-        m_harness->openSection(QStringLiteral("服务器"));
+        model().appendLog(u"一"_qs);
+        m_harness->openSection(u"总览"_qs);
+        model().appendLog(u"二"_qs);
+        m_harness->openSection(u"服务器"_qs);
         QCOMPARE(logText(), model().serverLog());
     }
 
@@ -288,7 +287,7 @@ private:
     void addEvents(int count)
     {
         for (int i = 0; i < count; ++i)
-            model().addRecentEvent(QStringLiteral("事件 %1").arg(m_events++), QStringLiteral("细节"), {});
+            model().addRecentEvent(u"事件 %1"_qs.arg(m_events++), u"细节"_qs, {});
     }
 
     /// The title of an event in the middle of the list.
@@ -298,8 +297,7 @@ private:
         const QRectF sight = list->mapRectToScene(QRectF(0, 30, list->width(), list->height() - 60));
         const QList<QQuickItem *> texts = m_harness->texts();
         for (const QQuickItem *text : texts)
-            if (text->property("text").toString().startsWith(QStringLiteral("事件 ")) &&
-                sight.contains(text->mapToScene({})))
+            if (text->property("text").toString().startsWith(u"事件 "_qs) && sight.contains(text->mapToScene({})))
                 return text->property("text").toString();
         return {};
     }

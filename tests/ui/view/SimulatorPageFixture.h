@@ -35,9 +35,9 @@ class SimulatorPageFixture
 protected:
     void open(QSize size = {1280, 1300})
     {
-        m_harness = std::make_unique<PageHarness>(QStringLiteral("XPLANE"), size);
-        m_harness->fillSimulator(QStringLiteral("XPLANE"));
-        m_harness->openSection(QStringLiteral("模拟器"));
+        m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs, size);
+        m_harness->fillSimulator(u"XPLANE"_qs);
+        m_harness->openSection(u"模拟器"_qs);
     }
 
     ui::SimulatorPageViewModel &model() { return m_harness->simulator(); }

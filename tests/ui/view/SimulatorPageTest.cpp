@@ -34,17 +34,15 @@ private slots:
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QStringList>("shown");
         QTest::addColumn<QStringList>("hidden");
-        const QStringList xplane{
-            QStringLiteral("X-Plane 飞行状态"), QStringLiteral("交通目标"), QStringLiteral("X-Plane 无线电控制"),
-            QStringLiteral("灯光与发动机"),     QStringLiteral("会话状态"), QStringLiteral("X-Plane 插件状态"),
-            QStringLiteral("插件状态"),         QStringLiteral("CSL 状态"), QStringLiteral("映射状态"),
-            QStringLiteral("X-Plane 版本"),     QStringLiteral("暂停"),     QStringLiteral("地面状态"),
-            QStringLiteral("起落架"),           QStringLiteral("航电"),     QStringLiteral("X-Plane 120105")};
-        const QStringList msfs{QStringLiteral("飞行姿态"), QStringLiteral("MSFS 交通快照"),
-                               QStringLiteral("无线电与应答机"), QStringLiteral("机体与灯光"),
-                               QStringLiteral("发动机")};
-        QTest::newRow("X-Plane") << QStringLiteral("XPLANE") << xplane << msfs;
-        QTest::newRow("MSFS") << QStringLiteral("MSFS") << msfs << xplane;
+        const QStringList xplane{u"X-Plane 飞行状态"_qs, u"交通目标"_qs, u"X-Plane 无线电控制"_qs,
+                                 u"灯光与发动机"_qs,     u"会话状态"_qs, u"X-Plane 插件状态"_qs,
+                                 u"插件状态"_qs,         u"CSL 状态"_qs, u"映射状态"_qs,
+                                 u"X-Plane 版本"_qs,     u"暂停"_qs,     u"地面状态"_qs,
+                                 u"起落架"_qs,           u"航电"_qs,     u"X-Plane 120105"_qs};
+        const QStringList msfs{u"飞行姿态"_qs, u"MSFS 交通快照"_qs, u"无线电与应答机"_qs, u"机体与灯光"_qs,
+                               u"发动机"_qs};
+        QTest::newRow("X-Plane") << u"XPLANE"_qs << xplane << msfs;
+        QTest::newRow("MSFS") << u"MSFS"_qs << msfs << xplane;
     }
 
     void theModeChoosesTheCards()
@@ -62,8 +60,8 @@ private slots:
     void bothModesShowEveryReading_data()
     {
         QTest::addColumn<QString>("mode");
-        QTest::newRow("X-Plane") << QStringLiteral("XPLANE");
-        QTest::newRow("MSFS") << QStringLiteral("MSFS");
+        QTest::newRow("X-Plane") << u"XPLANE"_qs;
+        QTest::newRow("MSFS") << u"MSFS"_qs;
     }
 
     void bothModesShowEveryReading()
@@ -105,11 +103,11 @@ private slots:
 
     void withoutALinkTheReadingsAreDashes()
     {
-        model().setSimulatorState(false, QStringLiteral("未连接"));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("无姿态数据")));
-        QVERIFY(!m_harness->itemWithText(QStringLiteral("8,243 ft")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("暂无运动数据")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("未检测到发动机")));
+        model().setSimulatorState(false, u"未连接"_qs);
+        QVERIFY(m_harness->itemWithText(u"无姿态数据"_qs));
+        QVERIFY(!m_harness->itemWithText(u"8,243 ft"_qs));
+        QVERIFY(m_harness->itemWithText(u"暂无运动数据"_qs));
+        QVERIFY(m_harness->itemWithText(u"未检测到发动机"_qs));
     }
 
     void buttonsAsk()
@@ -118,27 +116,27 @@ private slots:
         QSignalSpy ident(&model(), &SimulatorPageViewModel::transponderIdentRequested);
         QSignalSpy mode(&model(), &SimulatorPageViewModel::transponderModeToggleRequested);
         QSignalSpy com2(&model(), &SimulatorPageViewModel::setCom2FrequencyRequested);
-        m_harness->click(item(QStringLiteral("reconnectButton")));
+        m_harness->click(item(u"reconnectButton"_qs));
         QCOMPARE(reconnect.count(), 1);
-        m_harness->click(item(QStringLiteral("identButton")));
+        m_harness->click(item(u"identButton"_qs));
         QCOMPARE(ident.count(), 1);
-        m_harness->click(item(QStringLiteral("modeCButton")));
+        m_harness->click(item(u"modeCButton"_qs));
         QCOMPARE(mode.count(), 1);
-        m_harness->click(item(QStringLiteral("com2Field")));
-        m_harness->type(QStringLiteral("124.55"));
-        m_harness->click(item(QStringLiteral("com2Button")));
-        QCOMPARE(com2, (QList<QVariantList>{{QStringLiteral("124.550")}}));
+        m_harness->click(item(u"com2Field"_qs));
+        m_harness->type(u"124.55"_qs);
+        m_harness->click(item(u"com2Button"_qs));
+        QCOMPARE(com2, (QList<QVariantList>{{u"124.550"_qs}}));
     }
 
     void theTransponderButtonsAreLitByTheSimulator()
     {
-        QVERIFY(item(QStringLiteral("modeCButton"))->property("lit").toBool());
-        QVERIFY(!item(QStringLiteral("identButton"))->property("lit").toBool());
+        QVERIFY(item(u"modeCButton"_qs)->property("lit").toBool());
+        QVERIFY(!item(u"identButton"_qs)->property("lit").toBool());
         tarvo::model::RadioStackState radio;
         radio.squawkingIdent = true;
         model().setOwnAircraft({}, {}, radio, false);
-        QVERIFY(!item(QStringLiteral("modeCButton"))->property("lit").toBool());
-        QVERIFY(item(QStringLiteral("identButton"))->property("lit").toBool());
+        QVERIFY(!item(u"modeCButton"_qs)->property("lit").toBool());
+        QVERIFY(item(u"identButton"_qs)->property("lit").toBool());
     }
 
     void anAttitudeIsBoundedOrAbsent_data()
@@ -159,10 +157,10 @@ private slots:
         QFETCH(double, pitch);
         QFETCH(double, bank);
         fly(pitch, bank);
-        const QQuickItem *horizon = item(QStringLiteral("horizon"));
+        const QQuickItem *horizon = item(u"horizon"_qs);
         QTEST(horizon->property("pitch").toDouble(), "drawnPitch");
         QTEST(horizon->property("bank").toDouble(), "drawnBank");
-        QTEST(m_harness->itemWithText(QStringLiteral("无姿态数据")) == nullptr, "known");
+        QTEST(m_harness->itemWithText(u"无姿态数据"_qs) == nullptr, "known");
     }
 
     void theHorizonFollowsTheAttitude_data()
@@ -185,12 +183,12 @@ private slots:
         QFETCH(double, bank);
         QFETCH(QList<double>, ground);
         fly(pitch, bank);
-        const QImage picture = m_harness->grab(QStringLiteral("simulator-attitude"));
+        const QImage picture = m_harness->grab(u"simulator-attitude"_qs);
         const QRectF halves[] = {
             {0.3, 0.25, 0.4, 0.25}, {0.3, 0.5, 0.4, 0.25}, {0.3, 0.25, 0.2, 0.5}, {0.5, 0.25, 0.2, 0.5}};
         for (int i = 0; i < 4; ++i) {
             const double share = groundShare(picture, halves[i]);
-            QVERIFY2(std::abs(share - ground.at(i)) < 0.2, qPrintable(QStringLiteral("%1: %2").arg(i).arg(share)));
+            QVERIFY2(std::abs(share - ground.at(i)) < 0.2, qPrintable(u"%1: %2"_qs.arg(i).arg(share)));
         }
     }
 
@@ -200,13 +198,11 @@ private slots:
         QTest::addColumn<QString>("speed");
         QTest::addColumn<QString>("altitude");
         QTest::addColumn<QString>("heading");
-        const QString none = QStringLiteral("--");
-        QTest::newRow("usual") << 268.4 << QStringLiteral("268") << QStringLiteral("881") << QStringLiteral("268°");
-        QTest::newRow("rounded up") << 359.7 << QStringLiteral("360") << QStringLiteral("1180")
-                                    << QStringLiteral("360°");
-        QTest::newRow("small") << 5.0 << QStringLiteral("5") << QStringLiteral("16") << QStringLiteral("005°");
-        QTest::newRow("a hair below nothing")
-            << -0.1 << QStringLiteral("0") << QStringLiteral("0") << QStringLiteral("360°");
+        const QString none = u"--"_qs;
+        QTest::newRow("usual") << 268.4 << u"268"_qs << u"881"_qs << u"268°"_qs;
+        QTest::newRow("rounded up") << 359.7 << u"360"_qs << u"1180"_qs << u"360°"_qs;
+        QTest::newRow("small") << 5.0 << u"5"_qs << u"16"_qs << u"005°"_qs;
+        QTest::newRow("a hair below nothing") << -0.1 << u"0"_qs << u"0"_qs << u"360°"_qs;
         QTest::newRow("unknown") << notANumber << none << none << none;
     }
 
@@ -217,25 +213,25 @@ private slots:
         aircraft.groundSpeed = value;
         aircraft.altitudeMslM = value;
         model().setOwnAircraft(aircraft, {}, {}, false);
-        QTEST(windowOf(QStringLiteral("speedTape")), "speed");
-        QTEST(windowOf(QStringLiteral("altitudeTape")), "altitude");
-        QTEST(item(QStringLiteral("headingWindow"))->property("text").toString(), "heading");
+        QTEST(windowOf(u"speedTape"_qs), "speed");
+        QTEST(windowOf(u"altitudeTape"_qs), "altitude");
+        QTEST(item(u"headingWindow"_qs)->property("text").toString(), "heading");
     }
 
     void aPauseIsWrittenOnTheDisplay()
     {
-        QVERIFY(m_harness->itemWithText(QStringLiteral("运行中")));
+        QVERIFY(m_harness->itemWithText(u"运行中"_qs));
         model().setOwnAircraft(ownAircraft(0), {}, {}, true);
         int shown = 0;
         const QList<QQuickItem *> texts = m_harness->texts();
         for (const QQuickItem *text : texts)
-            shown += text->property("text").toString() == QStringLiteral("已暂停");
+            shown += text->property("text").toString() == u"已暂停"_qs;
         QCOMPARE(shown, 2); // on the display and in the session's card
     }
 
     void foreignTextIsPlain()
     {
-        const QString hostile = QStringLiteral("<b>甲</b><img src='file:///etc/passwd'>");
+        const QString hostile = u"<b>甲</b><img src='file:///etc/passwd'>"_qs;
         model().setTrafficMappingStatus(hostile);
         model().setSimulatorState(true, hostile);
         RemoteAircraft aircraft = remoteAircraft(hostile, 31.1, 121);
@@ -268,7 +264,7 @@ private slots:
                                         number, number, number, number, number, number, number, number, number};
         model().setOwnAircraft(aircraft, {}, {}, false);
         m_harness->fillTraffic(3);
-        QVERIFY(!m_harness->grab(QStringLiteral("simulator-absurd")).isNull());
+        QVERIFY(!m_harness->grab(u"simulator-absurd"_qs).isNull());
         const QList<QQuickItem *> texts = m_harness->texts();
         for (const QQuickItem *text : texts) {
             const QString shown = text->property("text").toString();
@@ -312,7 +308,7 @@ private:
     /// How much of a part of the horizon, in fractions of it, is drawn brown.
     double groundShare(const QImage &picture, QRectF part)
     {
-        const QQuickItem *horizon = item(QStringLiteral("horizon"));
+        const QQuickItem *horizon = item(u"horizon"_qs);
         const double scale = picture.devicePixelRatio();
         const QRectF box =
             horizon->mapRectToScene(QRectF(part.x() * horizon->width(), part.y() * horizon->height(),
@@ -327,7 +323,7 @@ private:
 
     QString windowOf(const QString &tape)
     {
-        const QList<QQuickItem *> windows = m_harness->items(QStringLiteral("tapeWindow"));
+        const QList<QQuickItem *> windows = m_harness->items(u"tapeWindow"_qs);
         for (const QQuickItem *window : windows)
             if (item(tape)->isAncestorOf(window))
                 return window->property("text").toString();

@@ -16,8 +16,7 @@ namespace {
 QString callsign(int i)
 {
     const char *const airlines[] = {"CES", "CCA", "CSN", "CSC", "CHH"};
-    return i == 3 ? QStringLiteral("CCAWMDG_2352")
-                  : QLatin1String(airlines[i % 5]) + QString::number(101 + 379 * i % 8900);
+    return i == 3 ? u"CCAWMDG_2352"_qs : QLatin1String(airlines[i % 5]) + QString::number(101 + 379 * i % 8900);
 }
 
 /// Two rows of stands beside the own aircraft, as seen from the middle of the apron.
@@ -71,10 +70,10 @@ private slots:
         QTest::addColumn<QSize>("size");
         QTest::addColumn<int>("atLeast"); // callsigns
         for (const QSize size : {QSize(1000, 700), QSize(1280, 800), QSize(1920, 1080)}) {
-            QTest::addRow("apron %d", size.width()) << QStringLiteral("apron") << 40 << 0 << size << 8;
-            QTest::addRow("airport %d", size.width()) << QStringLiteral("airport") << 20 << 20 << size << 12;
-            QTest::addRow("area %d", size.width()) << QStringLiteral("area") << 0 << 60 << size << 20;
-            QTest::addRow("too many %d", size.width()) << QStringLiteral("too-many") << 80 << 120 << size << 12;
+            QTest::addRow("apron %d", size.width()) << u"apron"_qs << 40 << 0 << size << 8;
+            QTest::addRow("airport %d", size.width()) << u"airport"_qs << 20 << 20 << size << 12;
+            QTest::addRow("area %d", size.width()) << u"area"_qs << 0 << 60 << size << 20;
+            QTest::addRow("too many %d", size.width()) << u"too-many"_qs << 80 << 120 << size << 12;
         }
     }
 
@@ -87,8 +86,8 @@ private slots:
         QFETCH(int, atLeast);
         open(size);
         show(onStands, inFlight);
-        m_harness->grab(QStringLiteral("crowd-%1-%2").arg(name).arg(size.width()));
-        const QList<QQuickItem *> contacts = m_harness->items(QStringLiteral("radarContact"));
+        m_harness->grab(u"crowd-%1-%2"_qs.arg(name).arg(size.width()));
+        const QList<QQuickItem *> contacts = m_harness->items(u"radarContact"_qs);
         QCOMPARE(contacts.size(), onStands + inFlight);
         for (const QQuickItem *contact : contacts)
             QVERIFY(glass().contains(contact->mapToScene(QPointF())));
@@ -125,7 +124,7 @@ private slots:
         model().setRemoteAircraft({aircraft("CES1", 31.02), aircraft("CES2", 31.0201), aircraft("CES9", 31.1)});
         m_harness->settle();
         const QStringList before = names();
-        QVERIFY(before.contains(QStringLiteral("CES1")));
+        QVERIFY(before.contains(u"CES1"_qs));
         model().setRemoteAircraft({aircraft("CES2", 31.0199), aircraft("CES1", 31.02), aircraft("CES9", 31.1)});
         m_harness->settle();
         QCOMPARE(names(), before);
@@ -135,45 +134,45 @@ private slots:
     {
         open();
         show(20, 20);
-        QVERIFY(!item(QStringLiteral("radarTip")));
-        const QList<QQuickItem *> contacts = m_harness->items(QStringLiteral("radarContact"));
+        QVERIFY(!item(u"radarTip"_qs));
+        const QList<QQuickItem *> contacts = m_harness->items(u"radarContact"_qs);
         QCOMPARE(contacts.size(), 40);
         const QQuickItem *contact = contacts.at(30); // far out, with nobody near
         pointAt(contact->mapToScene(QPointF(3, 3)));
-        const QQuickItem *tip = item(QStringLiteral("radarTip"));
+        const QQuickItem *tip = item(u"radarTip"_qs);
         QVERIFY(tip);
         const QString callsign = contact->property("callsign").toString();
         const QString height = contact->property("heightText").toString();
-        QVERIFY(m_harness->itemWithText(callsign + QStringLiteral("  ") + height));
+        QVERIFY(m_harness->itemWithText(callsign + u"  "_qs + height));
         QVERIFY(glass().contains(tip->mapRectToScene(QRectF(0, 0, tip->width(), tip->height()))));
         pointAt(glass().topLeft() + QPointF(30, 30));
-        QVERIFY(!item(QStringLiteral("radarTip")));
+        QVERIFY(!item(u"radarTip"_qs));
         pointAt(contact->mapToScene(QPointF()));
-        QVERIFY(item(QStringLiteral("radarTip")));
+        QVERIFY(item(u"radarTip"_qs));
         model().setRemoteAircraft({});
         m_harness->settle();
-        QVERIFY(!item(QStringLiteral("radarTip")));
+        QVERIFY(!item(u"radarTip"_qs));
     }
 
     void aTapTellsWhoItIs()
     {
         open();
         show(0, 12);
-        const QList<QQuickItem *> contacts = m_harness->items(QStringLiteral("radarContact"));
+        const QList<QQuickItem *> contacts = m_harness->items(u"radarContact"_qs);
         QCOMPARE(contacts.size(), 12);
         tap(contacts.at(5)->mapToScene(QPointF()));
-        QVERIFY(item(QStringLiteral("radarTip")));
+        QVERIFY(item(u"radarTip"_qs));
         tap(glass().topLeft() + QPointF(30, 30));
-        QVERIFY(!item(QStringLiteral("radarTip")));
+        QVERIFY(!item(u"radarTip"_qs));
     }
 
     void hostileCallsignsBreakNothing_data()
     {
         QTest::addColumn<QString>("callsign");
         QTest::newRow("10,000 letters") << QString(10'000, u'W');
-        QTest::newRow("markup") << QStringLiteral("<h1>BIG</h1><img src=x>");
-        QTest::newRow("right to left") << QString(QChar(0x202e)) + QStringLiteral("CES") + QString(40, QChar(0x05d0));
-        QTest::newRow("line breaks") << QStringLiteral("CES\nCCA\u2028CSN\u2029CHH");
+        QTest::newRow("markup") << u"<h1>BIG</h1><img src=x>"_qs;
+        QTest::newRow("right to left") << QString(QChar(0x202e)) + u"CES"_qs + QString(40, QChar(0x05d0));
+        QTest::newRow("line breaks") << u"CES\nCCA\u2028CSN\u2029CHH"_qs;
         QTest::newRow("nothing") << QString();
         QTest::newRow("combining") << QString(200, QChar(0x0301));
         QTest::newRow("half a letter at the cut") << QString(39, u'A') + QString::fromUcs4(U"\U0001F6E9\U0001F6E9");
@@ -189,12 +188,12 @@ private slots:
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);
         model().setRemoteAircraft(around);
         m_harness->settle();
-        QCOMPARE(m_harness->items(QStringLiteral("radarContact")).size(), 12);
+        QCOMPARE(m_harness->items(u"radarContact"_qs).size(), 12);
         QCOMPARE(heaps(), QStringList());
         QVERIFY(names().size() >= 8);
-        const QQuickItem *contact = m_harness->items(QStringLiteral("radarContact")).first();
+        const QQuickItem *contact = m_harness->items(u"radarContact"_qs).first();
         pointAt(contact->mapToScene(QPointF()));
-        const QQuickItem *tip = item(QStringLiteral("radarTip"));
+        const QQuickItem *tip = item(u"radarTip"_qs);
         QVERIFY(tip);
         QVERIFY(glass().contains(tip->mapRectToScene(QRectF(0, 0, tip->width(), tip->height()))));
     }
@@ -221,13 +220,13 @@ private:
         m_harness->settle();
     }
 
-    QRectF glass() { return box(item(QStringLiteral("trafficRadar"))); }
+    QRectF glass() { return box(item(u"trafficRadar"_qs)); }
 
     /// The callsigns that are to be read, sorted.
     QStringList names()
     {
         QStringList found;
-        const QList<QQuickItem *> texts = m_harness->items(QStringLiteral("radarName"));
+        const QList<QQuickItem *> texts = m_harness->items(u"radarName"_qs);
         for (const QQuickItem *text : texts)
             found << text->property("text").toString();
         found.sort();
@@ -238,20 +237,19 @@ private:
     QStringList heaps()
     {
         QStringList found;
-        const QList<QQuickItem *> contacts = m_harness->items(QStringLiteral("radarContact"));
-        const QList<QQuickItem *> labels =
-            m_harness->items(QStringLiteral("radarName")) + m_harness->items(QStringLiteral("radarAltitude"));
+        const QList<QQuickItem *> contacts = m_harness->items(u"radarContact"_qs);
+        const QList<QQuickItem *> labels = m_harness->items(u"radarName"_qs) + m_harness->items(u"radarAltitude"_qs);
         for (qsizetype i = 0; i < labels.size(); ++i) {
             const QQuickItem *label = labels.at(i);
             const QString text = label->property("text").toString().left(20);
             if (!glass().contains(box(label)))
-                found << text + QStringLiteral(" outside");
+                found << text + u" outside"_qs;
             for (qsizetype j = 0; j < i; ++j)
                 if (box(label).intersects(box(labels.at(j))))
-                    found << text + QStringLiteral(" on ") + labels.at(j)->property("text").toString().left(20);
+                    found << text + u" on "_qs + labels.at(j)->property("text").toString().left(20);
             for (const QQuickItem *contact : contacts)
                 if (distance(contact) < distance(label->parentItem()) && box(label).intersects(mark(contact)))
-                    found << text + QStringLiteral(" on a symbol");
+                    found << text + u" on a symbol"_qs;
         }
         return found;
     }

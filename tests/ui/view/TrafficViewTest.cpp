@@ -49,22 +49,22 @@ private slots:
         QFETCH(double, longitude);
         QFETCH(QPointF, direction);
         model().setOwnAircraft(ownAircraft(heading), {}, {}, false);
-        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), latitude, longitude)});
-        const QQuickItem *contact = item(QStringLiteral("radarContact"));
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, latitude, longitude)});
+        const QQuickItem *contact = item(u"radarContact"_qs);
         QVERIFY(contact);
         const QPointF seen = contact->position() / std::hypot(contact->x(), contact->y());
         QVERIFY2(std::hypot(seen.x() - direction.x(), seen.y() - direction.y()) < 0.01,
-                 qPrintable(QStringLiteral("%1 %2").arg(seen.x()).arg(seen.y())));
+                 qPrintable(u"%1 %2"_qs.arg(seen.x()).arg(seen.y())));
     }
 
     void theRangeFollowsTheTraffic_data()
     {
         QTest::addColumn<double>("distanceNm");
         QTest::addColumn<QString>("range");
-        QTest::newRow("close") << 1.5 << QStringLiteral("量程 2 NM");
-        QTest::newRow("near") << 7.0 << QStringLiteral("量程 10 NM");
-        QTest::newRow("far") << 55.0 << QStringLiteral("量程 80 NM");
-        QTest::newRow("beyond all rings") << 900.0 << QStringLiteral("量程 320 NM");
+        QTest::newRow("close") << 1.5 << u"量程 2 NM"_qs;
+        QTest::newRow("near") << 7.0 << u"量程 10 NM"_qs;
+        QTest::newRow("far") << 55.0 << u"量程 80 NM"_qs;
+        QTest::newRow("beyond all rings") << 900.0 << u"量程 320 NM"_qs;
     }
 
     void theRangeFollowsTheTraffic()
@@ -72,10 +72,10 @@ private slots:
         QFETCH(double, distanceNm);
         QFETCH(QString, range);
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);
-        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31 + distanceNm / 60, 121)});
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31 + distanceNm / 60, 121)});
         QVERIFY(m_harness->itemWithText(range));
-        QVERIFY(item(QStringLiteral("radarContact")));
-        QVERIFY(m_harness->itemWithText(QStringLiteral("附近 1 个交通目标")));
+        QVERIFY(item(u"radarContact"_qs));
+        QVERIFY(m_harness->itemWithText(u"附近 1 个交通目标"_qs));
     }
 
     void heightsAreInHundredsOfFeet_data()
@@ -83,10 +83,10 @@ private slots:
         QTest::addColumn<double>("altitudeMslM");
         QTest::addColumn<QString>("symbol");
         QTest::addColumn<QString>("row");
-        QTest::newRow("above") << 1365.76 << QStringLiteral("+12") << QStringLiteral("+1200 ft");
-        QTest::newRow("below") << 695.2 << QStringLiteral("−10") << QStringLiteral("-1000 ft");
-        QTest::newRow("level") << 1000.0 << QStringLiteral("00") << QStringLiteral("0 ft");
-        QTest::newRow("a hair below") << 999.0 << QStringLiteral("00") << QStringLiteral("0 ft");
+        QTest::newRow("above") << 1365.76 << u"+12"_qs << u"+1200 ft"_qs;
+        QTest::newRow("below") << 695.2 << u"−10"_qs << u"-1000 ft"_qs;
+        QTest::newRow("level") << 1000.0 << u"00"_qs << u"0 ft"_qs;
+        QTest::newRow("a hair below") << 999.0 << u"00"_qs << u"0 ft"_qs;
     }
 
     void heightsAreInHundredsOfFeet()
@@ -95,31 +95,31 @@ private slots:
         QFETCH(QString, symbol);
         QFETCH(QString, row);
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);
-        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31.1, 121, altitudeMslM)});
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31.1, 121, altitudeMslM)});
         TRY_VERIFY(m_harness->itemWithText(symbol));
         TRY_VERIFY(m_harness->itemWithText(row));
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("6.0 NM")));
+        TRY_VERIFY(m_harness->itemWithText(u"6.0 NM"_qs));
     }
 
     void theListGrowsAndShrinks()
     {
-        QQuickItem *list = item(QStringLiteral("trafficList"));
+        QQuickItem *list = item(u"trafficList"_qs);
         QCOMPARE(list->property("count").toInt(), 0);
         m_harness->fillTraffic(300);
         QCOMPARE(list->property("count").toInt(), 200);
-        model().setRemoteAircraft({remoteAircraft(QStringLiteral("CES1"), 31.1, 121)});
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31.1, 121)});
         QCOMPARE(list->property("count").toInt(), 1);
         model().setRemoteAircraft({});
-        QVERIFY(m_harness->itemWithText(QStringLiteral("附近暂无交通目标")));
-        QVERIFY(!item(QStringLiteral("radarContact")));
+        QVERIFY(m_harness->itemWithText(u"附近暂无交通目标"_qs));
+        QVERIFY(!item(u"radarContact"_qs));
     }
 
     void aSnapshotWithoutAnOwnPositionShowsItsLabels()
     {
-        model().setMode(QStringLiteral("MSFS"));
-        model().setTrafficContacts({QVariantMap{{QStringLiteral("label"), QStringLiteral("OBJ-7")}}, QVariant(3)});
-        TRY_VERIFY(m_harness->itemWithText(QStringLiteral("OBJ-7")));
-        QCOMPARE(item(QStringLiteral("trafficList"))->property("count").toInt(), 2);
+        model().setMode(u"MSFS"_qs);
+        model().setTrafficContacts({QVariantMap{{u"label"_qs, u"OBJ-7"_qs}}, QVariant(3)});
+        TRY_VERIFY(m_harness->itemWithText(u"OBJ-7"_qs));
+        QCOMPARE(item(u"trafficList"_qs)->property("count").toInt(), 2);
     }
 
     void aReaderOfTheListIsLeftThere_data()
@@ -135,7 +135,7 @@ private slots:
     {
         QFETCH(int, before);
         QFETCH(int, after);
-        QQuickItem *list = item(QStringLiteral("trafficList"));
+        QQuickItem *list = item(u"trafficList"_qs);
         m_harness->fillTraffic(before);
         m_harness->settle();
         QVERIFY(list->setProperty("contentY", 300.0));
@@ -149,7 +149,7 @@ private slots:
     void symbolsStayWhileTrafficComesAndGoes()
     {
         m_harness->fillTraffic(3);
-        const QPointer<QQuickItem> first = item(QStringLiteral("radarContact"));
+        const QPointer<QQuickItem> first = item(u"radarContact"_qs);
         QVERIFY(first);
         for (const int count : {12, 13, 12, 50, 51, 50, 200, 1}) {
             m_harness->fillTraffic(count);
@@ -170,7 +170,7 @@ private slots:
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);
         model().setRemoteAircraft(around);
         m_harness->settle();
-        const QQuickItem *glass = item(QStringLiteral("trafficRadar"));
+        const QQuickItem *glass = item(u"trafficRadar"_qs);
         const QRectF inside = glass->mapRectToScene(QRectF(0, 0, glass->width(), glass->height()));
         int named = 0;
         const QList<QQuickItem *> texts = m_harness->texts();
@@ -185,7 +185,7 @@ private slots:
     }
 
 private:
-    int symbols() { return int(m_harness->items(QStringLiteral("radarContact")).size()); }
+    int symbols() { return int(m_harness->items(u"radarContact"_qs).size()); }
 };
 
 TARVO_TEST(TrafficViewTest)

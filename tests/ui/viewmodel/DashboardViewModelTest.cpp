@@ -36,7 +36,7 @@ private slots:
         DashboardViewModel model;
         QSignalSpy told(&model, &DashboardViewModel::userInfoChanged);
         for (int i = 0; i < 2; ++i)
-            model.setUserInfo(QString(100'000, u'x'), QStringLiteral("1"), QStringLiteral("2"));
+            model.setUserInfo(QString(100'000, u'x'), u"1"_qs, u"2"_qs);
         QCOMPARE(model.username(), QString(64, u'x'));
         QCOMPARE(told.count(), 1);
     }
@@ -49,47 +49,37 @@ private slots:
         const auto row = [](const char *name, const char *signal, const Action &set, const QVariantMap &stored) {
             QTest::newRow(name) << set << QByteArray(signal) << stored;
         };
-        const QString text = QStringLiteral("甲");
-        row("user, all three", "userInfoChanged",
-            [=](auto &m) { m.setUserInfo(text, QStringLiteral("CID: 1"), QStringLiteral("S2")); },
-            {{QStringLiteral("username"), text},
-             {QStringLiteral("cid"), QStringLiteral("CID: 1")},
-             {QStringLiteral("rating"), QStringLiteral("S2")}});
-        row("name only", "userInfoChanged",
-            [=](auto &m) { m.setUserInfo(text, QStringLiteral("--"), QStringLiteral("--")); },
-            {{QStringLiteral("username"), text}});
-        row("number only", "userInfoChanged",
-            [=](auto &m) { m.setUserInfo(QStringLiteral("游客"), text, QStringLiteral("--")); },
-            {{QStringLiteral("cid"), text}});
-        row("rating only", "userInfoChanged",
-            [=](auto &m) { m.setUserInfo(QStringLiteral("游客"), QStringLiteral("--"), text); },
-            {{QStringLiteral("rating"), text}});
-        row("pilot time", "userInfoChanged", [=](auto &m) { m.setTimes(text, QStringLiteral("0小时 0分")); },
-            {{QStringLiteral("pilotTime"), text}, {QStringLiteral("atcTime"), QStringLiteral("0小时 0分")}});
-        row("controller time", "userInfoChanged", [=](auto &m) { m.setTimes(QStringLiteral("0小时 0分"), text); },
-            {{QStringLiteral("atcTime"), text}});
-        row("avatar", "userInfoChanged", [=](auto &m) { m.setAvatarUrl(text); }, {{QStringLiteral("avatarUrl"), text}});
-        row("mode", "currentModeChanged", [](auto &m) { m.setCurrentMode(QStringLiteral("XPLANE")); },
-            {{QStringLiteral("currentMode"), QStringLiteral("XPLANE")}});
-        row("simulator flag", "simulatorStateChanged",
-            [](auto &m) { m.setSimulatorState(true, QStringLiteral("未连接")); },
-            {{QStringLiteral("simulatorConnected"), true}});
+        const QString text = u"甲"_qs;
+        row("user, all three", "userInfoChanged", [=](auto &m) { m.setUserInfo(text, u"CID: 1"_qs, u"S2"_qs); },
+            {{u"username"_qs, text}, {u"cid"_qs, u"CID: 1"_qs}, {u"rating"_qs, u"S2"_qs}});
+        row("name only", "userInfoChanged", [=](auto &m) { m.setUserInfo(text, u"--"_qs, u"--"_qs); },
+            {{u"username"_qs, text}});
+        row("number only", "userInfoChanged", [=](auto &m) { m.setUserInfo(u"游客"_qs, text, u"--"_qs); },
+            {{u"cid"_qs, text}});
+        row("rating only", "userInfoChanged", [=](auto &m) { m.setUserInfo(u"游客"_qs, u"--"_qs, text); },
+            {{u"rating"_qs, text}});
+        row("pilot time", "userInfoChanged", [=](auto &m) { m.setTimes(text, u"0小时 0分"_qs); },
+            {{u"pilotTime"_qs, text}, {u"atcTime"_qs, u"0小时 0分"_qs}});
+        row("controller time", "userInfoChanged", [=](auto &m) { m.setTimes(u"0小时 0分"_qs, text); },
+            {{u"atcTime"_qs, text}});
+        row("avatar", "userInfoChanged", [=](auto &m) { m.setAvatarUrl(text); }, {{u"avatarUrl"_qs, text}});
+        row("mode", "currentModeChanged", [](auto &m) { m.setCurrentMode(u"XPLANE"_qs); },
+            {{u"currentMode"_qs, u"XPLANE"_qs}});
+        row("simulator flag", "simulatorStateChanged", [](auto &m) { m.setSimulatorState(true, u"未连接"_qs); },
+            {{u"simulatorConnected"_qs, true}});
         row("simulator text", "simulatorStateChanged", [=](auto &m) { m.setSimulatorState(false, text); },
-            {{QStringLiteral("simulatorStatusText"), text}});
-        row("server flag", "serverStateChanged", [](auto &m) { m.setServerState(true, QStringLiteral("未连接")); },
-            {{QStringLiteral("serverConnected"), true}});
+            {{u"simulatorStatusText"_qs, text}});
+        row("server flag", "serverStateChanged", [](auto &m) { m.setServerState(true, u"未连接"_qs); },
+            {{u"serverConnected"_qs, true}});
         row("server text", "serverStateChanged", [=](auto &m) { m.setServerState(false, text); },
-            {{QStringLiteral("serverStatusText"), text}});
-        row("latitude", "flightDataChanged", [](auto &m) { m.setFlightData(1, 0, 0, 0, 0); },
-            {{QStringLiteral("latitude"), 1.0}});
+            {{u"serverStatusText"_qs, text}});
+        row("latitude", "flightDataChanged", [](auto &m) { m.setFlightData(1, 0, 0, 0, 0); }, {{u"latitude"_qs, 1.0}});
         row("longitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 2, 0, 0, 0); },
-            {{QStringLiteral("longitude"), 2.0}});
-        row("altitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 3, 0, 0); },
-            {{QStringLiteral("altitude"), 3.0}});
-        row("heading", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 4, 0); },
-            {{QStringLiteral("heading"), 4.0}});
+            {{u"longitude"_qs, 2.0}});
+        row("altitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 3, 0, 0); }, {{u"altitude"_qs, 3.0}});
+        row("heading", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 4, 0); }, {{u"heading"_qs, 4.0}});
         row("ground speed", "flightDataChanged", [](auto &m) { m.setFlightData(0, 0, 0, 0, 5); },
-            {{QStringLiteral("groundSpeed"), 5.0}});
+            {{u"groundSpeed"_qs, 5.0}});
         row("flights", "recentFlightsChanged",
             [=](auto &m) {
                 m.setRecentFlights({{text, u"03-01"_qs, u"1小时"_qs}});
@@ -125,10 +115,10 @@ private slots:
         tarvo::test::ManualClock clock(QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5)).toMSecsSinceEpoch());
         DashboardViewModel model(nullptr, clock);
         QSignalSpy spy(&model, &DashboardViewModel::serverLogChanged);
-        model.appendServerLog(QStringLiteral("一"));
+        model.appendServerLog(u"一"_qs);
         clock.advance(61'000);
-        model.appendServerLog(QStringLiteral("二"));
-        QCOMPARE(model.serverLog(), QStringLiteral("[03:04:05] 一\n[03:05:06] 二"));
+        model.appendServerLog(u"二"_qs);
+        QCOMPARE(model.serverLog(), u"[03:04:05] 一\n[03:05:06] 二"_qs);
         QCOMPARE(spy.count(), 2);
     }
 
@@ -139,16 +129,15 @@ private slots:
         QSignalSpy connects(&model, &DashboardViewModel::serverConnectRequest);
         QSignalSpy disconnects(&model, &DashboardViewModel::serverDisconnectRequest);
         QSignalSpy reconnects(&model, &DashboardViewModel::simulatorReconnectRequest);
-        model.requestModeChange(QStringLiteral("XPLANE"));
-        model.requestServerConnect(QStringLiteral("CCA1"), QStringLiteral("B738"), QStringLiteral("AB-CD"), true);
+        model.requestModeChange(u"XPLANE"_qs);
+        model.requestServerConnect(u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs, true);
         model.requestServerDisconnect();
         model.requestSimulatorReconnect();
-        QCOMPARE(mode, (QList<QVariantList>{{QStringLiteral("XPLANE")}}));
-        QCOMPARE(connects, (QList<QVariantList>{
-                               {QStringLiteral("CCA1"), QStringLiteral("B738"), QStringLiteral("AB-CD"), true}}));
+        QCOMPARE(mode, (QList<QVariantList>{{u"XPLANE"_qs}}));
+        QCOMPARE(connects, (QList<QVariantList>{{u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs, true}}));
         QCOMPARE(disconnects.count(), 1);
         QCOMPARE(reconnects.count(), 1);
-        QCOMPARE(model.currentMode(), QStringLiteral("NONE"));
+        QCOMPARE(model.currentMode(), u"NONE"_qs);
     }
 };
 

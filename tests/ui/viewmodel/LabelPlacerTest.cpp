@@ -37,12 +37,9 @@ QList<PlotSymbol> crowd(int count, unsigned seed)
         const double away = 150 * fraction() * fraction();
         const double angle = 2 * std::numbers::pi * fraction();
         const QSizeF text(30 + 55 * fraction(), 13);
-        symbols << PlotSymbol{QStringLiteral("CES%1").arg(i),
-                              {away * std::sin(angle), away * std::cos(angle)},
-                              away,
-                              text,
-                              altitudeSize,
-                              random() % 2 == 0};
+        symbols << PlotSymbol{
+            u"CES%1"_qs.arg(i), {away * std::sin(angle), away * std::cos(angle)}, away, text, altitudeSize,
+            random() % 2 == 0};
     }
     return symbols;
 }
@@ -80,22 +77,22 @@ QList<Box> boxes(const QList<PlotSymbol> &symbols, const QList<PlotLabel> &label
 QString faults(const QList<PlotSymbol> &symbols, const QList<PlotLabel> &labels, const QList<QRectF> &taken = {})
 {
     if (labels.size() != symbols.size())
-        return QStringLiteral("not one for each");
+        return u"not one for each"_qs;
     const QList<Box> all = boxes(symbols, labels);
     for (qsizetype i = 0; i < all.size(); ++i) {
         const Box &box = all.at(i);
         if (!glass.contains(box.area))
-            return QStringLiteral("outside the glass");
+            return u"outside the glass"_qs;
         for (qsizetype j = 0; j < i; ++j)
             if (all.at(j).area.intersects(box.area))
-                return QStringLiteral("labels of %1 and %2 overlap").arg(all.at(j).owner).arg(box.owner);
+                return u"labels of %1 and %2 overlap"_qs.arg(all.at(j).owner).arg(box.owner);
         for (const QRectF &area : taken)
             if (area.intersects(box.area))
-                return QStringLiteral("label of %1 on what is taken").arg(box.owner);
+                return u"label of %1 on what is taken"_qs.arg(box.owner);
         for (const PlotSymbol &other : symbols)
             if (other.distance < symbols.at(box.owner).distance &&
                 QRectF(other.at - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach)).intersects(box.area))
-                return QStringLiteral("label of %1 on a nearer symbol").arg(box.owner);
+                return u"label of %1 on a nearer symbol"_qs.arg(box.owner);
     }
     return {};
 }
@@ -399,7 +396,7 @@ private slots:
     {
         QList<PlotSymbol> symbols;
         for (int i = 0; i < 500; ++i)
-            symbols << PlotSymbol{QStringLiteral("CES"), {30, 30}, 1, nameSize, altitudeSize, i % 2 == 0};
+            symbols << PlotSymbol{u"CES"_qs, {30, 30}, 1, nameSize, altitudeSize, i % 2 == 0};
         LabelPlacer placer;
         for (int round = 0; round < 3; ++round) {
             const QList<PlotLabel> labels = placer.place(symbols, glass, {});

@@ -24,33 +24,33 @@ private slots:
     {
         LineLog log;
         const qint64 evening = QDateTime(QDate(2024, 3, 9), QTime(21, 4, 7)).toMSecsSinceEpoch();
-        QCOMPARE(log.append(evening, QStringLiteral("晚上")), QStringLiteral("[21:04:07] 晚上"));
-        QCOMPARE(log.text(), QStringLiteral("[21:04:07] 晚上"));
+        QCOMPARE(log.append(evening, u"晚上"_qs), u"[21:04:07] 晚上"_qs);
+        QCOMPARE(log.text(), u"[21:04:07] 晚上"_qs);
         QVERIFY(!log.isEmpty());
     }
 
     void joinsLinesByALineFeed()
     {
         LineLog log;
-        log.append(noon(), QStringLiteral("a"));
+        log.append(noon(), u"a"_qs);
         log.append(noon(), QString());
-        log.append(noon(), QStringLiteral("c"));
-        QCOMPARE(log.text(), QStringLiteral("[12:00:00] a\n[12:00:00] \n[12:00:00] c"));
+        log.append(noon(), u"c"_qs);
+        QCOMPARE(log.text(), u"[12:00:00] a\n[12:00:00] \n[12:00:00] c"_qs);
     }
 
     void aTextIsOneLine_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("line");
-        QTest::newRow("line feed") << QStringLiteral("a\nb") << QStringLiteral("[12:00:00] a b");
-        QTest::newRow("carriage return and line feed") << QStringLiteral("a\r\nb") << QStringLiteral("[12:00:00] a  b");
-        QTest::newRow("line separator") << QStringLiteral(u"a\u2028b") << QStringLiteral("[12:00:00] a b");
-        QTest::newRow("paragraph separator") << QStringLiteral(u"a\u2029b") << QStringLiteral("[12:00:00] a b");
-        QTest::newRow("markup stays") << QStringLiteral("<b>a</b>") << QStringLiteral("[12:00:00] <b>a</b>");
+        QTest::newRow("line feed") << u"a\nb"_qs << u"[12:00:00] a b"_qs;
+        QTest::newRow("carriage return and line feed") << u"a\r\nb"_qs << u"[12:00:00] a  b"_qs;
+        QTest::newRow("line separator") << QStringLiteral(u"a\u2028b") << u"[12:00:00] a b"_qs;
+        QTest::newRow("paragraph separator") << QStringLiteral(u"a\u2029b") << u"[12:00:00] a b"_qs;
+        QTest::newRow("markup stays") << u"<b>a</b>"_qs << u"[12:00:00] <b>a</b>"_qs;
         QTest::newRow("the longest") << QString(LineLog::maximumLineLength, u'x')
-                                     << QStringLiteral("[12:00:00] ") + QString(LineLog::maximumLineLength, u'x');
+                                     << u"[12:00:00] "_qs + QString(LineLog::maximumLineLength, u'x');
         QTest::newRow("one too long") << QString(LineLog::maximumLineLength + 1, u'x')
-                                      << QStringLiteral("[12:00:00] ") + QString(LineLog::maximumLineLength, u'x');
+                                      << u"[12:00:00] "_qs + QString(LineLog::maximumLineLength, u'x');
     }
 
     void aTextIsOneLine()
@@ -69,14 +69,14 @@ private slots:
             log.append(noon(), QString::number(i));
         const QStringList lines = log.text().split(u'\n');
         QCOMPARE(lines.size(), LineLog::maximumLines);
-        QCOMPARE(lines.constFirst(), QStringLiteral("[12:00:00] 1"));
-        QCOMPARE(lines.constLast(), QStringLiteral("[12:00:00] %1").arg(LineLog::maximumLines));
+        QCOMPARE(lines.constFirst(), u"[12:00:00] 1"_qs);
+        QCOMPARE(lines.constLast(), u"[12:00:00] %1"_qs.arg(LineLog::maximumLines));
     }
 
     void clearForgetsAll()
     {
         LineLog log;
-        log.append(noon(), QStringLiteral("a"));
+        log.append(noon(), u"a"_qs);
         log.clear();
         QVERIFY(log.isEmpty());
         QCOMPARE(log.text(), QString());

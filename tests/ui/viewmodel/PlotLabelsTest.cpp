@@ -17,7 +17,7 @@ QStringList numbered(int count)
 {
     QStringList found;
     for (int i = 0; i < count; ++i)
-        found << QStringLiteral("CES%1").arg(i);
+        found << u"CES%1"_qs.arg(i);
     return found;
 }
 
@@ -43,7 +43,7 @@ private slots:
     void whatIsTakenStaysFree()
     {
         PlotLabels labels;
-        const QVariantList taken{QRectF(60, -10, 50, 20), QStringLiteral("no rectangle")};
+        const QVariantList taken{QRectF(60, -10, 50, 20), u"no rectangle"_qs};
         const QList<qreal> places = labels.place(numbered(1), {50, 0, 1, 40, 0, 0}, 13, plot, taken);
         QCOMPARE(places.size(), 3);
         QVERIFY(std::isfinite(places.at(0)) && places.at(0) != 11);

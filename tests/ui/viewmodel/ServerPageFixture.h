@@ -27,8 +27,8 @@ public:
 private:
     static QString write(const QString &folder, const QByteArray &typeData)
     {
-        QDir(folder).mkpath(QStringLiteral("resources"));
-        QFile file(folder + QStringLiteral("/resources/Doc8643.txt"));
+        QDir(folder).mkpath(u"resources"_qs);
+        QFile file(folder + u"/resources/Doc8643.txt"_qs);
         if (!typeData.isEmpty() && file.open(QIODevice::WriteOnly))
             file.write(typeData);
         return folder;

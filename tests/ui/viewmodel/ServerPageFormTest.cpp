@@ -57,12 +57,12 @@ private slots:
     void theStartHintComesBackAsTheOtherText()
     {
         ServerPageFixture fixture;
-        QCOMPARE(fixture.model.modeHintText(), QStringLiteral("请先选择模拟平台。"));
-        fixture.model.setCurrentMode(QStringLiteral("NONE")); // no change
-        QCOMPARE(fixture.model.modeHintText(), QStringLiteral("请先选择模拟平台。"));
-        fixture.model.setCurrentMode(QStringLiteral("XPLANE"));
-        fixture.model.setCurrentMode(QStringLiteral("NONE"));
-        QCOMPARE(fixture.model.modeHintText(), QStringLiteral("请先选择模拟器平台。"));
+        QCOMPARE(fixture.model.modeHintText(), u"请先选择模拟平台。"_qs);
+        fixture.model.setCurrentMode(u"NONE"_qs); // no change
+        QCOMPARE(fixture.model.modeHintText(), u"请先选择模拟平台。"_qs);
+        fixture.model.setCurrentMode(u"XPLANE"_qs);
+        fixture.model.setCurrentMode(u"NONE"_qs);
+        QCOMPARE(fixture.model.modeHintText(), u"请先选择模拟器平台。"_qs);
     }
 
     void formErrors_data()
@@ -73,46 +73,44 @@ private slots:
         QTest::addColumn<QString>("type");
         QTest::addColumn<bool>("observer");
         QTest::addColumn<QString>("error");
-        const QString idle = QStringLiteral("已断开");
-        const QString connecting = QStringLiteral("正在连接服务器，请等待当前连接完成。");
-        const QString empty = QStringLiteral("请先填写呼号。");
-        const QString bad = QStringLiteral("呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。");
-        const QString noType = QStringLiteral("飞行员模式需要填写机型代码。");
-        const QString type = QStringLiteral("B738");
+        const QString idle = u"已断开"_qs;
+        const QString connecting = u"正在连接服务器，请等待当前连接完成。"_qs;
+        const QString empty = u"请先填写呼号。"_qs;
+        const QString bad = u"呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。"_qs;
+        const QString noType = u"飞行员模式需要填写机型代码。"_qs;
+        const QString type = u"B738"_qs;
         const auto callsign = [&](const char *name, const QString &text, const QString &error) {
             QTest::newRow(name) << idle << false << text << type << false << error;
         };
-        callsign("upper case", QStringLiteral("CCA1234"), {});
-        callsign("lower case", QStringLiteral("cca1234"), {});
-        callsign("underscore", QStringLiteral("ZBAA_TWR"), {});
-        callsign("shortest", QStringLiteral("AB"), {});
-        callsign("longest", QStringLiteral("ABCDEFGHIJKL"), {});
+        callsign("upper case", u"CCA1234"_qs, {});
+        callsign("lower case", u"cca1234"_qs, {});
+        callsign("underscore", u"ZBAA_TWR"_qs, {});
+        callsign("shortest", u"AB"_qs, {});
+        callsign("longest", u"ABCDEFGHIJKL"_qs, {});
         callsign("empty", QString(), empty);
-        callsign("one letter", QStringLiteral("A"), bad);
-        callsign("thirteen letters", QStringLiteral("ABCDEFGHIJKLM"), bad);
-        callsign("a blank inside", QStringLiteral("CCA 1234"), bad);
-        callsign("a blank before", QStringLiteral(" CCA1234"), bad);
-        callsign("a blank behind", QStringLiteral("CCA1234 "), bad);
-        callsign("only a blank", QStringLiteral(" "), bad);
-        callsign("a line feed behind", QStringLiteral("CCA1234\n"), bad);
-        callsign("a hyphen", QStringLiteral("B-2352"), bad);
-        callsign("a colon", QStringLiteral("CCA:1"), bad);
-        callsign("Chinese", QStringLiteral("国航1234"), bad);
-        callsign("full-width letters", QStringLiteral("ＣＣＡ"), bad);
-        const QString good = QStringLiteral("CCA1234");
+        callsign("one letter", u"A"_qs, bad);
+        callsign("thirteen letters", u"ABCDEFGHIJKLM"_qs, bad);
+        callsign("a blank inside", u"CCA 1234"_qs, bad);
+        callsign("a blank before", u" CCA1234"_qs, bad);
+        callsign("a blank behind", u"CCA1234 "_qs, bad);
+        callsign("only a blank", u" "_qs, bad);
+        callsign("a line feed behind", u"CCA1234\n"_qs, bad);
+        callsign("a hyphen", u"B-2352"_qs, bad);
+        callsign("a colon", u"CCA:1"_qs, bad);
+        callsign("Chinese", u"国航1234"_qs, bad);
+        callsign("full-width letters", u"ＣＣＡ"_qs, bad);
+        const QString good = u"CCA1234"_qs;
         QTest::newRow("pilot without a type") << idle << false << good << QString() << false << noType;
         QTest::newRow("observer without a type") << idle << false << good << QString() << true << QString();
         QTest::newRow("observer with a type") << idle << false << good << type << true << QString();
         QTest::newRow("connecting hides the rest")
-            << QStringLiteral("连接中...") << false << QString() << QString() << false << connecting;
-        QTest::newRow("connecting, good form")
-            << QStringLiteral("连接中...") << false << good << type << false << connecting;
-        QTest::newRow("disconnecting") << QStringLiteral("断开中...") << false << good << type << false
-                                       << QStringLiteral("正在断开服务器，请稍后再连接。");
+            << u"连接中..."_qs << false << QString() << QString() << false << connecting;
+        QTest::newRow("connecting, good form") << u"连接中..."_qs << false << good << type << false << connecting;
+        QTest::newRow("disconnecting") << u"断开中..."_qs << false << good << type << false
+                                       << u"正在断开服务器，请稍后再连接。"_qs;
         QTest::newRow("connected checks nothing")
-            << QStringLiteral("已连接") << true << QString() << QString() << false << QString();
-        QTest::newRow("connected while disconnecting")
-            << QStringLiteral("断开中...") << true << good << type << false << QString();
+            << u"已连接"_qs << true << QString() << QString() << false << QString();
+        QTest::newRow("connected while disconnecting") << u"断开中..."_qs << true << good << type << false << QString();
     }
 
     void formErrors()
@@ -145,23 +143,23 @@ private slots:
         QVERIFY(!fixture.model.canConnect());
         fixture.model.setCallsign(QString()); // no change
         QCOMPARE(fixture.model.formErrorText(), QString());
-        fixture.model.setSelcal(QStringLiteral("AB-CD"));
-        QCOMPARE(fixture.model.formErrorText(), QStringLiteral("请先填写呼号。"));
+        fixture.model.setSelcal(u"AB-CD"_qs);
+        QCOMPARE(fixture.model.formErrorText(), u"请先填写呼号。"_qs);
     }
 
     void theServersStateIsPartOfTheForm()
     {
         ServerPageFixture fixture;
         ServerPageViewModel &model = fixture.model;
-        model.setCallsign(QStringLiteral("CCA1"));
-        model.setTypeCode(QStringLiteral("B738"));
+        model.setCallsign(u"CCA1"_qs);
+        model.setTypeCode(u"B738"_qs);
         QVERIFY(model.canConnect());
         QSignalSpy form(&model, &ServerPageViewModel::formChanged);
-        model.setServerState(false, QStringLiteral("连接中..."));
+        model.setServerState(false, u"连接中..."_qs);
         QVERIFY(!model.canConnect());
-        model.setServerState(true, QStringLiteral("已连接"));
+        model.setServerState(true, u"已连接"_qs);
         QVERIFY(!model.canConnect());
-        model.setServerState(false, QStringLiteral("已断开"));
+        model.setServerState(false, u"已断开"_qs);
         QVERIFY(model.canConnect());
         QCOMPARE(form.count(), 3);
     }
@@ -170,14 +168,13 @@ private slots:
     {
         ServerPageFixture fixture;
         ServerPageViewModel &model = fixture.model;
-        model.setCallsign(QStringLiteral("cca1234"));
-        model.setTypeCode(QStringLiteral("b738"));
-        model.setSelcal(QStringLiteral("AB-CD"));
+        model.setCallsign(u"cca1234"_qs);
+        model.setTypeCode(u"b738"_qs);
+        model.setSelcal(u"AB-CD"_qs);
         model.setObserverMode(true);
         QSignalSpy requested(&model, &ServerPageViewModel::connectRequested);
         model.requestConnect();
-        QCOMPARE(requested, (QList<QVariantList>{
-                                {QStringLiteral("cca1234"), QStringLiteral("b738"), QStringLiteral("AB-CD"), true}}));
+        QCOMPARE(requested, (QList<QVariantList>{{u"cca1234"_qs, u"b738"_qs, u"AB-CD"_qs, true}}));
     }
 
     void aFieldTellsOnlyAChange_data()
@@ -185,7 +182,7 @@ private slots:
         QTest::addColumn<QByteArray>("field");
         QTest::addColumn<QVariant>("value");
         for (const char *field : {"callsign", "typeCode", "selcal"})
-            QTest::newRow(field) << QByteArray(field) << QVariant(QStringLiteral("AB"));
+            QTest::newRow(field) << QByteArray(field) << QVariant(u"AB"_qs);
         for (const char *field : {"observerMode", "coordinatedVoice"})
             QTest::newRow(field) << QByteArray(field) << QVariant(true);
     }

@@ -29,14 +29,14 @@ private slots:
     {
         ServerPageFixture fixture;
         QSignalSpy state(&fixture.model, &ServerPageViewModel::serverStateChanged);
-        fixture.model.setServerState(false, QStringLiteral("未连接"));
+        fixture.model.setServerState(false, u"未连接"_qs);
         QCOMPARE(state.count(), 0);
-        fixture.model.setServerState(true, QStringLiteral("未连接"));
-        fixture.model.setServerState(true, QStringLiteral("已连接"));
-        fixture.model.setServerState(true, QStringLiteral("已连接"));
+        fixture.model.setServerState(true, u"未连接"_qs);
+        fixture.model.setServerState(true, u"已连接"_qs);
+        fixture.model.setServerState(true, u"已连接"_qs);
         QCOMPARE(state.count(), 2);
         QVERIFY(fixture.model.serverConnected());
-        QCOMPARE(fixture.model.serverStatusText(), QStringLiteral("已连接"));
+        QCOMPARE(fixture.model.serverStatusText(), u"已连接"_qs);
         fixture.model.setConnectedAsObserver(true);
         fixture.model.setConnectedAsObserver(true);
         QCOMPARE(state.count(), 3);
@@ -47,10 +47,10 @@ private slots:
     {
         ServerPageFixture fixture;
         QSignalSpy spy(&fixture.model, &ServerPageViewModel::endpointChanged);
-        fixture.model.setEndpoint(QStringLiteral("127.0.0.1:6809"));
-        fixture.model.setEndpoint(QStringLiteral("127.0.0.1:6809"));
+        fixture.model.setEndpoint(u"127.0.0.1:6809"_qs);
+        fixture.model.setEndpoint(u"127.0.0.1:6809"_qs);
         QCOMPARE(spy.count(), 1);
-        QCOMPARE(fixture.model.endpoint(), QStringLiteral("127.0.0.1:6809"));
+        QCOMPARE(fixture.model.endpoint(), u"127.0.0.1:6809"_qs);
     }
 
     void protocolHasTwoLabels()
@@ -60,9 +60,9 @@ private slots:
         fixture.model.setVatsimProtocol(false);
         QCOMPARE(spy.count(), 0);
         fixture.model.setVatsimProtocol(true);
-        QCOMPARE(fixture.model.protocolLabel(), QStringLiteral("VATSIM 协议"));
+        QCOMPARE(fixture.model.protocolLabel(), u"VATSIM 协议"_qs);
         fixture.model.setVatsimProtocol(false);
-        QCOMPARE(fixture.model.protocolLabel(), QStringLiteral("经典协议"));
+        QCOMPARE(fixture.model.protocolLabel(), u"经典协议"_qs);
         QCOMPARE(spy.count(), 2);
     }
 
@@ -70,12 +70,12 @@ private slots:
     {
         ServerPageFixture fixture;
         QSignalSpy spy(&fixture.model, &ServerPageViewModel::profileChanged);
-        fixture.model.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZBAA"));
-        fixture.model.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZBAA"));
-        fixture.model.setProfile(QStringLiteral("欧阳靖远"), QStringLiteral("ZSPD"));
+        fixture.model.setProfile(u"欧阳靖远"_qs, u"ZBAA"_qs);
+        fixture.model.setProfile(u"欧阳靖远"_qs, u"ZBAA"_qs);
+        fixture.model.setProfile(u"欧阳靖远"_qs, u"ZSPD"_qs);
         QCOMPARE(spy.count(), 2);
-        QCOMPARE(fixture.model.realName(), QStringLiteral("欧阳靖远"));
-        QCOMPARE(fixture.model.homeAirport(), QStringLiteral("ZSPD"));
+        QCOMPARE(fixture.model.realName(), u"欧阳靖远"_qs);
+        QCOMPARE(fixture.model.homeAirport(), u"ZSPD"_qs);
     }
 
     void requestDisconnectAlwaysEmits()
@@ -91,42 +91,41 @@ private slots:
         ServerPageFixture fixture;
         QStringList told;
         connect(&fixture.model, &ServerPageViewModel::logLineAdded, this, [&](const QString &line) { told << line; });
-        connect(&fixture.model, &ServerPageViewModel::logChanged, this, [&] { told << QStringLiteral("changed"); });
-        fixture.model.appendLog(QStringLiteral("甲"));
+        connect(&fixture.model, &ServerPageViewModel::logChanged, this, [&] { told << u"changed"_qs; });
+        fixture.model.appendLog(u"甲"_qs);
         fixture.clock.advance(3'000);
-        fixture.model.appendLog(QStringLiteral("乙"));
-        QCOMPARE(fixture.model.serverLog(), QStringLiteral("[21:04:07] 甲\n[21:04:10] 乙"));
-        QCOMPARE(told, (QStringList{QStringLiteral("[21:04:07] 甲"), QStringLiteral("changed"),
-                                    QStringLiteral("[21:04:10] 乙"), QStringLiteral("changed")}));
+        fixture.model.appendLog(u"乙"_qs);
+        QCOMPARE(fixture.model.serverLog(), u"[21:04:07] 甲\n[21:04:10] 乙"_qs);
+        QCOMPARE(told, (QStringList{u"[21:04:07] 甲"_qs, u"changed"_qs, u"[21:04:10] 乙"_qs, u"changed"_qs}));
     }
 
     void theNewestEventStandsFirst()
     {
         ServerPageFixture fixture;
         QSignalSpy spy(&fixture.model, &ServerPageViewModel::recentEventsChanged);
-        fixture.model.addRecentEvent(QStringLiteral("一"), QStringLiteral("细节"), QStringLiteral("网络"));
+        fixture.model.addRecentEvent(u"一"_qs, u"细节"_qs, u"网络"_qs);
         fixture.clock.advance(1'000);
-        fixture.model.addRecentEvent(QStringLiteral("二"), QString(), QStringLiteral("系统"));
+        fixture.model.addRecentEvent(u"二"_qs, QString(), u"系统"_qs);
         QCOMPARE(spy.count(), 2);
         const QVariantList events = fixture.model.recentEvents();
         QCOMPARE(events.size(), 2);
-        QCOMPARE(events.at(0).toMap(), (QVariantMap{{QStringLiteral("time"), QStringLiteral("21:04:08")},
-                                                    {QStringLiteral("title"), QStringLiteral("二")},
-                                                    {QStringLiteral("detail"), QString()},
-                                                    {QStringLiteral("tag"), QStringLiteral("系统")}}));
-        QCOMPARE(field(events.at(1), "title"), QStringLiteral("一"));
+        QCOMPARE(events.at(0).toMap(), (QVariantMap{{u"time"_qs, u"21:04:08"_qs},
+                                                    {u"title"_qs, u"二"_qs},
+                                                    {u"detail"_qs, QString()},
+                                                    {u"tag"_qs, u"系统"_qs}}));
+        QCOMPARE(field(events.at(1), "title"), u"一"_qs);
     }
 
     void anEventIsOneLineOfBoundedLength()
     {
         ServerPageFixture fixture;
-        fixture.model.addRecentEvent(QStringLiteral("a\r\nb"), QString(100'000, u'x'), QString());
-        fixture.model.addRecentEvent(QString(100'000, u'y'), QStringLiteral("c\u2028d\u2029e"), QString());
+        fixture.model.addRecentEvent(u"a\r\nb"_qs, QString(100'000, u'x'), QString());
+        fixture.model.addRecentEvent(QString(100'000, u'y'), u"c\u2028d\u2029e"_qs, QString());
         const QVariantList events = fixture.model.recentEvents();
-        QCOMPARE(field(events.at(1), "title"), QStringLiteral("a  b"));
+        QCOMPARE(field(events.at(1), "title"), u"a  b"_qs);
         QCOMPARE(field(events.at(1), "detail"), QString(500, u'x'));
         QCOMPARE(field(events.at(0), "title"), QString(200, u'y'));
-        QCOMPARE(field(events.at(0), "detail"), QStringLiteral("c d e"));
+        QCOMPARE(field(events.at(0), "detail"), u"c d e"_qs);
     }
 
     void keepsTheNewestEvents()
@@ -136,15 +135,15 @@ private slots:
             fixture.model.addRecentEvent(QString::number(i), {}, {});
         const QVariantList events = fixture.model.recentEvents();
         QCOMPARE(events.size(), 2000);
-        QCOMPARE(field(events.constFirst(), "title"), QStringLiteral("2000"));
-        QCOMPARE(field(events.constLast(), "title"), QStringLiteral("1"));
+        QCOMPARE(field(events.constFirst(), "title"), u"2000"_qs);
+        QCOMPARE(field(events.constLast(), "title"), u"1"_qs);
     }
 
     void clearLeavesItsOwnEvent()
     {
         ServerPageFixture fixture;
-        fixture.model.appendLog(QStringLiteral("甲"));
-        fixture.model.addRecentEvent(QStringLiteral("一"), {}, {});
+        fixture.model.appendLog(u"甲"_qs);
+        fixture.model.addRecentEvent(u"一"_qs, {}, {});
         QSignalSpy cleared(&fixture.model, &ServerPageViewModel::logCleared);
         QSignalSpy log(&fixture.model, &ServerPageViewModel::logChanged);
         fixture.model.clearServerLog();
@@ -152,10 +151,10 @@ private slots:
         QCOMPARE(log.count(), 1);
         QCOMPARE(fixture.model.serverLog(), QString());
         QCOMPARE(fixture.model.recentEvents(),
-                 QVariantList{(QVariantMap{{QStringLiteral("time"), QStringLiteral("21:04:07")},
-                                           {QStringLiteral("title"), QStringLiteral("日志已清空")},
-                                           {QStringLiteral("detail"), QStringLiteral("服务器日志和最近事件已重置。")},
-                                           {QStringLiteral("tag"), QStringLiteral("系统")}})});
+                 QVariantList{(QVariantMap{{u"time"_qs, u"21:04:07"_qs},
+                                           {u"title"_qs, u"日志已清空"_qs},
+                                           {u"detail"_qs, u"服务器日志和最近事件已重置。"_qs},
+                                           {u"tag"_qs, u"系统"_qs}})});
         fixture.model.clearServerLog();
         QCOMPARE(fixture.model.recentEvents().size(), 1);
         QCOMPARE(log.count(), 1); // it was empty
@@ -165,15 +164,13 @@ private slots:
     {
         QTest::addColumn<QString>("query");
         QTest::addColumn<QStringList>("rows"); // designator|title|detail
-        const QString b737 = QStringLiteral("B737|BOEING 737-700|L2J · WTC M");
-        const QString b738 = QStringLiteral("B738|BOEING 737-800|L2J · WTC M");
-        QTest::newRow("exact, lower case, blanks around") << QStringLiteral("  b738 ") << QStringList{b738};
-        QTest::newRow("prefix") << QStringLiteral("B73")
-                                << QStringList{b737, b738, QStringLiteral("B739||L2J"),
-                                               QStringLiteral("B73X|BOEING|WTC M")};
-        QTest::newRow("no match") << QStringLiteral("ZZZZ") << QStringList();
+        const QString b737 = u"B737|BOEING 737-700|L2J · WTC M"_qs;
+        const QString b738 = u"B738|BOEING 737-800|L2J · WTC M"_qs;
+        QTest::newRow("exact, lower case, blanks around") << u"  b738 "_qs << QStringList{b738};
+        QTest::newRow("prefix") << u"B73"_qs << QStringList{b737, b738, u"B739||L2J"_qs, u"B73X|BOEING|WTC M"_qs};
+        QTest::newRow("no match") << u"ZZZZ"_qs << QStringList();
         QTest::newRow("empty") << QString() << QStringList();
-        QTest::newRow("only blanks") << QStringLiteral("   ") << QStringList();
+        QTest::newRow("only blanks") << u"   "_qs << QStringList();
     }
 
     void suggestions()
@@ -181,7 +178,7 @@ private slots:
         QFETCH(QString, query);
         QFETCH(QStringList, rows);
         ServerPageFixture fixture{QByteArray(typeTable)};
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("B7"));
+        fixture.model.refreshTypeCodeSuggestions(u"B7"_qs);
         fixture.model.refreshTypeCodeSuggestions(query);
         QStringList found;
         const QVariantList suggestions = fixture.model.typeCodeSuggestions();
@@ -196,31 +193,31 @@ private slots:
         for (char c = 'A'; c <= 'Z'; ++c)
             table += QByteArray("M\tmodel\tB7") + c + "A\tL2J\tM\n";
         ServerPageFixture fixture(table);
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("B7"));
+        fixture.model.refreshTypeCodeSuggestions(u"B7"_qs);
         QCOMPARE(fixture.model.typeCodeSuggestions().size(), 10);
     }
 
     void noTypeDataNoSuggestions()
     {
         ServerPageFixture fixture;
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("B738"));
+        fixture.model.refreshTypeCodeSuggestions(u"B738"_qs);
         QCOMPARE(fixture.model.typeCodeSuggestions(), QVariantList());
     }
 
     void applyingASuggestionStoresItAndClosesTheList()
     {
         ServerPageFixture fixture{QByteArray(typeTable)};
-        fixture.model.setCallsign(QStringLiteral("CCA1"));
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("B73"));
+        fixture.model.setCallsign(u"CCA1"_qs);
+        fixture.model.refreshTypeCodeSuggestions(u"B73"_qs);
         QSignalSpy form(&fixture.model, &ServerPageViewModel::formChanged);
         QSignalSpy list(&fixture.model, &ServerPageViewModel::typeCodeSuggestionsChanged);
-        fixture.model.applyTypeCodeSuggestion(QStringLiteral("B738"));
-        QCOMPARE(fixture.model.typeCode(), QStringLiteral("B738"));
+        fixture.model.applyTypeCodeSuggestion(u"B738"_qs);
+        QCOMPARE(fixture.model.typeCode(), u"B738"_qs);
         QCOMPARE(fixture.model.typeCodeSuggestions(), QVariantList());
         QVERIFY(fixture.model.canConnect());
         QCOMPARE(form.count(), 1);
         QCOMPARE(list.count(), 1);
-        fixture.model.applyTypeCodeSuggestion(QStringLiteral("B738")); // the same again: still told
+        fixture.model.applyTypeCodeSuggestion(u"B738"_qs); // the same again: still told
         QCOMPARE(form.count(), 2);
     }
 
@@ -230,8 +227,8 @@ private slots:
         QSignalSpy list(&fixture.model, &ServerPageViewModel::typeCodeSuggestionsChanged);
         fixture.model.refreshTypeCodeSuggestions(QString());
         QCOMPARE(list.count(), 0);
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("B738"));
-        fixture.model.refreshTypeCodeSuggestions(QStringLiteral("b738"));
+        fixture.model.refreshTypeCodeSuggestions(u"B738"_qs);
+        fixture.model.refreshTypeCodeSuggestions(u"b738"_qs);
         QCOMPARE(list.count(), 1);
     }
 };

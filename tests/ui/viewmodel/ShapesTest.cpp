@@ -111,17 +111,17 @@ private:
 
     void dashboardRows() const
     {
-        row(m_dashboard, "username", QStringLiteral("游客"), "userInfoChanged");
-        row(m_dashboard, "cid", QStringLiteral("--"), "userInfoChanged");
-        row(m_dashboard, "rating", QStringLiteral("--"), "userInfoChanged");
-        row(m_dashboard, "pilotTime", QStringLiteral("0小时 0分"), "userInfoChanged");
-        row(m_dashboard, "atcTime", QStringLiteral("0小时 0分"), "userInfoChanged");
+        row(m_dashboard, "username", u"游客"_qs, "userInfoChanged");
+        row(m_dashboard, "cid", u"--"_qs, "userInfoChanged");
+        row(m_dashboard, "rating", u"--"_qs, "userInfoChanged");
+        row(m_dashboard, "pilotTime", u"0小时 0分"_qs, "userInfoChanged");
+        row(m_dashboard, "atcTime", u"0小时 0分"_qs, "userInfoChanged");
         row(m_dashboard, "avatarUrl", QString(), "userInfoChanged");
-        row(m_dashboard, "currentMode", QStringLiteral("NONE"), "currentModeChanged");
+        row(m_dashboard, "currentMode", u"NONE"_qs, "currentModeChanged");
         row(m_dashboard, "simulatorConnected", false, "simulatorStateChanged");
-        row(m_dashboard, "simulatorStatusText", QStringLiteral("未连接"), "simulatorStateChanged");
+        row(m_dashboard, "simulatorStatusText", u"未连接"_qs, "simulatorStateChanged");
         row(m_dashboard, "serverConnected", false, "serverStateChanged");
-        row(m_dashboard, "serverStatusText", QStringLiteral("未连接"), "serverStateChanged");
+        row(m_dashboard, "serverStatusText", u"未连接"_qs, "serverStateChanged");
         for (const char *number : {"latitude", "longitude", "altitude", "heading", "groundSpeed"})
             row(m_dashboard, number, 0.0, "flightDataChanged");
         row(m_dashboard, "serverLog", QString(), "serverLogChanged");
@@ -133,13 +133,13 @@ private:
     void serverRows() const
     {
         row(m_server.model, "serverConnected", false, "serverStateChanged");
-        row(m_server.model, "serverStatusText", QStringLiteral("未连接"), "serverStateChanged");
+        row(m_server.model, "serverStatusText", u"未连接"_qs, "serverStateChanged");
         row(m_server.model, "endpoint", QString(), "endpointChanged");
-        row(m_server.model, "protocolLabel", QStringLiteral("经典协议"), "protocolChanged");
-        row(m_server.model, "currentMode", QStringLiteral("NONE"), "formChanged");
-        row(m_server.model, "platformLabel", QStringLiteral("未选择平台"), "formChanged");
-        row(m_server.model, "connectActionLabel", QStringLiteral("连接网络"), "formChanged");
-        row(m_server.model, "modeHintText", QStringLiteral("请先选择模拟平台。"), "formChanged");
+        row(m_server.model, "protocolLabel", u"经典协议"_qs, "protocolChanged");
+        row(m_server.model, "currentMode", u"NONE"_qs, "formChanged");
+        row(m_server.model, "platformLabel", u"未选择平台"_qs, "formChanged");
+        row(m_server.model, "connectActionLabel", u"连接网络"_qs, "formChanged");
+        row(m_server.model, "modeHintText", u"请先选择模拟平台。"_qs, "formChanged");
         for (const char *text : {"callsign", "typeCode", "selcal"})
             row(m_server.model, text, QString(), "formChanged", true);
         row(m_server.model, "observerMode", false, "formChanged", true);
@@ -157,15 +157,15 @@ private:
 
     void simulatorRows() const
     {
-        row(m_simulator, "currentMode", QStringLiteral("NONE"), "stateChanged");
+        row(m_simulator, "currentMode", u"NONE"_qs, "stateChanged");
         for (const char *text : {"simulatorFamily", "simulatorDisplayName"})
-            row(m_simulator, text, QStringLiteral("未选择"), "stateChanged");
+            row(m_simulator, text, u"未选择"_qs, "stateChanged");
         for (const char *flag : {"msfsMode", "xplaneMode", "simulatorConnected"})
             row(m_simulator, flag, false, "stateChanged");
-        row(m_simulator, "simulatorStatusText", QStringLiteral("未连接"), "stateChanged");
+        row(m_simulator, "simulatorStatusText", u"未连接"_qs, "stateChanged");
         for (const char *text : {"pluginStatusText", "cslStatusText", "trafficMappingStatusText"})
-            row(m_simulator, text, QStringLiteral("未知"), "stateChanged");
-        row(m_simulator, "xplaneVersionText", QStringLiteral("未获取"), "stateChanged");
+            row(m_simulator, text, u"未知"_qs, "stateChanged");
+        row(m_simulator, "xplaneVersionText", u"未获取"_qs, "stateChanged");
         for (const char *flag :
              {"simPaused", "onGround", "gearDown", "avionicsPowerOn", "com1ReceiveEnabled", "com2ReceiveEnabled",
               "com1TransmitEnabled", "com2TransmitEnabled", "squawkingModeC", "squawkingIdent", "beaconOn",
@@ -179,19 +179,19 @@ private:
         for (const char *number : {"com1Volume", "com2Volume", "engineCount"})
             row(m_simulator, number, 0, "dataChanged");
         for (const char *text : {"com1Frequency", "com2Frequency"})
-            row(m_simulator, text, QStringLiteral("0.000"), "dataChanged");
-        row(m_simulator, "transponderCode", QStringLiteral("0000"), "dataChanged");
+            row(m_simulator, text, u"0.000"_qs, "dataChanged");
+        row(m_simulator, "transponderCode", u"0000"_qs, "dataChanged");
         for (const char *text : {"flapsLabel", "speedbrakeLabel"})
-            row(m_simulator, text, QStringLiteral("0%"), "dataChanged");
+            row(m_simulator, text, u"0%"_qs, "dataChanged");
         for (const char *text : {"activeTransmitLabel", "activeReceiveLabel"})
-            row(m_simulator, text, QStringLiteral("无"), "dataChanged");
-        row(m_simulator, "motionSummary", QStringLiteral("暂无运动数据"), "dataChanged");
-        row(m_simulator, "engineSummary", QStringLiteral("未检测到发动机"), "dataChanged");
+            row(m_simulator, text, u"无"_qs, "dataChanged");
+        row(m_simulator, "motionSummary", u"暂无运动数据"_qs, "dataChanged");
+        row(m_simulator, "engineSummary", u"未检测到发动机"_qs, "dataChanged");
         row(m_simulator, "engineStates", QVariantList(), "dataChanged");
         row(m_simulator, "trafficContacts", QVariantList(), "trafficChanged");
         row(m_simulator, "plotRange", 20, "trafficChanged");
-        row(m_simulator, "plotSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
-        row(m_simulator, "trafficSummary", QStringLiteral("附近暂无交通目标"), "trafficChanged");
+        row(m_simulator, "plotSummary", u"附近暂无交通目标"_qs, "trafficChanged");
+        row(m_simulator, "trafficSummary", u"附近暂无交通目标"_qs, "trafficChanged");
     }
 
     void messagesRows() const

@@ -304,13 +304,11 @@ private slots:
         own.config.engine2Reversing = true;
         feed(model, own);
         const auto engine = [](int index, bool running, bool reversing, const QString &label) {
-            return QVariantMap{{QStringLiteral("index"), index},
-                               {QStringLiteral("running"), running},
-                               {QStringLiteral("reversing"), reversing},
-                               {QStringLiteral("label"), label}};
+            return QVariantMap{
+                {u"index"_qs, index}, {u"running"_qs, running}, {u"reversing"_qs, reversing}, {u"label"_qs, label}};
         };
-        QCOMPARE(model.engineStates(), (QVariantList{engine(0, true, false, QStringLiteral("ENG1")),
-                                                     engine(1, false, true, QStringLiteral("ENG2"))}));
+        QCOMPARE(model.engineStates(),
+                 (QVariantList{engine(0, true, false, u"ENG1"_qs), engine(1, false, true, u"ENG2"_qs)}));
         own.config.engineCount = 8;
         feed(model, own);
         QCOMPARE(model.engineStates().size(), 4);

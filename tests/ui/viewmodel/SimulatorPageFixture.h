@@ -33,7 +33,7 @@ inline model::RemoteAircraft remote(const char *callsign, double latitude, doubl
 {
     model::RemoteAircraft aircraft;
     aircraft.callsign = QString::fromLatin1(callsign);
-    aircraft.typeCode = QStringLiteral("A320");
+    aircraft.typeCode = u"A320"_qs;
     aircraft.visualState.latitude = latitude;
     aircraft.visualState.longitude = longitude;
     aircraft.visualState.altitudeMslM = 1000;

@@ -19,12 +19,8 @@ namespace {
 
 QVariantMap snapshotRow(const char *label, double latitude, double longitude, double altitudeFeet)
 {
-    return {{QStringLiteral("label"), QString::fromLatin1(label)},
-            {QStringLiteral("latitude"), latitude},
-            {QStringLiteral("longitude"), longitude},
-            {QStringLiteral("altitudeFeet"), altitudeFeet},
-            {QStringLiteral("headingTrue"), 0.0},
-            {QStringLiteral("groundSpeedKnots"), 0.0}};
+    return {{u"label"_qs, QString::fromLatin1(label)}, {u"latitude"_qs, latitude}, {u"longitude"_qs, longitude},
+            {u"altitudeFeet"_qs, altitudeFeet},        {u"headingTrue"_qs, 0.0},   {u"groundSpeedKnots"_qs, 0.0}};
 }
 
 } // namespace
@@ -55,30 +51,30 @@ private slots:
     void remoteAircraftFeedThePlot()
     {
         SimulatorPageViewModel model;
-        model.setMode(QStringLiteral("XPLANE"));
+        model.setMode(u"XPLANE"_qs);
         QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
         const QList<RemoteAircraft> table{remote("FAR", 32, 121), remote("NEAR", 31.1, 121)};
         for (int i = 0; i < 2; ++i)
             model.setRemoteAircraft(table);
         QCOMPARE(traffic.count(), 1);
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 2 个交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近 2 个交通目标"_qs);
         QVERIFY(model.plotContacts().isEmpty());
         feed(model, overShanghai());
         QCOMPARE(traffic.count(), 2);
         QCOMPARE(model.plotContacts().size(), 2);
         const QVariantMap row = model.contactRows()->toList().constFirst().toMap();
-        QCOMPARE(row.value(QStringLiteral("callsign")).toString(), QStringLiteral("NEAR"));
-        QCOMPARE(row.value(QStringLiteral("type")).toString(), QStringLiteral("A320"));
-        QCOMPARE(row.value(QStringLiteral("bearing")).toDouble(), 0.0);
-        QVERIFY(std::abs(row.value(QStringLiteral("distanceNm")).toDouble() - 6.0) < 0.1);
-        QVERIFY(std::abs(row.value(QStringLiteral("relativeAltitudeFeet")).toDouble() - 1640.42) < 0.01);
-        QCOMPARE(row.value(QStringLiteral("heading")).toDouble(), 270.0);
-        QCOMPARE(row.value(QStringLiteral("groundSpeed")).toDouble(), 210.0);
+        QCOMPARE(row.value(u"callsign"_qs).toString(), u"NEAR"_qs);
+        QCOMPARE(row.value(u"type"_qs).toString(), u"A320"_qs);
+        QCOMPARE(row.value(u"bearing"_qs).toDouble(), 0.0);
+        QVERIFY(std::abs(row.value(u"distanceNm"_qs).toDouble() - 6.0) < 0.1);
+        QVERIFY(std::abs(row.value(u"relativeAltitudeFeet"_qs).toDouble() - 1640.42) < 0.01);
+        QCOMPARE(row.value(u"heading"_qs).toDouble(), 270.0);
+        QCOMPARE(row.value(u"groundSpeed"_qs).toDouble(), 210.0);
         QCOMPARE(model.plotRange(), 80); // FAR counts
-        QCOMPARE(model.plotSummary(), QStringLiteral("2 个目标，最近的在方位 360，6.0 海里：NEAR"));
+        QCOMPARE(model.plotSummary(), u"2 个目标，最近的在方位 360，6.0 海里：NEAR"_qs);
         QCOMPARE(model.trafficContacts(), QVariantList());
         model.setRemoteAircraft({});
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近暂无交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近暂无交通目标"_qs);
         QVERIFY(model.plotContacts().isEmpty());
     }
 
@@ -90,29 +86,29 @@ private slots:
         for (int i = 500; i > 0; --i)
             table << remote(qPrintable(QString::number(i)), 31 + i * 0.001, 121);
         model.setRemoteAircraft(table);
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 500 个交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近 500 个交通目标"_qs);
         const QList<PlotContact> rows = model.plotContacts();
         QCOMPARE(rows.size(), 200);
-        QCOMPARE(rows.first().target.callsign, QStringLiteral("1"));
-        QCOMPARE(rows.last().target.callsign, QStringLiteral("200"));
+        QCOMPARE(rows.first().target.callsign, u"1"_qs);
+        QCOMPARE(rows.last().target.callsign, u"200"_qs);
     }
 
     void aSnapshotIsPassedOnAndPlotted()
     {
         SimulatorPageViewModel model;
-        model.setMode(QStringLiteral("MSFS"));
+        model.setMode(u"MSFS"_qs);
         feed(model, overShanghai());
         QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
         const QVariantList rows{snapshotRow("B2352", 31.1, 121, 0), snapshotRow("OBJ-7", 31.2, 121, 3000), QVariant(7),
-                                QVariantMap{{QStringLiteral("label"), QStringLiteral("NOWHERE")}}};
+                                QVariantMap{{u"label"_qs, u"NOWHERE"_qs}}};
         for (int i = 0; i < 2; ++i)
             model.setTrafficContacts(rows);
         QCOMPARE(traffic.count(), 1);
         QCOMPARE(model.trafficContacts(), rows);
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 4 个交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近 4 个交通目标"_qs);
         QCOMPARE(model.plotContacts().size(), 2);
         const PlotContact bare = model.plotContacts().at(0);
-        QCOMPARE(bare.target.callsign, QStringLiteral("B2352"));
+        QCOMPARE(bare.target.callsign, u"B2352"_qs);
         for (const double unknown : {bare.relativeAltitudeFeet, bare.target.heading, bare.target.groundSpeed})
             QVERIFY(std::isnan(unknown));
         QVERIFY(std::abs(model.plotContacts().at(1).relativeAltitudeFeet - 1359.58) < 0.01);
@@ -186,13 +182,13 @@ private slots:
     void aSnapshotInAnotherModeIsNotPlotted()
     {
         SimulatorPageViewModel model;
-        model.setMode(QStringLiteral("XPLANE"));
+        model.setMode(u"XPLANE"_qs);
         feed(model, overShanghai());
         model.setRemoteAircraft({remote("CES1", 31.1, 121)});
         const QVariantList rows{snapshotRow("B2352", 31.1, 121, 0), snapshotRow("B2353", 31.1, 121, 0)};
         model.setTrafficContacts(rows);
         QCOMPARE(model.trafficContacts(), rows);
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近 1 个交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近 1 个交通目标"_qs);
         QCOMPARE(model.plotContacts().size(), 1);
     }
 };

@@ -28,15 +28,15 @@ private slots:
         QSignalSpy ident(&model, &SimulatorPageViewModel::transponderIdentRequested);
         QSignalSpy mode(&model, &SimulatorPageViewModel::transponderModeToggleRequested);
         model.requestReconnect();
-        model.requestSetCom1Frequency(QStringLiteral("121.800"));
-        model.requestSetCom2Frequency(QStringLiteral("124.550"));
-        model.requestSetTransponderCode(QStringLiteral("7700"));
+        model.requestSetCom1Frequency(u"121.800"_qs);
+        model.requestSetCom2Frequency(u"124.550"_qs);
+        model.requestSetTransponderCode(u"7700"_qs);
         model.requestTransponderIdent();
         model.requestTransponderModeToggle();
         QCOMPARE(reconnect.count(), 1);
-        QCOMPARE(com1, (QList<QVariantList>{{QStringLiteral("121.800")}}));
-        QCOMPARE(com2, (QList<QVariantList>{{QStringLiteral("124.550")}}));
-        QCOMPARE(code, (QList<QVariantList>{{QStringLiteral("7700")}}));
+        QCOMPARE(com1, (QList<QVariantList>{{u"121.800"_qs}}));
+        QCOMPARE(com2, (QList<QVariantList>{{u"124.550"_qs}}));
+        QCOMPARE(code, (QList<QVariantList>{{u"7700"_qs}}));
         QCOMPARE(ident.count(), 1);
         QCOMPARE(mode.count(), 1);
     }
@@ -48,22 +48,20 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("msfs");
         QTest::addColumn<bool>("xplane");
-        const QString none = QStringLiteral("NONE");
-        const QString nothing = QStringLiteral("未选择");
-        QTest::newRow("X-Plane") << QStringLiteral("XPLANE") << QStringLiteral("XPLANE") << QStringLiteral("X-Plane")
-                                 << false << true;
-        QTest::newRow("MSFS") << QStringLiteral("MSFS") << QStringLiteral("MSFS")
-                              << QStringLiteral("Microsoft Flight Simulator") << true << false;
+        const QString none = u"NONE"_qs;
+        const QString nothing = u"未选择"_qs;
+        QTest::newRow("X-Plane") << u"XPLANE"_qs << u"XPLANE"_qs << u"X-Plane"_qs << false << true;
+        QTest::newRow("MSFS") << u"MSFS"_qs << u"MSFS"_qs << u"Microsoft Flight Simulator"_qs << true << false;
         QTest::newRow("none") << none << none << nothing << false << false;
         QTest::newRow("empty") << QString() << none << nothing << false << false;
-        QTest::newRow("lower case") << QStringLiteral("xplane") << none << nothing << false << false;
+        QTest::newRow("lower case") << u"xplane"_qs << none << nothing << false << false;
     }
 
     void modes()
     {
         QFETCH(QString, mode);
         SimulatorPageViewModel model;
-        model.setMode(mode == QLatin1String("MSFS") ? QStringLiteral("XPLANE") : QStringLiteral("MSFS"));
+        model.setMode(mode == QLatin1String("MSFS") ? u"XPLANE"_qs : u"MSFS"_qs);
         QSignalSpy told(&model, &SimulatorPageViewModel::stateChanged);
         for (int i = 0; i < 2; ++i)
             model.setMode(mode);
@@ -84,31 +82,28 @@ private slots:
         const auto row = [](const char *name, const std::function<void(Model &)> &set, const char *property,
                             const QVariant &value) { QTest::newRow(name) << set << QByteArray(property) << value; };
         row(
-            "connected", [](Model &m) { m.setSimulatorState(true, QStringLiteral("未连接")); }, "simulatorConnected",
-            true);
+            "connected", [](Model &m) { m.setSimulatorState(true, u"未连接"_qs); }, "simulatorConnected", true);
         row(
-            "status", [](Model &m) { m.setSimulatorState(false, QStringLiteral("连接中...")); }, "simulatorStatusText",
-            QStringLiteral("连接中..."));
+            "status", [](Model &m) { m.setSimulatorState(false, u"连接中..."_qs); }, "simulatorStatusText",
+            u"连接中..."_qs);
         row(
-            "plugin good", [](Model &m) { m.setPluginValid(true); }, "pluginStatusText", QStringLiteral("有效"));
+            "plugin good", [](Model &m) { m.setPluginValid(true); }, "pluginStatusText", u"有效"_qs);
         row(
-            "plugin bad", [](Model &m) { m.setPluginValid(false); }, "pluginStatusText", QStringLiteral("无效"));
+            "plugin bad", [](Model &m) { m.setPluginValid(false); }, "pluginStatusText", u"无效"_qs);
         row(
-            "CSL good", [](Model &m) { m.setCslValid(true); }, "cslStatusText", QStringLiteral("有效"));
+            "CSL good", [](Model &m) { m.setCslValid(true); }, "cslStatusText", u"有效"_qs);
         row(
-            "CSL bad", [](Model &m) { m.setCslValid(false); }, "cslStatusText", QStringLiteral("无效"));
+            "CSL bad", [](Model &m) { m.setCslValid(false); }, "cslStatusText", u"无效"_qs);
         row(
-            "mapping", [](Model &m) { m.setTrafficMappingStatus(QStringLiteral("就绪")); }, "trafficMappingStatusText",
-            QStringLiteral("就绪"));
+            "mapping", [](Model &m) { m.setTrafficMappingStatus(u"就绪"_qs); }, "trafficMappingStatusText", u"就绪"_qs);
         row(
-            "mapping on lines", [](Model &m) { m.setTrafficMappingStatus(QStringLiteral(" a\nb ")); },
-            "trafficMappingStatusText", QStringLiteral("a b"));
+            "mapping on lines", [](Model &m) { m.setTrafficMappingStatus(u" a\nb "_qs); }, "trafficMappingStatusText",
+            u"a b"_qs);
         row(
             "long mapping", [](Model &m) { m.setTrafficMappingStatus(QString(100'000, u'x')); },
             "trafficMappingStatusText", QString(200, u'x'));
         row(
-            "version", [](Model &m) { m.setXPlaneVersion(120105); }, "xplaneVersionText",
-            QStringLiteral("X-Plane 120105"));
+            "version", [](Model &m) { m.setXPlaneVersion(120105); }, "xplaneVersionText", u"X-Plane 120105"_qs);
     }
 
     void statesTellOnce()
@@ -124,18 +119,28 @@ private slots:
         QCOMPARE(told.count(), 1);
         QCOMPARE(model.property(property.constData()), value);
         model.clearPlugin();
-        model.setSimulatorState(false, QStringLiteral("未连接"));
+        model.setSimulatorState(false, u"未连接"_qs);
         QCOMPARE(told.count(), 2);
         model.clearPlugin();
         QCOMPARE(told.count(), 2);
         QCOMPARE(model.property(property.constData()), start);
     }
 
+    void onlyAPluginThatFitsTakesTheReasonAway()
+    {
+        SimulatorPageViewModel model;
+        model.setFailure(QString(300, u'x'));
+        model.setPluginValid(false);
+        QCOMPARE(model.simulatorFailureText(), QString(200, u'x'));
+        model.setPluginValid(true);
+        QCOMPARE(model.simulatorFailureText(), QString());
+    }
+
     void unknownPluginWordsAreTheStartTexts()
     {
         SimulatorPageViewModel model;
         QSignalSpy told(&model, &SimulatorPageViewModel::stateChanged);
-        model.setTrafficMappingStatus(QStringLiteral(" \n"));
+        model.setTrafficMappingStatus(u" \n"_qs);
         model.setXPlaneVersion(0);
         model.setXPlaneVersion(-1);
         QCOMPARE(told.count(), 0);
@@ -144,20 +149,20 @@ private slots:
     void anotherModeForgetsTheOldSimulator()
     {
         SimulatorPageViewModel model;
-        model.setMode(QStringLiteral("XPLANE"));
+        model.setMode(u"XPLANE"_qs);
         model.setPluginValid(true);
         model.setRemoteAircraft({remote("CES1", 31.1, 121)});
         feed(model, overShanghai());
         QSignalSpy data(&model, &SimulatorPageViewModel::dataChanged);
         QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
-        model.setMode(QStringLiteral("XPLANE"));
+        model.setMode(u"XPLANE"_qs);
         QCOMPARE(model.plotContacts().size(), 1);
-        model.setMode(QStringLiteral("NONE"));
-        QCOMPARE(model.pluginStatusText(), QStringLiteral("未知"));
-        QCOMPARE(model.motionSummary(), QStringLiteral("暂无运动数据"));
+        model.setMode(u"NONE"_qs);
+        QCOMPARE(model.pluginStatusText(), u"未知"_qs);
+        QCOMPARE(model.motionSummary(), u"暂无运动数据"_qs);
         QCOMPARE(model.latitude(), 0.0);
         QVERIFY(model.plotContacts().isEmpty());
-        QCOMPARE(model.trafficSummary(), QStringLiteral("附近暂无交通目标"));
+        QCOMPARE(model.trafficSummary(), u"附近暂无交通目标"_qs);
         QCOMPARE(data.count(), 1);
         QVERIFY(traffic.count() > 0);
     }
@@ -165,7 +170,7 @@ private slots:
     void aLostLinkTakesTheDataBackToTheStart()
     {
         SimulatorPageViewModel model;
-        model.setSimulatorState(true, QStringLiteral("已连接"));
+        model.setSimulatorState(true, u"已连接"_qs);
         Own own = overShanghai();
         own.config.engineCount = 2;
         own.radio.transponderCode = 7700;
@@ -173,15 +178,15 @@ private slots:
         feed(model, own);
         model.setRemoteAircraft({remote("CES1", 31.1, 121)});
         QSignalSpy data(&model, &SimulatorPageViewModel::dataChanged);
-        model.setSimulatorState(false, QStringLiteral("未连接"));
+        model.setSimulatorState(false, u"未连接"_qs);
         QCOMPARE(data.count(), 1);
-        QCOMPARE(model.motionSummary(), QStringLiteral("暂无运动数据"));
-        QCOMPARE(model.transponderCode(), QStringLiteral("0000"));
+        QCOMPARE(model.motionSummary(), u"暂无运动数据"_qs);
+        QCOMPARE(model.transponderCode(), u"0000"_qs);
         QCOMPARE(model.engineStates(), QVariantList());
         QVERIFY(!model.simPaused());
         QVERIFY(model.plotContacts().isEmpty()); // nothing to see it from
         feed(model, own);
-        QCOMPARE(model.transponderCode(), QStringLiteral("7700"));
+        QCOMPARE(model.transponderCode(), u"7700"_qs);
         QCOMPARE(model.plotContacts().size(), 1);
     }
 };

@@ -18,7 +18,7 @@ constexpr double degreeNm = 6371.0088 / 1.852 * 3.14159265358979323846 / 180; //
 
 TrafficTarget target(const char *callsign, double latitude, double longitude, double altitudeFeet = 0)
 {
-    return {QString::fromLatin1(callsign), QStringLiteral("B738"), latitude, longitude, altitudeFeet, 90, 250};
+    return {QString::fromLatin1(callsign), u"B738"_qs, latitude, longitude, altitudeFeet, 90, 250};
 }
 
 QStringList callsigns(const QList<PlotContact> &contacts)
@@ -76,14 +76,10 @@ private slots:
         QVERIFY2(off < 0.01, qPrintable(QString::number(course, 'f', 4)));
     }
 
-    void aShortDistanceKeepsItsDigits()
+    void theShortestAndTheFarthest()
     {
         const double metres = greatCircleNm(31, 121, 31.00001, 121) * 1852;
         QVERIFY2(std::abs(metres - 1.112) < 0.001, qPrintable(QString::number(metres)));
-    }
-
-    void theOtherEndOfTheWorldHasADistance()
-    {
         const double distance = greatCircleNm(-81.3, -53.4, 81.3, 126.6); // rounds to a sine above 1
         QVERIFY2(std::abs(distance - 180 * degreeNm) < 0.01, qPrintable(QString::number(distance)));
     }
@@ -130,10 +126,8 @@ private slots:
         const QList<TrafficTarget> targets{target("FAR", 33, 121), target("NEAR", 31.1, 121), target("MID", 32, 121),
                                            target("ALSO", 31.1, 121)};
         QCOMPARE(callsigns(plotTraffic({31, 121, 0}, targets, 10)),
-                 (QStringList{QStringLiteral("ALSO"), QStringLiteral("NEAR"), QStringLiteral("MID"),
-                              QStringLiteral("FAR")}));
-        QCOMPARE(callsigns(plotTraffic({31, 121, 0}, targets, 2)),
-                 (QStringList{QStringLiteral("ALSO"), QStringLiteral("NEAR")}));
+                 (QStringList{u"ALSO"_qs, u"NEAR"_qs, u"MID"_qs, u"FAR"_qs}));
+        QCOMPARE(callsigns(plotTraffic({31, 121, 0}, targets, 2)), (QStringList{u"ALSO"_qs, u"NEAR"_qs}));
         QCOMPARE(plotTraffic({31, 121, 0}, targets, 0).size(), 0);
         QCOMPARE(plotTraffic({31, 121, 0}, {}, 10).size(), 0);
     }
