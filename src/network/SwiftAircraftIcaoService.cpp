@@ -108,8 +108,7 @@ void SwiftAircraftIcaoService::setDamagedAside()
 
 bool SwiftAircraftIcaoService::switchToWritable()
 {
-    return m_database.isWritable() ||
-           m_database.open(underDataRoot(QLatin1String(databasePath)), IcaoDatabase::Mode::Writable);
+    return m_database.open(underDataRoot(QLatin1String(databasePath)), IcaoDatabase::Mode::Writable);
 }
 
 bool SwiftAircraftIcaoService::loadSnapshot()

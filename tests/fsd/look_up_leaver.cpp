@@ -2,6 +2,7 @@
 #include "fsd/NameResolver.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 using tarvo::fsd::NameResolver;
 
@@ -17,6 +18,6 @@ int main(int argc, char **argv)
         QCoreApplication::exit();
         QObject::connect(&resolver, &NameResolver::requestEnded, [&hasEnded] { hasEnded = true; });
     };
-    QMetaObject::invokeMethod(&resolver, end, Qt::QueuedConnection);
+    QTimer::singleShot(20, &resolver, end); // by then the name server has been asked
     return !resolver.resolve(name) && hasEnded ? 0 : 1;
 }

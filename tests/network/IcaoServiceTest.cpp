@@ -196,6 +196,7 @@ private slots:
         QVERIFY(writeFile(writable() + QStringLiteral("-journal"), "x"));
         QVERIFY(writeFile(table(), tableLine));
         const QString kept = writable() + QStringLiteral(".damaged");
+        QVERIFY(writeFile(kept, "an earlier one"));
         const QStringList log = load();
         QVERIFY(log.contains(QStringLiteral("Damaged swift aircraft ICAO SQLite database is kept as: ") + kept));
         QCOMPARE(log.last(), importedLine(2));
