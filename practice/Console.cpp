@@ -1,5 +1,7 @@
 #include "practice/Console.h"
 
+#include "practice/PracticeNetwork.h"
+#include "practice/control/ScriptPlayer.h"
 #include "practice/fsd/LineMask.h"
 
 #include <QTime>

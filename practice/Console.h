@@ -1,14 +1,16 @@
 #pragma once
 
-#include "practice/PracticeNetwork.h"
-#include "practice/control/ScriptPlayer.h"
-
 #include <QMap>
 #include <QObject>
 #include <QTextStream>
 #include <QTimer>
 
 namespace tarvo::practice {
+
+class FsdServer;
+class PracticeNetwork;
+class ScriptPlayer;
+class XPlaneStandIn;
 
 /// What the practice network does, one line each, with the secrets masked and nothing that a terminal would obey.
 class Console : public QObject

@@ -1,5 +1,8 @@
 #include "practice/account/AccountJson.h"
 
+#include "model/AccountModels.h"
+#include "model/RatingList.h"
+
 #include <QJsonArray>
 
 namespace tarvo::practice {

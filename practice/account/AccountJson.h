@@ -1,9 +1,12 @@
 #pragma once
 
-#include "model/AccountModels.h"
-#include "model/RatingList.h"
-
 #include <QJsonObject>
+
+namespace tarvo::model {
+struct RatingList;
+struct User;
+struct UserHistory;
+} // namespace tarvo::model
 
 namespace tarvo::practice {
 

@@ -1,5 +1,6 @@
 #include "practice/account/AccountService.h"
 
+#include "practice/account/AccountBook.h"
 #include "practice/account/AccountJson.h"
 #include "practice/account/HttpGuard.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "practice/account/AccountBook.h"
 #include "practice/account/TokenAuthority.h"
 
 #include <QHostAddress>
@@ -9,6 +8,9 @@
 #include <QObject>
 
 namespace tarvo::practice {
+
+class AccountBook;
+struct Account;
 
 /// The account service: sign-in, tokens, history, profile and ranking as JSON over HTTP, under the path "/api"; and
 /// the page "/register".

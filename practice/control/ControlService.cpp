@@ -1,5 +1,7 @@
 #include "practice/control/ControlService.h"
 
+#include "practice/PracticeNetwork.h"
+
 #include <QHttpServerRequest>
 #include <QHttpServerResponse>
 #include <QJsonArray>

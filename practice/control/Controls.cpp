@@ -1,5 +1,7 @@
 #include "practice/control/Controls.h"
 
+#include "practice/PracticeNetwork.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -84,7 +86,7 @@ std::optional<QByteArray> bytes(const ControlArguments &arguments, QLatin1String
 Controls::Controls(PracticeNetwork &network) : m_network(network)
 {
     addClientVerbs();
-    addCastVerbs();
+    addScriptedClientVerbs();
     addLoginVerbs();
     addSimulatorVerbs();
     addPluginVerbs();
@@ -134,7 +136,7 @@ void Controls::addClientVerbs()
     };
 }
 
-void Controls::addCastVerbs()
+void Controls::addScriptedClientVerbs()
 {
     ScriptedClients &clients = m_network.scriptedClients();
     using A = const ControlArguments &;

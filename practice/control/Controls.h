@@ -1,7 +1,5 @@
 #pragma once
 
-#include "practice/PracticeNetwork.h"
-
 #include <QHash>
 #include <QMap>
 #include <QStringList>
@@ -9,6 +7,8 @@
 #include <functional>
 
 namespace tarvo::practice {
+
+class PracticeNetwork;
 
 /// What a verb is told: argument names and their values.
 using ControlArguments = QMap<QString, QString>;
@@ -32,7 +32,7 @@ private:
     using Action = std::function<bool(const ControlArguments &)>;
 
     void addClientVerbs();
-    void addCastVerbs();
+    void addScriptedClientVerbs();
     void addLoginVerbs();
     void addSimulatorVerbs();
     void addPluginVerbs();

@@ -1,5 +1,7 @@
 #include "practice/control/ScriptPlayer.h"
 
+#include "practice/PracticeNetwork.h"
+
 #include <QFile>
 
 #include <algorithm>

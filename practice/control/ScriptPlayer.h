@@ -11,6 +11,8 @@
 
 namespace tarvo::practice {
 
+class FsdServer;
+
 /// Plays a script in a practice network. Its verbs are those of Controls, "wait-for", which holds the script until
 /// something was heard, and "not-heard", which ends it when something was. "{pilot}" in a value is the callsign of the
 /// client that logged in first, and a verb without the argument "callsign" is for him.

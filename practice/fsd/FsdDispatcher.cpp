@@ -5,6 +5,11 @@
 #include "fsd/pdu/AuthResponse.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"
+#include "practice/fsd/FsdErrors.h"
+#include "practice/fsd/FsdResident.h"
+#include "practice/fsd/FsdSession.h"
+#include "practice/fsd/FsdSettings.h"
+#include "practice/fsd/Roster.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,8 @@
 #include "fsd/pdu/AuthChallenge.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/Ping.h"
+#include "practice/fsd/FsdSession.h"
+#include "practice/fsd/FsdSettings.h"
 
 #include <QRandomGenerator>
 

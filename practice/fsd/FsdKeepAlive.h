@@ -1,11 +1,13 @@
 #pragma once
 
 #include "common/Clock.h"
-#include "practice/fsd/FsdSession.h"
 
 #include <QString>
 
 namespace tarvo::practice {
+
+class FsdSession;
+struct FsdSettings;
 
 /// What the server asks of a session by itself as time passes: an identification, a sign of life, pings, challenges.
 class FsdKeepAlive

@@ -5,6 +5,11 @@
 #include "fsd/pdu/AddPilot.h"
 #include "fsd/pdu/ClientIdentification.h"
 #include "fsd/pdu/FsdLine.h"
+#include "practice/account/AccountBook.h"
+#include "practice/account/TokenAuthority.h"
+#include "practice/fsd/FsdErrors.h"
+#include "practice/fsd/FsdSession.h"
+#include "practice/fsd/Roster.h"
 
 #include <type_traits>
 

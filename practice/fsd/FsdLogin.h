@@ -1,8 +1,6 @@
 #pragma once
 
-#include "practice/account/AccountBook.h"
-#include "practice/account/TokenAuthority.h"
-#include "practice/fsd/Roster.h"
+#include "practice/fsd/FsdClientRecord.h"
 
 #include <QHash>
 
@@ -13,6 +11,11 @@ struct ClientIdentification;
 } // namespace tarvo::fsd::pdu
 
 namespace tarvo::practice {
+
+class AccountBook;
+class FsdSession;
+class Roster;
+class TokenAuthority;
 
 /// Lets clients in, or sends them away: "$ID", "#AP" and "#AA".
 class FsdLogin

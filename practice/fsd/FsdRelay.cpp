@@ -4,6 +4,10 @@
 #include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/PDUFormatException.h"
+#include "practice/fsd/FsdResident.h"
+#include "practice/fsd/FsdSession.h"
+#include "practice/fsd/FsdSettings.h"
+#include "practice/fsd/Roster.h"
 
 #include <algorithm>
 

@@ -1,10 +1,14 @@
 #pragma once
 
-#include "practice/fsd/Roster.h"
-
 #include <QStringList>
 
 namespace tarvo::practice {
+
+class FsdResident;
+class FsdSession;
+class Roster;
+struct FsdClientRecord;
+struct FsdSettings;
 
 /// A resident's position.
 struct FsdReport

@@ -7,7 +7,12 @@
 #include "fsd/pdu/ProtocolError.h"
 #include "fsd/pdu/SendFast.h"
 #include "fsd/pdu/TextMessage.h"
+#include "practice/account/AccountBook.h"
+#include "practice/account/TokenAuthority.h"
 #include "practice/fsd/FsdDispatcher.h"
+#include "practice/fsd/FsdErrors.h"
+#include "practice/fsd/FsdResident.h"
+#include "practice/fsd/FsdSession.h"
 
 #include <QTcpServer>
 

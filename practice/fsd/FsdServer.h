@@ -1,8 +1,6 @@
 #pragma once
 
 #include "common/Clock.h"
-#include "practice/account/AccountBook.h"
-#include "practice/account/TokenAuthority.h"
 #include "practice/fsd/FsdKeepAlive.h"
 #include "practice/fsd/FsdRelay.h"
 #include "practice/fsd/FsdSettings.h"
@@ -20,8 +18,10 @@ class QTcpServer;
 
 namespace tarvo::practice {
 
+class AccountBook;
 class FsdDispatcher;
 class FsdSession;
+class TokenAuthority;
 
 /// The FSD server: greeting, login, relay of positions and text by distance, pings and challenges. Any number of
 /// clients up to the limit; what one of them sends can cost itself its line or its connection and nothing else.

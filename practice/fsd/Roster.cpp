@@ -1,5 +1,8 @@
 #include "practice/fsd/Roster.h"
 
+#include "practice/fsd/FsdResident.h"
+#include "practice/fsd/FsdSession.h"
+
 #include <QtMath>
 
 #include <algorithm>

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "practice/fsd/FsdResident.h"
-#include "practice/fsd/FsdSession.h"
-
 #include <QHash>
 #include <QList>
 
 namespace tarvo::practice {
+
+class FsdResident;
+class FsdSession;
+struct FsdClientRecord;
+struct FsdPosition;
 
 /// Nautical miles between two places, along the great circle.
 double distanceNm(const FsdPosition &a, const FsdPosition &b);

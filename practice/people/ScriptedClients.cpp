@@ -2,6 +2,8 @@
 
 #include "fsd/pdu/AnyPdu.h"
 #include "fsd/pdu/PDUFormatException.h"
+#include "practice/fsd/FsdResident.h"
+#include "practice/fsd/FsdServer.h"
 #include "practice/fsd/Overloaded.h"
 
 namespace tarvo::practice {

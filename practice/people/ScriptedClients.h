@@ -1,11 +1,14 @@
 #pragma once
 
-#include "practice/fsd/FsdServer.h"
+#include <QString>
+#include <QStringList>
 
 #include <map>
 #include <memory>
 
 namespace tarvo::practice {
+
+class FsdServer;
 
 /// Clients of the FSD server that do nothing but what they are told: the clients of a script.
 class ScriptedClients

@@ -26,7 +26,7 @@ bool isIPv4Literal(const QString &host)
 } // namespace
 
 /// What the resolver shares with its worker, which may outlive it: a look-up can't be called off.
-struct NameResolver::Desk
+struct NameResolver::Shared
 {
     std::mutex mutex;
     NameResolver *owner = nullptr; ///< null once it has gone
@@ -42,17 +42,17 @@ struct NameResolver::Desk
     }
 };
 
-NameResolver::NameResolver(QObject *parent) : QObject(parent), m_desk(std::make_shared<Desk>())
+NameResolver::NameResolver(QObject *parent) : QObject(parent), m_shared(std::make_shared<Shared>())
 {
-    m_desk->owner = this;
+    m_shared->owner = this;
     m_worker.emplace(workerName, 1);
 }
 
 NameResolver::~NameResolver()
 {
     {
-        const std::lock_guard lock(m_desk->mutex);
-        m_desk->owner = nullptr;
+        const std::lock_guard lock(m_shared->mutex);
+        m_shared->owner = nullptr;
     }
     m_worker->clear();
     leaveBusyWorker();
@@ -110,12 +110,12 @@ void NameResolver::leaveBusyWorker()
 
 void NameResolver::ask(const QByteArray &name)
 {
-    const bool isAsked = m_worker->post([desk = m_desk, request = m_request, name] {
+    const bool isAsked = m_worker->post([shared = m_shared, request = m_request, name] {
         const std::optional<quint32> found = name.isEmpty() ? std::nullopt : lookUpAddress(name);
-        desk->report(request, found ? QHostAddress(*found).toString() : QString());
+        shared->report(request, found ? QHostAddress(*found).toString() : QString());
     });
     if (!isAsked) // no thread is to be had
-        m_desk->report(m_request, {});
+        m_shared->report(m_request, {});
 }
 
 void NameResolver::onAnswer(int request, const QString &address)

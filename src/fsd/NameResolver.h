@@ -37,13 +37,13 @@ public:
     void abort();
 
 private:
-    struct Desk;
+    struct Shared;
 
     void ask(const QByteArray &name);
     void leaveBusyWorker();
     void onAnswer(int request, const QString &address);
 
-    std::shared_ptr<Desk> m_desk;
+    std::shared_ptr<Shared> m_shared;
     std::optional<common::Worker> m_worker; ///< there for good, though not always the same
     Answer m_answer;                        ///< whom the request that is under way is for
     int m_request = 0;

@@ -32,9 +32,10 @@ QString replayThroughParseLine(const QString &line)
 }
 
 /// This client only ever sends it.
-QString replayAuthResponse(const QString &line)
+template <class Pdu>
+QString replaySent(const QString &line)
 {
-    return toLine(pdu::AuthResponse::parse(line.sliced(pdu::AuthResponse::identifier.size()).split(u':')));
+    return toLine(Pdu::parse(line.sliced(Pdu::identifier.size()).split(u':')));
 }
 
 /// Has no identifier.
@@ -67,7 +68,7 @@ const QHash<QString, Replay> replays{
     {QStringLiteral("ClientQuery"), replayThroughParseLine<pdu::ClientQuery>},
     {QStringLiteral("ClientQueryResponse"), replayThroughParseLine<pdu::ClientQueryResponse>},
     {QStringLiteral("AuthChallenge"), replayThroughParseLine<pdu::AuthChallenge>},
-    {QStringLiteral("AuthResponse"), replayAuthResponse},
+    {QStringLiteral("AuthResponse"), replaySent<pdu::AuthResponse>},
     {QStringLiteral("KillRequest"), replayThroughParseLine<pdu::KillRequest>},
     {QStringLiteral("ProtocolError"), replayThroughParseLine<pdu::ProtocolError>},
     {QStringLiteral("SendFast"), replayThroughParseLine<pdu::SendFast>},

@@ -262,6 +262,7 @@ private slots:
         QTest::newRow("no digit after the point") << u"5."_qs << 5.0;
         QTest::newRow("more digits than a double holds")
             << u"0.1000000000000000055511151231257827021181583404541015625"_qs << 0.1;
+        QTest::newRow("a little too long for the short way") << u"1."_qs + QString(35, u'0') << 1.0;
         QTest::newRow("empty") << QString() << 0.0;
         QTest::newRow("word") << u"abc"_qs << 0.0;
         QTest::newRow("two points") << u"1.2.3"_qs << 0.0;

@@ -1,4 +1,6 @@
 #include "practice/Console.h"
+
+#include "practice/PracticeNetwork.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 

@@ -72,6 +72,7 @@ private slots:
             peer.send("nonsense");
         TRY_VERIFY(peer.closed());
         QVERIFY(peer.got("$ERSERVER:unknown:4::Too many errors"));
+        QCOMPARE(peer.count("$ER"), quietSettings().fsd.maxBadLines);
     }
 
     void aFloodCostsTheConnection_data()

@@ -175,14 +175,17 @@ private slots:
             QVERIFY(datagram.bytes.size() <= RrefSubscriptions::maxDatagram);
     }
 
-    void theOldestClientGivesWay()
+    void whoHasBeenSilentLongestGivesWay()
     {
+        constexpr int most = RrefSubscriptions::maxClients;
         RrefSubscriptions subscriptions;
-        for (int i = 0; i <= RrefSubscriptions::maxClients; ++i)
+        for (int i = 0; i < most; ++i)
             subscriptions.subscribe(here, static_cast<quint16>(5000 + i), 1, 0, 1, i);
-        QCOMPARE(subscriptions.count(), RrefSubscriptions::maxClients);
+        subscriptions.subscribe(here, 5000, 1, 0, 1, most); // the first says it again
+        subscriptions.subscribe(here, 5000 + most, 1, 0, 1, most);
+        QCOMPARE(subscriptions.count(), most);
         for (const RrefSubscriptions::Datagram &datagram : subscriptions.due(1000, byNumber))
-            QVERIFY(datagram.port != 5000);
+            QVERIFY(datagram.port != 5001);
     }
 
     void aStandstillIsNotMadeUpFor()
