@@ -256,6 +256,19 @@ void AircraftManager::onSimulatorChanged()
         connect(m_simulator.get(), &Simulator::aircraftRemovedFromSim, this, &AircraftManager::erase),
         connect(m_simulator.get(), &Simulator::restarted, this, &AircraftManager::onSimulatorRestarted),
     });
+    tellConfigurations();
+}
+
+/// NetworkManager has given the aircraft to a new simulator with what each pilot told last, perhaps a part.
+void AircraftManager::tellConfigurations()
+{
+    const std::shared_ptr<Simulator> simulator = m_simulator;
+    const QList<RemoteAircraft> records = aircraft();
+    for (const RemoteAircraft &record : records) {
+        const bool isShown = record.state == State::InSimulator || record.state == State::Pending;
+        if (simulator == m_simulator && isShown && find(record.callsign))
+            updateConfigurationInSimulator(record);
+    }
 }
 
 /// It has none of them any more: each that is ready is added anew, with all that its configuration has become.

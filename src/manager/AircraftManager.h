@@ -68,6 +68,7 @@ private:
     void makeRoom();
     void takeFromNetwork(model::RemoteAircraft &aircraft) const;
     void updateConfigurationInSimulator(const model::RemoteAircraft &aircraft);
+    void tellConfigurations();
     /// To be given a copy, never a record.
     void removeFromSimulator(const model::RemoteAircraft &aircraft, const QString &reason);
     void sync();

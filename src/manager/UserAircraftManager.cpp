@@ -4,6 +4,8 @@
 #include "manager/Plausible.h"
 #include "simulator/Simulator.h"
 
+#include <utility>
+
 namespace tarvo::manager {
 
 using simulator::Simulator;
@@ -19,6 +21,7 @@ UserAircraftManager::UserAircraftManager(std::shared_ptr<NetworkManager> network
     connect(&m_budgetTimer, &QTimer::timeout, this, [this] { m_budget.add(); });
     connect(m_network.get(), &NetworkManager::aircraftConfigurationInfoReceived, this,
             &UserAircraftManager::onAircraftConfigurationInfo);
+    connect(m_network.get(), &NetworkManager::simulatorConnectionStateChanged, this, &UserAircraftManager::onDataValid);
     connect(m_network.get(), &NetworkManager::simulatorChanged, this, &UserAircraftManager::onSimulatorChanged);
     onSimulatorChanged();
     m_budgetTimer.start(tokenIntervalMs);
@@ -31,6 +34,8 @@ void UserAircraftManager::onSimulatorChanged()
     // What was known of the earlier simulator says nothing about this one, which may well start in the air.
     m_simConnected = false;
     m_sampleSeen = false;
+    m_radio = {};
+    m_held = m_lastSent.has_value();
     if (!m_simulator)
         return;
     m_simulatorConnections.add({
@@ -45,9 +50,23 @@ void UserAircraftManager::onSimulatorChanged()
 
 void UserAircraftManager::onUserAircraftConfigData(const model::UserAircraftConfigData &data)
 {
-    m_config = plausible(data, m_config);
-    sendChanges();
+    m_newest = plausible(data, m_newest);
+    if (!m_held)
+        tellConfiguration();
     switchModeCOn();
+}
+
+/// The session's word: live data flow, with a plugin or without.
+void UserAircraftManager::onDataValid(bool valid)
+{
+    if (valid && std::exchange(m_held, false))
+        tellConfiguration();
+}
+
+void UserAircraftManager::tellConfiguration()
+{
+    m_config = m_newest;
+    sendChanges();
 }
 
 void UserAircraftManager::sendChanges()
@@ -67,7 +86,7 @@ void UserAircraftManager::sendChanges()
 
 void UserAircraftManager::switchModeCOn()
 {
-    const bool inAir = !m_config.onGround;
+    const bool inAir = !m_newest.onGround;
     const bool takenOff = inAir && !m_airborne;
     // Airborne is noted on every sample. Only the toggle needs an earlier one: a first sample in the air is no
     // take-off.
@@ -86,8 +105,10 @@ void UserAircraftManager::onRadioStackState(const model::RadioStackState &state)
 void UserAircraftManager::onSimConnectionState(bool connected)
 {
     m_simConnected = connected;
-    if (!connected)
-        m_sampleSeen = false;
+    if (connected)
+        return;
+    m_sampleSeen = false;
+    m_held = m_lastSent.has_value();
 }
 
 void UserAircraftManager::onAircraftConfigurationInfo(const QString &from, const QString &json)

@@ -35,7 +35,9 @@ private:
     void onUserAircraftConfigData(const model::UserAircraftConfigData &data);
     void onRadioStackState(const model::RadioStackState &state);
     void onSimConnectionState(bool connected);
+    void onDataValid(bool valid);
     void onAircraftConfigurationInfo(const QString &from, const QString &json);
+    void tellConfiguration();
     void sendChanges();
     void switchModeCOn();
 
@@ -44,9 +46,11 @@ private:
     ConnectionList m_simulatorConnections;
     QTimer m_budgetTimer;
     ConfigurationBudget m_budget;
-    model::UserAircraftConfigData m_config;
+    model::UserAircraftConfigData m_newest; ///< as the simulator tells it
+    model::UserAircraftConfigData m_config; ///< as others are told it; of a lost simulator the last before that
     model::RadioStackState m_radio;
     std::optional<model::AircraftConfiguration> m_lastSent; ///< lives as long as the manager: only changes are sent
+    bool m_held = false; ///< the simulator is lost: what it tells now is a cleared record, and nobody is told
     bool m_airborne = false;
     bool m_simConnected = false;
     bool m_sampleSeen = false;

@@ -21,11 +21,14 @@ private slots:
         CrowdedSession s;
         QVERIFY(s.online && s.meetAb2(0));
         QVERIFY(s.feed(TrafficSession::configuration(fullGearDown)));
+        QVERIFY(s.feed(TrafficSession::configuration(uR"({"config":{"flaps_pct":20}})"_qs)));
         const std::weak_ptr<FakeSimulator> old = s.sim;
         const auto next = std::make_shared<FakeSimulator>();
         s.manager->setSimulator(next);
-        QCOMPARE(next->takeCalls(), (QStringList{add, update})); // NetworkManager's
-        emit s.sim->aircraftRemovedFromSim(ab2);                 // heard by nobody
+        QCOMPARE(next->takeCalls(), (QStringList{add, update, update}));
+        QCOMPARE(next->told.at(1).aircraft.configuration.gearDown, std::nullopt); // NetworkManager's: the last message
+        QCOMPARE(next->told.at(2).aircraft.configuration.gearDown, true);
+        emit s.sim->aircraftRemovedFromSim(ab2); // heard by nobody
         s.sim.reset();
         TRY_VERIFY(old.expired());
         QCOMPARE(s.aircraft->aircraft().size(), 1);

@@ -133,6 +133,40 @@ private slots:
                        uR"("spoilers_out":false,"on_ground":true}})"_qs);
     }
 
+    void ofALostSimulatorTheLastConfigurationHolds_data()
+    {
+        QTest::addColumn<bool>("replaced");
+        QTest::newRow("lost") << false;
+        QTest::newRow("another in its place") << true;
+    }
+
+    void ofALostSimulatorTheLastConfigurationHolds()
+    {
+        QFETCH(bool, replaced);
+        ReportingSession s;
+        QVERIFY(s.online);
+        emit s.sim->simConnectionStateChanged(true);
+        s.sample({.gearDown = true, .onGround = true});
+        if (replaced) {
+            s.sim = std::make_shared<FakeSimulator>();
+            s.manager->setSimulator(s.sim);
+        } else {
+            emit s.sim->simConnectionStateChanged(false);
+        }
+        s.sample({}); // cleared, as a simulator does that is lost or new
+        QVERIFY(s.peer.expectNothing());
+        s.peer.inject(uR"($CQAB2:AB1:ACC:{"request":"full"})"_qs);
+        const QString answer = s.peer.nextLine();
+        QVERIFY2(answer.contains(uR"("gear_down":true)"_qs) && answer.contains(uR"("on_ground":true)"_qs),
+                 qPrintable(answer));
+
+        s.sample({.gearDown = true});
+        emit s.sim->simConnectionStateChanged(true);
+        EXPECT_LINE(s, toAll + uR"({"config":{"on_ground":false}})"_qs);
+        s.sample({});
+        EXPECT_LINE(s, toAll + uR"({"config":{"gear_down":false}})"_qs);
+    }
+
     void otherConfigurationTextsAreNotAnswered_data()
     {
         QTest::addColumn<QString>("text");
@@ -193,6 +227,7 @@ private slots:
         s.addSimulator();
         const std::weak_ptr<FakeSimulator> old = s.sim;
         emit s.sim->userAircraftConfigDataChanged({.onGround = true});
+        emit s.sim->radioStackStateChanged({.squawkingModeC = true}); // says nothing about the next one
         const auto next = std::make_shared<FakeSimulator>();
         s.manager->setSimulator(next);
         emit s.sim->userAircraftConfigDataChanged({.onGround = false}); // heard by nobody
