@@ -26,7 +26,7 @@ bool isDigit(QChar character)
 
 QString knownDesignator(const network::SwiftAircraftIcaoService &icao, const QString &text)
 {
-    const network::SwiftAircraftIcaoResult result = icao.normalize(text);
+    const network::SwiftAircraftIcaoResult result = icao.normalize(text.left(TypeNormalizer::longestText));
     return result.found ? result.canonical : QString();
 }
 

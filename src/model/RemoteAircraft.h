@@ -28,7 +28,7 @@ struct RemoteAircraft
     AircraftVisualState visualState;     ///< last position
     AircraftConfiguration configuration; ///< merged by AircraftManager; in NetworkManager the last message's alone
     bool hasConfiguration = false;
-    QDateTime lastUpdate;      ///< last position; until there is one, when the record was made
+    QDateTime lastUpdate;      ///< last position or configuration; until there is one, when the record was made
     QDateTime lastStateChange; ///< AircraftManager: last addition; NetworkManager: last word on type or configuration
     State state = State::New;
     bool fastSeen = false;  ///< at least one fast position has arrived

@@ -72,7 +72,7 @@ void ApiService::login(const QString &username, const QString &password, Callbac
     const QNetworkRequest loginRequest = request(QStringLiteral("/users/sessions"));
     const QJsonObject body{{QStringLiteral("username"), username}, {QStringLiteral("password"), password}};
     logRequest("Login", loginRequest);
-    whenFinished(m_manager.post(loginRequest, QJsonDocument(body).toJson(QJsonDocument::Compact)),
+    whenFinished(m_manager.post(loginRequest, QJsonDocument(body).toJson(QJsonDocument::Compact)), longestTokenReply,
                  [this, password, callback = std::move(callback)](const ReplyOutcome &outcome) {
                      onLoginReply(outcome, {password}, callback);
                  });
@@ -111,7 +111,7 @@ void ApiService::refresh(const QString &refreshToken, Callback callback, bool fi
         refreshRequest.setUrl(url);
     }
     logRequest("Refresh", refreshRequest);
-    whenFinished(m_manager.get(refreshRequest),
+    whenFinished(m_manager.get(refreshRequest), longestTokenReply,
                  [this, refreshToken, callback = std::move(callback)](const ReplyOutcome &outcome) {
                      onRefreshReply(outcome, refreshToken, callback);
                  });
@@ -186,7 +186,7 @@ void ApiService::requestFSDToken(TokenCallback callback, bool mayRetry)
     }
     const QNetworkRequest tokenRequest = request(QStringLiteral("/users/sessions/fsd"), m_jwt);
     logRequest("GetFSDToken", tokenRequest);
-    whenFinished(m_manager.get(tokenRequest),
+    whenFinished(m_manager.get(tokenRequest), longestTokenReply,
                  [this, mayRetry, callback = std::move(callback)](const ReplyOutcome &outcome) {
                      if (outcome.ok()) {
                          model::FSDToken token;
@@ -211,17 +211,18 @@ void ApiService::getRecord(const RecordQuery &query, RecordCallback<T> callback)
     }
     const QNetworkRequest recordRequest = request(query.path, m_jwt);
     logRequest(query.logName, recordRequest);
-    whenFinished(m_manager.get(recordRequest), [query, callback = std::move(callback)](const ReplyOutcome &outcome) {
-        if (!outcome.ok()) {
-            callback(false, T(), networkError(outcome));
-            return;
-        }
-        const RecordReply<T> reply = RecordReply<T>::parse(jsonObject(outcome.body));
-        if (query.isSuccess(reply.code))
-            callback(true, reply.record, {});
-        else
-            callback(false, T(), reply.message.isEmpty() ? query.fallbackError : reply.message);
-    });
+    whenFinished(m_manager.get(recordRequest), longestRecordReply,
+                 [query, callback = std::move(callback)](const ReplyOutcome &outcome) {
+                     if (!outcome.ok()) {
+                         callback(false, T(), networkError(outcome));
+                         return;
+                     }
+                     const RecordReply<T> reply = RecordReply<T>::parse(jsonObject(outcome.body));
+                     if (query.isSuccess(reply.code))
+                         callback(true, reply.record, {});
+                     else
+                         callback(false, T(), reply.message.isEmpty() ? query.fallbackError : reply.message);
+                 });
 }
 
 void ApiService::getUserHistory(RecordCallback<model::UserHistory> callback)
@@ -267,12 +268,14 @@ QNetworkRequest ApiService::request(const QString &path, const QString &bearer) 
     return result;
 }
 
-void ApiService::whenFinished(QNetworkReply *reply, OutcomeHandler handler)
+void ApiService::whenFinished(QNetworkReply *reply, qint64 longestBody, OutcomeHandler handler)
 {
-    limitBody(reply);
+    ++m_underWay;
+    limitBody(reply, longestBody);
     QTimer::singleShot(m_callTimeout, reply, &QNetworkReply::abort); // a body that drips is never silent
     connect(reply, &QNetworkReply::finished, this,
             [this, reply, generation = m_generation, handler = std::move(handler)] {
+                --m_underWay;
                 reply->deleteLater();
                 if (generation != m_generation)
                     return;

@@ -66,12 +66,15 @@ public:
     bool hasToken() const { return !m_jwt.isEmpty(); }
     /// While a callback runs: whether the reply that it tells of had an HTTP status. Without one nobody answered.
     bool wasAnswered() const { return m_answered; }
+    /// True while a call is under way.
+    bool isWaiting() const { return m_underWay > 0; }
 
 private:
     using OutcomeHandler = std::function<void(const ReplyOutcome &)>;
 
     QNetworkRequest request(const QString &path, const QString &bearer = {}) const;
-    void whenFinished(QNetworkReply *reply, OutcomeHandler handler);
+    /// `longestBody`: in bytes.
+    void whenFinished(QNetworkReply *reply, qint64 longestBody, OutcomeHandler handler);
     /// Runs `task` from the event loop, unless the session was cleared meanwhile.
     void later(std::function<void()> task);
 
@@ -98,6 +101,7 @@ private:
     qint64 m_jwtExpiry = 0;   ///< Unix seconds, 0 for unknown
     quint64 m_generation = 0; ///< counts the cleared sessions, so that a late reply can tell that it is stale
     std::chrono::milliseconds m_callTimeout{60'000};
+    int m_underWay = 0;        ///< replies that aren't finished
     bool m_answered = false;   ///< by the last reply
     bool m_waitGoesOn = false; ///< the timer runs a clamped part of a longer wait
 };

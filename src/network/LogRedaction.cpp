@@ -11,7 +11,7 @@ namespace tarvo::network {
 namespace {
 
 constexpr qsizetype longestLogged = 4096;
-constexpr qsizetype longestBody = 256 * 1024; ///< bytes; an honest reply has a few thousand
+constexpr qsizetype longestBody = 16 * 1024; ///< bytes; an honest reply has a few thousand
 
 QString mask()
 {

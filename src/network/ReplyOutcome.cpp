@@ -14,10 +14,10 @@ bool ReplyOutcome::timedOut() const
     return error == QNetworkReply::TimeoutError || error == QNetworkReply::OperationCanceledError;
 }
 
-void limitBody(QNetworkReply *reply)
+void limitBody(QNetworkReply *reply, qint64 longest)
 {
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() <= longestReplyBody)
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [reply, longest] {
+        if (reply->bytesAvailable() <= longest)
             return;
         reply->setProperty(tooLongProperty, true); // abort() alone would look like a time-out
         reply->abort();

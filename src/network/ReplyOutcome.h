@@ -21,11 +21,13 @@ struct ReplyOutcome
     bool timedOut() const;
 };
 
-/// The longest body that is read. A reply that exceeds it is broken off and counts as a network error without body.
-inline constexpr qint64 longestReplyBody = 8 * 1024 * 1024;
+// The longest bodies that are read, in bytes: more would hold the window while it is looked through. Honest replies
+// have a few thousand, a history of 1,000 flights 150,000.
+inline constexpr qint64 longestTokenReply = 64 * 1024;
+inline constexpr qint64 longestRecordReply = 1024 * 1024;
 
-/// Breaks `reply` off once more than `longestReplyBody` bytes of body have arrived.
-void limitBody(QNetworkReply *reply);
+/// Breaks `reply` off once more than `longest` bytes of body have arrived: it counts as a network error without body.
+void limitBody(QNetworkReply *reply, qint64 longest);
 
 /// Takes what a finished reply holds.
 ReplyOutcome takeOutcome(QNetworkReply &reply);

@@ -11,7 +11,7 @@ namespace tarvo::network {
 
 namespace {
 
-constexpr qsizetype longestSearched = 64 * 1024; ///< characters; the log keeps far less
+constexpr qsizetype longestSearched = 8 * 1024; ///< characters; the log keeps half of it
 /// What a byte of a secret can grow to: a percent-encoded "\u0000" for half of a character.
 constexpr qsizetype longestForm = 18;
 constexpr qsizetype shortestInBase64 = 4; ///< bytes; a shorter secret stands in too many texts by chance

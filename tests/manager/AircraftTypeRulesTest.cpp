@@ -136,6 +136,8 @@ private slots:
         QVERIFY(data.load());
         TypeNormalizer types(data.icao);
         QCOMPARE(knownDesignator(data.icao, u"l2j b738"_qs), u"B738"_qs);
+        QCOMPARE(knownDesignator(data.icao, QString(252, u'-') + u"B738"_qs), u"B738"_qs);
+        QCOMPARE(knownDesignator(data.icao, QString(256, u'-') + u"B738"_qs), QString()); // longer texts are cut
         QCOMPARE(types.normalized(u"TYPE B738 W"_qs), u"B738"_qs);
         QCOMPARE(types.normalized(u"dc-3"_qs), u"DC3"_qs);
         QCOMPARE(types.normalized(u"XY99 or so"_qs), u"XY99"_qs); // not in the data

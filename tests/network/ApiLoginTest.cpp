@@ -1,6 +1,7 @@
 #include "network/ApiFixture.h"
 #include "network/ReplyOutcome.h"
 #include "support/LogCapture.h"
+#include "support/MainThreadWatch.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
@@ -93,7 +94,7 @@ private slots:
         QTest::newRow("not JSON") << 200 << QByteArray("<html>") << QStringLiteral("登录失败 (错误代码: )");
         QTest::newRow("JSON array") << 200 << QByteArray("[1]") << QStringLiteral("登录失败 (错误代码: )");
         QTest::newRow("nested beyond reason")
-            << 200 << QByteArray(100000, '[') << QStringLiteral("登录失败 (错误代码: )");
+            << 200 << QByteArray(60000, '[') << QStringLiteral("登录失败 (错误代码: )");
         QTest::newRow("bytes") << 200 << QByteArray("\x00\xff\xfe{", 4) << QStringLiteral("登录失败 (错误代码: )");
         QTest::newRow("empty body") << 200 << QByteArray() << QStringLiteral("登录失败：服务器返回了无效的响应");
         QTest::newRow("404 with body") << 404 << QByteArray("{}") << QStringLiteral("登录失败 (错误代码: )");
@@ -208,12 +209,26 @@ private slots:
     void aBodyWithoutEndIsBrokenOff()
     {
         ApiFixture fixture;
-        const QByteArray body = QByteArray(network::longestReplyBody + 1000000, ' ');
+        const QByteArray body(network::longestTokenReply + 1000000, ' ');
         fixture.peer.answer("POST", sessionsPath, {.body = body});
         Told told;
         fixture.start().login(m_user, m_password, told.callback());
         QTRY_COMPARE_WITH_TIMEOUT(told.calls, 1, 30000);
         QCOMPARE(told.message, QStringLiteral("网络错误 (200): The reply is too long"));
+    }
+
+    void theLongestRefusalHoldsNobodyUp()
+    {
+        ApiFixture fixture;
+        // Letters that could be Base64, percent signs and backslashes: a secret is looked for in all of them.
+        const QByteArray code = QByteArray("AAA%41\\\\u0041").repeated(60'000 / 14);
+        fixture.peer.answer("POST", sessionsPath, {.body = R"({"code":")" + code + R"("})"});
+        Told told;
+        MainThreadWatch watch;
+        fixture.start().login(m_user, m_password, told.callback());
+        TRY_COMPARE(told.calls, 1);
+        QVERIFY(!told.success);
+        VERIFY_NO_STANDSTILL(watch);
     }
 
     void aRedirectTakesTheTokenNowhereElse()

@@ -1,5 +1,7 @@
 #include "network/ApiFixture.h"
+#include "network/ReplyOutcome.h"
 #include "support/LogCapture.h"
+#include "support/MainThreadWatch.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
@@ -205,6 +207,35 @@ private slots:
         QVERIFY(!told.success);
         QVERIFY2(told.error.startsWith(QStringLiteral("Network error: ")), qPrintable(told.error));
         QCOMPARE(fixture.peer.requests().size(), 1);
+    }
+
+    void theLongestHistoryHoldsNobodyUp_data()
+    {
+        QTest::addColumn<qint64>("bodySize");
+        QTest::addColumn<bool>("success");
+        QTest::newRow("longest") << network::longestRecordReply << true;
+        QTest::newRow("longer") << network::longestRecordReply + 1 << false;
+        QTest::newRow("far longer") << 8 * network::longestRecordReply << false;
+    }
+
+    void theLongestHistoryHoldsNobodyUp()
+    {
+        QFETCH(qint64, bodySize);
+        QFETCH(bool, success);
+        const QByteArray flight = R"({"callsign":"CES1","start_time":"2026-01-01T00:00:00Z","online_time":1},)";
+        QByteArray body = R"({"code":"GET_USER_HISTORY","data":{"total_pilot_time":77,"pilots":[)";
+        body += flight.repeated((bodySize - body.size()) / flight.size() - 1) + "{}]}}";
+        body += QByteArray(bodySize - body.size(), ' ');
+        ApiFixture fixture;
+        fixture.peer.answer("GET", pathOf(Record::History), {.body = body});
+        ToldRecord told;
+        network::ApiService &service = fixture.startSignedIn(QStringLiteral("jwt-1"));
+        MainThreadWatch watch;
+        ask(service, Record::History, told);
+        TRY_COMPARE(told.calls, 1);
+        QCOMPARE(told.success, success);
+        QCOMPARE(told.number, success ? 77 : 0);
+        VERIFY_NO_STANDSTILL(watch);
     }
 
     void clearingDropsTheReply()

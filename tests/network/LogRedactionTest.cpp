@@ -46,7 +46,7 @@ private slots:
 
     void aLongBodyIsCut()
     {
-        const QByteArray body = "[\"" + QByteArray(100000, 'x') + "\"]";
+        const QByteArray body = "[\"" + QByteArray(10000, 'x') + "\"]";
         QCOMPARE(redactedBody(body, {QString(), QStringLiteral("pa\"ss")}).size(), 4096);
     }
 
@@ -124,7 +124,7 @@ private slots:
 
     void aBodyTooLongToLookThroughIsOnlyCounted()
     {
-        QCOMPARE(redactedBody("[\"" + QByteArray(300'000, 'x') + "\"]", {}), QStringLiteral("<300004 bytes>"));
+        QCOMPARE(redactedBody("[\"" + QByteArray(20'000, 'x') + "\"]", {}), QStringLiteral("<20004 bytes>"));
     }
 };
 
