@@ -19,6 +19,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <cstdlib>
 
 namespace tarvo {
 
@@ -71,6 +72,12 @@ int Application::run()
 {
     m_loginWindow.show();
     return QApplication::exec();
+}
+
+void Application::leave(int code, const network::ApiService &api)
+{
+    if (api.isWaiting())
+        std::_Exit(code); // settings and log are written as they come: nothing is lost
 }
 
 void Application::compose()

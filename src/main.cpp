@@ -9,9 +9,14 @@
 int main(int argc, char **argv)
 {
     QQuickStyle::setStyle(QStringLiteral("Basic")); // only before the application object
-    const QApplication toolkit(argc, argv);
+    const QApplication qt(argc, argv);
     tarvo::Application::setUp();
-    tarvo::Application application(tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),
-                                   tarvo::network::SwiftAircraftIcaoService::instance());
-    return application.run();
+    int code = 0;
+    {
+        tarvo::Application application(tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),
+                                       tarvo::network::SwiftAircraftIcaoService::instance());
+        code = application.run();
+    }
+    tarvo::Application::leave(code, tarvo::network::ApiService::instance());
+    return code;
 }

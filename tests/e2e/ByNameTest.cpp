@@ -4,6 +4,7 @@
 #include "support/TestRegistry.h"
 
 #include <QProcess>
+#include <QTemporaryDir>
 
 using namespace tarvo;
 using tarvo::test::Client;
@@ -122,16 +123,25 @@ private slots:
         QVERIFY(flight.client->events.isEmpty());
     }
 
+    void theProgramsEndWaitsForNoLookUp_data()
+    {
+        QTest::addColumn<QString>("leaver");
+        QTest::newRow("of the FSD server") << u"/fsd_look_up_leaver"_qs;
+        QTest::newRow("of the account service") << u"/app_leaver"_qs;
+    }
+
     void theProgramsEndWaitsForNoLookUp()
     {
-        QProcess leaver;
+        QFETCH(QString, leaver);
+        const QTemporaryDir folder;
+        QProcess process;
         QElapsedTimer time;
         time.start();
-        leaver.start(QCoreApplication::applicationDirPath() + u"/fsd_look_up_leaver"_qs, {dead});
-        QVERIFY(leaver.waitForFinished(test::patienceMs));
-        QCOMPARE(leaver.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(leaver.exitCode(), 0);
-        QVERIFY(!leaver.readAllStandardError().contains("2000 ms")); // what a worker's end waits for otherwise
+        process.start(QCoreApplication::applicationDirPath() + leaver, {folder.path(), dead});
+        QVERIFY(process.waitForFinished(test::patienceMs));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(!process.readAllStandardError().contains("2000 ms")); // what a worker's end waits for otherwise
         QVERIFY2(time.elapsed() < soonMs, qPrintable(QString::number(time.elapsed())));
     }
 
