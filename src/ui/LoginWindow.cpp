@@ -229,7 +229,7 @@ void LoginWindow::tryAutoLogin()
                 return;
             }
             qInfo() << "Auto login with refresh token success";
-            self->finish();
+            self->finishWithRemembered();
         },
         true);
 }
@@ -283,7 +283,7 @@ void LoginWindow::startPasswordLogin()
                     }
                     qInfo() << "Auto login with password success"; // also by hand: one line for both
                     self->storeForm();
-                    self->finish();
+                    self->finish(self->m_form->username(), self->m_form->password());
                 });
 }
 
@@ -303,10 +303,19 @@ void LoginWindow::rememberForSession(const QString &username, const QString &pas
     m_config.set(config::sessionPassword, password);
 }
 
-void LoginWindow::finish()
+/// Not with what stands in the form: the pilot may have begun to type before the token was taken.
+void LoginWindow::finishWithRemembered()
+{
+    if (m_config.get(config::authRememberPassword))
+        finish(m_config.get(config::authUsername), m_config.get(config::authPassword));
+    else
+        finish({}, {});
+}
+
+void LoginWindow::finish(const QString &username, const QString &password)
 {
     m_form->setBusy(false);
-    rememberForSession(m_form->username(), m_form->password());
+    rememberForSession(username, password);
     // From here on only the configuration knows them; the next show fills the form from there.
     m_form->setUsername(QString());
     m_form->setPassword(QString());

@@ -55,7 +55,8 @@ private:
     void startPasswordLogin();
     void passwordLoginFailed(const QString &reason);
     void rememberForSession(const QString &username, const QString &password);
-    void finish();
+    void finishWithRemembered();
+    void finish(const QString &username, const QString &password);
 
     AppConfig &m_config;
     network::ApiService &m_api;

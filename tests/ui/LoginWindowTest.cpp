@@ -341,6 +341,19 @@ private slots:
         QCOMPARE(stage.config.get(config::sessionPassword), QString());
     }
 
+    void whatIsTypedBeforeARefreshIsNobodysName()
+    {
+        LoginStage stage;
+        stage.store(QString(), QString(), false, true);
+        stage.config.set(config::authRefreshToken, u"kept"_qs);
+        stage.peer.acceptLogin();
+        stage.window.show();
+        stage.type(u"10"_qs, u"pra"_qs);
+        QTRY_COMPARE(stage.success.size(), 1);
+        QCOMPARE(stage.config.get(config::sessionUsername), u"1001"_qs);
+        QCOMPARE(stage.config.get(config::sessionPassword), QString());
+    }
+
     void aStaleRefreshTokenFallsThroughToThePassword()
     {
         LoginStage stage;
