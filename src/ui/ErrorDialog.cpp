@@ -19,10 +19,11 @@ constexpr int fadeMs = 180;
 
 constexpr qsizetype longestMessage = 500; ///< characters
 
-/// A server's text may be of any length; the dialog has to fit the screen.
+/// A server's text may be of any length and have any number of lines; the dialog has to fit the screen.
 QString shortened(const QString &message)
 {
-    return message.size() <= longestMessage ? message : message.left(longestMessage) + QStringLiteral("…");
+    const QString shown = message.left(longestMessage).simplified();
+    return message.size() <= longestMessage ? shown : shown + QStringLiteral("…");
 }
 
 QLabel *makeBadge(QWidget *parent)

@@ -30,6 +30,7 @@ void SimulatorFeed::connectSession()
 {
     const NetworkManager *network = m_network.get();
     connect(network, &NetworkManager::simulatorDataUpdated, this, &SimulatorFeed::takeSample);
+    connect(network, &NetworkManager::radioStatesUpdate, this, &SimulatorFeed::takeRadio);
     connect(network, &NetworkManager::simulatorPluginStatusUpdated, &m_page, &SimulatorPageViewModel::setPluginValid);
     connect(network, &NetworkManager::simulatorCslStatusUpdated, &m_page, &SimulatorPageViewModel::setCslValid);
     connect(network, &NetworkManager::simulatorTrafficMappingStatusUpdated, &m_page,
@@ -74,28 +75,37 @@ void SimulatorFeed::setSeen(bool seen)
     m_seen = seen;
     if (!seen)
         return;
-    if (m_missed)
-        showSample(*std::exchange(m_missed, std::nullopt));
+    if (std::exchange(m_missed, false))
+        showSample();
     if (m_trafficTimer.isActive())
         showTraffic();
 }
 
 void SimulatorFeed::takeSample(const manager::SimulatorData &sample)
 {
+    m_latest = sample;
+    m_missed = !m_seen;
     if (m_seen)
-        showSample(sample);
-    else
-        m_missed = sample;
+        showSample();
 }
 
-void SimulatorFeed::showSample(const manager::SimulatorData &sample)
+/// While nothing moves, as in a pause, no sample brings it.
+void SimulatorFeed::takeRadio(const model::RadioStackState &radio)
+{
+    manager::SimulatorData sample = m_latest;
+    sample.radio = radio;
+    takeSample(sample);
+}
+
+void SimulatorFeed::showSample()
 {
     // A lost simulator announces the last it said once more: that is no longer so.
-    if (sample.simConnected)
-        m_page.setOwnAircraft(sample.aircraft, sample.config, sample.radio, sample.simPaused);
+    const manager::SimulatorData shown = m_latest;
+    if (shown.simConnected)
+        m_page.setOwnAircraft(shown.aircraft, shown.config, shown.radio, shown.simPaused);
     else
         m_page.clearOwnAircraft();
-    emit sampleShown(sample);
+    emit sampleShown(shown);
 }
 
 void SimulatorFeed::showTraffic()

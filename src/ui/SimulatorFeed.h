@@ -6,7 +6,6 @@
 #include <QTimer>
 
 #include <memory>
-#include <optional>
 
 namespace tarvo::manager {
 class NetworkManager;
@@ -37,15 +36,17 @@ private:
     void connectSession();
     void connectRequests();
     void takeSample(const manager::SimulatorData &sample);
-    void showSample(const manager::SimulatorData &sample);
+    void takeRadio(const model::RadioStackState &radio);
+    void showSample();
     void showTraffic();
     void forgetTraffic();
 
     std::shared_ptr<manager::NetworkManager> m_network;
     SimulatorPageViewModel &m_page;
     bool m_seen = true;
-    std::optional<manager::SimulatorData> m_missed; ///< what came last while the pages weren't seen
-    QTimer m_trafficTimer;                          ///< runs while connected: the table has no signal of its own
+    manager::SimulatorData m_latest;
+    bool m_missed = false; ///< `m_latest` came while the pages weren't seen
+    QTimer m_trafficTimer; ///< runs while connected: the table has no signal of its own
 };
 
 } // namespace tarvo::ui

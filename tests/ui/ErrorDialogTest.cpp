@@ -50,6 +50,8 @@ private slots:
         QCOMPARE(whole.findChild<QLabel *>(u"messageLabel"_qs)->text(), QString(500, u'x'));
         const ErrorDialog cut(u"登录失败"_qs, QString(100'000, u'x'));
         QCOMPARE(cut.findChild<QLabel *>(u"messageLabel"_qs)->text(), QString(500, u'x') + u"…"_qs);
+        const ErrorDialog lines(u"登录失败"_qs, u"code: x"_qs + QString(400, u'\n') + u"y"_qs);
+        QCOMPARE(lines.findChild<QLabel *>(u"messageLabel"_qs)->text(), u"code: x y"_qs);
     }
 
     void opensFadingInOnTheMiddleOfItsParentAndGoesWithTheButton()

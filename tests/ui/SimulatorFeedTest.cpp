@@ -133,6 +133,20 @@ private slots:
         QCOMPARE(stage.page.xplaneVersionText(), u"未获取"_qs);
     }
 
+    void whatIsTunedInAPauseIsShown()
+    {
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        emit stage.session.sim->simPausedStateChanged(true);
+        emit stage.session.sim->radioStackStateChanged({.com1Frequency = 121'800});
+        QCOMPARE(stage.page.com1Frequency(), u"121.800"_qs);
+        stage.feed.setSeen(false);
+        emit stage.session.sim->radioStackStateChanged({.com1Frequency = 118'500});
+        QCOMPARE(stage.page.com1Frequency(), u"121.800"_qs);
+        stage.feed.setSeen(true);
+        QCOMPARE(stage.page.com1Frequency(), u"118.500"_qs);
+    }
+
     void aLostSimulatorTakesItsDataAlong_data()
     {
         QTest::addColumn<Loss>("lose");

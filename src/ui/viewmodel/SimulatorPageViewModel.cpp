@@ -291,8 +291,10 @@ void SimulatorPageViewModel::setRemoteAircraft(const QList<model::RemoteAircraft
         return; // there the snapshot has the same aircraft, where the simulator shows them
     QList<TrafficTarget> targets;
     targets.reserve(aircraft.size());
-    for (const model::RemoteAircraft &one : aircraft)
-        targets << targetFrom(one);
+    for (const model::RemoteAircraft &one : aircraft) {
+        if (isPosition(one.visualState.latitude, one.visualState.longitude)) // a flight plan alone is no traffic
+            targets << targetFrom(one);
+    }
     if (targets == m_targets)
         return;
     m_targets = targets;

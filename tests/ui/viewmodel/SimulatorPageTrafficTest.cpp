@@ -53,7 +53,7 @@ private slots:
         SimulatorPageViewModel model;
         model.setMode(u"XPLANE"_qs);
         QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
-        const QList<RemoteAircraft> table{remote("FAR", 32, 121), remote("NEAR", 31.1, 121)};
+        const QList<RemoteAircraft> table{remote("FAR", 32, 121), remote("NEAR", 31.1, 121), remote("NOWHERE", 0, 0)};
         for (int i = 0; i < 2; ++i)
             model.setRemoteAircraft(table);
         QCOMPARE(traffic.count(), 1);
