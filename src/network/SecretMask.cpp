@@ -11,7 +11,8 @@ namespace tarvo::network {
 
 namespace {
 
-constexpr qsizetype longestSearched = 8 * 1024; ///< characters; the log keeps half of it
+constexpr qsizetype longestSearched =
+    40 * 1024; ///< characters: the log keeps a tenth, and behind that a token may begin
 /// What a byte of a secret can grow to: a percent-encoded "\u0000" for half of a character.
 constexpr qsizetype longestForm = 18;
 constexpr qsizetype shortestInBase64 = 4; ///< bytes; a shorter secret stands in too many texts by chance
@@ -26,16 +27,40 @@ struct Decoded
 using Decoder = Decoded (*)(QByteArrayView text);
 using Range = std::pair<qsizetype, qsizetype>; ///< first byte, and the one behind the last
 
+int digitValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+/// -1 where that many hexadecimal digits don't stand.
 int hexNumber(QByteArrayView text, qsizetype at, int digits)
 {
-    bool ok = at + digits <= text.size();
-    const int value = ok ? text.sliced(at, digits).toByteArray().toInt(&ok, 16) : 0;
-    return ok ? value : -1;
+    if (at + digits > text.size())
+        return -1;
+    int value = 0;
+    for (const char c : text.sliced(at, digits)) {
+        const int digit = digitValue(c);
+        if (digit < 0)
+            return -1;
+        value = value * 16 + digit;
+    }
+    return value;
+}
+
+Decoded withRoomFor(QByteArrayView text)
+{
+    Decoded result;
+    result.bytes.reserve(text.size());
+    result.from.reserve(text.size() + 1);
+    return result;
 }
 
 Decoded percentDecoded(QByteArrayView text)
 {
-    Decoded result;
+    Decoded result = withRoomFor(text);
     for (qsizetype at = 0; at < text.size();) {
         const int value = text[at] == '%' ? hexNumber(text, at + 1, 2) : -1;
         result.bytes += value < 0 ? text[at] : static_cast<char>(value);
@@ -69,38 +94,51 @@ Decoded jsonDecoded(QByteArrayView text)
 {
     constexpr QByteArrayView letters = "bfnrt";
     constexpr QByteArrayView meanings = "\b\f\n\r\t";
-    Decoded result;
+    Decoded result = withRoomFor(text);
     for (qsizetype at = 0; at < text.size();) {
-        QByteArray bytes(1, text[at]);
-        qsizetype length = 1;
-        if (text[at] == '\\' && at + 1 < text.size()) {
-            const QString units = jsonUnits(text, at);
+        const qsizetype start = at;
+        if (text[at] != '\\' || at + 1 == text.size()) {
+            result.bytes += text[at++];
+        } else if (const QString units = jsonUnits(text, at); !units.isEmpty()) {
+            result.bytes += units.toUtf8();
+            at += 6 * units.size();
+        } else {
             const qsizetype letter = letters.indexOf(text[at + 1]);
-            bytes = !units.isEmpty() ? units.toUtf8() : QByteArray(1, letter < 0 ? text[at + 1] : meanings[letter]);
-            length = units.isEmpty() ? 2 : 6 * units.size();
+            result.bytes += letter < 0 ? text[at + 1] : meanings[letter];
+            at += 2;
         }
-        for (const char byte : std::as_const(bytes)) {
-            result.bytes += byte;
-            result.from += at;
-        }
-        at += length;
+        while (result.from.size() < result.bytes.size())
+            result.from += start;
     }
     result.from += text.size();
     return result;
 }
 
+struct Chain
+{
+    QByteArrayView escapes; ///< a text with none of these reads the same with another chain
+    QList<Decoder> decoders;
+
+    bool isNeeded(QByteArrayView text) const
+    {
+        return decoders.isEmpty() ||
+               std::any_of(escapes.begin(), escapes.end(), [text](char escape) { return text.contains(escape); });
+    }
+};
+
 /// The ways in which a service may quote what it was sent, the outermost first.
-const QList<QList<Decoder>> chains{{},
-                                   {jsonDecoded},
-                                   {jsonDecoded, jsonDecoded},
-                                   {percentDecoded},
-                                   {percentDecoded, jsonDecoded},
-                                   {formDecoded},
-                                   {formDecoded, jsonDecoded}};
+const QList<Chain> chains{{"", {}},
+                          {"\\", {jsonDecoded}},
+                          {"\\", {jsonDecoded, jsonDecoded}},
+                          {"%", {percentDecoded}},
+                          {"%", {percentDecoded, jsonDecoded}},
+                          {"%+", {formDecoded}},
+                          {"%+", {formDecoded, jsonDecoded}}};
 
 Decoded decoded(const QByteArray &text, const QList<Decoder> &chain)
 {
     Decoded result{text, {}};
+    result.from.reserve(text.size() + 1);
     for (qsizetype at = 0; at <= text.size(); ++at)
         result.from += at;
     for (const Decoder decode : chain) {
@@ -116,8 +154,10 @@ Decoded decoded(const QByteArray &text, const QList<Decoder> &chain)
 QList<Range> plainRanges(const QByteArray &text, const QByteArrayList &secrets)
 {
     QList<Range> ranges;
-    for (const QList<Decoder> &chain : chains) {
-        const Decoded seen = decoded(text, chain);
+    for (const Chain &chain : chains) {
+        if (!chain.isNeeded(text))
+            continue;
+        const Decoded seen = decoded(text, chain.decoders);
         for (const QByteArray &secret : secrets) {
             for (qsizetype at = seen.bytes.indexOf(secret); at >= 0;
                  at = seen.bytes.indexOf(secret, at + secret.size()))
