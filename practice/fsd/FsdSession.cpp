@@ -76,7 +76,7 @@ void FsdSession::read()
         else
             emit lineReceived(QString::fromLatin1(line));
     }
-    for (int overlong = m_reader.takeOverlong(); overlong > 0 && isOpen(); --overlong)
+    for (int overlong = m_reader.takeOverlong(); overlong > 0; --overlong)
         complain(FsdError::SyntaxError, {}, QStringLiteral("Line too long"));
 }
 
