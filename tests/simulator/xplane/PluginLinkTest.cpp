@@ -144,13 +144,18 @@ private slots:
         for (PluginBench &bench : benches) {
             bench.startPlugin();
             bench.link->dialAnew();
-            bench.link->send(message::version());
         }
         for (PluginBench &bench : benches) {
-            TRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{message::version()});
+            const auto arrives = [&bench] { // sent again and again: nng's own dialling may just have made a connection
+                bench.link->send(message::version());
+                return !bench.plugin->messages().isEmpty();
+            };
+            TRY_VERIFY(arrives());
+            const QSignalSpy connections(bench.link.get(), &PluginLink::pluginConnected);
             bench.link->dialAnew(); // does nothing to a connection
             bench.link->send(message::removeAll());
-            TRY_COMPARE(bench.plugin->messages(), (QList<QByteArray>{message::version(), message::removeAll()}));
+            TRY_COMPARE(bench.plugin->messages().last(), message::removeAll());
+            QCOMPARE(connections.size(), 0);
         }
     }
 
