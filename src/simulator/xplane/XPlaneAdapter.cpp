@@ -358,9 +358,9 @@ void XPlaneAdapter::transponderModeToggle()
 
 // --- what goes to the plugin ---
 
-void XPlaneAdapter::send(const QByteArray &message, Kind kind, const QString &callsign)
+void XPlaneAdapter::send(const OutgoingMessage &message)
 {
-    m_plugin->send({message, kind, callsign});
+    m_plugin->send(message);
 }
 
 void XPlaneAdapter::addAircraft(const model::RemoteAircraft &aircraft)
@@ -370,7 +370,7 @@ void XPlaneAdapter::addAircraft(const model::RemoteAircraft &aircraft)
         QStringLiteral("type %1, airline %2, %3")
             .arg(aircraft.typeCode, aircraft.airline,
                  m_plugin->isConnected() ? QStringLiteral("the plugin is there") : QStringLiteral("no plugin yet")));
-    send(message::add(aircraft), Kind::Existence, aircraft.callsign);
+    send({message::add(aircraft), Kind::Existence, aircraft.callsign});
 }
 
 void XPlaneAdapter::updateAircraftConfiguration(const model::RemoteAircraft &aircraft)
@@ -380,12 +380,12 @@ void XPlaneAdapter::updateAircraftConfiguration(const model::RemoteAircraft &air
 
 void XPlaneAdapter::removeAircraft(const model::RemoteAircraft &aircraft, const QString &reason)
 {
-    send(message::remove(aircraft.callsign, reason), Kind::Existence, aircraft.callsign);
+    send({message::remove(aircraft.callsign, reason), Kind::Existence, aircraft.callsign});
 }
 
 void XPlaneAdapter::removeAllAircraft()
 {
-    send(message::removeAll(), Kind::ExistenceOfAll);
+    send({message::removeAll(), Kind::ExistenceOfAll});
 }
 
 void XPlaneAdapter::setControllers(const QList<model::Controller> &controllers)
@@ -400,15 +400,15 @@ void XPlaneAdapter::clearControllers()
 
 void XPlaneAdapter::positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state)
 {
-    send(message::position(aircraft, state), Kind::Position, aircraft.callsign);
+    send({message::position(aircraft, state), Kind::Position, aircraft.callsign});
 }
 
 void XPlaneAdapter::fastPositionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state,
                                        const model::VelocityVector &positionalVelocity,
                                        const model::VelocityVector &rotationalVelocity)
 {
-    send(message::fastPosition(aircraft, state, positionalVelocity, rotationalVelocity), Kind::Position,
-         aircraft.callsign);
+    send({message::fastPosition(aircraft, state, positionalVelocity, rotationalVelocity), Kind::Position,
+          aircraft.callsign});
 }
 
 void XPlaneAdapter::aircraftHeartbeat(const QString &callsign)

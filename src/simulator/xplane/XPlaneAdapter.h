@@ -4,7 +4,6 @@
 #include "common/Clock.h"
 #include "simulator/Simulator.h"
 #include "simulator/xplane/ConnectionAttempt.h"
-#include "simulator/xplane/Outbox.h"
 #include "simulator/xplane/PluginReports.h"
 
 #include <QTimer>
@@ -19,6 +18,7 @@ namespace tarvo::simulator::xplane {
 
 class DatarefLink;
 class PluginLink;
+struct OutgoingMessage;
 
 /// X-Plane as the session's simulator: a message socket to a plugin inside it, which draws the traffic, and its UDP
 /// interface, which tells of the own aircraft. Main thread only; nothing here waits for the simulator.
@@ -98,8 +98,7 @@ private:
     void disconnectSimulator();
     qint64 nowSeconds() const;
 
-    void send(const QByteArray &message, OutgoingMessage::Kind kind = OutgoingMessage::Kind::Other,
-              const QString &callsign = {});
+    void send(const OutgoingMessage &message);
     void onReport(const PluginReport &report);
     // One for each kind of report.
     void on(const report::Unknown &) {}
