@@ -41,7 +41,7 @@ bool isOrdinary(const QString &key)
 }
 
 /// False for bytes on which QSettings' own reader differs on purpose: broken UTF-8, which it reads across escapes, and
-/// byte order marks, which it drops.
+/// byte order marks, which it drops; and a NUL behind "%", at which it ends the number.
 bool isHarmless(const QByteArray &bytes, const Values &values)
 {
     QStringDecoder utf8(QStringDecoder::Utf8);
@@ -50,6 +50,10 @@ bool isHarmless(const QByteArray &bytes, const Values &values)
         return false;
     for (qsizetype at = bytes.indexOf('\\'); at >= 0; at = bytes.indexOf('\\', at + 1)) {
         if (at + 1 < bytes.size() && static_cast<unsigned char>(bytes.at(at + 1)) >= 0x80)
+            return false;
+    }
+    for (qsizetype at = bytes.indexOf('%'); at >= 0; at = bytes.indexOf('%', at + 1)) {
+        if (bytes.mid(at, 6).contains('\0'))
             return false;
     }
     return std::all_of(values.begin(), values.end(), isPlain) &&
