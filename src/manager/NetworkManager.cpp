@@ -293,6 +293,8 @@ void NetworkManager::setSimulator(std::shared_ptr<Simulator> simulator)
     const std::weak_ptr<Simulator> installed = m_session->simulator;
     connectSimulator();
     m_own->startOver();
+    if (installed.lock() != m_session->simulator)
+        return; // whoever heard that has replaced it already
     m_traffic->giveToSimulator();
     emit simulatorChanged();
 

@@ -11,7 +11,8 @@ using simulator::Simulator;
 
 namespace {
 constexpr int watchIntervalMs = 500;
-constexpr qint64 wholeAfterMs = 1500; ///< so long after the first live sample every value has been told
+constexpr quint32 lowestFrequency = 100'000; ///< kHz; a radio message names its frequency without the first digit
+constexpr qint64 wholeAfterMs = 1500;        ///< so long after the first live sample every value has been told
 } // namespace
 
 OwnAircraft::OwnAircraft(SessionContext &session, QObject *parent)
@@ -75,10 +76,12 @@ void OwnAircraft::onRadioStackState(const model::RadioStackState &state)
         return;
     m_data.radio = told;
     m_transmitFrequencies.clear();
-    if (told.com1TransmitEnabled)
-        m_transmitFrequencies.append(told.com1Frequency);
-    if (told.com2TransmitEnabled)
-        m_transmitFrequencies.append(told.com2Frequency);
+    const auto transmitOn = [this](bool enabled, quint32 frequency) {
+        if (enabled && frequency >= lowestFrequency)
+            m_transmitFrequencies.append(frequency);
+    };
+    transmitOn(told.com1TransmitEnabled, told.com1Frequency);
+    transmitOn(told.com2TransmitEnabled, told.com2Frequency);
     rememberPosition();
     emit radioChanged(told);
 }

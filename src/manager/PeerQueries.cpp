@@ -41,7 +41,7 @@ void PeerQueries::onClientQuery(const ClientQuery &pdu)
         answerCapabilities(pdu);
         break;
     case ClientQueryType::Com1Frequency:
-        answer(pdu, {QString::number(m_own.data().radio.com1Frequency / 1000.0, 'f', 3)});
+        answer(pdu, {QString::number(m_own.position().radio.com1Frequency / 1000.0, 'f', 3)});
         break;
     case ClientQueryType::RealName:
         answer(pdu, {m_session.realNameWithAirport(), QStringLiteral("1")});

@@ -80,10 +80,10 @@ bool RemoteAircraftTable::isPositionKnown(const QString &callsign) const
     return found != m_entries.constEnd() && found->positionKnown;
 }
 
-void RemoteAircraftTable::positionKnown(const QString &callsign)
+void RemoteAircraftTable::setPositionKnown(const QString &callsign, bool known)
 {
     if (const auto found = m_entries.find(callsign); found != m_entries.end())
-        found->positionKnown = true;
+        found->positionKnown = known;
 }
 
 bool RemoteAircraftTable::shouldAskForType(const QString &callsign, qint64 nowMs)

@@ -36,9 +36,9 @@ public:
     /// In no order.
     QList<model::RemoteAircraft> all() const;
 
-    /// The simulator may be told of an aircraft once its first position has come.
+    /// The simulator may be told of an aircraft once its position has come.
     bool isPositionKnown(const QString &callsign) const;
-    void positionKnown(const QString &callsign);
+    void setPositionKnown(const QString &callsign, bool known);
 
     /// A type that nobody can tell is not asked for more often, whatever is answered.
     static constexpr qint64 typeIntervalMs = 10'000;

@@ -126,7 +126,7 @@ void RemoteTraffic::notePosition(RemoteAircraft &aircraft, const model::Aircraft
 {
     aircraft.visualState = state;
     aircraft.lastUpdate = now();
-    m_table.positionKnown(aircraft.callsign);
+    m_table.setPositionKnown(aircraft.callsign, true);
 }
 
 /// Asks what is still unknown of an aircraft that has reported, and sees to it that the simulator shows it.
@@ -206,12 +206,14 @@ void RemoteTraffic::listenToSimulator()
                                         &RemoteTraffic::onRemovedFromSimulator)});
 }
 
-/// One that was taken away for its silence is new again when it is heard again.
+/// One that was taken away for its silence is new again when it is heard again: where it is now nobody knows.
 void RemoteTraffic::onRemovedFromSimulator(const QString &callsign)
 {
     RemoteAircraft *aircraft = m_table.find(common::normalisedCallsign(callsign));
-    if (aircraft && aircraft->state == State::InSimulator)
-        aircraft->state = State::New;
+    if (!aircraft || aircraft->state != State::InSimulator)
+        return;
+    aircraft->state = State::New;
+    m_table.setPositionKnown(aircraft->callsign, false);
 }
 
 void RemoteTraffic::giveToSimulator()

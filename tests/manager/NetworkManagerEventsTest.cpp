@@ -47,6 +47,17 @@ private slots:
         QVERIFY(s.peer.expectNothing());
     }
 
+    void ofALostSimulatorTheLastFrequencyIsTold()
+    {
+        OnlineSession s;
+        QVERIFY(s.online);
+        emit s.sim->radioStackStateChanged({.com1Frequency = 118275});
+        emit s.sim->simConnectionStateChanged(false);
+        emit s.sim->radioStackStateChanged({});
+        s.peer.inject(u"$CQAB2:AB1:C?"_qs);
+        EXPECT_LINE(s, u"$CRAB1:AB2:C?:118.275"_qs);
+    }
+
     void unansweredQueries_data()
     {
         QTest::addColumn<QString>("query");

@@ -230,6 +230,10 @@ private slots:
         radio.com2TransmitEnabled = com2;
         emit s.sim->radioStackStateChanged(radio);
         QCOMPARE(texts(s.manager->transmitFrequencies()), expected);
+        radio.com1Frequency = 0; // as in a simulator that lacks the frequency: nobody could hear that
+        radio.com2Frequency = 99'999;
+        emit s.sim->radioStackStateChanged(radio);
+        QCOMPARE(s.manager->transmitFrequencies(), QList<uint>());
     }
 
     void forwards()

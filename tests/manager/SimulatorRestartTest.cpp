@@ -71,6 +71,21 @@ private slots:
         QCOMPARE(s.sim->takeCalls(), QStringList());
     }
 
+    void oneThatIsReplacedAsItComesIsGivenNothing()
+    {
+        ShownSession s;
+        QVERIFY(s.shown);
+        const auto first = std::make_shared<FakeSimulator>();
+        const auto second = std::make_shared<FakeSimulator>();
+        connect(s.manager.get(), &manager::NetworkManager::simulatorConnectionStateChanged, second.get(), [&] {
+            if (s.manager->simulator() == first)
+                s.manager->setSimulator(second);
+        });
+        s.manager->setSimulator(first);
+        QCOMPARE(first->calls.count(add), 0);
+        QCOMPARE(second->calls.count(add), 1);
+    }
+
     void aRestartInTheAirIsNoTakeOff()
     {
         test::Session s;
@@ -93,6 +108,7 @@ private slots:
         emit s.sim->aircraftRemovedFromSim(u"ab2"_qs);
         QCOMPARE(s.known().state, State::New);
         QVERIFY(s.aircraft->aircraft().isEmpty());
+        QCOMPARE(s.told(TrafficSession::configuration(gearUp)), QStringList()); // it may be anywhere by now
         s.peer.inject(TrafficSession::slow(ab2));
         TRY_COMPARE(s.known().state, State::InSimulator);
         QCOMPARE(s.sim->takeCalls().mid(0, 2), (QStringList{add, update}));
