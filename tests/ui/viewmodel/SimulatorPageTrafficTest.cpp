@@ -179,6 +179,15 @@ private slots:
         QVERIFY(distance < 7); // seen from where the aircraft is now
     }
 
+    void aSnapshotWithoutAnOwnPositionIsListedUpToTheBound()
+    {
+        SimulatorPageViewModel model;
+        model.setMode(u"MSFS"_qs);
+        model.setTrafficContacts(QVariantList(300, snapshotRow("B2352", 31.1, 121, 0)));
+        QCOMPARE(model.contactRows()->rowCount(), 200);
+        QVERIFY(model.plotContacts().isEmpty());
+    }
+
     void aSnapshotInAnotherModeIsNotPlotted()
     {
         SimulatorPageViewModel model;
