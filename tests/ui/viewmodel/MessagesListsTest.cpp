@@ -198,6 +198,19 @@ private slots:
         compare(fixture.model);
     }
 
+    void anUnreadMessageThatReplacesAReadOneChangesTheCounts()
+    {
+        MessagesFixture fixture;
+        fixture.model.addServerMessage(u"read"_qs);
+        fixture.model.setActiveChannel(u"SERVER"_qs);
+        fixture.model.setActiveChannel(u"RADIO"_qs);
+        for (int i = 0; i < 299; ++i)
+            fixture.model.addRadioSent(QString(), {});
+        fixture.told();
+        fixture.model.addServerMessage(u"unread"_qs);
+        QCOMPARE(fixture.told(), u"messages stats unread sound server 1"_qs);
+    }
+
     /// Whatever their order and number: one row's step for each.
     void eachStationThatGoesIsOneRow()
     {
