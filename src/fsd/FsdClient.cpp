@@ -129,6 +129,7 @@ void FsdClient::attach()
 
 bool FsdClient::connectToServer(const QString &host, quint16 port)
 {
+    abandonServerChange(); // its look-up ends with this one
     const std::optional<QString> address = m_resolver.resolve(host);
     if (!address)
         return false;
@@ -211,7 +212,8 @@ void FsdClient::raiseSocketError()
         return;
     const StackGuard guard(*this);
     const int session = m_session;
-    emit raiseNetworkError(error->text);
+    if (!error->text.isEmpty())
+        emit raiseNetworkError(error->text);
     if (error->isClose && session == m_session)
         dropConnection();
 }
@@ -350,8 +352,11 @@ void FsdClient::onNewServerError(QTcpSocket *socket)
         return;
     const StackGuard guard(*this);
     abandonServerChange();
-    if (m_socket->state() != QAbstractSocket::ConnectedState)
-        dropConnection();
+    if (m_socket->state() == QAbstractSocket::ConnectedState)
+        return;
+    m_socketError = SocketError{.text = {}, .isClose = true}; // silent, and behind the lines that wait
+    if (!m_nextTurn.isActive())
+        raiseSocketError();
 }
 
 void FsdClient::abandonServerChange()

@@ -181,6 +181,17 @@ private slots:
         QVERIFY(second.expectNothing()); // the client is there
     }
 
+    /// Nobody is where it leads, and the old server has gone: what it said before that is heard all the same.
+    void aServerChangeThatFailsAmongTheLinesThatWait()
+    {
+        Slow net;
+        QVERIFY(net.open());
+        net.peer.injectBytes(pings(20) + "$XXS:C:127.0.0.2\r\n" + pings(2000, 20));
+        net.peer.closeConnection();
+        TRY_COMPARE(net.order.size(), 2021);
+        QCOMPARE(net.order, numbers(2020) << u"over"_qs);
+    }
+
     void theEventLoopTurnsInAFlood_data()
     {
         QTest::addColumn<QByteArray>("line");

@@ -254,6 +254,21 @@ private slots:
         QCOMPARE(net.errors.count(), 1);
     }
 
+    void anotherConnectionDuringAChangesLookUpEndsTheChange()
+    {
+        TwoServers net;
+        QVERIFY(net.open());
+        net.change(QStringLiteral("localhost"));
+        net.whenPinged(QStringLiteral("now"), [&net] { return !net.client.connectToServer(u"not..a.name"_qs, 1); });
+        net.first.inject(QStringLiteral("$PISERVER:CES1:now"));
+        TRY_COMPARE(net.pings.size(), 1);
+        QVERIFY(net.nestedWell);
+        net.errors.clear(); // of the name
+        net.first.closeConnection();
+        TRY_COMPARE(net.disconnected.size(), 1);
+        QCOMPARE(net.errors.size(), 1);
+    }
+
     void aRefusedChangeKeepsTheOldServer()
     {
         TwoServers net;

@@ -17,7 +17,7 @@ class PipeWatch : public QObject
 public:
     explicit PipeWatch(nng_socket socket);
 
-    bool isConnected() const { return m_pipes > 0; }
+    bool isConnected() const { return m_pipe != 0; }
 
 signals:
     /// Raised by a thread of nng's.
@@ -26,7 +26,7 @@ signals:
 private:
     static void onEvent(nng_pipe pipe, nng_pipe_ev event, void *watch);
 
-    std::atomic<int> m_pipes = 0; ///< 0 or 1
+    std::atomic<int> m_pipe = 0; ///< the id of the one that is up, over 0
 };
 
 } // namespace tarvo::simulator::xplane

@@ -24,7 +24,7 @@ constexpr int tickIntervalMs = 1000;
 constexpr int attemptTimeoutMs = 3000;
 constexpr qint64 callIntervalSeconds = 10;
 /// Time enough for a plugin on this machine to answer.
-constexpr qint64 shortestDialSeconds = 1;
+constexpr qint64 shortestDialMs = 1000;
 
 constexpr char transponderCodeDataref[] = "sim/cockpit/radios/transponder_code";
 constexpr char transponderModeDataref[] = "sim/cockpit/radios/transponder_mode";
@@ -99,16 +99,16 @@ void XPlaneAdapter::dial()
 {
     m_plugin->open(pluginAddress(m_config.get(config::xplaneNetworkAddress), m_localPluginUrl));
     m_attempt.socketReady = true;
-    m_lastDialSeconds = nowSeconds();
+    m_lastDialMs = m_clock.steadyMs();
     if (m_attempt.requested)
         beginAttempt();
 }
 
-void XPlaneAdapter::dialAnew(qint64 afterSeconds)
+void XPlaneAdapter::dialAnew(qint64 afterMs)
 {
-    if (!m_attempt.socketReady || nowSeconds() - m_lastDialSeconds < afterSeconds)
+    if (!m_attempt.socketReady || m_plugin->isConnected() || m_clock.steadyMs() - m_lastDialMs < afterMs)
         return;
-    m_lastDialSeconds = nowSeconds();
+    m_lastDialMs = m_clock.steadyMs();
     m_plugin->dialAnew();
 }
 
@@ -155,7 +155,7 @@ bool XPlaneAdapter::hearsXPlane() const
 void XPlaneAdapter::callTheSilent()
 {
     const qint64 now = nowSeconds();
-    dialAnew(callIntervalSeconds);
+    dialAnew(callIntervalSeconds * 1000);
     if (m_datarefs->isSilent(now, callIntervalSeconds))
         m_datarefs->subscribe();
     const bool heard = std::exchange(m_heardXPlane, hearsXPlane());
@@ -194,7 +194,7 @@ void XPlaneAdapter::reconnectSimulator()
 {
     m_attempt.wanted = true;
     m_attempt.failureTold = false; // who asks gets an answer
-    dialAnew(shortestDialSeconds);
+    dialAnew(shortestDialMs);
     startAttempt();
 }
 

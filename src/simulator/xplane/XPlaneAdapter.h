@@ -81,8 +81,8 @@ private:
     void forwardSignals();
     void startTimers();
     void dial();
-    /// Unless it was dialled in the last `afterSeconds`.
-    void dialAnew(qint64 afterSeconds);
+    /// Unless it was dialled in the last `afterMs`.
+    void dialAnew(qint64 afterMs);
     void tick();
     void checkConnection();
     void callTheSilent();
@@ -119,7 +119,7 @@ private:
     std::unique_ptr<DatarefLink> m_datarefs;
     std::unique_ptr<PluginLink> m_plugin;
     ConnectionAttempt m_attempt;
-    qint64 m_lastDialSeconds = 0;
+    qint64 m_lastDialMs = 0; ///< of a clock that never jumps
     bool m_heardXPlane = false; ///< at the last tick
     QTimer m_dialTimer;
     QTimer m_tickTimer;
