@@ -200,7 +200,7 @@ bool NetworkManager::connectToNetwork(const QString &callsign, const QString &ty
                                       bool observer)
 {
     const ConnectRequest request{common::normalisedCallsign(callsign), typeCode, observer};
-    const ConnectConditions conditions{isBusy(), m_session->simulator && m_own->isReadyForPilot()};
+    const ConnectConditions conditions{isBusy(), m_own->isReadyForPilot()};
     if (const QString refusal = refusalOf(request, conditions); !refusal.isEmpty()) {
         emit notificationPosted(refusal, MessageType::Error);
         return false;

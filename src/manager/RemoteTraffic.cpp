@@ -165,7 +165,7 @@ void RemoteTraffic::updateConfigurationInSimulator(const QString &callsign)
 void RemoteTraffic::syncAircraft(const QString &callsign)
 {
     RemoteAircraft *aircraft = m_table.find(callsign);
-    if (!m_session.simulator || !aircraft || aircraft->state == State::Ignored || aircraft->typeCode.isEmpty())
+    if (!m_session.simulator || !aircraft || aircraft->typeCode.isEmpty())
         return;
     if (!m_table.isPositionKnown(callsign))
         return; // or it would be drawn at 0 N 0 E
@@ -329,7 +329,7 @@ std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QStr
     if (!aircraft)
         return std::nullopt;
     const QString typeCode = m_types.normalized(type);
-    const bool differs = typeCode.compare(aircraft->typeCode, Qt::CaseInsensitive) != 0;
+    const bool differs = typeCode != aircraft->typeCode; // both upper-case
     aircraft->typeCode = typeCode;
     aircraft->lastStateChange = now();
     logType(*aircraft, type);

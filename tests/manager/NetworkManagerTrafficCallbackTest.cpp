@@ -167,7 +167,7 @@ private slots:
         };
         s.manager->setSimulator(second);
         QCOMPARE(second->calls, (QStringList{u"addAircraft AB3"_qs, u"removeAllAircraft"_qs, u"clearControllers"_qs}));
-        QCOMPARE(third->calls.mid(0, 2), (QStringList{u"addAircraft AB3"_qs, u"addAircraft AB4"_qs}));
+        QCOMPARE(third->calls.filter(u"addAircraft"_qs), (QStringList{u"addAircraft AB3"_qs, u"addAircraft AB4"_qs}));
         QCOMPARE(s.manager->simulator(), third);
     }
 };

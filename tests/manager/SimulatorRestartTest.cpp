@@ -247,6 +247,7 @@ private slots:
                 },
                 Qt::QueuedConnection);
             s.connectObserver(); // looks the name up
+            alive = alive && !old.expired();
         });
         // From the event loop, which knows by that what is on its stack.
         QMetaObject::invokeMethod(
