@@ -259,14 +259,18 @@ void AircraftManager::onSimulatorChanged()
     tellConfigurations();
 }
 
-/// NetworkManager has given the aircraft to a new simulator with what each pilot told last, perhaps a part.
+/// NetworkManager has given the aircraft to a new simulator with what each pilot told last: where that was only a part,
+/// the whole follows.
 void AircraftManager::tellConfigurations()
 {
     const std::shared_ptr<Simulator> simulator = m_simulator;
     const QList<RemoteAircraft> records = aircraft();
     for (const RemoteAircraft &record : records) {
+        if (simulator != m_simulator)
+            return;
         const bool isShown = record.state == State::InSimulator || record.state == State::Pending;
-        if (simulator == m_simulator && isShown && find(record.callsign))
+        const std::optional<RemoteAircraft> given = m_network->remoteAircraft(record.callsign);
+        if (isShown && record.hasConfiguration && given && given->configuration != record.configuration)
             updateConfigurationInSimulator(record);
     }
 }
