@@ -55,6 +55,11 @@ public:
     quint16 port() const { return m_server.serverPort(); }
     bool isConnected() const { return m_socket && m_socket->state() == QAbstractSocket::ConnectedState; }
 
+    void hangUp()
+    {
+        m_socket->abort();
+        m_received.clear();
+    }
     /// Whoever has come since takes the place of the earlier one.
     void accept()
     {
@@ -113,8 +118,7 @@ public:
     /// The login is through; two aircraft, and a station that was asked for its ATIS.
     void begin()
     {
-        if (!m_client->isConnected())
-            connect();
+        connect();
         m_logins = 0;
         m_client->receive("$CRSERVER:AB1:IP:127.0.0.1\r\n"
                           "@N:TST1:2000:1:40.0:116.0:3000:250:4261561312:100\r\n"
@@ -143,17 +147,15 @@ public:
         require(m_controllers->controllers().size() <= lines + 1);
     }
 
-    /// The session ends for everybody, but the socket stays: new ones for thousands of inputs would use up the ports.
     void end()
     {
-        emit m_client->raiseNetworkDisconnected();
+        m_server.hangUp();
+        waitUntil([this] { return !m_network->isBusy(); });
         require(m_network->remoteAircraft().isEmpty());
         require(m_aircraft->aircraft().isEmpty());
         require(m_controllers->controllers().isEmpty());
         m_simulator->calls.clear();
         m_simulator->told.clear();
-        QCoreApplication::processEvents();
-        m_server.drain();
     }
 
 private:
@@ -163,14 +165,20 @@ private:
         live.latitude = 40 + 1e-6 * ++m_connections; // each is another than the one before
         emit m_simulator->simConnectionStateChanged(true);
         emit m_simulator->userAircraftDataChanged(live);
-        m_client->disconnectFromServer();
         require(
             m_network->connectToNetwork(QStringLiteral("AB1"), QStringLiteral("B738"), QStringLiteral("EF-GH"), false));
+        waitUntil([this] {
+            m_server.accept();
+            return m_client->isConnected() && m_server.isConnected();
+        });
+    }
+    template <class Condition>
+    static void waitUntil(const Condition &holds)
+    {
         const QDeadlineTimer deadline(longestMs);
-        while (!m_client->isConnected() || !m_server.isConnected()) {
+        while (!holds()) {
             require(!deadline.hasExpired());
             QCoreApplication::processEvents();
-            m_server.accept();
         }
     }
 
