@@ -16,6 +16,7 @@ endif()
 option(TARVO_WERROR "Treat warnings as errors" OFF)
 option(TARVO_BUILD_PRACTICE "Build the practice network; the tests need it" ON)
 option(TARVO_BUILD_BENCH "Build the benchmarks" OFF)
+option(TARVO_UNITY_TESTS "Compile the files of a test program together: half the time for all, longer for one" OFF)
 option(TARVO_BUILD_FUZZ "Build the libFuzzer targets (needs clang)" OFF)
 set(TARVO_SANITIZE "" CACHE STRING "Sanitizers, as given to -fsanitize=")
 
