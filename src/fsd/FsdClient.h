@@ -122,7 +122,7 @@ private:
     /// An error of the socket, which waits for its turn behind the lines that came before.
     struct SocketError
     {
-        QString text; ///< empty: nobody is told
+        QString text;         ///< empty: nobody is told
         bool isClose = false; ///< by the server
     };
 

@@ -119,7 +119,7 @@ private:
     std::unique_ptr<DatarefLink> m_datarefs;
     std::unique_ptr<PluginLink> m_plugin;
     ConnectionAttempt m_attempt;
-    qint64 m_lastDialMs = 0; ///< of a clock that never jumps
+    qint64 m_lastDialMs = 0;    ///< of a clock that never jumps
     bool m_heardXPlane = false; ///< at the last tick
     QTimer m_dialTimer;
     QTimer m_tickTimer;
