@@ -35,7 +35,7 @@ QSettings::SettingsMap ConfigCopy::values() const
 void ConfigCopy::take() const
 {
     const QByteArray now = contentsOf(m_configPath);
-    if (now != contentsOf(path()))
+    if (!now.isEmpty() && now != contentsOf(path())) // a file that a full disk left empty is no good copy
         writeForTheUser(path(), now);
 }
 
