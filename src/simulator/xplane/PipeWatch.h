@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-#include <atomic>
+#include <mutex>
 
 namespace tarvo::simulator::xplane {
 
@@ -15,9 +15,16 @@ class PipeWatch : public QObject
     Q_OBJECT
 
 public:
+    PipeWatch() = default;
+    /// Watches the socket's pipes.
     explicit PipeWatch(nng_socket socket);
 
-    bool isConnected() const { return m_pipe != 0; }
+    bool isConnected() const;
+
+    // What nng tells, by the pipe's id. It also tells of the end of a pipe that never came up, and the end of one that
+    // goes at once may overtake its beginning.
+    void onAdded(int pipe);
+    void onRemoved(int pipe);
 
 signals:
     /// Raised by a thread of nng's.
@@ -26,7 +33,9 @@ signals:
 private:
     static void onEvent(nng_pipe pipe, nng_pipe_ev event, void *watch);
 
-    std::atomic<int> m_pipe = 0; ///< the id of the one that is up, over 0
+    mutable std::mutex m_mutex; ///< guards both below
+    int m_pipe = 0;             ///< the one that is up; 0 for none
+    int m_lastUnknown = 0;      ///< the last one that ended without having been up
 };
 
 } // namespace tarvo::simulator::xplane

@@ -2,6 +2,7 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -17,6 +18,23 @@ class PipeWatchTest : public QObject
     Q_OBJECT
 
 private slots:
+    void anEndThatOvertakesTheBeginningLeavesNothingUp()
+    {
+        PipeWatch watch;
+        const QSignalSpy changed(&watch, &PipeWatch::changed);
+        watch.onRemoved(7);
+        watch.onAdded(7);
+        QVERIFY(!watch.isConnected());
+        QCOMPARE(changed.size(), 0);
+        watch.onAdded(8);
+        QVERIFY(watch.isConnected());
+        watch.onRemoved(9);
+        QVERIFY(watch.isConnected());
+        watch.onRemoved(8);
+        QVERIFY(!watch.isConnected());
+        QCOMPARE(changed.size(), 2);
+    }
+
     /// A pair socket refuses a second pipe, and nng tells of its end all the same.
     void aPipeThatNeverComesUpChangesNothing()
     {
