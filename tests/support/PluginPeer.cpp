@@ -57,7 +57,8 @@ QList<QByteArray> PluginPeer::messages() const
 QStringList PluginPeer::names() const
 {
     QStringList names;
-    for (const QByteArray &message : messages())
+    const QList<QByteArray> all = messages(); // const: the list is shared with the thread that receives
+    for (const QByteArray &message : all)
         names.append(unpacked(message).name);
     return names;
 }
@@ -65,7 +66,8 @@ QStringList PluginPeer::names() const
 QVariantList PluginPeer::arguments(const QString &name) const
 {
     QVariantList arguments;
-    for (const QByteArray &message : messages()) {
+    const QList<QByteArray> all = messages(); // const, as above
+    for (const QByteArray &message : all) {
         const PluginMessage got = unpacked(message);
         if (got.name == name)
             arguments = got.arguments;
