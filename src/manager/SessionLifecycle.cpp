@@ -7,6 +7,8 @@
 #include "manager/SessionContext.h"
 #include "simulator/Simulator.h"
 
+#include <QScopedValueRollback>
+
 namespace tarvo::manager {
 
 using common::MessageType;
@@ -19,6 +21,7 @@ SessionLifecycle::SessionLifecycle(SessionContext &session, QObject *parent) : Q
 
 bool SessionLifecycle::begin(const model::ConnectInfo &info, const QString &host, quint16 port)
 {
+    const QScopedValueRollback<int> onStack(m_resolving, m_resolving + 1);
     startOver(Phase::Connecting);
     m_session.info = info;
     emit began();
@@ -27,9 +30,7 @@ bool SessionLifecycle::begin(const model::ConnectInfo &info, const QString &host
     if (!mark.holds())
         return false; // whoever heard the notification has already called it off
 
-    ++m_resolving;
     const bool started = m_session.fsd.connectToServer(host, port);
-    --m_resolving;
     // While a name was looked up anything may have happened, another connection included.
     if (!started && mark.holds())
         end(Phase::Idle);

@@ -77,6 +77,19 @@ private slots:
         QCOMPARE(s.takeNotifications().last(), busy);
     }
 
+    /// Whoever would destroy the session has to know from its first word on.
+    void aConnectionThatBeginsIsOnTheStackFromItsFirstWord()
+    {
+        Session s;
+        bool onStack = false;
+        connect(
+            s.manager.get(), &manager::NetworkManager::notificationPosted, s.manager.get(),
+            [&] { onStack = s.manager->isResolving(); }, Qt::SingleShotConnection);
+        QVERIFY(s.connectObserver());
+        QVERIFY(onStack);
+        QVERIFY(!s.manager->isResolving());
+    }
+
     void anAddressWithoutARouteIsNoConnection()
     {
         Session s(tarvo::test::Protocol::Classic, u"255.255.255.255"_qs);
