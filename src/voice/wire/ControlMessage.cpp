@@ -28,7 +28,7 @@ ControlMessageType typeOf(std::string_view word)
     return static_cast<ControlMessageType>(std::distance(words.begin(), known));
 }
 
-/// By reference, because by value the library turns true into 1, and a fraction or a huge number into anything.
+/// By reference, because by value nlohmann-json turns true into 1, and a fraction or a huge number into anything.
 qint32 integerAt(const Json &object, const char *key)
 {
     const auto found = object.find(key);
