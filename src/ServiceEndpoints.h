@@ -9,11 +9,13 @@ namespace tarvo {
 /// TARVO_API_BASE_URL and its like); a test fills in loopback ports of its own.
 struct ServiceEndpoints
 {
-    QString apiBaseUrl;     ///< account service, ending in "/api"
-    QString fsdHost;        ///< host name or IPv4 address
-    quint16 fsdPort = 6809; ///< fixed on the real network
-    QString voiceHost;      ///< host name or IPv4 address
-    QString registerUrl;    ///< web page for new pilots
+    QString apiBaseUrl;          ///< account service, ending in "/api"
+    QString fsdHost;             ///< host name or IPv4 address
+    quint16 fsdPort = 6809;      ///< fixed on the real network
+    QString voiceHost;           ///< host name or IP address
+    quint16 voiceTcpPort = 6808; ///< control lines; fixed on the real network
+    quint16 voiceUdpPort = 6807; ///< voice; fixed on the real network
+    QString registerUrl;         ///< web page for new pilots
     /// nng address of the X-Plane plugin on this machine. The double slash is what the plugin listens on.
     QString localPluginUrl = QStringLiteral("ipc:///tmp//tarvoclient.ipc");
 

@@ -13,19 +13,21 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 FLOORS = {
     'common': 0, 'common/nng': 0,
     'core': 1, 'model': 1,
-    'fsd/pdu': 2, 'voice/wire': 2, 'fsd': 2, 'network': 2, 'simulator': 2, 'voice/codec': 2, 'voice/engine': 2, 'voice': 2, 'input': 2,
+    'fsd/pdu': 2, 'fsd': 2, 'network': 2, 'simulator': 2, 'input': 2,
+    'voice/wire': 2, 'voice/transport': 2, 'voice/codec': 2, 'voice/engine': 2, 'voice/client': 2,
     'simulator/xplane': 3, 'simulator/msfs': 3,
     'manager': 4, 'ui/viewmodel': 4,
     'ui': 5, 'ui/view': 5,
     'app': 6,
 }
-SAME_FLOOR_ALLOWED = {('common/nng', 'common'), ('fsd', 'fsd/pdu'), ('voice/engine', 'voice/codec'), ('voice', 'voice/wire'), ('voice', 'voice/engine'),
+SAME_FLOOR_ALLOWED = {('common/nng', 'common'), ('fsd', 'fsd/pdu'), ('voice/engine', 'voice/codec'), ('voice/transport', 'voice/wire'),
+                      ('voice/client', 'voice/wire'), ('voice/client', 'voice/transport'), ('voice/client', 'voice/engine'),
                       ('simulator/msfs', 'network')}
 # A view model is fed by the windows, never by a manager or a simulator.
 ONLY = {
-    'ui/viewmodel': {'network', 'voice', 'input', 'core', 'model', 'common'},
+    'ui/viewmodel': {'network', 'voice/client', 'voice/engine', 'input', 'core', 'model', 'common'},
     # The session knows the abstract simulator and never a backend.
-    'manager': {'fsd', 'fsd/pdu', 'network', 'simulator', 'voice', 'core', 'model', 'common'},
+    'manager': {'fsd', 'fsd/pdu', 'network', 'simulator', 'voice/client', 'voice/engine', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
     'voice/wire': {'common'},
     'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'voice/wire', 'practice'},
