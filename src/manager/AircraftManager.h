@@ -2,9 +2,7 @@
 
 #include "common/Clock.h"
 #include "manager/ConnectionList.h"
-#include "model/AircraftConfiguration.h"
 #include "model/RemoteAircraft.h"
-#include "model/VelocityVector.h"
 
 #include <QHash>
 #include <QList>
@@ -15,6 +13,9 @@
 #include <list>
 #include <memory>
 
+namespace tarvo::model {
+struct VelocityVector;
+}
 namespace tarvo::simulator {
 class Simulator;
 }

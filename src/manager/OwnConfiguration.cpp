@@ -1,6 +1,8 @@
 #include "manager/OwnConfiguration.h"
 
 #include "manager/Truncate.h"
+#include "model/AircraftConfiguration.h"
+#include "model/UserAircraftConfigData.h"
 
 namespace tarvo::manager {
 

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "model/AircraftConfiguration.h"
-#include "model/UserAircraftConfigData.h"
-
 #include <algorithm>
+
+namespace tarvo::model {
+struct AircraftConfiguration;
+struct UserAircraftConfigData;
+} // namespace tarvo::model
 
 namespace tarvo::manager {
 

@@ -1,4 +1,5 @@
 #include "manager/RadioReception.h"
+#include "model/RadioStackState.h"
 
 namespace tarvo::manager {
 

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "model/RadioStackState.h"
-
 #include <QList>
+
+namespace tarvo::model {
+struct RadioStackState;
+}
 
 namespace tarvo::manager {
 

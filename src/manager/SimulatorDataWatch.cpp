@@ -1,4 +1,5 @@
 #include "manager/SimulatorDataWatch.h"
+#include "model/UserAircraftData.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "model/UserAircraftData.h"
-
 #include <QtGlobal>
+
+namespace tarvo::model {
+struct UserAircraftData;
+}
 
 namespace tarvo::manager {
 

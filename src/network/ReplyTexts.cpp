@@ -1,5 +1,7 @@
 #include "network/ReplyTexts.h"
 
+#include "network/ReplyOutcome.h"
+
 namespace tarvo::network {
 
 namespace {

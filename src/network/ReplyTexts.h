@@ -1,11 +1,11 @@
 #pragma once
 
-#include "network/ReplyOutcome.h"
-
 #include <QCoreApplication>
 #include <QString>
 
 namespace tarvo::network {
+
+struct ReplyOutcome;
 
 /// The texts for the user that tell why a sign-in or a refresh failed.
 struct ReplyTexts

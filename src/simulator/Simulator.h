@@ -1,15 +1,19 @@
 #pragma once
 
-#include "model/Controller.h"
 #include "model/RadioStackState.h"
-#include "model/RemoteAircraft.h"
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
-#include "model/VelocityVector.h"
 
 #include <QList>
 #include <QObject>
 #include <QVariantList>
+
+namespace tarvo::model {
+struct AircraftVisualState;
+struct Controller;
+struct RemoteAircraft;
+struct VelocityVector;
+} // namespace tarvo::model
 
 namespace tarvo::simulator {
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "model/Controller.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "simulator/Simulator.h"
 
 #include <QStringList>

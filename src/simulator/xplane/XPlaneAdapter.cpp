@@ -2,6 +2,9 @@
 
 #include "AppConfig.h"
 #include "common/TrafficLog.h"
+#include "model/Controller.h"
+#include "model/RemoteAircraft.h"
+#include "model/VelocityVector.h"
 #include "simulator/xplane/DatarefLink.h"
 #include "simulator/xplane/PluginLink.h"
 #include "simulator/xplane/PluginMessages.h"

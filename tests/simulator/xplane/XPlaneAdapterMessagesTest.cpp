@@ -1,4 +1,5 @@
 #include "XPlaneBench.h"
+#include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "support/TestRegistry.h"
 
