@@ -7,7 +7,7 @@ CXX = 'x86_64-w64-mingw32-g++-posix'
 MULTIARCH = pathlib.Path('/usr/lib/x86_64-linux-gnu')
 QT_INCLUDE = pathlib.Path('/usr/include/x86_64-linux-gnu/qt6')
 # Headers of libraries that don't depend on the C library's own, given to mingw through a folder of links.
-PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'opus', 'soxr.h']
+PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'opus', 'portaudio.h', 'soxr.h']
 UNWANTED_NAMES = ('-D__linux__', '-Dlinux', '-D_FORTIFY_SOURCE')
 
 

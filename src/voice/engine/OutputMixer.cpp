@@ -31,6 +31,8 @@ void OutputMixer::removeChannel(int id)
 
 void OutputMixer::pushLocal(std::span<const float> frame)
 {
+    if (frame.empty())
+        return;
     const std::scoped_lock lock(m_mutex);
     m_local.push(frame);
 }

@@ -19,7 +19,7 @@ public:
     void addChannel(int id);    ///< nothing for one that is there
     void removeChannel(int id); ///< with what it holds
 
-    /// Appends a sound of our own. Dropped behind 16 of them.
+    /// Appends a sound of our own. Dropped behind 16 of them, and when it is empty.
     void pushLocal(std::span<const float> frame);
 
     /// Appends sound of any length to a channel in frames, the last of which ends with silence. There is no jitter

@@ -47,10 +47,12 @@ void SineTone::rebuild()
             std::sin(static_cast<float>(i) * twoPi * m_frequency / static_cast<float>(m_sampleRate)) * m_amplitude;
 }
 
-void SineTone::take(std::span<float> samples, float volume)
+void SineTone::take(std::span<float> samples, float volume, int channels)
 {
-    for (float &sample : samples) {
-        sample = m_table[m_position] * volume;
+    const auto together = static_cast<std::size_t>(channels);
+    for (std::size_t start = 0; start < samples.size(); start += together) {
+        const std::span<float> moment = samples.subspan(start, std::min(together, samples.size() - start));
+        std::fill(moment.begin(), moment.end(), m_table[m_position] * volume);
         m_position = (m_position + 1) % m_table.size();
     }
 }

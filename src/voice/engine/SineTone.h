@@ -18,11 +18,13 @@ public:
     void setSampleRate(int sampleRate);
     void setFrequency(float frequency);
 
+    int sampleRate() const { return m_sampleRate; }
     /// Samples of a period.
     int period() const { return static_cast<int>(m_table.size()); }
 
-    /// Fills `samples` with what comes next, times `volume`.
-    void take(std::span<float> samples, float volume);
+    /// Fills `samples` with what comes next, times `volume`; each sample of the tone once for each of the interleaved
+    /// channels.
+    void take(std::span<float> samples, float volume, int channels = 1);
 
 private:
     void rebuild();

@@ -81,6 +81,15 @@ private slots:
         QCOMPARE(mixed(mixer), soft({0.5F, 0.5F})); // delayed, not lost
     }
 
+    void emptyLocalSoundIsNone()
+    {
+        OutputMixer mixer(2);
+        mixer.addChannel(0);
+        mixer.pushLocal({});
+        mixer.pushVoice(0, Frame{0.5F, 0.5F});
+        QCOMPARE(mixed(mixer), soft({0.5F, 0.5F}));
+    }
+
     void fullQueuesDropWhatIsNew_data()
     {
         QTest::addColumn<bool>("local");

@@ -64,6 +64,16 @@ private slots:
             QVERIFY2(std::abs(samples[i] - expected[i]) < 1e-6F, qPrintable(QString::number(i)));
     }
 
+    void channelsHaveTheSameTone()
+    {
+        SineTone mono(44100, 440, 0.3F);
+        SineTone stereo(44100, 440, 0.3F);
+        const std::vector<float> once = taken(mono, 3);
+        std::vector<float> twice(6);
+        stereo.take(twice, 1, 2);
+        QCOMPARE(twice, (std::vector<float>{once[0], once[0], once[1], once[1], once[2], once[2]}));
+    }
+
     void toneWithoutAFrequencyIsSilent()
     {
         for (const float frequency : {0.0F, -440.0F, std::numeric_limits<float>::quiet_NaN()}) {

@@ -1,0 +1,172 @@
+#include "voice/engine/AudioDevice.h"
+
+#include "AppConfig.h"
+#include "voice/engine/Mailbox.h"
+#include "voice/engine/SoundLease.h"
+#include "voice/engine/SoundThread.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarvo::voice {
+
+namespace {
+
+const QString defaultName = QStringLiteral("Default"); // as pages show it and the file holds it
+
+QList<DeviceInfo> devicesOf(const QList<DeviceInfo> &all, int hostApi, qint32 DeviceInfo::*channels)
+{
+    QList<DeviceInfo> found;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(found),
+                 [&](const DeviceInfo &device) { return device.*channels > 0 && device.hostApi == hostApi; });
+    return found;
+}
+
+} // namespace
+
+int AudioDevice::Direction::deviceId() const
+{
+    return index < 1 || index > list.size() ? -1 : list[index - 1].index;
+}
+
+QStringList AudioDevice::Direction::names() const
+{
+    QStringList result{defaultName};
+    for (const DeviceInfo &device : list)
+        result.append(QString::fromUtf8(device.name));
+    return result;
+}
+
+void AudioDevice::Direction::choose(int listIndex)
+{
+    index = listIndex;
+    name = names().at(listIndex);
+}
+
+void AudioDevice::Direction::chooseByName(const QString &wanted)
+{
+    const qsizetype found = names().indexOf(wanted, 1); // a device may be called "Default", too
+    choose(static_cast<int>(std::max<qsizetype>(found, 0)));
+}
+
+AudioDevice::AudioDevice(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent)
+    : QObject(parent), m_config(config), m_sound(std::move(sound)), m_mailbox(std::make_shared<Mailbox>(this))
+{
+}
+
+AudioDevice::~AudioDevice()
+{
+    m_mailbox->close();
+}
+
+void AudioDevice::load()
+{
+    if (m_isLoaded || m_isLoading)
+        return;
+    m_lease = std::make_unique<SoundLease>(m_sound);
+    m_isLoading = m_sound->post([this, mailbox = m_mailbox] {
+        const QList<HostApiInfo> drivers = getVoiceHostApis();
+        const QList<DeviceInfo> devices = getVoiceDevices([](const DeviceInfo &) { return true; });
+        mailbox->send([this, drivers, devices] { onRead(drivers, devices); });
+    });
+}
+
+void AudioDevice::onRead(const QList<HostApiInfo> &drivers, const QList<DeviceInfo> &devices)
+{
+    m_driverList = drivers;
+    m_devices = devices;
+    m_driverType = m_config.get(config::voiceDriver);
+    const auto found = std::find_if(drivers.begin(), drivers.end(),
+                                    [this](const HostApiInfo &driver) { return driver.type == m_driverType; });
+    m_driverIndex = found == drivers.end() ? 0 : static_cast<int>(found - drivers.begin());
+    rebuildLists();
+    m_input.chooseByName(m_config.get(config::voiceInputDevice));
+    m_headphone.chooseByName(m_config.get(config::voiceOutputHeadphoneDevice));
+    m_speaker.chooseByName(m_config.get(config::voiceOutputSpeakerDevice));
+    announceAll();
+    m_isLoaded = true;
+    for (const auto &step : std::exchange(m_postponed, {}))
+        step();
+}
+
+void AudioDevice::rebuildLists()
+{
+    const int hostApi = m_driverIndex < m_driverList.size() ? m_driverList[m_driverIndex].index : -1;
+    m_input.list = devicesOf(m_devices, hostApi, &DeviceInfo::maxInputChannels);
+    m_headphone.list = devicesOf(m_devices, hostApi, &DeviceInfo::maxOutputChannels);
+    m_speaker.list = m_headphone.list;
+}
+
+void AudioDevice::announceAll()
+{
+    const HostApiInfo driver = m_driverList.value(m_driverIndex);
+    const auto idOf = [](const Direction &direction, int ofDefault) {
+        return direction.index > 0 ? direction.deviceId() : ofDefault;
+    };
+    emit deviceListChanged();
+    emit deviceChanged();
+    emit inputDeviceChanged(idOf(m_input, driver.defaultInputDevice));
+    emit outputHeadphoneDeviceChanged(idOf(m_headphone, driver.defaultOutputDevice));
+    emit outputSpeakerDeviceChanged(idOf(m_speaker, driver.defaultOutputDevice));
+}
+
+bool AudioDevice::isPostponed(std::function<void()> step)
+{
+    if (m_isLoaded)
+        return false;
+    m_postponed.append(std::move(step));
+    return true;
+}
+
+void AudioDevice::setDriver(int listIndex)
+{
+    if (isPostponed([this, listIndex] { setDriver(listIndex); }))
+        return;
+    if (listIndex < 0 || listIndex >= m_driverList.size())
+        return;
+    m_driverIndex = listIndex;
+    m_driverType = m_driverList[listIndex].type;
+    rebuildLists();
+    for (Direction *direction : {&m_input, &m_headphone, &m_speaker})
+        direction->choose(0);
+    announceAll();
+}
+
+void AudioDevice::set(Direction AudioDevice::*direction, DeviceSignal changed, int listIndex)
+{
+    if (isPostponed([=, this] { set(direction, changed, listIndex); }))
+        return;
+    Direction &chosen = this->*direction;
+    if (listIndex < 0 || listIndex > chosen.list.size())
+        return;
+    chosen.choose(listIndex);
+    if (listIndex == 0)
+        return;
+    emit deviceChanged();
+    emit(this->*changed)(chosen.deviceId());
+}
+
+void AudioDevice::setInput(int listIndex)
+{
+    set(&AudioDevice::m_input, &AudioDevice::inputDeviceChanged, listIndex);
+}
+
+void AudioDevice::setOutputHeadphone(int listIndex)
+{
+    set(&AudioDevice::m_headphone, &AudioDevice::outputHeadphoneDeviceChanged, listIndex);
+}
+
+void AudioDevice::setOutputSpeaker(int listIndex)
+{
+    set(&AudioDevice::m_speaker, &AudioDevice::outputSpeakerDeviceChanged, listIndex);
+}
+
+QStringList AudioDevice::driverNames() const
+{
+    QStringList names;
+    for (const HostApiInfo &driver : m_driverList)
+        names.append(QString::fromUtf8(driver.name));
+    return names;
+}
+
+} // namespace tarvo::voice

@@ -1,0 +1,244 @@
+#include "voice/engine/AudioHandler.h"
+
+#include "AppConfig.h"
+#include "voice/engine/DeviceStream.h"
+#include "voice/engine/Mailbox.h"
+#include "voice/engine/SoundLease.h"
+#include "voice/engine/SoundThread.h"
+#include "voice/engine/Tones.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace tarvo::voice {
+
+namespace {
+
+constexpr std::chrono::milliseconds frameTime{20};
+constexpr int testChannel = 0; // of the mic test
+
+// What a hand-edited file may hold is no number; nothing is played with it.
+float finite(double value)
+{
+    return std::isfinite(value) ? static_cast<float>(value) : 0.0F;
+}
+
+} // namespace
+
+/// A setting that the engine follows.
+struct AudioHandler::Setting
+{
+    const char *key;
+    void (*read)(AudioHandler &handler, const AppConfig &config);
+};
+
+const AudioHandler::Setting AudioHandler::settings[] = {
+    {config::voiceMicGain.key, [](AudioHandler &h, const AppConfig &c) { h.setMicGain(c.get(config::voiceMicGain)); }},
+    {config::voicePttPressFreq.key,
+     [](AudioHandler &h, const AppConfig &c) {
+         h.m_pttPressTone.setFrequency(finite(c.get(config::voicePttPressFreq)));
+     }},
+    {config::voicePttReleaseFreq.key,
+     [](AudioHandler &h, const AppConfig &c) {
+         h.m_pttReleaseTone.setFrequency(finite(c.get(config::voicePttReleaseFreq)));
+     }},
+    {config::voicePttVolume.key,
+     [](AudioHandler &h, const AppConfig &c) { h.m_pttVolume = finite(c.get(config::voicePttVolume)); }},
+    {config::voicePttPlayDevice.key,
+     [](AudioHandler &h, const AppConfig &c) { h.m_pttPlayDevice = c.get(config::voicePttPlayDevice) != 0; }},
+    {config::voiceConflictPlayDevice.key,
+     [](AudioHandler &h, const AppConfig &c) { h.setConflictPlayDevice(c.get(config::voiceConflictPlayDevice) != 0); }},
+    {config::voiceConflictVolume.key,
+     [](AudioHandler &h, const AppConfig &c) { h.m_conflictVolume = finite(c.get(config::voiceConflictVolume)); }},
+};
+
+AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent)
+    : QObject(parent),
+      m_config(config),
+      m_sound(std::move(sound)),
+      m_mailbox(std::make_shared<Mailbox>(this)),
+      m_lease(std::make_unique<SoundLease>(m_sound)),
+      m_inputStream(m_sound),
+      m_headphoneStream(StreamRole::Headphone, m_sound),
+      m_speakerStream(StreamRole::Speaker, m_sound),
+      m_pttPressTone(usualToneRate, static_cast<float>(config::voicePttPressFreq.defaultValue), toneAmplitude),
+      m_pttReleaseTone(usualToneRate, static_cast<float>(config::voicePttReleaseFreq.defaultValue), toneAmplitude),
+      m_conflictTone(usualToneRate, conflictFrequency, toneAmplitude)
+{
+    connect(&m_inputStream, &InputAudioStream::encodedAudioReady, this, &AudioHandler::encodedAudioReady);
+    connect(&m_inputStream, &InputAudioStream::inputVolumeChanged, this, &AudioHandler::inputVolumeChanged);
+    for (const MixedOutputAudioStream *stream : {&m_headphoneStream, &m_speakerStream})
+        connect(stream, &MixedOutputAudioStream::outputVolumeChanged, this, &AudioHandler::outputVolumeChanged);
+    connect(&m_config, &AppConfig::configChanged, this, &AudioHandler::onConfigChanged);
+    m_conflictTimer.setTimerType(Qt::PreciseTimer);
+    m_conflictTimer.setInterval(frameTime);
+    // 44100 Hz whatever the device's rate: the test's pitch is its own.
+    connect(&m_conflictTimer, &QTimer::timeout, this,
+            [this] { output(m_conflictPlayDevice).playTone(m_conflictTone, m_conflictVolume); });
+    reloadConfig();
+}
+
+AudioHandler::~AudioHandler()
+{
+    m_mailbox->close();
+}
+
+void AudioHandler::setInputDevice(int device)
+{
+    m_inputStream.setDevice(device);
+}
+
+void AudioHandler::setHeadphoneDevice(int device)
+{
+    m_headphoneStream.setDevice(device);
+}
+
+void AudioHandler::setSpeakerDevice(int device)
+{
+    m_speakerStream.setDevice(device);
+}
+
+void AudioHandler::reloadConfig()
+{
+    for (const Setting &setting : settings)
+        setting.read(*this, m_config);
+}
+
+void AudioHandler::onConfigChanged(const QString &key)
+{
+    const auto *const setting = std::find_if(std::begin(settings), std::end(settings),
+                                             [&key](const Setting &one) { return key == QLatin1String(one.key); });
+    if (setting != std::end(settings))
+        setting->read(*this, m_config);
+}
+
+void AudioHandler::setMicGain(double db)
+{
+    constexpr double most = 200; // twice what 16 bits can tell apart; a hand-edited file may hold anything
+    m_inputStream.setMicGain(static_cast<int>(std::clamp(double(finite(db)), -most, most)));
+}
+
+void AudioHandler::setConflictPlayDevice(bool speaker)
+{
+    if (speaker == std::exchange(m_conflictPlayDevice, speaker) || !m_conflictTimer.isActive())
+        return;
+    output(!speaker).stop(); // the test moves over
+    startOutput(speaker);
+}
+
+void AudioHandler::setPttActive(bool active)
+{
+    m_inputStream.setTransmitEnabled(active);
+}
+
+void AudioHandler::playPttTone(bool pressed)
+{
+    MixedOutputAudioStream &stream = output(m_pttPlayDevice);
+    SineTone &tone = pressed ? m_pttPressTone : m_pttReleaseTone;
+    if (stream.isRunning() && tone.sampleRate() != stream.sampleRate())
+        tone.setSampleRate(stream.sampleRate());
+    stream.playTone(tone, m_pttVolume * 0.5F);
+}
+
+void AudioHandler::startAll(std::function<void()> whenTried)
+{
+    m_inputStream.start();
+    startOutput(false);
+    startOutput(true);
+    const auto tell = [mailbox = m_mailbox, whenTried = std::move(whenTried)] {
+        if (whenTried)
+            mailbox->send(whenTried);
+    };
+    if (!m_sound->post(tell))
+        tell();
+}
+
+void AudioHandler::stopAll()
+{
+    m_inputStream.stop();
+    m_headphoneStream.stop();
+    m_speakerStream.stop();
+}
+
+/// Its channels are forgotten with every stop.
+void AudioHandler::startOutput(bool speaker)
+{
+    for (const Transmitter &transmitter : std::as_const(m_transmitters)) {
+        if (transmitter.useSpeaker == speaker)
+            output(speaker).addChannel(static_cast<int>(transmitter.id));
+    }
+    output(speaker).start();
+}
+
+void AudioHandler::addChannel(const Transmitter &transmitter)
+{
+    m_transmitters.insert(transmitter.id, transmitter);
+    output(transmitter.useSpeaker).addChannel(static_cast<int>(transmitter.id));
+}
+
+void AudioHandler::removeChannel(int id)
+{
+    m_transmitters.remove(static_cast<quint32>(id));
+    m_headphoneStream.removeChannel(id);
+    m_speakerStream.removeChannel(id);
+}
+
+void AudioHandler::routeChannel(const Transmitter &transmitter)
+{
+    output(!transmitter.useSpeaker).removeChannel(static_cast<int>(transmitter.id));
+    addChannel(transmitter);
+}
+
+void AudioHandler::playVoice(const Transmitter &transmitter, const std::vector<std::uint8_t> &opus, bool conflict)
+{
+    if (transmitter.volume == 0 || !transmitter.receive)
+        return;
+    const bool speaker = conflict ? m_conflictPlayDevice : transmitter.useSpeaker;
+    const float volume = conflict ? m_conflictVolume : transmitter.volume;
+    output(speaker).playPacket(static_cast<int>(transmitter.id), opus, conflict, volume);
+}
+
+void AudioHandler::startConflictTest()
+{
+    m_conflictTimer.start();
+    m_inputStream.start();
+    startOutput(m_conflictPlayDevice);
+    m_micTesting = true;
+}
+
+void AudioHandler::stopConflictTest()
+{
+    // m_micTesting stays: the next mic test cleans up.
+    m_conflictTimer.stop();
+    m_inputStream.stop();
+    output(m_conflictPlayDevice).stop();
+}
+
+void AudioHandler::startMicTest(bool loopbackTarget)
+{
+    stopMicTest();
+    m_loopbackTarget = loopbackTarget;
+    MixedOutputAudioStream &target = output(loopbackTarget);
+    m_loopbackConnection =
+        connect(&m_inputStream, &InputAudioStream::encodedAudioReady, &target,
+                [&target](const std::vector<std::uint8_t> &opus) { target.playPacket(testChannel, opus, false, 1); });
+    m_inputStream.start();
+    startOutput(loopbackTarget);
+    target.addChannel(testChannel);
+    m_micTesting = true;
+}
+
+void AudioHandler::stopMicTest()
+{
+    if (!m_micTesting)
+        return;
+    disconnect(m_loopbackConnection);
+    output(m_loopbackTarget).removeChannel(testChannel);
+    m_inputStream.stop();
+    output(m_loopbackTarget).stop();
+    m_micTesting = false;
+}
+
+} // namespace tarvo::voice

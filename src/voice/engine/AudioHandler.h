@@ -1,0 +1,116 @@
+#pragma once
+
+#include "common/VolumeInfo.h"
+#include "voice/engine/InputAudioStream.h"
+#include "voice/engine/MixedOutputAudioStream.h"
+#include "voice/engine/SineTone.h"
+#include "voice/engine/Transmitter.h"
+
+#include <QHash>
+#include <QMetaObject>
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace tarvo {
+class AppConfig;
+} // namespace tarvo
+
+namespace tarvo::voice {
+
+class Mailbox;
+class SoundLease;
+class SoundThread;
+
+/// The audio engine: the microphone, two outputs, and what goes where. Follows the voice settings live. Everything
+/// returns at once: devices are opened and closed on the SoundThread, in the order in which that was asked for.
+class AudioHandler : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `config` outlives the engine.
+    AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr);
+    ~AudioHandler() override;
+
+    // PortAudio's indices; negative: the default device. A stream that is open goes on with the new one.
+    void setInputDevice(int device);
+    void setHeadphoneDevice(int device);
+    void setSpeakerDevice(int device);
+
+    /// Reads all that the engine uses of the settings.
+    void reloadConfig();
+
+    /// The push-to-talk gate, which rules the tests too. Any thread.
+    void setPttActive(bool active);
+    /// The click of the key, 20 ms, if its output is open.
+    void playPttTone(bool pressed);
+
+    /// Opens the three streams. `whenTried` is called on this object's thread when that has been tried.
+    void startAll(std::function<void()> whenTried = {});
+    void stopAll();
+
+    // The radios that are heard; remembered over the streams' ends.
+    void addChannel(const Transmitter &transmitter);
+    void removeChannel(int id);
+    /// Moves it to the output that it names.
+    void routeChannel(const Transmitter &transmitter);
+
+    /// Plays what came for a radio. With `conflict` a buzz instead of it, where the settings want that.
+    void playVoice(const Transmitter &transmitter, const std::vector<std::uint8_t> &opus, bool conflict);
+
+    /// Buzzes until it is stopped.
+    void startConflictTest();
+    void stopConflictTest();
+    /// Plays the microphone, through encoder and decoder, on the speaker (`loopbackTarget`) or the headphone.
+    void startMicTest(bool loopbackTarget);
+    void stopMicTest();
+
+    // For tests.
+    InputAudioStream &inputStream() { return m_inputStream; }
+    MixedOutputAudioStream &headphoneStream() { return m_headphoneStream; }
+    MixedOutputAudioStream &speakerStream() { return m_speakerStream; }
+
+signals:
+    void encodedAudioReady(std::vector<uint8_t> data);
+    void inputVolumeChanged(tarvo::common::VolumeInfo volume);
+    void outputVolumeChanged(tarvo::common::VolumeInfo volume);
+
+private:
+    struct Setting;
+    static const Setting settings[];
+
+    void onConfigChanged(const QString &key);
+    void setMicGain(double db);
+    void setConflictPlayDevice(bool speaker);
+    MixedOutputAudioStream &output(bool speaker) { return speaker ? m_speakerStream : m_headphoneStream; }
+    void startOutput(bool speaker);
+
+    AppConfig &m_config;
+    std::shared_ptr<SoundThread> m_sound;
+    std::shared_ptr<Mailbox> m_mailbox;
+    std::unique_ptr<SoundLease> m_lease; ///< before the streams, so that it goes after them
+    InputAudioStream m_inputStream;
+    MixedOutputAudioStream m_headphoneStream;
+    MixedOutputAudioStream m_speakerStream;
+    QHash<quint32, Transmitter> m_transmitters;
+
+    SineTone m_pttPressTone;
+    SineTone m_pttReleaseTone;
+    SineTone m_conflictTone;
+    float m_pttVolume = 0.5F;
+    float m_conflictVolume = 0.5F;
+    bool m_pttPlayDevice = false;      ///< the speaker clicks
+    bool m_conflictPlayDevice = false; ///< the speaker buzzes
+
+    bool m_micTesting = false;
+    bool m_loopbackTarget = false; ///< the speaker plays the microphone
+    QMetaObject::Connection m_loopbackConnection;
+    QTimer m_conflictTimer;
+};
+
+} // namespace tarvo::voice

@@ -1,0 +1,21 @@
+#include "voice/engine/AudioPriority.h"
+
+#include <pthread.h>
+#include <sched.h>
+#include <sys/resource.h>
+
+namespace tarvo::voice {
+
+const char *raiseAudioPriority()
+{
+    // The lowest: before all that is usual, behind the sound server's own threads.
+    const sched_param lowest{.sched_priority = sched_get_priority_min(SCHED_RR)};
+    if (pthread_setschedparam(pthread_self(), SCHED_RR, &lowest) == 0)
+        return "real-time";
+    constexpr int niceness = -11;                    // as sound servers take
+    if (setpriority(PRIO_PROCESS, 0, niceness) == 0) // Linux: of this thread
+        return "nice";
+    return "usual";
+}
+
+} // namespace tarvo::voice

@@ -1,0 +1,101 @@
+#include "voice/engine/MixedOutputAudioStream.h"
+
+#include "voice/engine/DeviceStream.h"
+#include "voice/engine/Mailbox.h"
+#include "voice/engine/SoundStream.h"
+#include "voice/engine/SoundThread.h"
+#include "voice/engine/Tones.h"
+#include "voice/engine/VoicePlayback.h"
+
+#include <optional>
+#include <utility>
+
+namespace tarvo::voice {
+
+MixedOutputAudioStream::MixedOutputAudioStream(StreamRole role, std::shared_ptr<SoundThread> sound, QObject *parent)
+    : QObject(parent), m_sound(std::move(sound)), m_mailbox(std::make_shared<Mailbox>(this))
+{
+    const auto tell = [this, mailbox = m_mailbox](const std::shared_ptr<VoicePlayback> &playback) {
+        mailbox->send([this, playback] { setPlayback(playback); });
+    };
+    const auto open = [tell](const AudioStreamConfig &config) {
+        const auto playback = std::make_shared<VoicePlayback>(config);
+        auto stream = SoundStream::openOutput(config, [playback](std::span<float> out) { playback->mix(out); });
+        if (stream)
+            tell(playback);
+        return stream;
+    };
+    m_stream = std::make_shared<DeviceStream>(role, open, [tell] { tell(nullptr); });
+}
+
+MixedOutputAudioStream::~MixedOutputAudioStream()
+{
+    m_mailbox->close();
+    stop();
+}
+
+void MixedOutputAudioStream::setDevice(int device)
+{
+    m_sound->post([stream = m_stream, device] { stream->setDevice(device); });
+}
+
+void MixedOutputAudioStream::start()
+{
+    m_sound->post([stream = m_stream] { stream->start(); });
+}
+
+void MixedOutputAudioStream::stop()
+{
+    m_channels.clear();
+    m_sound->post([stream = m_stream] { stream->stop(); });
+}
+
+int MixedOutputAudioStream::sampleRate() const
+{
+    return m_playback ? m_playback->config().sampleRate : usualToneRate;
+}
+
+void MixedOutputAudioStream::addChannel(int id)
+{
+    m_channels.insert(id);
+    if (m_playback)
+        m_playback->addChannel(id);
+}
+
+void MixedOutputAudioStream::removeChannel(int id)
+{
+    m_channels.erase(id);
+    if (m_playback)
+        m_playback->removeChannel(id);
+}
+
+void MixedOutputAudioStream::playPacket(int channel, const std::vector<std::uint8_t> &opus, bool conflict, float volume)
+{
+    if (!m_playback)
+        return;
+    if (const std::optional<common::VolumeInfo> level = m_playback->playPacket(channel, opus, conflict, volume))
+        emit outputVolumeChanged(*level);
+}
+
+void MixedOutputAudioStream::playLocal(std::span<const float> frame)
+{
+    if (m_playback)
+        m_playback->playLocal(frame);
+}
+
+void MixedOutputAudioStream::playTone(SineTone &tone, float volume)
+{
+    if (m_playback)
+        m_playback->playTone(tone, volume);
+}
+
+void MixedOutputAudioStream::setPlayback(std::shared_ptr<VoicePlayback> playback)
+{
+    m_playback = std::move(playback);
+    if (!m_playback)
+        return;
+    for (const int id : m_channels)
+        m_playback->addChannel(id);
+}
+
+} // namespace tarvo::voice

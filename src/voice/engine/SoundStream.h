@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace tarvo::voice {
+
+struct AudioStreamConfig;
+
+/// An open and started stream of PortAudio, in buffers of 20 ms. Used on the SoundThread; the calls come on
+/// PortAudio's.
+class SoundStream
+{
+public:
+    using Capture = std::function<void(std::span<const std::int16_t>)>;
+    using Play = std::function<void(std::span<float>)>; ///< fills all of it
+
+    // Null, and the log tells, when the device can't be opened or started. Samples are interleaved.
+    static std::unique_ptr<SoundStream> openInput(const AudioStreamConfig &config, Capture capture);
+    static std::unique_ptr<SoundStream> openOutput(const AudioStreamConfig &config, Play play);
+
+    /// A stream that is not closed goes on, and what it calls is kept to the program's end: PortAudio may hang, and so
+    /// only close() calls it.
+    ~SoundStream();
+    SoundStream(const SoundStream &) = delete;
+    SoundStream &operator=(const SoundStream &) = delete;
+
+    /// False once the sound system has ended it, such as a sound server that was killed.
+    bool isActive() const;
+    /// Stops and closes it. Nothing is called any more after this.
+    void close();
+
+private:
+    struct Calls;
+
+    explicit SoundStream(std::unique_ptr<Calls> calls);
+    static std::unique_ptr<SoundStream> open(const AudioStreamConfig &config, std::unique_ptr<Calls> calls);
+
+    std::unique_ptr<Calls> m_calls;
+};
+
+} // namespace tarvo::voice
