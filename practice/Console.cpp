@@ -50,6 +50,10 @@ void Console::announce(PracticeNetwork &network)
     say(QStringLiteral("fsd"), QStringLiteral("serving %1").arg(place(network.fsd())));
     if (network.secondFsd())
         say(QStringLiteral("fsd2"), QStringLiteral("serving %1").arg(place(*network.secondFsd())));
+    say(QStringLiteral("voice"), QStringLiteral("serving %1:%2, UDP port %3")
+                                     .arg(network.voice().address().toString())
+                                     .arg(network.voice().tcpPort())
+                                     .arg(network.voice().udpPort()));
     if (network.pluginUrl().isEmpty())
         return;
     say(QStringLiteral("xplane"),
@@ -65,6 +69,7 @@ void Console::follow(PracticeNetwork &network)
     followFsd(QStringLiteral("fsd"), network.fsd());
     if (network.secondFsd())
         followFsd(QStringLiteral("fsd2"), *network.secondFsd());
+    followVoice(network.voice());
     followXPlane(network.xplane());
 }
 
@@ -94,6 +99,24 @@ void Console::followFsd(const QString &area, FsdServer &server)
         say(area, QStringLiteral("%1 sent away: %2").arg(client, reason));
     });
     connect(&server, &FsdServer::clientLeft, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
+}
+
+void Console::followVoice(VoiceServer &server)
+{
+    const QString area = QStringLiteral("voice");
+    connect(&server, &VoiceServer::lineReceived, this, [this, area](const QString &client, const QString &line) {
+        say(area, QStringLiteral("%1 <<< %2").arg(client, line));
+    });
+    connect(&server, &VoiceServer::lineSent, this, [this, area](const QString &client, const QString &line) {
+        say(area, QStringLiteral("%1 >>> %2").arg(client, line));
+    });
+    connect(&server, &VoiceServer::clientConnected, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 connected").arg(client)); });
+    connect(&server, &VoiceServer::clientRefused, this, [this, area](const QString &client, const QString &reason) {
+        say(area, QStringLiteral("%1 sent away: %2").arg(client, reason));
+    });
+    connect(&server, &VoiceServer::clientLeft, this,
             [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
 }
 

@@ -10,6 +10,7 @@ namespace tarvo::practice {
 class FsdServer;
 class PracticeNetwork;
 class ScriptPlayer;
+class VoiceServer;
 class XPlaneStandIn;
 
 /// What the practice network does, one line each, with the secrets masked and nothing that a terminal would obey.
@@ -30,6 +31,7 @@ public:
 
 private:
     void followFsd(const QString &area, FsdServer &server);
+    void followVoice(VoiceServer &server);
     void followXPlane(XPlaneStandIn &xplane);
     void countSubscription(const QString &client, int ratePerSecond);
     void saySubscriptions();

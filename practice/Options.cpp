@@ -22,6 +22,11 @@ constexpr ValueOption valueOptions[] = {
     {"http-port", "TCP port of the account service.", "port", "8080"},
     {"fsd-port", "TCP port of the FSD server.", "port", "6809"},
     {"xplane-port", "UDP port of X-Plane.", "port", "49000"},
+    {"voice-port", "TCP port of the voice server.", "port", "6808"},
+    {"voice-udp-port", "UDP port of the voice server.", "port", "6807"},
+    {"voice-loss", "Per cent of the voice server's datagrams that are lost.", "percent", "0"},
+    {"voice-jitter", "Milliseconds by which each of them is late, at most.", "milliseconds", "0"},
+    {"voice-duplicate", "Per cent of them that come twice.", "percent", "0"},
     {"plugin", "nng address of X-Plane's plugin.", "url", "ipc:///tmp//tarvoclient.ipc"},
     {"token-life", "Seconds that an access token lives.", "seconds", "3600"},
     {"refresh-life", "Seconds that a refresh token lives.", "seconds", "2592000"},
@@ -85,8 +90,8 @@ private:
 void describe(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
-        QStringLiteral("The practice network: an account service, an FSD server and an X-Plane to fly, for one pilot "
-                       "on one machine."));
+        QStringLiteral("The practice network: an account service, an FSD server, a voice server and an X-Plane to "
+                       "fly, for one pilot on one machine."));
     parser.addHelpOption();
     parser.addVersionOption();
     for (const ValueOption &option : valueOptions)
@@ -108,6 +113,11 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.httpPort = static_cast<quint16>(values.whole("http-port", 0, 65535));
     network.fsdPort = static_cast<quint16>(values.whole("fsd-port", 0, 65535));
     network.xplanePort = static_cast<quint16>(values.whole("xplane-port", 0, 65535));
+    network.voiceTcpPort = static_cast<quint16>(values.whole("voice-port", 0, 65535));
+    network.voiceUdpPort = static_cast<quint16>(values.whole("voice-udp-port", 0, 65535));
+    network.voice.weather.lossPercent = values.number("voice-loss", 0, 100);
+    network.voice.weather.jitterMs = values.whole("voice-jitter", 0, 10'000);
+    network.voice.weather.duplicatePercent = values.number("voice-duplicate", 0, 100);
     network.pluginUrl = values.text("plugin");
     network.simulator = !parser.isSet(QStringLiteral("no-simulator"));
     network.fsd.pingIntervalMs = values.whole("ping", 0, 86400) * 1000;

@@ -8,6 +8,8 @@ PracticeSettings PracticeSettings::ephemeral()
     settings.httpPort = 0;
     settings.fsdPort = 0;
     settings.xplanePort = 0;
+    settings.voiceTcpPort = 0;
+    settings.voiceUdpPort = 0;
     settings.pluginUrl.clear();
     settings.residents.present = false;
     return settings;
@@ -33,6 +35,8 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_account(m_accounts, m_tokens),
       m_fsd(m_accounts, m_tokens, withRoomFor(m_settings.crowd, m_settings.fsd), clock),
       m_scriptedClients(m_fsd),
+      m_voice(
+          m_accounts, m_tokens, [this](qint64 cid) { return callsignOf(cid); }, m_settings.voice, clock),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())
@@ -85,6 +89,8 @@ bool PracticeNetwork::startServers()
         return failed(QStringLiteral("FSD server, TCP port %1").arg(m_settings.fsdPort), m_fsd.errorString());
     if (m_secondFsd && !m_secondFsd->listen(m_settings.secondAddress, m_fsd.port()))
         return failed(QStringLiteral("second FSD server, TCP port %1").arg(m_fsd.port()), m_secondFsd->errorString());
+    if (!m_voice.listen(m_settings.address, m_settings.voiceTcpPort, m_settings.voiceUdpPort))
+        return failed(QStringLiteral("voice server"), m_voice.errorString());
     return true;
 }
 
@@ -111,11 +117,19 @@ void PracticeNetwork::stop()
         m_residents->stop();
     if (m_secondResidents)
         m_secondResidents->stop();
+    m_voice.close();
     m_fsd.close();
     if (m_secondFsd)
         m_secondFsd->close();
     m_account.close();
     m_pluginFolder.reset();
+}
+
+/// A pilot who was handed over flies on the second server.
+QString PracticeNetwork::callsignOf(qint64 cid) const
+{
+    const QString callsign = m_fsd.callsignOf(cid);
+    return callsign.isEmpty() && m_secondFsd ? m_secondFsd->callsignOf(cid) : callsign;
 }
 
 QString PracticeNetwork::errorString() const

@@ -7,6 +7,7 @@
 #include "practice/people/Crowd.h"
 #include "practice/people/Residents.h"
 #include "practice/people/ScriptedClients.h"
+#include "practice/voice/VoiceServer.h"
 #include "practice/xplane/XPlaneStandIn.h"
 
 #include <QHostAddress>
@@ -25,6 +26,8 @@ struct PracticeSettings
     quint16 httpPort = 8080;
     quint16 fsdPort = 6809;
     quint16 xplanePort = 49000;
+    quint16 voiceTcpPort = 6808;
+    quint16 voiceUdpPort = 6807;
     QString pluginUrl = QStringLiteral("ipc:///tmp//tarvoclient.ipc"); ///< empty: a socket in a temporary folder
     bool simulator = true;                                             ///< false leaves X-Plane's addresses alone
     QHostAddress secondAddress; ///< another loopback address, such as 127.0.0.2, for a second FSD server on the same
@@ -32,12 +35,14 @@ struct PracticeSettings
     FsdSettings fsd;
     ResidentSettings residents;
     CrowdSettings crowd;
+    VoiceSettings voice;
 
     /// Free ports, a plugin address of its own and no residents, for tests.
     static PracticeSettings ephemeral();
 };
 
-/// The whole network for one pilot on one machine: account service, FSD server and an X-Plane to fly.
+/// The whole network for one pilot on one machine: account service, FSD server, voice server and an X-Plane to
+/// fly.
 class PracticeNetwork : public QObject
 {
     Q_OBJECT
@@ -62,6 +67,7 @@ public:
     Residents *residents() { return m_residents.get(); }
     /// The same people on the second server, whom a client that is handed over meets there; null without either.
     Residents *secondResidents() { return m_secondResidents.get(); }
+    VoiceServer &voice() { return m_voice; }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Clients of fsd() that say what they are told.
     ScriptedClients &scriptedClients() { return m_scriptedClients; }
@@ -71,6 +77,7 @@ public:
 private:
     bool startServers();
     bool startSimulator();
+    QString callsignOf(qint64 cid) const;
     bool failed(const QString &what, const QString &why);
 
     PracticeSettings m_settings;
@@ -84,6 +91,7 @@ private:
     std::unique_ptr<Residents> m_residents;
     std::unique_ptr<Residents> m_secondResidents;
     std::unique_ptr<Crowd> m_crowd;
+    VoiceServer m_voice;
     XPlaneStandIn m_xplane;
     QString m_error;
 };

@@ -91,6 +91,16 @@ QStringList FsdServer::callsigns() const
     return list;
 }
 
+QString FsdServer::callsignOf(qint64 cid) const
+{
+    QString callsign;
+    for (const FsdSession *session : m_roster.all()) {
+        if (session->isOpen() && session->loggedIn() && session->identity->cid == QString::number(cid))
+            callsign = session->identity->callsign;
+    }
+    return callsign;
+}
+
 int FsdServer::connectionCount() const
 {
     return static_cast<int>(m_roster.all().size());

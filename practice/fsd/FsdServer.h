@@ -45,6 +45,8 @@ public:
 
     /// Those logged in, in the order of their login.
     QStringList callsigns() const;
+    /// The callsign of the client that logged in last under that CID; empty when there is none.
+    QString callsignOf(qint64 cid) const;
     /// Connections, logged in or not.
     int connectionCount() const;
 

@@ -23,6 +23,11 @@ private slots:
         QCOMPARE(options->network.httpPort, 8080);
         QCOMPARE(options->network.fsdPort, 6809);
         QCOMPARE(options->network.xplanePort, 49000);
+        QCOMPARE(options->network.voiceTcpPort, 6808);
+        QCOMPARE(options->network.voiceUdpPort, 6807);
+        QCOMPARE(options->network.voice.weather.lossPercent, 0.0);
+        QCOMPARE(options->network.voice.weather.jitterMs, 0);
+        QCOMPARE(options->network.voice.weather.duplicatePercent, 0.0);
         QCOMPARE(options->network.pluginUrl, QStringLiteral("ipc:///tmp//tarvoclient.ipc"));
         QCOMPARE(options->network.address, QHostAddress(QHostAddress::LocalHost));
         QVERIFY(options->network.secondAddress.isNull());
@@ -51,7 +56,9 @@ private slots:
             {QStringLiteral("--http-port"), QStringLiteral("0"), QStringLiteral("--token-life=5"),
              QStringLiteral("--second-address=127.0.0.2"), QStringLiteral("--quiet"), QStringLiteral("--range=2.5"),
              QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator"), QStringLiteral("--no-residents"),
-             QStringLiteral("--pilots=500"), QStringLiteral("--rate=2.5"), QStringLiteral("--broadcast=10")},
+             QStringLiteral("--pilots=500"), QStringLiteral("--rate=2.5"), QStringLiteral("--broadcast=10"),
+             QStringLiteral("--voice-port=1"), QStringLiteral("--voice-udp-port=2"), QStringLiteral("--voice-loss=2.5"),
+             QStringLiteral("--voice-jitter=40"), QStringLiteral("--voice-duplicate=3")},
             &error);
         QVERIFY2(options, qPrintable(error));
         QCOMPARE(options->network.httpPort, 0);
@@ -65,6 +72,11 @@ private slots:
         QCOMPARE(options->network.residents.broadcastIntervalMs, 10'000);
         QCOMPARE(options->network.crowd.pilots, 500);
         QCOMPARE(options->network.crowd.rateHz, 2.5);
+        QCOMPARE(options->network.voiceTcpPort, 1);
+        QCOMPARE(options->network.voiceUdpPort, 2);
+        QCOMPARE(options->network.voice.weather.lossPercent, 2.5);
+        QCOMPARE(options->network.voice.weather.jitterMs, 40);
+        QCOMPARE(options->network.voice.weather.duplicatePercent, 3.0);
     }
 
     void refusesNonsense_data()
@@ -72,6 +84,8 @@ private slots:
         QTest::addColumn<QString>("argument");
         QTest::newRow("port too high") << QStringLiteral("--fsd-port=65536");
         QTest::newRow("port of letters") << QStringLiteral("--fsd-port=fsd");
+        QTest::newRow("more lost than sent") << QStringLiteral("--voice-loss=101");
+        QTest::newRow("negative jitter") << QStringLiteral("--voice-jitter=-1");
         QTest::newRow("negative life") << QStringLiteral("--token-life=-1");
         QTest::newRow("too many pilots") << QStringLiteral("--pilots=5001");
         QTest::newRow("pilots that never move") << QStringLiteral("--rate=0");

@@ -19,7 +19,11 @@ class ProgramTest : public QObject
 
     QStringList freeAddresses() const
     {
-        return {QStringLiteral("--http-port=0"), QStringLiteral("--fsd-port=0"), QStringLiteral("--xplane-port=0"),
+        return {QStringLiteral("--http-port=0"),
+                QStringLiteral("--fsd-port=0"),
+                QStringLiteral("--xplane-port=0"),
+                QStringLiteral("--voice-port=0"),
+                QStringLiteral("--voice-udp-port=0"),
                 QStringLiteral("--plugin=ipc://%1").arg(m_folder.filePath(QStringLiteral("p.ipc")))};
     }
     static void start(QProcess &process, const QStringList &arguments)
@@ -81,6 +85,8 @@ private slots:
         QTest::newRow("account service") << QStringLiteral("--http-port=%1");
         QTest::newRow("FSD server") << QStringLiteral("--fsd-port=%1");
         QTest::newRow("X-Plane") << QStringLiteral("--xplane-port=%1");
+        QTest::newRow("voice server") << QStringLiteral("--voice-port=%1");
+        QTest::newRow("voice itself") << QStringLiteral("--voice-udp-port=%1");
     }
 
     void aPortInUseIsNamed()
@@ -90,7 +96,8 @@ private slots:
         QVERIFY(tcp.listen(QHostAddress::LocalHost, 0));
         QUdpSocket udp;
         QVERIFY(udp.bind(QHostAddress::LocalHost, 0, QAbstractSocket::DontShareAddress));
-        const quint16 port = option.contains(QLatin1String("xplane")) ? udp.localPort() : tcp.serverPort();
+        const quint16 port =
+            option.contains(QRegularExpression(QStringLiteral("xplane|udp"))) ? udp.localPort() : tcp.serverPort();
         QProcess process;
         start(process, freeAddresses() + QStringList{option.arg(port)});
         TRY_COMPARE(process.state(), QProcess::NotRunning);

@@ -1,0 +1,28 @@
+#pragma once
+
+namespace tarvo::practice {
+
+/// What happens to the datagrams that the voice server sends, as on a bad line.
+struct WeatherSettings
+{
+    double lossPercent = 0;
+    int jitterMs = 0; ///< each datagram is late by up to this, so that they may overtake each other
+    double duplicatePercent = 0;
+    unsigned seed = 4711; ///< the same weather every time
+};
+
+/// What the voice server allows.
+struct VoiceSettings
+{
+    int tokenMs = 10'000;   ///< a client whose first line hasn't come by then is sent away
+    int silenceMs = 60'000; ///< a client that sends no line for so long is sent away; it pings every 15 s
+    int maxClients = 64;
+    int maxLineBytes = 4096;         ///< a longer line is dropped
+    int maxQueuedBytes = 1 << 18;    ///< a client that lets more pile up is cut off
+    int maxLinesPerSecond = 100;     ///< a client that sends more is cut off; bursts of twice as many are let through
+    int maxBadLines = 20;            ///< so many malformed lines end a session
+    int maxDatagramsPerSecond = 200; ///< of one client; the rest is dropped. A voice is 50
+    WeatherSettings weather;
+};
+
+} // namespace tarvo::practice
