@@ -39,6 +39,19 @@ std::optional<int> maskOf(int button)
     return std::nullopt;
 }
 
+/// What a key types without Shift and the like, as the keyboard is now; NoSymbol for nothing.
+KeySym firstSymbol(Display *display, int keycode)
+{
+    XkbDescPtr keyboard = XkbGetMap(display, XkbKeyTypesMask | XkbKeySymsMask, XkbUseCoreKbd);
+    if (!keyboard)
+        return NoSymbol;
+    KeySym symbol = NoSymbol;
+    if (XkbKeycodeInRange(keyboard, keycode) && XkbKeyNumSyms(keyboard, keycode) > 0)
+        symbol = XkbKeySymEntry(keyboard, keycode, 0, 0);
+    XkbFreeKeyboard(keyboard, 0, True);
+    return symbol;
+}
+
 /// The sign that a key types, as it is printed on keys; empty for a key that types none.
 QString printedSign(KeySym symbol)
 {
@@ -83,7 +96,9 @@ X11InputSource::Connection::Connection(Display *display, XTest xtest)
 {
     m_notifier.setEnabled(false);
     QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, [this] { drain(); });
-    // Without this Xlib ends the program when the server goes.
+    // Xlib ends the program when the server goes, and that in two places: once for all connections, which need not be
+    // because it is done for each of them, too, and there this one only takes note.
+    XSetIOErrorHandler([](Display *) { return 0; });
     XSetIOErrorExitHandler(
         m_display, [](Display *, void *connection) { static_cast<Connection *>(connection)->m_isLost = true; }, this);
 }
@@ -138,8 +153,6 @@ void X11InputSource::Connection::drain()
 
 void X11InputSource::Connection::handle(XEvent &event)
 {
-    if (event.type == MappingNotify)
-        XRefreshKeyboardMapping(&event.xmapping);
     if (event.type != GenericEvent || event.xcookie.extension != m_xinput || !XGetEventData(m_display, &event.xcookie))
         return;
     if (event.xcookie.evtype == XI_HierarchyChanged)
@@ -205,7 +218,7 @@ QString X11InputSource::Connection::keyName(int evdevCode)
 {
     if (m_isLost)
         return {};
-    const KeySym symbol = XkbKeycodeToKeysym(m_display, static_cast<KeyCode>(evdevCode + evdevToKeycode), 0, 0);
+    const KeySym symbol = firstSymbol(m_display, evdevCode + evdevToKeycode);
     // Asking may have brought events along, for which the socket rings no more.
     QMetaObject::invokeMethod(
         &m_notifier, [this] { drain(); }, Qt::QueuedConnection);

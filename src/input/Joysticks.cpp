@@ -16,7 +16,7 @@ constexpr Uint32 subsystems = SDL_INIT_JOYSTICK | SDL_INIT_GAMECONTROLLER;
 
 bool isUp()
 {
-    return SDL_WasInit(subsystems) != 0;
+    return SDL_WasInit(subsystems) == subsystems;
 }
 
 } // namespace
