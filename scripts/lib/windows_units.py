@@ -8,6 +8,7 @@ MULTIARCH = pathlib.Path('/usr/lib/x86_64-linux-gnu')
 QT_INCLUDE = pathlib.Path('/usr/include/x86_64-linux-gnu/qt6')
 # Headers of libraries that don't depend on the C library's own, given to mingw through a folder of links.
 PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'opus', 'portaudio.h', 'soxr.h']
+SDL_HEADERS = [pathlib.Path('/usr/include/SDL2'), QT_INCLUDE.parent / 'SDL2']  # Debian splits them
 UNWANTED_NAMES = ('-D__linux__', '-Dlinux', '-D_FORTIFY_SOURCE')
 
 
@@ -40,6 +41,11 @@ class WindowsChecker:
             source, link = pathlib.Path('/usr/include') / name, folder / name
             if source.exists() and not link.is_symlink():
                 link.symlink_to(source)
+        (folder / 'SDL2').mkdir(exist_ok=True)
+        for header in [header for part in SDL_HEADERS for header in part.glob('*.h')]:
+            link = folder / 'SDL2' / header.name
+            if not link.is_symlink():
+                link.symlink_to(header)
 
     def command(self, batch):
         out = [CXX, '-Wall', '-Wextra', '-Werror']
@@ -52,7 +58,9 @@ class WindowsChecker:
             elif not word.startswith(UNWANTED_NAMES):
                 out.append(word)
         own = [f'-I{folder}' for folder in {self.root / unit.parent for unit in batch.units}]
-        return [*out, *own, '-isystem', str(self.folder / 'portable-headers'), '-fsyntax-only', str(batch.text)]
+        portable = self.folder / 'portable-headers'
+        return [*out, *own, '-isystem', str(portable), '-isystem', str(portable / 'SDL2'), '-fsyntax-only',
+                str(batch.text)]
 
 
 def windows_include(folder):

@@ -46,8 +46,8 @@ bool Joysticks::open()
 
 void Joysticks::close()
 {
-    for (SDL_Joystick *joystick : std::exchange(m_open, {}))
-        SDL_JoystickClose(joystick);
+    for (const int instance : std::exchange(m_open, {}))
+        SDL_JoystickClose(SDL_JoystickFromInstanceID(instance));
     if (isUp())
         SDL_QuitSubSystem(subsystems);
 }
@@ -86,22 +86,18 @@ void Joysticks::add(int deviceIndex, const char *message)
     if (!joystick)
         return;
     qInfo() << message << SDL_JoystickName(joystick);
+    const int instance = SDL_JoystickInstanceID(joystick);
     // Those that were there at the start are told of once more, and SDL counts how often each is open.
-    if (std::find(m_open.begin(), m_open.end(), joystick) == m_open.end())
-        m_open.push_back(joystick);
+    if (std::find(m_open.begin(), m_open.end(), instance) == m_open.end())
+        m_open.push_back(instance);
     else
         SDL_JoystickClose(joystick);
 }
 
 void Joysticks::remove(int instance)
 {
-    const auto found = std::find_if(m_open.begin(), m_open.end(), [instance](SDL_Joystick *joystick) {
-        return SDL_JoystickInstanceID(joystick) == instance;
-    });
-    if (found == m_open.end())
-        return;
-    SDL_JoystickClose(*found);
-    m_open.erase(found);
+    if (std::erase(m_open, instance) > 0)
+        SDL_JoystickClose(SDL_JoystickFromInstanceID(instance));
 }
 
 } // namespace tarvo::input

@@ -3,8 +3,6 @@
 #include <functional>
 #include <vector>
 
-struct _SDL_Joystick;
-
 namespace tarvo::input {
 
 /// The joysticks of the system, by SDL. Costs nothing until opened. One in the program.
@@ -37,7 +35,7 @@ private:
     void remove(int instance);
 
     Listener m_listener;
-    std::vector<_SDL_Joystick *> m_open;
+    std::vector<int> m_open; ///< instance ids
 };
 
 } // namespace tarvo::input

@@ -39,7 +39,7 @@ QString PttService::boundKeyName() const
 
 QString PttService::keyName(int virtualKey) const
 {
-    const QString name = m_handler.keyName(virtualKey);
+    QString name = m_handler.keyName(virtualKey);
     if (!name.isEmpty())
         return name;
     const QString code = QString::number(static_cast<quint32>(virtualKey), 16).toUpper();
