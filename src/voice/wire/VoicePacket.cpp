@@ -9,6 +9,7 @@ namespace tarvo::voice {
 namespace {
 
 constexpr std::size_t headSize = 10;
+constexpr std::size_t longestCallsign = 254;
 constexpr std::uint8_t terminator = 0x0A; // once the end of a line; readers still insist on it
 
 // Where the fields of the head stand.
@@ -18,7 +19,7 @@ constexpr std::size_t callsignSizeAt = 9;
 
 void checkLimits(int transmitter, int frequency, const std::string &callsign)
 {
-    if (callsign.size() >= 255)
+    if (callsign.size() > longestCallsign)
         throw std::invalid_argument("Callsign too long");
     if (frequency >= 200000)
         throw std::invalid_argument("Frequency too large");
@@ -27,6 +28,18 @@ void checkLimits(int transmitter, int frequency, const std::string &callsign)
 }
 
 } // namespace
+
+std::string fittingCallsign(std::string callsign)
+{
+    if (callsign.size() <= longestCallsign)
+        return callsign;
+    const auto isInsideOfCharacter = [&callsign](std::size_t at) { return (callsign[at] & 0xC0) == 0x80; };
+    std::size_t end = longestCallsign;
+    while (end > longestCallsign - 3 && isInsideOfCharacter(end))
+        --end;
+    callsign.resize(end);
+    return callsign;
+}
 
 std::vector<std::uint8_t> serializeVoicePacket(quint32 cid, int transmitter, int frequency, const std::string &callsign,
                                                const std::vector<std::uint8_t> &payload)

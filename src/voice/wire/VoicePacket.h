@@ -23,6 +23,9 @@ struct VoicePacket
     bool operator==(const VoicePacket &) const = default;
 };
 
+/// The callsign as far as a packet has room for it: at most 254 bytes, cut between two UTF-8 characters.
+std::string fittingCallsign(std::string callsign);
+
 /// Throws std::invalid_argument, in this order: "Callsign too long" from 255 bytes, "Frequency too large" from
 /// 200,000 kHz, "Transmitter ID too large" from 255. Negative numbers pass and are cut to their size.
 std::vector<std::uint8_t> serializeVoicePacket(quint32 cid, int transmitter, int frequency, const std::string &callsign,

@@ -112,6 +112,33 @@ private slots:
             QCOMPARE(read->callsign, callsign);
     }
 
+    void aCallsignIsCutToFit_data()
+    {
+        QTest::addColumn<std::string>("callsign");
+        QTest::addColumn<size_t>("kept");
+        const auto a = [](size_t count) { return std::string(count, 'A'); };
+        QTest::newRow("empty") << std::string() << size_t(0);
+        QTest::newRow("short") << a(7) << size_t(7);
+        QTest::newRow("254 bytes") << a(254) << size_t(254);
+        QTest::newRow("255 bytes") << a(255) << size_t(254);
+        QTest::newRow("very long") << a(60'000) << size_t(254);
+        QTest::newRow("a character ends there") << a(251) + "国" + "国" << size_t(254);
+        QTest::newRow("a character begins there") << a(254) + "国" << size_t(254);
+        QTest::newRow("one byte of it is inside") << a(253) + "国" << size_t(253);
+        QTest::newRow("two bytes of it are inside") << a(252) + "国" << size_t(252);
+        QTest::newRow("three of four") << a(251) + "\xf0\x9f\x9b\xab" << size_t(251);
+        QTest::newRow("no characters at all") << std::string(300, '\x80') << size_t(251);
+    }
+
+    void aCallsignIsCutToFit()
+    {
+        QFETCH(std::string, callsign);
+        QFETCH(size_t, kept);
+        const std::string fitting = fittingCallsign(callsign);
+        QCOMPARE(fitting, callsign.substr(0, kept));
+        QVERIFY(parsed(serializeVoicePacket(1, 0, 0, fitting, {}))); // doesn't throw
+    }
+
     void longestClaimedCallsignIsRead()
     {
         const QByteArray wire = QByteArray(9, '\0') + '\xff' + QByteArray(255, 'A') + '\n';
