@@ -27,6 +27,8 @@ constexpr ValueOption valueOptions[] = {
     {"voice-loss", "Per cent of the voice server's datagrams that are lost.", "percent", "0"},
     {"voice-jitter", "Milliseconds by which each of them is late, at most.", "milliseconds", "0"},
     {"voice-duplicate", "Per cent of them that come twice.", "percent", "0"},
+    {"voice-speakers", "So many who speak without end, for load tests.", "count", "0"},
+    {"voice-frequencies", "On so many frequencies, from 124.000 MHz on.", "count", "1"},
     {"plugin", "nng address of X-Plane's plugin.", "url", "ipc:///tmp//tarvoclient.ipc"},
     {"token-life", "Seconds that an access token lives.", "seconds", "3600"},
     {"refresh-life", "Seconds that a refresh token lives.", "seconds", "2592000"},
@@ -118,6 +120,8 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.voice.weather.lossPercent = values.number("voice-loss", 0, 100);
     network.voice.weather.jitterMs = values.whole("voice-jitter", 0, 10'000);
     network.voice.weather.duplicatePercent = values.number("voice-duplicate", 0, 100);
+    network.voicePeople.speakers = values.whole("voice-speakers", 0, VoicePeopleSettings::mostSpeakers);
+    network.voicePeople.frequencies = values.whole("voice-frequencies", 1, VoicePeopleSettings::mostFrequencies);
     network.pluginUrl = values.text("plugin");
     network.simulator = !parser.isSet(QStringLiteral("no-simulator"));
     network.fsd.pingIntervalMs = values.whole("ping", 0, 86400) * 1000;
@@ -126,6 +130,7 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.fsd.fastRangeNm = values.number("fast-range", 0, 10800);
     network.residents.present =
         !parser.isSet(QStringLiteral("no-residents")) && options.script.isEmpty(); // a script brings its own people
+    network.voicePeople.present = network.residents.present;
     network.residents.broadcastIntervalMs = values.whole("broadcast", 0, 86400) * 1000;
     network.crowd.pilots = values.whole("pilots", 0, CrowdSettings::mostPilots);
     network.crowd.rateHz = values.number("rate", 0.01, 50);

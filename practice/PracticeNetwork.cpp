@@ -12,6 +12,7 @@ PracticeSettings PracticeSettings::ephemeral()
     settings.voiceUdpPort = 0;
     settings.pluginUrl.clear();
     settings.residents.present = false;
+    settings.voicePeople.present = false;
     return settings;
 }
 
@@ -37,6 +38,7 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_scriptedClients(m_fsd),
       m_voice(
           m_accounts, m_tokens, [this](qint64 cid) { return callsignOf(cid); }, m_settings.voice, clock),
+      m_voicePeople(m_voice, m_settings.voicePeople, clock),
       m_xplane(clock)
 {
     if (!m_settings.secondAddress.isNull())
@@ -68,6 +70,7 @@ bool PracticeNetwork::start()
         m_secondResidents->start();
     if (m_crowd)
         m_crowd->start();
+    m_voicePeople.start();
     return true;
 }
 
@@ -117,6 +120,7 @@ void PracticeNetwork::stop()
         m_residents->stop();
     if (m_secondResidents)
         m_secondResidents->stop();
+    m_voicePeople.stop();
     m_voice.close();
     m_fsd.close();
     if (m_secondFsd)

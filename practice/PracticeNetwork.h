@@ -7,6 +7,7 @@
 #include "practice/people/Crowd.h"
 #include "practice/people/Residents.h"
 #include "practice/people/ScriptedClients.h"
+#include "practice/voice/VoicePeople.h"
 #include "practice/voice/VoiceServer.h"
 #include "practice/xplane/XPlaneStandIn.h"
 
@@ -36,6 +37,7 @@ struct PracticeSettings
     ResidentSettings residents;
     CrowdSettings crowd;
     VoiceSettings voice;
+    VoicePeopleSettings voicePeople;
 
     /// Free ports, a plugin address of its own and no residents, for tests.
     static PracticeSettings ephemeral();
@@ -68,6 +70,7 @@ public:
     /// The same people on the second server, whom a client that is handed over meets there; null without either.
     Residents *secondResidents() { return m_secondResidents.get(); }
     VoiceServer &voice() { return m_voice; }
+    VoicePeople &voicePeople() { return m_voicePeople; }
     XPlaneStandIn &xplane() { return m_xplane; }
     /// Clients of fsd() that say what they are told.
     ScriptedClients &scriptedClients() { return m_scriptedClients; }
@@ -92,6 +95,7 @@ private:
     std::unique_ptr<Residents> m_secondResidents;
     std::unique_ptr<Crowd> m_crowd;
     VoiceServer m_voice;
+    VoicePeople m_voicePeople;
     XPlaneStandIn m_xplane;
     QString m_error;
 };

@@ -69,6 +69,8 @@ QJsonObject ControlService::state() const
     const XPlaneStandIn &xplane = m_network.xplane();
     return {{QStringLiteral("callsigns"), QJsonArray::fromStringList(m_network.fsd().callsigns())},
             {QStringLiteral("residents"), QJsonArray::fromStringList(m_network.fsd().residents())},
+            {QStringLiteral("voice"), QJsonArray::fromStringList(m_network.voice().callsigns())},
+            {QStringLiteral("phrases"), QJsonArray::fromStringList(m_network.voicePeople().phrases().names())},
             {QStringLiteral("flight_time"), xplane.flightTime()},
             {QStringLiteral("flight_duration"), xplane.flight().duration()},
             {QStringLiteral("phase"), xplane.flight().phaseAt(xplane.flightTime())},

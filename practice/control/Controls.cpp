@@ -64,6 +64,27 @@ std::optional<PluginAnswering> answering(const ControlArguments &arguments)
                : std::nullopt;
 }
 
+/// Nothing for anything but a share of 100, which is 0 without the argument.
+std::optional<double> percent(const ControlArguments &arguments, QLatin1StringView name)
+{
+    const auto value = text(arguments, name).isEmpty() ? std::optional(0.0) : number(arguments, name);
+    return value && *value >= 0 && *value <= 100 ? value : std::nullopt;
+}
+
+/// "loss" and "duplicate" in per cent, "jitter" in ms; 0 for what is left out. Nothing for anything else.
+std::optional<WeatherSettings> weather(const ControlArguments &arguments)
+{
+    constexpr qint64 longestJitter = 10'000;
+    const auto loss = percent(arguments, QLatin1StringView("loss"));
+    const auto duplicate = percent(arguments, QLatin1StringView("duplicate"));
+    const auto jitter = text(arguments, QLatin1StringView("jitter")).isEmpty()
+                            ? std::optional<qint64>(0)
+                            : whole(arguments, QLatin1StringView("jitter"), 0, longestJitter);
+    if (!loss || !duplicate || !jitter)
+        return std::nullopt;
+    return WeatherSettings{.lossPercent = *loss, .jitterMs = static_cast<int>(*jitter), .duplicatePercent = *duplicate};
+}
+
 /// The JSON array that the argument is; empty without one, nothing for anything else.
 std::optional<QVariantList> json(const ControlArguments &arguments, QLatin1StringView name)
 {
@@ -91,6 +112,8 @@ Controls::Controls(PracticeNetwork &network) : m_network(network)
     addSimulatorVerbs();
     addPluginVerbs();
     addSayVerbs();
+    addVoiceVerbs();
+    addVoiceLineVerbs();
 }
 
 bool Controls::perform(const QString &verb, const ControlArguments &arguments) const
@@ -272,6 +295,52 @@ void Controls::addSayVerbs()
         return plugin.forceDisconnect(text(a, QLatin1StringView("reason")));
     };
     m_actions[QStringLiteral("shut-down")] = [&plugin](A) { return plugin.shutDown(); };
+}
+
+void Controls::addVoiceVerbs()
+{
+    using A = const ControlArguments &;
+    m_actions[QStringLiteral("voice-speak")] = [this](A a) {
+        QStringList callsigns{text(a, QLatin1StringView("as"))};
+        if (a.contains(QStringLiteral("and")))
+            callsigns.append(text(a, QLatin1StringView("and")));
+        const auto frequency = whole(a, QLatin1StringView("frequency"), 0, Int::max());
+        return frequency &&
+               m_network.voicePeople().speak(callsigns, static_cast<int>(*frequency),
+                                             a.value(QStringLiteral("phrase"), QStringLiteral("pilot-call")));
+    };
+    m_actions[QStringLiteral("voice-mute")] = [this](A a) {
+        m_network.voice().setMute(isOn(a));
+        return true;
+    };
+    m_actions[QStringLiteral("voice-weather")] = [this](A a) {
+        const auto changed = weather(a);
+        if (changed)
+            m_network.voice().setWeather(*changed);
+        return changed.has_value();
+    };
+    m_actions[QStringLiteral("voice-garbage")] = [this](A a) {
+        constexpr qint64 most = 10'000;
+        const auto count = whole(a, QLatin1StringView("count"), 1, most);
+        return count && m_network.voice().sendGarbage(callsign(a), static_cast<int>(*count));
+    };
+}
+
+void Controls::addVoiceLineVerbs()
+{
+    VoiceServer &voice = m_network.voice();
+    using A = const ControlArguments &;
+    m_actions[QStringLiteral("voice-error")] = [&voice](A a) {
+        return voice.sendError(callsign(a), text(a, QLatin1StringView("text")));
+    };
+    m_actions[QStringLiteral("voice-disconnect")] = [&voice](A a) { return voice.sendDisconnect(callsign(a)); };
+    m_actions[QStringLiteral("voice-line")] = [&voice](A a) {
+        return voice.sendLine(callsign(a), text(a, QLatin1StringView("line")));
+    };
+    m_actions[QStringLiteral("voice-half")] = [&voice](A a) {
+        return voice.sendBytes(callsign(a), text(a, QLatin1StringView("line")).toUtf8());
+    };
+    m_actions[QStringLiteral("voice-drop")] = [&voice](A a) { return voice.drop(callsign(a)); };
 }
 
 bool Controls::jump(const ControlArguments &arguments)

@@ -37,6 +37,8 @@ private:
     void addSimulatorVerbs();
     void addPluginVerbs();
     void addSayVerbs();
+    void addVoiceVerbs();
+    void addVoiceLineVerbs();
     bool jump(const ControlArguments &arguments);
 
     PracticeNetwork &m_network;

@@ -25,4 +25,18 @@ struct VoiceSettings
     WeatherSettings weather;
 };
 
+/// Those who speak.
+struct VoicePeopleSettings
+{
+    static constexpr int mostSpeakers = 100;
+    static constexpr int mostFrequencies = 100;
+
+    bool present = true;     ///< tower, ATIS and radio check
+    int greetingMs = 1'500;  ///< the tower greets so long after a pilot has tuned it
+    int answerMs = 1'000;    ///< tower and radio check answer so long after a pilot let go of the key
+    int atisPauseMs = 1'000; ///< before each turn of the ATIS
+    int speakers = 0;        ///< a crowd that speaks without end, for load tests
+    int frequencies = 1;     ///< on so many frequencies, from 124.000 MHz on, 25 kHz apart
+};
+
 } // namespace tarvo::practice

@@ -7,7 +7,7 @@ CXX = 'x86_64-w64-mingw32-g++-posix'
 MULTIARCH = pathlib.Path('/usr/lib/x86_64-linux-gnu')
 QT_INCLUDE = pathlib.Path('/usr/include/x86_64-linux-gnu/qt6')
 # Headers of libraries that don't depend on the C library's own, given to mingw through a folder of links.
-PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'opus', 'portaudio.h', 'soxr.h']
+PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'ogg', 'opus', 'portaudio.h', 'soxr.h']
 SDL_HEADERS = [pathlib.Path('/usr/include/SDL2'), QT_INCLUDE.parent / 'SDL2']  # Debian splits them
 UNWANTED_NAMES = ('-D__linux__', '-Dlinux', '-D_FORTIFY_SOURCE')
 
@@ -59,8 +59,8 @@ class WindowsChecker:
                 out.append(word)
         own = [f'-I{folder}' for folder in {self.root / unit.parent for unit in batch.units}]
         portable = self.folder / 'portable-headers'
-        return [*out, *own, '-isystem', str(portable), '-isystem', str(portable / 'SDL2'), '-fsyntax-only',
-                str(batch.text)]
+        library_folders = [word for name in ('', 'SDL2', 'opus') for word in ('-isystem', str(portable / name))]
+        return [*out, *own, *library_folders, '-fsyntax-only', str(batch.text)]
 
 
 def windows_include(folder):

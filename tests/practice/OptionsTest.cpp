@@ -36,6 +36,8 @@ private slots:
         QVERIFY(!options->quiet);
         QVERIFY(options->network.residents.present);
         QCOMPARE(options->network.residents.broadcastIntervalMs, 300'000);
+        QVERIFY(options->network.voicePeople.present);
+        QCOMPARE(options->network.voicePeople.speakers, 0);
         QCOMPARE(options->network.crowd.pilots, 0);
         QCOMPARE(options->network.crowd.rateHz, 5.0);
     }
@@ -47,6 +49,7 @@ private slots:
         QVERIFY2(options, qPrintable(error));
         QCOMPARE(options->script, QStringLiteral("a.script"));
         QVERIFY(!options->network.residents.present);
+        QVERIFY(!options->network.voicePeople.present);
     }
 
     void readsWhatIsGiven()
@@ -58,7 +61,8 @@ private slots:
              QStringLiteral("--flight-time=200"), QStringLiteral("--no-simulator"), QStringLiteral("--no-residents"),
              QStringLiteral("--pilots=500"), QStringLiteral("--rate=2.5"), QStringLiteral("--broadcast=10"),
              QStringLiteral("--voice-port=1"), QStringLiteral("--voice-udp-port=2"), QStringLiteral("--voice-loss=2.5"),
-             QStringLiteral("--voice-jitter=40"), QStringLiteral("--voice-duplicate=3")},
+             QStringLiteral("--voice-jitter=40"), QStringLiteral("--voice-duplicate=3"),
+             QStringLiteral("--voice-speakers=40"), QStringLiteral("--voice-frequencies=5")},
             &error);
         QVERIFY2(options, qPrintable(error));
         QCOMPARE(options->network.httpPort, 0);
@@ -77,6 +81,8 @@ private slots:
         QCOMPARE(options->network.voice.weather.lossPercent, 2.5);
         QCOMPARE(options->network.voice.weather.jitterMs, 40);
         QCOMPARE(options->network.voice.weather.duplicatePercent, 3.0);
+        QCOMPARE(options->network.voicePeople.speakers, 40);
+        QCOMPARE(options->network.voicePeople.frequencies, 5);
     }
 
     void refusesNonsense_data()
@@ -85,6 +91,8 @@ private slots:
         QTest::newRow("port too high") << QStringLiteral("--fsd-port=65536");
         QTest::newRow("port of letters") << QStringLiteral("--fsd-port=fsd");
         QTest::newRow("more lost than sent") << QStringLiteral("--voice-loss=101");
+        QTest::newRow("too many voices") << QStringLiteral("--voice-speakers=101");
+        QTest::newRow("voices nowhere") << QStringLiteral("--voice-frequencies=0");
         QTest::newRow("negative jitter") << QStringLiteral("--voice-jitter=-1");
         QTest::newRow("negative life") << QStringLiteral("--token-life=-1");
         QTest::newRow("too many pilots") << QStringLiteral("--pilots=5001");

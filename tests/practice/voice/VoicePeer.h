@@ -79,7 +79,7 @@ public:
     QList<QByteArray> datagrams;
     int number = 0;
 
-private:
+    /// Takes what the system holds, whose room is small.
     void readDatagrams()
     {
         while (udp.hasPendingDatagrams()) {
@@ -89,6 +89,7 @@ private:
         }
     }
 
+private:
     const practice::VoiceServer &m_server;
     QByteArray m_received;
     int m_mark = 0;
