@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Runs a command on a network of its own, whose name server answers as told, and late where told.
 
-    name_server.py NAME=[ADDRESS][@SECONDS]... -- COMMAND [ARGUMENT...]
+    name_server.py NAME=[ADDRESS[+ADDRESS]][@SECONDS]... -- COMMAND [ARGUMENT...]
 
     name_server.py fsd.practice.test=127.0.0.1@3 dead.practice.test= -- scripts/demo
 
-A name with an address is answered after so many seconds (at once without any). One without an address is never
+A name with an address, or one of each kind, is answered after so many seconds (at once without any). One without an address is never
 answered, as by a server that is dead. Any other name doesn't exist. There is only loopback on that network. What the
 command ends with is what this ends with; 77 where such a network can't be had (not root, and not on a build server).
 
@@ -25,7 +25,7 @@ SET_UP = 'ip link set lo up && mount --bind "$1" /etc/resolv.conf && shift && ex
 RESOLV_CONF = 'nameserver 127.0.0.1\noptions timeout:30\n'  # a late answer is still an answer
 SKIPPED = 77
 NO_SUCH_NAME = 3
-TYPE_A, CLASS_IN = 1, 1
+TYPE_A, TYPE_AAAA, CLASS_IN = 1, 28, 1
 
 
 def enter_own_network():
@@ -53,14 +53,19 @@ def enter_own_network():
 
 
 class Name:
-    """What is known of a name: its address, None for a name that is never answered, and when it is told. Without
-    `seconds` it is told once answer() is called."""
+    """What is known of a name: its address (two, an IPv4 and an IPv6, with "+" between), None for a name that is never
+    answered, and when it is told. Without `seconds` it is told once answer() is called."""
 
     def __init__(self, address, seconds=None):
         self.address = address
         self.seconds = seconds
         self.asked = threading.Event()
         self._may_answer = threading.Event()
+
+    def address_of(self, kind):
+        """The bytes of the address of that type of record, if there is one."""
+        family = {TYPE_A: socket.AF_INET, TYPE_AAAA: socket.AF_INET6}.get(kind)
+        return next((bytes_of(a) for a in self.address.split('+') if family_of(a) == family), None)
 
     def answer(self):
         """From now on whoever asks, or has asked, gets the answer."""
@@ -96,8 +101,16 @@ class NameServer:
             if not name.address:
                 return
             name.wait()
-        address = name.address if name and kind == TYPE_A else None
+        address = name.address_of(kind) if name else None
         self._socket.sendto(reply_to(query, question, address, exists=name is not None), client)
+
+
+def family_of(address):
+    return socket.AF_INET6 if ':' in address else socket.AF_INET
+
+
+def bytes_of(address):
+    return socket.inet_pton(family_of(address), address)
 
 
 def question_of(query):
@@ -115,23 +128,24 @@ def reply_to(query, question, address, exists):
     head = query[:2] + struct.pack('>HHHHH', 0x8180 | (0 if exists else NO_SUCH_NAME), 1, 1 if address else 0, 0, 0)
     if not address:
         return head + question
-    return head + question + struct.pack('>HHHIH', 0xC00C, TYPE_A, CLASS_IN, 1, 4) + socket.inet_aton(address)
+    kind = TYPE_A if len(address) == 4 else TYPE_AAAA
+    return head + question + struct.pack('>HHHIH', 0xC00C, kind, CLASS_IN, 1, len(address)) + address
 
 
 def parse_name(text):
-    """NAME=[ADDRESS][@SECONDS] as (text, Name)."""
+    """NAME=[ADDRESS[+ADDRESS]][@SECONDS] as (text, Name)."""
     name, equals, answer = text.partition('=')
     if not equals or not name:
-        raise argparse.ArgumentTypeError(f'"{text}" is not NAME=[ADDRESS][@SECONDS]')
+        raise argparse.ArgumentTypeError(f'"{text}" is not NAME=[ADDRESS[+ADDRESS]][@SECONDS]')
     address, _, seconds = answer.partition('@')
-    if address:
-        socket.inet_aton(address)
+    for part in filter(None, address.split('+')):
+        bytes_of(part)
     return name.lower().rstrip('.'), Name(address or None, float(seconds or 0))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument('names', nargs='+', type=parse_name, metavar='NAME=[ADDRESS][@SECONDS]')
+    parser.add_argument('names', nargs='+', type=parse_name, metavar='NAME=[ADDRESS[+ADDRESS]][@SECONDS]')
     if '--' not in sys.argv[1:-1]:
         parser.error('no command')
     split = sys.argv.index('--')

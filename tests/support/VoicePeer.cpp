@@ -31,18 +31,33 @@ void VoicePeer::onConnection()
 {
     while (QTcpSocket *client = m_server.nextPendingConnection()) {
         ++m_connections;
-        m_client = client;
-        m_received.clear();
-        if (m_refuses) {
-            client->disconnectFromHost();
-            continue;
-        }
-        client->setReadBufferSize(m_reads ? 0 : 1);
+        m_clients.append(client);
         connect(client, &QTcpSocket::readyRead, this, [this, client] {
             if (client == m_client && m_reads)
                 m_received += client->readAll();
         });
+        connect(client, &QTcpSocket::disconnected, this, &VoicePeer::turnToWhoIsLeft);
+        client->setReadBufferSize(m_reads ? 0 : 1);
+        turnTo(client);
+        if (m_refuses)
+            client->disconnectFromHost();
     }
+}
+
+void VoicePeer::turnTo(QTcpSocket *client)
+{
+    m_client = client;
+    m_received = m_reads ? client->readAll() : QByteArray();
+}
+
+/// Connections of one moment come in in any order: the newest need not be the one that stays.
+void VoicePeer::turnToWhoIsLeft()
+{
+    m_clients.removeIf([](const QPointer<QTcpSocket> &client) {
+        return !client || client->state() != QAbstractSocket::ConnectedState;
+    });
+    if (!isClientConnected() && !m_clients.isEmpty())
+        turnTo(m_clients.last());
 }
 
 void VoicePeer::onDatagrams()

@@ -14,7 +14,7 @@
 
 namespace tarvo::test {
 
-/// A voice server that says what the test tells it. Knows its client's newest connection only.
+/// A voice server that says what the test tells it. Knows its client's newest connection that stands.
 class VoicePeer : public QObject
 {
     Q_OBJECT
@@ -60,12 +60,14 @@ public:
 
 private:
     void onConnection();
+    void turnTo(QTcpSocket *client);
+    void turnToWhoIsLeft();
     void onDatagrams();
 
     const QHostAddress m_address;
     quint16 m_port = 0;
-    QTcpServer m_server;
     QUdpSocket m_udp;
+    QList<QPointer<QTcpSocket>> m_clients; ///< that are connected, the newest last
     QPointer<QTcpSocket> m_client;
     QByteArray m_received;
     QList<QByteArray> m_datagrams;
@@ -74,6 +76,7 @@ private:
     int m_connections = 0;
     bool m_reads = true;
     bool m_refuses = false;
+    QTcpServer m_server; ///< the last member, because its sockets tell of their end when it goes
 };
 
 } // namespace tarvo::test

@@ -122,7 +122,7 @@ NetworkHandler::Shared NetworkHandler::current() const
 /// Puts a new attempt in the place of whatever there was. Null when somebody has stopped since.
 NetworkHandler::Shared NetworkHandler::begin(quint64 generation)
 {
-    const auto connection = std::make_shared<Connection>(m_identity);
+    auto connection = std::make_shared<Connection>(m_identity);
     connect(connection.get(), &Connection::inboxFilled, &m_nextTurn, qOverload<>(&QTimer::start), Qt::QueuedConnection);
     Shared before;
     {

@@ -45,7 +45,7 @@ bool hasRoom(SOCKET socket)
     fd_set writable;
     FD_ZERO(&writable);
     FD_SET(socket, &writable);
-    const timeval noTime{};
+    timeval noTime{};
     return select(0, nullptr, &writable, nullptr, &noTime) != 0; // an error is told by what follows
 }
 
@@ -121,7 +121,7 @@ std::optional<int> Socket::waitUntilConnected(std::chrono::milliseconds longest)
     FD_ZERO(&failed);
     FD_SET(socket, &writable);
     FD_SET(socket, &failed);
-    const timeval time{.tv_sec = 0, .tv_usec = static_cast<long>(longest.count() * 1000)};
+    timeval time{.tv_sec = 0, .tv_usec = static_cast<long>(longest.count() * 1000)};
     const int count = select(0, nullptr, &writable, &failed, &time);
     if (count == 0)
         return std::nullopt;

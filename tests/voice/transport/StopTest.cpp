@@ -95,7 +95,7 @@ private slots:
         client.connectToServer();
         TRY_VERIFY(server.keepsSomebodyWaiting());
         end(client);
-        client.pool.waitForDone();
+        client.waitForAttempts();
         QVERIFY(time.elapsed() < soonMs);
         QCoreApplication::processEvents();
         QCOMPARE(client.order, heard);
