@@ -125,8 +125,9 @@ bool X11InputSource::Connection::selectEvents()
     int unused = 0;
     int major = 2;
     int minor = 2;
-    if (!XQueryExtension(m_display, "XInputExtension", &m_xinput, &unused, &unused) ||
-        XIQueryVersion(m_display, &major, &minor) != Success)
+    // libXi doesn't look whether the server is still there.
+    const bool hasXInput = XQueryExtension(m_display, "XInputExtension", &m_xinput, &unused, &unused) && !m_isLost;
+    if (!hasXInput || XIQueryVersion(m_display, &major, &minor) != Success)
         return false;
     unsigned char raw[XIMaskLen(XI_LASTEVENT)] = {};
     unsigned char devices[XIMaskLen(XI_LASTEVENT)] = {};
