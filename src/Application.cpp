@@ -50,6 +50,7 @@ constexpr Backend backends[] = {
 
 void Application::setUp()
 {
+    QCoreApplication::setApplicationVersion(QStringLiteral(TARVO_VERSION));
     ui::ThemeManager::instance().applyTheme(ui::ThemeManager::Theme::Light);
     logging::installHandler();
     const QString name = QStringLiteral("%1.log").arg(logging::fileTimeStamp(common::systemClock().wallMs()));
