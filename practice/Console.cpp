@@ -70,6 +70,7 @@ void Console::follow(PracticeNetwork &network)
     if (network.secondFsd())
         followFsd(QStringLiteral("fsd2"), *network.secondFsd());
     followVoice(network.voice());
+    followVoices(network.voicePeople());
     followXPlane(network.xplane());
 }
 
@@ -118,6 +119,18 @@ void Console::followVoice(VoiceServer &server)
     });
     connect(&server, &VoiceServer::clientLeft, this,
             [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
+}
+
+void Console::followVoices(VoicePeople &people)
+{
+    const QString area = QStringLiteral("voice");
+    const auto megahertz = [](int frequency) { return QString::number(frequency / 1000.0, 'f', 3); };
+    connect(&people, &VoicePeople::began, this, [this, area, megahertz](const QString &callsign, int frequency) {
+        say(area, QStringLiteral("%1 speaks on %2").arg(callsign, megahertz(frequency)));
+    });
+    connect(&people, &VoicePeople::ended, this, [this, area, megahertz](const QString &callsign, int frequency) {
+        say(area, QStringLiteral("%1 has spoken on %2").arg(callsign, megahertz(frequency)));
+    });
 }
 
 void Console::countSubscription(const QString &client, int ratePerSecond)

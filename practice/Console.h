@@ -10,6 +10,7 @@ namespace tarvo::practice {
 class FsdServer;
 class PracticeNetwork;
 class ScriptPlayer;
+class VoicePeople;
 class VoiceServer;
 class XPlaneStandIn;
 
@@ -32,6 +33,7 @@ public:
 private:
     void followFsd(const QString &area, FsdServer &server);
     void followVoice(VoiceServer &server);
+    void followVoices(VoicePeople &people);
     void followXPlane(XPlaneStandIn &xplane);
     void countSubscription(const QString &client, int ratePerSecond);
     void saySubscriptions();

@@ -233,6 +233,15 @@ void Controls::addSimulatorVerbs()
         return value && std::abs(*value) <= std::numeric_limits<float>::max() &&
                xplane.setValue(text(a, QLatin1StringView("name")), static_cast<float>(*value));
     };
+    m_actions[QStringLiteral("tune")] = [&xplane](A a) {
+        constexpr qint64 lowest = 118'000; // kHz, as is the other
+        constexpr qint64 highest = 136'990;
+        const auto com = text(a, QLatin1StringView("com")).isEmpty() ? std::optional<qint64>(1)
+                                                                     : whole(a, QLatin1StringView("com"), 1, 2);
+        const auto frequency = whole(a, QLatin1StringView("frequency"), lowest, highest);
+        const QString dataref = QStringLiteral("sim/cockpit2/radios/actuators/com%1_frequency_hz_833");
+        return com && frequency && xplane.setValue(dataref.arg(*com), static_cast<float>(*frequency));
+    };
     m_actions[QStringLiteral("command")] = [&xplane](A a) {
         return xplane.command(text(a, QLatin1StringView("name")));
     };

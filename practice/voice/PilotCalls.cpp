@@ -4,16 +4,17 @@
 
 namespace tarvo::practice {
 
-void PilotCalls::hear(const QString &callsign, const voice::VoicePacket &packet, qint64 now)
+bool PilotCalls::hear(const QString &callsign, const voice::VoicePacket &packet, qint64 now)
 {
     const auto same = std::find_if(m_calls.begin(), m_calls.end(), [&](const PilotCall &call) {
         return call.callsign == callsign && call.frequency == packet.frequency;
     });
-    PilotCall &call =
-        same != m_calls.end() ? *same : m_calls.emplaceBack(PilotCall{callsign, packet.frequency, now, {}});
+    const bool isFirst = same == m_calls.end();
+    PilotCall &call = isFirst ? m_calls.emplaceBack(PilotCall{callsign, packet.frequency, now, {}}) : *same;
     call.lastMs = now;
     if (call.frames.size() < mostFrames)
         call.frames.push_back(packet.payload);
+    return isFirst;
 }
 
 QList<PilotCall> PilotCalls::takeEnded(int frequency, int silenceMs, qint64 now)

@@ -24,8 +24,8 @@ public:
     static constexpr std::size_t mostFrames = 1'500; ///< of one call; the rest isn't kept
     static constexpr int pauseMs = 200;              ///< without voice for so long a frequency is free again
 
-    /// `now` is steady time, ms.
-    void hear(const QString &callsign, const voice::VoicePacket &packet, qint64 now);
+    /// True for the first frame of a call. `now` is steady time, ms.
+    bool hear(const QString &callsign, const voice::VoicePacket &packet, qint64 now);
     /// The calls on that frequency that ended `silenceMs` ago or earlier, and were not taken yet. A pause that is
     /// shorter is left out of a call.
     QList<PilotCall> takeEnded(int frequency, int silenceMs, qint64 now);

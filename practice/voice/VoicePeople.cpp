@@ -68,7 +68,25 @@ void VoicePeople::step()
         while (const auto packet = transmission.takeDue(now))
             m_server.say(*packet);
     }
-    std::erase_if(m_transmissions, [](const Transmission &transmission) { return transmission.isOver(); });
+    end([](const Transmission &one) { return one.isOver(); });
+}
+
+void VoicePeople::begin(const std::string &callsign, int frequency, const Speech &speech, qint64 startMs)
+{
+    if (m_transmissions.size() >= mostTransmissions)
+        return;
+    m_transmissions.emplace_back(callsign, frequency, speech, startMs);
+    emit began(QString::fromStdString(callsign), frequency);
+}
+
+void VoicePeople::end(bool (*isToEnd)(const Transmission &))
+{
+    const auto first = std::stable_partition(m_transmissions.begin(), m_transmissions.end(),
+                                             [isToEnd](const Transmission &one) { return !isToEnd(one); });
+    const std::vector<Transmission> gone(first, m_transmissions.end());
+    m_transmissions.erase(first, m_transmissions.end());
+    for (const Transmission &one : gone)
+        emit ended(QString::fromStdString(one.callsign()), one.frequency());
 }
 
 bool VoicePeople::speak(const QStringList &callsigns, int frequency, const QString &phrase)
@@ -83,7 +101,7 @@ bool VoicePeople::speak(const QStringList &callsigns, int frequency, const QStri
         after > mostTransmissions)
         return false;
     for (const QString &callsign : callsigns)
-        m_transmissions.emplace_back(callsign.toStdString(), frequency, speech, m_clock.steadyMs());
+        begin(callsign.toStdString(), frequency, speech, m_clock.steadyMs());
     return true;
 }
 
@@ -97,18 +115,19 @@ void VoicePeople::onTuned(const QString &callsign, int frequency, bool receive)
 
 void VoicePeople::onVoice(const QString &callsign, const voice::VoicePacket &packet)
 {
-    if (packet.frequency == towerFrequency || packet.frequency == radioCheckFrequency)
-        m_calls.hear(callsign, packet, m_clock.steadyMs());
+    const bool isForUs = packet.frequency == towerFrequency || packet.frequency == radioCheckFrequency;
+    if (isForUs && m_calls.hear(callsign, packet, m_clock.steadyMs()))
+        emit began(callsign, packet.frequency);
 }
 
 void VoicePeople::hearCalls(qint64 now)
 {
     for (PilotCall &call : m_calls.takeEnded(radioCheckFrequency, m_settings.answerMs, now)) {
-        if (m_transmissions.size() < mostTransmissions)
-            m_transmissions.emplace_back(radioCheck, radioCheckFrequency,
-                                         std::make_shared<const SpeechFrames>(std::move(call.frames)), now);
+        emit ended(call.callsign, call.frequency);
+        begin(radioCheck, radioCheckFrequency, std::make_shared<const SpeechFrames>(std::move(call.frames)), now);
     }
     for (const PilotCall &call : m_calls.takeEnded(towerFrequency, m_settings.answerMs, now)) {
+        emit ended(call.callsign, call.frequency);
         if (call.frames.size() < shortestCall || m_towerPhrases.size() >= mostTowerPhrases)
             continue;
         const auto answer = static_cast<std::size_t>(m_answers++) % std::size(towerAnswers);
@@ -123,7 +142,7 @@ void VoicePeople::speakAsTower(qint64 now)
         return;
     const Speech speech = m_towerPhrases.takeFirst().speech;
     if (speech && !m_server.receivers(towerFrequency).isEmpty())
-        m_transmissions.emplace_back(tower, towerFrequency, speech, now);
+        begin(tower, towerFrequency, speech, now);
 }
 
 void VoicePeople::speakAsAtis(qint64 now)
@@ -131,9 +150,9 @@ void VoicePeople::speakAsAtis(qint64 now)
     const bool wanted = !m_server.receivers(atisFrequency).isEmpty();
     const Speech speech = m_phrases.find(u"atis"_qs);
     if (!wanted)
-        std::erase_if(m_transmissions, [](const Transmission &one) { return one.callsign() == atis; });
+        end([](const Transmission &one) { return one.callsign() == atis; });
     else if (speech && !isSpeaking(atis))
-        m_transmissions.emplace_back(atis, atisFrequency, speech, now + m_settings.atisPauseMs);
+        begin(atis, atisFrequency, speech, now + m_settings.atisPauseMs);
 }
 
 void VoicePeople::addCrowd(qint64 now)

@@ -42,6 +42,12 @@ public:
     bool speak(const QStringList &callsigns, int frequency, const QString &phrase);
     const SpeechBook &phrases() const { return m_phrases; }
 
+signals:
+    /// Somebody begins or ends to speak on a frequency: one of these people, or a pilot who calls the tower or wants
+    /// his radio checked. The crowd is left out.
+    void began(const QString &callsign, int frequency);
+    void ended(const QString &callsign, int frequency);
+
 private:
     /// Something that the tower will say as soon as its frequency is free.
     struct TowerPhrase
@@ -55,6 +61,8 @@ private:
     void hearCalls(qint64 now);
     void speakAsTower(qint64 now);
     void speakAsAtis(qint64 now);
+    void begin(const std::string &callsign, int frequency, const Speech &speech, qint64 startMs);
+    void end(bool (*isToEnd)(const Transmission &));
     void addCrowd(qint64 now);
     bool isSpeaking(const std::string &callsign) const;
 

@@ -59,7 +59,8 @@ void VoiceSession::read()
     const QList<QByteArray> lines = m_reader.feed(chunk);
     if (m_ending)
         return;
-    if (!m_lines.take(static_cast<double>(lines.size() + chunk.size() / bytesThatCostALine), heardMs)) {
+    const qsizetype cost = lines.size() + chunk.size() / bytesThatCostALine;
+    if (!m_lines.take(static_cast<double>(cost), heardMs)) {
         cutOff(QStringLiteral("too many lines"));
         return;
     }

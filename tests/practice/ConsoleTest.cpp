@@ -41,6 +41,21 @@ private slots:
         QCOMPARE(text.count(QLatin1Char('\n')), 2);
     }
 
+    void tellsOfVoice()
+    {
+        PracticeNetwork network(PracticeSettings::ephemeral());
+        QString text;
+        QTextStream out(&text);
+        Console console(out);
+        console.follow(network);
+        emit network.voice().lineReceived(QStringLiteral("CCA1"), QStringLiteral("{\"type\":\"ping\"}"));
+        emit network.voicePeople().began(QStringLiteral("ZBAA_TWR"), 118'500);
+        emit network.voicePeople().ended(QStringLiteral("ZBAA_TWR"), 118'500);
+        QVERIFY(text.contains(QStringLiteral(" voice   CCA1 <<< {\"type\":\"ping\"}\n")));
+        QVERIFY(text.contains(QStringLiteral(" voice   ZBAA_TWR speaks on 118.500\n")));
+        QVERIFY(text.contains(QStringLiteral(" voice   ZBAA_TWR has spoken on 118.500\n")));
+    }
+
     void everyClientHasItsLine()
     {
         PracticeNetwork network(PracticeSettings::ephemeral());

@@ -104,6 +104,11 @@ private slots:
         QVERIFY(m_network->xplane().isPaused());
         m_web->post(QStringLiteral("/practice/dataref?name=sim/cockpit/radios/transponder_code&value=7700"), {});
         QCOMPARE(m_network->xplane().value(QStringLiteral("sim/cockpit/radios/transponder_code")), 7700.0F);
+        const QString active = QStringLiteral("sim/cockpit2/radios/actuators/com%1_frequency_hz_833");
+        m_web->post(QStringLiteral("/practice/tune?frequency=122800"), {});
+        QCOMPARE(m_network->xplane().value(active.arg(1)), 122'800.0F);
+        m_web->post(QStringLiteral("/practice/tune?com=2&frequency=127600"), {});
+        QCOMPARE(m_network->xplane().value(active.arg(2)), 127'600.0F);
     }
 
     void bringsInScriptedClients()
@@ -252,6 +257,8 @@ private slots:
         rows(u"plugin-version?version=", {u"", u"x", u"-2", u"1.5", u"9223372036854775808"});
         rows(u"bare-status?status=", {u"", u"x", u"-1", u"1", u"99", u"600", u"4294967796"});
         rows(u"error?callsign=AB1&type=", {u"", u"x", u"1.5", u"2147483648"});
+        rows(u"tune?frequency=", {u"", u"x", u"122.8", u"117999", u"136991"});
+        rows(u"tune?frequency=122800&com=", {u"x", u"0", u"3"});
         rows(u"flight?time=", {u"", u"x", u"-1", u"nan", u"inf"});
         rows(u"dataref?name=sim/cockpit/radios/transponder_code&value=", {u"", u"x", u"7700x", u"nan", u"1e39"});
         QTest::newRow("no seconds") << QStringLiteral("token-life");

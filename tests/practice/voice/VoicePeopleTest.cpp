@@ -190,6 +190,28 @@ private slots:
         QVERIFY(heard(122'800).isEmpty());
     }
 
+    void tellsWhoSpeaks()
+    {
+        QStringList told;
+        connect(&people(), &VoicePeople::began, this, [&told](const QString &callsign, int frequency) {
+            told << u"%1 on %2"_qs.arg(callsign).arg(frequency);
+        });
+        connect(&people(), &VoicePeople::ended, this, [&told](const QString &callsign, int frequency) {
+            told << u"%1 off %2"_qs.arg(callsign).arg(frequency);
+        });
+        QVERIFY(m_pilot->tune(0, 122'800, true));
+        call(122'800, 3);
+        pass(1'100);
+        QCOMPARE(told, (QStringList{u"U1001 on 122800"_qs, u"U1001 off 122800"_qs, u"RADIO_CHECK on 122800"_qs,
+                                    u"RADIO_CHECK off 122800"_qs}));
+        told.clear();
+        QVERIFY(m_pilot->tune(0, 127'600, true));
+        pass(2'000);
+        QVERIFY(m_pilot->tune(0, 127'600, false));
+        pass(1);
+        QCOMPARE(told, (QStringList{u"ZBAA_ATIS on 127600"_qs, u"ZBAA_ATIS off 127600"_qs}));
+    }
+
     void theRadioCheckKeepsHalfAMinute()
     {
         QVERIFY(m_pilot->tune(0, 122'800, true));
