@@ -6,11 +6,13 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <mutex>
 #include <utility>
 
 namespace tarvo::test {
 
-/// Takes every log message for as long as it lives, instead of the program's output. One at a time; main thread only.
+/// Takes every log message of all threads for as long as it lives, instead of the program's output. One at a time; its
+/// members are for the main thread.
 class LogCapture
 {
 public:
@@ -30,20 +32,24 @@ public:
     LogCapture(const LogCapture &) = delete;
     LogCapture &operator=(const LogCapture &) = delete;
 
-    const QList<Line> &lines() const { return m_lines; }
+    QList<Line> lines() const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_lines;
+    }
 
     /// The texts of all lines, or of those of one level.
     QStringList texts() const
     {
         QStringList result;
-        for (const Line &line : m_lines)
+        for (const Line &line : lines())
             result.append(line.text);
         return result;
     }
     QStringList texts(QtMsgType type) const
     {
         QStringList result;
-        for (const Line &line : m_lines) {
+        for (const Line &line : lines()) {
             if (line.type == type)
                 result.append(line.text);
         }
@@ -52,7 +58,7 @@ public:
     QStringList ofCategory(const char *name) const
     {
         QStringList result;
-        for (const Line &line : m_lines) {
+        for (const Line &line : lines()) {
             if (line.category == name)
                 result.append(line.text);
         }
@@ -62,7 +68,7 @@ public:
     QStringList startingWith(const QString &start) const
     {
         QStringList result;
-        for (const Line &line : m_lines) {
+        for (const Line &line : lines()) {
             if (line.text.startsWith(start))
                 result.append(line.text);
         }
@@ -73,12 +79,14 @@ public:
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
+        const std::scoped_lock lock(s_current->m_mutex);
         s_current->m_lines.append({type, text, context.category});
     }
 
     static inline LogCapture *s_current = nullptr;
 
     LogCapture *m_outer;
+    mutable std::mutex m_mutex; ///< guards m_lines
     QtMessageHandler m_previous;
     QList<Line> m_lines;
 };

@@ -1,7 +1,7 @@
 #include "voice/engine/AudioHandler.h"
 
 #include "AppConfig.h"
-#include "voice/engine/DeviceStream.h"
+#include "voice/engine/DeviceStreams.h"
 #include "voice/engine/Mailbox.h"
 #include "voice/engine/SoundLease.h"
 #include "voice/engine/SoundThread.h"
@@ -23,6 +23,11 @@ constexpr int testChannel = 0; // of the mic test
 float finite(double value)
 {
     return std::isfinite(value) ? static_cast<float>(value) : 0.0F;
+}
+
+StreamRole outputRole(bool speaker)
+{
+    return speaker ? StreamRole::Speaker : StreamRole::Headphone;
 }
 
 } // namespace
@@ -60,9 +65,10 @@ AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound
       m_sound(std::move(sound)),
       m_mailbox(std::make_shared<Mailbox>(this)),
       m_lease(std::make_unique<SoundLease>(m_sound)),
-      m_inputStream(m_sound),
-      m_headphoneStream(StreamRole::Headphone, m_sound),
-      m_speakerStream(StreamRole::Speaker, m_sound),
+      m_streams(std::make_shared<DeviceStreams>()),
+      m_inputStream(*m_streams),
+      m_headphoneStream(StreamRole::Headphone, *m_streams),
+      m_speakerStream(StreamRole::Speaker, *m_streams),
       m_pttPressTone(usualToneRate, static_cast<float>(config::voicePttPressFreq.defaultValue), toneAmplitude),
       m_pttReleaseTone(usualToneRate, static_cast<float>(config::voicePttReleaseFreq.defaultValue), toneAmplitude),
       m_conflictTone(usualToneRate, conflictFrequency, toneAmplitude)
@@ -83,21 +89,22 @@ AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound
 AudioHandler::~AudioHandler()
 {
     m_mailbox->close();
+    stopAll(); // before the lease ends
 }
 
 void AudioHandler::setInputDevice(int device)
 {
-    m_inputStream.setDevice(device);
+    setDevice(StreamRole::Input, device);
 }
 
 void AudioHandler::setHeadphoneDevice(int device)
 {
-    m_headphoneStream.setDevice(device);
+    setDevice(StreamRole::Headphone, device);
 }
 
 void AudioHandler::setSpeakerDevice(int device)
 {
-    m_speakerStream.setDevice(device);
+    setDevice(StreamRole::Speaker, device);
 }
 
 void AudioHandler::reloadConfig()
@@ -124,8 +131,8 @@ void AudioHandler::setConflictPlayDevice(bool speaker)
 {
     if (speaker == std::exchange(m_conflictPlayDevice, speaker) || !m_conflictTimer.isActive())
         return;
-    output(!speaker).stop(); // the test moves over
-    startOutput(speaker);
+    stop(outputRole(!speaker)); // the test moves over
+    start({outputRole(speaker)});
 }
 
 void AudioHandler::setPttActive(bool active)
@@ -144,9 +151,7 @@ void AudioHandler::playPttTone(bool pressed)
 
 void AudioHandler::startAll(std::function<void()> whenTried)
 {
-    m_inputStream.start();
-    startOutput(false);
-    startOutput(true);
+    start({StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker});
     const auto tell = [mailbox = m_mailbox, whenTried = std::move(whenTried)] {
         if (whenTried)
             mailbox->send(whenTried);
@@ -157,19 +162,28 @@ void AudioHandler::startAll(std::function<void()> whenTried)
 
 void AudioHandler::stopAll()
 {
-    m_inputStream.stop();
-    m_headphoneStream.stop();
-    m_speakerStream.stop();
+    stop(StreamRole::Input);
+    stop(StreamRole::Headphone);
+    stop(StreamRole::Speaker);
 }
 
-/// Its channels are forgotten with every stop.
-void AudioHandler::startOutput(bool speaker)
+void AudioHandler::setDevice(StreamRole role, int device)
 {
-    for (const Transmitter &transmitter : std::as_const(m_transmitters)) {
-        if (transmitter.useSpeaker == speaker)
-            output(speaker).addChannel(static_cast<int>(transmitter.id));
-    }
-    output(speaker).start();
+    m_sound->post([streams = m_streams, role, device] { streams->setDevice(role, device); });
+}
+
+void AudioHandler::start(const std::vector<StreamRole> &roles)
+{
+    for (const Transmitter &transmitter : std::as_const(m_transmitters))
+        addChannel(transmitter); // which every stop forgets
+    m_sound->post([streams = m_streams, roles] { streams->start(roles); });
+}
+
+void AudioHandler::stop(StreamRole role)
+{
+    if (role != StreamRole::Input)
+        output(role == StreamRole::Speaker).forgetChannels();
+    m_sound->post([streams = m_streams, role] { streams->stop(role); });
 }
 
 void AudioHandler::addChannel(const Transmitter &transmitter)
@@ -203,8 +217,7 @@ void AudioHandler::playVoice(const Transmitter &transmitter, const std::vector<s
 void AudioHandler::startConflictTest()
 {
     m_conflictTimer.start();
-    m_inputStream.start();
-    startOutput(m_conflictPlayDevice);
+    start({StreamRole::Input, outputRole(m_conflictPlayDevice)});
     m_micTesting = true;
 }
 
@@ -212,8 +225,8 @@ void AudioHandler::stopConflictTest()
 {
     // m_micTesting stays: the next mic test cleans up.
     m_conflictTimer.stop();
-    m_inputStream.stop();
-    output(m_conflictPlayDevice).stop();
+    stop(StreamRole::Input);
+    stop(outputRole(m_conflictPlayDevice));
 }
 
 void AudioHandler::startMicTest(bool loopbackTarget)
@@ -224,9 +237,8 @@ void AudioHandler::startMicTest(bool loopbackTarget)
     m_loopbackConnection =
         connect(&m_inputStream, &InputAudioStream::encodedAudioReady, &target,
                 [&target](const std::vector<std::uint8_t> &opus) { target.playPacket(testChannel, opus, false, 1); });
-    m_inputStream.start();
-    startOutput(loopbackTarget);
     target.addChannel(testChannel);
+    start({StreamRole::Input, outputRole(loopbackTarget)});
     m_micTesting = true;
 }
 
@@ -236,8 +248,8 @@ void AudioHandler::stopMicTest()
         return;
     disconnect(m_loopbackConnection);
     output(m_loopbackTarget).removeChannel(testChannel);
-    m_inputStream.stop();
-    output(m_loopbackTarget).stop();
+    stop(StreamRole::Input);
+    stop(outputRole(m_loopbackTarget));
     m_micTesting = false;
 }
 

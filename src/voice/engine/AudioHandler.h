@@ -22,9 +22,11 @@ class AppConfig;
 
 namespace tarvo::voice {
 
+class DeviceStreams;
 class Mailbox;
 class SoundLease;
 class SoundThread;
+enum class StreamRole;
 
 /// The audio engine: the microphone, two outputs, and what goes where. Follows the voice settings live. Everything
 /// returns at once: devices are opened and closed on the SoundThread, in the order in which that was asked for.
@@ -88,12 +90,15 @@ private:
     void setMicGain(double db);
     void setConflictPlayDevice(bool speaker);
     MixedOutputAudioStream &output(bool speaker) { return speaker ? m_speakerStream : m_headphoneStream; }
-    void startOutput(bool speaker);
+    void setDevice(StreamRole role, int device);
+    void start(const std::vector<StreamRole> &roles);
+    void stop(StreamRole role);
 
     AppConfig &m_config;
     std::shared_ptr<SoundThread> m_sound;
     std::shared_ptr<Mailbox> m_mailbox;
-    std::unique_ptr<SoundLease> m_lease; ///< before the streams, so that it goes after them
+    std::unique_ptr<SoundLease> m_lease;
+    std::shared_ptr<DeviceStreams> m_streams; ///< the sound thread's
     InputAudioStream m_inputStream;
     MixedOutputAudioStream m_headphoneStream;
     MixedOutputAudioStream m_speakerStream;

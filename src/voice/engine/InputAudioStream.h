@@ -12,23 +12,18 @@ namespace tarvo::voice {
 
 struct CaptureControls;
 struct CapturedFrame;
-class DeviceStream;
+class DeviceStreams;
 class Mailbox;
-class SoundThread;
 
-/// The microphone. What is asked of it is done on the SoundThread, in order, and returns at once.
+/// The microphone.
 class InputAudioStream : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit InputAudioStream(std::shared_ptr<SoundThread> sound, QObject *parent = nullptr);
+    /// Connects itself to its device among `streams`.
+    explicit InputAudioStream(DeviceStreams &streams, QObject *parent = nullptr);
     ~InputAudioStream() override;
-
-    /// PortAudio's index; negative: the default.
-    void setDevice(int device);
-    void start(); ///< nothing when it is open
-    void stop();
 
     /// The push-to-talk gate: while it is closed nothing is heard, metered or sent. Any thread.
     void setTransmitEnabled(bool enabled);
@@ -42,10 +37,8 @@ signals:
     void inputVolumeChanged(tarvo::common::VolumeInfo volume);
 
 private:
-    std::shared_ptr<SoundThread> m_sound;
     std::shared_ptr<Mailbox> m_mailbox;
     std::shared_ptr<CaptureControls> m_controls;
-    std::shared_ptr<DeviceStream> m_stream; ///< the sound thread's
 };
 
 } // namespace tarvo::voice

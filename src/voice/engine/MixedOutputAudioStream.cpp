@@ -1,9 +1,8 @@
 #include "voice/engine/MixedOutputAudioStream.h"
 
-#include "voice/engine/DeviceStream.h"
+#include "voice/engine/DeviceStreams.h"
 #include "voice/engine/Mailbox.h"
 #include "voice/engine/SoundStream.h"
-#include "voice/engine/SoundThread.h"
 #include "voice/engine/Tones.h"
 #include "voice/engine/VoicePlayback.h"
 
@@ -12,8 +11,8 @@
 
 namespace tarvo::voice {
 
-MixedOutputAudioStream::MixedOutputAudioStream(StreamRole role, std::shared_ptr<SoundThread> sound, QObject *parent)
-    : QObject(parent), m_sound(std::move(sound)), m_mailbox(std::make_shared<Mailbox>(this))
+MixedOutputAudioStream::MixedOutputAudioStream(StreamRole role, DeviceStreams &streams, QObject *parent)
+    : QObject(parent), m_mailbox(std::make_shared<Mailbox>(this))
 {
     const auto tell = [this, mailbox = m_mailbox](const std::shared_ptr<VoicePlayback> &playback) {
         mailbox->send([this, playback] { setPlayback(playback); });
@@ -21,33 +20,14 @@ MixedOutputAudioStream::MixedOutputAudioStream(StreamRole role, std::shared_ptr<
     const auto open = [tell](const AudioStreamConfig &config) {
         const auto playback = std::make_shared<VoicePlayback>(config);
         auto stream = SoundStream::openOutput(config, [playback](std::span<float> out) { playback->mix(out); });
-        if (stream)
-            tell(playback);
-        return stream;
+        return DeviceStreams::Opened{std::move(stream), [tell, playback] { tell(playback); }};
     };
-    m_stream = std::make_shared<DeviceStream>(role, open, [tell] { tell(nullptr); });
+    streams.connect(role, open, [tell] { tell(nullptr); });
 }
 
 MixedOutputAudioStream::~MixedOutputAudioStream()
 {
     m_mailbox->close();
-    stop();
-}
-
-void MixedOutputAudioStream::setDevice(int device)
-{
-    m_sound->post([stream = m_stream, device] { stream->setDevice(device); });
-}
-
-void MixedOutputAudioStream::start()
-{
-    m_sound->post([stream = m_stream] { stream->start(); });
-}
-
-void MixedOutputAudioStream::stop()
-{
-    m_channels.clear();
-    m_sound->post([stream = m_stream] { stream->stop(); });
 }
 
 int MixedOutputAudioStream::sampleRate() const

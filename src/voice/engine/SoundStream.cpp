@@ -116,13 +116,7 @@ std::unique_ptr<SoundStream> SoundStream::open(const AudioStreamConfig &config, 
         return nullptr;
     }
     Pa_SetStreamFinishedCallback(stream, &Calls::onEnd);
-    if (const PaError error = Pa_StartStream(stream)) {
-        calls.warn("Pa_StartStream", error);
-        Pa_CloseStream(stream);
-        return nullptr;
-    }
     calls.stream = stream;
-    qDebug().nospace() << calls.name << ": started";
     return result;
 }
 
@@ -136,6 +130,18 @@ SoundStream::~SoundStream()
     static auto &leftBehind = *new std::vector<std::unique_ptr<Calls>>; // never destroyed: the stream still calls them
     const std::scoped_lock lock(mutex);
     leftBehind.push_back(std::move(m_calls));
+}
+
+bool SoundStream::start()
+{
+    if (const PaError error = Pa_StartStream(m_calls->stream)) {
+        m_calls->warn("Pa_StartStream", error);
+        Pa_CloseStream(m_calls->stream);
+        m_calls->stream = nullptr;
+        return false;
+    }
+    qDebug().nospace() << m_calls->name << ": started";
+    return true;
 }
 
 bool SoundStream::isActive() const

@@ -17,7 +17,7 @@ public:
     using Capture = std::function<void(std::span<const std::int16_t>)>;
     using Play = std::function<void(std::span<float>)>; ///< fills all of it
 
-    // Null, and the log tells, when the device can't be opened or started. Samples are interleaved.
+    // Not started yet. Null, and the log tells, when the device can't be opened. Samples are interleaved.
     static std::unique_ptr<SoundStream> openInput(const AudioStreamConfig &config, Capture capture);
     static std::unique_ptr<SoundStream> openOutput(const AudioStreamConfig &config, Play play);
 
@@ -27,7 +27,9 @@ public:
     SoundStream(const SoundStream &) = delete;
     SoundStream &operator=(const SoundStream &) = delete;
 
-    /// False once the sound system has ended it, such as a sound server that was killed.
+    /// False when that fails: then it is closed, and the log tells.
+    bool start();
+    /// False before the start, and once the sound system has ended it, such as a sound server that was killed.
     bool isActive() const;
     /// Stops and closes it. Nothing is called any more after this.
     void close();

@@ -1,0 +1,49 @@
+#include "voice/sound/SoundStage.h"
+
+#include "support/Patience.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace tarvo::test {
+
+SoundServer &soundServer()
+{
+    static std::unique_ptr<SoundServer> server;
+    if (!server) {
+        server = std::make_unique<SoundServer>();
+        qAddPostRoutine([] { server.reset(); });
+        if (!server->start())
+            qFatal("PulseAudio doesn't start");
+    }
+    return *server;
+}
+
+SoundStage::SoundStage()
+{
+    audio.emplace(config, sound);
+    audio->setInputDevice(device("mic_a"));
+    audio->setHeadphoneDevice(device("spk_a"));
+    audio->setSpeakerDevice(device("spk_b"));
+}
+
+int SoundStage::device(const char *name) const
+{
+    QList<voice::DeviceInfo> devices;
+    sound->post([&devices] { devices = voice::getVoiceDevices([](const voice::DeviceInfo &) { return true; }); });
+    sound->waitUntilIdle(std::chrono::milliseconds(patienceMs));
+    const auto found =
+        std::find_if(devices.begin(), devices.end(), [name](const voice::DeviceInfo &one) { return one.name == name; });
+    return found == devices.end() ? -1 : found->index;
+}
+
+bool SoundStage::startAll()
+{
+    bool isTried = false;
+    audio->startAll([&isTried] { isTried = true; });
+    return waitFor([&isTried] { return isTried; }) && audio->headphoneStream().isRunning() &&
+           audio->speakerStream().isRunning();
+}
+
+} // namespace tarvo::test

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "AppConfig.h"
+#include "support/SoundServer.h"
+#include "voice/engine/AudioHandler.h"
+#include "voice/engine/SoundSystem.h"
+#include "voice/engine/SoundThread.h"
+
+#include <QByteArray>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+namespace tarvo::test {
+
+/// The program's one sound server, running.
+SoundServer &soundServer();
+
+/// An engine on the sound server: headphone "spk_a", speaker "spk_b", microphone "mic_a".
+class SoundStage
+{
+public:
+    SoundStage();
+
+    SoundServer &server = soundServer();
+    QTemporaryDir folder;
+    AppConfig config{folder.path()};
+    std::shared_ptr<voice::SoundThread> sound = std::make_shared<voice::SoundThread>(std::chrono::milliseconds(300));
+    std::optional<voice::AudioHandler> audio;
+
+    /// PortAudio's index of the device of that name; -1 for none.
+    int device(const char *name) const;
+    /// Starts all three streams; true when the outputs run.
+    bool startAll();
+};
+
+} // namespace tarvo::test
