@@ -18,6 +18,12 @@ VoicePeer::VoicePeer(const QHostAddress &address) : m_address(address)
     m_port = m_server.serverPort();
 }
 
+VoicePeer::~VoicePeer()
+{
+    for (QTcpSocket *client : std::as_const(m_clients))
+        client->disconnect(this); // it closes when the server goes
+}
+
 ServiceEndpoints VoicePeer::endpoints() const
 {
     ServiceEndpoints endpoints;
@@ -53,9 +59,7 @@ void VoicePeer::turnTo(QTcpSocket *client)
 /// Connections of one moment come in in any order: the newest need not be the one that stays.
 void VoicePeer::turnToWhoIsLeft()
 {
-    m_clients.removeIf([](const QPointer<QTcpSocket> &client) {
-        return !client || client->state() != QAbstractSocket::ConnectedState;
-    });
+    m_clients.removeIf([](const QTcpSocket *client) { return client->state() != QAbstractSocket::ConnectedState; });
     if (!isClientConnected() && !m_clients.isEmpty())
         turnTo(m_clients.last());
 }

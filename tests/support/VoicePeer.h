@@ -22,6 +22,7 @@ class VoicePeer : public QObject
 public:
     /// Serves on ports of its own.
     explicit VoicePeer(const QHostAddress &address = QHostAddress(QHostAddress::LocalHost));
+    ~VoicePeer() override;
 
     /// Where it is.
     ServiceEndpoints endpoints() const;
@@ -66,8 +67,9 @@ private:
 
     const QHostAddress m_address;
     quint16 m_port = 0;
+    QTcpServer m_server;
     QUdpSocket m_udp;
-    QList<QPointer<QTcpSocket>> m_clients; ///< that are connected, the newest last
+    QList<QTcpSocket *> m_clients; ///< that are connected, the newest last
     QPointer<QTcpSocket> m_client;
     QByteArray m_received;
     QList<QByteArray> m_datagrams;
@@ -76,7 +78,6 @@ private:
     int m_connections = 0;
     bool m_reads = true;
     bool m_refuses = false;
-    QTcpServer m_server; ///< the last member, because its sockets tell of their end when it goes
 };
 
 } // namespace tarvo::test

@@ -91,6 +91,8 @@ void reachUdp(const Peer &connection, const ServiceEndpoints &endpoints)
 
 void reachServer(const Peer &connection, const ServiceEndpoints &endpoints, std::string_view token)
 {
+    if (connection->isOver())
+        return;
     const std::optional<SocketAddress> address = reachTcp(connection, endpoints);
     if (!address)
         return;

@@ -56,17 +56,20 @@ NetworkHandler::~NetworkHandler()
     stop();
 }
 
-void NetworkHandler::connectToServer(const QString &token)
+std::function<void()> NetworkHandler::attempt(const QString &token)
 {
-    connectToServer(token, generation());
+    return taskOf(begin(std::nullopt), token);
 }
 
-/// Behind begin() nothing of the handler is used, which may go meanwhile.
+void NetworkHandler::connectToServer(const QString &token)
+{
+    attempt(token)();
+}
+
 void NetworkHandler::connectToServer(const QString &token, quint64 generation)
 {
-    const ServiceEndpoints endpoints = m_endpoints;
     if (const Shared connection = begin(generation))
-        reachServer(connection, endpoints, token.toStdString());
+        taskOf(connection, token)();
 }
 
 quint64 NetworkHandler::generation() const
@@ -119,21 +122,29 @@ NetworkHandler::Shared NetworkHandler::current() const
     return m_current;
 }
 
-/// Puts a new attempt in the place of whatever there was. Null when somebody has stopped since.
-NetworkHandler::Shared NetworkHandler::begin(quint64 generation)
+/// Puts a new attempt in the place of whatever there was. Null when somebody has stopped since that generation.
+NetworkHandler::Shared NetworkHandler::begin(std::optional<quint64> generation)
 {
     auto connection = std::make_shared<Connection>(m_identity);
     connect(connection.get(), &Connection::inboxFilled, &m_nextTurn, qOverload<>(&QTimer::start), Qt::QueuedConnection);
     Shared before;
     {
         const std::lock_guard lock(m_mutex);
-        if (generation != m_generation)
+        if (generation && *generation != m_generation)
             return nullptr;
         before = std::exchange(m_current, connection);
     }
     if (before)
         before->end();
     return connection;
+}
+
+/// Owns all that it uses.
+std::function<void()> NetworkHandler::taskOf(const Shared &connection, const QString &token) const
+{
+    return [connection, endpoints = m_endpoints, secret = token.toStdString()] {
+        reachServer(connection, endpoints, secret);
+    };
 }
 
 void NetworkHandler::countStop()
@@ -196,7 +207,7 @@ void NetworkHandler::handle(const Shared &connection, const report::Established 
 {
     m_badLines.reset();
     emit socketStateChanged(true);
-    if (connection != current()) // a receiver has changed its mind
+    if (connection->isOver()) // a receiver has changed its mind, and the handler may have gone
         return;
     startThreads(connection);
     qInfo() << prefix << "Voice server connected";

@@ -12,8 +12,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,11 +49,14 @@ public:
     explicit NetworkHandler(const ServiceEndpoints &endpoints = {}, QObject *parent = nullptr,
                             const common::Clock &clock = common::systemClock(),
                             std::chrono::milliseconds keepAliveInterval = std::chrono::seconds(15));
-    /// stop(). No call of connectToServer() may begin any more; one that has begun ends by itself.
+    /// stop(). No call of connectToServer() may be under way; tasks of attempt() may.
     ~NetworkHandler() override;
 
-    /// Looks the server up, connects to it and signs in with the access token; ends the connection before. Blocks, so
-    /// it is for a thread of a pool, and ends soon after stop(). How it went comes as a signal.
+    /// Begins an attempt, which takes the place of whatever there was, and gives the rest of it: a task for another
+    /// thread, which looks the server up, connects and signs in with the access token. It blocks, ends soon after
+    /// stop(), also when it is begun later, and may outlive the handler. How it went comes as a signal.
+    std::function<void()> attempt(const QString &token);
+    /// The whole of it. Blocks, and may be called on any thread.
     void connectToServer(const QString &token);
     /// The same for a pilot who asked when `generation` was the present one: nothing when he has been disconnected
     /// since.
@@ -84,7 +89,8 @@ private:
     using Shared = std::shared_ptr<Connection>;
 
     Shared current() const;
-    Shared begin(quint64 generation);
+    Shared begin(std::optional<quint64> generation);
+    std::function<void()> taskOf(const Shared &connection, const QString &token) const;
     void countStop();
     void end(const Shared &connection);
     void startThreads(const Shared &connection);

@@ -203,15 +203,31 @@ private slots:
         TRY_COMPARE(session.order().mid(1), (QStringList{u"disconnected"_qs, u"connected"_qs, u"line a"_qs}));
     }
 
-    /// The call on the pool's thread may begin after the pilot has thought better of it.
-    void anAttemptThatWasCalledOffBeforeItBegan()
+    void anAttemptThatWasCalledOffBeforeItsTaskBegan_data() { addEndings(); }
+    void anAttemptThatWasCalledOffBeforeItsTaskBegan()
+    {
+        QFETCH(Ending, end);
+        QFETCH(QStringList, heard);
+        Session session;
+        const std::function<void()> task = session.handler().attempt(token);
+        end(session.client);
+        task();
+        QCoreApplication::processEvents();
+        QCOMPARE(session.order(), heard);
+        Listener other(session.peer.endpoints());
+        other.connectToServer();
+        QVERIFY(session.peer.expect(token.toUtf8()));
+        QCOMPARE(session.peer.connectionCount(), 1);
+    }
+
+    void anAttemptThatWasOvertakenBeforeItsTaskBegan()
     {
         Session session;
-        const quint64 asked = session.handler().generation();
-        session.handler().stop();
-        session.handler().connectToServer(token, asked);
-        session.handler().connectToServer(token, session.handler().generation());
+        const std::function<void()> task = session.handler().attempt(u"old"_qs);
+        session.client.connectToServer();
+        task();
         QVERIFY(session.peer.expect(token.toUtf8()));
+        TRY_COMPARE(session.order(), QStringList{u"connected"_qs});
         QCOMPARE(session.peer.connectionCount(), 1);
     }
 };

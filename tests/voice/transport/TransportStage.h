@@ -46,19 +46,14 @@ struct Listener
     }
     ~Listener()
     {
-        if (handler)
-            handler->stop();
+        handler.reset();
         waitForAttempts();
     }
     Listener(const Listener &) = delete;
     Listener &operator=(const Listener &) = delete;
 
     /// On a thread of its own. Not one of Qt's pool, whose locks ThreadSanitizer doesn't see.
-    void connectToServer(const QString &with = token)
-    {
-        attempts.emplace_back(
-            [to = handler.get(), with, generation = handler->generation()] { to->connectToServer(with, generation); });
-    }
+    void connectToServer(const QString &with = token) { attempts.emplace_back(handler->attempt(with)); }
     void waitForAttempts()
     {
         for (std::thread &attempt : attempts)
