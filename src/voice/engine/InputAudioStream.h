@@ -28,6 +28,7 @@ public:
     /// The push-to-talk gate: while it is closed nothing is heard, metered or sent. Any thread.
     void setTransmitEnabled(bool enabled);
     void setMicGain(int db);
+    const CaptureControls &controls() const { return *m_controls; }
 
     /// What the audio thread has made.
     void deliver(const CapturedFrame &frame);
