@@ -35,6 +35,11 @@ void InputAudioStream::setTransmitEnabled(bool enabled)
     m_controls->transmitEnabled = enabled;
 }
 
+bool InputAudioStream::isTransmitEnabled() const
+{
+    return m_controls->transmitEnabled;
+}
+
 void InputAudioStream::setMicGain(int db)
 {
     m_controls->micGainDb = db;

@@ -27,6 +27,7 @@ public:
 
     /// The push-to-talk gate: while it is closed nothing is heard, metered or sent. Any thread.
     void setTransmitEnabled(bool enabled);
+    bool isTransmitEnabled() const;
     void setMicGain(int db);
     const CaptureControls &controls() const { return *m_controls; }
 
