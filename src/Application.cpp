@@ -12,6 +12,8 @@
 #include "simulator/xplane/XPlaneAdapter.h"
 #include "ui/MainWindow.h"
 #include "ui/ThemeManager.h"
+#include "voice/client/VoiceClient.h"
+#include "voice/engine/SoundThread.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -61,7 +63,12 @@ void Application::setUp()
 
 Application::Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
                          const ServiceEndpoints &endpoints)
-    : m_config(config), m_api(api), m_icao(icao), m_endpoints(endpoints), m_loginWindow(config, api, endpoints)
+    : m_config(config),
+      m_api(api),
+      m_icao(icao),
+      m_endpoints(endpoints),
+      m_sound(std::make_shared<voice::SoundThread>()),
+      m_loginWindow(config, api, endpoints)
 {
     QObject::connect(&m_loginWindow, &ui::LoginWindow::loginSuccess, &m_loginWindow,
                      [this] { whenUnwound([this] { compose(); }); });
@@ -87,7 +94,8 @@ void Application::compose()
     m_loginPosition = m_loginWindow.pos();
     m_loginWindow.hide();
     m_icao.ensureLoaded();
-    m_networkManager = std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints);
+    m_networkManager =
+        std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints, common::systemClock(), m_sound);
     m_aircraftManager = std::make_shared<manager::AircraftManager>(m_networkManager);
     m_userAircraftManager = std::make_shared<manager::UserAircraftManager>(m_networkManager);
     m_controllerManager = std::make_shared<manager::ControllerManager>(m_networkManager);
@@ -99,6 +107,7 @@ void Application::compose()
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::xplaneSelected, &m_loginWindow,
                      [this] { activate(SimulatorMode::XPlane); });
     openMainWindow();
+    m_networkManager->voiceClient().setCid(static_cast<quint32>(m_api.currentUser().id));
 }
 
 void Application::openMainWindow()

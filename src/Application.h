@@ -26,6 +26,9 @@ class UserAircraftManager;
 namespace ui {
 class MainWindow;
 }
+namespace voice {
+class SoundThread;
+}
 
 /// Owns what a login session is made of: builds it when the pilot has signed in, takes it down when he signs out, and
 /// does so any number of times. Needs the QApplication.
@@ -63,6 +66,7 @@ private:
     network::ApiService &m_api;
     network::SwiftAircraftIcaoService &m_icao;
     ServiceEndpoints m_endpoints;
+    std::shared_ptr<voice::SoundThread> m_sound; ///< one for all sessions: the sound system knows the process
     // Destroyed from the last to the first: each dependent goes before what it depends on.
     ui::LoginWindow m_loginWindow;
     QPoint m_loginPosition;

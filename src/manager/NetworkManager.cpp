@@ -21,7 +21,9 @@
 #include "manager/SessionLog.h"
 #include "manager/StationReports.h"
 #include "manager/TextTraffic.h"
+#include "manager/VoiceRadios.h"
 #include "simulator/Simulator.h"
+#include "voice/engine/SoundThread.h"
 
 #include <QDir>
 #include <QTimer>
@@ -47,12 +49,15 @@ QString networkLogFolder(const AppConfig &config)
 } // namespace
 
 NetworkManager::NetworkManager(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
-                               const ServiceEndpoints &endpoints, const common::Clock &clock, QObject *parent)
+                               const ServiceEndpoints &endpoints, const common::Clock &clock,
+                               std::shared_ptr<voice::SoundThread> sound, QObject *parent)
     : QObject(parent),
       m_icao(icao),
       m_fsdHost(endpoints.fsdHost),
       m_fsdPort(endpoints.fsdPort),
       m_session(std::make_unique<SessionContext>(config, api, clock, this)),
+      m_voice(std::make_unique<VoiceRadios>(config, sound ? std::move(sound) : std::make_shared<voice::SoundThread>(),
+                                            endpoints, clock)),
       m_log(std::make_unique<SessionLog>(networkLogFolder(config), clock))
 {
     makeParts();
@@ -62,6 +67,7 @@ NetworkManager::NetworkManager(AppConfig &config, network::ApiService &api, netw
     connectOwnAircraft();
     connectTexts();
     connectTraffic();
+    connectVoice();
 }
 
 NetworkManager::~NetworkManager()
@@ -146,6 +152,7 @@ void NetworkManager::connectOwnAircraft()
     const OwnAircraft *own = m_own.get();
     connect(own, &OwnAircraft::stateChanged, this, &NetworkManager::simulatorConnectionStateChanged);
     connect(own, &OwnAircraft::dataUpdated, this, &NetworkManager::simulatorDataUpdated);
+    connect(own, &OwnAircraft::radioChanged, m_voice.get(), &VoiceRadios::tell); // first, the pages then
     connect(own, &OwnAircraft::radioChanged, this, &NetworkManager::radioStatesUpdate);
 }
 
@@ -182,6 +189,19 @@ void NetworkManager::connectTraffic()
     const PeerQueries *queries = m_queries.get();
     connect(queries, &PeerQueries::configurationReceived, m_traffic.get(), &RemoteTraffic::onConfiguration);
     connect(queries, &PeerQueries::capabilitiesRequestReceived, this, &NetworkManager::capabilitiesRequestReceived);
+}
+
+void NetworkManager::connectVoice()
+{
+    connect(m_voice.get(), &VoiceRadios::ready, this, [this] { m_voice->tell(m_own->data().radio); });
+    // Behind all listeners of this object, and behind the traffic that is forgotten.
+    connect(m_life.get(), &SessionLifecycle::networkDisconnected, &m_voice->client(),
+            &voice::VoiceClient::disconnectFromServer);
+}
+
+voice::VoiceClient &NetworkManager::voiceClient()
+{
+    return m_voice->client();
 }
 
 // --- the connection ---

@@ -34,6 +34,10 @@ class SwiftAircraftIcaoService;
 namespace tarvo::simulator {
 class Simulator;
 }
+namespace tarvo::voice {
+class SoundThread;
+class VoiceClient;
+} // namespace tarvo::voice
 
 namespace tarvo::manager {
 
@@ -46,20 +50,22 @@ class SessionLifecycle;
 class SessionLog;
 class StationReports;
 class TextTraffic;
+class VoiceRadios;
 struct SessionContext;
 
 /// Owns one FSD session: validates the connect request, writes the network log, and turns every event of the session
 /// into a signal and a call on the current Simulator. Its parts do the rest: SessionLifecycle, Login, OwnAircraft,
-/// RemoteTraffic, TextTraffic, StationReports, PeerQueries. Main thread only.
+/// RemoteTraffic, TextTraffic, StationReports, PeerQueries, VoiceRadios. Main thread only.
 class NetworkManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `config`, `api`, `icao` and `clock` must outlive it; `endpoints` is copied.
+    /// `config`, `api`, `icao` and `clock` must outlive it; `endpoints` is copied. `sound`: the program's; without one
+    /// it makes its own.
     NetworkManager(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
                    const ServiceEndpoints &endpoints = {}, const common::Clock &clock = common::systemClock(),
-                   QObject *parent = nullptr);
+                   std::shared_ptr<voice::SoundThread> sound = nullptr, QObject *parent = nullptr);
     ~NetworkManager() override;
 
     /// Installs a backend in place of the earlier one, which is told to remove all aircraft and is released. An empty
@@ -77,6 +83,9 @@ public:
 
     /// Under what name the current or the last connection ran.
     const model::ConnectInfo &connectInfo() const;
+
+    /// The voice session. It knows the radios; the end of an FSD session ends it too.
+    voice::VoiceClient &voiceClient();
 
     /// The frequencies that a radio message goes out on, in kHz.
     QList<uint> transmitFrequencies() const;
@@ -202,6 +211,7 @@ private:
     void connectOwnAircraft();
     void connectTexts();
     void connectTraffic();
+    void connectVoice();
 
     QString normalizedType(const QString &typeCode) const;
     void onNetworkError(const QString &error);
@@ -232,6 +242,7 @@ private:
     std::unique_ptr<TextTraffic> m_texts;
     std::unique_ptr<StationReports> m_stations;
     std::unique_ptr<PeerQueries> m_queries;
+    std::unique_ptr<VoiceRadios> m_voice;
     std::unique_ptr<SessionLog> m_log;
 };
 
