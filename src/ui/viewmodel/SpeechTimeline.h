@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ui/viewmodel/RowsModel.h"
+
+#include <QString>
+
+namespace tarvo::ui {
+
+/// Somebody's speech on one radio, without a longer break. Times in ms of a clock that never jumps.
+struct Speech
+{
+    int radio = 1; ///< 1: COM1, 2: COM2
+    QString callsign;
+    bool own = false; ///< the pilot himself
+    qint64 fromMs = 0;
+    qint64 toMs = 0;
+
+    bool operator==(const Speech &) const = default;
+};
+
+/// Who spoke on which radio in the last minute, the newest first. Roles: as the members of Speech.
+class SpeechTimeline : public RowsModel<Speech>
+{
+public:
+    static constexpr qint64 spanMs = 60'000;
+
+    explicit SpeechTimeline(QObject *parent = nullptr);
+
+    /// Speech of this moment: `callsign`, at most 20 characters of it, on `radio`.
+    void heard(int radio, const QString &callsign, bool own, qint64 nowMs);
+    /// What ended more than a minute before goes.
+    void forgetOld(qint64 nowMs);
+};
+
+} // namespace tarvo::ui

@@ -1,0 +1,353 @@
+#include "ui/viewmodel/VoiceServiceViewModel.h"
+
+#include "AppConfig.h"
+#include "input/PttService.h"
+#include "model/RadioStackState.h"
+#include "ui/viewmodel/ShownText.h"
+#include "voice/client/VoiceClient.h"
+#include "voice/engine/AudioDevice.h"
+#include "voice/engine/AudioHandler.h"
+
+#include <QDateTime>
+#include <QDebug>
+
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace tarvo::ui {
+
+using common::VolumeInfo;
+using voice::AudioDevice;
+using voice::AudioHandler;
+using voice::ConnectionState;
+using voice::VoiceClient;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype mostEvents = 100;
+constexpr qsizetype longestEvent = 300;
+constexpr qsizetype longestCallsign = 20;
+constexpr std::chrono::milliseconds flowsFor = 80ms; ///< four frames
+constexpr std::chrono::milliseconds timelineStep = 500ms;
+constexpr double kHzInMHz = 1000.0;
+
+constexpr Role<VoiceEvent> eventRoles[] = {
+    {"time", member<&VoiceEvent::time, VoiceEvent>},
+    {"text", member<&VoiceEvent::text, VoiceEvent>},
+};
+
+QString unknownCallsign()
+{
+    return QStringLiteral("Unknown");
+}
+
+} // namespace
+
+VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttService &ptt, AudioDevice &devices,
+                                             AppConfig &config, QObject *parent, const common::Clock &clock)
+    : QObject(parent),
+      m_client(client),
+      m_devices(devices),
+      m_config(config),
+      m_clock(clock),
+      m_callsign(unknownCallsign()),
+      m_events(eventRoles)
+{
+    m_sendTimer.setObjectName(QStringLiteral("sendTimer"));
+    m_receiveTimer.setObjectName(QStringLiteral("receiveTimer"));
+    for (QTimer *timer : {&m_sendTimer, &m_receiveTimer}) {
+        timer->setParent(this);
+        timer->setSingleShot(true);
+        timer->setInterval(flowsFor);
+    }
+    connect(&m_sendTimer, &QTimer::timeout, this, [this] {
+        emit sendingChanged();
+        setInputMeter({});
+    });
+    connect(&m_receiveTimer, &QTimer::timeout, this, [this] {
+        emit receivingChanged();
+        setOutputMeter({});
+    });
+    m_timelineTimer.setInterval(timelineStep);
+    connect(&m_timelineTimer, &QTimer::timeout, this, &VoiceServiceViewModel::moveTimeline);
+    connect(&ptt, &input::PttService::activeChanged, this, &VoiceServiceViewModel::onPtt);
+    connect(&m_devices, &AudioDevice::deviceListChanged, this, &VoiceServiceViewModel::reportMissingDevices);
+    if (m_client)
+        connectClient();
+}
+
+void VoiceServiceViewModel::connectClient()
+{
+    connect(m_client, &VoiceClient::connectionStateChanged, this, &VoiceServiceViewModel::onConnectionState);
+    connect(m_client, &VoiceClient::errorOccurred, this,
+            [this](const QString &error) { addEvent(QStringLiteral("ERROR: ") + error); });
+    connect(m_client, &VoiceClient::voiceDataSent, this, &VoiceServiceViewModel::onSent);
+    connect(m_client, &VoiceClient::voiceDataReceived, this, &VoiceServiceViewModel::onReceived);
+}
+
+// --- the session ---
+
+bool VoiceServiceViewModel::connected() const
+{
+    return m_state == ConnectionState::Connected || m_state == ConnectionState::Authenticating ||
+           m_state == ConnectionState::Ready;
+}
+
+QString VoiceServiceViewModel::connectionStateText() const
+{
+    switch (m_state) {
+    case ConnectionState::Disconnected:
+        return tr("未连接");
+    case ConnectionState::Connecting:
+        return tr("连接中...");
+    case ConnectionState::Connected:
+        return tr("已连接");
+    case ConnectionState::Authenticating:
+        return tr("认证中...");
+    case ConnectionState::Ready:
+        return tr("就绪");
+    }
+    return tr("未知状态");
+}
+
+void VoiceServiceViewModel::connectToVoiceServer()
+{
+    if (!m_client)
+        return;
+    qInfo("Connecting to voice server...");
+    m_devices.load();
+    ensureMeterConnections();
+    m_client->connectToServer(m_config.get(config::authToken));
+}
+
+void VoiceServiceViewModel::onConnectionState(ConnectionState state)
+{
+    m_state = state;
+    const bool named = state == ConnectionState::Ready;
+    m_callsign = named ? shownText(QString::fromStdString(m_client->callsign()), longestCallsign) : unknownCallsign();
+    if (state != ConnectionState::Disconnected)
+        endTests();
+    emit connectStateChanged();
+}
+
+void VoiceServiceViewModel::addEvent(const QString &text)
+{
+    const QString time = QDateTime::fromMSecsSinceEpoch(m_clock.wallMs()).toString(QStringLiteral("HH:mm:ss"));
+    m_events.prepend({time, shownText(text, longestEvent)}, mostEvents);
+    emit eventLogChanged();
+}
+
+// --- the radios ---
+
+QString VoiceServiceViewModel::frequencyText(const VoiceRadio &radio)
+{
+    return QStringLiteral("%1 MHz / %2 MHz").arg(radio.activeMHz, 0, 'g', 6).arg(radio.standbyMHz, 0, 'g', 6);
+}
+
+void VoiceServiceViewModel::radioStackUpdate(const model::RadioStackState &state)
+{
+    const VoiceRadio com1{state.com1Frequency / kHzInMHz, state.com1StandbyFrequency / kHzInMHz,
+                          state.com1TransmitEnabled, state.com1ReceiveEnabled, state.com1Volume / 100.0};
+    const VoiceRadio com2{state.com2Frequency / kHzInMHz, state.com2StandbyFrequency / kHzInMHz,
+                          state.com2TransmitEnabled, state.com2ReceiveEnabled, state.com2Volume / 100.0};
+    if (std::exchange(m_com1, com1) != com1)
+        emit com1InfoChanged();
+    if (std::exchange(m_com2, com2) != com2)
+        emit com2InfoChanged();
+}
+
+void VoiceServiceViewModel::setCom1Volume(double volume)
+{
+    if (std::exchange(m_com1.volume, volume) != volume)
+        emit com1InfoChanged();
+}
+
+void VoiceServiceViewModel::setCom2Volume(double volume)
+{
+    if (std::exchange(m_com2.volume, volume) != volume)
+        emit com2InfoChanged();
+}
+
+// --- push-to-talk ---
+
+void VoiceServiceViewModel::setPtt(bool active)
+{
+    if (m_pttActive != active)
+        onPtt(active);
+}
+
+/// Passes on what it is told already, too: the key may have been held when the engine came into being.
+void VoiceServiceViewModel::onPtt(bool active)
+{
+    const bool changed = std::exchange(m_pttActive, active) != active;
+    if (m_client)
+        m_client->setPtt(active);
+    if (changed)
+        emit pttActiveChanged();
+}
+
+void VoiceServiceViewModel::disableTransmit()
+{
+    setPtt(false);
+    addEvent(tr("服务器已停止本机发话，请重新按下 PTT"));
+}
+
+// --- voice ---
+
+void VoiceServiceViewModel::onSent(const VolumeInfo &volume)
+{
+    m_sendTimer.start();
+    setInputMeter(volume);
+    emit sendingChanged();
+    heard(m_com1.transmits ? 1 : 2, m_callsign, true);
+}
+
+void VoiceServiceViewModel::onReceived(const QString &callsign, int kHz, const VolumeInfo &volume)
+{
+    m_receiveTimer.start();
+    m_lastReceiveFreq = kHz / kHzInMHz;
+    m_lastReceiveCallsign = shownText(callsign, longestCallsign);
+    emit receivingChanged();
+    setOutputMeter(volume);
+    heard(std::lround(m_com1.activeMHz * kHzInMHz) == kHz ? 1 : 2, callsign, false);
+}
+
+void VoiceServiceViewModel::heard(int radio, const QString &callsign, bool own)
+{
+    m_speech.heard(radio, callsign, own, m_clock.steadyMs());
+    if (m_timelineTimer.isActive())
+        return;
+    m_timelineTimer.start();
+    moveTimeline();
+}
+
+void VoiceServiceViewModel::moveTimeline()
+{
+    m_timelineNow = m_clock.steadyMs();
+    m_speech.forgetOld(m_timelineNow);
+    if (m_speech.rows().isEmpty())
+        m_timelineTimer.stop();
+    emit timelineMoved();
+}
+
+void VoiceServiceViewModel::setInputMeter(const VolumeInfo &volume)
+{
+    m_input = volume;
+    emit inputLevelChanged();
+}
+
+void VoiceServiceViewModel::setOutputMeter(const VolumeInfo &volume)
+{
+    m_output = volume;
+    emit outputLevelChanged();
+}
+
+void VoiceServiceViewModel::resetMeters()
+{
+    setInputMeter({});
+    setOutputMeter({});
+}
+
+/// During a session the frames that go out and come in feed the meters.
+void VoiceServiceViewModel::ensureMeterConnections()
+{
+    if (std::exchange(m_metersConnected, true))
+        return;
+    const AudioHandler *audio = m_client->audioHandler();
+    connect(audio, &AudioHandler::inputVolumeChanged, this, [this](const VolumeInfo &volume) {
+        if (m_micTesting)
+            setInputMeter(volume);
+    });
+    connect(audio, &AudioHandler::outputVolumeChanged, this, [this](const VolumeInfo &volume) {
+        if (m_micTesting)
+            setOutputMeter(volume);
+    });
+}
+
+// --- the tests of the devices ---
+
+void VoiceServiceViewModel::setLoopbackTarget(bool speaker)
+{
+    if (std::exchange(m_loopbackTarget, speaker) == speaker)
+        return;
+    if (m_micTesting)
+        m_client->audioHandler()->startMicTest(speaker);
+    emit voiceTestingChanged();
+}
+
+void VoiceServiceViewModel::startMicTest()
+{
+    if (!canTest() || m_micTesting)
+        return;
+    m_devices.load();
+    ensureMeterConnections();
+    m_micTesting = true;
+    m_client->audioHandler()->startMicTest(m_loopbackTarget);
+    emit voiceTestingChanged();
+    reportMissingDevices();
+}
+
+void VoiceServiceViewModel::stopMicTest()
+{
+    if (!m_micTesting)
+        return;
+    m_client->audioHandler()->stopMicTest();
+    m_micTesting = false;
+    resetMeters();
+    emit voiceTestingChanged();
+}
+
+void VoiceServiceViewModel::startPlayConflict()
+{
+    if (!canTest() || m_conflictTesting)
+        return;
+    m_devices.load();
+    ensureMeterConnections();
+    m_conflictTesting = true;
+    m_client->audioHandler()->startConflictTest();
+    emit voiceTestingChanged();
+    reportMissingDevices();
+}
+
+void VoiceServiceViewModel::stopPlayConflict()
+{
+    if (!canTest())
+        return;
+    m_conflictTesting = false;
+    resetMeters();
+    m_client->audioHandler()->stopConflictTest();
+    emit voiceTestingChanged();
+}
+
+/// The session needs the devices for itself.
+void VoiceServiceViewModel::endTests()
+{
+    stopMicTest();
+    if (!m_conflictTesting)
+        return;
+    m_conflictTesting = false;
+    m_client->audioHandler()->stopConflictTest();
+    emit voiceTestingChanged();
+}
+
+/// A test without a device is silent, and the pilot has to know why. Each list holds "Default" beside the devices.
+void VoiceServiceViewModel::reportMissingDevices()
+{
+    if (!m_devices.isLoaded() || !(m_micTesting || m_conflictTesting))
+        return;
+    const bool noInput = m_micTesting && m_devices.inputNames().size() < 2;
+    if (noInput || m_devices.headphoneNames().size() < 2)
+        addEvent(tr("未找到音频设备"));
+}
+
+// --- the small window ---
+
+void VoiceServiceViewModel::setMiniMode(bool open)
+{
+    if (std::exchange(m_miniMode, open) != open)
+        emit miniModeChanged();
+}
+
+} // namespace tarvo::ui
