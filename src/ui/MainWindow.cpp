@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "common/Units.h"
+#include "input/PttHandler.h"
 #include "manager/NetworkManager.h"
 #include "manager/PilotName.h"
 #include "model/ConnectInfo.h"
@@ -9,7 +10,10 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "ui/MessagesFeed.h"
 #include "ui/SimulatorFeed.h"
+#include "ui/VoiceFeed.h"
 #include "ui/WindowBackdrop.h"
+#include "voice/client/VoiceClient.h"
+#include "voice/engine/SoundThread.h"
 
 #include <QDebug>
 #include <QGuiApplication>
@@ -27,6 +31,16 @@ using model::SimulatorMode;
 namespace {
 constexpr float connectionSoundVolume = 0.55F;
 
+voice::VoiceClient *voiceClientOf(const std::shared_ptr<manager::NetworkManager> &network)
+{
+    return network ? &network->voiceClient() : nullptr;
+}
+
+std::shared_ptr<voice::SoundThread> soundThreadOf(const std::shared_ptr<manager::NetworkManager> &network)
+{
+    return network ? network->voiceClient().soundThread() : std::make_shared<voice::SoundThread>();
+}
+
 QUrl soundUrl(const char *name)
 {
     return QUrl(QStringLiteral("qrc:/resources/sounds/") + QLatin1String(name));
@@ -43,7 +57,10 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
       m_endpoints(endpoints),
       m_network(std::move(network)),
       m_controllers(std::move(controllers)),
+      m_ptt(input::PttHandler::instance()),
+      m_audioDevice(config, soundThreadOf(m_network)),
       m_server(icao),
+      m_voice(voiceClientOf(m_network), m_ptt, m_audioDevice, config),
       m_account(api, m_dashboard)
 {
     setWindowTitle(tr("TARVO Client - 控制面板"));
@@ -51,6 +68,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     setMinimumSize(1000, 700);
     applyWindowBackdrop(*this);
     updateProfile();
+    m_ptt.setBoundKey(config.get(config::voicePttKey));
     createView();
     connectRequests();
     if (m_network)
@@ -104,6 +122,8 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("simulatorBackend"), &m_simulator);
     pages->setContextProperty(QStringLiteral("serverBackend"), &m_server);
     pages->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
+    pages->setContextProperty(QStringLiteral("voiceBackend"), &m_voice);
+    pages->setContextProperty(QStringLiteral("voiceServiceBackend"), &m_voice);
 }
 
 void MainWindow::connectRequests()
@@ -118,6 +138,7 @@ void MainWindow::connectRequests()
     connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
+    connect(&m_voice, &VoiceServiceViewModel::miniModeChanged, this, &MainWindow::tellWhetherSeen);
 }
 
 void MainWindow::connectSession()
@@ -135,6 +156,7 @@ void MainWindow::connectSession()
     m_simulatorFeed = std::make_unique<SimulatorFeed>(m_network, m_simulator);
     connect(m_simulatorFeed.get(), &SimulatorFeed::sampleShown, this, &MainWindow::showFlight);
     m_messagesFeed = std::make_unique<MessagesFeed>(m_network, m_controllers, m_messages, m_sounds);
+    m_voiceFeed = std::make_unique<VoiceFeed>(m_network, m_audioDevice, m_voice);
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -166,7 +188,7 @@ void MainWindow::changeEvent(QEvent *event)
 void MainWindow::tellWhetherSeen()
 {
     if (m_simulatorFeed)
-        m_simulatorFeed->setSeen(isVisible() && !isMinimized());
+        m_simulatorFeed->setSeen((isVisible() && !isMinimized()) || m_voice.miniMode());
 }
 
 void MainWindow::updateProfile()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ServiceEndpoints.h"
+#include "input/PttService.h"
 #include "model/SimulatorMode.h"
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
@@ -8,6 +9,8 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/VoiceServiceViewModel.h"
+#include "voice/engine/AudioDevice.h"
 
 #include <QMainWindow>
 
@@ -35,6 +38,7 @@ namespace tarvo::ui {
 
 class MessagesFeed;
 class SimulatorFeed;
+class VoiceFeed;
 
 /// Hosts the QML pages and owns their view models. Feeds these from the session, and turns their requests into calls.
 class MainWindow : public QMainWindow
@@ -55,6 +59,7 @@ public:
     SimulatorPageViewModel &simulator() { return m_simulator; }
     ServerPageViewModel &server() { return m_server; }
     MessagesPageViewModel &messages() { return m_messages; }
+    VoiceServiceViewModel &voice() { return m_voice; }
     SoundPlayer &sounds() { return m_sounds; }
     QQuickView *view() const { return m_view; }
 
@@ -100,14 +105,18 @@ private:
     model::SimulatorMode m_mode = model::SimulatorMode::None;
     std::shared_ptr<manager::NetworkManager> m_network;
     std::shared_ptr<manager::ControllerManager> m_controllers;
+    input::PttService m_ptt;
+    voice::AudioDevice m_audioDevice;
     DashboardViewModel m_dashboard;
     SimulatorPageViewModel m_simulator;
     ServerPageViewModel m_server;
     MessagesPageViewModel m_messages;
+    VoiceServiceViewModel m_voice;
     AccountFeed m_account;
     SoundPlayer m_sounds;
     std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session
     std::unique_ptr<MessagesFeed> m_messagesFeed;   ///< null without a session
+    std::unique_ptr<VoiceFeed> m_voiceFeed;         ///< null without a session
     QQuickView *m_view = nullptr;                   ///< owned by the central widget
 };
 

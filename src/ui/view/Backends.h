@@ -5,6 +5,7 @@
 #include "ui/viewmodel/PlotLabels.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/VoiceServiceViewModel.h"
 
 #include <QtQml/qqml.h>
 
@@ -27,6 +28,7 @@ TARVO_BACKEND(SimulatorBackend, SimulatorPageViewModel)
 TARVO_BACKEND(ServerBackend, ServerPageViewModel)
 TARVO_BACKEND(MessagesBackend, MessagesPageViewModel)
 TARVO_BACKEND(PlotLabelsBackend, PlotLabels)
+TARVO_BACKEND(VoiceServiceBackend, VoiceServiceViewModel)
 
 } // namespace tarvo::ui
 

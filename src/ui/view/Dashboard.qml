@@ -1,4 +1,5 @@
 import QtQuick
+import QtQml.Models
 import com.tarvonet.backend
 import "pages"
 
@@ -12,6 +13,7 @@ Rectangle {
     readonly property SimulatorBackend simulator: typeof simulatorBackend === "undefined" ? null : simulatorBackend
     readonly property ServerBackend server: typeof serverBackend === "undefined" ? null : serverBackend
     readonly property MessagesBackend messages: typeof messagesBackend === "undefined" ? null : messagesBackend
+    readonly property VoiceServiceBackend voice: typeof voiceBackend === "undefined" ? null : voiceBackend
     // qmllint enable unqualified
 
     signal logoutRequested()
@@ -43,7 +45,18 @@ Rectangle {
             simulator: rootWindow.simulator // qmllint disable unqualified
             server: rootWindow.server // qmllint disable unqualified
             messages: rootWindow.messages // qmllint disable unqualified
+            voice: rootWindow.voice // qmllint disable unqualified
             onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
+        }
+    }
+
+    Instantiator { // unlike a Loader it doesn't tie the window to this one, with which it would be minimised
+        active: rootWindow.voice ? rootWindow.voice.miniMode : false
+
+        VoiceMiniWindow {
+            visible: true
+            voice: rootWindow.voice // qmllint disable unqualified
+            simulator: rootWindow.simulator // qmllint disable unqualified
         }
     }
 }

@@ -35,6 +35,7 @@ QtObject {
     readonly property color statusSuccess: "#10B981"
     readonly property color statusError: "#F43F5E"
     readonly property color statusPending: "#F59E0B"
+    readonly property color statusTransmit: "#EF4444"
 
     // Radius
     readonly property int radiusLarge: 28

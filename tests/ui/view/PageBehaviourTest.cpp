@@ -74,6 +74,7 @@ private slots:
         QTest::newRow("overview") << u"dashboard"_qs;
         QTest::newRow("simulator") << u"simulator"_qs;
         QTest::newRow("server") << u"server"_qs;
+        QTest::newRow("voice") << u"voice"_qs;
         QTest::newRow("messages") << u"messages"_qs;
     }
 
@@ -86,6 +87,7 @@ private slots:
                                    {u"simulator"_qs, QVariant::fromValue(nullptr)},
                                    {u"server"_qs, QVariant::fromValue(nullptr)},
                                    {u"messages"_qs, QVariant::fromValue(nullptr)},
+                                   {u"voice"_qs, QVariant::fromValue(nullptr)},
                                    {u"currentSection"_qs, section}});
         view.setSource(QUrl(u"qrc:/src/ui/view/pages/MainDashboard.qml"_qs));
         QVERIFY(view.rootObject());

@@ -1,5 +1,8 @@
 #include "PageHarness.h"
 
+#include "input/NoInputSource.h"
+#include "model/RadioStackState.h"
+
 #include <QDir>
 #include <QFile>
 #include <QQmlContext>
@@ -51,7 +54,8 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
       m_icao(m_config),
       m_dashboard(nullptr, m_clock),
       m_server(m_icao, nullptr, m_clock),
-      m_messages(nullptr, m_clock)
+      m_messages(nullptr, m_clock),
+      m_pttHandler(std::make_unique<input::NoInputSource>())
 {
     m_icao.ensureLoaded();
     m_dashboard.setCurrentMode(mode);
@@ -66,6 +70,7 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
         view.rootContext()->setContextProperty(u"serverBackend"_qs, present ? &m_server : nullptr);
         view.rootContext()->setContextProperty(u"messagesBackend"_qs, present ? &m_messages : nullptr);
         view.rootContext()->setContextProperty(u"simulatorBackend"_qs, present ? &m_simulator : nullptr);
+        view.rootContext()->setContextProperty(u"voiceBackend"_qs, present ? &m_voice : nullptr);
     }
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl(u"qrc:/src/ui/view/Dashboard.qml"_qs));
@@ -192,6 +197,35 @@ void PageHarness::fillTraffic(int count)
         m_simulator.setTrafficContacts(snapshot);
     else
         m_simulator.setRemoteAircraft(table);
+}
+
+void PageHarness::fillVoice()
+{
+    m_voice.radioStackUpdate({.com1Frequency = 118500,
+                              .com1StandbyFrequency = 121500,
+                              .com1TransmitEnabled = true,
+                              .com1ReceiveEnabled = true,
+                              .com1Volume = 80,
+                              .com2Frequency = 127600,
+                              .com2StandbyFrequency = 122800,
+                              .com2ReceiveEnabled = true,
+                              .com2Volume = 100});
+    m_voice.addEvent(
+        u"ERROR: Failed to connect to server at voice.example.org (ip=203.0.113.7:6808): Connection refused (errno=111)"_qs);
+    m_voice.addEvent(u"未找到音频设备"_qs);
+    emit m_voiceClient.connectionStateChanged(voice::ConnectionState::Ready);
+    for (int i = 0; i < 40; ++i) {
+        m_clock.advance(20);
+        emit m_voiceClient.voiceDataReceived(u"ZBAA_TWR"_qs, 118500, {-12.5F, 86});
+    }
+    for (int i = 0; i < 200; ++i) {
+        m_clock.advance(20);
+        emit m_voiceClient.voiceDataSent({-31.2F, 67});
+    }
+    for (int i = 0; i < 300; ++i) {
+        m_clock.advance(20);
+        emit m_voiceClient.voiceDataReceived(u"ZBAA_ATIS"_qs, 127600, {-9.4F, 90});
+    }
 }
 
 void PageHarness::openSection(const QString &title)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "AppConfig.h"
+#include "input/PttHandler.h"
+#include "input/PttService.h"
 #include "model/RemoteAircraft.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/ManualClock.h"
@@ -8,12 +10,18 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/VoiceServiceViewModel.h"
+#include "voice/client/VoiceClient.h"
+#include "voice/engine/AudioDevice.h"
+#include "voice/engine/SoundThread.h"
 
 #include <QImage>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <memory>
 
 namespace tarvo::test {
 
@@ -37,6 +45,9 @@ public:
     ui::ServerPageViewModel &server() { return m_server; }
     ui::MessagesPageViewModel &messages() { return m_messages; }
     ui::SimulatorPageViewModel &simulator() { return m_simulator; }
+    ui::VoiceServiceViewModel &voice() { return m_voice; }
+    /// What the voice page hears of; a test raises its signals.
+    voice::VoiceClient &voiceClient() { return m_voiceClient; }
     /// Everything that the QML engine has complained about.
     QStringList complaints() const { return m_complaints; }
 
@@ -47,6 +58,8 @@ public:
     void fillSimulator(const QString &mode);
     /// `count` aircraft around that flight, each at another bearing, distance and height.
     void fillTraffic(int count);
+    /// A voice session in which the tower speaks to the pilot.
+    void fillVoice();
     /// Opens the section with this title in the sidebar, by a click.
     void openSection(const QString &title);
 
@@ -79,6 +92,12 @@ private:
     ui::ServerPageViewModel m_server;
     ui::MessagesPageViewModel m_messages;
     ui::SimulatorPageViewModel m_simulator;
+    input::PttHandler m_pttHandler;
+    input::PttService m_ptt{m_pttHandler};
+    std::shared_ptr<voice::SoundThread> m_sound = std::make_shared<voice::SoundThread>();
+    voice::AudioDevice m_devices{m_config, m_sound};
+    voice::VoiceClient m_voiceClient{m_config, m_sound};
+    ui::VoiceServiceViewModel m_voice{&m_voiceClient, m_ptt, m_devices, m_config, nullptr, m_clock};
     QStringList m_complaints;
 
 public:

@@ -19,8 +19,9 @@ private slots:
         QTest::addColumn<QSize>("size");
         const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
         const char *const pages[] = {
-            "modes",        "overview",  "overview-offline",  "overview-failed", "server",         "server-connected",
-            "server-error", "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd"};
+            "modes",        "overview",  "overview-offline",  "overview-failed", "server",          "server-connected",
+            "server-error", "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd", "voice",
+            "voice-offline"};
         for (const char *page : pages)
             for (const QSize &size : sizes)
                 QTest::addRow("%s %dx%d", page, size.width(), size.height()) << QString::fromLatin1(page) << size;
@@ -43,10 +44,17 @@ private slots:
             harness.openSection(u"服务器"_qs);
         if (page.startsWith(QLatin1String("simulator")))
             showSimulator(harness, page);
+        if (page == QLatin1String("voice"))
+            harness.fillVoice();
+        if (page.startsWith(QLatin1String("voice")))
+            harness.openSection(u"语音服务"_qs);
         if (page == QLatin1String("server-error"))
             harness.server().setCallsign(u"呼号 有空格"_qs);
         QVERIFY(!harness.grab(u"%1-%2"_qs.arg(page).arg(size.width())).isNull());
-        if (QQuickItem *scroll = harness.item(u"simulatorScroll"_qs)) {
+        for (const QString &name : {u"simulatorScroll"_qs, u"voiceScroll"_qs}) {
+            QQuickItem *scroll = harness.item(name);
+            if (!scroll)
+                continue;
             auto *flickable = scroll->property("contentItem").value<QQuickItem *>();
             flickable->setProperty("contentY", flickable->property("contentHeight").toReal() - flickable->height());
             harness.grab(u"%1-%2-end"_qs.arg(page).arg(size.width()));

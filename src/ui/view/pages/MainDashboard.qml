@@ -10,6 +10,7 @@ Item {
     required property SimulatorBackend simulator
     required property ServerBackend server
     required property MessagesBackend messages
+    required property VoiceServiceBackend voice
     property string currentSection: "dashboard"
 
     signal logoutRequested()
@@ -42,6 +43,7 @@ Item {
             { key: "dashboard", title: qsTr("总览") },
             { key: "simulator", title: qsTr("模拟器") },
             { key: "server", title: qsTr("服务器") },
+            { key: "voice", title: qsTr("语音服务") },
             { key: "messages", title: qsTr("消息") }
         ]
         onSectionRequested: key => main.currentSection = key
@@ -59,6 +61,7 @@ Item {
         sourceComponent: ({
             simulator: simulatorSection,
             server: serverSection,
+            voice: voiceSection,
             messages: messagesSection
         })[main.currentSection] ?? overviewSection
     }
@@ -82,6 +85,12 @@ Item {
         id: serverSection
 
         ServerPage { server: main.server } // qmllint disable unqualified
+    }
+
+    Component {
+        id: voiceSection
+
+        VoiceServicePage { voice: main.voice } // qmllint disable unqualified
     }
 
     Component {

@@ -10,6 +10,7 @@ Rectangle {
     property color litColor: Style.statusSuccess
     /// On an instrument's dark glass.
     property bool dark: false
+    property int fontSize: Style.fontSmall
 
     Accessible.role: Accessible.Indicator
     Accessible.name: text
@@ -31,7 +32,7 @@ Rectangle {
         anchors.centerIn: parent
         text: lamp.text
         color: lamp.lit ? (lamp.dark ? lamp.litColor : Qt.darker(lamp.litColor, 1.45)) : lamp.dark ? Style.instrumentDim : Style.textMuted
-        font.pixelSize: Style.fontSmall
+        font.pixelSize: lamp.fontSize
         font.weight: lamp.lit ? Font.DemiBold : Font.Normal
     }
 }

@@ -1,0 +1,120 @@
+import QtQuick
+import QtQuick.Layouts
+import "../.."
+
+/// A level in dB of full scale, from -96 to 0, with a mark at the highest of late: it holds for a second, then falls.
+ColumnLayout {
+    id: meter
+
+    property string label: ""
+    property real db: silence
+    property real percent: 0
+    readonly property real silence: -96
+    property real peakDb: silence
+
+    function ratio(level: real): real {
+        return Math.max(0, Math.min(1, 1 - level / silence))
+    }
+
+    spacing: Style.spacingTiny
+    onDbChanged: {
+        if (db < peakDb || db <= silence)
+            return
+        peakDb = db
+        fall.restart()
+    }
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: label + " " + reading.text
+
+    SequentialAnimation {
+        id: fall
+
+        PauseAnimation { duration: 1000 }
+        NumberAnimation {
+            target: meter
+            property: "peakDb"
+            to: meter.silence
+            duration: 1500
+        }
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+
+        AppText {
+            Layout.fillWidth: true
+            text: meter.label
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+            elide: Text.ElideRight
+        }
+
+        AppText {
+            id: reading
+
+            objectName: "levelReading"
+            text: qsTr("%1 %  %2 dB").arg(Math.round(meter.percent)).arg(Format.fixed(meter.db, 1))
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+        }
+    }
+
+    Rectangle {
+        id: glass
+
+        Layout.fillWidth: true
+        implicitHeight: 22
+        radius: 6
+        color: Style.instrumentGlass
+
+        Item { // shows as much of the whole scale's colours as is lit
+            x: 3
+            y: 3
+            width: (glass.width - 6) * meter.ratio(meter.db)
+            height: glass.height - 6
+            clip: true
+
+            Rectangle {
+                width: glass.width - 6
+                height: parent.height
+                radius: 3
+                gradient: Gradient {
+                    orientation: Gradient.Horizontal
+                    GradientStop { position: 0; color: Style.statusSuccess }
+                    GradientStop { position: 0.7; color: Style.statusSuccess }
+                    GradientStop { position: 0.87; color: Style.statusPending }
+                    GradientStop { position: 1; color: Style.statusError }
+                }
+            }
+        }
+
+        Rectangle {
+            visible: meter.peakDb > meter.silence
+            x: 3 + (glass.width - 8) * meter.ratio(meter.peakDb)
+            y: 3
+            width: 2
+            height: glass.height - 6
+            color: Style.instrumentLine
+        }
+    }
+
+    Item {
+        id: ticks
+
+        Layout.fillWidth: true
+        implicitHeight: 12
+
+        Repeater {
+            model: [-96, -72, -48, -24, -12, 0]
+
+            AppText {
+                required property int modelData
+
+                x: Math.max(0, Math.min(ticks.width - width, ticks.width * meter.ratio(modelData) - width / 2)) // qmllint disable unqualified
+                text: modelData
+                color: Style.textSecondary
+                font.pixelSize: 10
+            }
+        }
+    }
+}

@@ -1,0 +1,48 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import "../.."
+
+/// Events of the voice session, newest first: rows with "time" and "text".
+ListView {
+    id: list
+
+    clip: true
+    spacing: Style.spacingTiny
+    boundsBehavior: Flickable.StopAtBounds
+    activeFocusOnTab: count > 0
+    ScrollBar.vertical: CustomScrollBar {}
+
+    delegate: Row {
+        required property string time
+        required property string text
+
+        width: ListView.view.width - Style.spacingMedium
+        spacing: Style.spacingSmall
+
+        AppText {
+            id: clock
+
+            text: parent.time
+            color: Style.textSecondary
+            font.pixelSize: Style.fontSmall
+        }
+
+        AppText {
+            width: parent.width - clock.width - parent.spacing
+            text: parent.text
+            color: text.startsWith("ERROR") ? Style.statusError : Style.textPrimary
+            font.pixelSize: Style.fontSmall
+            wrapMode: Text.Wrap
+            maximumLineCount: 4
+            elide: Text.ElideRight
+        }
+    }
+
+    AppText {
+        anchors.centerIn: parent
+        visible: list.count === 0
+        text: qsTr("暂无事件")
+        color: Style.textSecondary
+        font.pixelSize: 13
+    }
+}
