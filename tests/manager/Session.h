@@ -10,6 +10,7 @@
 #include "support/FsdPeer.h"
 #include "support/ManualClock.h"
 #include "support/Patience.h"
+#include "support/VoicePeer.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -38,6 +39,7 @@ struct Session
     ManualClock clock;
     FsdPeer peer;
     TokenPeer tokens;
+    VoicePeer voice;
     AppConfig config{root.path()};
     std::unique_ptr<network::ApiService> api;
     network::SwiftAircraftIcaoService icao{config};
@@ -119,7 +121,7 @@ struct Session
 private:
     ServiceEndpoints endpoints(const QString &host) const
     {
-        ServiceEndpoints result;
+        ServiceEndpoints result = voice.endpoints();
         result.apiBaseUrl = tokens.baseUrl();
         result.fsdHost = host;
         result.fsdPort = peer.port();
