@@ -11,6 +11,7 @@
 #include "practice/PracticeNetwork.h"
 #include "simulator/xplane/XPlaneAdapter.h"
 #include "support/Patience.h"
+#include "voice/client/VoiceClient.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -110,20 +111,22 @@ public:
     QStringList notifications; ///< texts, in order
     QStringList events;        ///< "connected AB1", "disconnected", "disconnected forced"
 
-    /// Signs in to the account service and composes a session, as the login window and what follows it do.
-    bool signIn(const QString &password = QStringLiteral("practice"))
+    /// Signs in to the account service and composes a session, as the login window and what follows it do. `password`
+    /// is what the session remembers.
+    bool signIn(const QString &password = QStringLiteral("practice"), const QString &cid = QStringLiteral("1001"))
     {
         bool answered = false;
         bool accepted = false;
-        api.login(QStringLiteral("1001"), QStringLiteral("practice"), [&](bool success, const QString &) {
+        api.login(cid, QStringLiteral("practice"), [&](bool success, const QString &) {
             answered = true;
             accepted = success;
         });
         if (!waitFor([&] { return answered; }) || !accepted)
             return false;
-        config.set(config::sessionUsername, QStringLiteral("1001"));
+        config.set(config::sessionUsername, cid);
         config.set(config::sessionPassword, password);
         manager = std::make_shared<manager::NetworkManager>(config, api, icao, m_endpoints, m_clock);
+        manager->voiceClient().setCid(static_cast<quint32>(api.currentUser().id));
         traffic = std::make_shared<manager::AircraftManager>(manager, m_clock);
         aircraft = std::make_shared<manager::UserAircraftManager>(manager);
         controllers = std::make_shared<manager::ControllerManager>(manager, m_clock);
@@ -229,6 +232,9 @@ private:
         endpoints.apiBaseUrl = network.practice.account().baseUrl();
         endpoints.fsdHost = network.fsdHost;
         endpoints.fsdPort = network.practice.fsd().port();
+        endpoints.voiceHost = QStringLiteral("127.0.0.1");
+        endpoints.voiceTcpPort = network.practice.voice().tcpPort();
+        endpoints.voiceUdpPort = network.practice.voice().udpPort();
         endpoints.localPluginUrl = network.practice.pluginUrl();
         return endpoints;
     }

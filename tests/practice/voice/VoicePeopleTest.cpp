@@ -6,6 +6,7 @@
 #include "voice/wire/VoicePacket.h"
 
 #include <memory>
+#include <string_view>
 
 using namespace tarvo::practice;
 using namespace tarvo::test;
@@ -185,7 +186,8 @@ private slots:
         QCOMPARE(rest.size(), 4);
         QCOMPARE(rest.at(0).callsign, std::string("RADIO_CHECK"));
         QCOMPARE(rest.at(0).frequency, 122'800);
-        QCOMPARE(QByteArray(reinterpret_cast<const char *>(rest.at(3).payload.data())).left(7), QByteArray("frame 4"));
+        const std::string_view last = "frame 4";
+        QCOMPARE(rest.at(3).payload, std::vector<std::uint8_t>(last.begin(), last.end()));
         pass(2'000);
         QVERIFY(heard(122'800).isEmpty());
     }
