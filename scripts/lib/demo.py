@@ -1,27 +1,27 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Runs the practice network and the client beside each other. Called by scripts/demo, which builds both.
 
 With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
-pictures of every window stay in build/demo, and the lines that the server saw are printed as they stood on the wire.
+pictures of every window and what the headphone played stay in build/demo, and the lines that the server saw are printed as
+they stood on the wire. The client's sound goes over a sound server of the demonstration's own.
 Where this machine allows it, that client finds the server by a name, which is answered late.
 Without it, the pilot is told what there is to look at.
 """
 import argparse
 import contextlib
-import os
 import pathlib
 import re
 import signal
 import subprocess
 import sys
-import tempfile
 import threading
-import time
 
+import demo_voice
+from driven_client import (FOCUS, PICTURES, ROOT, Failure, Practice, Window, picture, press, type_text, virtual_display,
+                           wait_until, window)
 from name_server import Name, NameServer, enter_own_network
+from sound_server import SoundServer
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-PICTURES = ROOT / 'build' / 'demo'
 USERNAME, PASSWORD = '1001', 'practice'
 CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
 OTHER_PILOTS = ('CES2117', 'CCA908', 'CHH7182', 'BAW38')
@@ -30,158 +30,9 @@ SERVER_NAME = 'fsd.practice.test'
 LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
 
 
-class Failure(Exception):
-    """Something that should have happened did not."""
-
-
-def wait_until(what, test, seconds=60):
-    """Polls `test` until it returns something; the windows give no other sign to the outside."""
-    deadline = time.monotonic() + seconds
-    while time.monotonic() < deadline:
-        result = test()
-        if result:
-            return result
-        time.sleep(0.05)
-    raise Failure(f'{what}: nothing after {seconds} s')
-
-
-class Practice:
-    """The practice network; keeps what it printed."""
-
-    def __init__(self, program):
-        self.lines = []
-        self.process = subprocess.Popen([program], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                                        errors='replace')
-        threading.Thread(target=self._read, daemon=True).start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.append(line.rstrip('\n'))
-            print(line, end='', flush=True)
-
-    def has(self, pattern):
-        """True once a line holds `pattern`."""
-        return any(re.search(pattern, line) for line in self.lines)
-
-    def wait_for(self, pattern, seconds=60, start=0):
-        """The number of the first line from `start` that holds `pattern`."""
-        def found():
-            if self.process.poll() is not None:
-                raise Failure('the practice network stopped; its last lines say why')
-            return next((i + 1 for i in range(start, len(self.lines)) if re.search(pattern, self.lines[i])), None)
-        return wait_until(f'practice network, "{pattern}"', found, seconds) - 1
-
-    def stop(self):
-        self.process.send_signal(signal.SIGTERM)
-        if self.process.wait(10) != 0:
-            raise Failure(f'the practice network ended with {self.process.returncode}')
-
-
-@contextlib.contextmanager
-def virtual_display():
-    """A display of 1280x800 with a window manager; sets DISPLAY."""
-    read, write = os.pipe()
-    server = subprocess.Popen(['Xvfb', '-displayfd', str(write), '-screen', '0', '1280x800x24', '-nolisten', 'tcp',
-                               '-noreset'], pass_fds=[write], stderr=subprocess.DEVNULL)
-    os.close(write)
-    with os.fdopen(read) as numbers:
-        number = numbers.readline().strip()
-    if not number:
-        raise Failure('Xvfb did not start')
-    os.environ['DISPLAY'] = ':' + number
-    os.environ['QT_QPA_PLATFORM'] = 'xcb'
-    os.environ.pop('WAYLAND_DISPLAY', None)
-    with tempfile.TemporaryDirectory() as folder:
-        ready = pathlib.Path(folder, 'ready')
-        manager = subprocess.Popen(['openbox', '--startup', f'touch {ready}'], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
-        try:
-            wait_until('window manager', ready.exists)  # a window shown while it takes over is never mapped
-            yield
-        finally:
-            for process in (manager, server):
-                process.terminate()
-                process.wait()
-
-
-def xdotool(*words):
-    utf8 = os.environ | {'LC_ALL': 'C.UTF-8'}  # the titles are Chinese
-    result = subprocess.run(['xdotool', *map(str, words)], capture_output=True, text=True, env=utf8)
-    return result.stdout.split() if result.returncode == 0 else []
-
-
-def window(title):
-    found = xdotool('search', '--onlyvisible', '--name', f'^{title}$')
-    return found[-1] if found else None
-
-
-def screenshot():
-    return subprocess.run(['import', '-window', 'root', 'png:-'], capture_output=True, check=True).stdout
-
-
-def at_rest():
-    """The display once it has come to rest; live figures keep changing, and then the newest picture is as good as any."""
-    image = screenshot()
-    for _ in range(6):
-        time.sleep(0.1)
-        previous, image = image, screenshot()
-        if image == previous:
-            break
-    return image
-
-
-def picture(name):
-    (PICTURES / f'{name}.png').write_bytes(at_rest())
-
-
-class Window:
-    """A window of the client, found by its title."""
-
-    def __init__(self, title):
-        self.id = wait_until(f'window "{title}"', lambda: window(title))
-        xdotool('windowactivate', '--sync', self.id)
-        # Where the pointer gets to: the window's own geometry is wrong by its frame under some window managers.
-        xdotool('mousemove', '--window', self.id, 0, 0)
-        place = dict(w.split('=') for w in xdotool('getmouselocation', '--shell') if '=' in w)
-        self.x, self.y = int(place['X']), int(place['Y'])
-
-    def click(self, point, until):
-        """Clicks at a point of the window, in pixels, and waits until `until` says that this had its effect: the display
-        itself changes all the time."""
-        x, y = point
-        xdotool('mousemove', '--sync', self.x + x, self.y + y)
-        at_rest()
-        xdotool('click', 1)
-        wait_until(f'click at {x}, {y}', until)
-
-    def count(self, left, top, width, height, colour):
-        """How many pixels of a part of the window have that colour, or nearly."""
-        part = f'{width}x{height}+{self.x + left}+{self.y + top}'
-        raw = subprocess.run(['import', '-window', 'root', '-crop', part, '-depth', '8', 'rgb:-'], capture_output=True,
-                             check=True).stdout
-        return sum(all(abs(a - b) <= 12 for a, b in zip(raw[i:i + 3], colour)) for i in range(0, len(raw) - 2, 3))
-
-    def open_page(self, item):
-        """Clicks an item of the sidebar; the dot before the title is filled once its page is shown."""
-        self.click(item, lambda: self.count(SIDEBAR_DOT - 3, item[1] - 3, 6, 6, INK) == 36)
-
-    def focus(self, field):
-        """Clicks an entry field, whose frame is blue while it takes the keys."""
-        x, y = field
-        self.click(field, lambda: self.count(x, y - FIELD_HEIGHT, 8, 2 * FIELD_HEIGHT, FOCUS) >= 16)
-
-
-def type_text(text):
-    xdotool('type', '--delay', 20, text)
-
-
-def press(*keys):
-    for key in keys:
-        xdotool('key', key)
-
-
-def fly(client, practice, server_name):
-    """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one."""
+def fly(client, practice, server_name, sound):
+    """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one; `sound`
+    the server that has his microphone and headphone."""
     Window(LOGIN_TITLE)
     picture('1-login')
     type_text(USERNAME)
@@ -207,12 +58,13 @@ def fly(client, practice, server_name):
     picture('6-connected')
     meet_traffic(main, practice, connected)
     talk_to_tower(main, practice, connected)
+    demo_voice.talk(main, practice, sound)
     main.open_page(SERVER_ITEM)
     main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#DP' + CALLSIGN))
-    picture('11-disconnected')
+    picture('15-disconnected')
     main.click(LOGOUT_ITEM, until=lambda: window(LOGIN_TITLE))
     Window(LOGIN_TITLE)
-    picture('12-login-again')
+    picture('16-login-again')
     press('alt+F4')
     if client.wait(10) != 0:
         raise Failure(f'the client ended with {client.returncode}')
@@ -277,21 +129,18 @@ X_PLANE_CARD = (500, 382)
 X_PLANE_ARROW = (620, 356, 52, 52)  # left, top, width, height of the card's disc
 SIMULATOR_ITEM = (120, 180)
 SERVER_ITEM = (120, 230)
-MESSAGES_ITEM = (120, 280)
-LOGOUT_ITEM = (120, 368)
+MESSAGES_ITEM = (120, 330)
+LOGOUT_ITEM = (120, 418)
 TOWER_SESSION = (360, 377)
 COMPOSE_FIELD = (650, 660)
 CALLSIGN_FIELD = (430, 329)
 CONNECT_BUTTON = (430, 503)
 
-# Where he looks: left, top, width, height or a column, and the colours of the style.
-SIDEBAR_DOT = 47
+# Where he looks: left, top, width, height or a column, and colours of the style.
 SESSION_MARK = 281
-FIELD_HEIGHT = 42
-BADGE = (190, 260, 40, 40)
+BADGE = (190, 310, 40, 40)
 PLOT = (646, 132, 310, 290)
-INK, FOCUS, RED, CYAN = (0x0F, 0x17, 0x2A), (0x3B, 0x82, 0xF6), (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9)
-WHITE = (0xFF, 0xFF, 0xFF)
+RED, CYAN, WHITE = (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9), (0xFF, 0xFF, 0xFF)
 
 TOUR = f"""
 What there is to see, once X-Plane is chosen and a callsign is connected on the page 服务器:
@@ -299,8 +148,22 @@ What there is to see, once X-Plane is chosen and a callsign is connected on the 
   消息    a badge, as {TOWER} greets after six seconds; open the session and write to it
           "SELCAL AB-CD" tells {TOWER} your code, "SELCAL" lets it call you on COM1
           a wallop is answered by a supervisor, and every five minutes there is a broadcast
+  语音服务 "连接语音服务器": {TOWER} greets on 118.500, which COM1 is tuned to; "缩小" opens the small window, whose button
+          keys the radio while it is held (a key of your own: 设置); call the tower and let go, and it answers
+          a frequency typed here and Enter tunes COM1: 122.800 is the radio check, which says again what you said,
+          127.600 the ATIS
 Close the client to end it all.
 """
+
+
+def tune_as_typed(practice):
+    """X-Plane's radios have no knobs here: a line such as "122.800" tunes COM1."""
+    for line in sys.stdin:
+        try:
+            practice.order('tune', frequency=round(float(line) * 1000))
+            print(f'COM1 is tuned to {float(line):.3f}', flush=True)
+        except (ValueError, Failure):
+            print('not a frequency from 118.000 to 136.990', flush=True)
 
 
 def write_config(programs, account):
@@ -332,10 +195,10 @@ def main():
         practice.wait_for('ready')
         write_config(programs, account=not arguments.headless)
         if arguments.headless:
-            with virtual_display():
+            with SoundServer() as sound, virtual_display():
                 client = subprocess.Popen(client_command)
                 try:
-                    fly(client, practice, server_name)
+                    fly(client, practice, server_name, sound)
                 finally:
                     if client.poll() is None:
                         picture('at-the-end')
@@ -343,6 +206,7 @@ def main():
                         client.wait()
         else:
             print(TOUR, flush=True)
+            threading.Thread(target=tune_as_typed, args=[practice], daemon=True).start()
             client = subprocess.Popen(client_command)
             if client.wait() != 0:
                 raise Failure(f'the client ended with {client.returncode}')
@@ -366,7 +230,7 @@ def report(practice):
     for line in practice.lines:
         if re.search(r' fsd .*(<<<|>>>)', line):
             print('  ' + line)
-    print(f'Pictures: {PICTURES.relative_to(ROOT)}')
+    print(f"Pictures, and what the headphone played: {PICTURES.relative_to(ROOT)}")
 
 
 if __name__ == '__main__':

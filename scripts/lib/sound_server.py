@@ -1,8 +1,8 @@
 """A private PulseAudio with a headphone (spk_a), a speaker (spk_b) and a virtual microphone (mic_a), which PortAudio sees
 through ALSA. Nothing outside of its folder is touched, and it ends with its with-block.
 
-    with SoundServer() as sound, sound.record('spk_a', 'heard.wav'):
-        sound.say('words.wav')
+    with SoundServer() as sound, sound.record('spk_a', 'heard.wav'), sound.saying('words.wav'):
+        ...
 """
 import contextlib
 import os
@@ -73,9 +73,14 @@ class SoundServer:
             time.sleep(0.1)
         return False
 
-    def say(self, path):
-        """Plays a sound file into the microphone; returns when it was said."""
-        subprocess.run(['paplay', '--device=micbus', path], check=True)
+    @contextlib.contextmanager
+    def saying(self, path):
+        """Plays a sound file into the microphone, which begins with the with-block and is through at its end."""
+        player = subprocess.Popen(['paplay', '--device=micbus', path])
+        try:
+            yield
+        finally:
+            player.wait()
 
     @contextlib.contextmanager
     def record(self, sink, path):

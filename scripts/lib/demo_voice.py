@@ -1,0 +1,74 @@
+"""The voice of the driven demonstration: the tower's greeting, a radio check through the mini window, and what of both is
+found again in the recorded headphone.
+"""
+import contextlib
+import subprocess
+import tempfile
+import time
+
+import found_words
+from driven_client import PICTURES, Failure, picture, window, xdotool
+
+MINI_TITLE = '语音服务'
+RADIO_CHECK = 122800  # kHz
+RECORDING = PICTURES / 'headphone.flac'
+
+# Where the pilot clicks, in pixels of a main window of 1000x700, and of the mini window.
+VOICE_ITEM = (120, 280)
+CONNECT_BUTTON = (873, 38)
+MINI_BUTTON = (960, 38)
+MINI_TALK = (140, 115)
+
+
+def talk(main, practice, sound):
+    """Returns once the radio check has come back."""
+    with contextlib.ExitStack() as stack:
+        folder = stack.enter_context(tempfile.TemporaryDirectory())
+        words = f'{folder}/words.wav'
+        subprocess.run(['opusdec', '--quiet', '--rate', '48000', found_words.SPEECH / 'radio-check.opus', words], check=True)
+        with sound.record('spk_a', f'{folder}/headphone.wav'):
+            hear_tower(main, practice)
+            check_radio(main, practice, lambda: sound.saying(words))
+            time.sleep(0.5)  # what is still in the devices
+        subprocess.run(['flac', '--silent', '--force', '-o', RECORDING, f'{folder}/headphone.wav'], check=True)
+        print('\nFound in the headphone (seconds, correlation, words):', flush=True)
+        heard = found_words.read(f'{folder}/headphone.wav')
+        if not found_words.report(heard, ['tower-greeting', 'radio-check']):
+            raise Failure('not every word was found in the headphone')
+
+
+def hear_tower(main, practice):
+    main.open_page(VOICE_ITEM)
+    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'voice .*SERVER:.*:Welcome'))
+    speaks = practice.wait_for('ZBAA_TWR speaks on 118.500')
+    picture('11-hearing-the-tower')
+    practice.wait_for('ZBAA_TWR has spoken on 118.500', start=speaks)
+
+
+def check_radio(main, practice, saying):
+    practice.order('tune', frequency=RADIO_CHECK)
+    tuned = practice.wait_for(f'{RADIO_CHECK}:1')
+    main.click(MINI_BUTTON, until=mini_window)
+    with held(mini_window(), MINI_TALK):
+        practice.wait_for('speaks on 122.800', start=tuned)
+        with saying():
+            picture('12-mini-window-sending')
+    speaks = practice.wait_for('RADIO_CHECK speaks on 122.800', start=tuned)
+    picture('13-mini-window-radio-check')
+    practice.wait_for('RADIO_CHECK has spoken on 122.800', start=speaks)
+
+
+def mini_window():
+    """The mini window has the title of the page and no frame."""
+    return window(MINI_TITLE)
+
+
+@contextlib.contextmanager
+def held(identity, point):
+    """Holds the mouse button down on a point of a window, which doesn't take the keyboard."""
+    xdotool('mousemove', '--window', identity, *point)
+    xdotool('mousedown', 1)
+    try:
+        yield
+    finally:
+        xdotool('mouseup', 1)
