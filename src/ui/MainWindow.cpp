@@ -61,6 +61,8 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
       m_audioDevice(config, soundThreadOf(m_network)),
       m_server(icao),
       m_voice(voiceClientOf(m_network), m_ptt, m_audioDevice, config),
+      m_settings(config, api, endpoints),
+      m_voiceSettings(config, m_audioDevice, m_ptt),
       m_account(api, m_dashboard)
 {
     setWindowTitle(tr("TARVO Client - 控制面板"));
@@ -124,6 +126,8 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
     pages->setContextProperty(QStringLiteral("voiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("voiceServiceBackend"), &m_voice);
+    pages->setContextProperty(QStringLiteral("settingsBackend"), &m_settings);
+    pages->setContextProperty(QStringLiteral("voiceSettingsBackend"), &m_voiceSettings);
 }
 
 void MainWindow::connectRequests()

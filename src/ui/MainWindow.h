@@ -8,8 +8,10 @@
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
+#include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
+#include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/engine/AudioDevice.h"
 
 #include <QMainWindow>
@@ -112,6 +114,8 @@ private:
     ServerPageViewModel m_server;
     MessagesPageViewModel m_messages;
     VoiceServiceViewModel m_voice;
+    viewmodel::SettingsViewModel m_settings;
+    viewmodel::VoiceSettingsViewModel m_voiceSettings;
     AccountFeed m_account;
     SoundPlayer m_sounds;
     std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session

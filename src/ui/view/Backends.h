@@ -4,8 +4,10 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/PlotLabels.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
+#include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
+#include "ui/viewmodel/VoiceSettingsViewModel.h"
 
 #include <QtQml/qqml.h>
 
@@ -29,6 +31,8 @@ TARVO_BACKEND(ServerBackend, ServerPageViewModel)
 TARVO_BACKEND(MessagesBackend, MessagesPageViewModel)
 TARVO_BACKEND(PlotLabelsBackend, PlotLabels)
 TARVO_BACKEND(VoiceServiceBackend, VoiceServiceViewModel)
+TARVO_BACKEND(SettingsBackend, viewmodel::SettingsViewModel)
+TARVO_BACKEND(VoiceSettingsBackend, viewmodel::VoiceSettingsViewModel)
 
 } // namespace tarvo::ui
 

@@ -14,6 +14,8 @@ Rectangle {
     readonly property ServerBackend server: typeof serverBackend === "undefined" ? null : serverBackend
     readonly property MessagesBackend messages: typeof messagesBackend === "undefined" ? null : messagesBackend
     readonly property VoiceServiceBackend voice: typeof voiceBackend === "undefined" ? null : voiceBackend
+    readonly property SettingsBackend settings: typeof settingsBackend === "undefined" ? null : settingsBackend
+    readonly property VoiceSettingsBackend voiceSettings: typeof voiceSettingsBackend === "undefined" ? null : voiceSettingsBackend
     // qmllint enable unqualified
 
     signal logoutRequested()
@@ -46,6 +48,8 @@ Rectangle {
             server: rootWindow.server // qmllint disable unqualified
             messages: rootWindow.messages // qmllint disable unqualified
             voice: rootWindow.voice // qmllint disable unqualified
+            settings: rootWindow.settings // qmllint disable unqualified
+            voiceSettings: rootWindow.voiceSettings // qmllint disable unqualified
             onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }
     }

@@ -76,6 +76,7 @@ private slots:
         QTest::newRow("server") << u"server"_qs;
         QTest::newRow("voice") << u"voice"_qs;
         QTest::newRow("messages") << u"messages"_qs;
+        QTest::newRow("settings") << u"settings"_qs;
     }
 
     void withoutBackendsTheSectionsShowPlaceholders()
@@ -88,6 +89,8 @@ private slots:
                                    {u"server"_qs, QVariant::fromValue(nullptr)},
                                    {u"messages"_qs, QVariant::fromValue(nullptr)},
                                    {u"voice"_qs, QVariant::fromValue(nullptr)},
+                                   {u"settings"_qs, QVariant::fromValue(nullptr)},
+                                   {u"voiceSettings"_qs, QVariant::fromValue(nullptr)},
                                    {u"currentSection"_qs, section}});
         view.setSource(QUrl(u"qrc:/src/ui/view/pages/MainDashboard.qml"_qs));
         QVERIFY(view.rootObject());

@@ -1,6 +1,5 @@
 #include "PageHarness.h"
 
-#include "input/NoInputSource.h"
 #include "model/RadioStackState.h"
 
 #include <QDir>
@@ -54,10 +53,10 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
       m_icao(m_config),
       m_dashboard(nullptr, m_clock),
       m_server(m_icao, nullptr, m_clock),
-      m_messages(nullptr, m_clock),
-      m_pttHandler(std::make_unique<input::NoInputSource>())
+      m_messages(nullptr, m_clock)
 {
     m_icao.ensureLoaded();
+    readDevices(); // the pages ask no sound system
     m_dashboard.setCurrentMode(mode);
     m_server.setCurrentMode(mode);
     QObject::connect(view.engine(), &QQmlEngine::warnings, view.engine(), [this](const QList<QQmlError> &errors) {
@@ -71,6 +70,8 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
         view.rootContext()->setContextProperty(u"messagesBackend"_qs, present ? &m_messages : nullptr);
         view.rootContext()->setContextProperty(u"simulatorBackend"_qs, present ? &m_simulator : nullptr);
         view.rootContext()->setContextProperty(u"voiceBackend"_qs, present ? &m_voice : nullptr);
+        view.rootContext()->setContextProperty(u"settingsBackend"_qs, present ? &m_settings : nullptr);
+        view.rootContext()->setContextProperty(u"voiceSettingsBackend"_qs, present ? &m_voiceSettings : nullptr);
     }
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl(u"qrc:/src/ui/view/Dashboard.qml"_qs));
@@ -226,6 +227,25 @@ void PageHarness::fillVoice()
         m_clock.advance(20);
         emit m_voiceClient.voiceDataReceived(u"ZBAA_ATIS"_qs, 127600, {-9.4F, 90});
     }
+}
+
+void PageHarness::readDevices()
+{
+    m_config.set(config::voiceDriver, 8);
+    m_devices.onRead({{.index = 0, .type = 8, .name = "ALSA"}, {.index = 1, .type = 12, .name = "JACK"}},
+                     {{.index = 0, .name = "USB Headset", .hostApi = 0, .maxInputChannels = 1, .maxOutputChannels = 2},
+                      {.index = 1,
+                       .name = "High Definition Audio Controller of the other graphics card: HDMI 0 (hw:0,3)",
+                       .hostApi = 0,
+                       .maxOutputChannels = 2},
+                      {.index = 2, .name = "Studio", .hostApi = 1, .maxInputChannels = 2, .maxOutputChannels = 2}});
+}
+
+void PageHarness::fillVoiceSettings()
+{
+    readDevices();
+    m_input.names.insert(163, u"Control_R"_qs);
+    m_ptt.setBoundKey(u"kb:163"_qs);
 }
 
 void PageHarness::openSection(const QString &title)

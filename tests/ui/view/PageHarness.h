@@ -4,13 +4,17 @@
 #include "input/PttHandler.h"
 #include "input/PttService.h"
 #include "model/RemoteAircraft.h"
+#include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/ManualClock.h"
+#include "support/ScriptedInput.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
+#include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
+#include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/AudioDevice.h"
 #include "voice/engine/SoundThread.h"
@@ -48,6 +52,11 @@ public:
     ui::VoiceServiceViewModel &voice() { return m_voice; }
     /// What the voice page hears of; a test raises its signals.
     voice::VoiceClient &voiceClient() { return m_voiceClient; }
+    ui::viewmodel::SettingsViewModel &settings() { return m_settings; }
+    ui::viewmodel::VoiceSettingsViewModel &voiceSettings() { return m_voiceSettings; }
+    /// The keys and mouse buttons of the desktop.
+    ScriptedInput &input() { return m_input; }
+    AppConfig &config() { return m_config; }
     /// Everything that the QML engine has complained about.
     QStringList complaints() const { return m_complaints; }
 
@@ -60,6 +69,8 @@ public:
     void fillTraffic(int count);
     /// A voice session in which the tower speaks to the pilot.
     void fillVoice();
+    /// The devices anew, by the settings, and a key for push-to-talk.
+    void fillVoiceSettings();
     /// Opens the section with this title in the sidebar, by a click.
     void openSection(const QString &title);
 
@@ -84,6 +95,9 @@ public:
     QImage grab(const QString &name);
 
 private:
+    /// Two sound drivers, with some devices.
+    void readDevices();
+
     QTemporaryDir m_folder;
     AppConfig m_config;
     network::SwiftAircraftIcaoService m_icao;
@@ -92,12 +106,16 @@ private:
     ui::ServerPageViewModel m_server;
     ui::MessagesPageViewModel m_messages;
     ui::SimulatorPageViewModel m_simulator;
-    input::PttHandler m_pttHandler;
+    ScriptedInput m_input;
+    input::PttHandler m_pttHandler{m_input.source()};
     input::PttService m_ptt{m_pttHandler};
     std::shared_ptr<voice::SoundThread> m_sound = std::make_shared<voice::SoundThread>();
     voice::AudioDevice m_devices{m_config, m_sound};
     voice::VoiceClient m_voiceClient{m_config, m_sound};
     ui::VoiceServiceViewModel m_voice{&m_voiceClient, m_ptt, m_devices, m_config, nullptr, m_clock};
+    network::ApiService m_api{m_config};
+    ui::viewmodel::SettingsViewModel m_settings{m_config, m_api, {}};
+    ui::viewmodel::VoiceSettingsViewModel m_voiceSettings{m_config, m_devices, m_ptt};
     QStringList m_complaints;
 
 public:

@@ -1,4 +1,5 @@
 #include "PageHarness.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QJSValue>
@@ -19,9 +20,9 @@ private slots:
         QTest::addColumn<QSize>("size");
         const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
         const char *const pages[] = {
-            "modes",        "overview",  "overview-offline",  "overview-failed", "server",          "server-connected",
-            "server-error", "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd", "voice",
-            "voice-offline"};
+            "modes",         "overview",  "overview-offline",  "overview-failed", "server",          "server-connected",
+            "server-error",  "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd", "voice",
+            "voice-offline", "settings",  "settings-wrong"};
         for (const char *page : pages)
             for (const QSize &size : sizes)
                 QTest::addRow("%s %dx%d", page, size.width(), size.height()) << QString::fromLatin1(page) << size;
@@ -50,8 +51,10 @@ private slots:
             harness.openSection(u"语音服务"_qs);
         if (page == QLatin1String("server-error"))
             harness.server().setCallsign(u"呼号 有空格"_qs);
+        if (page.startsWith(QLatin1String("settings")))
+            showSettings(harness, page.endsWith(QLatin1String("wrong")));
         QVERIFY(!harness.grab(u"%1-%2"_qs.arg(page).arg(size.width())).isNull());
-        for (const QString &name : {u"simulatorScroll"_qs, u"voiceScroll"_qs}) {
+        for (const QString &name : {u"simulatorScroll"_qs, u"voiceScroll"_qs, u"settingsScroll"_qs}) {
             QQuickItem *scroll = harness.item(name);
             if (!scroll)
                 continue;
@@ -85,6 +88,29 @@ private:
             harness.fillTraffic(page.endsWith(QLatin1String("crowd")) ? 300 : 6);
         }
         harness.openSection(u"模拟器"_qs);
+    }
+
+    static void showSettings(PageHarness &harness, bool wrong)
+    {
+        if (wrong)
+            harness.config().set(tarvo::config::voiceInputDevice, u"A microphone that was here yesterday (hw:7,1)"_qs);
+        harness.fillVoiceSettings();
+        harness.settings().setProperty("username", u"1001"_qs);
+        harness.settings().setProperty("password", u"practice"_qs);
+        harness.settings().setProperty("realname", u"欧阳靖远"_qs);
+        if (wrong) {
+            harness.settings().setUdpPortText(u"490000"_qs);
+            harness.settings().setProperty(
+                "xplaneCslPathsText",
+                u"/home/pilot/X-Plane 12/Resources/plugins/CSL/Bluebell_with_a_very_long_name\n/nowhere"_qs);
+            harness.settings().setProperty("msfsCommunityPath2024", u"D:/Community"_qs);
+            harness.voiceSettings().startPttListening();
+        } else {
+            harness.settings().saveAll();
+        }
+        harness.openSection(u"设置"_qs);
+        if (wrong)
+            TRY_COMPARE(harness.settings().hints().size(), 3);
     }
 
     static bool isWhole(QQuickItem *text)

@@ -11,6 +11,8 @@ Item {
     required property ServerBackend server
     required property MessagesBackend messages
     required property VoiceServiceBackend voice
+    required property SettingsBackend settings
+    required property VoiceSettingsBackend voiceSettings
     property string currentSection: "dashboard"
 
     signal logoutRequested()
@@ -44,7 +46,8 @@ Item {
             { key: "simulator", title: qsTr("模拟器") },
             { key: "server", title: qsTr("服务器") },
             { key: "voice", title: qsTr("语音服务") },
-            { key: "messages", title: qsTr("消息") }
+            { key: "messages", title: qsTr("消息") },
+            { key: "settings", title: qsTr("设置") }
         ]
         onSectionRequested: key => main.currentSection = key
         onLogoutRequested: main.logoutRequested()
@@ -62,7 +65,8 @@ Item {
             simulator: simulatorSection,
             server: serverSection,
             voice: voiceSection,
-            messages: messagesSection
+            messages: messagesSection,
+            settings: settingsSection
         })[main.currentSection] ?? overviewSection
     }
 
@@ -97,5 +101,14 @@ Item {
         id: messagesSection
 
         MessagesPage { messages: main.messages } // qmllint disable unqualified
+    }
+
+    Component {
+        id: settingsSection
+
+        SettingsPage {
+            settings: main.settings // qmllint disable unqualified
+            voice: main.voiceSettings // qmllint disable unqualified
+        }
     }
 }
