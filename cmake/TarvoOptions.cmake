@@ -15,6 +15,7 @@ endif()
 
 option(TARVO_WERROR "Treat warnings as errors" OFF)
 option(TARVO_BUILD_PRACTICE "Build the practice network; the tests need it" ON)
+option(TARVO_WITHOUT_PAGES "Only modules that know nothing of pages and simulators, and their tests: for a Qt without Quick" OFF)
 option(TARVO_BUILD_BENCH "Build the benchmarks" OFF)
 option(TARVO_UNITY_TESTS "Compile the files of a test program together: half the time for all, longer for one" OFF)
 option(TARVO_BUILD_FUZZ "Build the libFuzzer targets (needs clang)" OFF)
