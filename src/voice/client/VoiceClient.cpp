@@ -20,18 +20,15 @@ VoiceClient::VoiceClient(AppConfig &config, std::shared_ptr<SoundThread> sound, 
                          const common::Clock &clock, QObject *parent)
     : QObject(parent), m_config(config), m_sound(std::move(sound)), m_clock(clock), m_network(endpoints)
 {
-    m_connecting.setMaxThreadCount(1);
     connect(&m_network, &NetworkHandler::socketStateChanged, this, &VoiceClient::onSocketState);
     connect(&m_network, &NetworkHandler::controlMessageReceived, this, &VoiceClient::onControlMessage);
     connect(&m_network, &NetworkHandler::voicePacketReceived, this, &VoiceClient::onVoicePacket);
-    connect(&m_network, &NetworkHandler::errorOccurred, this, &VoiceClient::errorOccurred);
+    connect(&m_network, &NetworkHandler::errorOccurred, this, &VoiceClient::onError);
 }
 
 VoiceClient::~VoiceClient()
 {
-    m_connecting.clear();
     m_network.stop(); // an attempt that is under way returns soon
-    m_connecting.waitForDone();
 }
 
 void VoiceClient::setCid(quint32 cid)
@@ -55,22 +52,17 @@ void VoiceClient::setState(ConnectionState state)
 
 void VoiceClient::connectToServer(const QString &token)
 {
-    const quint64 generation = m_network.generation();
-    if (m_trying == generation)
+    if (m_isTrying)
         return;
-    m_trying = generation;
-    m_connecting.start([this, token, generation] {
-        m_network.connectToServer(token, generation);
-        const auto tell = [this, generation] { onTried(generation); };
-        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
-    });
+    m_connecting.clear(); // of attempts that were called off before they began
+    m_isTrying = m_connecting.post(m_network.attempt(token));
     setState(ConnectionState::Connecting);
 }
 
-void VoiceClient::onTried(quint64 generation)
+void VoiceClient::onError(const QString &error)
 {
-    if (m_trying == generation)
-        m_trying.reset();
+    m_isTrying = false;
+    emit errorOccurred(error);
 }
 
 void VoiceClient::disconnectFromServer()
@@ -85,6 +77,7 @@ void VoiceClient::disconnectFromServer()
 void VoiceClient::onSocketState(bool connected)
 {
     ++m_session;
+    m_isTrying = false;
     m_isStarting = false;
     setState(connected ? ConnectionState::Connected : ConnectionState::Disconnected);
 }

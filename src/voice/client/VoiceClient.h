@@ -3,6 +3,7 @@
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
 #include "common/VolumeInfo.h"
+#include "common/Worker.h"
 #include "voice/client/ConnectionState.h"
 #include "voice/client/Speakers.h"
 #include "voice/client/TransmitterTable.h"
@@ -10,7 +11,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QThreadPool>
 
 #include <cstdint>
 #include <memory>
@@ -84,7 +84,7 @@ signals:
 
 private:
     void setState(ConnectionState state);
-    void onTried(quint64 generation);
+    void onError(const QString &error);
     void onSocketState(bool connected);
     void onControlMessage(const ControlMessage &message);
     void onMessage(const std::string &data);
@@ -103,10 +103,10 @@ private:
     quint32 m_cid = 0;
     std::string m_callsign;
     NetworkHandler m_network;
-    QThreadPool m_connecting;        ///< of one thread: one attempt at a time
-    std::optional<quint64> m_trying; ///< the network's generation of the attempt that is under way
-    quint64 m_session = 0;           ///< counts the connections
-    bool m_isStarting = false;       ///< the streams of this connection are being opened
+    common::Worker m_connecting{"voice connect", 1};
+    bool m_isTrying = false;   ///< an attempt is under way
+    quint64 m_session = 0;     ///< counts the connections
+    bool m_isStarting = false; ///< the streams of this connection are being opened
 
     TransmitterTable m_transmitters;
     Speakers m_speakers;

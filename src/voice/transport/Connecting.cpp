@@ -89,7 +89,7 @@ void reachUdp(const Peer &connection, const ServiceEndpoints &endpoints)
 
 } // namespace
 
-void reachServer(const Peer &connection, const ServiceEndpoints &endpoints, std::string_view token)
+void reachServer(const Peer &connection, const ServiceEndpoints &endpoints)
 {
     if (connection->isOver())
         return;
@@ -100,7 +100,7 @@ void reachServer(const Peer &connection, const ServiceEndpoints &endpoints, std:
     reachUdp(connection, endpoints);
     if (connection->isOver()) // the token goes nowhere any more
         return;
-    connection->open(token);
+    connection->open();
     note(connection, QStringLiteral("Authentication information sent"));
     connection->sendPacket(connection->identity().keepAlivePacket());
     connection->say(report::Established());

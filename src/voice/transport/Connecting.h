@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 namespace tarvo {
 struct ServiceEndpoints;
@@ -12,8 +11,7 @@ namespace tarvo::voice {
 class Connection;
 
 /// Reaches the voice server over both sockets and signs in: leaves Established or Failed in the connection's inbox.
-/// Blocks, and ends soon once the connection has been ended. `token` is secret: the server alone gets it.
-void reachServer(const std::shared_ptr<Connection> &connection, const ServiceEndpoints &endpoints,
-                 std::string_view token);
+/// Blocks, and ends soon once the connection has been ended.
+void reachServer(const std::shared_ptr<Connection> &connection, const ServiceEndpoints &endpoints);
 
 } // namespace tarvo::voice

@@ -14,32 +14,29 @@ namespace tarvo::voice {
 
 namespace {
 
+/// A token is longer than any word that a server might say by itself.
+constexpr std::size_t shortestToken = 16;
+
 /// No datagram holds more.
 constexpr std::size_t largestPayload = 65507;
 
-/// The parser's message without what it read, which may be anything: our token, or 64 KiB.
+/// The parser's message without what it read, which may be anything: a part of our token, or 64 KiB.
 QString reasonOf(const nlohmann::json::exception &exception)
 {
     const QString message = QString::fromUtf8(exception.what());
     return common::excerpt(message.left(message.indexOf(QLatin1String("; last read"))));
 }
 
-Report reportOf(std::string_view line)
-{
-    try {
-        return parseControlMessage(line);
-    } catch (const nlohmann::json::exception &exception) {
-        return report::BadLine{reasonOf(exception)};
-    }
-}
-
 } // namespace
 
-Connection::Connection(std::shared_ptr<Identity> identity) : m_identity(std::move(identity)) {}
-
-void Connection::open(std::string_view token)
+Connection::Connection(std::shared_ptr<Identity> identity, std::string token)
+    : m_identity(std::move(identity)), m_token(std::move(token))
 {
-    m_lines.send(std::string(token) + '\n');
+}
+
+void Connection::open()
+{
+    m_lines.send(m_token + '\n');
     m_isOpen = true;
 }
 
@@ -110,12 +107,26 @@ void Connection::receiveLines()
             break;
         buffer.add(static_cast<std::size_t>(size));
         while (const std::optional<std::string_view> line = buffer.next())
-            tellOwner(m_inbox.putLine(reportOf(*line)));
+            tellOwner(m_inbox.putLine(read(*line)));
     }
     if (m_isEnded)
         return;
     tell([this] { m_isLost = true; });
     say(report::Lost{});
+}
+
+Report Connection::read(std::string_view line) const
+{
+    try {
+        if (m_token.size() < shortestToken || line.find(m_token) == std::string_view::npos)
+            return parseControlMessage(line);
+        std::string scrubbed(line);
+        for (auto at = scrubbed.find(m_token); at != std::string::npos; at = scrubbed.find(m_token))
+            scrubbed.replace(at, m_token.size(), "***");
+        return parseControlMessage(scrubbed);
+    } catch (const nlohmann::json::exception &exception) {
+        return report::BadLine{reasonOf(exception)};
+    }
 }
 
 void Connection::receivePackets()

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 namespace tarvo::common {
@@ -29,15 +30,16 @@ class Connection : public QObject
     Q_OBJECT
 
 public:
-    explicit Connection(std::shared_ptr<Identity> identity);
+    /// `token` is secret: the server alone gets it. What the server says back of it reaches nobody.
+    Connection(std::shared_ptr<Identity> identity, std::string token);
 
     const Identity &identity() const { return *m_identity; }
     Socket &tcp() { return m_tcp; }
     Socket &udp() { return m_udp; }
     Inbox &inbox() { return m_inbox; }
 
-    /// From now on the pilot's lines and packets are sent; until then they are dropped. `token` goes before them all.
-    void open(std::string_view token);
+    /// Sends the token. From now on the pilot's lines and packets are sent, too; until then they are dropped.
+    void open();
     /// Ends all that waits or receives here. From any thread.
     void end();
     /// True when it was ended, by end() or by the server.
@@ -65,9 +67,11 @@ signals:
     void inboxFilled();
 
 private:
+    Report read(std::string_view line) const;
     void tellOwner(bool isNews);
 
     const std::shared_ptr<Identity> m_identity;
+    const std::string m_token;
     Socket m_tcp;
     Socket m_udp;
     LineSender m_lines{m_tcp};

@@ -58,7 +58,16 @@ NetworkHandler::~NetworkHandler()
 
 std::function<void()> NetworkHandler::attempt(const QString &token)
 {
-    return taskOf(begin(std::nullopt), token);
+    const auto connection = std::make_shared<Connection>(m_identity, token.toStdString());
+    connect(connection.get(), &Connection::inboxFilled, &m_nextTurn, qOverload<>(&QTimer::start), Qt::QueuedConnection);
+    Shared before;
+    {
+        const std::lock_guard lock(m_mutex);
+        before = std::exchange(m_current, connection);
+    }
+    if (before)
+        before->end();
+    return [connection, endpoints = m_endpoints] { reachServer(connection, endpoints); };
 }
 
 void NetworkHandler::connectToServer(const QString &token)
@@ -66,22 +75,9 @@ void NetworkHandler::connectToServer(const QString &token)
     attempt(token)();
 }
 
-void NetworkHandler::connectToServer(const QString &token, quint64 generation)
-{
-    if (const Shared connection = begin(generation))
-        taskOf(connection, token)();
-}
-
-quint64 NetworkHandler::generation() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_generation;
-}
-
 void NetworkHandler::disconnectFromServer()
 {
     sendControlMessage(m_identity->disconnect());
-    countStop();
     const Shared connection = current();
     emit socketStateChanged(false);
     end(connection); // and none that a receiver has begun
@@ -90,7 +86,6 @@ void NetworkHandler::disconnectFromServer()
 
 void NetworkHandler::stop()
 {
-    countStop();
     end(current());
 }
 
@@ -120,37 +115,6 @@ NetworkHandler::Shared NetworkHandler::current() const
 {
     const std::lock_guard lock(m_mutex);
     return m_current;
-}
-
-/// Puts a new attempt in the place of whatever there was. Null when somebody has stopped since that generation.
-NetworkHandler::Shared NetworkHandler::begin(std::optional<quint64> generation)
-{
-    auto connection = std::make_shared<Connection>(m_identity);
-    connect(connection.get(), &Connection::inboxFilled, &m_nextTurn, qOverload<>(&QTimer::start), Qt::QueuedConnection);
-    Shared before;
-    {
-        const std::lock_guard lock(m_mutex);
-        if (generation && *generation != m_generation)
-            return nullptr;
-        before = std::exchange(m_current, connection);
-    }
-    if (before)
-        before->end();
-    return connection;
-}
-
-/// Owns all that it uses.
-std::function<void()> NetworkHandler::taskOf(const Shared &connection, const QString &token) const
-{
-    return [connection, endpoints = m_endpoints, secret = token.toStdString()] {
-        reachServer(connection, endpoints, secret);
-    };
-}
-
-void NetworkHandler::countStop()
-{
-    const std::lock_guard lock(m_mutex);
-    ++m_generation;
 }
 
 void NetworkHandler::end(const Shared &connection)

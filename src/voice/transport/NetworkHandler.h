@@ -15,7 +15,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -54,15 +53,11 @@ public:
 
     /// Begins an attempt, which takes the place of whatever there was, and gives the rest of it: a task for another
     /// thread, which looks the server up, connects and signs in with the access token. It blocks, ends soon after
-    /// stop(), also when it is begun later, and may outlive the handler. How it went comes as a signal.
+    /// stop(), also when it is begun later, and may outlive the handler. How it went comes as socketStateChanged(true)
+    /// or errorOccurred(), unless it was stopped or another has taken its place.
     std::function<void()> attempt(const QString &token);
     /// The whole of it. Blocks, and may be called on any thread.
     void connectToServer(const QString &token);
-    /// The same for a pilot who asked when `generation` was the present one: nothing when he has been disconnected
-    /// since.
-    void connectToServer(const QString &token, quint64 generation);
-    /// Counts the stops.
-    quint64 generation() const;
     /// Tells the server, raises socketStateChanged(false) and stops.
     void disconnectFromServer();
     /// Ends the connection, or the attempt, without a word. Waits for no more than threads that are about to end.
@@ -89,9 +84,6 @@ private:
     using Shared = std::shared_ptr<Connection>;
 
     Shared current() const;
-    Shared begin(std::optional<quint64> generation);
-    std::function<void()> taskOf(const Shared &connection, const QString &token) const;
-    void countStop();
     void end(const Shared &connection);
     void startThreads(const Shared &connection);
     void handleReports();
@@ -109,9 +101,8 @@ private:
     const std::chrono::milliseconds m_keepAliveInterval;
     const std::shared_ptr<Identity> m_identity;
 
-    mutable std::mutex m_mutex; ///< guards the next two
+    mutable std::mutex m_mutex; ///< guards the next
     Shared m_current;           ///< the connection, or the attempt, that counts
-    quint64 m_generation = 0;
 
     std::unique_ptr<Threads> m_threads; ///< of the connection, or of one that has ended
     QTimer m_nextTurn{this};            ///< runs out at once; a timer, which lets sockets and windows have theirs

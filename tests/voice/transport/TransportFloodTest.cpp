@@ -86,7 +86,7 @@ private slots:
         } while (flooding.goesOn() && log.startingWith(told).isEmpty());
         QCOMPARE(log.startingWith(told).size(), 1);
         session.peer.inject(messageLine("end"));
-        TRY_COMPARE(session.order().last(), u"line end"_qs);
+        TRY_VERIFY(session.order().contains(u"line end"_qs));
     }
 
     void theEventLoopTurnsInAFlood_data()
