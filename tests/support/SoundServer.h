@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -69,9 +70,12 @@ public:
 
     /// All that was heard until now.
     const std::vector<float> &samples();
+    /// When the first of them sounded, in seconds of the steady clock; the better, the more often samples() was called.
+    double startTime() const { return m_startTime; }
 
 private:
     QProcess m_process;
+    double m_startTime = std::numeric_limits<double>::max();
     QByteArray m_rest; ///< less than a sample
     std::vector<float> m_samples;
 };

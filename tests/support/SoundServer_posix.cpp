@@ -6,6 +6,8 @@
 
 #include <sys/prctl.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <utility>
@@ -123,7 +125,12 @@ bool SoundServer::start()
     });
     control({QStringLiteral("set-default-sink"), QStringLiteral("spk_a")});
     control({QStringLiteral("set-default-source"), QStringLiteral("mic_a")});
-    return isUp && m_process->state() == QProcess::Running;
+    if (isUp && m_process->state() == QProcess::Running)
+        return true;
+    QFile log(path("server.log"));
+    if (log.open(QIODevice::ReadOnly))
+        qWarning("%s", log.readAll().constData());
+    return false;
 }
 
 void SoundServer::kill()
@@ -190,8 +197,12 @@ const std::vector<float> &SoundRecorder::samples()
     const auto whole = static_cast<std::size_t>(m_rest.size()) / sizeof(float);
     const std::size_t before = m_samples.size();
     m_samples.resize(before + whole);
-    std::memcpy(m_samples.data() + before, m_rest.constData(), whole * sizeof(float));
+    if (whole > 0)
+        std::memcpy(m_samples.data() + before, m_rest.constData(), whole * sizeof(float));
     m_rest.remove(0, static_cast<qsizetype>(whole * sizeof(float)));
+    const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
+    if (whole > 0)
+        m_startTime = std::min(m_startTime, now.count() - static_cast<double>(m_samples.size()) / soundRate);
     return m_samples;
 }
 

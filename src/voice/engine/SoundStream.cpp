@@ -8,12 +8,26 @@
 #include <portaudio.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <mutex>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace tarvo::voice {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A stream that lives wants a buffer every 20 ms. One that doesn't can't be stopped: a sound server that is stopped
+// keeps whoever tries waiting, and PortAudio 19.6 may overlook the end of a stream that ends together with another,
+// whose thread then goes round for good.
+constexpr std::chrono::milliseconds longestGap{1000};
+constexpr std::chrono::milliseconds longestWait{300};
+
+} // namespace
 
 /// What PortAudio's threads use of a stream.
 struct SoundStream::Calls
@@ -26,13 +40,17 @@ struct SoundStream::Calls
     PaStream *stream = nullptr;        ///< null once it is closed
     std::atomic<bool> isWanted = true; ///< false when its end is our doing
     std::atomic<const char *> priority = nullptr;
+    std::atomic<Clock::time_point> lastBuffer = Clock::time_point();
     std::atomic<int> buffers = 0;
     std::atomic<int> lost = 0; ///< how often the device had to wait for us, or we lost what it had
 
     static int onBuffer(const void *input, void *output, unsigned long frames, const PaStreamCallbackTimeInfo *,
                         PaStreamCallbackFlags flags, void *calls)
     {
-        static_cast<Calls *>(calls)->handle(input, output, frames, flags);
+        auto &self = *static_cast<Calls *>(calls);
+        if (!self.isWanted)
+            return paAbort; // one that was left behind
+        self.handle(input, output, frames, flags);
         return paContinue;
     }
 
@@ -47,6 +65,7 @@ struct SoundStream::Calls
     {
         if (!priority)
             priority = raiseAudioPriority();
+        lastBuffer = Clock::now();
         ++buffers;
         if (flags & (paInputOverflow | paOutputUnderflow))
             ++lost;
@@ -55,6 +74,15 @@ struct SoundStream::Calls
             play({static_cast<float *>(output), samples});
         if (capture && input)
             capture({static_cast<const std::int16_t *>(input), samples});
+    }
+
+    /// Waits for the next buffer; false when it doesn't come.
+    bool lives() const
+    {
+        const int before = buffers;
+        for (int i = 0; i < longestWait.count() && buffers == before; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return buffers != before;
     }
 
     bool isInput() const { return capture != nullptr; }
@@ -140,18 +168,27 @@ bool SoundStream::start()
         m_calls->stream = nullptr;
         return false;
     }
+    m_calls->lastBuffer = Clock::now();
     qDebug().nospace() << m_calls->name << ": started";
+    const PaStreamInfo *info = Pa_GetStreamInfo(m_calls->stream);
+    const double latency = info ? info->inputLatency + info->outputLatency : 0; // one of them is 0
+    qDebug().nospace() << m_calls->name << ": latency " << 1000 * latency << " ms";
     return true;
 }
 
 bool SoundStream::isActive() const
 {
-    return m_calls->stream && Pa_IsStreamActive(m_calls->stream) == 1;
+    return Pa_IsStreamActive(m_calls->stream) == 1 && Clock::now() - m_calls->lastBuffer.load() < longestGap;
 }
 
 void SoundStream::close()
 {
     Calls &calls = *m_calls;
+    if (Pa_IsStreamActive(calls.stream) == 1 && !calls.lives()) {
+        calls.isWanted = false;
+        qWarning().nospace() << calls.name << ": the sound system doesn't answer, the stream is left behind";
+        return;
+    }
     calls.isWanted = false;
     Pa_StopStream(calls.stream);
     Pa_CloseStream(calls.stream);

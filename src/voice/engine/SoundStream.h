@@ -21,8 +21,8 @@ public:
     static std::unique_ptr<SoundStream> openInput(const AudioStreamConfig &config, Capture capture);
     static std::unique_ptr<SoundStream> openOutput(const AudioStreamConfig &config, Play play);
 
-    /// A stream that is not closed goes on, and what it calls is kept to the program's end: PortAudio may hang, and so
-    /// only close() calls it.
+    /// A stream that is not closed, or can't be, is left behind, and what it calls is kept to the program's end.
+    /// PortAudio may hang, and so only close() calls it.
     ~SoundStream();
     SoundStream(const SoundStream &) = delete;
     SoundStream &operator=(const SoundStream &) = delete;
@@ -31,7 +31,7 @@ public:
     bool start();
     /// False before the start, and once the sound system has ended it, such as a sound server that was killed.
     bool isActive() const;
-    /// Stops and closes it. Nothing is called any more after this.
+    /// Stops and closes it; one that doesn't answer is left behind, as the log tells. Nothing is called any more.
     void close();
 
 private:

@@ -24,6 +24,8 @@ public:
     bool post(common::Worker::Task task);
     /// Waits until there is nothing left to do; false when it takes longer.
     bool waitUntilIdle(std::chrono::milliseconds longest) const { return m_worker.waitUntilIdle(longest); }
+    /// Forgets the tasks that have not begun; for tests that are to go without PortAudio.
+    void clear() { m_worker.clear(); }
 
 private:
     void look();

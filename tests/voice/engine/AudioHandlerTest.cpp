@@ -14,25 +14,37 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 #include <limits>
+#include <optional>
 
 using namespace tarvo;
 using namespace tarvo::voice;
 
 namespace {
 
-/// An engine whose outputs play into memory.
+/// An engine whose outputs play into memory. Its sound thread is held from the beginning, so that no device is touched.
 struct EngineStage
 {
     EngineStage()
     {
-        audio.headphoneStream().setPlayback(headphone);
-        audio.speakerStream().setPlayback(speaker);
+        sound->post([held = end.get_future().share()] { held.wait(); });
+        audio.emplace(config, sound);
+        audio->headphoneStream().setPlayback(headphone);
+        audio->speakerStream().setPlayback(speaker);
+    }
+    ~EngineStage()
+    {
+        audio.reset();
+        sound->clear();
+        end.set_value();
     }
 
     QTemporaryDir folder;
     AppConfig config{folder.path()};
-    AudioHandler audio{config, std::make_shared<SoundThread>()};
+    std::promise<void> end;
+    std::shared_ptr<SoundThread> sound = std::make_shared<SoundThread>();
+    std::optional<AudioHandler> audio;
     std::shared_ptr<VoicePlayback> headphone = std::make_shared<VoicePlayback>(AudioStreamConfig{});
     std::shared_ptr<VoicePlayback> speaker = std::make_shared<VoicePlayback>(
         AudioStreamConfig{.sampleRate = 48000, .channels = 1, .framesPerBuffer = 960, .device = {}});
@@ -108,10 +120,10 @@ private slots:
         QFETCH(bool, conflictOnSpeaker);
         EngineStage stage;
         stage.config.set(config::voiceConflictPlayDevice, conflictOnSpeaker ? 1 : 0);
-        QSignalSpy meter(&stage.audio, &AudioHandler::outputVolumeChanged);
+        QSignalSpy meter(&*stage.audio, &AudioHandler::outputVolumeChanged);
         const Transmitter radio{.id = 1, .receive = receive, .volume = volume, .useSpeaker = useSpeaker};
-        stage.audio.addChannel(radio);
-        stage.audio.playVoice(radio, loudPacket(), conflict);
+        stage.audio->addChannel(radio);
+        stage.audio->playVoice(radio, loudPacket(), conflict);
         QTEST(peak(*stage.headphone) > 0.1F, "inHeadphone");
         QTEST(peak(*stage.speaker) > 0.1F, "inSpeaker");
         QTEST(!meter.isEmpty(), "metered");
@@ -122,10 +134,10 @@ private slots:
         EngineStage stage;
         const Transmitter loud{.id = 0, .receive = true};
         const Transmitter quiet{.id = 1, .receive = true, .volume = 0.25F, .useSpeaker = true};
-        stage.audio.addChannel(loud);
-        stage.audio.addChannel(quiet);
-        stage.audio.playVoice(loud, loudPacket(), false);
-        stage.audio.playVoice(quiet, loudPacket(), false);
+        stage.audio->addChannel(loud);
+        stage.audio->addChannel(quiet);
+        stage.audio->playVoice(loud, loudPacket(), false);
+        stage.audio->playVoice(quiet, loudPacket(), false);
         const float whole = std::atanh(peak(*stage.headphone));
         const float quarter = std::atanh(peak(*stage.speaker));
         QVERIFY2(std::abs(quarter - whole / 4) < 0.02F, qPrintable(QStringLiteral("%1 %2").arg(quarter).arg(whole)));
@@ -137,7 +149,7 @@ private slots:
         const Transmitter radio{.receive = true};
         for (const double volume : {1.0, 0.5, 0.0}) {
             stage.config.set(config::voiceConflictVolume, volume);
-            stage.audio.playVoice(radio, {}, true);
+            stage.audio->playVoice(radio, {}, true);
             QVERIFY(std::abs(peak(*stage.headphone) - 0.3F * static_cast<float>(volume)) < 0.001F);
         }
     }
@@ -146,34 +158,34 @@ private slots:
     {
         EngineStage stage;
         Transmitter radio{.id = 1, .receive = true};
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->playVoice(radio, loudPacket(), false);
         QCOMPARE(peak(*stage.headphone), 0.0F); // there is none yet
-        stage.audio.addChannel(radio);
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->addChannel(radio);
+        stage.audio->playVoice(radio, loudPacket(), false);
         QVERIFY(peak(*stage.headphone) > 0.1F);
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->playVoice(radio, loudPacket(), false);
         radio.useSpeaker = true;
-        stage.audio.routeChannel(radio);
+        stage.audio->routeChannel(radio);
         QCOMPARE(peak(*stage.headphone), 0.0F); // what was to come there is lost
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->playVoice(radio, loudPacket(), false);
         QVERIFY(peak(*stage.speaker) > 0.1F);
-        stage.audio.removeChannel(1);
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->removeChannel(1);
+        stage.audio->playVoice(radio, loudPacket(), false);
         QCOMPARE(peak(*stage.speaker), 0.0F);
     }
 
     void openedStreamHasTheChannels()
     {
         EngineStage stage;
-        stage.audio.headphoneStream().setPlayback(nullptr);
+        stage.audio->headphoneStream().setPlayback(nullptr);
         const Transmitter radio{.id = 1, .receive = true};
-        stage.audio.addChannel(radio);
-        stage.audio.playVoice(radio, loudPacket(), false);
+        stage.audio->addChannel(radio);
+        stage.audio->playVoice(radio, loudPacket(), false);
         for (int i = 0; i < 2; ++i) { // also a second time, as after another device's choice
             const auto opened = std::make_shared<VoicePlayback>(AudioStreamConfig{});
-            stage.audio.headphoneStream().setPlayback(opened);
+            stage.audio->headphoneStream().setPlayback(opened);
             QCOMPARE(peak(*opened), 0.0F);
-            stage.audio.playVoice(radio, loudPacket(), false);
+            stage.audio->playVoice(radio, loudPacket(), false);
             QVERIFY(peak(*opened) > 0.1F);
         }
     }
@@ -195,7 +207,7 @@ private slots:
         QFETCH(bool, onSpeaker);
         EngineStage stage;
         stage.config.set(config::voicePttPlayDevice, onSpeaker ? 7 : 0); // anything but 0
-        stage.audio.playPttTone(pressed);
+        stage.audio->playPttTone(pressed);
         QTEST(periodOf(heardOf(onSpeaker ? *stage.speaker : *stage.headphone)), "period");
         QCOMPARE(peak(*stage.headphone), 0.0F); // 20 ms, and nowhere else
         QCOMPARE(peak(*stage.speaker), 0.0F);
@@ -206,13 +218,13 @@ private slots:
         EngineStage stage;
         stage.config.set(config::voicePttPressFreq, 441.0);
         stage.config.set(config::voicePttReleaseFreq, 882.0);
-        stage.audio.playPttTone(true);
+        stage.audio->playPttTone(true);
         QCOMPARE(periodOf(heardOf(*stage.headphone)), 100);
-        stage.audio.playPttTone(false);
+        stage.audio->playPttTone(false);
         QCOMPARE(periodOf(heardOf(*stage.headphone)), 50);
         for (const double volume : {1.0, 0.5, 0.0}) {
             stage.config.set(config::voicePttVolume, volume);
-            stage.audio.playPttTone(true);
+            stage.audio->playPttTone(true);
             QVERIFY(std::abs(peak(*stage.headphone) - 0.15F * static_cast<float>(volume)) < 0.001F);
         }
     }
@@ -220,8 +232,8 @@ private slots:
     void clickWithoutItsOutput()
     {
         EngineStage stage;
-        stage.audio.headphoneStream().setPlayback(nullptr);
-        stage.audio.playPttTone(true);
+        stage.audio->headphoneStream().setPlayback(nullptr);
+        stage.audio->playPttTone(true);
         QCOMPARE(peak(*stage.speaker), 0.0F);
     }
 
@@ -239,31 +251,31 @@ private slots:
     {
         QFETCH(double, stored);
         EngineStage stage;
-        QCOMPARE(stage.audio.inputStream().controls().micGainDb.load(), 0);
+        QCOMPARE(stage.audio->inputStream().controls().micGainDb.load(), 0);
         stage.config.set(config::voiceMicGain, stored);
-        QTEST(stage.audio.inputStream().controls().micGainDb.load(), "gain");
+        QTEST(stage.audio->inputStream().controls().micGainDb.load(), "gain");
     }
 
     void otherSettingsChangeNothing()
     {
         EngineStage stage;
         stage.config.set(config::voiceMicGain, 6.0);
-        stage.audio.inputStream().setMicGain(3);
+        stage.audio->inputStream().setMicGain(3);
         stage.config.set(config::profileRealname, QStringLiteral("Somebody"));
         stage.config.set(config::voicePttVolume, 0.5);
-        QCOMPARE(stage.audio.inputStream().controls().micGainDb.load(), 3);
-        stage.audio.reloadConfig();
-        QCOMPARE(stage.audio.inputStream().controls().micGainDb.load(), 6);
+        QCOMPARE(stage.audio->inputStream().controls().micGainDb.load(), 3);
+        stage.audio->reloadConfig();
+        QCOMPARE(stage.audio->inputStream().controls().micGainDb.load(), 6);
     }
 
     void gate()
     {
         EngineStage stage;
-        const CaptureControls &controls = stage.audio.inputStream().controls();
+        const CaptureControls &controls = stage.audio->inputStream().controls();
         QVERIFY(!controls.transmitEnabled);
-        stage.audio.setPttActive(true);
+        stage.audio->setPttActive(true);
         QVERIFY(controls.transmitEnabled);
-        stage.audio.setPttActive(false);
+        stage.audio->setPttActive(false);
         QVERIFY(!controls.transmitEnabled);
     }
 
@@ -271,11 +283,11 @@ private slots:
     {
         EngineStage stage;
         QStringList order;
-        QObject::connect(&stage.audio, &AudioHandler::inputVolumeChanged, &stage.audio,
+        QObject::connect(&*stage.audio, &AudioHandler::inputVolumeChanged, &*stage.audio,
                          [&](common::VolumeInfo volume) { order.append(QString::number(volume.percent)); });
-        QObject::connect(&stage.audio, &AudioHandler::encodedAudioReady, &stage.audio,
+        QObject::connect(&*stage.audio, &AudioHandler::encodedAudioReady, &*stage.audio,
                          [&](const std::vector<std::uint8_t> &bytes) { order.append(QString::number(bytes.size())); });
-        stage.audio.inputStream().deliver({.volume = {-6, 93}, .opus = {1, 2, 3}});
+        stage.audio->inputStream().deliver({.volume = {-6, 93}, .opus = {1, 2, 3}});
         QCOMPARE(order, (QStringList{QStringLiteral("93"), QStringLiteral("3")}));
     }
 };

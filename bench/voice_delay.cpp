@@ -1,0 +1,176 @@
+// Mouth to ear through the audio engine: a click in a virtual microphone, through gate, encoder, decoder and mixer, to
+// a null sink. It may take the devices' buffers, one frame of 20 ms and 25 ms more, and must not grow.
+//
+// usage: voice_delay [--seconds N] [--busy]     N: 120. busy: with as many busy loops as there are cores
+#include "AppConfig.h"
+#include "support/SoundServer.h"
+#include "traffic/BusyLoops.h"
+#include "voice/engine/AudioHandler.h"
+#include "voice/engine/SoundThread.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <optional>
+#include <thread>
+#include <vector>
+
+using namespace tarvo;
+using test::soundRate;
+
+namespace {
+
+constexpr double period = 1.0137; // seconds from click to click: at another place of the buffers each time
+constexpr double allowance = 0.020 + 0.025;
+
+double deviceLatency = 0; // seconds, of the opened devices together, as the log tells
+
+/// Ten ms of 1000 Hz in silence.
+std::vector<float> clicks(double seconds)
+{
+    std::vector<float> samples(static_cast<std::size_t>(seconds * soundRate));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double time = std::fmod(static_cast<double>(i) / soundRate, period) - 0.5;
+        if (time >= 0 && time < 0.010)
+            samples[i] = 0.5F * static_cast<float>(std::sin(2 * std::numbers::pi * 1000 * time));
+    }
+    return samples;
+}
+
+/// When each click begins, in seconds of the steady clock.
+std::vector<double> clickTimes(test::SoundRecorder &recorder)
+{
+    std::vector<double> times;
+    const std::vector<float> &samples = recorder.samples();
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (std::abs(samples[i]) < 0.1F)
+            continue;
+        times.push_back(recorder.startTime() + static_cast<double>(i) / soundRate);
+        i += soundRate / 2;
+    }
+    return times;
+}
+
+struct Delay
+{
+    double said;  ///< seconds from the beginning
+    double delay; ///< seconds
+};
+
+std::vector<Delay> delays(const std::vector<double> &said, const std::vector<double> &heard)
+{
+    std::vector<Delay> found;
+    for (const double time : said) {
+        const auto next = std::lower_bound(heard.begin(), heard.end(), time);
+        if (next != heard.end() && *next - time < 0.5)
+            found.push_back({time - said.front(), *next - time});
+    }
+    return found;
+}
+
+/// Seconds of delay that a minute adds, by least squares.
+double slopePerMinute(const std::vector<Delay> &all)
+{
+    double x = 0;
+    double y = 0;
+    double xx = 0;
+    double xy = 0;
+    for (const Delay &one : all) {
+        x += one.said;
+        y += one.delay;
+        xx += one.said * one.said;
+        xy += one.said * one.delay;
+    }
+    const auto n = static_cast<double>(all.size());
+    const double spread = n * xx - x * x;
+    return spread > 0 ? 60 * (n * xy - x * y) / spread : 0;
+}
+
+void readLog(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    const QString word = QStringLiteral("latency ");
+    if (const qsizetype at = text.indexOf(word); at >= 0)
+        deviceLatency += text.mid(at + word.size()).section(QLatin1Char(' '), 0, 0).toDouble() / 1000;
+    if (text.contains(QLatin1String("late")))
+        std::printf("%s\n", qPrintable(text));
+}
+
+int tell(const std::vector<Delay> &found, std::size_t said)
+{
+    std::vector<double> sorted;
+    for (const Delay &one : found)
+        sorted.push_back(one.delay * 1000);
+    std::sort(sorted.begin(), sorted.end());
+    if (sorted.empty()) {
+        std::printf("no click was heard\n");
+        return 1;
+    }
+    const double budget = (deviceLatency + allowance) * 1000;
+    const double usual = sorted[sorted.size() / 2];
+    const double most = sorted[(sorted.size() - 1) * 99 / 100];
+    std::printf("%zu of %zu clicks heard\n", sorted.size(), said);
+    std::printf("delay: least %.1f ms, median %.1f ms, 99 %% %.1f ms; slope %.2f ms a minute\n", sorted.front(), usual,
+                most, slopePerMinute(found) * 1000);
+    std::printf("budget %.1f ms (devices %.1f ms + 20 + 25): median is %.2f of it, 99 %% is %.2f of it\n", budget,
+                deviceLatency * 1000, usual / budget, most / budget);
+    return usual > budget ? 1 : 0;
+}
+
+int measure(double seconds)
+{
+    test::SoundServer server;
+    if (!server.start()) {
+        std::printf("PulseAudio doesn't start\n");
+        return 1;
+    }
+    const QTemporaryDir folder;
+    AppConfig config(folder.path());
+    std::optional<voice::AudioHandler> audio;
+    const auto sound = std::make_shared<voice::SoundThread>();
+    audio.emplace(config, sound);
+    audio->setInputDevice(-1);
+    audio->setHeadphoneDevice(-1);
+    audio->setPttActive(true);
+    audio->startMicTest(false);
+    test::SoundRecorder mouth(server, "micbus");
+    test::SoundRecorder ear(server, "spk_a");
+    const test::SoundPlayer player(server, clicks(seconds));
+    QTimer reading;
+    QObject::connect(&reading, &QTimer::timeout, &reading, [&] {
+        mouth.samples();
+        ear.samples();
+    });
+    reading.start(1);
+    QTimer::singleShot(static_cast<int>(seconds * 1000), qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+    const std::vector<double> said = clickTimes(mouth);
+    const std::vector<Delay> found = delays(said, clickTimes(ear));
+    audio.reset();
+    sound->waitUntilIdle(std::chrono::seconds(5));
+    return tell(found, said.size());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 2 && QByteArray(argv[1]) == "spin")
+        bench::runBusyLoop();
+    const QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    const QCommandLineOption seconds(QStringLiteral("seconds"), {}, QStringLiteral("N"), QStringLiteral("120"));
+    const QCommandLineOption busy(QStringLiteral("busy"));
+    parser.addOptions({seconds, busy});
+    parser.process(app);
+    qInstallMessageHandler(&readLog);
+    std::optional<bench::BusyLoops> loops;
+    if (parser.isSet(busy))
+        loops.emplace(static_cast<int>(std::thread::hardware_concurrency()));
+    return measure(parser.value(seconds).toDouble());
+}
