@@ -1,5 +1,6 @@
 #include "input/InputSource_x11.h"
 
+#include "input/Notes.h"
 #include "input/PttHandler.h"
 #include "input/PttService.h"
 #include "support/LogCapture.h"
@@ -22,6 +23,7 @@
 
 using namespace tarvo::input;
 using tarvo::test::LogCapture;
+using tarvo::test::Notes;
 using tarvo::test::XServer;
 using XTestMeans = X11InputSource::XTest;
 
@@ -101,24 +103,6 @@ private:
 
     Display *m_display;
     Window m_window = 0;
-};
-
-/// Writes down what a source tells.
-class Notes final : public InputListener
-{
-public:
-    void onKeyDown(int virtualKey, bool injected) override
-    {
-        m_lines << u"key %1 down%2"_qs.arg(virtualKey).arg(injected ? u", injected"_qs : QString());
-    }
-    void onKeyUp(int virtualKey) override { m_lines << u"key %1 up"_qs.arg(virtualKey); }
-    void onButtonDown(int mask) override { m_lines << u"button %1 down"_qs.arg(mask); }
-    void onButtonUp(int mask) override { m_lines << u"button %1 up"_qs.arg(mask); }
-
-    const QStringList &lines() const { return m_lines; }
-
-private:
-    QStringList m_lines;
 };
 
 struct DesktopStage
