@@ -1,10 +1,12 @@
 """How source files of the project are type-checked as Windows code: mingw-w64's g++ over the Linux Qt headers."""
 import os
 import pathlib
+import subprocess
 import sys
 
 CXX = 'x86_64-w64-mingw32-g++-posix'
 MULTIARCH = pathlib.Path('/usr/lib/x86_64-linux-gnu')
+MOC = '/usr/lib/qt6/libexec/moc'
 QT_INCLUDE = pathlib.Path('/usr/include/x86_64-linux-gnu/qt6')
 # Headers of libraries that don't depend on the C library's own, given to mingw through a folder of links.
 PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'ogg', 'opus', 'portaudio.h', 'soxr.h']
@@ -31,7 +33,16 @@ class WindowsChecker:
                 if neighbour is None:
                     sys.exit(f'{relative}: no source file beside it to take the command from')
                 found[relative] = units[neighbour]
+                if f'"{path.stem}.moc"' in path.read_text():
+                    self.run_moc(path)
         return found
+
+    def run_moc(self, path):
+        """What a file of Windows includes of moc: the build on Linux leaves it out."""
+        out = self.folder / 'moc' / f'{path.stem}.moc'
+        out.parent.mkdir(parents=True, exist_ok=True)
+        includes = [f'-I{self.root / folder}' for folder in ('src', 'tests', '.')]
+        subprocess.run([MOC, '-DQ_OS_WIN', '-D_WIN32', *includes, path, '-o', out], check=True)
 
     def prepare(self):
         """Links the portable headers."""
@@ -57,7 +68,7 @@ class WindowsChecker:
                     out += [flag, str(folder)]
             elif not word.startswith(UNWANTED_NAMES):
                 out.append(word)
-        own = [f'-I{folder}' for folder in {self.root / unit.parent for unit in batch.units}]
+        own = [f'-I{folder}' for folder in {self.root / unit.parent for unit in batch.units} | {self.folder / 'moc'}]
         portable = self.folder / 'portable-headers'
         library_folders = [word for name in ('', 'SDL2', 'opus') for word in ('-isystem', str(portable / name))]
         return [*out, *own, *library_folders, '-fsyntax-only', str(batch.text)]

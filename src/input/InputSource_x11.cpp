@@ -227,10 +227,10 @@ QString X11InputSource::Connection::keyName(int evdevCode)
     return sign.isEmpty() ? QString::fromLatin1(XKeysymToString(symbol)) : sign;
 }
 
-X11InputSource::X11InputSource(const QByteArray &display, XTest xtest) : m_xtest(xtest)
+X11InputSource::X11InputSource(const QByteArray &display, XTest xtest)
 {
     if (Display *opened = XOpenDisplay(display.isEmpty() ? nullptr : display.constData()))
-        m_connection = std::make_unique<Connection>(opened, m_xtest);
+        m_connection = std::make_unique<Connection>(opened, xtest);
 }
 
 X11InputSource::~X11InputSource() = default;

@@ -28,7 +28,6 @@ public:
 private:
     class Connection;
 
-    XTest m_xtest;
     std::unique_ptr<Connection> m_connection; ///< null without a server
 };
 
