@@ -7,7 +7,7 @@ import tempfile
 import time
 
 import found_words
-from driven_client import PICTURES, Failure, picture, window, xdotool
+from driven_client import PICTURES, Failure, picture, wait_until, window, xdotool
 
 MINI_TITLE = '语音服务'
 RADIO_CHECK = 122800  # kHz
@@ -18,6 +18,7 @@ VOICE_ITEM = (120, 280)
 CONNECT_BUTTON = (873, 38)
 MINI_BUTTON = (960, 38)
 MINI_TALK = (140, 115)
+MINI_CLOSE = (255, 25)
 
 
 def talk(main, practice, sound):
@@ -56,6 +57,9 @@ def check_radio(main, practice, saying):
     speaks = practice.wait_for('RADIO_CHECK speaks on 122.800', start=tuned)
     picture('13-mini-window-radio-check')
     practice.wait_for('RADIO_CHECK has spoken on 122.800', start=speaks)
+    with held(mini_window(), MINI_CLOSE):
+        pass
+    wait_until('mini window to close', lambda: not mini_window())
 
 
 def mini_window():

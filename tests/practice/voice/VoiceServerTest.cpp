@@ -53,8 +53,21 @@ private slots:
         const auto flies = peer(1002);
         const auto doesNot = peer(1001);
         QVERIFY(flies && doesNot);
-        QVERIFY(flies->got(R"("SERVER:CCA1331:Welcome)"));
-        QVERIFY(doesNot->got(R"("SERVER:U1001:Welcome)"));
+        QVERIFY(flies->got("\"SERVER:CCA1331:Welcome"));
+        QVERIFY(doesNot->got("\"SERVER:U1001:Welcome"));
+    }
+
+    void greetsWhoFliesOnTheSecondServer()
+    {
+        PracticeSettings settings = quietSettings();
+        settings.secondAddress = QHostAddress(QStringLiteral("127.0.0.2"));
+        m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
+        QVERIFY2(m_network->start(), qPrintable(m_network->errorString()));
+        FsdLineClient fsd(*m_network->secondFsd());
+        fsd.logIn("CCA1331", "1002");
+        TRY_COMPARE(m_network->secondFsd()->callsigns().size(), 1);
+        const auto flies = peer(1002);
+        QVERIFY(flies && flies->got("\"SERVER:CCA1331:Welcome"));
     }
 
     void refusesBadTokens_data()
