@@ -125,7 +125,7 @@ bool SoundServer::start()
     });
     control({QStringLiteral("set-default-sink"), QStringLiteral("spk_a")});
     control({QStringLiteral("set-default-source"), QStringLiteral("mic_a")});
-    if (isUp && m_process->state() == QProcess::Running)
+    if (isUp && m_process->state() != QProcess::NotRunning)
         return true;
     QFile log(path("server.log"));
     if (log.open(QIODevice::ReadOnly))

@@ -10,10 +10,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <mutex>
 #include <thread>
 #include <utility>
-#include <vector>
 
 namespace tarvo::voice {
 
@@ -43,6 +41,8 @@ struct SoundStream::Calls
     std::atomic<Clock::time_point> lastBuffer = Clock::time_point();
     std::atomic<int> buffers = 0;
     std::atomic<int> lost = 0; ///< how often the device had to wait for us, or we lost what it had
+
+    Calls *next = nullptr; ///< of those left behind
 
     static int onBuffer(const void *input, void *output, unsigned long frames, const PaStreamCallbackTimeInfo *,
                         PaStreamCallbackFlags flags, void *calls)
@@ -150,14 +150,14 @@ std::unique_ptr<SoundStream> SoundStream::open(const AudioStreamConfig &config, 
 
 SoundStream::SoundStream(std::unique_ptr<Calls> calls) : m_calls(std::move(calls)) {}
 
+std::atomic<SoundStream::Calls *> SoundStream::leftBehind = nullptr;
+
 SoundStream::~SoundStream()
 {
     if (!m_calls->stream)
         return;
-    static std::mutex mutex;
-    static auto &leftBehind = *new std::vector<std::unique_ptr<Calls>>; // never destroyed: the stream still calls them
-    const std::scoped_lock lock(mutex);
-    leftBehind.push_back(std::move(m_calls));
+    m_calls->next = leftBehind.exchange(m_calls.get());
+    (void)m_calls.release(); // never destroyed: the stream may still call them
 }
 
 bool SoundStream::start()

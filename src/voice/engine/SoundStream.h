@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -39,6 +40,8 @@ private:
 
     explicit SoundStream(std::unique_ptr<Calls> calls);
     static std::unique_ptr<SoundStream> open(const AudioStreamConfig &config, std::unique_ptr<Calls> calls);
+
+    static std::atomic<Calls *> leftBehind; ///< a list of them; known to whom looks for leaks
 
     std::unique_ptr<Calls> m_calls;
 };

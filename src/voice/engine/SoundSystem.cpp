@@ -12,7 +12,7 @@ namespace {
 
 HostApiInfo toRecord(int index, const PaHostApiInfo &info)
 {
-    return {index, static_cast<qint8>(info.type), info.name, info.defaultInputDevice, info.defaultOutputDevice};
+    return {index, static_cast<qint32>(info.type), info.name, info.defaultInputDevice, info.defaultOutputDevice};
 }
 
 DeviceInfo toRecord(int index, const PaDeviceInfo &info)

@@ -14,7 +14,7 @@ namespace tarvo::voice {
 struct HostApiInfo
 {
     qint32 index = -1;
-    qint8 type = -1; ///< PortAudio's PaHostApiTypeId
+    qint32 type = -1; ///< PortAudio's PaHostApiTypeId
     QByteArray name;
     qint32 defaultInputDevice = -1;  ///< a device's index; negative: none
     qint32 defaultOutputDevice = -1; ///< a device's index; negative: none
