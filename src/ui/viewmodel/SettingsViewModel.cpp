@@ -139,6 +139,7 @@ void SettingsViewModel::reload()
         realname = m_api.currentUser().username;
     if (homeAirport.isEmpty() || homeAirport == QLatin1String("ZZZZ"))
         homeAirport = QString::fromUtf8(config::profileHomeAirport.defaultValue);
+    m_loaded = shown();
     m_portText = QString::number(xplaneUdpPort);
     m_saveStatus = tr("已从 config.ini 加载");
     emit settingsChanged();
@@ -157,6 +158,7 @@ void SettingsViewModel::saveAll()
             any);
     }
     m_stored = values;
+    m_loaded = values;
     emit settingsChanged();
     setSaveStatus(tr("已保存到 config.ini"));
 }
@@ -185,7 +187,7 @@ void SettingsViewModel::setUdpPortText(const QString &text)
 
 bool SettingsViewModel::isEdited() const
 {
-    return shown() != m_stored;
+    return shown() != m_loaded;
 }
 
 int SettingsViewModel::msfsLibraryReloadToken() const

@@ -82,7 +82,7 @@ public:
     void setUdpPort(int port);
     QString udpPortText() const { return m_portText; }
     void setUdpPortText(const QString &text);
-    /// Whether saveAll() has something to write.
+    /// Whether the pilot has changed something since it was read or written.
     bool isEdited() const;
     int msfsLibraryReloadToken() const;
     QString apiBaseUrl() const { return m_apiBaseUrl; }
@@ -118,6 +118,7 @@ private:
     const QString m_networkAddress;
     const QString m_voiceAddress;
     SettingsValues m_stored; ///< as last read or written
+    SettingsValues m_loaded; ///< as it was shown then
     QString m_portText;
     QString m_saveStatus;
     QStringList m_missingFolders;

@@ -224,6 +224,7 @@ private slots:
         stage.signIn();
         stage.config.set(config::profileRealname, storedName);
         QTEST(stage.get("realname").toString(), "shown");
+        QVERIFY(!stage.model().isEdited()); // not by the pilot
         QCOMPARE(stage.save(), saved);
         QTEST(stage.config.get(config::profileRealname), "shown");
     }

@@ -10,7 +10,18 @@ FormField {
     required property VoiceSettingsBackend voice
     readonly property bool listening: voice ? voice.pttListening : false
 
-    onListeningChanged: if (listening) keys.forceActiveFocus()
+    onListeningChanged: {
+        if (listening)
+            keys.forceActiveFocus()
+        else
+            settling.restart()
+    }
+
+    Timer {
+        id: settling
+
+        interval: 300
+    }
 
     // It has the keys while it listens, and until the captured one is let go: it must not press the button.
     Item {
@@ -50,6 +61,13 @@ FormField {
             text: setting.listening ? qsTr("请按下要使用的按键或按钮…") : setting.voice ? setting.voice.pttKey : "--"
             Accessible.name: setting.label + "：" + text
             onClicked: if (setting.voice) setting.voice.startPttListening()
+        }
+
+        // Takes the mouse button that is captured: it comes here a moment after the desktop has told of it.
+        MouseArea {
+            anchors.fill: parent
+            acceptedButtons: Qt.AllButtons
+            enabled: setting.listening || settling.running
         }
     }
 
