@@ -119,7 +119,8 @@ int tell(const std::vector<Delay> &found, std::size_t said)
                 most, slopePerMinute(found) * 1000);
     std::printf("budget %.1f ms (devices %.1f ms + 20 + 25): median is %.2f of it, 99 %% is %.2f of it\n", budget,
                 deviceLatency * 1000, usual / budget, most / budget);
-    return usual > budget ? 1 : 0;
+    const bool isHeard = sorted.size() * 10 >= said * 9; // what was lost has no delay
+    return usual > budget || !isHeard ? 1 : 0;
 }
 
 int measure(double seconds)
