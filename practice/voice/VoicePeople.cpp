@@ -38,7 +38,8 @@ VoicePeople::VoicePeople(VoiceServer &server, const VoicePeopleSettings &setting
         return;
     connect(&server, &VoiceServer::tuned, this, &VoicePeople::onTuned);
     connect(&server, &VoiceServer::voiceReceived, this, &VoicePeople::onVoice);
-    connect(&server, &VoiceServer::clientLeft, this, [this](const QString &callsign) { m_greeted.remove(callsign); });
+    connect(&server, &VoiceServer::clientGreeted, this,
+            [this](const QString &callsign) { m_greeted.remove(callsign); });
 }
 
 void VoicePeople::start()

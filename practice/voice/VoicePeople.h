@@ -72,7 +72,7 @@ private:
     SpeechBook m_phrases;
     PilotCalls m_calls;
     std::vector<Transmission> m_transmissions;
-    QSet<QString> m_greeted;           ///< by the tower
+    QSet<QString> m_greeted;           ///< by the tower, since they are connected
     QList<TowerPhrase> m_towerPhrases; ///< what it will say
     int m_answers = 0;                 ///< of the tower so far
     QTimer m_timer;

@@ -156,6 +156,7 @@ void VoiceServer::attach(VoiceSession *session)
 void VoiceServer::remove(VoiceSession *session)
 {
     m_sessions.removeOne(session);
+    rememberPlace({session->number, session->endpoint});
     session->disconnect(this);
     session->deleteLater();
     emit clientLeft(session->name());
@@ -200,8 +201,10 @@ void VoiceServer::checkToken(VoiceSession &session, const QByteArray &token)
     }
     const QList<VoiceSession *> sessions = m_sessions;
     for (VoiceSession *other : sessions) {
-        if (other->cid == cid)
-            other->refuse(QStringLiteral("Connected from elsewhere")); // a datagram's number tells whose it is
+        if (other->cid != cid)
+            continue;
+        rememberPlace({other->number, other->endpoint});
+        other->refuse(QStringLiteral("Connected from elsewhere")); // a datagram's number tells whose it is
     }
     session.cid = cid;
     session.number = static_cast<quint32>(account->user.id);
@@ -258,25 +261,32 @@ void VoiceServer::readDatagrams()
 
 void VoiceServer::hearDatagram(const VoicePacket &packet, const VoiceEndpoint &from)
 {
-    const auto found = std::find_if(m_sessions.begin(), m_sessions.end(), [&](const VoiceSession *session) {
-        return session->isOpen() && session->isKnown() && session->number == packet.cid &&
-               session->peerAddress() == from.address;
+    // His newest connection, even if it is ending: what a next one says first may come before that end is known.
+    const auto found = std::find_if(m_sessions.rbegin(), m_sessions.rend(), [&](const VoiceSession *session) {
+        return session->isKnown() && session->number == packet.cid && session->peerAddress() == from.address;
     });
-    if (found == m_sessions.end()) {
-        m_early.prepend({packet.cid, from});
-        m_early.resize(std::min(m_early.size(), mostEarly));
+    if (found == m_sessions.rend()) {
+        rememberPlace({packet.cid, from});
         return;
     }
     VoiceSession &session = **found;
     if (!session.datagrams.take(1, m_clock.steadyMs()))
         return;
     session.endpoint = from;
-    if (m_mute || !speaks(packet) || !session.radios.isTuned(packet.frequency))
+    if (m_mute || !session.isOpen() || !speaks(packet) || !session.radios.isTuned(packet.frequency))
         return;
     VoicePacket said = packet;
     said.callsign = session.callsign.toStdString(); // nobody speaks under another's
     relay(said, &session);
     emit voiceReceived(session.callsign, said);
+}
+
+void VoiceServer::rememberPlace(const EarlyDatagram &datagram)
+{
+    if (datagram.from.port == 0)
+        return;
+    m_early.prepend(datagram);
+    m_early.resize(std::min(m_early.size(), mostEarly));
 }
 
 bool VoiceServer::say(const VoicePacket &packet)

@@ -104,7 +104,8 @@ signals:
     void voiceReceived(const QString &callsign, const tarvo::voice::VoicePacket &packet);
 
 private:
-    /// Where a datagram came from whose number nobody had yet: it may overtake its client's token.
+    /// Where a datagram came from whose number nobody had yet: it may overtake its client's token. Or somebody who is
+    /// gone had it: then it may have overtaken his end, too.
     struct EarlyDatagram
     {
         quint32 number;
@@ -120,6 +121,7 @@ private:
     void obey(VoiceSession &session, const voice::ControlMessage &message);
     void readDatagrams();
     void hearDatagram(const voice::VoicePacket &packet, const VoiceEndpoint &from);
+    void rememberPlace(const EarlyDatagram &datagram);
     bool relay(const voice::VoicePacket &packet, const VoiceSession *sender);
     void send(const VoiceDatagram &datagram);
     VoiceSession *find(const QString &callsign) const;

@@ -165,7 +165,7 @@ def tune_as_typed(practice):
         try:
             practice.order('tune', frequency=round(float(line) * 1000))
             print(f'COM1 is tuned to {float(line):.3f}', flush=True)
-        except (ValueError, Failure):
+        except (ValueError, OverflowError, Failure):
             print('not a frequency from 118.000 to 136.990', flush=True)
 
 

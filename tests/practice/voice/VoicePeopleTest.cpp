@@ -54,7 +54,8 @@ class VoicePeopleTest : public QObject
         for (const QByteArray &bytes : m_pilot->takeDatagrams())
             packets.append(*tarvo::voice::parseVoicePacket(reinterpret_cast<const std::uint8_t *>(bytes.constData()),
                                                            static_cast<std::size_t>(bytes.size())));
-        packets.removeLast();
+        if (!packets.isEmpty())
+            packets.removeLast();
         return packets;
     }
     static SpeechFrames framesOf(const QList<tarvo::voice::VoicePacket> &packets)
@@ -93,6 +94,17 @@ private slots:
         QVERIFY(m_pilot->tune(0, 118'500, true));
         pass(3'000);
         QVERIFY(heard(118'500).isEmpty());
+    }
+
+    void theTowerGreetsWhoComesAgain()
+    {
+        QVERIFY(m_pilot->tune(0, 118'500, true));
+        pass(20'000);
+        m_pilot = std::make_unique<VoicePeer>(m_network->voice());
+        QVERIFY(m_pilot->join(m_network->tokens(), 1001));
+        QVERIFY(m_pilot->tune(0, 118'500, true));
+        pass(1'500);
+        QCOMPARE(heard(118'500).size(), 1);
     }
 
     void theTowerGreetsNobody_data()

@@ -226,6 +226,22 @@ private slots:
         QCOMPARE(voice().callsigns().size(), 1);
     }
 
+    void theSameUserAgainIsHeardAtHisNewPlace()
+    {
+        const auto speaker = peer(1002);
+        QVERIFY(speaker && speaker->tune(0, 118'500, true));
+        const auto first = peer(1001);
+        QVERIFY(first && first->tune(0, 118'500, true));
+        VoicePeer second(voice());
+        second.sendDatagram(VoicePeer::datagram(1, 0, {}, {}));
+        QVERIFY(speaker->settle()); // the datagram has been read
+        second.send(tokens().issue(TokenUse::Access, 1001));
+        QVERIFY(second.tune(0, 118'500, true));
+        speaker->speak(118'500, "x");
+        TRY_COMPARE(second.datagrams.size(), 1);
+        QVERIFY(first->datagrams.isEmpty());
+    }
+
     void aDisconnectLineEndsTheSession()
     {
         const auto pilot = peer(1001);
