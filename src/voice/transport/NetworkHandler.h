@@ -34,7 +34,7 @@ struct Note;
 /// The two sockets of the voice service and their threads. Knows the form of what goes over them, and nothing of a
 /// session.
 ///
-/// All members but connectToServer() are for the object's thread. There all signals are raised, in order; what an
+/// All members but connectToServer() are for the object's thread. All signals are raised there, in order; what an
 /// earlier connection still had to say is dropped.
 class NetworkHandler : public QObject
 {
@@ -101,7 +101,7 @@ private:
     const std::chrono::milliseconds m_keepAliveInterval;
     const std::shared_ptr<Identity> m_identity;
 
-    mutable std::mutex m_mutex; ///< guards the next
+    mutable std::mutex m_mutex; ///< guards m_current
     Shared m_current;           ///< the connection, or the attempt, that counts
 
     std::unique_ptr<Threads> m_threads; ///< of the connection, or of one that has ended
