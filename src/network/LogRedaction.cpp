@@ -1,6 +1,6 @@
 #include "network/LogRedaction.h"
 
-#include "network/SecretMask.h"
+#include "common/SecretMask.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -27,7 +27,7 @@ bool isSecret(const QString &key)
 QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
 {
     if (value.isString())
-        return withoutSecrets(value.toString(), secrets);
+        return common::withoutSecrets(value.toString(), secrets);
     if (value.isArray()) {
         QJsonArray array;
         const QJsonArray original = value.toArray();
@@ -39,7 +39,7 @@ QJsonValue masked(const QJsonValue &value, const QStringList &secrets)
         QJsonObject object;
         const QJsonObject original = value.toObject();
         for (auto it = original.begin(); it != original.end(); ++it)
-            object.insert(withoutSecrets(it.key(), secrets),
+            object.insert(common::withoutSecrets(it.key(), secrets),
                           isSecret(it.key()) ? QJsonValue(mask()) : masked(it.value(), secrets));
         return object;
     }
@@ -63,7 +63,7 @@ QString redactedBody(const QByteArray &body, const QStringList &secrets)
 
 QString redactedText(const QString &text, const QStringList &secrets)
 {
-    QString result = withoutSecrets(text, secrets).left(longestLogged); // a cut secret would not be found
+    QString result = common::withoutSecrets(text, secrets).left(longestLogged); // a cut secret would not be found
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
     result.replace(QLatin1Char('\r'), QLatin1Char(' '));
     return result;

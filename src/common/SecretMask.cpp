@@ -1,4 +1,4 @@
-#include "network/SecretMask.h"
+#include "common/SecretMask.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace tarvo::network {
+namespace tarvo::common {
 
 namespace {
 
@@ -244,4 +244,4 @@ QString withoutSecrets(const QString &text, const QStringList &secrets)
     return QString::fromUtf8(masked(bytes.first(end), std::move(ranges)));
 }
 
-} // namespace tarvo::network
+} // namespace tarvo::common
