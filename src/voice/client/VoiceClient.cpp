@@ -1,15 +1,16 @@
 #include "voice/client/VoiceClient.h"
 
 #include "AppConfig.h"
+#include "common/OneLine.h"
+#include "common/SecretMask.h"
 #include "voice/engine/AudioHandler.h"
 #include "voice/engine/SoundThread.h"
 #include "voice/wire/ControlMessage.h"
 #include "voice/wire/VoicePacket.h"
 
 #include <QDebug>
-#include <QPointer>
 
-#include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace tarvo::voice {
@@ -54,6 +55,7 @@ void VoiceClient::connectToServer(const QString &token)
 {
     if (m_isTrying)
         return;
+    m_token = token;
     m_connecting.clear(); // of attempts that were called off before they began
     m_isTrying = m_connecting.post(m_network.attempt(token));
     setState(ConnectionState::Connecting);
@@ -90,12 +92,9 @@ void VoiceClient::onControlMessage(const ControlMessage &message)
     case ControlMessageType::Pong:
         qDebug("VoiceClient: pong received");
         break;
-    case ControlMessageType::Error: {
-        const QString text = QString::fromUtf8(message.data);
-        qWarning().noquote() << "VoiceClient: server error:" << text;
-        emit errorOccurred(text);
+    case ControlMessageType::Error:
+        onServerError(QString::fromUtf8(message.data));
         break;
-    }
     case ControlMessageType::Message:
         onMessage(message.data);
         break;
@@ -108,6 +107,21 @@ void VoiceClient::onControlMessage(const ControlMessage &message)
     case ControlMessageType::VoiceReceive:
         break;
     }
+}
+
+/// A server may quote the token that it refuses, and send any number of these.
+void VoiceClient::onServerError(const QString &error)
+{
+    const QString text = common::excerpt(common::withoutSecrets(error, {m_token}));
+    switch (m_serverErrors.add(m_clock.steadyMs())) {
+    case common::DropCount::Line::Warning:
+    case common::DropCount::Line::Debug:
+        qWarning().noquote() << "VoiceClient: server error:" << text;
+        break;
+    case common::DropCount::Line::None:
+        break;
+    }
+    emit errorOccurred(text);
 }
 
 void VoiceClient::onMessage(const std::string &data)

@@ -2,6 +2,7 @@
 
 #include "ServiceEndpoints.h"
 #include "common/Clock.h"
+#include "common/DropCount.h"
 #include "common/VolumeInfo.h"
 #include "common/Worker.h"
 #include "voice/client/ConnectionState.h"
@@ -53,6 +54,8 @@ public:
     bool isReady() const;
     /// As the server has greeted this client; raw bytes, UTF-8.
     const std::string &callsign() const { return m_callsign; }
+    /// The radio that voice goes out on; nothing until one has transmitted.
+    std::optional<quint32> currentTransmitter() const { return m_currentTransmitter; }
 
     /// The audio engine; made when it is first asked for.
     AudioHandler *audioHandler();
@@ -87,6 +90,7 @@ private:
     void onError(const QString &error);
     void onSocketState(bool connected);
     void onControlMessage(const ControlMessage &message);
+    void onServerError(const QString &error);
     void onMessage(const std::string &data);
     void onServerDisconnect();
     void startAudio();
@@ -102,6 +106,8 @@ private:
     ConnectionState m_state = ConnectionState::Disconnected;
     quint32 m_cid = 0;
     std::string m_callsign;
+    QString m_token; ///< of the last attempt; never logged
+    common::DropCount m_serverErrors;
     NetworkHandler m_network;
     common::Worker m_connecting{"voice connect", 1};
     bool m_isTrying = false;   ///< an attempt is under way

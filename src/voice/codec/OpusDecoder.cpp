@@ -1,5 +1,6 @@
 #include "voice/codec/OpusDecoder.h"
 
+#include "common/Clock.h"
 #include "voice/codec/AudioStreamConfig.h"
 #include "voice/codec/CodecFormat.h"
 
@@ -35,6 +36,13 @@ qint32 OpusDecoder::samplesPerFrame() const
     return m_channels * codecFrameSize;
 }
 
+/// Anybody on a tuned frequency can send fifty of these a second, or thousands.
+void OpusDecoder::tellError(int error)
+{
+    if (m_errors.add(common::systemClock().steadyMs()) != common::DropCount::Line::None)
+        qWarning() << "OpusDecoder: decode error:" << opus_strerror(error);
+}
+
 std::vector<float> OpusDecoder::decode(const std::uint8_t *data, int size)
 {
     if (size <= 0 || !data || !m_handle)
@@ -42,7 +50,7 @@ std::vector<float> OpusDecoder::decode(const std::uint8_t *data, int size)
     std::vector<opus_int16> pcm(static_cast<std::size_t>(samplesPerFrame()));
     const int decoded = opus_decode(m_handle.get(), data, size, pcm.data(), codecFrameSize, 0);
     if (decoded < 0) {
-        qWarning() << "OpusDecoder: decode error:" << opus_strerror(decoded);
+        tellError(decoded);
         return {};
     }
     std::vector<float> samples(static_cast<std::size_t>(decoded * m_channels));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/DropCount.h"
 #include <QtGlobal>
 
 #include <cstdint>
@@ -35,7 +36,10 @@ private:
         void operator()(::OpusDecoder *handle) const;
     };
 
+    void tellError(int error);
+
     std::unique_ptr<::OpusDecoder, Destroy> m_handle;
+    common::DropCount m_errors;
     qint32 m_channels = 1;
 };
 

@@ -87,6 +87,7 @@ void AudioDevice::onRead(const QList<HostApiInfo> &drivers, const QList<DeviceIn
     m_isLoaded = true;
     for (const auto &step : std::exchange(m_postponed, {}))
         step();
+    emit loaded();
 }
 
 void AudioDevice::rebuildLists()
@@ -99,12 +100,17 @@ void AudioDevice::rebuildLists()
 
 void AudioDevice::announceAll()
 {
+    emit deviceListChanged();
+    emit deviceChanged();
+    announceChosen();
+}
+
+void AudioDevice::announceChosen()
+{
     const HostApiInfo driver = m_driverList.value(m_driverIndex);
     const auto idOf = [](const Direction &direction, int ofDefault) {
         return direction.index > 0 ? direction.deviceId() : ofDefault;
     };
-    emit deviceListChanged();
-    emit deviceChanged();
     emit inputDeviceChanged(idOf(m_input, driver.defaultInputDevice));
     emit outputHeadphoneDeviceChanged(idOf(m_headphone, driver.defaultOutputDevice));
     emit outputSpeakerDeviceChanged(idOf(m_speaker, driver.defaultOutputDevice));

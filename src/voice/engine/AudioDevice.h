@@ -68,6 +68,9 @@ public:
     QStringList headphoneNames() const { return m_headphone.names(); }
     QStringList speakerNames() const { return m_speaker.names(); }
 
+    /// Raises the last three signals for what is chosen now.
+    void announceChosen();
+
     /// What PortAudio offers has been read. The sound thread's word, and a test's.
     void onRead(const QList<HostApiInfo> &drivers, const QList<DeviceInfo> &devices);
 
@@ -78,6 +81,8 @@ signals:
     void inputDeviceChanged(int deviceIndex);
     void outputHeadphoneDeviceChanged(int deviceIndex);
     void outputSpeakerDeviceChanged(int deviceIndex);
+    /// Behind all that the load has raised.
+    void loaded();
 
 private:
     using DeviceSignal = void (AudioDevice::*)(int);

@@ -156,7 +156,7 @@ void AudioHandler::startAll(std::function<void()> whenTried)
         if (whenTried)
             mailbox->send(whenTried);
     };
-    if (!m_sound->post(tell))
+    if (!post(tell))
         tell();
 }
 
@@ -175,15 +175,31 @@ void AudioHandler::setDevice(StreamRole role, int device)
 void AudioHandler::start(const std::vector<StreamRole> &roles)
 {
     for (const Transmitter &transmitter : std::as_const(m_transmitters))
-        addChannel(transmitter); // which every stop forgets
-    m_sound->post([streams = m_streams, roles] { streams->start(roles); });
+        output(transmitter.useSpeaker).addChannel(static_cast<int>(transmitter.id)); // which every stop forgets
+    post([streams = m_streams, roles] { streams->start(roles); });
 }
 
 void AudioHandler::stop(StreamRole role)
 {
     if (role != StreamRole::Input)
         output(role == StreamRole::Speaker).forgetChannels();
-    m_sound->post([streams = m_streams, role] { streams->stop(role); });
+    post([streams = m_streams, role] { streams->stop(role); });
+}
+
+/// False when the sound thread doesn't take it.
+bool AudioHandler::post(std::function<void()> task)
+{
+    if (!m_waitsForDevices)
+        return m_sound->post(std::move(task));
+    m_waiting.push_back(std::move(task));
+    return true;
+}
+
+void AudioHandler::stopWaitingForDevices()
+{
+    m_waitsForDevices = false;
+    for (std::function<void()> &task : std::exchange(m_waiting, {}))
+        m_sound->post(std::move(task));
 }
 
 void AudioHandler::addChannel(const Transmitter &transmitter)

@@ -39,6 +39,10 @@ public:
     AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr);
     ~AudioHandler() override;
 
+    /// The pilot's devices are not known yet: what opens a stream waits for them.
+    void waitForDevices() { m_waitsForDevices = true; }
+    void stopWaitingForDevices();
+
     // PortAudio's indices; negative: the default device. A stream that is open goes on with the new one.
     void setInputDevice(int device);
     void setHeadphoneDevice(int device);
@@ -93,6 +97,7 @@ private:
     void setDevice(StreamRole role, int device);
     void start(const std::vector<StreamRole> &roles);
     void stop(StreamRole role);
+    bool post(std::function<void()> task);
 
     AppConfig &m_config;
     std::shared_ptr<SoundThread> m_sound;
@@ -103,6 +108,8 @@ private:
     MixedOutputAudioStream m_headphoneStream;
     MixedOutputAudioStream m_speakerStream;
     QHash<quint32, Transmitter> m_transmitters;
+    bool m_waitsForDevices = false;
+    std::vector<std::function<void()>> m_waiting; ///< tasks for the sound thread
 
     SineTone m_pttPressTone;
     SineTone m_pttReleaseTone;

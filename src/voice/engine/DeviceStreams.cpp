@@ -68,8 +68,11 @@ void DeviceStreams::connect(StreamRole role, Open open, std::function<void()> cl
 
 void DeviceStreams::setDevice(StreamRole role, int device)
 {
+    const AudioStreamConfig before = at(role).config;
     if (!choose(role, device) || !at(role).isWanted)
         return;
+    if (at(role).runs() && at(role).config == before)
+        return; // no need to interrupt all that is heard
     at(role).close();
     startWanted();
 }

@@ -10,16 +10,29 @@ namespace {
 
 constexpr std::size_t localFrames = 16;
 constexpr std::size_t channelFrames = 32; // 640 ms
+constexpr std::size_t usualChannels = 8;  // more than a client has; the map of so many is never moved
 
 } // namespace
 
-OutputMixer::OutputMixer(std::size_t frameSize) : m_frameSize(frameSize), m_local(localFrames, frameSize) {}
+OutputMixer::OutputMixer(std::size_t frameSize) : m_frameSize(frameSize), m_local(localFrames, frameSize)
+{
+    m_channels.reserve(usualChannels);
+}
+
+bool OutputMixer::hasChannel(int id)
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_channels.contains(id);
+}
 
 void OutputMixer::addChannel(int id)
 {
-    FrameRing frames(channelFrames, m_frameSize); // before the audio thread would wait for the memory
+    if (hasChannel(id))
+        return;
+    decltype(m_channels) added; // before the audio thread would wait for the memory
+    added.try_emplace(id, channelFrames, m_frameSize);
     const std::scoped_lock lock(m_mutex);
-    m_channels.try_emplace(id, std::move(frames));
+    m_channels.insert(added.extract(id));
 }
 
 void OutputMixer::removeChannel(int id)

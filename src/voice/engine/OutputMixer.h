@@ -31,6 +31,8 @@ public:
     void mix(std::span<float> out);
 
 private:
+    bool hasChannel(int id);
+
     const std::size_t m_frameSize;
     std::mutex m_mutex; ///< guards both below
     std::unordered_map<int, FrameRing> m_channels;

@@ -29,6 +29,7 @@ std::optional<common::VolumeInfo> VoicePlayback::playPacket(int channel, std::sp
     if (decoded.empty())
         return std::nullopt;
     std::vector<float> samples = resampleFloat(decoded, codecSampleRate, m_config.sampleRate);
+    samples.resize(m_toneFrame.size()); // where 20 ms are no whole number of samples, one too many would begin a frame
     setVolume(samples, volume);
     m_mixer.pushVoice(channel, samples);
     return levelOf(decoded);
