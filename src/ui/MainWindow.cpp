@@ -22,6 +22,7 @@
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QScreen>
 #include <QShowEvent>
 
 namespace tarvo::ui {
@@ -71,6 +72,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     applyWindowBackdrop(*this);
     updateProfile();
     m_ptt.setBoundKey(config.get(config::voicePttKey));
+    followScreen();
     createView();
     connectRequests();
     if (m_network)
@@ -130,6 +132,14 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("voiceSettingsBackend"), &m_voiceSettings);
 }
 
+void MainWindow::followScreen()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const auto takeCorner = [this, screen] { m_voice.setMiniCorner(screen->availableGeometry().bottomRight()); };
+    takeCorner();
+    connect(screen, &QScreen::availableGeometryChanged, this, takeCorner);
+}
+
 void MainWindow::connectRequests()
 {
     // A request comes from a QML handler of a page. Answering it may run a nested event loop, in which the page may be
@@ -179,6 +189,8 @@ void MainWindow::showEvent(QShowEvent *event)
 void MainWindow::hideEvent(QHideEvent *event)
 {
     QMainWindow::hideEvent(event);
+    if (!event->spontaneous())
+        m_voice.setMiniMode(false); // it would keep a program running whose main window is closed
     tellWhetherSeen();
 }
 

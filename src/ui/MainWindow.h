@@ -84,6 +84,7 @@ protected:
 private:
     void createView();
     void passFocusOn(const QWindow *focused);
+    void followScreen();
     void exposeModels();
     void connectRequests();
     void connectSession();

@@ -20,6 +20,7 @@ VoiceFeed::VoiceFeed(std::shared_ptr<NetworkManager> network, AudioDevice &devic
 {
     connect(m_network.get(), &NetworkManager::radioStatesUpdate, &page, &VoiceServiceViewModel::radioStackUpdate);
     connect(m_network.get(), &NetworkManager::disableVoiceTransmit, &page, &VoiceServiceViewModel::disableTransmit);
+    connect(m_network.get(), &NetworkManager::networkDisconnected, &page, &VoiceServiceViewModel::endTests);
     connect(&m_network->voiceClient(), &voice::VoiceClient::audioHandlerCreated, this, &VoiceFeed::giveDevices);
 }
 
@@ -29,10 +30,11 @@ void VoiceFeed::giveDevices(AudioHandler *audio)
     connect(&m_devices, &AudioDevice::outputHeadphoneDeviceChanged, audio, &AudioHandler::setHeadphoneDevice);
     connect(&m_devices, &AudioDevice::outputSpeakerDeviceChanged, audio, &AudioHandler::setSpeakerDevice);
     if (m_devices.isLoaded()) {
-        audio->setInputDevice(m_devices.inputDeviceId());
-        audio->setHeadphoneDevice(m_devices.headphoneDeviceId());
-        audio->setSpeakerDevice(m_devices.speakerDeviceId());
+        m_devices.announceChosen();
     } else {
+        // The first sound must not come from a device that the pilot has not chosen.
+        audio->waitForDevices();
+        connect(&m_devices, &AudioDevice::loaded, audio, &AudioHandler::stopWaitingForDevices);
         m_devices.load();
     }
     audio->reloadConfig();

@@ -55,10 +55,13 @@ Rectangle {
     }
 
     Instantiator { // unlike a Loader it doesn't tie the window to this one, with which it would be minimised
-        active: rootWindow.voice ? rootWindow.voice.miniMode : false
+        property bool wanted: rootWindow.voice ? rootWindow.voice.miniMode : false
+
+        active: false
+        onWantedChanged: active = true // kept from then on: a window is hidden at once, and destroyed later
 
         VoiceMiniWindow {
-            visible: true
+            visible: rootWindow.voice ? rootWindow.voice.miniMode : false // qmllint disable unqualified
             voice: rootWindow.voice // qmllint disable unqualified
             simulator: rootWindow.simulator // qmllint disable unqualified
         }

@@ -6,7 +6,6 @@ namespace tarvo::ui {
 
 namespace {
 
-constexpr qsizetype longestCallsign = 20;
 constexpr qint64 longestBreakMs = 600;
 /// Speech comes fifty times a second, and a drawn line needn't grow that often.
 constexpr qint64 growthMs = 200;

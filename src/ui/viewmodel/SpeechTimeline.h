@@ -9,7 +9,7 @@ namespace tarvo::ui {
 /// Somebody's speech on one radio, without a longer break. Times in ms of a clock that never jumps.
 struct Speech
 {
-    int radio = 1; ///< 1: COM1, 2: COM2
+    int radio = 0; ///< 0: COM1, 1: COM2
     QString callsign;
     bool own = false; ///< the pilot himself
     qint64 fromMs = 0;
@@ -23,10 +23,11 @@ class SpeechTimeline : public RowsModel<Speech>
 {
 public:
     static constexpr qint64 spanMs = 60'000;
+    static constexpr qsizetype longestCallsign = 20; ///< characters that are shown
 
     explicit SpeechTimeline(QObject *parent = nullptr);
 
-    /// Speech of this moment: `callsign`, at most 20 characters of it, on `radio`.
+    /// Speech of this moment: of `callsign` on `radio`.
     void heard(int radio, const QString &callsign, bool own, qint64 nowMs);
     /// What ended more than a minute before goes.
     void forgetOld(qint64 nowMs);

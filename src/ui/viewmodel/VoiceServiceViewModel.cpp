@@ -28,7 +28,6 @@ namespace {
 
 constexpr qsizetype mostEvents = 100;
 constexpr qsizetype longestEvent = 300;
-constexpr qsizetype longestCallsign = 20;
 constexpr std::chrono::milliseconds flowsFor = 80ms; ///< four frames
 constexpr std::chrono::milliseconds timelineStep = 500ms;
 constexpr double kHzInMHz = 1000.0;
@@ -72,7 +71,7 @@ VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttServ
     });
     m_timelineTimer.setInterval(timelineStep);
     connect(&m_timelineTimer, &QTimer::timeout, this, &VoiceServiceViewModel::moveTimeline);
-    connect(&ptt, &input::PttService::activeChanged, this, &VoiceServiceViewModel::onPtt);
+    connect(&ptt, &input::PttService::activeChanged, this, &VoiceServiceViewModel::onKey);
     connect(&m_devices, &AudioDevice::deviceListChanged, this, &VoiceServiceViewModel::reportMissingDevices);
     if (m_client)
         connectClient();
@@ -117,8 +116,7 @@ void VoiceServiceViewModel::connectToVoiceServer()
     if (!m_client)
         return;
     qInfo("Connecting to voice server...");
-    m_devices.load();
-    ensureMeterConnections();
+    prepareDevices();
     m_client->connectToServer(m_config.get(config::authToken));
 }
 
@@ -126,7 +124,8 @@ void VoiceServiceViewModel::onConnectionState(ConnectionState state)
 {
     m_state = state;
     const bool named = state == ConnectionState::Ready;
-    m_callsign = named ? shownText(QString::fromStdString(m_client->callsign()), longestCallsign) : unknownCallsign();
+    m_callsign = named ? shownText(QString::fromStdString(m_client->callsign()), SpeechTimeline::longestCallsign)
+                       : unknownCallsign();
     if (state != ConnectionState::Disconnected)
         endTests();
     emit connectStateChanged();
@@ -174,13 +173,21 @@ void VoiceServiceViewModel::setCom2Volume(double volume)
 
 void VoiceServiceViewModel::setPtt(bool active)
 {
-    if (m_pttActive != active)
-        onPtt(active);
+    m_buttonHeld = active;
+    if (m_pttActive != (m_buttonHeld || m_keyHeld))
+        applyPtt();
 }
 
 /// Passes on what it is told already, too: the key may have been held when the engine came into being.
-void VoiceServiceViewModel::onPtt(bool active)
+void VoiceServiceViewModel::onKey(bool active)
 {
+    m_keyHeld = active;
+    applyPtt();
+}
+
+void VoiceServiceViewModel::applyPtt()
+{
+    const bool active = m_buttonHeld || m_keyHeld;
     const bool changed = std::exchange(m_pttActive, active) != active;
     if (m_client)
         m_client->setPtt(active);
@@ -190,6 +197,7 @@ void VoiceServiceViewModel::onPtt(bool active)
 
 void VoiceServiceViewModel::disableTransmit()
 {
+    m_keyHeld = false;
     setPtt(false);
     addEvent(tr("服务器已停止本机发话，请重新按下 PTT"));
 }
@@ -199,19 +207,19 @@ void VoiceServiceViewModel::disableTransmit()
 void VoiceServiceViewModel::onSent(const VolumeInfo &volume)
 {
     m_sendTimer.start();
-    setInputMeter(volume);
     emit sendingChanged();
-    heard(m_com1.transmits ? 1 : 2, m_callsign, true);
+    setInputMeter(volume);
+    heard(static_cast<int>(m_client->currentTransmitter().value_or(0)), m_callsign, true);
 }
 
 void VoiceServiceViewModel::onReceived(const QString &callsign, int kHz, const VolumeInfo &volume)
 {
     m_receiveTimer.start();
     m_lastReceiveFreq = kHz / kHzInMHz;
-    m_lastReceiveCallsign = shownText(callsign, longestCallsign);
+    m_lastReceiveCallsign = shownText(callsign, SpeechTimeline::longestCallsign);
     emit receivingChanged();
     setOutputMeter(volume);
-    heard(std::lround(m_com1.activeMHz * kHzInMHz) == kHz ? 1 : 2, callsign, false);
+    heard(std::lround(m_com1.activeMHz * kHzInMHz) == kHz ? 0 : 1, callsign, false);
 }
 
 void VoiceServiceViewModel::heard(int radio, const QString &callsign, bool own)
@@ -281,8 +289,8 @@ void VoiceServiceViewModel::startMicTest()
 {
     if (!canTest() || m_micTesting)
         return;
-    m_devices.load();
-    ensureMeterConnections();
+    endTests(); // the other one would close the devices under this one
+    prepareDevices();
     m_micTesting = true;
     m_client->audioHandler()->startMicTest(m_loopbackTarget);
     emit voiceTestingChanged();
@@ -303,8 +311,8 @@ void VoiceServiceViewModel::startPlayConflict()
 {
     if (!canTest() || m_conflictTesting)
         return;
-    m_devices.load();
-    ensureMeterConnections();
+    endTests();
+    prepareDevices();
     m_conflictTesting = true;
     m_client->audioHandler()->startConflictTest();
     emit voiceTestingChanged();
@@ -313,15 +321,12 @@ void VoiceServiceViewModel::startPlayConflict()
 
 void VoiceServiceViewModel::stopPlayConflict()
 {
-    if (!canTest())
+    if (!canTest() || !m_conflictTesting)
         return;
-    m_conflictTesting = false;
+    endTests();
     resetMeters();
-    m_client->audioHandler()->stopConflictTest();
-    emit voiceTestingChanged();
 }
 
-/// The session needs the devices for itself.
 void VoiceServiceViewModel::endTests()
 {
     stopMicTest();
@@ -330,6 +335,16 @@ void VoiceServiceViewModel::endTests()
     m_conflictTesting = false;
     m_client->audioHandler()->stopConflictTest();
     emit voiceTestingChanged();
+}
+
+/// A device that was chosen since may not have been told to the engine: the default is only taken at a start.
+void VoiceServiceViewModel::prepareDevices()
+{
+    ensureMeterConnections();
+    if (m_devices.isLoaded())
+        m_devices.announceChosen();
+    else
+        m_devices.load();
 }
 
 /// A test without a device is silent, and the pilot has to know why. Each list holds "Default" beside the devices.
@@ -346,6 +361,8 @@ void VoiceServiceViewModel::reportMissingDevices()
 
 void VoiceServiceViewModel::setMiniMode(bool open)
 {
+    if (!open)
+        setPtt(false); // its button may go while it is held
     if (std::exchange(m_miniMode, open) != open)
         emit miniModeChanged();
 }

@@ -7,6 +7,7 @@
 #include "voice/client/ConnectionState.h"
 
 #include <QObject>
+#include <QPoint>
 #include <QString>
 #include <QTimer>
 #include <QVariantList>
@@ -81,6 +82,7 @@ class VoiceServiceViewModel : public QObject
     Q_PROPERTY(double outputDb READ outputDb NOTIFY outputLevelChanged)
     Q_PROPERTY(QAbstractListModel *speechRows READ speechRows CONSTANT)
     Q_PROPERTY(double timelineNow READ timelineNow NOTIFY timelineMoved)
+    Q_PROPERTY(QPoint miniCorner READ miniCorner NOTIFY miniModeChanged)
     Q_PROPERTY(bool miniMode READ miniMode WRITE setMiniMode NOTIFY miniModeChanged)
 
 public:
@@ -124,12 +126,17 @@ public:
     double timelineNow() const { return static_cast<double>(m_timelineNow); }
     /// The small window that stays on top is open.
     bool miniMode() const { return m_miniMode; }
+    QPoint miniCorner() const { return m_miniCorner; }
     void setMiniMode(bool open);
 
     /// A line on top of the event log, which keeps 100.
     void addEvent(const QString &text);
     /// The server has silenced this client: lets the key go. The next press counts again.
     void disableTransmit();
+    /// The devices are needed, or have been closed under a test.
+    void endTests();
+    /// Where the small window opens: the right bottom corner of the pilot's screen, without task bars.
+    void setMiniCorner(QPoint corner) { m_miniCorner = corner; }
 
     Q_INVOKABLE void connectToVoiceServer();
     Q_INVOKABLE void startMicTest();
@@ -162,10 +169,11 @@ private:
     void onConnectionState(voice::ConnectionState state);
     void onSent(const common::VolumeInfo &volume);
     void onReceived(const QString &callsign, int kHz, const common::VolumeInfo &volume);
-    void onPtt(bool active);
+    void onKey(bool active);
+    void applyPtt();
     void ensureMeterConnections();
     void reportMissingDevices();
-    void endTests();
+    void prepareDevices();
     void setInputMeter(const common::VolumeInfo &volume);
     void setOutputMeter(const common::VolumeInfo &volume);
     void resetMeters();
@@ -182,6 +190,8 @@ private:
     VoiceRadio m_com1;
     VoiceRadio m_com2;
     RowsModel<VoiceEvent> m_events;
+    bool m_keyHeld = false;
+    bool m_buttonHeld = false; ///< the small window's
     bool m_pttActive = false;
     QTimer m_sendTimer;
     QTimer m_receiveTimer;
@@ -197,6 +207,7 @@ private:
     QTimer m_timelineTimer;
     qint64 m_timelineNow = 0;
     bool m_miniMode = false;
+    QPoint m_miniCorner;
 };
 
 } // namespace tarvo::ui

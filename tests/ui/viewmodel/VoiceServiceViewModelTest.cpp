@@ -201,8 +201,37 @@ private slots:
         emit page.ptt.activeChanged(true);
         QVERIFY(gate.isTransmitEnabled());
         QCOMPARE(changed.size(), 1);
+        page.model.setPtt(false);
         emit page.ptt.activeChanged(false);
         QVERIFY(!gate.isTransmitEnabled());
+        QVERIFY(!page.model.pttActive());
+    }
+
+    void keyAndButtonHoldTogether_data()
+    {
+        QTest::addColumn<bool>("keyFirst"); // let go
+        QTest::newRow("the key is let go first") << true;
+        QTest::newRow("the button is let go first") << false;
+    }
+
+    void keyAndButtonHoldTogether()
+    {
+        QFETCH(bool, keyFirst);
+        VoicePage page;
+        emit page.ptt.activeChanged(true);
+        page.model.setPtt(true);
+        keyFirst ? emit page.ptt.activeChanged(false) : page.model.setPtt(false);
+        QVERIFY(page.model.pttActive());
+        keyFirst ? page.model.setPtt(false) : emit page.ptt.activeChanged(false);
+        QVERIFY(!page.model.pttActive());
+    }
+
+    void theSmallWindowTakesItsButtonAlong()
+    {
+        VoicePage page;
+        page.model.setMiniMode(true);
+        page.model.setPtt(true);
+        page.model.setMiniMode(false);
         QVERIFY(!page.model.pttActive());
     }
 
@@ -263,9 +292,14 @@ private slots:
         QFETCH(ConnectionState, state);
         VoicePage page;
         page.model.startMicTest();
-        page.model.startPlayConflict();
-        QVERIFY(page.model.micTesting() && page.model.conflictTesting());
-        page.enter(state); // ends both
+        QVERIFY(page.model.micTesting());
+        page.model.startPlayConflict(); // they share the devices: one at a time
+        QVERIFY(!page.model.micTesting() && page.model.conflictTesting());
+        page.model.startMicTest();
+        QVERIFY(page.model.micTesting() && !page.model.conflictTesting());
+        page.model.stopPlayConflict(); // none runs
+        QVERIFY(page.model.micTesting());
+        page.enter(state);
         QVERIFY(!page.model.micTesting() && !page.model.conflictTesting());
         page.model.startMicTest();
         page.model.startPlayConflict();
@@ -351,9 +385,9 @@ private slots:
         emit page.client.voiceDataSent({});
         const auto &rows = page.model.speechRows()->rows();
         QCOMPARE(rows.size(), 3);
-        QCOMPARE(rows.at(2).radio, 1);
-        QCOMPARE(rows.at(1).radio, 2);
-        QCOMPARE(rows.at(0).radio, 2);
+        QCOMPARE(rows.at(2).radio, 0);
+        QCOMPARE(rows.at(1).radio, 1);
+        QCOMPARE(rows.at(0).radio, 0); // until a radio has transmitted
         QVERIFY(rows.at(0).own && !rows.at(1).own);
     }
 

@@ -89,8 +89,10 @@ ColumnLayout {
         }
 
         Rectangle {
-            visible: meter.peakDb > meter.silence
-            x: 3 + (glass.width - 8) * meter.ratio(meter.peakDb)
+            readonly property real db: Math.max(meter.db, meter.peakDb)
+
+            visible: db > meter.silence
+            x: 3 + (glass.width - 8) * meter.ratio(db)
             y: 3
             width: 2
             height: glass.height - 6

@@ -80,7 +80,7 @@ Rectangle {
 
             objectName: "speechBar"
             x: line.xAt(fromMs) // qmllint disable unqualified
-            y: 6 + (radio - 1) * line.laneHeight + 4 // qmllint disable unqualified
+            y: 6 + radio * line.laneHeight + 4 // qmllint disable unqualified
             width: Math.max(4, line.xAt(toMs) - x) // qmllint disable unqualified
             height: line.laneHeight - 8 // qmllint disable unqualified
             radius: 4

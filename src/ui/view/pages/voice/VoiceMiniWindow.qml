@@ -16,9 +16,13 @@ Window {
     transientParent: null // it stays when the main window is minimised
     width: 280
     height: 150
-    x: Screen.virtualX + Screen.desktopAvailableWidth - width - 16
-    y: Screen.virtualY + Screen.desktopAvailableHeight - height - 16
     color: Style.instrumentBezel
+    onVisibleChanged: { // once: from then on it is where it is dragged to
+        if (!visible || !voice)
+            return
+        x = voice.miniCorner.x - width - 16
+        y = voice.miniCorner.y - height - 16
+    }
 
     DragHandler {
         target: null

@@ -1,0 +1,99 @@
+#include "model/RadioStackState.h"
+#include "support/TestRegistry.h"
+#include "ui/MainStage.h"
+
+#include <QGuiApplication>
+#include <QObject>
+#include <QQmlContext>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+
+using namespace tarvo;
+using test::headingFor;
+using test::MainStage;
+
+/// Voice in the main window, and its small window.
+class MainWindowVoiceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void thePagesFindItUnderBothNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("short") << u"voiceBackend"_qs;
+        QTest::newRow("long") << u"voiceServiceBackend"_qs;
+    }
+
+    void thePagesFindItUnderBothNames()
+    {
+        QFETCH(QString, name);
+        MainStage stage;
+        QCOMPARE(stage.window.view()->rootContext()->contextProperty(name).value<QObject *>(), &stage.window.voice());
+    }
+
+    void theSessionReachesThePage()
+    {
+        MainStage stage;
+        emit stage.network->radioStatesUpdate({.com1Frequency = 118500, .com1StandbyFrequency = 121500});
+        QCOMPARE(stage.window.voice().com1Freq(), u"118.5 MHz / 121.5 MHz"_qs);
+        stage.window.voice().setPtt(true);
+        emit stage.network->disableVoiceTransmit();
+        QVERIFY(!stage.window.voice().pttActive());
+        QCOMPARE(stage.window.voice().eventLog().size(), 1);
+    }
+
+    void theSmallWindowIsFedWhileTheMainOneIsMinimised()
+    {
+        MainStage stage;
+        stage.window.show();
+        emit stage.network->simulatorDataUpdated(headingFor(1));
+        stage.window.voice().setMiniMode(true);
+        stage.window.showMinimized();
+        emit stage.network->simulatorDataUpdated(headingFor(2));
+        QCOMPARE(stage.window.simulator().heading(), 2.0);
+        TRY_VERIFY(smallWindow());
+        stage.window.voice().setMiniMode(false);
+        emit stage.network->simulatorDataUpdated(headingFor(3));
+        QCOMPARE(stage.window.simulator().heading(), 2.0);
+        TRY_VERIFY(!smallWindow());
+    }
+
+    void theSmallWindowKeepsNoProgramAlive()
+    {
+        MainStage stage;
+        stage.window.show();
+        stage.window.voice().setMiniMode(true);
+        TRY_VERIFY(smallWindow());
+        // Qt looks for the last window only while it runs.
+        QTimer::singleShot(0, &stage.window, &QWidget::close);
+        QTimer::singleShot(5000, &stage.window, [] { QCoreApplication::exit(1); });
+        QCOMPARE(QGuiApplication::exec(), 0);
+        QVERIFY(!stage.window.voice().miniMode());
+    }
+
+    void theSmallWindowGoesWithTheSession()
+    {
+        {
+            MainStage stage;
+            stage.window.show();
+            stage.window.voice().setMiniMode(true);
+            TRY_VERIFY(smallWindow());
+        }
+        QVERIFY(!smallWindow());
+    }
+
+private:
+    static const QWindow *smallWindow()
+    {
+        for (const QWindow *window : QGuiApplication::topLevelWindows()) {
+            if (window->objectName() == QLatin1String("voiceMiniWindow") && window->isVisible())
+                return window;
+        }
+        return nullptr;
+    }
+};
+
+TARVO_TEST(MainWindowVoiceTest)
+#include "MainWindowVoiceTest.moc"
