@@ -177,13 +177,18 @@ double AppConfig::get(const RealKey &key) const
 QStringList AppConfig::get(const PathListKey &key) const
 {
     QStringList paths;
-    const QStringList items = read(key.key).toStringList();
+    const QStringList items = storedPaths(key);
     for (const QString &item : items) {
         const QString path = normalizedPath(item);
         if (QFileInfo::exists(path) && !paths.contains(path))
             paths += path;
     }
     return paths;
+}
+
+QStringList AppConfig::storedPaths(const PathListKey &key) const
+{
+    return read(key.key).toStringList();
 }
 
 QString AppConfig::decrypted(const char *key, const QString &stored) const

@@ -38,6 +38,8 @@ public:
     double get(const RealKey &key) const;
     /// Trimmed, canonical paths of the folders that exist, each once.
     QStringList get(const PathListKey &key) const;
+    /// All of the list as the file has it, for a pilot to edit: what is on a drive that is away now is to stay.
+    QStringList storedPaths(const PathListKey &key) const;
 
     void set(const StringKey &key, const QString &value);
     void set(const BoolKey &key, bool value);

@@ -353,6 +353,19 @@ private slots:
         QCOMPARE(AppConfig(m_dir->path()).get(config::xplaneCsl), read);
     }
 
+    void storedPathsAreAllOfThem()
+    {
+        AppConfig settings(m_dir->path());
+        QCOMPARE(settings.storedPaths(config::xplaneCsl).join(QString()), QString());
+        QVERIFY(QDir().mkpath(at(QStringLiteral("real"))));
+        QVERIFY(QFile::link(at(QStringLiteral("real")), at(QStringLiteral("link.lnk"))));
+        const QStringList paths{at(QStringLiteral("link.lnk")), QStringLiteral("/nowhere"), at(QStringLiteral("real")),
+                                QStringLiteral(" C:\\a\\..\\b "), at(QStringLiteral("real"))};
+        settings.set(config::xplaneCsl, paths);
+        QCOMPARE(settings.storedPaths(config::xplaneCsl), paths);
+        QCOMPARE(AppConfig(m_dir->path()).storedPaths(config::xplaneCsl), paths);
+    }
+
     void aLinkAndItsTargetAreOnePath()
     {
         QVERIFY(QDir().mkpath(at(QStringLiteral("real"))));

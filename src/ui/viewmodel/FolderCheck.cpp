@@ -53,8 +53,6 @@ FolderCheck::~FolderCheck()
 
 void FolderCheck::ask(const QStringList &paths)
 {
-    if (paths == m_asked)
-        return;
     m_asked = paths;
     m_worker.clear();
     m_worker.post([shared = m_shared, paths] { shared->report(paths, missingOf(paths)); });

@@ -18,7 +18,8 @@ public:
     explicit FolderCheck(QObject *parent = nullptr);
     ~FolderCheck() override;
 
-    /// Asks about these, and no longer about those that were asked for before.
+    /// Asks about these, and no longer about those that were asked for before. The answer
+    /// comes anew when the question is the same: a folder may have been made since.
     void ask(const QStringList &paths);
 
 signals:

@@ -7,7 +7,7 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 
-#include <algorithm>
+#include <limits>
 #include <optional>
 #include <variant>
 
@@ -93,7 +93,7 @@ void read(const AppConfig &config, const AnyOtherField &field, SettingsValues &v
 
 void read(const AppConfig &config, const PathListField &field, SettingsValues &values)
 {
-    values.*field.value = config.get(field.key).join(u'\n');
+    values.*field.value = config.storedPaths(field.key).join(u'\n');
 }
 
 template <class AnyOtherField>
@@ -165,7 +165,8 @@ void SettingsViewModel::saveAll()
 
 void SettingsViewModel::triggerMsfsLibraryReload()
 {
-    m_config.set(config::msfsLibraryReloadToken, msfsLibraryReloadToken() + 1);
+    const int token = msfsLibraryReloadToken();
+    m_config.set(config::msfsLibraryReloadToken, token == std::numeric_limits<int>::max() ? 0 : token + 1);
     emit settingsChanged();
     setSaveStatus(tr("已触发 MSFS 机模库重载"));
 }

@@ -3,6 +3,7 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -37,8 +38,22 @@ private slots:
             check.ask({u"/nowhere/%1"_qs.arg(i)});
         TRY_COMPARE(answered.size(), 1);
         QCOMPARE(answered[0][0].toStringList(), QStringList{u"/nowhere/49"_qs});
-        check.ask({u"/nowhere/49"_qs}); // the same again
         check.ask({});
+        TRY_COMPARE(answered.size(), 2);
+        QCOMPARE(answered[1][0].toStringList(), QStringList());
+    }
+
+    void theSameQuestionIsAnsweredAnew()
+    {
+        const QTemporaryDir folder;
+        const QString later = folder.filePath(u"later"_qs);
+        FolderCheck check;
+        const QSignalSpy answered(&check, &FolderCheck::answered);
+        check.ask({later});
+        TRY_COMPARE(answered.size(), 1);
+        QCOMPARE(answered[0][0].toStringList(), QStringList{later});
+        QVERIFY(QDir().mkpath(later));
+        check.ask({later});
         TRY_COMPARE(answered.size(), 2);
         QCOMPARE(answered[1][0].toStringList(), QStringList());
     }

@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <limits>
 #include <memory>
 
 using tarvo::AppConfig;
@@ -143,16 +144,24 @@ private slots:
         QCOMPARE(stage.stored(key).toString(), QString());
     }
 
-    void aPathThatIsNotThereIsKept()
+    void listsAreShownAndKeptAsTheyAreStored()
     {
         SettingsStage stage;
-        stage.set("xplaneCslPathsText", u"/nowhere/csl"_qs);
-        stage.save();
-        QCOMPARE(stage.stored(u"XPlane/CSL"_qs).toStringList(), QStringList{u"/nowhere/csl"_qs});
+        const QString there = stage.makeFolder(u"there"_qs);
+        const QString odd = there + u"/../there"_qs;
+        const QString gone = u"/nowhere/on a drive"_qs;
+        stage.config.set(config::xplaneCsl, {there, gone, odd});
+        QCOMPARE(stage.get("xplaneCslPathsText"), QStringList({there, gone, odd}).join(u'\n'));
+        QVERIFY(!stage.model().isEdited());
+        TRY_COMPARE(stage.model().hints(), (QVariantMap{{u"xplaneCslPathsText"_qs, u"找不到文件夹："_qs + gone}}));
+        const QString other = stage.makeFolder(u"other"_qs);
+        stage.set("xplaneCslPathsText", QStringList({other, gone, odd}).join(u'\n'));
+        QCOMPARE(stage.save(), QStringList{u"XPlane/CSL"_qs});
+        QCOMPARE(stage.stored(u"XPlane/CSL"_qs).toStringList(), (QStringList{other, gone, odd}));
+        TRY_COMPARE(stage.model().hints(), (QVariantMap{{u"xplaneCslPathsText"_qs, u"找不到文件夹："_qs + gone}}));
+        stage.model().reload();
+        QCOMPARE(stage.get("xplaneCslPathsText"), QStringList({other, gone, odd}).join(u'\n'));
         QCOMPARE(stage.save(), QStringList());
-        stage.model().reload(); // it comes back when the folder does
-        QCOMPARE(stage.save(), QStringList());
-        QCOMPARE(stage.stored(u"XPlane/CSL"_qs).toStringList(), QStringList{u"/nowhere/csl"_qs});
     }
 
     void theOrderIsTheTables()
@@ -243,6 +252,11 @@ private slots:
         SettingsStage stage;
         stage.config.set(config::profileHomeAirport, storedAirport);
         QTEST(stage.get("homeAirport").toString(), "shown");
+        QVERIFY(!stage.model().isEdited()); // by nobody
+        stage.set("homeAirport", u"ZGGG"_qs);
+        QVERIFY(stage.model().isEdited());
+        stage.model().reload();
+        QVERIFY(!stage.model().isEdited());
         stage.save();
         QTEST(stage.config.get(config::profileHomeAirport), "shown");
     }
@@ -271,6 +285,14 @@ private slots:
         stage.model().triggerMSFSLibraryReload();
         QCOMPARE(stage.config.get(config::msfsLibraryReloadToken), 2);
         QCOMPARE(stage.get("username"), u"1001"_qs); // edits stay
+    }
+
+    void theTokenBeginsAnewAfterTheHighest()
+    {
+        SettingsStage stage;
+        stage.config.set(config::msfsLibraryReloadToken, std::numeric_limits<int>::max()); // by hand
+        stage.model().triggerMsfsLibraryReload();
+        QCOMPARE(stage.get("msfsLibraryReloadToken"), 0);
     }
 
     void theBuild()
@@ -325,6 +347,26 @@ private slots:
         QVERIFY(!stage.model().hints().contains(u"msfsCommunityPath2024"_qs));
         QVERIFY(!told.isEmpty());
         stage.set("xplaneCslPathsText", there);
+        TRY_COMPARE(stage.model().hints(), QVariantMap());
+    }
+
+    void aFolderIsMadeMeanwhile_data()
+    {
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("seen by saving") << true;
+        QTest::newRow("seen by reloading") << false;
+    }
+    void aFolderIsMadeMeanwhile()
+    {
+        QFETCH(bool, saved);
+        SettingsStage stage;
+        stage.config.set(config::msfsPackagesPath2020, stage.folder.filePath(u"later"_qs));
+        TRY_VERIFY(stage.model().hints().contains(u"msfsPackagesPath2020"_qs));
+        stage.makeFolder(u"later"_qs);
+        if (saved)
+            stage.model().saveAll();
+        else
+            stage.model().reload();
         TRY_COMPARE(stage.model().hints(), QVariantMap());
     }
 };
