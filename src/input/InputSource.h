@@ -17,6 +17,8 @@ public:
     /// `mask`: one of MouseMask.
     virtual void onButtonDown(int mask) = 0;
     virtual void onButtonUp(int mask) = 0;
+    /// Nothing is heard any more: what is held now will never be told to be up.
+    virtual void onSilence() = 0;
 
 protected:
     ~InputListener() = default;

@@ -149,6 +149,7 @@ void X11InputSource::Connection::drain()
     if (m_isLost && m_notifier.isEnabled()) {
         m_notifier.setEnabled(false);
         qWarning() << "PttHandler: the X server is gone, no key is heard any more";
+        m_listener->onSilence();
     }
 }
 

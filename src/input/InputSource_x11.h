@@ -7,7 +7,8 @@ class QByteArray;
 namespace tarvo::input {
 
 /// Raw events of an X server with XInput 2.2, over a connection of its own. They come without focus, and while another
-/// program has grabbed the keyboard. A server that goes away takes nothing with it: the source is silent from then on.
+/// program has grabbed the keyboard. A server that goes away takes nothing with it: the source is silent from then on,
+/// and says so.
 class X11InputSource : public InputSource
 {
 public:

@@ -16,8 +16,8 @@ struct PttBinding
     };
 
     Type type = Type::Keyboard;
-    qint32 code =
-        0; ///< keyboard: Windows' virtual-key code; mouse: a mask of MouseMask.h; joystick: the button's number
+    /// Keyboard: Windows' virtual-key code; mouse: a mask of MouseMask.h; joystick: the button's number.
+    qint32 code = 0;
     qint32 joystick = -1; ///< SDL's instance id; -1 for keyboard and mouse
 
     bool operator==(const PttBinding &) const = default;

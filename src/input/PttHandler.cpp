@@ -99,6 +99,12 @@ void PttHandler::onButtonUp(int mask)
     release({Type::Mouse, mask, -1});
 }
 
+void PttHandler::onSilence()
+{
+    if (m_binding.type != Type::Joystick) // those are heard by another road
+        setActive(false);
+}
+
 void PttHandler::onJoystickButton(int joystick, int button, bool pressed)
 {
     const PttBinding control{Type::Joystick, button, joystick};

@@ -51,6 +51,7 @@ private:
     void onKeyUp(int virtualKey) override;
     void onButtonDown(int mask) override;
     void onButtonUp(int mask) override;
+    void onSilence() override;
     void onJoystickButton(int joystick, int button, bool pressed);
     void onJoystickRemoved(int joystick);
 

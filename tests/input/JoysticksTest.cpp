@@ -143,6 +143,8 @@ private slots:
         stage.handler.pollJoystick();
         stage.handler.pollJoystick();
         QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+        stage.input.silence(); // of keys and the mouse
+        QVERIFY(stage.handler.isActive());
         joystick.press(4);
         joystick.release(4);
         stage.handler.pollJoystick();

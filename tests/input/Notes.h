@@ -18,6 +18,7 @@ public:
     void onKeyUp(int virtualKey) override { m_lines << u"key %1 up"_qs.arg(virtualKey); }
     void onButtonDown(int mask) override { m_lines << u"button %1 down"_qs.arg(mask); }
     void onButtonUp(int mask) override { m_lines << u"button %1 up"_qs.arg(mask); }
+    void onSilence() override { m_lines << u"silence"_qs; }
 
     const QStringList &lines() const { return m_lines; }
 

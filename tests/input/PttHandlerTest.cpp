@@ -104,6 +104,20 @@ private slots:
         QCOMPARE(stage.witness.take(), (QStringList{u"down"_qs, u"up"_qs}));
     }
 
+    void silenceReleases()
+    {
+        ScriptedHandler stage;
+        stage.input.silence();
+        stage.handler.setBinding(mouse(LeftButton));
+        stage.input.buttonDown(LeftButton);
+        stage.input.silence();
+        stage.handler.setBinding(keyboard(keyA));
+        stage.input.keyDown(keyA);
+        stage.input.silence();
+        stage.input.silence();
+        QCOMPARE(stage.witness.take(), (QStringList{u"down"_qs, u"up"_qs, u"down"_qs, u"up"_qs}));
+    }
+
     void anInjectedKeyDownIsIgnored()
     {
         ScriptedHandler stage;

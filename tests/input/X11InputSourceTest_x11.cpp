@@ -300,7 +300,35 @@ private slots:
         LogCapture log;
         server.kill();
         TRY_COMPARE(log.texts(), QStringList{u"PttHandler: the X server is gone, no key is heard any more"_qs});
+        QCOMPARE(notes.lines(), QStringList{u"silence"_qs});
         QCOMPARE(source.keyName(rightCtrl), QString());
+    }
+
+    void theServerGoesWhileTheBoundOneIsHeld_data()
+    {
+        QTest::addColumn<QString>("bound");
+        QTest::newRow("a key") << u"kb:163"_qs;
+        QTest::newRow("a button") << u"ms:8"_qs;
+    }
+    void theServerGoesWhileTheBoundOneIsHeld()
+    {
+        QFETCH(QString, bound);
+        XServer server;
+        server.start();
+        PttHandler handler(std::make_unique<X11InputSource>(server.display(), XTestMeans::IsAFinger));
+        PttService service(handler);
+        service.setBoundKey(bound);
+        const QSignalSpy active(&service, &PttService::activeChanged);
+        {
+            OtherProgram other(server.display()); // it can't outlive its server
+            other.key(evdevRightCtrl, true);
+            other.button(8, true);
+        }
+        TRY_COMPARE(active.size(), 1);
+        const LogCapture log;
+        server.kill();
+        TRY_COMPARE(active.size(), 2);
+        QVERIFY(!handler.isActive());
     }
 
     void theServerGoesUnnoticed()
@@ -314,6 +342,7 @@ private slots:
         QCOMPARE(source.keyName(rightCtrl), QString()); // it has to ask the server
         LogCapture log;
         TRY_COMPARE(log.texts().size(), 1);
+        QCOMPARE(notes.lines(), QStringList{u"silence"_qs});
     }
 
     void theServerGoesBeforeTheStart()

@@ -20,6 +20,7 @@ public:
     void keyUp(int virtualKey) { m_listener->onKeyUp(virtualKey); }
     void buttonDown(int mask) { m_listener->onButtonDown(mask); }
     void buttonUp(int mask) { m_listener->onButtonUp(mask); }
+    void silence() { m_listener->onSilence(); }
 
     QHash<int, QString> names;
 
