@@ -42,7 +42,7 @@ VoiceSettingsViewModel::VoiceSettingsViewModel(AppConfig &config, AudioDevice &d
                                                QObject *parent)
     : QObject(parent), m_config(config), m_devices(devices), m_ptt(ptt)
 {
-    connect(&m_devices, &AudioDevice::deviceListChanged, this, &VoiceSettingsViewModel::onListChanged);
+    connect(&m_devices, &AudioDevice::deviceListChanged, this, &VoiceSettingsViewModel::deviceListChanged);
     connect(&m_devices, &AudioDevice::deviceChanged, this, &VoiceSettingsViewModel::deviceChanged);
     connect(&m_ptt, &PttService::boundKeyChanged, this, &VoiceSettingsViewModel::pttDisplayNameChanged);
     connect(&m_ptt, &PttService::keyCaptured, this, &VoiceSettingsViewModel::onKeyCaptured);
@@ -257,21 +257,10 @@ void VoiceSettingsViewModel::whenLoaded(std::function<void()> step)
         step();
         return;
     }
-    m_waiting.append(std::move(step));
+    // Queued: the first list comes a moment before the devices count as loaded.
+    connect(&m_devices, &AudioDevice::deviceListChanged, this, std::move(step),
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     m_devices.load();
-}
-
-void VoiceSettingsViewModel::onListChanged()
-{
-    emit deviceListChanged();
-    // The first list comes a moment before the devices count as loaded.
-    QMetaObject::invokeMethod(this, &VoiceSettingsViewModel::doWhatWaited, Qt::QueuedConnection);
-}
-
-void VoiceSettingsViewModel::doWhatWaited()
-{
-    for (const auto &step : std::exchange(m_waiting, {}))
-        whenLoaded(step);
 }
 
 void VoiceSettingsViewModel::startPttListening()

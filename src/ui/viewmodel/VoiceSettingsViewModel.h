@@ -104,8 +104,6 @@ signals:
 
 private:
     void whenLoaded(std::function<void()> step);
-    void onListChanged();
-    void doWhatWaited();
     void choose(const StringKey &key, QStringList (voice::AudioDevice::*names)() const,
                 void (voice::AudioDevice::*set)(int), int index);
     QString hint(const StringKey &key, const QStringList &names) const;
@@ -117,7 +115,6 @@ private:
     voice::AudioDevice &m_devices;
     input::PttService &m_ptt;
     bool m_pttListening = false;
-    QList<std::function<void()>> m_waiting; ///< for the devices to be loaded
 };
 
 } // namespace tarvo::ui::viewmodel
