@@ -3,6 +3,8 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -168,6 +170,27 @@ private slots:
         QCOMPARE(text(u"saveStatus"_qs), u"已触发 MSFS 机模库重载"_qs);
         m_harness->click(item("reloadLibrary2024"));
         QCOMPARE(m_harness->config().get(config::msfsLibraryReloadToken), 2);
+    }
+
+    void aKeyHeldDownPressesOnce_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::newRow("Return") << int(Qt::Key_Return);
+        QTest::newRow("Enter") << int(Qt::Key_Enter);
+        QTest::newRow("Space") << int(Qt::Key_Space);
+    }
+    void aKeyHeldDownPressesOnce()
+    {
+        QFETCH(int, key);
+        item("reloadLibrary2020")->forceActiveFocus();
+        hold(key);
+        QCOMPARE(m_harness->config().get(config::msfsLibraryReloadToken), 1);
+        if (key == Qt::Key_Enter) // the pad's turns no box
+            return;
+        item("rememberBox")->forceActiveFocus();
+        hold(key);
+        QCOMPARE(m_harness->settings().property("rememberPassword"), true);
+        QCOMPARE(item("rememberBox")->property("checked"), true);
     }
 
     void aDeviceIsPicked_data()
@@ -417,6 +440,19 @@ private:
         QTest::keySequence(&m_harness->view, QKeySequence::SelectAll);
         QTest::keyClick(&m_harness->view, Qt::Key_Delete);
         m_harness->type(typed);
+    }
+
+    /// Until the keyboard has repeated it three times.
+    void hold(int key)
+    {
+        QTest::keyPress(&m_harness->view, Qt::Key(key));
+        for (int i = 0; i < 3; ++i) {
+            for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+                QKeyEvent repeated(type, key, Qt::NoModifier, QString(), true);
+                QCoreApplication::sendEvent(&m_harness->view, &repeated);
+            }
+        }
+        QTest::keyRelease(&m_harness->view, Qt::Key(key));
     }
 
     std::unique_ptr<PageHarness> m_harness;

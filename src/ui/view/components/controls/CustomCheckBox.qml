@@ -10,10 +10,13 @@ CheckBox {
     implicitHeight: 32
     font.family: Style.fontFamily
     font.pixelSize: Style.fontBody
-    Keys.onReturnPressed: {
+    Keys.onReturnPressed: event => {
+        if (event.isAutoRepeat)
+            return
         toggle()
         toggled()
     }
+    Keys.onReleased: event => event.accepted = event.isAutoRepeat // X11 repeats Space as whole clicks
 
     indicator: Rectangle {
         y: (box.height - height) / 2

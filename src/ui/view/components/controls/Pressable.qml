@@ -2,16 +2,17 @@ import QtQuick
 import QtQuick.Controls.Basic
 import "../.."
 
-/// What every button has: Return and Enter press it, the pointer is a hand over it, and it wears a ring while the keyboard
-/// is on it. What it looks like is the user's.
+/// What every button has: Return and Enter press it, once however long they are held, the pointer is a hand over it, and it
+/// wears a ring while the keyboard is on it. What it looks like is the user's.
 AbstractButton {
     readonly property int ringWidth: visualFocus ? 2 : 0
     readonly property color ringColor: Style.controlBorderActive
 
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked() }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked() }
+    Keys.onReleased: event => event.accepted = event.isAutoRepeat // X11 repeats Space as whole clicks
 
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 }
