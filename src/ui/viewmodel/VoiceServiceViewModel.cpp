@@ -32,7 +32,7 @@ constexpr std::chrono::milliseconds flowsFor = 80ms; ///< four frames
 constexpr std::chrono::milliseconds timelineStep = 500ms;
 constexpr double kHzInMHz = 1000.0;
 
-constexpr Role<VoiceEvent> eventRoles[] = {
+constexpr Role<VoiceEvent> voiceEventRoles[] = {
     {"time", member<&VoiceEvent::time, VoiceEvent>},
     {"text", member<&VoiceEvent::text, VoiceEvent>},
 };
@@ -52,7 +52,7 @@ VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttServ
       m_config(config),
       m_clock(clock),
       m_callsign(unknownCallsign()),
-      m_events(eventRoles)
+      m_events(voiceEventRoles)
 {
     m_sendTimer.setObjectName(QStringLiteral("sendTimer"));
     m_receiveTimer.setObjectName(QStringLiteral("receiveTimer"));
