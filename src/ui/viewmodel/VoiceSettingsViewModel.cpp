@@ -242,10 +242,11 @@ void VoiceSettingsViewModel::choose(const StringKey &key, QStringList (AudioDevi
                                     void (AudioDevice::*set)(int), int index)
 {
     whenLoaded([=, this] {
-        const QStringList offered = (m_devices.*names)();
+        AudioDevice &devices = m_devices; // UndefinedBehaviorSanitizer of g++ 12 can't do without
+        const QStringList offered = (devices.*names)();
         if (index < 0 || index >= offered.size())
             return;
-        (m_devices.*set)(index);
+        (devices.*set)(index);
         m_config.set(key, offered[index]);
         emit deviceChanged(); // AudioDevice tells nothing of the default, and knows nothing of the hints
     });
