@@ -82,7 +82,8 @@ class VoiceServiceViewModel : public QObject
     Q_PROPERTY(double outputDb READ outputDb NOTIFY outputLevelChanged)
     Q_PROPERTY(QAbstractListModel *speechRows READ speechRows CONSTANT)
     Q_PROPERTY(double timelineNow READ timelineNow NOTIFY timelineMoved)
-    Q_PROPERTY(QPoint miniCorner READ miniCorner NOTIFY miniModeChanged)
+    Q_PROPERTY(int miniRight READ miniRight NOTIFY miniModeChanged)
+    Q_PROPERTY(int miniBottom READ miniBottom NOTIFY miniModeChanged)
     Q_PROPERTY(bool miniMode READ miniMode WRITE setMiniMode NOTIFY miniModeChanged)
 
 public:
@@ -126,7 +127,9 @@ public:
     double timelineNow() const { return static_cast<double>(m_timelineNow); }
     /// The small window that stays on top is open.
     bool miniMode() const { return m_miniMode; }
-    QPoint miniCorner() const { return m_miniCorner; }
+    // Where it opens, as setMiniCorner() was told.
+    int miniRight() const { return m_miniCorner.x(); }
+    int miniBottom() const { return m_miniCorner.y(); }
     void setMiniMode(bool open);
 
     /// A line on top of the event log, which keeps 100.

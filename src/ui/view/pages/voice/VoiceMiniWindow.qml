@@ -20,8 +20,8 @@ Window {
     onVisibleChanged: { // once: from then on it is where it is dragged to
         if (!visible || !voice)
             return
-        x = voice.miniCorner.x - width - 16
-        y = voice.miniCorner.y - height - 16
+        x = voice.miniRight - width - 16
+        y = voice.miniBottom - height - 16
     }
 
     DragHandler {
