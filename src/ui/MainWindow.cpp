@@ -135,7 +135,9 @@ void MainWindow::exposeModels()
 void MainWindow::followScreen()
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
-    const auto takeCorner = [this, screen] { m_voice.setMiniCorner(screen->availableGeometry().bottomRight()); };
+    const auto takeCorner = [this, screen] {
+        m_voice.setMiniCorner(screen->availableGeometry().bottomRight() + QPoint(1, 1));
+    };
     takeCorner();
     connect(screen, &QScreen::availableGeometryChanged, this, takeCorner);
 }

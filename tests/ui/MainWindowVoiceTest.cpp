@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QObject>
 #include <QQmlContext>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
@@ -60,6 +61,21 @@ private slots:
         TRY_VERIFY(!smallWindow());
     }
 
+    void theSmallWindowOpensInTheCorner()
+    {
+        MainStage stage;
+        stage.window.show();
+        for (const QPoint &draggedTo : {QPoint(10, 10), QPoint(20, 20)}) { // it remembers nothing
+            stage.window.voice().setMiniMode(true);
+            TRY_VERIFY(smallWindow());
+            const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+            TRY_COMPARE(smallWindow()->position(), QPoint(screen.width() - 280 - 16, screen.height() - 150 - 16));
+            smallWindow()->setPosition(draggedTo);
+            stage.window.voice().setMiniMode(false);
+            TRY_VERIFY(!smallWindow());
+        }
+    }
+
     void theSmallWindowKeepsNoProgramAlive()
     {
         MainStage stage;
@@ -85,9 +101,9 @@ private slots:
     }
 
 private:
-    static const QWindow *smallWindow()
+    static QWindow *smallWindow()
     {
-        for (const QWindow *window : QGuiApplication::topLevelWindows()) {
+        for (QWindow *window : QGuiApplication::topLevelWindows()) {
             if (window->objectName() == QLatin1String("voiceMiniWindow") && window->isVisible())
                 return window;
         }

@@ -138,7 +138,7 @@ public:
     void disableTransmit();
     /// The devices are needed, or have been closed under a test.
     void endTests();
-    /// Where the small window opens: the right bottom corner of the pilot's screen, without task bars.
+    /// Where the small window opens: behind the last pixel of the pilot's screen, right and bottom, without task bars.
     void setMiniCorner(QPoint corner) { m_miniCorner = corner; }
 
     Q_INVOKABLE void connectToVoiceServer();

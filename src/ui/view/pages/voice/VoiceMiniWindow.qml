@@ -17,11 +17,13 @@ Window {
     width: 280
     height: 150
     color: Style.instrumentBezel
-    onVisibleChanged: { // once: from then on it is where it is dragged to
-        if (!visible || !voice)
-            return
-        x = voice.miniRight - width - 16
-        y = voice.miniBottom - height - 16
+    Component.onCompleted: place()
+    onVisibleChanged: place()
+
+    /// At each opening; from then on it is where it is dragged to.
+    function place(): void {
+        if (visible && voice) // in one go: set one by one, the second would undo the first
+            setGeometry(voice.miniRight - width - 16, voice.miniBottom - height - 16, width, height)
     }
 
     DragHandler {
