@@ -104,6 +104,7 @@ void readLog(QtMsgType, const QMessageLogContext &, const QString &text)
 int tell(const std::vector<Delay> &found, std::size_t said)
 {
     std::vector<double> sorted;
+    sorted.reserve(found.size());
     for (const Delay &one : found)
         sorted.push_back(one.delay * 1000);
     std::sort(sorted.begin(), sorted.end());
