@@ -1,3 +1,4 @@
+#include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
 #include <QApplication>
@@ -5,7 +6,10 @@
 
 int main(int argc, char **argv)
 {
-    qputenv("PULSE_SERVER", "unix:/nonexistent"); // no test makes a noise, and all machines are alike
+    // No test makes a noise or finds a device of this machine, and all machines are alike.
+    qputenv("ALSA_CONFIG_PATH", tarvo::test::sourceFile(QStringLiteral("tests/support/no-sound.conf")).toUtf8());
+    qputenv("JACK_NO_START_SERVER", "1");
+    qputenv("PULSE_SERVER", "unix:/nonexistent");
     QApplication app(argc, argv);
     QStandardPaths::setTestModeEnabled(true); // nothing that a test writes reaches the user's own folders
     return tarvo::test::runAllTests(argc, argv);
