@@ -10,6 +10,8 @@ ColumnLayout {
     property real db: silence
     property real percent: 0
     readonly property real silence: -96
+    property real shownDb: silence
+    property real shownPercent: 0
     property real peakDb: silence
 
     function ratio(level: real): real {
@@ -17,24 +19,22 @@ ColumnLayout {
     }
 
     spacing: Style.spacingTiny
-    onDbChanged: {
-        if (db < peakDb || db <= silence)
-            return
-        peakDb = db
-        fall.restart()
-    }
     Accessible.role: Accessible.ProgressBar
     Accessible.name: label + " " + reading.text
 
-    SequentialAnimation {
-        id: fall
+    // Levels come fifty times a second, and each change paints the window anew: ten are enough for the eye.
+    Timer {
+        property int held: 0 ///< for how many tenths of a second the mark has stood
 
-        PauseAnimation { duration: 1000 }
-        NumberAnimation {
-            target: meter
-            property: "peakDb"
-            to: meter.silence
-            duration: 1500
+        interval: 100
+        repeat: true
+        triggeredOnStart: true
+        running: meter.db > meter.silence || meter.peakDb > meter.silence
+        onTriggered: {
+            meter.shownDb = meter.db
+            meter.shownPercent = meter.percent
+            held = meter.db >= meter.peakDb ? 0 : held + 1
+            meter.peakDb = held === 0 ? meter.db : held > 10 ? Math.max(meter.silence, meter.peakDb - 6) : meter.peakDb
         }
     }
 
@@ -53,7 +53,7 @@ ColumnLayout {
             id: reading
 
             objectName: "levelReading"
-            text: qsTr("%1 %  %2 dB").arg(Math.round(meter.percent)).arg(Format.fixed(meter.db, 1))
+            text: qsTr("%1 %  %2 dB").arg(Math.round(meter.shownPercent)).arg(Format.fixed(meter.shownDb, 1))
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
         }
@@ -70,7 +70,7 @@ ColumnLayout {
         Item { // shows as much of the whole scale's colours as is lit
             x: 3
             y: 3
-            width: (glass.width - 6) * meter.ratio(meter.db)
+            width: (glass.width - 6) * meter.ratio(meter.shownDb)
             height: glass.height - 6
             clip: true
 
@@ -89,10 +89,8 @@ ColumnLayout {
         }
 
         Rectangle {
-            readonly property real db: Math.max(meter.db, meter.peakDb)
-
-            visible: db > meter.silence
-            x: 3 + (glass.width - 8) * meter.ratio(db)
+            visible: meter.peakDb > meter.silence
+            x: 3 + (glass.width - 8) * meter.ratio(meter.peakDb)
             y: 3
             width: 2
             height: glass.height - 6
