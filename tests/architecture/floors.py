@@ -15,6 +15,7 @@ FLOORS = {
     'core': 1, 'model': 1,
     'fsd/pdu': 2, 'fsd': 2, 'network': 2, 'simulator': 2, 'input': 2,
     'voice/wire': 2, 'voice/transport': 2, 'voice/codec': 2, 'voice/engine': 2, 'voice/client': 2,
+    'simulator/msfs/simconnect': 1, 'simulator/msfs/simvar': 2, 'simulator/msfs/session': 3, 'simulator/msfs/library': 3,
     'simulator/xplane': 3, 'simulator/msfs': 3,
     'manager': 4, 'ui/viewmodel': 4,
     'ui': 5, 'ui/view': 5,
@@ -22,7 +23,8 @@ FLOORS = {
 }
 SAME_FLOOR_ALLOWED = {('common/nng', 'common'), ('fsd', 'fsd/pdu'), ('voice/engine', 'voice/codec'), ('voice/transport', 'voice/wire'),
                       ('voice/client', 'voice/wire'), ('voice/client', 'voice/transport'), ('voice/client', 'voice/engine'),
-                      ('simulator/msfs', 'network')}
+                      ('simulator/msfs/library', 'network'), ('simulator/msfs', 'network'),
+                      ('simulator/msfs', 'simulator/msfs/session'), ('simulator/msfs', 'simulator/msfs/library')}
 # A view model is fed by the windows, never by a manager or a simulator.
 ONLY = {
     'ui/viewmodel': {'network', 'voice/client', 'voice/engine', 'input', 'core', 'model', 'common'},
@@ -30,7 +32,10 @@ ONLY = {
     'manager': {'fsd', 'fsd/pdu', 'network', 'simulator', 'voice/client', 'voice/engine', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
     'voice/wire': {'common'},
-    'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'voice/wire', 'practice'},
+    # Nothing above the session knows SimConnect's own structures.
+    'simulator/msfs': {'simulator/msfs/session', 'simulator/msfs/library', 'simulator/msfs/simvar', 'simulator', 'network',
+                       'core', 'model', 'common'},
+    'practice': {'common', 'common/nng', 'model', 'fsd/pdu', 'voice/wire', 'simulator/msfs/simconnect', 'practice'},
 }
 # Who may include whom inside of practice/.
 ROOMS = {
@@ -40,6 +45,7 @@ ROOMS = {
     'people': {'fsd', 'flight'},
     'xplane': {'flight'},
     'voice': {'account'},
+    'simconnect': {'flight'},
     'PracticeNetwork': {'account', 'fsd', 'people', 'voice', 'xplane'},
     'control': {'PracticeNetwork'},
     'Console': {'PracticeNetwork', 'control', 'fsd'},

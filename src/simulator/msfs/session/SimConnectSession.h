@@ -1,0 +1,99 @@
+#pragma once
+
+#include "simulator/msfs/session/SimConnectError.h"
+#include "simulator/msfs/simvar/MsfsRuntimeProfile.h"
+#include "simulator/msfs/simvar/SimKey.h"
+#include "simulator/msfs/simvar/UpdateGroup.h"
+
+#include <QObject>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace tarvo::simulator::msfs {
+
+class SimConnectBinding;
+
+/// Where another aircraft is put. Heights are feet here and only here.
+struct RemotePosition
+{
+    double latitude = 0.0;     ///< degrees
+    double longitude = 0.0;    ///< degrees
+    double altitudeFeet = 0.0; ///< above mean sea level
+    double pitch = 0.0;        ///< degrees
+    double bank = 0.0;         ///< degrees
+    double heading = 0.0;      ///< degrees true
+    bool onGround = false;
+    double speedKnots = 0.0; ///< a negative one counts as 0
+
+    bool operator==(const RemotePosition &) const = default;
+};
+
+/// The one talker to SimConnect: opens it, pumps its messages twenty times a second, owns every id, and tells what came
+/// as signals with plain values. Main thread only.
+class SimConnectSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Over the program's one binding, or over the given one.
+    explicit SimConnectSession(QObject *parent = nullptr);
+    explicit SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent = nullptr);
+    /// Closes.
+    ~SimConnectSession() override;
+
+    /// True when the session is open afterwards; otherwise errorOccurred told why. connected() is raised inside.
+    bool open();
+    /// Nothing when it is closed. disconnected() is raised inside.
+    void close();
+    bool isOpen() const;
+
+    void registerDefinitions();
+    void subscribeGroup(UpdateGroup group);
+    void unsubscribeGroup(UpdateGroup group);
+    void requestGroupOnce(UpdateGroup group);
+    void enumerateInputEvents();
+
+    /// Writes to the pilot's own aircraft; a failure is logged. `value` in the unit of a sample.
+    void setDataValue(SimKey key, const QVariant &value);
+    /// Writes to another object; also rows that are never read.
+    void setObjectDataValue(quint32 objectId, SimKey key, const QVariant &value);
+    void sendCommand(CommandKey key, quint32 data);
+
+    /// Only submits: remoteAircraftCreated comes later, or remoteAircraftCreateFailed without an id.
+    void createRemoteAircraft(quint32 requestId, const QString &containerTitle, const QString &livery,
+                              const QString &callsign, const RemotePosition &position);
+    void removeRemoteAircraft(quint32 objectId, quint32 requestId);
+    void updateRemoteAircraftPosition(quint32 objectId, const RemotePosition &position);
+
+    /// Outlives close().
+    void setTrafficEnabled(bool enabled);
+    /// Metres, at most 200,000; outlives close().
+    void setTrafficRadius(quint32 radius);
+
+    MsfsRuntimeProfile runtimeProfile() const;
+
+signals:
+    void connected();
+    void disconnected();
+    void errorOccurred(tarvo::simulator::msfs::SimConnectError error, const QString &message);
+    /// A sample of one group: data keys of the table, converted values.
+    void dataReceived(tarvo::simulator::msfs::UpdateGroup group, const QVariantMap &data);
+    void msfsVersionDetected(const QString &version);
+    void simConnectVersionDetected(const QString &version);
+    void runtimeProfileDetected(tarvo::simulator::msfs::MsfsRuntimeProfile profile);
+    void remoteAircraftCreated(quint32 requestId, quint32 objectId);
+    void remoteAircraftCreateFailed();
+    void remoteAircraftRemoved(quint32 requestId, quint32 objectId);
+    /// Every aircraft in range; the rows of Simulator::trafficSnapshotChanged.
+    void trafficSnapshotReceived(const QVariantList &contacts);
+    void userAircraftTitleDetected(const QString &containerTitle);
+    void inputEventValueChanged(const QString &name, double value);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d; // sketch: the session's builder decides the inside
+};
+
+} // namespace tarvo::simulator::msfs
