@@ -34,11 +34,20 @@ private slots:
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QStringList>("shown");
         QTest::addColumn<QStringList>("hidden");
-        const QStringList xplane{u"X-Plane 飞行状态"_qs, u"交通目标"_qs, u"X-Plane 无线电控制"_qs,
-                                 u"灯光与发动机"_qs,     u"会话状态"_qs, u"X-Plane 插件状态"_qs,
-                                 u"插件状态"_qs,         u"CSL 状态"_qs, u"映射状态"_qs,
-                                 u"X-Plane 版本"_qs,     u"暂停"_qs,     u"地面状态"_qs,
-                                 u"起落架"_qs,           u"航电"_qs,     u"X-Plane 120105"_qs};
+        const QStringList xplane{u"X-Plane 飞行状态"_qs,
+                                 u"交通目标"_qs,
+                                 u"X-Plane 无线电控制"_qs,
+                                 u"灯光与发动机"_qs,
+                                 u"会话状态"_qs,
+                                 u"X-Plane 插件状态"_qs,
+                                 u"插件状态"_qs,
+                                 u"CSL 状态"_qs,
+                                 u"X-Plane 版本"_qs,
+                                 u"暂停"_qs,
+                                 u"地面状态"_qs,
+                                 u"起落架"_qs,
+                                 u"航电"_qs,
+                                 u"X-Plane 120105"_qs};
         const QStringList msfs{u"飞行姿态"_qs, u"MSFS 交通快照"_qs, u"无线电与应答机"_qs, u"机体与灯光"_qs,
                                u"发动机"_qs};
         QTest::newRow("X-Plane") << u"XPLANE"_qs << xplane << msfs;
@@ -55,6 +64,8 @@ private slots:
             QVERIFY2(m_harness->itemWithText(text), qPrintable(text));
         for (const QString &text : hidden)
             QVERIFY2(!m_harness->itemWithText(text), qPrintable(text));
+        for (const QString &text : {u"映射状态"_qs, u"已加载 1286 个模型"_qs})
+            QVERIFY2(m_harness->itemWithText(text), qPrintable(text));
     }
 
     void bothModesShowEveryReading_data()

@@ -23,6 +23,7 @@ Card {
             SectionTitle {
                 Layout.fillWidth: true
                 title: "MSFS " + card.release
+                note: qsTr("下次启动生效")
             }
 
             CustomButton {

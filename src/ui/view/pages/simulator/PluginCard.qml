@@ -30,26 +30,7 @@ Card {
 
         Figure { label: qsTr("X-Plane 版本"); value: card.simulator ? card.simulator.xplaneVersionText : "--" }
 
-        RowLayout {
-            Layout.fillWidth: true
-            spacing: Style.spacingSmall
-
-            AppText {
-                Layout.alignment: Qt.AlignTop
-                text: qsTr("映射状态")
-                color: Style.textSecondary
-                font.pixelSize: Style.fontSmall
-            }
-
-            AppText {
-                Layout.fillWidth: true
-                horizontalAlignment: Text.AlignRight
-                text: card.simulator ? card.simulator.trafficMappingStatusText : "--"
-                font.pixelSize: 13
-                font.weight: Font.DemiBold
-                wrapMode: Text.Wrap
-            }
-        }
+        MappingStatus { simulator: card.simulator }
 
         Item { Layout.fillHeight: true }
     }

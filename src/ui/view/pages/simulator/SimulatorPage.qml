@@ -88,28 +88,12 @@ ColumnLayout {
                 withEngines: page.xplane
             }
 
-            Card {
+            EngineCard {
                 visible: !page.xplane
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.preferredWidth: 1
-
-                ColumnLayout {
-                    anchors.fill: parent
-                    spacing: Style.spacingMedium
-
-                    SectionTitle {
-                        Layout.fillWidth: true
-                        title: qsTr("发动机")
-                    }
-
-                    EngineBay {
-                        Layout.fillWidth: true
-                        simulator: page.simulator
-                    }
-
-                    Item { Layout.fillHeight: true }
-                }
+                simulator: page.simulator
             }
 
             ColumnLayout {

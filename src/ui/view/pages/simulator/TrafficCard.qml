@@ -8,6 +8,7 @@ Card {
     id: card
 
     required property SimulatorBackend simulator
+    readonly property bool msfs: simulator ? simulator.msfsMode : false
 
     contentPadding: 16
 
@@ -17,7 +18,7 @@ Card {
 
         SectionTitle {
             Layout.fillWidth: true
-            title: (card.simulator ? card.simulator.msfsMode : false) ? qsTr("MSFS 交通快照") : qsTr("交通目标")
+            title: card.msfs ? qsTr("MSFS 交通快照") : qsTr("交通目标")
             note: card.simulator ? card.simulator.trafficSummary : "--"
         }
 
@@ -35,6 +36,12 @@ Card {
             Layout.preferredHeight: 6 * rowHeight
             model: card.simulator ? card.simulator.contactRows : null
             emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
+        }
+
+        // X-Plane's stands beside its plugin.
+        MappingStatus {
+            visible: card.msfs
+            simulator: card.simulator
         }
     }
 }
