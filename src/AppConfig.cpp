@@ -176,19 +176,23 @@ double AppConfig::get(const RealKey &key) const
 
 QStringList AppConfig::get(const PathListKey &key) const
 {
-    QStringList paths;
-    const QStringList items = storedPaths(key);
-    for (const QString &item : items) {
-        const QString path = normalizedPath(item);
-        if (QFileInfo::exists(path) && !paths.contains(path))
-            paths += path;
-    }
-    return paths;
+    return existingPaths(storedPaths(key));
 }
 
 QStringList AppConfig::storedPaths(const PathListKey &key) const
 {
     return read(key.key).toStringList();
+}
+
+QStringList AppConfig::existingPaths(const QStringList &stored)
+{
+    QStringList paths;
+    for (const QString &item : stored) {
+        const QString path = normalizedPath(item);
+        if (QFileInfo::exists(path) && !paths.contains(path))
+            paths += path;
+    }
+    return paths;
 }
 
 QString AppConfig::decrypted(const char *key, const QString &stored) const

@@ -40,6 +40,9 @@ public:
     QStringList get(const PathListKey &key) const;
     /// All of the list as the file has it, for a pilot to edit: what is on a drive that is away now is to stay.
     QStringList storedPaths(const PathListKey &key) const;
+    /// What get() makes of a stored list. It looks at the disk, which may take long for a drive that is away; for any
+    /// thread.
+    static QStringList existingPaths(const QStringList &stored);
 
     void set(const StringKey &key, const QString &value);
     void set(const BoolKey &key, bool value);
