@@ -69,7 +69,7 @@ QDateTime RemoteTraffic::now() const
 }
 
 /// Null for the own aircraft and for an observer's shadow: whatever message brings them, they are echoes.
-RemoteTraffic::Record *RemoteTraffic::obtainAircraft(const QString &callsign)
+RemoteAircraft *RemoteTraffic::obtainAircraft(const QString &callsign)
 {
     return isOwnOrShadowed(callsign, m_session.info) ? nullptr : m_table.obtain(callsign, now());
 }
@@ -85,13 +85,13 @@ void RemoteTraffic::onPilotPosition(const PilotPosition &pdu)
     const double groundSpeed = pdu.groundSpeed;
     const SessionMark mark = m_session.mark();
     const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
-    Record *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
+    RemoteAircraft *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
     notePosition(*aircraft, state);
     aircraft->groundSpeed = groundSpeed;
 
-    prepareAircraft(*aircraft);
+    prepareAircraft(callsign);
     tellSimulator(callsign,
                   [&](Simulator &current, const RemoteAircraft &shown) { current.positionUpdate(shown, state); });
     if (mark.holds())
@@ -107,14 +107,14 @@ void RemoteTraffic::onFastPilotPosition(const FastPilotPosition &pdu)
     const Velocities velocities = velocitiesOf(pdu);
     const SessionMark mark = m_session.mark();
     const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
-    Record *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
+    RemoteAircraft *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
     notePosition(*aircraft, state);
     aircraft->fastSeen = true;
     aircraft->groundSpeed = groundSpeedAfter(pdu, aircraft->groundSpeed);
 
-    prepareAircraft(*aircraft);
+    prepareAircraft(callsign);
     tellSimulator(callsign, [&](Simulator &current, const RemoteAircraft &shown) {
         current.fastPositionUpdate(shown, state, velocities.positional, velocities.rotational);
     });
@@ -122,23 +122,21 @@ void RemoteTraffic::onFastPilotPosition(const FastPilotPosition &pdu)
         emit fastPositionUpdateReceived(callsign, state, velocities.positional, velocities.rotational);
 }
 
-void RemoteTraffic::notePosition(Record &aircraft, const model::AircraftVisualState &state)
+void RemoteTraffic::notePosition(RemoteAircraft &aircraft, const model::AircraftVisualState &state)
 {
     aircraft.visualState = state;
     aircraft.lastUpdate = now();
-    aircraft.positionKnown = true;
+    m_table.setPositionKnown(aircraft.callsign, true);
 }
 
-/// Asks for the type of an aircraft that has reported, or sees to it that the simulator shows it.
-void RemoteTraffic::prepareAircraft(Record &aircraft)
+/// Asks what is still unknown of an aircraft that has reported, and sees to it that the simulator shows it.
+void RemoteTraffic::prepareAircraft(const QString &callsign)
 {
-    if (!m_session.fsd.isConnected() || !aircraft.shouldAskForType(m_session.clock.steadyMs())) {
-        syncAircraft(aircraft);
-        return;
+    if (m_session.fsd.isConnected() && m_table.shouldAskForType(callsign, m_session.clock.steadyMs())) {
+        logTraffic("asked", callsign, QStringLiteral("its type is unknown"));
+        requestPlaneInfoAndFlightPlan(callsign);
     }
-    const QString callsign = aircraft.callsign;
-    logTraffic("asked", callsign, QStringLiteral("its type is unknown"));
-    requestPlaneInfoAndFlightPlan(callsign);
+    syncAircraft(callsign);
 }
 
 /// Calls `tell` when there is a simulator that shows the aircraft.
@@ -164,39 +162,40 @@ void RemoteTraffic::updateConfigurationInSimulator(const QString &callsign)
 
 /// An aircraft whose type and place are known goes into the simulator; of one that is there the configuration is asked,
 /// once.
-void RemoteTraffic::syncAircraft(Record &aircraft)
+void RemoteTraffic::syncAircraft(const QString &callsign)
 {
-    if (!m_session.simulator || aircraft.typeCode.isEmpty() || !aircraft.positionKnown)
+    RemoteAircraft *aircraft = m_table.find(callsign);
+    if (!m_session.simulator || !aircraft || aircraft->typeCode.isEmpty())
         return;
-    const QString told = std::exchange(aircraft.typeCode, m_types.normalized(aircraft.typeCode));
-    if (told != aircraft.typeCode) // the type data have come since
-        logType(aircraft, told);
-    if (aircraft.state != State::InSimulator)
-        addToSimulator(aircraft);
-    else if (!aircraft.hasConfiguration)
-        requestConfiguration(aircraft);
+    if (!m_table.isPositionKnown(callsign))
+        return; // or it would be drawn at 0 N 0 E
+    const QString told = std::exchange(aircraft->typeCode, m_types.normalized(aircraft->typeCode));
+    if (told != aircraft->typeCode) // the type data have come since
+        logType(*aircraft, told);
+    if (aircraft->state != State::InSimulator)
+        addToSimulator(*aircraft);
+    else if (!aircraft->hasConfiguration)
+        requestConfiguration(callsign);
 }
 
-void RemoteTraffic::addToSimulator(Record &aircraft)
+void RemoteTraffic::addToSimulator(RemoteAircraft &aircraft)
 {
     const std::shared_ptr<Simulator> simulator = m_session.simulator;
     const RemoteAircraft added = aircraft;
     aircraft.state = State::InSimulator; // without waiting for the simulator's answer
     logTraffic("added", added.callsign, QStringLiteral("type ") + added.typeCode);
     simulator->addAircraft(added);
-    Record *still = m_table.find(added.callsign);
-    if (simulator != m_session.simulator || !still)
+    if (simulator != m_session.simulator || !m_table.find(added.callsign))
         return;
     if (added.hasConfiguration)
         simulator->updateAircraftConfiguration(added);
     else
-        requestConfiguration(*still);
+        requestConfiguration(added.callsign);
 }
 
-void RemoteTraffic::requestConfiguration(Record &aircraft)
+void RemoteTraffic::requestConfiguration(const QString &callsign)
 {
-    const QString callsign = aircraft.callsign;
-    if (m_session.fsd.isConnected() && aircraft.shouldAskForConfiguration())
+    if (m_session.fsd.isConnected() && m_table.shouldAskForConfiguration(callsign))
         requestFullConfiguration(callsign);
 }
 
@@ -210,11 +209,11 @@ void RemoteTraffic::listenToSimulator()
 /// One that was taken away for its silence is new again when it is heard again: where it is now nobody knows.
 void RemoteTraffic::onRemovedFromSimulator(const QString &callsign)
 {
-    Record *aircraft = m_table.find(common::normalisedCallsign(callsign));
+    RemoteAircraft *aircraft = m_table.find(common::normalisedCallsign(callsign));
     if (!aircraft || aircraft->state != State::InSimulator)
         return;
     aircraft->state = State::New;
-    aircraft->positionKnown = false;
+    m_table.setPositionKnown(aircraft->callsign, false);
 }
 
 void RemoteTraffic::giveToSimulator()
@@ -224,11 +223,11 @@ void RemoteTraffic::giveToSimulator()
     for (const QString &callsign : callsigns) {
         if (simulator != m_session.simulator) // replaced on the way, and the next one has all of them
             return;
-        Record *aircraft = m_table.find(callsign);
+        RemoteAircraft *aircraft = m_table.find(callsign);
         if (!aircraft || aircraft->typeCode.isEmpty())
             continue;
         aircraft->state = State::Pending;
-        syncAircraft(*aircraft);
+        syncAircraft(callsign);
     }
 }
 
@@ -244,7 +243,7 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
     const SessionMark mark = m_session.mark();
     if (callsign == m_session.info.callsign)
         emit disableVoiceTransmit();
-    const std::optional<Record> gone = m_table.take(callsign);
+    const std::optional<RemoteAircraft> gone = m_table.take(callsign);
     if (const std::shared_ptr<Simulator> simulator = m_session.simulator;
         simulator && gone && gone->state == State::InSimulator) {
         const QString reason = QStringLiteral("Pilot disconnected");
@@ -260,7 +259,7 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
 void RemoteTraffic::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
 {
     const QString callsign = common::normalisedCallsign(pdu.From);
-    Record *aircraft = obtainAircraft(callsign);
+    RemoteAircraft *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return;
     const PlaneInfo info = PlaneInfo::of(pdu);
@@ -274,9 +273,9 @@ void RemoteTraffic::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
                      excerpt(aircraft->livery), excerpt(aircraft->remoteModelHint)));
     aircraft->lastStateChange = now();
     logType(*aircraft, info.equipment);
-    aircraft->typeAnswered();
+    m_table.typeAnswered(callsign);
     // Another type does not update the configuration in the simulator here; a flight plan's does.
-    syncAircraft(*aircraft);
+    syncAircraft(callsign);
     announceAircraftInfo(callsign);
 }
 
@@ -302,8 +301,7 @@ void RemoteTraffic::onFlightPlan(const FlightPlan &pdu)
 
 void RemoteTraffic::onNoFlightPlan(const QString &callsign)
 {
-    if (Record *aircraft = m_table.find(callsign))
-        aircraft->typeAnswered();
+    m_table.typeAnswered(callsign);
     qInfo().noquote() << "No flight plan available for" << excerpt(callsign);
 }
 
@@ -327,7 +325,7 @@ void RemoteTraffic::onFlightPlanAnswer(const ClientQueryResponse &pdu)
 /// Nothing for an aircraft that has no record.
 std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QString &callsign, const QString &type)
 {
-    Record *aircraft = obtainAircraft(callsign);
+    RemoteAircraft *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return std::nullopt;
     const QString typeCode = m_types.normalized(type);
@@ -335,14 +333,13 @@ std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QStr
     aircraft->typeCode = typeCode;
     aircraft->lastStateChange = now();
     logType(*aircraft, type);
-    aircraft->typeAnswered();
+    m_table.typeAnswered(callsign);
     return FiledType{typeCode, differs};
 }
 
 void RemoteTraffic::showFiledType(const QString &callsign, const FiledType &filed)
 {
-    if (Record *aircraft = m_table.find(callsign)) // answerFlightPlanByText() may have come back
-        syncAircraft(*aircraft);
+    syncAircraft(callsign);
     if (filed.differs)
         updateConfigurationInSimulator(callsign);
     announceAircraftInfo(callsign); // nothing of one that is forgotten by now
@@ -371,15 +368,15 @@ void RemoteTraffic::onConfiguration(const QString &from, const QString &json)
 /// Whole: only AircraftManager's record merges what comes in pieces.
 void RemoteTraffic::storeConfiguration(const QString &callsign, const model::AircraftConfiguration &configuration)
 {
-    Record *aircraft = obtainAircraft(callsign);
+    RemoteAircraft *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return;
     aircraft->configuration = configuration;
     aircraft->hasConfiguration = true;
     aircraft->lastUpdate = now();
     aircraft->lastStateChange = now();
-    aircraft->configurationAnswered();
-    syncAircraft(*aircraft);
+    m_table.configurationAnswered(callsign);
+    syncAircraft(callsign);
     updateConfigurationInSimulator(callsign); // a second time for one that the sync has added
 }
 

@@ -2,13 +2,18 @@
 
 #include "AppConfig.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "simulator/msfs/library/LibraryScan.h"
+#include "simulator/msfs/library/ModelMatcher.h"
+#include "simulator/msfs/library/ModelSearch.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QStandardPaths>
 
 #include <atomic>
+#include <mutex>
 #include <system_error>
+#include <utility>
 
 namespace tarvo::simulator::msfs {
 
@@ -22,6 +27,24 @@ enum class Phase
     Ready,
 };
 
+struct RuntimeKeys
+{
+    MsfsRuntimeProfile runtime;
+    const StringKey &packages;
+    const StringKey &community;
+    const PathListKey &mappings;
+};
+
+constexpr RuntimeKeys runtimeKeys[] = {
+    {MsfsRuntimeProfile::Msfs2020, config::msfsPackagesPath2020, config::msfsCommunityPath2020,
+     config::msfsCustomMappingPaths2020},
+    {MsfsRuntimeProfile::Msfs2024, config::msfsPackagesPath2024, config::msfsCommunityPath2024,
+     config::msfsCustomMappingPaths2024},
+};
+
+/// Other pilots choose the texts of a query: the cache is emptied before it grows without end.
+constexpr qsizetype mostMatches = 4096;
+
 QString userDataBase()
 {
     const QString own = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
@@ -30,11 +53,49 @@ QString userDataBase()
 
 } // namespace
 
+/// The worker writes the tables until the phase is Ready, and everybody else only reads them then.
 struct MsfsAircraftLibrary::Shared
 {
+    /// On the worker's thread.
+    void run()
+    {
+        do {
+            tables = {};
+            tables = scanLibrary(currentPlaces(), watch);
+            if (watch.isStopped)
+                return;
+        } while (!end());
+    }
+
+    /// False when there is a reload to be done. One step, so that no reload comes between the look and the change.
+    bool end()
+    {
+        Phase expected = Phase::Scanning;
+        if (phase.compare_exchange_strong(expected, Phase::Ready))
+            return true;
+        phase = Phase::Scanning;
+        return false;
+    }
+
+    void setPlaces(LibraryPlaces newPlaces)
+    {
+        const std::lock_guard lock(mutex);
+        places = std::move(newPlaces);
+    }
+
+    LibraryPlaces currentPlaces()
+    {
+        const std::lock_guard lock(mutex);
+        return places;
+    }
+
     std::atomic<Phase> phase = Phase::NotScanned;
-    std::atomic<bool> isStopped = false;
-    std::atomic<int> scannedFiles = 0;
+    ScanWatch watch;
+    ModelTables tables;
+
+private:
+    std::mutex mutex; ///< guards `places`
+    LibraryPlaces places;
 };
 
 MsfsAircraftLibrary &MsfsAircraftLibrary::instance()
@@ -64,25 +125,44 @@ MsfsAircraftLibrary::~MsfsAircraftLibrary()
 
 void MsfsAircraftLibrary::ensureLoaded()
 {
-    Phase expected = Phase::NotScanned;
-    if (!m_shared->isStopped && m_shared->phase.compare_exchange_strong(expected, Phase::Scanning))
+    if (m_shared->phase == Phase::NotScanned)
         startScan();
 }
 
 void MsfsAircraftLibrary::reload()
 {
+    m_shared->setPlaces(places());
+    Phase expected = Phase::Scanning;
+    if (m_shared->phase.compare_exchange_strong(expected, Phase::ScanningBeforeReload) ||
+        expected == Phase::ScanningBeforeReload)
+        return;
     m_matches.clear();
-    m_shared->phase = Phase::NotScanned;
-    ensureLoaded();
+    startScan();
 }
 
 void MsfsAircraftLibrary::startScan()
 {
-    if (m_worker.post([shared = m_shared] { shared->phase = Phase::Ready; }))
+    if (m_shared->watch.isStopped)
+        return;
+    m_shared->setPlaces(places());
+    m_shared->phase = Phase::Scanning;
+    if (m_worker.post([shared = m_shared] { shared->run(); }))
         return;
     m_shared->phase = Phase::NotScanned;
     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
                             "thread constructor failed");
+}
+
+LibraryPlaces MsfsAircraftLibrary::places() const
+{
+    LibraryPlaces places{.configured = {}, .dataBase = m_dataBase};
+    for (const RuntimeKeys &keys : runtimeKeys) {
+        places.configured.append({.runtime = keys.runtime,
+                                  .packagesPath = m_config.get(keys.packages),
+                                  .communityPath = m_config.get(keys.community),
+                                  .mappingPaths = m_config.storedPaths(keys.mappings)});
+    }
+    return places;
 }
 
 bool MsfsAircraftLibrary::isReady() const
@@ -90,48 +170,73 @@ bool MsfsAircraftLibrary::isReady() const
     return m_shared->phase == Phase::Ready;
 }
 
-qsizetype MsfsAircraftLibrary::modelCount(MsfsRuntimeProfile) const
+qsizetype MsfsAircraftLibrary::modelCount(MsfsRuntimeProfile runtime) const
 {
-    return 0;
+    return isReady() ? m_shared->tables.count(runtime) : 0;
 }
 
 int MsfsAircraftLibrary::scannedFiles() const
 {
-    return m_shared->scannedFiles;
+    return m_shared->watch.files;
 }
 
 void MsfsAircraftLibrary::stop()
 {
-    m_shared->isStopped = true;
+    m_shared->watch.isStopped = true;
     m_worker.finish();
 }
 
 MsfsModelMatch MsfsAircraftLibrary::match(MsfsRuntimeProfile profile, const QString &typeCode, const QString &airline,
                                           const QString &livery)
 {
-    MsfsModelMatch result;
-    result.runtime = profile;
-    result.normalizedType = typeCode.trimmed().toUpper();
-    result.normalizedAirline = airline.trimmed().toUpper();
-    result.normalizedLivery = livery.trimmed().toUpper();
-    if (!isReady())
+    ModelQuery query{.profile = profile,
+                     .type = typeCode.trimmed().toUpper(),
+                     .airline = airline.trimmed().toUpper(),
+                     .livery = livery.trimmed().toUpper(),
+                     .familyRows = {}};
+    if (!isReady()) {
         ensureLoaded();
-    return result;
+        return {.runtime = profile,
+                .entry = {},
+                .normalizedType = query.type,
+                .normalizedAirline = query.airline,
+                .normalizedLivery = query.livery};
+    }
+    const QString key = QStringLiteral("%1|%2|%3|%4")
+                            .arg(QString::number(static_cast<int>(profile)), query.type, query.airline, query.livery);
+    if (const auto known = m_matches.constFind(key); known != m_matches.cend())
+        return *known;
+    if (m_matches.size() >= mostMatches)
+        m_matches.clear();
+    resolveType(query);
+    return *m_matches.insert(key, findModel(m_shared->tables, query));
 }
 
-std::optional<MsfsAircraftEntry> MsfsAircraftLibrary::findPeerHint(MsfsRuntimeProfile, const QString &) const
+std::optional<MsfsAircraftEntry> MsfsAircraftLibrary::findPeerHint(MsfsRuntimeProfile profile,
+                                                                   const QString &hintTitle) const
 {
-    return std::nullopt;
+    return isReady() ? findTitle(m_shared->tables, profile, hintTitle) : std::nullopt;
 }
 
-bool MsfsAircraftLibrary::isTypeCompatible(const MsfsAircraftEntry &, const QString &typeCode) const
+bool MsfsAircraftLibrary::isTypeCompatible(const MsfsAircraftEntry &entry, const QString &typeCode) const
 {
-    return typeCode.trimmed().isEmpty();
+    ModelQuery query;
+    query.type = typeCode.trimmed().toUpper();
+    resolveType(query);
+    return isOfType(entry, query);
 }
 
-QList<MsfsScoredModel> MsfsAircraftLibrary::searchModels(const QString &, int, MsfsRuntimeProfile) const
+QList<MsfsScoredModel> MsfsAircraftLibrary::searchModels(const QString &query, int limit,
+                                                         MsfsRuntimeProfile profile) const
 {
-    return {};
+    return isReady() ? msfs::searchModels(m_shared->tables, query, limit, profile) : QList<MsfsScoredModel>();
+}
+
+void MsfsAircraftLibrary::resolveType(ModelQuery &query) const
+{
+    if (const QString canonical = m_types.normalize(query.type).canonical; !canonical.isEmpty())
+        query.type = canonical;
+    query.familyRows = m_types.rowsFor(query.type);
 }
 
 } // namespace tarvo::simulator::msfs

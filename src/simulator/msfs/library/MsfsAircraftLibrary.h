@@ -19,6 +19,9 @@ class SwiftAircraftIcaoService;
 
 namespace tarvo::simulator::msfs {
 
+struct LibraryPlaces;
+struct ModelQuery;
+
 /// Knows which models are installed here for each of the two simulators, and which of them fits another pilot best.
 ///
 /// All members are for the main thread. The scan runs on a worker and says nothing by itself: MsfsAdapter asks
@@ -69,6 +72,9 @@ private:
     struct Shared;
 
     void startScan();
+    LibraryPlaces places() const;
+    /// Makes the type canonical and adds its rows.
+    void resolveType(ModelQuery &query) const;
 
     const AppConfig &m_config;
     const network::SwiftAircraftIcaoService &m_types;
