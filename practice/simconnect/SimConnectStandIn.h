@@ -68,6 +68,8 @@ public:
                   int after = 0);
     /// Fails every call of it.
     void failAlways(const QString &function, HRESULT result = simulator::msfs::simConnectFailed);
+    /// It succeeds again.
+    void succeed(const QString &function) { m_failures.remove(function); }
     /// All succeed again.
     void failNothing() { m_failures.clear(); }
 

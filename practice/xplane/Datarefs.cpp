@@ -1,6 +1,6 @@
 #include "practice/xplane/Datarefs.h"
 
-#include "common/Units.h"
+#include "practice/flight/Atmosphere.h"
 
 #include <QtMath>
 
@@ -9,15 +9,6 @@
 namespace tarvo::practice {
 
 namespace {
-constexpr double seaLevelInHg = 30.05;
-constexpr double standardInHg = 29.92126;
-
-/// Feet that a pressure altimeter set to standard shows (the standard atmosphere's formula).
-double pressureAltitudeFt(double altitudeM)
-{
-    return altitudeM * common::feetPerMetre + 145'366.45 * (1 - std::pow(seaLevelInHg / standardInHg, 0.190284));
-}
-
 using S = const AircraftState &;
 
 float flag(bool value)
