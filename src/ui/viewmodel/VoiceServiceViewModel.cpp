@@ -10,9 +10,11 @@
 
 #include <QDateTime>
 #include <QDebug>
+#include <QStringList>
 
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace tarvo::ui {
@@ -21,6 +23,8 @@ using common::VolumeInfo;
 using voice::AudioDevice;
 using voice::AudioHandler;
 using voice::ConnectionState;
+using voice::DeviceEvent;
+using voice::StreamRole;
 using voice::VoiceClient;
 using namespace std::chrono_literals;
 
@@ -84,6 +88,9 @@ void VoiceServiceViewModel::connectClient()
             [this](const QString &error) { addEvent(QStringLiteral("ERROR: ") + error); });
     connect(m_client, &VoiceClient::voiceDataSent, this, &VoiceServiceViewModel::onSent);
     connect(m_client, &VoiceClient::voiceDataReceived, this, &VoiceServiceViewModel::onReceived);
+    connect(m_client, &VoiceClient::audioHandlerCreated, this, [this](const AudioHandler *audio) {
+        connect(audio, &AudioHandler::deviceEvent, this, &VoiceServiceViewModel::onDeviceEvent);
+    });
 }
 
 // --- the session ---
@@ -345,6 +352,16 @@ void VoiceServiceViewModel::prepareDevices()
         m_devices.announceChosen();
     else
         m_devices.load();
+}
+
+void VoiceServiceViewModel::onDeviceEvent(DeviceEvent event, const std::vector<StreamRole> &roles)
+{
+    const QString names[] = {tr("麦克风"), tr("耳机"), tr("扬声器")};
+    const QString texts[] = {tr("音频设备已断开：%1"), tr("无法打开音频设备：%1"), tr("音频设备已恢复：%1")};
+    QStringList devices;
+    for (const StreamRole role : roles)
+        devices.append(names[static_cast<std::size_t>(role)]);
+    addEvent(texts[static_cast<std::size_t>(event)].arg(devices.join(QStringLiteral("、"))));
 }
 
 /// A test without a device is silent, and the pilot has to know why. Each list holds "Default" beside the devices.

@@ -12,6 +12,8 @@
 #include <QTimer>
 #include <QVariantList>
 
+#include <vector>
+
 namespace tarvo {
 class AppConfig;
 }
@@ -24,6 +26,8 @@ struct RadioStackState;
 namespace tarvo::voice {
 class AudioDevice;
 class VoiceClient;
+enum class DeviceEvent;
+enum class StreamRole;
 } // namespace tarvo::voice
 
 namespace tarvo::ui {
@@ -175,6 +179,7 @@ private:
     void onKey(bool active);
     void applyPtt();
     void ensureMeterConnections();
+    void onDeviceEvent(voice::DeviceEvent event, const std::vector<voice::StreamRole> &roles);
     void reportMissingDevices();
     void prepareDevices();
     void setInputMeter(const common::VolumeInfo &volume);

@@ -1,10 +1,6 @@
 #include "voice/engine/AudioHandler.h"
 
 #include "AppConfig.h"
-#include "voice/engine/DeviceStreams.h"
-#include "voice/engine/Mailbox.h"
-#include "voice/engine/SoundLease.h"
-#include "voice/engine/SoundThread.h"
 #include "voice/engine/Tones.h"
 
 #include <algorithm>
@@ -59,16 +55,13 @@ const AudioHandler::Setting AudioHandler::settings[] = {
      [](AudioHandler &h, const AppConfig &c) { h.m_conflictVolume = finite(c.get(config::voiceConflictVolume)); }},
 };
 
-AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent)
+AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent, OpenSound open)
     : QObject(parent),
       m_config(config),
-      m_sound(std::move(sound)),
-      m_mailbox(std::make_shared<Mailbox>(this)),
-      m_lease(std::make_unique<SoundLease>(m_sound)),
-      m_streams(std::make_shared<DeviceStreams>()),
-      m_inputStream(*m_streams),
-      m_headphoneStream(StreamRole::Headphone, *m_streams),
-      m_speakerStream(StreamRole::Speaker, *m_streams),
+      m_devices(std::move(sound), std::move(open), this),
+      m_inputStream(m_devices.streams()),
+      m_headphoneStream(StreamRole::Headphone, m_devices.streams()),
+      m_speakerStream(StreamRole::Speaker, m_devices.streams()),
       m_pttPressTone(usualToneRate, static_cast<float>(config::voicePttPressFreq.defaultValue), toneAmplitude),
       m_pttReleaseTone(usualToneRate, static_cast<float>(config::voicePttReleaseFreq.defaultValue), toneAmplitude),
       m_conflictTone(usualToneRate, conflictFrequency, toneAmplitude)
@@ -78,33 +71,14 @@ AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound
     for (const MixedOutputAudioStream *stream : {&m_headphoneStream, &m_speakerStream})
         connect(stream, &MixedOutputAudioStream::outputVolumeChanged, this, &AudioHandler::outputVolumeChanged);
     connect(&m_config, &AppConfig::configChanged, this, &AudioHandler::onConfigChanged);
+    connect(&m_devices, &DeviceWishes::happened, this, &AudioHandler::deviceEvent);
+    m_conflictTimer.setObjectName(QStringLiteral("conflict"));
     m_conflictTimer.setTimerType(Qt::PreciseTimer);
     m_conflictTimer.setInterval(frameTime);
     // 44100 Hz whatever the device's rate: the test's pitch is its own.
     connect(&m_conflictTimer, &QTimer::timeout, this,
             [this] { output(m_conflictPlayDevice).playTone(m_conflictTone, m_conflictVolume); });
     reloadConfig();
-}
-
-AudioHandler::~AudioHandler()
-{
-    m_mailbox->close();
-    stopAll(); // before the lease ends
-}
-
-void AudioHandler::setInputDevice(int device)
-{
-    setDevice(StreamRole::Input, device);
-}
-
-void AudioHandler::setHeadphoneDevice(int device)
-{
-    setDevice(StreamRole::Headphone, device);
-}
-
-void AudioHandler::setSpeakerDevice(int device)
-{
-    setDevice(StreamRole::Speaker, device);
 }
 
 void AudioHandler::reloadConfig()
@@ -131,7 +105,7 @@ void AudioHandler::setConflictPlayDevice(bool speaker)
 {
     if (speaker == std::exchange(m_conflictPlayDevice, speaker) || !m_conflictTimer.isActive())
         return;
-    stop(outputRole(!speaker)); // the test moves over
+    stop({outputRole(!speaker)}); // the test moves over
     start({outputRole(speaker)});
 }
 
@@ -151,55 +125,28 @@ void AudioHandler::playPttTone(bool pressed)
 
 void AudioHandler::startAll(std::function<void()> whenTried)
 {
-    start({StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker});
-    const auto tell = [mailbox = m_mailbox, whenTried = std::move(whenTried)] {
-        if (whenTried)
-            mailbox->send(whenTried);
-    };
-    if (!post(tell))
-        tell();
+    start({StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker}, std::move(whenTried));
 }
 
 void AudioHandler::stopAll()
 {
-    stop(StreamRole::Input);
-    stop(StreamRole::Headphone);
-    stop(StreamRole::Speaker);
+    stop({StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker});
 }
 
-void AudioHandler::setDevice(StreamRole role, int device)
-{
-    m_sound->post([streams = m_streams, role, device] { streams->setDevice(role, device); });
-}
-
-void AudioHandler::start(const std::vector<StreamRole> &roles)
+void AudioHandler::start(const DeviceWishes::Roles &roles, std::function<void()> whenTried)
 {
     for (const Transmitter &transmitter : std::as_const(m_transmitters))
         output(transmitter.useSpeaker).addChannel(static_cast<int>(transmitter.id)); // which every stop forgets
-    post([streams = m_streams, roles] { streams->start(roles); });
+    m_devices.start(roles, std::move(whenTried));
 }
 
-void AudioHandler::stop(StreamRole role)
+void AudioHandler::stop(const DeviceWishes::Roles &roles)
 {
-    if (role != StreamRole::Input)
-        output(role == StreamRole::Speaker).forgetChannels();
-    post([streams = m_streams, role] { streams->stop(role); });
-}
-
-/// False when the sound thread doesn't take it.
-bool AudioHandler::post(std::function<void()> task)
-{
-    if (!m_waitsForDevices)
-        return m_sound->post(std::move(task));
-    m_waiting.push_back(std::move(task));
-    return true;
-}
-
-void AudioHandler::stopWaitingForDevices()
-{
-    m_waitsForDevices = false;
-    for (std::function<void()> &task : std::exchange(m_waiting, {}))
-        m_sound->post(std::move(task));
+    for (const StreamRole role : roles) {
+        if (role != StreamRole::Input)
+            output(role == StreamRole::Speaker).forgetChannels();
+    }
+    m_devices.stop(roles);
 }
 
 void AudioHandler::addChannel(const Transmitter &transmitter)
@@ -241,8 +188,7 @@ void AudioHandler::stopConflictTest()
 {
     // m_micTesting stays: the next mic test cleans up.
     m_conflictTimer.stop();
-    stop(StreamRole::Input);
-    stop(outputRole(m_conflictPlayDevice));
+    stop({StreamRole::Input, outputRole(m_conflictPlayDevice)});
 }
 
 void AudioHandler::startMicTest(bool loopbackTarget)
@@ -264,8 +210,7 @@ void AudioHandler::stopMicTest()
         return;
     disconnect(m_loopbackConnection);
     output(m_loopbackTarget).removeChannel(testChannel);
-    stop(StreamRole::Input);
-    stop(outputRole(m_loopbackTarget));
+    stop({StreamRole::Input, outputRole(m_loopbackTarget)});
     m_micTesting = false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/VolumeInfo.h"
+#include "voice/engine/DeviceWishes.h"
 #include "voice/engine/InputAudioStream.h"
 #include "voice/engine/MixedOutputAudioStream.h"
 #include "voice/engine/SineTone.h"
@@ -22,31 +23,27 @@ class AppConfig;
 
 namespace tarvo::voice {
 
-class DeviceStreams;
-class Mailbox;
-class SoundLease;
 class SoundThread;
-enum class StreamRole;
 
 /// The audio engine: the microphone, two outputs, and what goes where. Follows the voice settings live. Everything
-/// returns at once: devices are opened and closed on the SoundThread, in the order in which that was asked for.
+/// returns at once: what is asked of the devices are wishes (DeviceWishes).
 class AudioHandler : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `config` outlives the engine.
-    AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr);
-    ~AudioHandler() override;
+    /// `config` outlives the engine. `open` is called on the SoundThread.
+    AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr,
+                 OpenSound open = &openSound);
 
     /// The pilot's devices are not known yet: what opens a stream waits for them.
-    void waitForDevices() { m_waitsForDevices = true; }
-    void stopWaitingForDevices();
+    void waitForDevices() { m_devices.wait(); }
+    void stopWaitingForDevices() { m_devices.stopWaiting(); }
 
     // PortAudio's indices; negative: the default device. A stream that is open goes on with the new one.
-    void setInputDevice(int device);
-    void setHeadphoneDevice(int device);
-    void setSpeakerDevice(int device);
+    void setInputDevice(int device) { m_devices.setDevice(StreamRole::Input, device); }
+    void setHeadphoneDevice(int device) { m_devices.setDevice(StreamRole::Headphone, device); }
+    void setSpeakerDevice(int device) { m_devices.setDevice(StreamRole::Speaker, device); }
 
     /// Reads all that the engine uses of the settings.
     void reloadConfig();
@@ -85,6 +82,7 @@ signals:
     void encodedAudioReady(std::vector<uint8_t> data);
     void inputVolumeChanged(tarvo::common::VolumeInfo volume);
     void outputVolumeChanged(tarvo::common::VolumeInfo volume);
+    void deviceEvent(tarvo::voice::DeviceEvent event, const std::vector<tarvo::voice::StreamRole> &roles);
 
 private:
     struct Setting;
@@ -94,22 +92,15 @@ private:
     void setMicGain(double db);
     void setConflictPlayDevice(bool speaker);
     MixedOutputAudioStream &output(bool speaker) { return speaker ? m_speakerStream : m_headphoneStream; }
-    void setDevice(StreamRole role, int device);
-    void start(const std::vector<StreamRole> &roles);
-    void stop(StreamRole role);
-    bool post(std::function<void()> task);
+    void start(const DeviceWishes::Roles &roles, std::function<void()> whenTried = {});
+    void stop(const DeviceWishes::Roles &roles);
 
     AppConfig &m_config;
-    std::shared_ptr<SoundThread> m_sound;
-    std::shared_ptr<Mailbox> m_mailbox;
-    std::unique_ptr<SoundLease> m_lease;
-    std::shared_ptr<DeviceStreams> m_streams; ///< the sound thread's
+    DeviceWishes m_devices;
     InputAudioStream m_inputStream;
     MixedOutputAudioStream m_headphoneStream;
     MixedOutputAudioStream m_speakerStream;
     QHash<quint32, Transmitter> m_transmitters;
-    bool m_waitsForDevices = false;
-    std::vector<std::function<void()>> m_waiting; ///< tasks for the sound thread
 
     SineTone m_pttPressTone;
     SineTone m_pttReleaseTone;
@@ -122,7 +113,7 @@ private:
     bool m_micTesting = false;
     bool m_loopbackTarget = false; ///< the speaker plays the microphone
     QMetaObject::Connection m_loopbackConnection;
-    QTimer m_conflictTimer;
+    QTimer m_conflictTimer{this};
 };
 
 } // namespace tarvo::voice

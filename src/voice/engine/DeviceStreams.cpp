@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -28,6 +29,8 @@ const Words &wordsOf(StreamRole role)
     return words[static_cast<std::size_t>(role)];
 }
 
+constexpr StreamRole roles[] = {StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker};
+
 int defaultDevice(StreamRole role)
 {
     return role == StreamRole::Input ? getVoiceDefaultInputDevice() : getVoiceDefaultOutputDevice();
@@ -46,11 +49,6 @@ AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role)
     return config;
 }
 
-bool DeviceStreams::One::runs() const
-{
-    return stream && stream->isActive();
-}
-
 void DeviceStreams::One::close()
 {
     if (!stream)
@@ -60,23 +58,50 @@ void DeviceStreams::One::close()
     closed();
 }
 
-void DeviceStreams::connect(StreamRole role, Open open, std::function<void()> closed)
+DeviceStreams::DeviceStreams(OpenSound open, std::function<void()> ended)
+    : m_open(std::move(open)), m_ended(std::move(ended))
 {
-    at(role).open = std::move(open);
+}
+
+void DeviceStreams::connect(StreamRole role, Make make, std::function<void()> closed)
+{
+    at(role).make = std::move(make);
     at(role).closed = std::move(closed);
 }
 
-void DeviceStreams::setDevice(StreamRole role, int device)
+StreamsReport DeviceStreams::fulfil(const Wishes &wishes, bool opens)
 {
-    const AudioStreamConfig before = at(role).config;
-    if (!choose(role, device) || !at(role).isWanted)
-        return;
-    if (at(role).runs() && at(role).config == before)
-        return; // no need to interrupt all that is heard
-    at(role).close();
-    startWanted();
+    StreamsReport report;
+    for (const StreamRole role : roles) {
+        if (settle(role, wishes[static_cast<std::size_t>(role)]))
+            report.ended.push_back(role);
+    }
+    const auto isMissing = [&](StreamRole role) {
+        return wishes[static_cast<std::size_t>(role)].isOpen && !at(role).stream;
+    };
+    if (opens && std::any_of(std::begin(roles), std::end(roles), isMissing))
+        openWanted(wishes);
+    std::copy_if(std::begin(roles), std::end(roles), std::back_inserter(report.missing), isMissing);
+    report.anyRuns =
+        std::any_of(m_streams.begin(), m_streams.end(), [](const One &one) { return one.stream != nullptr; });
+    return report;
 }
 
+/// Takes the choice of a device, and closes what is not wanted or not like this. True when the stream was wanted on and
+/// has ended by itself.
+bool DeviceStreams::settle(StreamRole role, const StreamWish &wish)
+{
+    One &one = at(role);
+    const AudioStreamConfig before = one.config;
+    const bool isChosen = wish.device && choose(role, *wish.device);
+    const bool hasEnded = one.stream && !one.stream->isActive();
+    // The same device again is no need to interrupt all that is heard.
+    if (hasEnded || !wish.isOpen || (isChosen && one.config != before))
+        one.close();
+    return hasEnded && wish.isOpen;
+}
+
+/// False when there is no such device.
 bool DeviceStreams::choose(StreamRole role, int device)
 {
     const int chosen = device < 0 ? defaultDevice(role) : device;
@@ -96,38 +121,22 @@ bool DeviceStreams::choose(StreamRole role, int device)
     }
 }
 
-void DeviceStreams::start(const std::vector<StreamRole> &roles)
+void DeviceStreams::openWanted(const Wishes &wishes)
 {
-    for (const StreamRole role : roles)
-        at(role).isWanted = true;
-    startWanted();
-}
-
-void DeviceStreams::stop(StreamRole role)
-{
-    at(role).isWanted = false;
-    at(role).close();
-}
-
-void DeviceStreams::startWanted()
-{
-    if (std::all_of(m_streams.begin(), m_streams.end(), [](const One &one) { return !one.isWanted || one.runs(); }))
-        return;
-    std::array<std::function<void()>, std::tuple_size_v<decltype(m_streams)>> started;
     for (One &one : m_streams)
         one.close();
-    for (std::size_t i = 0; i < m_streams.size(); ++i) {
-        One &one = m_streams[i];
-        if (!one.isWanted)
+    for (const StreamRole role : roles) {
+        One &one = at(role);
+        if (!wishes[static_cast<std::size_t>(role)].isOpen)
             continue;
-        Opened opened = one.open(one.config);
-        one.stream = std::move(opened.stream);
-        started[i] = std::move(opened.started);
+        Sound sound = one.make(one.config);
+        sound.calls.ended = m_ended;
+        one.stream = m_open(role, one.config, std::move(sound.calls));
+        one.started = std::move(sound.started);
     }
-    for (std::size_t i = 0; i < m_streams.size(); ++i) {
-        One &one = m_streams[i];
+    for (One &one : m_streams) {
         if (one.stream && one.stream->start())
-            started[i]();
+            one.started();
         else
             one.stream.reset();
     }

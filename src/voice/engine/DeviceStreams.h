@@ -2,25 +2,35 @@
 
 #include "voice/codec/AudioStreamConfig.h"
 #include "voice/engine/SoundStream.h"
+#include "voice/engine/StreamRole.h"
 
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tarvo::voice {
 
 struct DeviceInfo;
 
-enum class StreamRole
-{
-    Input,
-    Headphone,
-    Speaker,
-};
-
 /// How a device of 20 ms buffers is opened: at its own rate, with one or two channels.
 AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role);
+
+/// What is wanted of a stream.
+struct StreamWish
+{
+    bool isOpen = false;
+    std::optional<int> device; ///< PortAudio's index of one that was chosen since; negative: the default
+};
+
+/// What has become of all wishes.
+struct StreamsReport
+{
+    std::vector<StreamRole> ended;   ///< those that had ended by themselves
+    std::vector<StreamRole> missing; ///< those that should run and don't
+    bool anyRuns = false;
+};
 
 /// The engine's three streams as the SoundThread sees them, where all members but connect() are called: each one's
 /// device, and the stream while it is open.
@@ -31,40 +41,43 @@ AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role);
 class DeviceStreams
 {
 public:
-    struct Opened
+    using Wishes = std::array<StreamWish, 3>; ///< by role
+    struct Sound
     {
-        std::unique_ptr<SoundStream> stream; ///< null when that failed
-        std::function<void()> started;       ///< called when it runs
+        SoundCalls calls;              ///< but for `ended`
+        std::function<void()> started; ///< called when the stream runs
     };
-    using Open = std::function<Opened(const AudioStreamConfig &)>;
+    using Make = std::function<Sound(const AudioStreamConfig &)>;
 
-    /// Before all else. `closed` is called when a stream that ran has been closed.
-    void connect(StreamRole role, Open open, std::function<void()> closed);
+    /// `ended` is called, on any thread, when a stream ends that nobody has closed.
+    DeviceStreams(OpenSound open, std::function<void()> ended);
 
-    /// Chooses a device by PortAudio's index; negative: the default. A stream that was started goes on with it, also
-    /// one that couldn't be opened. When there is no such device the log tells, and what was chosen stays.
-    void setDevice(StreamRole role, int device);
-    /// Nothing for those that run.
-    void start(const std::vector<StreamRole> &roles);
-    void stop(StreamRole role);
+    /// Before all else: what a stream is to play or capture, and what is called when one that ran has been closed.
+    void connect(StreamRole role, Make make, std::function<void()> closed);
+
+    /// Closes what is not wanted, and what has ended. With `opens` it also opens what is missing. A stream goes on with
+    /// a device that was chosen for it; when there is no such device the log tells, and it keeps the one it has.
+    StreamsReport fulfil(const Wishes &wishes, bool opens);
 
 private:
     struct One
     {
-        Open open;
+        Make make;
         std::function<void()> closed;
         AudioStreamConfig config;
-        std::unique_ptr<SoundStream> stream;
-        bool isWanted = false; ///< from start() to stop()
+        std::unique_ptr<SoundStream> stream; ///< while it runs, or has ended by itself
+        std::function<void()> started;       ///< of that stream
 
-        bool runs() const;
         void close();
     };
 
     One &at(StreamRole role) { return m_streams[static_cast<std::size_t>(role)]; }
+    bool settle(StreamRole role, const StreamWish &wish);
     bool choose(StreamRole role, int device);
-    void startWanted();
+    void openWanted(const Wishes &wishes);
 
+    const OpenSound m_open;
+    const std::function<void()> m_ended;
     std::array<One, 3> m_streams;
 };
 

@@ -2,7 +2,6 @@
 
 #include "voice/engine/DeviceStreams.h"
 #include "voice/engine/Mailbox.h"
-#include "voice/engine/SoundStream.h"
 #include "voice/engine/VoiceCapture.h"
 
 #include <optional>
@@ -14,15 +13,16 @@ namespace tarvo::voice {
 InputAudioStream::InputAudioStream(DeviceStreams &streams, QObject *parent)
     : QObject(parent), m_mailbox(std::make_shared<Mailbox>(this)), m_controls(std::make_shared<CaptureControls>())
 {
-    const auto open = [this, mailbox = m_mailbox, controls = m_controls](const AudioStreamConfig &config) {
+    const auto make = [this, mailbox = m_mailbox, controls = m_controls](const AudioStreamConfig &config) {
         const auto capture = std::make_shared<VoiceCapture>(config, controls);
-        auto stream = SoundStream::openInput(config, [this, mailbox, capture](std::span<const std::int16_t> samples) {
+        DeviceStreams::Sound sound{.calls = {}, .started = [] {}};
+        sound.calls.capture = [this, mailbox, capture](std::span<const std::int16_t> samples) {
             if (std::optional<CapturedFrame> frame = capture->process(samples))
                 mailbox->send([this, made = std::move(*frame)] { deliver(made); });
-        });
-        return DeviceStreams::Opened{std::move(stream), [] {}};
+        };
+        return sound;
     };
-    streams.connect(StreamRole::Input, open, [] {});
+    streams.connect(StreamRole::Input, make, [] {});
 }
 
 InputAudioStream::~InputAudioStream()

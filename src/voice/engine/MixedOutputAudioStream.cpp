@@ -2,7 +2,6 @@
 
 #include "voice/engine/DeviceStreams.h"
 #include "voice/engine/Mailbox.h"
-#include "voice/engine/SoundStream.h"
 #include "voice/engine/Tones.h"
 #include "voice/engine/VoicePlayback.h"
 
@@ -17,12 +16,13 @@ MixedOutputAudioStream::MixedOutputAudioStream(StreamRole role, DeviceStreams &s
     const auto tell = [this, mailbox = m_mailbox](const std::shared_ptr<VoicePlayback> &playback) {
         mailbox->send([this, playback] { setPlayback(playback); });
     };
-    const auto open = [tell](const AudioStreamConfig &config) {
+    const auto make = [tell](const AudioStreamConfig &config) {
         const auto playback = std::make_shared<VoicePlayback>(config);
-        auto stream = SoundStream::openOutput(config, [playback](std::span<float> out) { playback->mix(out); });
-        return DeviceStreams::Opened{std::move(stream), [tell, playback] { tell(playback); }};
+        DeviceStreams::Sound sound{.calls = {}, .started = [tell, playback] { tell(playback); }};
+        sound.calls.play = [playback](std::span<float> out) { playback->mix(out); };
+        return sound;
     };
-    streams.connect(role, open, [tell] { tell(nullptr); });
+    streams.connect(role, make, [tell] { tell(nullptr); });
 }
 
 MixedOutputAudioStream::~MixedOutputAudioStream()
@@ -47,6 +47,12 @@ void MixedOutputAudioStream::removeChannel(int id)
     m_channels.erase(id);
     if (m_playback)
         m_playback->removeChannel(id);
+}
+
+void MixedOutputAudioStream::forgetChannels()
+{
+    while (!m_channels.empty())
+        removeChannel(*m_channels.begin());
 }
 
 void MixedOutputAudioStream::playPacket(int channel, const std::vector<std::uint8_t> &opus, bool conflict, float volume)

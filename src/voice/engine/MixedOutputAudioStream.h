@@ -35,7 +35,7 @@ public:
     // Each opened stream begins with the channels that are there.
     void addChannel(int id);
     void removeChannel(int id);
-    void forgetChannels() { m_channels.clear(); } ///< when the stream is about to be closed
+    void forgetChannels(); ///< when the stream is about to be closed
     void playPacket(int channel, const std::vector<std::uint8_t> &opus, bool conflict, float volume);
     /// Plays 20 ms before all voice.
     void playLocal(std::span<const float> frame);

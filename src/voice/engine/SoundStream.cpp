@@ -25,17 +25,14 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds longestGap{1000};
 constexpr std::chrono::milliseconds longestWait{300};
 
-} // namespace
-
 /// What PortAudio's threads use of a stream.
-struct SoundStream::Calls
+struct Calls
 {
+    SoundCalls sound;
     const char *name; ///< for the log
-    Capture capture;  ///< of an input
-    Play play;        ///< of an output
-    std::size_t channels = 1;
+    std::size_t channels;
 
-    PaStream *stream = nullptr;        ///< null once it is closed
+    PaStream *stream = nullptr;        ///< null before it is open, and once it is closed
     std::atomic<bool> isWanted = true; ///< false when its end is our doing
     std::atomic<const char *> priority = nullptr;
     std::atomic<Clock::time_point> lastBuffer = Clock::time_point();
@@ -43,6 +40,13 @@ struct SoundStream::Calls
     std::atomic<int> lost = 0; ///< how often the device had to wait for us, or we lost what it had
 
     Calls *next = nullptr; ///< of those left behind
+
+    Calls(StreamRole role, SoundCalls called, int channelCount)
+        : sound(std::move(called)),
+          name(role == StreamRole::Input ? "InputAudioStream" : "MixedOutputAudioStream"),
+          channels(static_cast<std::size_t>(channelCount))
+    {
+    }
 
     static int onBuffer(const void *input, void *output, unsigned long frames, const PaStreamCallbackTimeInfo *,
                         PaStreamCallbackFlags flags, void *calls)
@@ -57,8 +61,10 @@ struct SoundStream::Calls
     static void onEnd(void *calls)
     {
         const auto &self = *static_cast<Calls *>(calls);
-        if (self.isWanted)
-            qWarning().nospace() << self.name << ": the sound system has ended the stream";
+        if (!self.isWanted)
+            return;
+        qWarning().nospace() << self.name << ": the sound system has ended the stream";
+        self.sound.ended();
     }
 
     void handle(const void *input, void *output, unsigned long frames, PaStreamCallbackFlags flags)
@@ -70,10 +76,10 @@ struct SoundStream::Calls
         if (flags & (paInputOverflow | paOutputUnderflow))
             ++lost;
         const std::size_t samples = frames * channels;
-        if (play && output)
-            play({static_cast<float *>(output), samples});
-        if (capture && input)
-            capture({static_cast<const std::int16_t *>(input), samples});
+        if (output)
+            sound.play({static_cast<float *>(output), samples});
+        if (input)
+            sound.capture({static_cast<const std::int16_t *>(input), samples});
     }
 
     /// Waits for the next buffer; false when it doesn't come.
@@ -85,15 +91,14 @@ struct SoundStream::Calls
         return buffers != before;
     }
 
-    bool isInput() const { return capture != nullptr; }
-
     void warn(const char *call, PaError error) const
     {
         qWarning().nospace() << name << ": " << call << " failed: " << Pa_GetErrorText(error);
     }
 };
 
-namespace {
+/// Those of streams that were left behind; known to whom looks for leaks.
+std::atomic<Calls *> leftBehind = nullptr;
 
 PaStreamParameters parametersOf(const AudioStreamConfig &config, bool isInput)
 {
@@ -109,50 +114,23 @@ PaStreamParameters parametersOf(const AudioStreamConfig &config, bool isInput)
     return parameters;
 }
 
-} // namespace
-
-std::unique_ptr<SoundStream> SoundStream::openInput(const AudioStreamConfig &config, Capture capture)
+class PortAudioStream : public SoundStream
 {
-    auto calls = std::make_unique<Calls>();
-    calls->name = "InputAudioStream";
-    calls->capture = std::move(capture);
-    return open(config, std::move(calls));
-}
+public:
+    explicit PortAudioStream(std::unique_ptr<Calls> calls) : m_calls(std::move(calls)) {}
+    /// A stream that is not closed, or can't be, is left behind, and what it calls is kept to the program's end.
+    /// PortAudio may hang, and so only close() calls it.
+    ~PortAudioStream() override;
 
-std::unique_ptr<SoundStream> SoundStream::openOutput(const AudioStreamConfig &config, Play play)
-{
-    auto calls = std::make_unique<Calls>();
-    calls->name = "MixedOutputAudioStream";
-    calls->play = std::move(play);
-    qDebug().nospace() << calls->name << ": " << config.channels << " channels";
-    return open(config, std::move(calls));
-}
+    bool start() override;
+    bool isActive() const override;
+    void close() override;
 
-std::unique_ptr<SoundStream> SoundStream::open(const AudioStreamConfig &config, std::unique_ptr<Calls> made)
-{
-    std::unique_ptr<SoundStream> result(new SoundStream(std::move(made))); // the constructor is private
-    Calls &calls = *result->m_calls;
-    calls.channels = static_cast<std::size_t>(config.channels);
-    const PaStreamParameters parameters = parametersOf(config, calls.isInput());
-    const PaStreamParameters *input = calls.isInput() ? &parameters : nullptr;
-    const PaStreamParameters *output = calls.isInput() ? nullptr : &parameters;
-    const auto frames = static_cast<unsigned long>(config.framesPerBuffer / config.channels);
-    PaStream *stream = nullptr;
-    if (const PaError error =
-            Pa_OpenStream(&stream, input, output, config.sampleRate, frames, paClipOff, &Calls::onBuffer, &calls)) {
-        calls.warn("Pa_OpenStream", error);
-        return nullptr;
-    }
-    Pa_SetStreamFinishedCallback(stream, &Calls::onEnd);
-    calls.stream = stream;
-    return result;
-}
+private:
+    std::unique_ptr<Calls> m_calls;
+};
 
-SoundStream::SoundStream(std::unique_ptr<Calls> calls) : m_calls(std::move(calls)) {}
-
-std::atomic<SoundStream::Calls *> SoundStream::leftBehind = nullptr;
-
-SoundStream::~SoundStream()
+PortAudioStream::~PortAudioStream()
 {
     if (!m_calls->stream)
         return;
@@ -160,7 +138,7 @@ SoundStream::~SoundStream()
     (void)m_calls.release(); // never destroyed: the stream may still call them
 }
 
-bool SoundStream::start()
+bool PortAudioStream::start()
 {
     if (const PaError error = Pa_StartStream(m_calls->stream)) {
         m_calls->warn("Pa_StartStream", error);
@@ -176,12 +154,12 @@ bool SoundStream::start()
     return true;
 }
 
-bool SoundStream::isActive() const
+bool PortAudioStream::isActive() const
 {
     return Pa_IsStreamActive(m_calls->stream) == 1 && Clock::now() - m_calls->lastBuffer.load() < longestGap;
 }
 
-void SoundStream::close()
+void PortAudioStream::close()
 {
     Calls &calls = *m_calls;
     if (Pa_IsStreamActive(calls.stream) == 1 && !calls.lives()) {
@@ -197,6 +175,27 @@ void SoundStream::close()
     qDebug().nospace() << calls.name << ": stopped";
     qDebug().nospace() << calls.name << ": " << calls.buffers.load() << " buffers, " << calls.lost.load()
                        << " times late, priority: " << (priority ? priority : "none");
+}
+
+} // namespace
+
+std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig &config, SoundCalls sound)
+{
+    auto calls = std::make_unique<Calls>(role, std::move(sound), config.channels);
+    const bool isInput = role == StreamRole::Input;
+    if (!isInput)
+        qDebug().nospace() << calls->name << ": " << config.channels << " channels";
+    const PaStreamParameters parameters = parametersOf(config, isInput);
+    const PaStreamParameters *input = isInput ? &parameters : nullptr;
+    const PaStreamParameters *output = isInput ? nullptr : &parameters;
+    const auto frames = static_cast<unsigned long>(config.framesPerBuffer / config.channels);
+    if (const PaError error = Pa_OpenStream(&calls->stream, input, output, config.sampleRate, frames, paClipOff,
+                                            &Calls::onBuffer, calls.get())) {
+        calls->warn("Pa_OpenStream", error);
+        return nullptr;
+    }
+    Pa_SetStreamFinishedCallback(calls->stream, &Calls::onEnd);
+    return std::make_unique<PortAudioStream>(std::move(calls));
 }
 
 } // namespace tarvo::voice

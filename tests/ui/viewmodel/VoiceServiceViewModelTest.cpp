@@ -374,6 +374,29 @@ private slots:
         QCOMPARE(page.events(), told ? QStringList{u"未找到音频设备"_qs} : QStringList());
     }
 
+    void devicesThatFailAreToldOf_data()
+    {
+        using enum tarvo::voice::DeviceEvent;
+        using enum tarvo::voice::StreamRole;
+        QTest::addColumn<tarvo::voice::DeviceEvent>("event");
+        QTest::addColumn<std::vector<tarvo::voice::StreamRole>>("roles");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ended") << Ended << std::vector{Input, Headphone, Speaker}
+                               << u"音频设备已断开：麦克风、耳机、扬声器"_qs;
+        QTest::newRow("failed") << Failed << std::vector{Speaker} << u"无法打开音频设备：扬声器"_qs;
+        QTest::newRow("back") << Back << std::vector{Headphone} << u"音频设备已恢复：耳机"_qs;
+    }
+
+    void devicesThatFailAreToldOf()
+    {
+        QFETCH(tarvo::voice::DeviceEvent, event);
+        QFETCH(std::vector<tarvo::voice::StreamRole>, roles);
+        QFETCH(QString, text);
+        VoicePage page;
+        emit page.client.audioHandler()->deviceEvent(event, roles);
+        QCOMPARE(page.events(), QStringList{text});
+    }
+
     void whoSpokeIsOnTheTimeline()
     {
         VoicePage page;

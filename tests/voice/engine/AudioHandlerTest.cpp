@@ -3,7 +3,7 @@
 #include "AppConfig.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
-#include "voice/codec/OpusEncoder.h"
+#include "voice/engine/LoudPacket.h"
 #include "voice/engine/SoundThread.h"
 #include "voice/engine/VoiceCapture.h"
 #include "voice/engine/VoicePlayback.h"
@@ -20,6 +20,7 @@
 
 using namespace tarvo;
 using namespace tarvo::voice;
+using tarvo::test::loudPacket;
 
 namespace {
 
@@ -73,15 +74,6 @@ int periodOf(const std::vector<float> &samples)
             rises.push_back(static_cast<int>(i));
     }
     return rises.size() < 2 ? 0 : rises[1] - rises[0];
-}
-
-std::vector<std::uint8_t> loudPacket()
-{
-    tarvo::voice::OpusEncoder encoder(AudioStreamConfig{});
-    std::vector<std::int16_t> pcm(960);
-    for (std::size_t i = 0; i < pcm.size(); ++i)
-        pcm[i] = static_cast<std::int16_t>(16000 * std::sin(2 * M_PI * 400 * static_cast<double>(i) / 48000));
-    return encoder.encode(pcm.data(), 960);
 }
 
 } // namespace

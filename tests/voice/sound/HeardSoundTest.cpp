@@ -4,9 +4,6 @@
 #include "support/LogCapture.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
-#include "voice/codec/AudioStreamConfig.h"
-#include "voice/codec/CodecFormat.h"
-#include "voice/codec/OpusEncoder.h"
 #include "voice/engine/Samples.h"
 
 #include <QSignalSpy>
@@ -23,19 +20,6 @@ namespace {
 constexpr double pressPitch = 44100.0 / 29;
 constexpr double releasePitch = 44100.0 / 44;
 constexpr double conflictPitch = 44100.0 / 150;
-
-/// The packets of a sound.
-std::vector<std::vector<std::uint8_t>> packetsOf(const std::vector<float> &samples)
-{
-    tarvo::voice::OpusEncoder encoder(AudioStreamConfig{}); // libopus has one of that name
-    std::vector<std::vector<std::uint8_t>> packets;
-    std::vector<std::int16_t> frame(codecFrameSize);
-    for (std::size_t i = 0; i + frame.size() <= samples.size(); i += frame.size()) {
-        toInt16(std::span(samples).subspan(i, frame.size()), frame);
-        packets.push_back(encoder.encode(frame.data(), codecFrameSize));
-    }
-    return packets;
-}
 
 } // namespace
 
@@ -174,19 +158,35 @@ private slots:
         const Transmitter radio{.id = 1, .receive = true};
         stage.audio->addChannel(radio);
         QVERIFY(stage.startAll());
-        if (byDevice) {
+        if (byDevice)
             stage.audio->setHeadphoneDevice(stage.device("spk_b"));
-            QVERIFY(stage.sound->waitUntilIdle(std::chrono::milliseconds(patienceMs)));
-        } else {
+        else
             stage.audio->stopAll();
-            QVERIFY(stage.startAll());
-        }
+        TRY_VERIFY(!stage.audio->headphoneStream().isRunning());
+        QVERIFY(stage.startAll());
         SoundRecorder recorder(stage.server, byDevice ? "spk_b" : "spk_a");
         TRY_VERIFY(!recorder.samples().empty());
         TRY_VERIFY(stage.audio->headphoneStream().isRunning());
         for (const auto &packet : packetsOf(sine(500, 0.4, 0.5F)))
             stage.audio->playVoice(radio, packet, false);
         QVERIFY(hears(recorder, 500, 0.3));
+    }
+
+    void anotherDriverRestartsEachStreamOnce()
+    {
+        SoundStage stage;
+        QVERIFY(stage.startAll());
+        const int microphone = stage.device("default");
+        const int headphone = stage.device("spk_b");
+        const int speaker = stage.device("spk_a");
+        LogCapture log;
+        stage.audio->setInputDevice(microphone);
+        stage.audio->setHeadphoneDevice(headphone);
+        stage.audio->setSpeakerDevice(speaker);
+        QVERIFY(stage.startAll());
+        const QStringList texts = log.texts(QtDebugMsg);
+        QCOMPARE(texts.count(QStringLiteral("InputAudioStream: started")), 1);
+        QCOMPARE(texts.count(QStringLiteral("MixedOutputAudioStream: started")), 2);
     }
 
     void microphoneCanBeExchangedWhileItIsOpen()

@@ -2,6 +2,10 @@
 
 #include "support/Patience.h"
 #include "support/SoundServer.h"
+#include "voice/codec/AudioStreamConfig.h"
+#include "voice/codec/CodecFormat.h"
+#include "voice/codec/OpusEncoder.h"
+#include "voice/engine/Samples.h"
 
 #include <algorithm>
 #include <cmath>
@@ -98,6 +102,19 @@ std::vector<float> sine(double hz, double seconds, float peak)
         samples[i] =
             peak * static_cast<float>(std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / soundRate));
     return samples;
+}
+
+std::vector<std::vector<std::uint8_t>> packetsOf(const std::vector<float> &samples)
+{
+    using namespace voice;
+    voice::OpusEncoder encoder(AudioStreamConfig{}); // libopus has one of that name
+    std::vector<std::vector<std::uint8_t>> packets;
+    std::vector<std::int16_t> frame(codecFrameSize);
+    for (std::size_t i = 0; i + frame.size() <= samples.size(); i += frame.size()) {
+        toInt16(std::span(samples).subspan(i, frame.size()), frame);
+        packets.push_back(encoder.encode(frame.data(), codecFrameSize));
+    }
+    return packets;
 }
 
 std::vector<double> likeness(std::span<const float> said, std::span<const float> heard)

@@ -43,6 +43,7 @@ private slots:
             QVERIFY(!stage.startAll());
             QVERIFY(log.contains(QStringLiteral("MixedOutputAudioStream: Pa_OpenStream failed: ")));
         }
+        QCOMPARE(stage.events, std::vector{DeviceEvent::Failed});
         QVERIFY(stage.audio->headphoneStream().isRunning());
         stage.audio->stopAll();
         stage.server.plugSpeaker(true);
@@ -79,6 +80,36 @@ private slots:
         QSignalSpy packets(&*stage.audio, &AudioHandler::encodedAudioReady);
         stage.audio->setPttActive(true);
         TRY_VERIFY(!packets.isEmpty());
+    }
+
+    void restartedServerIsHeardAgain_data()
+    {
+        QTest::addColumn<bool>("later");
+        QTest::newRow("at once") << false;
+        QTest::newRow("after an attempt that failed") << true;
+    }
+
+    void restartedServerIsHeardAgain()
+    {
+        SKIP_UNDER_SANITIZERS();
+        QFETCH(bool, later);
+        SoundStage stage;
+        QVERIFY(stage.startAll());
+        const double before = stage.likenessOfSpeech();
+        QVERIFY2(before > 0.8, qPrintable(QString::number(before)));
+        stage.server.kill();
+        TRY_VERIFY(!stage.events.empty());
+        QCOMPARE(stage.events.front(), DeviceEvent::Ended);
+        if (later) {
+            const LogCapture log;
+            TRY_VERIFY(log.contains(QStringLiteral("InputAudioStream: Pa_OpenStream failed: ")));
+        }
+        QVERIFY(stage.server.start());
+        TRY_VERIFY(stage.events.back() == DeviceEvent::Back);
+        TRY_VERIFY(stage.audio->headphoneStream().isRunning() && stage.audio->speakerStream().isRunning());
+        const double after = stage.likenessOfSpeech();
+        QVERIFY2(after > 0.8, qPrintable(QString::number(after)));
+        qInfo("Speech before and after the restart: correlation %.3f, %.3f", before, after);
     }
 
     void startBringsBackWhatAKilledServerEnded()

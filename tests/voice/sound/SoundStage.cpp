@@ -1,6 +1,7 @@
 #include "voice/sound/SoundStage.h"
 
 #include "support/Patience.h"
+#include "voice/sound/Hearing.h"
 
 #include <QCoreApplication>
 
@@ -23,6 +24,8 @@ SoundServer &soundServer()
 SoundStage::SoundStage()
 {
     audio.emplace(config, sound);
+    QObject::connect(&*audio, &voice::AudioHandler::deviceEvent, &*audio,
+                     [this](voice::DeviceEvent event) { events.push_back(event); });
     audio->setInputDevice(device("mic_a"));
     audio->setHeadphoneDevice(device("spk_a"));
     audio->setSpeakerDevice(device("spk_b"));
@@ -44,6 +47,20 @@ bool SoundStage::startAll()
     audio->startAll([&isTried] { isTried = true; });
     return waitFor([&isTried] { return isTried; }) && audio->headphoneStream().isRunning() &&
            audio->speakerStream().isRunning();
+}
+
+double SoundStage::likenessOfSpeech()
+{
+    const voice::Transmitter radio{.receive = true};
+    audio->addChannel(radio);
+    SoundRecorder recorder(server, "spk_a");
+    waitFor([&] { return !recorder.samples().empty(); });
+    const std::vector<float> said = chirp(0.5);
+    for (const auto &packet : packetsOf(said))
+        audio->playVoice(radio, packet, false);
+    const std::size_t before = recorder.samples().size();
+    waitFor([&] { return recorder.samples().size() > before + soundRate; });
+    return likeness(said, recorder.samples()).back(); // on a busy machine the other quarter may have a gap
 }
 
 } // namespace tarvo::test

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tarvo::test {
 
@@ -34,6 +35,10 @@ public:
     int device(const char *name) const;
     /// Starts all three streams; true when the outputs run.
     bool startAll();
+    /// Plays half a second of speech to the headphone; how like it is what is heard there, at most 1.
+    double likenessOfSpeech();
+
+    std::vector<voice::DeviceEvent> events; ///< of the engine's devices
 };
 
 } // namespace tarvo::test

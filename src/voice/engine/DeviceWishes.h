@@ -1,0 +1,83 @@
+#pragma once
+
+#include "voice/engine/DeviceStreams.h"
+#include "voice/engine/RetryPace.h"
+#include "voice/engine/SoundLease.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace tarvo::voice {
+
+class Mailbox;
+class SoundThread;
+
+/// What happens to devices that are in use.
+enum class DeviceEvent
+{
+    Ended,  ///< the sound system has ended them, such as a sound server that was killed, or a plug that was pulled
+    Failed, ///< they can't be opened
+    Back,   ///< they run again, or at last
+};
+
+/// What is wanted of the engine's streams. Everything returns at once, and the SoundThread works towards the newest
+/// wishes: ten that come while the sound system hangs are done as one. What ends by itself or can't be opened is tried
+/// again (RetryPace).
+class DeviceWishes : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Roles = std::vector<StreamRole>;
+
+    /// `open` is called on the SoundThread.
+    DeviceWishes(std::shared_ptr<SoundThread> sound, OpenSound open, QObject *parent = nullptr);
+    ~DeviceWishes() override;
+
+    DeviceStreams &streams() { return *m_streams; }
+
+    /// The pilot's devices are not known yet: nothing is done until stopWaiting().
+    void wait() { m_isWaiting = true; }
+    void stopWaiting();
+
+    /// PortAudio's index; negative: the default device.
+    void setDevice(StreamRole role, int device);
+    /// `whenTried` is called on this object's thread when that has been tried.
+    void start(const Roles &roles, std::function<void()> whenTried = {});
+    void stop(const Roles &roles);
+
+signals:
+    /// Told once for each device that was asked for.
+    void happened(tarvo::voice::DeviceEvent event, const std::vector<tarvo::voice::StreamRole> &roles);
+
+private:
+    using Calls = std::vector<std::function<void()>>;
+
+    StreamWish &at(StreamRole role) { return m_wishes[static_cast<std::size_t>(role)]; }
+    void change();
+    void work();
+    void onWorked(const StreamsReport &report, bool hasOpened, const Calls &whenTried);
+    void goOn(const StreamsReport &report, bool hasOpened);
+    void tell(const StreamsReport &report);
+    Roles wanted(const Roles &roles);
+
+    const std::shared_ptr<SoundThread> m_sound;
+    const std::shared_ptr<Mailbox> m_mailbox;
+    const SoundLease m_lease;
+    const std::shared_ptr<DeviceStreams> m_streams; ///< the sound thread's
+    DeviceStreams::Wishes m_wishes;
+    Calls m_whenTried;
+    bool m_isWaiting = false;
+    bool m_isWorking = false; ///< the sound thread does, or will
+    bool m_isBehind = false;  ///< there has been a reason to work since
+    bool m_opens = false;     ///< next time it opens what is missing
+    QTimer m_next{this};
+    RetryPace m_retries;
+    Roles m_missing; ///< which the pilot has been told
+};
+
+} // namespace tarvo::voice
