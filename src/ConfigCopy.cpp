@@ -41,6 +41,7 @@ void ConfigCopy::take() const
 
 void ConfigCopy::forget(const QString &key) const
 {
+    QFile::remove(damagedPath());
     QSettings::SettingsMap copied = values();
     if (copied.value(key).toString().isEmpty())
         return;
@@ -51,7 +52,7 @@ void ConfigCopy::forget(const QString &key) const
 void ConfigCopy::keepDamagedFile() const
 {
     if (QFile::exists(m_configPath))
-        writeForTheUser(m_configPath + QStringLiteral(".damaged"), contentsOf(m_configPath));
+        writeForTheUser(damagedPath(), contentsOf(m_configPath));
 }
 
 } // namespace tarvo

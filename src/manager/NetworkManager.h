@@ -234,6 +234,8 @@ private:
     const std::unique_ptr<SessionContext> m_session;
     QList<std::shared_ptr<simulator::Simulator>> m_replaced; ///< which may still be on the stack
     ConnectionList m_simulatorConnections;
+    // Children of this object besides, so that they go with it to a thread and are found; these pointers let them end
+    // before the session.
     std::unique_ptr<SessionLifecycle> m_life;
     std::unique_ptr<OwnAircraft> m_own;
     std::unique_ptr<PositionReporter> m_reporter;

@@ -20,8 +20,6 @@ public:
     bool isValid() const { return m_valid; }
     /// A live sample has come, too, so that a pilot may connect.
     bool isReadyForPilot() const { return m_valid && m_lastSampleMs >= 1; }
-    /// Time of the last live sample; 0 for none.
-    qint64 lastSampleMs() const { return m_lastSampleMs; }
 
     /// Notes a changed sample. True when the data have just become valid: the third live one does it.
     bool addSample(const model::UserAircraftData &data, qint64 nowMs);
@@ -36,8 +34,8 @@ public:
 
 private:
     bool m_valid = false;
-    int m_sampleCount = 0; ///< live samples, counted up to 3
-    qint64 m_lastSampleMs = 0;
+    int m_sampleCount = 0;     ///< live samples, counted up to 3
+    qint64 m_lastSampleMs = 0; ///< a live one; 0 for none
 };
 
 } // namespace tarvo::manager

@@ -62,8 +62,9 @@ void StationReports::announceAtis(const QString &callsign)
     const SessionMark mark = m_session.mark();
     emit controllerAtisReceived(callsign, *lines);
     for (const QString &line : QStringList{callsign + QStringLiteral(" ATIS:")} + *lines) {
-        if (mark.holds())
-            showNotification(m_session, line, atisColour);
+        if (!mark.holds())
+            return;
+        showNotification(m_session, line, atisColour);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "network/IcaoText.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace tarvo::network {
 
@@ -50,19 +52,22 @@ SwiftAircraftIcaoResult IcaoSnapshot::normalize(const QString &text) const
 
 QStringList IcaoSnapshot::suggest(const QString &query, int limit) const
 {
-    QStringList result;
     const DesignatorQuery typed(query);
     if (limit < 1 || typed.isEmpty())
-        return result;
-    // One walk for each score instead of a sort: only the result is allocated, and equal scores stay in order.
-    for (const int score : designatorScores) {
-        for (const QString &designator : m_designators) {
-            if (typed.score(designator) != score)
-                continue;
-            result.append(designator);
-            if (result.size() >= limit)
-                return result;
-        }
+        return {};
+    using Fit = std::pair<int, const QString *>;
+    std::vector<Fit> fits;
+    for (const QString &designator : m_designators) {
+        if (const int score = typed.score(designator); score > 0)
+            fits.emplace_back(score, &designator);
+    }
+    std::stable_sort(fits.begin(), fits.end(),
+                     [](const Fit &one, const Fit &other) { return one.first > other.first; });
+    QStringList result;
+    for (const auto &[score, designator] : fits) {
+        if (result.size() >= limit)
+            break;
+        result.append(*designator);
     }
     return result;
 }

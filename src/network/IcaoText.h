@@ -39,7 +39,4 @@ private:
     Needle m_compact; ///< only its letters and digits
 };
 
-/// Every score above 0 that a designator can have, best first.
-inline constexpr int designatorScores[] = {1240, 1200, 940, 900, 640, 600};
-
 } // namespace tarvo::network

@@ -115,9 +115,6 @@ public:
 signals:
     /// The link to the simulator came or went. False may come although no link was up, when the simulator shuts down.
     void simConnectionStateChanged(bool connected);
-    /// The simulator's end of the link has begun anew and knows nothing of what it was given; raised behind
-    /// simConnectionStateChanged(true).
-    void restarted();
     /// An attempt to connect has ended in its time-out. `message`: for the pilot.
     void simConnectionFailed(const QString &message);
     /// The own aircraft's motion: what changed since it was last told. A NaN in it counts as a change.
@@ -160,6 +157,9 @@ signals:
     /// Each contact is a map with "objectId", "label", "atcId", "latitude" and "longitude" (degrees), "altitudeFeet",
     /// "headingTrue", "groundSpeedKnots", "onGround" and the lights "beaconOn", "navOn" and "strobeOn".
     void trafficSnapshotChanged(const QVariantList &contacts);
+    /// The simulator's end of the link has begun anew and knows nothing of what it was given; raised behind
+    /// simConnectionStateChanged(true).
+    void restarted();
 };
 
 } // namespace tarvo::simulator

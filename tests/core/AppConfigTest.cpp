@@ -541,9 +541,11 @@ private slots:
         QFile aside(configPath() + QStringLiteral(".damaged"));
         QVERIFY(aside.open(QIODevice::ReadOnly));
         QCOMPARE(aside.readAll(), damaged);
-        const AppConfig next(m_dir->path());
+        AppConfig next(m_dir->path());
         QCOMPARE(next.startupWarning(), QString());
         QCOMPARE(next.get(config::xplaneUdpPort), port);
+        next.set(config::authPassword, QString());
+        QVERIFY(!aside.exists()); // nor does a secret stay there
     }
 
     void aFileThatIsGoneIsAFreshStart()

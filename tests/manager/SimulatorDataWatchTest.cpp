@@ -71,7 +71,6 @@ private slots:
         QVERIFY(!watch.isValid());
         QVERIFY(watch.addSample(live, start + 7));
         QVERIFY(watch.isValid() && watch.isReadyForPilot());
-        QCOMPARE(watch.lastSampleMs(), start + 7);
         QVERIFY(!watch.addSample(live, start + 8)); // told once
     }
 
@@ -91,7 +90,6 @@ private slots:
         watch.simulatorConnected();
         QVERIFY(watch.isValid());
         QVERIFY(!watch.isReadyForPilot());
-        QCOMPARE(watch.lastSampleMs(), 0);
         QVERIFY(!watch.addSample(live, start + 1)); // valid already
         QVERIFY(watch.isReadyForPilot());
     }
@@ -111,7 +109,6 @@ private slots:
             watch.addSample(live, start);
         watch.simulatorDisconnected();
         QVERIFY(!watch.isValid());
-        QCOMPARE(watch.lastSampleMs(), 0);
         QVERIFY(!watch.addSample(live, start)); // counts from the start again
     }
 
@@ -148,7 +145,6 @@ private slots:
         QVERIFY(watch.expire(start + 63'001));
         watch.keepAlive(start + 70'000); // too late
         QVERIFY(!watch.isValid());
-        QCOMPARE(watch.lastSampleMs(), start + 60'000);
     }
 
     void afterExpiryThreeSamplesAreNeededAgain()

@@ -6,7 +6,7 @@
 
 namespace tarvo::fsd {
 
-/// A line that is no PDU. Thrown only by parse operations and parseLine(), caught only by FsdClient.
+/// A line that is no PDU. Thrown by the parse operations and parseLine(), and caught by whoever calls them.
 class PDUFormatException : public std::exception
 {
 public:

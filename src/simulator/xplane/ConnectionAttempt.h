@@ -5,7 +5,7 @@
 namespace tarvo::simulator::xplane {
 
 /// When the link to X-Plane counts as up: a wanted and begun attempt needs a plugin of the right version, valid model
-/// paths and fresh values. Times are whole seconds since the epoch.
+/// paths and fresh values. Times are whole seconds of a clock that never jumps.
 struct ConnectionAttempt
 {
     /// Values older than this, or as old, are stale.

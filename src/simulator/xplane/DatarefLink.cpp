@@ -45,6 +45,9 @@ DatarefLink::DatarefLink(const AppConfig &config, const common::Clock &clock, QO
     connect(&m_socket, &QUdpSocket::readyRead, this, &DatarefLink::receivePending);
     if (!m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0))
         qWarning().noquote() << "X-Plane UDP socket could not be bound:" << m_socket.errorString();
+    if (m_target.isNull())
+        qWarning() << "X-Plane's address is no IP address, its UDP interface is out of reach:"
+                   << config.get(config::xplaneNetworkAddress);
     m_publishTimer.setObjectName(QStringLiteral("publish"));
     m_publishTimer.setInterval(publishIntervalMs);
     connect(&m_publishTimer, &QTimer::timeout, this, &DatarefLink::publish);
@@ -66,7 +69,7 @@ bool DatarefLink::isSilent(qint64 nowSeconds, qint64 forSeconds) const
 
 void DatarefLink::subscribe()
 {
-    m_lastAskedSeconds = m_clock.wallMs() / 1000;
+    m_lastAskedSeconds = m_clock.steadyMs() / 1000;
     qint32 id = 0;
     for (const Dataref &dataref : datarefs())
         send(subscribePacket(dataref.rateHz, id++, dataref.name));
@@ -135,7 +138,7 @@ void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
     const RrefReply reply(datagram);
     if (!isFrom(m_target, sender) || !reply.isValid())
         return;
-    m_lastHeardSeconds = m_lastReplySeconds = m_clock.wallMs() / 1000;
+    m_lastHeardSeconds = m_lastReplySeconds = m_clock.steadyMs() / 1000;
     const QPointer<DatarefLink> alive(this);
     const qsizetype count = reply.count();
     for (qsizetype i = 0; alive && i < count; ++i) {

@@ -37,7 +37,7 @@ public:
     /// Forgets the own aircraft. Pause, version and what was published stay.
     void clearAircraft();
 
-    /// When X-Plane last replied, or was taken to have; whole seconds since the epoch.
+    /// When X-Plane last replied, or was taken to have; whole seconds of the steady clock.
     qint64 lastReplySeconds() const { return m_lastReplySeconds; }
     void setLastReplySeconds(qint64 seconds) { m_lastReplySeconds = seconds; }
 

@@ -17,7 +17,7 @@ quint64 Outbox::put(const OutgoingMessage &message)
     else if (message.kind == Kind::ExistenceOfAll)
         dropPositions();
     append(message);
-    if (m_bytes <= mostBytes)
+    if (m_bytes + perMessage * static_cast<qsizetype>(m_waiting.size()) <= mostBytes)
         return 0;
     const auto lost = static_cast<quint64>(m_waiting.size());
     m_waiting.clear();

@@ -42,6 +42,8 @@ class Outbox
 public:
     /// Some ten minutes of dense traffic without its positions.
     static constexpr qsizetype mostBytes = 8 * 1024 * 1024;
+    /// What each message takes there besides its bytes: many small ones count as well.
+    static constexpr qsizetype perMessage = 128;
 
     /// An aircraft that is added or removed leaves no older position of its own behind. Gives how many messages are
     /// lost now: one that comes while the plugin is given up, or all that wait.
@@ -49,7 +51,7 @@ public:
     /// Takes the message that is to be sent next; none when nothing waits.
     std::optional<QByteArray> next();
     bool isEmpty() const { return m_waiting.empty(); }
-    /// What waits, in bytes.
+    /// What waits, in bytes of messages.
     qsizetype bytes() const { return m_bytes; }
 
     /// True while a plugin that doesn't read is given up.

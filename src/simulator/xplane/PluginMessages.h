@@ -25,8 +25,8 @@ QByteArray csl(const QStringList &paths);
 /// "ADD" [callsign, airline, type, latitude, longitude, altitude, heading, bank, pitch]
 QByteArray add(const model::RemoteAircraft &aircraft);
 
-/// "ACCONF", 12 arguments, each nil when unknown: callsign, full (true or nil), engines on, reversing, on ground,
-/// flaps (float32, 0 to 1), gear down, beacon, landing, navigation, strobe and taxi lights.
+/// "ACCONF", 12 arguments: the callsign, and what is nil when unknown: full (true or nil), engines on, reversing, on
+/// ground, flaps (float32, 0 to 1), gear down, beacon, landing, navigation, strobe and taxi lights.
 QByteArray configuration(const model::RemoteAircraft &aircraft);
 
 /// "DEL" [callsign, reason]

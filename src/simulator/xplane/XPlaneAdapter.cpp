@@ -254,7 +254,7 @@ void XPlaneAdapter::disconnectSimulator()
 
 qint64 XPlaneAdapter::nowSeconds() const
 {
-    return m_clock.wallMs() / 1000;
+    return m_clock.steadyMs() / 1000;
 }
 
 // --- what the plugin reports ---

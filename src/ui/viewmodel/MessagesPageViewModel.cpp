@@ -306,7 +306,7 @@ void MessagesPageViewModel::add(const Message &message)
     }
     const bool unread = message.isIncoming() && message.channel != m_activeChannel;
     const std::optional<StoredMessage> gone = m_store.append(message, now, unread);
-    const StoredMessage &added = m_store.all().constLast();
+    const StoredMessage added = m_store.all().constLast(); // whoever sees the new row may clear the store
     if (!gone || !gone->countsLike(added))
         changes |= Change::ChannelStats;
     if (isShown(message.channel) || (gone && isShown(gone->message.channel)))

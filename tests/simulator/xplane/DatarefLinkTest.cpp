@@ -105,6 +105,8 @@ private slots:
 
     void textThatIsNoAddressSendsNothing()
     {
+        QTest::ignoreMessage(
+            QtWarningMsg, "X-Plane's address is no IP address, its UDP interface is out of reach: \"no-such-machine\"");
         DatarefBench bench(QStringLiteral("no-such-machine"));
         bench.link->subscribe();
         bench.link->write("sim/x", 1);
@@ -135,13 +137,13 @@ private slots:
         bench.link->setLastReplySeconds(7);
         bench.simulator.sendRaw(datagram);
         if (refreshes) {
-            TRY_COMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
+            TRY_COMPARE(bench.link->lastReplySeconds(), bench.clock.steadyMs() / 1000);
             QVERIFY(bench.link->sample().user == model::UserAircraftData());
         } else {
             // Datagrams of one socket arrive in order: when the marker is there, the other one was, too.
             bench.clock.advance(5000);
             QVERIFY(bench.settle());
-            QCOMPARE(bench.link->lastReplySeconds(), bench.clock.wallMs() / 1000);
+            QCOMPARE(bench.link->lastReplySeconds(), bench.clock.steadyMs() / 1000);
             QCOMPARE(bench.link->sample().user.latitude, 0.0);
         }
     }
@@ -329,7 +331,7 @@ private slots:
         QFETCH(bool, replied);
         QFETCH(int, seconds);
         DatarefBench bench;
-        const qint64 start = bench.clock.wallMs() / 1000;
+        const qint64 start = bench.clock.steadyMs() / 1000;
         if (asked)
             QVERIFY(bench.subscribe());
         bench.clock.advance(5000);
