@@ -29,6 +29,7 @@ HANDLE freshHandle()
 SimConnectStandIn::SimConnectStandIn() : m_alive(std::make_shared<SimConnectStandIn *>(this))
 {
     newest = this;
+    handles(); // made before and so gone after a stand-in that lives until the program ends
 }
 
 SimConnectStandIn::~SimConnectStandIn()
@@ -143,6 +144,8 @@ void SimConnectStandIn::note(const QString &line)
     if (m_calls.size() >= mostCalls)
         m_calls.removeFirst();
     m_calls.append(line);
+    if (m_listener)
+        m_listener(line);
 }
 
 quint32 SimConnectStandIn::loadLibrary(const QString &name)

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace tarvo::simulator::msfs {
@@ -55,6 +56,8 @@ public:
     QStringList calls() const { return m_calls; }
     /// The same, and forgets them.
     QStringList takeCalls();
+    /// Hears each line as it is written down.
+    void setListener(const std::function<void(const QString &line)> &listener) { m_listener = listener; }
     /// Writes no lines while off, for load tests. On by default.
     void setLogging(bool on) { m_logging = on; }
     /// Calls since the last Open, GetNextDispatch aside: what an exception names as the guilty one.
@@ -114,6 +117,7 @@ private:
     QStringList m_missing;
     quint32 m_loadError = 126;
     QStringList m_calls;
+    std::function<void(const QString &)> m_listener;
     bool m_logging = true;
     quint32 m_sendId = 0;
     QHash<QString, Failure> m_failures;
