@@ -9,6 +9,7 @@
 #include "manager/UserAircraftManager.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "simulator/msfs/MsfsAdapter.h"
 #include "simulator/xplane/XPlaneAdapter.h"
 #include "ui/MainWindow.h"
 #include "ui/ThemeManager.h"
@@ -28,28 +29,6 @@ namespace tarvo {
 using namespace std::chrono_literals;
 using model::SimulatorMode;
 
-namespace {
-
-/// A simulator that can be picked, and how what speaks to it is made.
-struct Backend
-{
-    SimulatorMode mode;
-    const char *name;
-    std::shared_ptr<simulator::Simulator> (*make)(AppConfig &config, const ServiceEndpoints &endpoints);
-};
-
-template <class Adapter>
-std::shared_ptr<simulator::Simulator> make(AppConfig &config, const ServiceEndpoints &endpoints)
-{
-    return std::make_shared<Adapter>(config, endpoints);
-}
-
-constexpr Backend backends[] = {
-    {.mode = SimulatorMode::XPlane, .name = "X-Plane", .make = make<simulator::xplane::XPlaneAdapter>},
-};
-
-} // namespace
-
 void Application::setUp()
 {
     QCoreApplication::setApplicationVersion(QStringLiteral(TARVO_VERSION));
@@ -62,11 +41,13 @@ void Application::setUp()
 }
 
 Application::Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
-                         const ServiceEndpoints &endpoints)
+                         const ServiceEndpoints &endpoints,
+                         std::shared_ptr<simulator::msfs::SimConnectBinding> simConnect)
     : m_config(config),
       m_api(api),
       m_icao(icao),
       m_endpoints(endpoints),
+      m_simConnect(std::move(simConnect)),
       m_sound(std::make_shared<voice::SoundThread>()),
       m_loginWindow(config, api, endpoints)
 {
@@ -122,15 +103,15 @@ void Application::activate(SimulatorMode mode)
 {
     if (!m_networkManager)
         return;
-    for (const Backend &backend : backends) {
-        if (backend.mode != mode)
-            continue;
-        qInfo().noquote() << "Activating" << QLatin1String(backend.name) << "backend";
-        m_networkManager->setSimulator(backend.make(m_config, m_endpoints));
-        return;
-    }
-    qWarning().noquote() << "There is no backend for" << model::modeText(mode);
-    m_mainWindow->onModeSelected(model::modeText(SimulatorMode::None));
+    qInfo().noquote() << "Activating" << (mode == SimulatorMode::Msfs ? "MSFS" : "X-Plane") << "backend";
+    m_networkManager->setSimulator(makeSimulator(mode));
+}
+
+std::shared_ptr<simulator::Simulator> Application::makeSimulator(SimulatorMode mode) const
+{
+    if (mode == SimulatorMode::Msfs)
+        return std::make_shared<simulator::msfs::MsfsAdapter>(m_config, m_simConnect);
+    return std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints);
 }
 
 void Application::logOut()

@@ -23,6 +23,12 @@ class ControllerManager;
 class NetworkManager;
 class UserAircraftManager;
 } // namespace manager
+namespace simulator {
+class Simulator;
+namespace msfs {
+class SimConnectBinding;
+}
+} // namespace simulator
 namespace ui {
 class MainWindow;
 }
@@ -38,8 +44,10 @@ public:
     /// Theme, message handler, configuration and log file: what the windows stand on.
     static void setUp();
 
+    /// `simConnect`: how Microsoft Flight Simulator is reached; null for the library of this machine.
     Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
-                const ServiceEndpoints &endpoints = {});
+                const ServiceEndpoints &endpoints = {},
+                std::shared_ptr<simulator::msfs::SimConnectBinding> simConnect = {});
     ~Application();
 
     /// Shows the login window and runs the event loop. Returns its exit code.
@@ -58,6 +66,7 @@ private:
     void compose();
     void openMainWindow();
     void activate(model::SimulatorMode mode);
+    std::shared_ptr<simulator::Simulator> makeSimulator(model::SimulatorMode mode) const;
     void logOut();
     void cleanUp();
     void whenUnwound(std::function<void()> action);
@@ -66,6 +75,7 @@ private:
     network::ApiService &m_api;
     network::SwiftAircraftIcaoService &m_icao;
     ServiceEndpoints m_endpoints;
+    std::shared_ptr<simulator::msfs::SimConnectBinding> m_simConnect; ///< null: the library of this machine
     std::shared_ptr<voice::SoundThread> m_sound; ///< one for all sessions: the sound system knows the process
     // Destroyed from the last to the first: each dependent goes before what it depends on.
     ui::LoginWindow m_loginWindow;

@@ -4,7 +4,7 @@ add_library(tarvo::app ALIAS tarvo_app)
 # The number reaches this one file, so that a change of it recompiles nothing else.
 set_source_files_properties(Application.cpp PROPERTIES COMPILE_DEFINITIONS "TARVO_VERSION=\"${PROJECT_VERSION}\"")
 target_include_directories(tarvo_app PUBLIC ${CMAKE_CURRENT_LIST_DIR})
-target_link_libraries(tarvo_app PUBLIC tarvo::ui tarvo::manager tarvo::xplane)
+target_link_libraries(tarvo_app PUBLIC tarvo::ui tarvo::manager tarvo::xplane tarvo::msfs)
 
 add_executable(TarvoClient main.cpp)
 target_link_libraries(TarvoClient PRIVATE tarvo::app Qt6::QuickControls2)

@@ -10,110 +10,75 @@
 
 namespace tarvo::manager {
 
-using model::RemoteAircraft;
+using Record = RemoteAircraftTable::Record;
 
-RemoteAircraft *RemoteAircraftTable::obtain(const QString &callsign, const QDateTime &now)
+Record *RemoteAircraftTable::obtain(const QString &callsign, const QDateTime &now)
 {
-    if (RemoteAircraft *known = find(callsign))
+    if (Record *known = find(callsign))
         return known;
     if (callsign.isEmpty() || callsign.size() > common::longestCallsign)
         return nullptr;
-    if (m_entries.size() >= maximumSize) {
+    if (m_records.size() >= maximumSize) {
         if (!std::exchange(m_fullLogged, true))
             qWarning() << "No room for more than" << maximumSize << "other aircraft; new ones are ignored";
         return nullptr;
     }
-    RemoteAircraft &aircraft = m_entries[callsign].aircraft;
+    Record &aircraft = m_records[callsign];
     aircraft.callsign = callsign;
     aircraft.airline = airlineOfCallsign(callsign);
     aircraft.lastUpdate = now;
     return &aircraft;
 }
 
-RemoteAircraft *RemoteAircraftTable::find(const QString &callsign)
+Record *RemoteAircraftTable::find(const QString &callsign)
 {
-    const auto found = m_entries.find(callsign);
-    return found == m_entries.end() ? nullptr : &found->aircraft;
+    const auto found = m_records.find(callsign);
+    return found == m_records.end() ? nullptr : &*found;
 }
 
-const RemoteAircraft *RemoteAircraftTable::find(const QString &callsign) const
+const Record *RemoteAircraftTable::find(const QString &callsign) const
 {
-    const auto found = m_entries.constFind(callsign);
-    return found == m_entries.constEnd() ? nullptr : &found->aircraft;
+    const auto found = m_records.constFind(callsign);
+    return found == m_records.constEnd() ? nullptr : &*found;
 }
 
-std::optional<RemoteAircraft> RemoteAircraftTable::take(const QString &callsign)
+std::optional<Record> RemoteAircraftTable::take(const QString &callsign)
 {
-    const auto found = m_entries.find(callsign);
-    if (found == m_entries.end())
+    const auto found = m_records.find(callsign);
+    if (found == m_records.end())
         return std::nullopt;
-    std::optional<RemoteAircraft> taken = std::move(found->aircraft);
-    m_entries.erase(found);
+    std::optional<Record> taken = std::move(*found);
+    m_records.erase(found);
     return taken;
 }
 
 void RemoteAircraftTable::clear()
 {
-    m_entries.clear();
+    m_records.clear();
     m_fullLogged = false;
 }
 
 QStringList RemoteAircraftTable::callsigns() const
 {
-    QStringList result = m_entries.keys();
+    QStringList result = m_records.keys();
     std::sort(result.begin(), result.end());
     return result;
 }
 
-QList<RemoteAircraft> RemoteAircraftTable::all() const
+QList<model::RemoteAircraft> RemoteAircraftTable::all() const
 {
-    QList<RemoteAircraft> result;
-    result.reserve(m_entries.size());
-    for (const Entry &entry : m_entries)
-        result.append(entry.aircraft);
-    return result;
+    return {m_records.begin(), m_records.end()};
 }
 
-bool RemoteAircraftTable::isPositionKnown(const QString &callsign) const
+bool RemoteAircraftTable::Record::shouldAskForType(qint64 nowMs)
 {
-    const auto found = m_entries.constFind(callsign);
-    return found != m_entries.constEnd() && found->positionKnown;
-}
-
-void RemoteAircraftTable::setPositionKnown(const QString &callsign, bool known)
-{
-    if (const auto found = m_entries.find(callsign); found != m_entries.end())
-        found->positionKnown = known;
-}
-
-bool RemoteAircraftTable::shouldAskForType(const QString &callsign, qint64 nowMs)
-{
-    const auto found = m_entries.find(callsign);
-    if (found == m_entries.end() || !found->aircraft.typeCode.isEmpty() || found->typeAsked)
+    if (!typeCode.isEmpty() || m_typeAsked)
         return false;
-    if (found->typeAskedMs && nowMs - *found->typeAskedMs < typeIntervalMs)
+    if (m_typeAskedMs && nowMs - *m_typeAskedMs < typeIntervalMs)
         return false;
-    found->typeAsked = true;
-    found->typeAskedMs = nowMs;
+    m_typeAsked = true;
+    m_typeAskedMs = nowMs;
     return true;
-}
-
-void RemoteAircraftTable::typeAnswered(const QString &callsign)
-{
-    if (const auto found = m_entries.find(callsign); found != m_entries.end())
-        found->typeAsked = false;
-}
-
-bool RemoteAircraftTable::shouldAskForConfiguration(const QString &callsign)
-{
-    const auto found = m_entries.find(callsign);
-    return found != m_entries.end() && !std::exchange(found->configurationAsked, true);
-}
-
-void RemoteAircraftTable::configurationAnswered(const QString &callsign)
-{
-    if (const auto found = m_entries.find(callsign); found != m_entries.end())
-        found->configurationAsked = false;
 }
 
 } // namespace tarvo::manager

@@ -69,7 +69,7 @@ QDateTime RemoteTraffic::now() const
 }
 
 /// Null for the own aircraft and for an observer's shadow: whatever message brings them, they are echoes.
-RemoteAircraft *RemoteTraffic::obtainAircraft(const QString &callsign)
+RemoteTraffic::Record *RemoteTraffic::obtainAircraft(const QString &callsign)
 {
     return isOwnOrShadowed(callsign, m_session.info) ? nullptr : m_table.obtain(callsign, now());
 }
@@ -85,13 +85,13 @@ void RemoteTraffic::onPilotPosition(const PilotPosition &pdu)
     const double groundSpeed = pdu.groundSpeed;
     const SessionMark mark = m_session.mark();
     const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
-    RemoteAircraft *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
+    Record *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
     notePosition(*aircraft, state);
     aircraft->groundSpeed = groundSpeed;
 
-    prepareAircraft(callsign);
+    prepareAircraft(*aircraft);
     tellSimulator(callsign,
                   [&](Simulator &current, const RemoteAircraft &shown) { current.positionUpdate(shown, state); });
     if (mark.holds())
@@ -107,14 +107,14 @@ void RemoteTraffic::onFastPilotPosition(const FastPilotPosition &pdu)
     const Velocities velocities = velocitiesOf(pdu);
     const SessionMark mark = m_session.mark();
     const model::AircraftVisualState state = visualStateOf(pdu, simulator->adjustRemoteAltitude(pdu.trueAltitude));
-    RemoteAircraft *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
+    Record *aircraft = mark.holds() ? obtainAircraft(callsign) : nullptr;
     if (!aircraft)
         return;
     notePosition(*aircraft, state);
     aircraft->fastSeen = true;
     aircraft->groundSpeed = groundSpeedAfter(pdu, aircraft->groundSpeed);
 
-    prepareAircraft(callsign);
+    prepareAircraft(*aircraft);
     tellSimulator(callsign, [&](Simulator &current, const RemoteAircraft &shown) {
         current.fastPositionUpdate(shown, state, velocities.positional, velocities.rotational);
     });
@@ -122,21 +122,23 @@ void RemoteTraffic::onFastPilotPosition(const FastPilotPosition &pdu)
         emit fastPositionUpdateReceived(callsign, state, velocities.positional, velocities.rotational);
 }
 
-void RemoteTraffic::notePosition(RemoteAircraft &aircraft, const model::AircraftVisualState &state)
+void RemoteTraffic::notePosition(Record &aircraft, const model::AircraftVisualState &state)
 {
     aircraft.visualState = state;
     aircraft.lastUpdate = now();
-    m_table.setPositionKnown(aircraft.callsign, true);
+    aircraft.positionKnown = true;
 }
 
-/// Asks what is still unknown of an aircraft that has reported, and sees to it that the simulator shows it.
-void RemoteTraffic::prepareAircraft(const QString &callsign)
+/// Asks for the type of an aircraft that has reported, or sees to it that the simulator shows it.
+void RemoteTraffic::prepareAircraft(Record &aircraft)
 {
-    if (m_session.fsd.isConnected() && m_table.shouldAskForType(callsign, m_session.clock.steadyMs())) {
-        logTraffic("asked", callsign, QStringLiteral("its type is unknown"));
-        requestPlaneInfoAndFlightPlan(callsign);
+    if (!m_session.fsd.isConnected() || !aircraft.shouldAskForType(m_session.clock.steadyMs())) {
+        syncAircraft(aircraft);
+        return;
     }
-    syncAircraft(callsign);
+    const QString callsign = aircraft.callsign;
+    logTraffic("asked", callsign, QStringLiteral("its type is unknown"));
+    requestPlaneInfoAndFlightPlan(callsign);
 }
 
 /// Calls `tell` when there is a simulator that shows the aircraft.
@@ -162,40 +164,39 @@ void RemoteTraffic::updateConfigurationInSimulator(const QString &callsign)
 
 /// An aircraft whose type and place are known goes into the simulator; of one that is there the configuration is asked,
 /// once.
-void RemoteTraffic::syncAircraft(const QString &callsign)
+void RemoteTraffic::syncAircraft(Record &aircraft)
 {
-    RemoteAircraft *aircraft = m_table.find(callsign);
-    if (!m_session.simulator || !aircraft || aircraft->typeCode.isEmpty())
+    if (!m_session.simulator || aircraft.typeCode.isEmpty() || !aircraft.positionKnown)
         return;
-    if (!m_table.isPositionKnown(callsign))
-        return; // or it would be drawn at 0 N 0 E
-    const QString told = std::exchange(aircraft->typeCode, m_types.normalized(aircraft->typeCode));
-    if (told != aircraft->typeCode) // the type data have come since
-        logType(*aircraft, told);
-    if (aircraft->state != State::InSimulator)
-        addToSimulator(*aircraft);
-    else if (!aircraft->hasConfiguration)
-        requestConfiguration(callsign);
+    const QString told = std::exchange(aircraft.typeCode, m_types.normalized(aircraft.typeCode));
+    if (told != aircraft.typeCode) // the type data have come since
+        logType(aircraft, told);
+    if (aircraft.state != State::InSimulator)
+        addToSimulator(aircraft);
+    else if (!aircraft.hasConfiguration)
+        requestConfiguration(aircraft);
 }
 
-void RemoteTraffic::addToSimulator(RemoteAircraft &aircraft)
+void RemoteTraffic::addToSimulator(Record &aircraft)
 {
     const std::shared_ptr<Simulator> simulator = m_session.simulator;
     const RemoteAircraft added = aircraft;
     aircraft.state = State::InSimulator; // without waiting for the simulator's answer
     logTraffic("added", added.callsign, QStringLiteral("type ") + added.typeCode);
     simulator->addAircraft(added);
-    if (simulator != m_session.simulator || !m_table.find(added.callsign))
+    Record *still = m_table.find(added.callsign);
+    if (simulator != m_session.simulator || !still)
         return;
     if (added.hasConfiguration)
         simulator->updateAircraftConfiguration(added);
     else
-        requestConfiguration(added.callsign);
+        requestConfiguration(*still);
 }
 
-void RemoteTraffic::requestConfiguration(const QString &callsign)
+void RemoteTraffic::requestConfiguration(Record &aircraft)
 {
-    if (m_session.fsd.isConnected() && m_table.shouldAskForConfiguration(callsign))
+    const QString callsign = aircraft.callsign;
+    if (m_session.fsd.isConnected() && aircraft.shouldAskForConfiguration())
         requestFullConfiguration(callsign);
 }
 
@@ -209,11 +210,11 @@ void RemoteTraffic::listenToSimulator()
 /// One that was taken away for its silence is new again when it is heard again: where it is now nobody knows.
 void RemoteTraffic::onRemovedFromSimulator(const QString &callsign)
 {
-    RemoteAircraft *aircraft = m_table.find(common::normalisedCallsign(callsign));
+    Record *aircraft = m_table.find(common::normalisedCallsign(callsign));
     if (!aircraft || aircraft->state != State::InSimulator)
         return;
     aircraft->state = State::New;
-    m_table.setPositionKnown(aircraft->callsign, false);
+    aircraft->positionKnown = false;
 }
 
 void RemoteTraffic::giveToSimulator()
@@ -223,11 +224,11 @@ void RemoteTraffic::giveToSimulator()
     for (const QString &callsign : callsigns) {
         if (simulator != m_session.simulator) // replaced on the way, and the next one has all of them
             return;
-        RemoteAircraft *aircraft = m_table.find(callsign);
+        Record *aircraft = m_table.find(callsign);
         if (!aircraft || aircraft->typeCode.isEmpty())
             continue;
         aircraft->state = State::Pending;
-        syncAircraft(callsign);
+        syncAircraft(*aircraft);
     }
 }
 
@@ -243,7 +244,7 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
     const SessionMark mark = m_session.mark();
     if (callsign == m_session.info.callsign)
         emit disableVoiceTransmit();
-    const std::optional<RemoteAircraft> gone = m_table.take(callsign);
+    const std::optional<Record> gone = m_table.take(callsign);
     if (const std::shared_ptr<Simulator> simulator = m_session.simulator;
         simulator && gone && gone->state == State::InSimulator) {
         const QString reason = QStringLiteral("Pilot disconnected");
@@ -259,7 +260,7 @@ void RemoteTraffic::onDeletePilot(const DeletePilot &pdu)
 void RemoteTraffic::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
 {
     const QString callsign = common::normalisedCallsign(pdu.From);
-    RemoteAircraft *aircraft = obtainAircraft(callsign);
+    Record *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return;
     const PlaneInfo info = PlaneInfo::of(pdu);
@@ -273,9 +274,9 @@ void RemoteTraffic::onPlaneInfoResponse(const PlaneInfoResponse &pdu)
                      excerpt(aircraft->livery), excerpt(aircraft->remoteModelHint)));
     aircraft->lastStateChange = now();
     logType(*aircraft, info.equipment);
-    m_table.typeAnswered(callsign);
+    aircraft->typeAnswered();
     // Another type does not update the configuration in the simulator here; a flight plan's does.
-    syncAircraft(callsign);
+    syncAircraft(*aircraft);
     announceAircraftInfo(callsign);
 }
 
@@ -301,7 +302,8 @@ void RemoteTraffic::onFlightPlan(const FlightPlan &pdu)
 
 void RemoteTraffic::onNoFlightPlan(const QString &callsign)
 {
-    m_table.typeAnswered(callsign);
+    if (Record *aircraft = m_table.find(callsign))
+        aircraft->typeAnswered();
     qInfo().noquote() << "No flight plan available for" << excerpt(callsign);
 }
 
@@ -325,7 +327,7 @@ void RemoteTraffic::onFlightPlanAnswer(const ClientQueryResponse &pdu)
 /// Nothing for an aircraft that has no record.
 std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QString &callsign, const QString &type)
 {
-    RemoteAircraft *aircraft = obtainAircraft(callsign);
+    Record *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return std::nullopt;
     const QString typeCode = m_types.normalized(type);
@@ -333,13 +335,14 @@ std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QStr
     aircraft->typeCode = typeCode;
     aircraft->lastStateChange = now();
     logType(*aircraft, type);
-    m_table.typeAnswered(callsign);
+    aircraft->typeAnswered();
     return FiledType{typeCode, differs};
 }
 
 void RemoteTraffic::showFiledType(const QString &callsign, const FiledType &filed)
 {
-    syncAircraft(callsign);
+    if (Record *aircraft = m_table.find(callsign)) // answerFlightPlanByText() may have come back
+        syncAircraft(*aircraft);
     if (filed.differs)
         updateConfigurationInSimulator(callsign);
     announceAircraftInfo(callsign); // nothing of one that is forgotten by now
@@ -368,15 +371,15 @@ void RemoteTraffic::onConfiguration(const QString &from, const QString &json)
 /// Whole: only AircraftManager's record merges what comes in pieces.
 void RemoteTraffic::storeConfiguration(const QString &callsign, const model::AircraftConfiguration &configuration)
 {
-    RemoteAircraft *aircraft = obtainAircraft(callsign);
+    Record *aircraft = obtainAircraft(callsign);
     if (!aircraft)
         return;
     aircraft->configuration = configuration;
     aircraft->hasConfiguration = true;
     aircraft->lastUpdate = now();
     aircraft->lastStateChange = now();
-    m_table.configurationAnswered(callsign);
-    syncAircraft(callsign);
+    aircraft->configurationAnswered();
+    syncAircraft(*aircraft);
     updateConfigurationInSimulator(callsign); // a second time for one that the sync has added
 }
 

@@ -81,6 +81,8 @@ signals:
     void pilotDeleted(const QString &from);
 
 private:
+    using Record = RemoteAircraftTable::Record;
+
     /// What a flight plan has told of an aircraft's type.
     struct FiledType
     {
@@ -89,15 +91,15 @@ private:
     };
 
     QDateTime now() const;
-    model::RemoteAircraft *obtainAircraft(const QString &callsign);
-    void notePosition(model::RemoteAircraft &aircraft, const model::AircraftVisualState &state);
-    void prepareAircraft(const QString &callsign);
+    Record *obtainAircraft(const QString &callsign);
+    void notePosition(Record &aircraft, const model::AircraftVisualState &state);
+    void prepareAircraft(Record &aircraft);
     template <class Tell>
     void tellSimulator(const QString &callsign, const Tell &tell);
     void updateConfigurationInSimulator(const QString &callsign);
-    void syncAircraft(const QString &callsign);
-    void addToSimulator(model::RemoteAircraft &aircraft);
-    void requestConfiguration(const QString &callsign);
+    void syncAircraft(Record &aircraft);
+    void addToSimulator(Record &aircraft);
+    void requestConfiguration(Record &aircraft);
     void requestFlightPlanByText(const QString &callsign);
     void answerFlightPlanByText(const QString &callsign);
     std::optional<FiledType> storeFiledType(const QString &callsign, const QString &type);

@@ -35,6 +35,8 @@ qsizetype loginLineIn(const QString &text)
 {
     static const QRegularExpression quoted(
         QStringLiteral("#A[AP](?:(?![A-Za-z0-9])|[A-Za-z]*[0-9]|[A-Za-z]+(?::(?=\\S)|\\s+SERVER\\b))"));
+    if (!text.contains(QLatin1Char('#'))) // nearly all lines are positions
+        return -1;
     return passwordField(text) >= 0 ? 0 : text.indexOf(quoted);
 }
 

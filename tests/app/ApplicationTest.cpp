@@ -215,15 +215,28 @@ private slots:
         QCOMPARE(program.main().dashboard().simulatorStatusText(), u"连接中..."_qs);
     }
 
-    void aSimulatorWithoutABackendIsNotPicked()
+    void eachModeHasItsSimulator_data()
     {
+        QTest::addColumn<QByteArray>("adapter");
+        QTest::addColumn<QByteArray>("told");
+        QTest::newRow("MSFS") << QByteArray("tarvo::simulator::msfs::MsfsAdapter")
+                              << QByteArray("Activating MSFS backend");
+        QTest::newRow("XPLANE") << QByteArray("tarvo::simulator::xplane::XPlaneAdapter")
+                                << QByteArray("Activating X-Plane backend");
+    }
+
+    void eachModeHasItsSimulator()
+    {
+        QFETCH(QByteArray, adapter);
+        QFETCH(QByteArray, told);
         Program program;
         program.signIn();
-        QTest::ignoreMessage(QtWarningMsg, "There is no backend for MSFS");
-        program.main().onModeSelected(u"MSFS"_qs);
-        QCOMPARE(program.main().currentMode(), u"NONE"_qs);
-        QCOMPARE(program.main().simulator().simulatorStatusText(), u"未连接"_qs);
-        QVERIFY(!program.application.networkManager()->simulator());
+        QTest::ignoreMessage(QtInfoMsg, told.constData());
+        program.main().onModeSelected(QString::fromLatin1(QTest::currentDataTag()));
+        QCOMPARE(program.main().currentMode(), QString::fromLatin1(QTest::currentDataTag()));
+        const std::shared_ptr<simulator::Simulator> simulator = program.application.networkManager()->simulator();
+        QVERIFY(simulator);
+        QCOMPARE(QByteArray(simulator->metaObject()->className()), adapter);
     }
 
     void logoutWaitsForALookUpToUnwind()

@@ -11,6 +11,8 @@ using tarvo::model::RemoteAircraft;
 
 namespace {
 
+using Record = RemoteAircraftTable::Record;
+
 const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
 
 QString callsignOf(qsizetype number)
@@ -34,9 +36,9 @@ private slots:
         expected.callsign = u"CCA1"_qs;
         expected.airline = u"CCA"_qs;
         expected.lastUpdate = noon;
-        RemoteAircraft *made = table.obtain(u"CCA1"_qs, noon);
+        Record *made = table.obtain(u"CCA1"_qs, noon);
         QVERIFY(made);
-        QCOMPARE(*made, expected);
+        QCOMPARE(static_cast<RemoteAircraft &>(*made), expected);
         made->typeCode = u"B738"_qs;
         QCOMPARE(table.obtain(u"CCA1"_qs, noon.addSecs(1))->typeCode, u"B738"_qs);
         QCOMPARE(table.find(u"CCA1"_qs)->lastUpdate, noon); // only the making sets it
@@ -83,48 +85,41 @@ private slots:
 
     void aTypeIsAskedOnceUntilItIsAnswered()
     {
-        RemoteAircraftTable table;
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0)); // nobody
-        table.obtain(u"AB2"_qs, noon);
-        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0));
-        table.typeAnswered(u"AB3"_qs);
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 0));
-        table.typeAnswered(u"AB2"_qs); // by nobody who knows it
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs, RemoteAircraftTable::typeIntervalMs - 1));
-        QVERIFY(table.shouldAskForType(u"AB2"_qs, RemoteAircraftTable::typeIntervalMs));
-        table.typeAnswered(u"AB2"_qs);
-        table.find(u"AB2"_qs)->typeCode = u"B738"_qs;
-        QVERIFY(!table.shouldAskForType(u"AB2"_qs, 2 * RemoteAircraftTable::typeIntervalMs)); // known
+        constexpr qint64 interval = Record::typeIntervalMs;
+        Record record;
+        QVERIFY(record.shouldAskForType(0));
+        QVERIFY(!record.shouldAskForType(interval)); // not while nobody has answered
+        record.typeAnswered();                       // by nobody who knows it
+        QVERIFY(!record.shouldAskForType(interval - 1));
+        QVERIFY(record.shouldAskForType(interval));
+        record.typeAnswered();
+        record.typeCode = u"B738"_qs;
+        QVERIFY(!record.shouldAskForType(2 * interval)); // known
     }
 
     void aConfigurationIsAskedOnceUntilItIsAnswered()
     {
-        RemoteAircraftTable table;
-        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
-        table.obtain(u"AB2"_qs, noon);
-        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
-        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
-        table.configurationAnswered(u"AB3"_qs);
-        QVERIFY(!table.shouldAskForConfiguration(u"AB2"_qs));
-        table.configurationAnswered(u"AB2"_qs);
-        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
-        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0)); // one has nothing to do with the other
+        Record record;
+        QVERIFY(record.shouldAskForConfiguration());
+        QVERIFY(!record.shouldAskForConfiguration());
+        record.configurationAnswered();
+        QVERIFY(record.shouldAskForConfiguration());
+        QVERIFY(record.shouldAskForType(0)); // one has nothing to do with the other
     }
 
     void whoHasLeftIsAskedAnew()
     {
         RemoteAircraftTable table;
-        table.obtain(u"AB2"_qs, noon)->state = RemoteAircraft::State::InSimulator;
-        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
-        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
-        const std::optional<RemoteAircraft> taken = table.take(u"AB2"_qs);
+        Record *record = table.obtain(u"AB2"_qs, noon);
+        record->state = RemoteAircraft::State::InSimulator;
+        QVERIFY(record->shouldAskForType(0));
+        const std::optional<Record> taken = table.take(u"AB2"_qs);
         QVERIFY(taken);
         QCOMPARE(taken->state, RemoteAircraft::State::InSimulator);
         QVERIFY(!table.take(u"AB2"_qs));
-        QCOMPARE(table.obtain(u"AB2"_qs, noon)->state, RemoteAircraft::State::New);
-        QVERIFY(table.shouldAskForType(u"AB2"_qs, 0));
-        QVERIFY(table.shouldAskForConfiguration(u"AB2"_qs));
+        record = table.obtain(u"AB2"_qs, noon);
+        QCOMPARE(record->state, RemoteAircraft::State::New);
+        QVERIFY(record->shouldAskForType(0));
     }
 
     void lists()

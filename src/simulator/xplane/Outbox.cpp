@@ -53,7 +53,6 @@ bool Outbox::replacePosition(const OutgoingMessage &message)
     QByteArray &bytes = (*position)->bytes;
     m_bytes += message.bytes.size() - bytes.size();
     bytes = message.bytes;
-    bytes.squeeze();
     return true;
 }
 
@@ -75,7 +74,6 @@ void Outbox::dropPositions()
 void Outbox::append(const OutgoingMessage &message)
 {
     m_waiting.push_back(message);
-    m_waiting.back().bytes.squeeze(); // it was packed in a buffer of 8 KiB
     m_bytes += message.bytes.size();
     if (message.kind == Kind::Position)
         m_positions.insert(message.callsign, std::prev(m_waiting.end()));

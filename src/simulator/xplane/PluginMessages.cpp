@@ -4,6 +4,7 @@
 #include "model/RemoteAircraft.h"
 #include "model/VelocityVector.h"
 
+#include <QVarLengthArray>
 #include <QtEndian>
 
 #include <msgpack.hpp>
@@ -18,6 +19,7 @@ namespace tarvo::simulator::xplane::message {
 
 namespace {
 
+/// What a message is packed in; a longer one goes to the heap.
 constexpr qsizetype initialBufferSize = 8192;
 
 /// A float64 whatever its value: the library's own packing turns whole numbers into integers.
@@ -44,7 +46,6 @@ class MessageWriter
 public:
     MessageWriter(const char *name, quint32 argumentCount) : m_packer(*this)
     {
-        m_bytes.reserve(initialBufferSize);
         m_packer.pack_array(2);
         m_packer.pack(name);
         m_packer.pack_array(argumentCount);
@@ -86,17 +87,17 @@ public:
     /// What the packer writes to.
     void write(const char *data, size_t size) { m_bytes.append(data, static_cast<qsizetype>(size)); }
 
-    QByteArray take() { return std::move(m_bytes); }
+    QByteArray bytes() const { return {m_bytes.constData(), m_bytes.size()}; }
 
 private:
     template <class Bits>
     void putTagged(char tag, Bits bigEndian)
     {
         m_bytes.append(tag);
-        m_bytes.append(reinterpret_cast<const char *>(&bigEndian), sizeof bigEndian);
+        write(reinterpret_cast<const char *>(&bigEndian), sizeof bigEndian);
     }
 
-    QByteArray m_bytes;
+    QVarLengthArray<char, initialBufferSize> m_bytes;
     msgpack::packer<MessageWriter> m_packer;
 };
 
@@ -105,7 +106,7 @@ QByteArray packed(const char *name, const Arguments &...arguments)
 {
     MessageWriter writer(name, sizeof...(arguments));
     (writer.put(arguments), ...);
-    return writer.take();
+    return writer.bytes();
 }
 
 using Engine = model::AircraftConfiguration::Engine;
@@ -146,7 +147,7 @@ QByteArray csl(const QStringList &paths)
     for (const QString &path : paths)
         writer.put(path);
     writer.put(false);
-    return writer.take();
+    return writer.bytes();
 }
 
 QByteArray add(const model::RemoteAircraft &aircraft)
@@ -188,7 +189,7 @@ QByteArray controllers(const QList<model::Controller> &controllers)
         writer.put(QString::number(controller.frequency / 1000.0, 'f', 3));
         writer.put(controller.frequency);
     }
-    return writer.take();
+    return writer.bytes();
 }
 
 QByteArray position(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state)

@@ -361,9 +361,9 @@ void XPlaneAdapter::transponderModeToggle()
 
 // --- what goes to the plugin ---
 
-void XPlaneAdapter::send(const OutgoingMessage &message)
+void XPlaneAdapter::send(OutgoingMessage message)
 {
-    m_plugin->send(message);
+    m_plugin->send(std::move(message));
 }
 
 void XPlaneAdapter::addAircraft(const model::RemoteAircraft &aircraft)

@@ -98,7 +98,7 @@ private:
     void disconnectSimulator();
     qint64 nowSeconds() const;
 
-    void send(const OutgoingMessage &message);
+    void send(OutgoingMessage message);
     void onReport(const PluginReport &report);
     // One for each kind of report.
     void on(const report::Unknown &) {}

@@ -96,16 +96,6 @@ private slots:
         QCOMPARE(outbox.bytes(), 10);
     }
 
-    void keepsNoBuffers()
-    {
-        OutgoingMessage packed = messageOf(QStringLiteral("pA1"));
-        packed.bytes.reserve(8192);
-        Outbox outbox;
-        outbox.put(packed);
-        outbox.put(packed); // in the place of the first
-        QCOMPARE(outbox.next()->capacity(), 3);
-    }
-
     void givesUpWhoDoesNotRead()
     {
         const OutgoingMessage large(QByteArray(Outbox::mostBytes / 2 - Outbox::perMessage, 'x'));

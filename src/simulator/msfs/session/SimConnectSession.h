@@ -6,6 +6,7 @@
 #include "simulator/msfs/simvar/UpdateGroup.h"
 
 #include <QObject>
+#include <QTimer>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -14,6 +15,16 @@
 namespace tarvo::simulator::msfs {
 
 class SimConnectBinding;
+struct AssignedObjectMessage;
+struct EventMessage;
+struct ExceptionMessage;
+struct InputEventValueMessage;
+struct InputEventsMessage;
+struct ObjectDataMessage;
+struct OpenMessage;
+struct OtherMessage;
+struct QuitMessage;
+struct TypedObjectMessage;
 
 /// Where another aircraft is put. Heights are feet here and only here.
 struct RemotePosition
@@ -40,7 +51,7 @@ public:
     /// Over the program's one binding, or over the given one.
     explicit SimConnectSession(QObject *parent = nullptr);
     explicit SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent = nullptr);
-    /// Closes.
+    /// Closes. An open one raises disconnected() here as well: an owner that is going lets go of the signals before.
     ~SimConnectSession() override;
 
     /// True when the session is open afterwards; otherwise errorOccurred told why. connected() is raised inside.
@@ -72,7 +83,8 @@ public:
     /// Metres, at most 200,000; outlives close().
     void setTrafficRadius(quint32 radius);
 
-    MsfsRuntimeProfile runtimeProfile() const;
+    /// Unknown while it is closed.
+    MsfsRuntimeProfile runtimeProfile() const { return m_profile; }
 
 signals:
     void connected();
@@ -92,8 +104,26 @@ signals:
     void inputEventValueChanged(const QString &name, double value);
 
 private:
-    class Private;
-    std::unique_ptr<Private> d; // sketch: the session's builder decides the inside
+    struct Parts;
+
+    void pump();
+    void receive(const OtherMessage &) {}
+    void receive(const ExceptionMessage &message);
+    void receive(const OpenMessage &message);
+    void receive(const QuitMessage &message);
+    void receive(const EventMessage &message);
+    void receive(const ObjectDataMessage &message);
+    void receive(const TypedObjectMessage &message);
+    void receive(const AssignedObjectMessage &message);
+    void receive(const InputEventsMessage &message);
+    void receive(const InputEventValueMessage &message);
+    void tellBroken(qsizetype size);
+    void setRuntimeProfile(MsfsRuntimeProfile profile, const QString &reason);
+    void startTraffic();
+
+    std::unique_ptr<Parts> m_parts; ///< what knows SimConnect's own structures
+    QTimer m_dispatchTimer;
+    MsfsRuntimeProfile m_profile = MsfsRuntimeProfile::Unknown;
 };
 
 } // namespace tarvo::simulator::msfs
