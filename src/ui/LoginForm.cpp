@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace tarvo::ui {
@@ -31,6 +32,7 @@ QPushButton *makeButton(const QString &name, const char *type, QWidget *parent)
     button->setObjectName(name);
     button->setProperty("type", QLatin1String(type));
     button->setCursor(Qt::PointingHandCursor);
+    button->setAutoDefault(true); // outside of dialogs Enter presses no other
     return button;
 }
 } // namespace
@@ -42,7 +44,8 @@ LoginForm::LoginForm(QWidget *parent)
       m_remember(new CheckBox(tr("记住密码"), this)),
       m_autoLogin(new CheckBox(tr("自动登录"), this)),
       m_loginButton(makeButton(QStringLiteral("loginButton"), "primary", this)),
-      m_registerButton(makeButton(QStringLiteral("registerButton"), "secondary", this))
+      m_registerButton(makeButton(QStringLiteral("registerButton"), "secondary", this)),
+      m_cancelButton(makeButton(QStringLiteral("cancelButton"), "secondary", this))
 {
     setObjectName(QStringLiteral("GlassPanel"));
     setStyleSheet(QStringLiteral("#GlassPanel { background: rgba(24, 25, 30, 0.65); border-radius: %1px;"
@@ -52,6 +55,8 @@ LoginForm::LoginForm(QWidget *parent)
     m_remember->setObjectName(QStringLiteral("rememberCheck"));
     m_autoLogin->setObjectName(QStringLiteral("autoLoginCheck"));
     m_registerButton->setText(tr("注册账号"));
+    m_cancelButton->setText(tr("取消登录"));
+    m_cancelButton->hide();
     makeLoginButton();
     build();
     connectKeys();
@@ -105,6 +110,7 @@ void LoginForm::build()
     column->addWidget(m_loginButton);
     column->addSpacing(12);
     column->addWidget(m_registerButton);
+    column->addWidget(m_cancelButton); // one or the other
 }
 
 void LoginForm::connectKeys()
@@ -113,6 +119,12 @@ void LoginForm::connectKeys()
     connect(m_registerButton, &QPushButton::clicked, this, &LoginForm::registerRequested);
     connect(m_username, &QLineEdit::returnPressed, this, &LoginForm::loginRequested);
     connect(m_password, &QLineEdit::returnPressed, this, &LoginForm::loginRequested);
+    connect(m_cancelButton, &QPushButton::clicked, this, &LoginForm::cancelRequested);
+    const auto *escape = new QShortcut(Qt::Key_Escape, this);
+    connect(escape, &QShortcut::activated, this, [this] {
+        if (m_busy)
+            emit cancelRequested();
+    });
     setFocusProxy(m_username);
     setTabOrder(m_username, m_password);
     setTabOrder(m_password, m_remember);
@@ -174,6 +186,8 @@ void LoginForm::setBusy(bool busy)
     for (QWidget *control :
          std::initializer_list<QWidget *>{m_username, m_password, m_registerButton, m_remember, m_autoLogin})
         control->setEnabled(!busy);
+    m_registerButton->setVisible(!busy);
+    m_cancelButton->setVisible(busy);
 }
 
 void LoginForm::focusFirstEmptyField()
@@ -184,6 +198,12 @@ void LoginForm::focusFirstEmptyField()
         m_password->setFocus();
     else
         m_loginButton->setFocus();
+}
+
+void LoginForm::focusPassword()
+{
+    m_password->setFocus();
+    m_password->selectAll();
 }
 
 void LoginForm::commitComposition()

@@ -28,12 +28,14 @@ public:
     void setRemember(bool remember);
     void setAutoLogin(bool automatic);
 
-    /// While busy the spinner turns in the login button and nothing else can be used.
+    /// While busy the spinner turns in the login button, and all that can be done is to call the login off.
     void setBusy(bool busy);
     bool isBusy() const { return m_busy; }
 
     /// Puts the cursor where the pilot types next.
     void focusFirstEmptyField();
+    /// After a refusal: the whole password is typed anew.
+    void focusPassword();
     /// Takes text that an input method still composes into the fields.
     void commitComposition();
 
@@ -42,6 +44,8 @@ public:
 signals:
     void loginRequested();
     void registerRequested();
+    /// By the button in place of the registration's, or Escape; only while busy.
+    void cancelRequested();
 
 private:
     void build();
@@ -55,6 +59,7 @@ private:
     CheckBox *m_autoLogin;
     QPushButton *m_loginButton;
     QPushButton *m_registerButton;
+    QPushButton *m_cancelButton;
     QLabel *m_loginLabel = nullptr;
     LoadingSpinner *m_spinner = nullptr;
     bool m_busy = false;

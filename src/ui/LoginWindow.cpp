@@ -68,6 +68,7 @@ LoginWindow::LoginWindow(AppConfig &config, network::ApiService &api, const Serv
     m_autoLoginTimer.setInterval(autoLoginDelay);
     connect(&m_autoLoginTimer, &QTimer::timeout, this, &LoginWindow::tryAutoLogin);
     connect(m_form, &LoginForm::loginRequested, this, &LoginWindow::onLoginClicked);
+    connect(m_form, &LoginForm::cancelRequested, this, &LoginWindow::cancelLogin);
     connect(m_form, &LoginForm::registerRequested, this, &LoginWindow::onRegisterClicked);
 }
 
@@ -292,7 +293,17 @@ void LoginWindow::passwordLoginFailed(const QString &reason)
     qWarning().noquote().nospace() << "Auto login with password failed: "
                                    << network::redactedText(reason, {m_form->password()});
     m_form->setBusy(false);
+    m_form->focusPassword(); // has the keys again when the dialog is closed
     ErrorDialog::open(tr("登录失败"), reason.isEmpty() ? tr("登录失败，请检查用户名和密码") : reason, this);
+}
+
+void LoginWindow::cancelLogin()
+{
+    if (!m_form->isBusy())
+        return;
+    m_api.clearSession(); // the reply that is under way stores nothing and calls nobody
+    m_form->setBusy(false);
+    m_form->focusFirstEmptyField();
 }
 
 void LoginWindow::rememberForSession(const QString &username, const QString &password)

@@ -53,6 +53,7 @@ private:
     void tryPasswordLogin();
     void refreshFailed(const QString &reason);
     void startPasswordLogin();
+    void cancelLogin();
     void passwordLoginFailed(const QString &reason);
     void rememberForSession(const QString &username, const QString &password);
     void finishWithRemembered();

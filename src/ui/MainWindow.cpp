@@ -10,11 +10,13 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "ui/MessagesFeed.h"
 #include "ui/SimulatorFeed.h"
+#include "ui/StatusFeed.h"
 #include "ui/VoiceFeed.h"
 #include "ui/WindowBackdrop.h"
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/SoundThread.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QGuiApplication>
 #include <QIcon>
@@ -126,6 +128,7 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("simulatorBackend"), &m_simulator);
     pages->setContextProperty(QStringLiteral("serverBackend"), &m_server);
     pages->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
+    pages->setContextProperty(QStringLiteral("statusBackend"), &m_status);
     pages->setContextProperty(QStringLiteral("voiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("voiceServiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("settingsBackend"), &m_settings);
@@ -173,6 +176,21 @@ void MainWindow::connectSession()
     connect(m_simulatorFeed.get(), &SimulatorFeed::sampleShown, this, &MainWindow::showFlight);
     m_messagesFeed = std::make_unique<MessagesFeed>(m_network, m_controllers, m_messages, m_sounds);
     m_voiceFeed = std::make_unique<VoiceFeed>(m_network, m_audioDevice, m_voice);
+    connectStatus();
+}
+
+/// Behind all that sets the states' texts.
+void MainWindow::connectStatus()
+{
+    m_statusFeed =
+        std::make_unique<StatusFeed>(m_network, StatusSources{m_dashboard, m_server, m_simulator, m_voice}, m_status);
+    const auto later = Qt::QueuedConnection;
+    connect(m_statusFeed.get(), &StatusFeed::attentionWanted, this, &MainWindow::askForAttention);
+    connect(&m_status, &StatusViewModel::networkReconnectRequested, this, &MainWindow::reconnectToNetwork, later);
+    connect(&m_status, &StatusViewModel::simulatorReconnectRequested, &m_dashboard,
+            &DashboardViewModel::requestSimulatorReconnect);
+    connect(&m_dashboard, &DashboardViewModel::simulatorReconnectRequest, this, &MainWindow::onSimulatorAwaited);
+    connect(&m_simulator, &SimulatorPageViewModel::reconnectRequested, this, &MainWindow::onSimulatorAwaited);
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -310,6 +328,26 @@ void MainWindow::onNetworkDisconnected(bool forced)
 void MainWindow::onSimulatorStateChanged(bool connected)
 {
     setSimulatorState(connected, connected ? tr("已连接") : tr("未连接"));
+}
+
+void MainWindow::onSimulatorAwaited()
+{
+    if (!m_simulator.simulatorConnected())
+        setSimulatorState(false, tr("连接中..."));
+}
+
+void MainWindow::reconnectToNetwork()
+{
+    const model::ConnectInfo last = m_network->connectInfo();
+    m_dashboard.requestServerConnect(last.callsign, last.typeCode, last.selcal, last.observer);
+}
+
+void MainWindow::askForAttention()
+{
+    if (isActiveWindow())
+        return;
+    QApplication::alert(this);
+    emit attentionAsked();
 }
 
 void MainWindow::onSimulatorFailed(const QString &message)

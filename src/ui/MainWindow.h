@@ -10,6 +10,7 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/StatusViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/engine/AudioDevice.h"
@@ -40,6 +41,7 @@ namespace tarvo::ui {
 
 class MessagesFeed;
 class SimulatorFeed;
+class StatusFeed;
 class VoiceFeed;
 
 /// Hosts the QML pages and owns their view models. Feeds these from the session, and turns their requests into calls.
@@ -62,10 +64,13 @@ public:
     ServerPageViewModel &server() { return m_server; }
     MessagesPageViewModel &messages() { return m_messages; }
     VoiceServiceViewModel &voice() { return m_voice; }
+    StatusViewModel &status() { return m_status; }
     SoundPlayer &sounds() { return m_sounds; }
     QQuickView *view() const { return m_view; }
 
 signals:
+    /// The taskbar was asked to point at the window, which isn't in front.
+    void attentionAsked();
     void logoutRequested();
     // Raised when that simulator was picked. A receiver that doesn't have it picks "NONE" again.
     void msfsSelected();
@@ -88,6 +93,7 @@ private:
     void exposeModels();
     void connectRequests();
     void connectSession();
+    void connectStatus();
     void updateProfile();
     void onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
     void connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore);
@@ -96,6 +102,9 @@ private:
     void onNetworkDisconnected(bool forced);
     void onSimulatorStateChanged(bool connected);
     void onSimulatorFailed(const QString &message);
+    void onSimulatorAwaited();
+    void reconnectToNetwork();
+    void askForAttention();
     void showFlight(const manager::SimulatorData &sample);
     void tellWhetherSeen();
     void setSimulatorState(bool connected, const QString &text);
@@ -114,6 +123,7 @@ private:
     SimulatorPageViewModel m_simulator;
     ServerPageViewModel m_server;
     MessagesPageViewModel m_messages;
+    StatusViewModel m_status;
     VoiceServiceViewModel m_voice;
     viewmodel::SettingsViewModel m_settings;
     viewmodel::VoiceSettingsViewModel m_voiceSettings;
@@ -122,6 +132,7 @@ private:
     std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session
     std::unique_ptr<MessagesFeed> m_messagesFeed;   ///< null without a session
     std::unique_ptr<VoiceFeed> m_voiceFeed;         ///< null without a session
+    std::unique_ptr<StatusFeed> m_statusFeed;       ///< null without a session
     QQuickView *m_view = nullptr;                   ///< owned by the central widget
 };
 

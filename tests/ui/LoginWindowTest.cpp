@@ -260,6 +260,62 @@ private slots:
         QCOMPARE(stage.success.size(), 0);
     }
 
+    void afterARefusalThePasswordIsTypedAnew()
+    {
+        LoginStage stage;
+        stage.peer.refuseLogin(u"WRONG_USERNAME_OR_PASSWORD"_qs);
+        stage.show();
+        stage.type(u"1001"_qs, u"wrong"_qs);
+        stage.loginButton()->click();
+        TRY_VERIFY(stage.error());
+        stage.error()->accept();
+        TRY_COMPARE(stage.window.focusWidget(), stage.password());
+        QCOMPARE(stage.password()->selectedText().size(), 5);
+    }
+
+    void aLoginCanBeCalledOff_data()
+    {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("by its button") << false;
+        QTest::newRow("by Escape") << true;
+    }
+    void aLoginCanBeCalledOff()
+    {
+        QFETCH(bool, byKey);
+        LoginStage stage;
+        stage.peer.acceptLogin();
+        stage.show();
+        QVERIFY(QTest::qWaitForWindowActive(&stage.window));
+        auto *cancel = stage.part<QPushButton>("cancelButton");
+        QVERIFY(!cancel->isVisible() && stage.registerButton()->isVisible());
+        stage.type(u"1001"_qs, u"practice"_qs);
+        stage.loginButton()->click();
+        QVERIFY(cancel->isVisible() && cancel->isEnabled() && !stage.registerButton()->isVisible());
+        if (byKey)
+            QTest::keyClick(&stage.window, Qt::Key_Escape);
+        else
+            cancel->click();
+        QVERIFY(!stage.busy() && stage.username()->isEnabled() && stage.registerButton()->isVisible());
+        TRY_VERIFY(!stage.api.isWaiting());
+        QCOMPARE(stage.success.size(), 0);
+        QVERIFY(!stage.api.hasToken());
+        QCOMPARE(stage.config.get(config::authToken), QString());
+        QVERIFY(!stage.error());
+        stage.loginButton()->click(); // and it can be begun anew
+        TRY_COMPARE(stage.success.size(), 1);
+    }
+
+    void enterPressesTheButtonThatHasTheKeys()
+    {
+        LoginStage stage;
+        stage.peer.acceptLogin();
+        stage.show();
+        stage.type(u"1001"_qs, u"practice"_qs);
+        stage.loginButton()->setFocus();
+        QTest::keyClick(stage.loginButton(), Qt::Key_Return);
+        TRY_COMPARE(stage.success.size(), 1);
+    }
+
     void enterLogsIn()
     {
         LoginStage stage;

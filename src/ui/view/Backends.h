@@ -6,6 +6,7 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/StatusViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 
@@ -30,6 +31,7 @@ TARVO_BACKEND(SimulatorBackend, SimulatorPageViewModel)
 TARVO_BACKEND(ServerBackend, ServerPageViewModel)
 TARVO_BACKEND(MessagesBackend, MessagesPageViewModel)
 TARVO_BACKEND(PlotLabelsBackend, PlotLabels)
+TARVO_BACKEND(StatusBackend, StatusViewModel)
 TARVO_BACKEND(VoiceServiceBackend, VoiceServiceViewModel)
 TARVO_BACKEND(SettingsBackend, viewmodel::SettingsViewModel)
 TARVO_BACKEND(VoiceSettingsBackend, viewmodel::VoiceSettingsViewModel)

@@ -16,6 +16,7 @@ Rectangle {
     readonly property VoiceServiceBackend voice: typeof voiceBackend === "undefined" ? null : voiceBackend
     readonly property SettingsBackend settings: typeof settingsBackend === "undefined" ? null : settingsBackend
     readonly property VoiceSettingsBackend voiceSettings: typeof voiceSettingsBackend === "undefined" ? null : voiceSettingsBackend
+    readonly property StatusBackend status: typeof statusBackend === "undefined" ? null : statusBackend
     // qmllint enable unqualified
 
     signal logoutRequested()
@@ -50,6 +51,7 @@ Rectangle {
             voice: rootWindow.voice // qmllint disable unqualified
             settings: rootWindow.settings // qmllint disable unqualified
             voiceSettings: rootWindow.voiceSettings // qmllint disable unqualified
+            status: rootWindow.status // qmllint disable unqualified
             onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
         }
     }

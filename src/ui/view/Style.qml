@@ -30,12 +30,18 @@ QtObject {
     readonly property color textSecondary: "#64748B"
     readonly property color textMuted: "#94A3B8"
     readonly property color textActive: "#0F172A"
+    /// On the page's own ground, where textSecondary is too pale for small print.
+    readonly property color textCaption: "#52627A"
+    readonly property color textError: "#BE123C"
 
     // Status
     readonly property color statusSuccess: "#10B981"
     readonly property color statusError: "#F43F5E"
     readonly property color statusPending: "#F59E0B"
     readonly property color statusTransmit: "#EF4444"
+    readonly property color endsSession: "#C81E45"
+    readonly property color noticeBg: "#FFF1F3"
+    readonly property color noticeBorder: "#FBC9D2"
 
     // Radius
     readonly property int radiusLarge: 28

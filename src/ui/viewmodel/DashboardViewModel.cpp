@@ -6,7 +6,8 @@
 namespace tarvo::ui {
 
 namespace {
-constexpr qsizetype longestText = 64; ///< characters; a page lays it out on one line
+constexpr qsizetype longestReason = 200; ///< characters; a page wraps it
+constexpr qsizetype longestText = 64;    ///< characters; a page lays it out on one line
 
 constexpr Role<RecentFlight> flightRoles[] = {
     {"callsign", member<&RecentFlight::callsign>},
@@ -19,6 +20,17 @@ constexpr Role<RankedUser> rankRoles[] = {
     {"cid", member<&RankedUser::cid>},
     {"time", member<&RankedUser::time>},
 };
+
+/// What brings the data of a simulator that has not been heard of yet.
+QString hintFor(model::SimulatorMode mode)
+{
+    if (mode == model::SimulatorMode::XPlane)
+        return DashboardViewModel::tr("等待 X-Plane：请启动 X-Plane 并载入航班，客户端会自动连接。");
+    if (mode == model::SimulatorMode::Msfs)
+        return DashboardViewModel::tr("等待 Microsoft Flight Simulator：请启动模拟器并载入航班。");
+    return {};
+}
+
 } // namespace
 
 DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clock)
@@ -66,6 +78,7 @@ void DashboardViewModel::setCurrentMode(const QString &mode)
         return;
     m_currentMode = mode;
     emit currentModeChanged();
+    emit simulatorHintChanged();
 }
 
 void DashboardViewModel::setSimulatorState(bool connected, const QString &statusText)
@@ -75,6 +88,25 @@ void DashboardViewModel::setSimulatorState(bool connected, const QString &status
     m_simulatorConnected = connected;
     m_simulatorStatusText = statusText;
     emit simulatorStateChanged();
+    emit simulatorHintChanged();
+}
+
+void DashboardViewModel::setSimulatorFailure(const QString &reason)
+{
+    const QString shown = shownText(reason, longestReason);
+    if (shown == m_simulatorFailure)
+        return;
+    m_simulatorFailure = shown;
+    emit simulatorHintChanged();
+}
+
+QString DashboardViewModel::simulatorHintText() const
+{
+    if (m_simulatorConnected)
+        return {};
+    if (!m_simulatorFailure.isEmpty())
+        return m_simulatorFailure;
+    return hintFor(model::modeFromText(m_currentMode));
 }
 
 void DashboardViewModel::setServerState(bool connected, const QString &statusText)

@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "model/SimulatorMode.h"
+#include "ui/viewmodel/ConnectionStatus.h"
 #include "ui/viewmodel/LineLog.h"
 #include "ui/viewmodel/RowsModel.h"
 
@@ -47,8 +48,11 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(bool modePicked READ modePicked NOTIFY currentModeChanged)
     Q_PROPERTY(bool simulatorConnected READ simulatorConnected NOTIFY simulatorStateChanged)
     Q_PROPERTY(QString simulatorStatusText READ simulatorStatusText NOTIFY simulatorStateChanged)
+    Q_PROPERTY(QString simulatorTone READ simulatorTone NOTIFY simulatorStateChanged)
+    Q_PROPERTY(QString simulatorHintText READ simulatorHintText NOTIFY simulatorHintChanged)
     Q_PROPERTY(bool serverConnected READ serverConnected NOTIFY serverStateChanged)
     Q_PROPERTY(QString serverStatusText READ serverStatusText NOTIFY serverStateChanged)
+    Q_PROPERTY(QString serverTone READ serverTone NOTIFY serverStateChanged)
     Q_PROPERTY(double latitude READ latitude NOTIFY flightDataChanged)
     Q_PROPERTY(double longitude READ longitude NOTIFY flightDataChanged)
     Q_PROPERTY(double altitude READ altitude NOTIFY flightDataChanged)
@@ -75,8 +79,12 @@ public:
     bool modePicked() const { return model::modeFromText(m_currentMode) != model::SimulatorMode::None; }
     bool simulatorConnected() const { return m_simulatorConnected; }
     QString simulatorStatusText() const { return m_simulatorStatusText; }
+    QString simulatorTone() const { return toneText(toneOf(m_simulatorConnected, m_simulatorStatusText)); }
+    /// Why there is no simulator, or what would bring it; empty while it is there.
+    QString simulatorHintText() const;
     bool serverConnected() const { return m_serverConnected; }
     QString serverStatusText() const { return m_serverStatusText; }
+    QString serverTone() const { return toneText(toneOf(m_serverConnected, m_serverStatusText)); }
     double latitude() const { return m_latitude; }
     double longitude() const { return m_longitude; }
     double altitude() const { return m_altitude; }       ///< feet
@@ -99,6 +107,8 @@ public:
     void setAvatarUrl(const QString &avatarUrl);
     void setCurrentMode(const QString &mode);
     void setSimulatorState(bool connected, const QString &statusText);
+    /// `reason`: why the simulator could not be reached; empty when that is over.
+    void setSimulatorFailure(const QString &reason);
     void setServerState(bool connected, const QString &statusText);
     void setFlightData(double latitude, double longitude, double altitudeFeet, double heading, double groundSpeed);
     /// Newest first.
@@ -127,6 +137,7 @@ signals:
     void serverConnectRequest(QString callsign, QString typeCode, QString selcal, bool observer);
     void serverDisconnectRequest();
     void simulatorReconnectRequest();
+    void simulatorHintChanged();
 
 private:
     const common::Clock &m_clock;
@@ -139,6 +150,7 @@ private:
     QString m_currentMode = model::modeText(model::SimulatorMode::None);
     bool m_simulatorConnected = false;
     QString m_simulatorStatusText = tr("未连接");
+    QString m_simulatorFailure;
     bool m_serverConnected = false;
     QString m_serverStatusText = tr("未连接");
     double m_latitude = 0;

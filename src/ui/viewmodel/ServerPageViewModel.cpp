@@ -172,6 +172,22 @@ void ServerPageViewModel::setProfile(const QString &realName, const QString &hom
     emit profileChanged();
 }
 
+void ServerPageViewModel::setFailure(const QString &reason)
+{
+    const QString shown = shownText(reason, longestDetail);
+    if (shown == m_failureText)
+        return;
+    m_failureText = shown;
+    emit failureChanged();
+}
+
+QString ServerPageViewModel::buttonText() const
+{
+    if (m_serverConnected)
+        return tr("断开连接");
+    return buttonEnds() ? tr("取消连接") : m_connectActionLabel;
+}
+
 void ServerPageViewModel::appendLog(const QString &text)
 {
     const QString line = m_serverLog.append(m_clock.wallMs(), text);
@@ -250,22 +266,24 @@ void ServerPageViewModel::updateModeTexts()
 
 void ServerPageViewModel::updateFormError()
 {
-    m_formErrorText = m_serverConnected ? QString() : firstFormProblem();
+    const FormProblem problem = m_serverConnected ? FormProblem{} : firstFormProblem();
+    m_formErrorText = problem.text;
+    m_formErrorIsHint = problem.isHint;
     m_canConnect = m_formErrorText.isEmpty() && !m_serverConnected;
 }
 
-QString ServerPageViewModel::firstFormProblem() const
+ServerPageViewModel::FormProblem ServerPageViewModel::firstFormProblem() const
 {
     if (m_serverStatusText == connectingText())
-        return tr("正在连接服务器，请等待当前连接完成。");
+        return {tr("正在连接服务器，请等待当前连接完成。"), true};
     if (m_serverStatusText == disconnectingText())
-        return tr("正在断开服务器，请稍后再连接。");
+        return {tr("正在断开服务器，请稍后再连接。"), true};
     if (m_callsign.isEmpty())
-        return tr("请先填写呼号。");
+        return {tr("请先填写呼号。"), true};
     if (!common::isCallsign(m_callsign.toUpper()))
-        return tr("呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。");
+        return {tr("呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。"), false};
     if (m_typeCodeRequired && m_typeCode.isEmpty())
-        return tr("飞行员模式需要填写机型代码。");
+        return {tr("飞行员模式需要填写机型代码。"), true};
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "model/SimulatorMode.h"
+#include "ui/viewmodel/ConnectionStatus.h"
 #include "ui/viewmodel/LineLog.h"
 #include "ui/viewmodel/RowsModel.h"
 
@@ -58,6 +59,12 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(bool connectedAsObserver READ connectedAsObserver NOTIFY serverStateChanged)
     Q_PROPERTY(bool canConnect READ canConnect NOTIFY formChanged)
     Q_PROPERTY(QString formErrorText READ formErrorText NOTIFY formChanged)
+    Q_PROPERTY(bool formErrorIsHint READ formErrorIsHint NOTIFY formChanged)
+    Q_PROPERTY(QString buttonText READ buttonText NOTIFY formChanged)
+    Q_PROPERTY(bool buttonEnabled READ buttonEnabled NOTIFY formChanged)
+    Q_PROPERTY(bool buttonEnds READ buttonEnds NOTIFY formChanged)
+    Q_PROPERTY(QString failureText READ failureText NOTIFY failureChanged)
+    Q_PROPERTY(QString serverTone READ serverTone NOTIFY serverStateChanged)
     Q_PROPERTY(QString realName READ realName NOTIFY profileChanged)
     Q_PROPERTY(QString homeAirport READ homeAirport NOTIFY profileChanged)
     Q_PROPERTY(QString serverLog READ serverLog NOTIFY logChanged)
@@ -92,6 +99,16 @@ public:
     bool connectedAsObserver() const { return m_connectedAsObserver; }
     bool canConnect() const { return m_canConnect; }
     QString formErrorText() const { return m_formErrorText; }
+    /// The form's problem is only that something is still to come: a field to fill, an end to wait for.
+    bool formErrorIsHint() const { return m_formErrorIsHint; }
+    // The one button connects, calls an attempt off, or disconnects.
+    QString buttonText() const;
+    bool buttonEnabled() const { return buttonEnds() || m_canConnect; }
+    /// It ends something: requestDisconnect(), not requestConnect().
+    bool buttonEnds() const { return m_serverConnected || m_serverStatusText == connectingText(); }
+    /// Why the last attempt failed or the connection ended; empty from the next attempt on.
+    QString failureText() const { return m_failureText; }
+    QString serverTone() const { return toneText(toneOf(m_serverConnected, m_serverStatusText)); }
     QString realName() const { return m_realName; }
     QString homeAirport() const { return m_homeAirport; }
     QString serverLog() const { return m_serverLog.text(); }
@@ -116,6 +133,7 @@ public:
     void setVatsimProtocol(bool vatsim);
     void setCurrentMode(const QString &mode);
     void setProfile(const QString &realName, const QString &homeAirport);
+    void setFailure(const QString &reason);
     /// Adds a line with the local time in front. The oldest lines go beyond 2,000.
     void appendLog(const QString &text);
     /// Each text becomes one line, cut to what the list shows of it.
@@ -141,13 +159,19 @@ signals:
     void typeCodeSuggestionsChanged();
     void connectRequested(QString callsign, QString typeCode, QString selcal, bool observer);
     void disconnectRequested();
+    void failureChanged();
 
 private:
     void formEdited();
     void updateModeTexts();
     void updateFormError();
+    struct FormProblem
+    {
+        QString text;
+        bool isHint = false;
+    };
     /// The first rule of the form that is broken; empty when there is none.
-    QString firstFormProblem() const;
+    FormProblem firstFormProblem() const;
     void setSuggestions(const QList<TypeCodeSuggestion> &suggestions);
 
     network::SwiftAircraftIcaoService &m_icao;
@@ -170,6 +194,8 @@ private:
     bool m_connectedAsObserver = false;
     bool m_canConnect = false;
     QString m_formErrorText;
+    bool m_formErrorIsHint = false;
+    QString m_failureText;
     QString m_realName;
     QString m_homeAirport;
     LineLog m_serverLog;

@@ -4,6 +4,7 @@
 #include "model/SimulatorMode.h"
 #include "model/UserAircraftConfigData.h"
 #include "model/UserAircraftData.h"
+#include "ui/viewmodel/ConnectionStatus.h"
 #include "ui/viewmodel/PlotLabels.h"
 #include "ui/viewmodel/RowsModel.h"
 #include "ui/viewmodel/TrafficPlot.h"
@@ -34,6 +35,7 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(bool xplaneMode READ xplaneMode NOTIFY stateChanged)
     Q_PROPERTY(bool simulatorConnected READ simulatorConnected NOTIFY stateChanged)
     Q_PROPERTY(QString simulatorStatusText READ simulatorStatusText NOTIFY stateChanged)
+    Q_PROPERTY(QString simulatorTone READ simulatorTone NOTIFY stateChanged)
     Q_PROPERTY(QString simulatorFailureText READ simulatorFailureText NOTIFY stateChanged)
     Q_PROPERTY(QString pluginStatusText READ pluginStatusText NOTIFY stateChanged)
     Q_PROPERTY(QString cslStatusText READ cslStatusText NOTIFY stateChanged)
@@ -104,6 +106,7 @@ public:
     bool simulatorConnected() const { return m_connected; }
     QString simulatorStatusText() const { return m_statusText; }
     /// Why the last attempt to connect failed. Empty when a new attempt has begun, or one has succeeded.
+    QString simulatorTone() const { return toneText(toneOf(m_connected, m_statusText)); }
     QString simulatorFailureText() const { return m_failureText; }
     QString pluginStatusText() const { return m_plugin.plugin; }
     QString cslStatusText() const { return m_plugin.csl; }

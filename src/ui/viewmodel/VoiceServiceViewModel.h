@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "common/VolumeInfo.h"
+#include "ui/viewmodel/ConnectionStatus.h"
 #include "ui/viewmodel/RowsModel.h"
 #include "ui/viewmodel/SpeechTimeline.h"
 #include "voice/client/ConnectionState.h"
@@ -60,6 +61,7 @@ class VoiceServiceViewModel : public QObject
     Q_OBJECT
     Q_PROPERTY(bool connected READ connected NOTIFY connectStateChanged)
     Q_PROPERTY(QString connectionStateText READ connectionStateText NOTIFY connectStateChanged)
+    Q_PROPERTY(QString connectionTone READ connectionTone NOTIFY connectStateChanged)
     Q_PROPERTY(bool canTest READ canTest NOTIFY connectStateChanged)
     Q_PROPERTY(QString callsign READ callsign NOTIFY connectStateChanged)
     Q_PROPERTY(QString com1Freq READ com1Freq NOTIFY com1InfoChanged)
@@ -98,6 +100,7 @@ public:
 
     bool connected() const; ///< to the server; it needn't have greeted
     QString connectionStateText() const;
+    QString connectionTone() const { return toneText(toneOf(connected(), connectionStateText())); }
     /// The devices can be tested only while nothing else uses them.
     bool canTest() const { return m_client && m_state == voice::ConnectionState::Disconnected; }
     QString callsign() const { return m_callsign; } ///< "Unknown" until the server has greeted

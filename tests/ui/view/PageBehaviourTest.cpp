@@ -91,6 +91,7 @@ private slots:
                                    {u"voice"_qs, QVariant::fromValue(nullptr)},
                                    {u"settings"_qs, QVariant::fromValue(nullptr)},
                                    {u"voiceSettings"_qs, QVariant::fromValue(nullptr)},
+                                   {u"status"_qs, QVariant::fromValue(nullptr)},
                                    {u"currentSection"_qs, section}});
         view.setSource(QUrl(u"qrc:/src/ui/view/pages/MainDashboard.qml"_qs));
         QVERIFY(view.rootObject());

@@ -69,6 +69,7 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
         view.rootContext()->setContextProperty(u"serverBackend"_qs, present ? &m_server : nullptr);
         view.rootContext()->setContextProperty(u"messagesBackend"_qs, present ? &m_messages : nullptr);
         view.rootContext()->setContextProperty(u"simulatorBackend"_qs, present ? &m_simulator : nullptr);
+        view.rootContext()->setContextProperty(u"statusBackend"_qs, present ? &m_status : nullptr);
         view.rootContext()->setContextProperty(u"voiceBackend"_qs, present ? &m_voice : nullptr);
         view.rootContext()->setContextProperty(u"settingsBackend"_qs, present ? &m_settings : nullptr);
         view.rootContext()->setContextProperty(u"voiceSettingsBackend"_qs, present ? &m_voiceSettings : nullptr);
@@ -111,6 +112,7 @@ void PageHarness::fillAccount()
 void PageHarness::fillFlight()
 {
     m_dashboard.setSimulatorState(true, u"已连接"_qs);
+    m_status.setSimulator(true, u"已连接"_qs);
     m_dashboard.setFlightData(40.0801, 116.5846, 32150.4, 52.4, 451.6);
 }
 
@@ -123,6 +125,7 @@ void PageHarness::connectToNetwork()
     m_server.setEndpoint(u"127.0.0.1:6809"_qs);
     m_server.setServerState(true, u"已连接"_qs);
     m_dashboard.setServerState(true, u"已连接"_qs);
+    m_status.setNetwork(true, u"已连接"_qs);
     m_server.addRecentEvent(u"网络已连接"_qs, u"网络已连接，当前呼号：CES2352"_qs, u"网络"_qs);
     m_server.addRecentEvent(u"通知"_qs, u"Connected to network."_qs, u"系统"_qs);
 }

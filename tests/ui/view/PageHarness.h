@@ -13,6 +13,7 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/StatusViewModel.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/client/VoiceClient.h"
@@ -49,6 +50,7 @@ public:
     ui::ServerPageViewModel &server() { return m_server; }
     ui::MessagesPageViewModel &messages() { return m_messages; }
     ui::SimulatorPageViewModel &simulator() { return m_simulator; }
+    ui::StatusViewModel &status() { return m_status; }
     ui::VoiceServiceViewModel &voice() { return m_voice; }
     /// What the voice page hears of; a test raises its signals.
     voice::VoiceClient &voiceClient() { return m_voiceClient; }
@@ -106,6 +108,7 @@ private:
     ui::ServerPageViewModel m_server;
     ui::MessagesPageViewModel m_messages;
     ui::SimulatorPageViewModel m_simulator;
+    ui::StatusViewModel m_status;
     ScriptedInput m_input;
     input::PttHandler m_pttHandler{m_input.source()};
     input::PttService m_ptt{m_pttHandler};

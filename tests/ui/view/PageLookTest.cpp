@@ -19,10 +19,10 @@ private slots:
         QTest::addColumn<QString>("page");
         QTest::addColumn<QSize>("size");
         const QSize sizes[] = {{1000, 700}, {1280, 800}, {1920, 1080}};
-        const char *const pages[] = {
-            "modes",         "overview",  "overview-offline",  "overview-failed", "server",          "server-connected",
-            "server-error",  "simulator", "simulator-offline", "simulator-msfs",  "simulator-crowd", "voice",
-            "voice-offline", "settings",  "settings-wrong"};
+        const char *const pages[] = {"modes",     "overview",          "overview-offline", "overview-failed",
+                                     "server",    "server-connected",  "server-error",     "server-failed",
+                                     "simulator", "simulator-offline", "simulator-msfs",   "simulator-crowd",
+                                     "voice",     "voice-offline",     "settings",         "settings-wrong"};
         for (const char *page : pages)
             for (const QSize &size : sizes)
                 QTest::addRow("%s %dx%d", page, size.width(), size.height()) << QString::fromLatin1(page) << size;
@@ -51,6 +51,11 @@ private slots:
             harness.openSection(u"语音服务"_qs);
         if (page == QLatin1String("server-error"))
             harness.server().setCallsign(u"呼号 有空格"_qs);
+        if (page == QLatin1String("server-failed")) {
+            harness.server().setCallsign(u"CES2352"_qs);
+            harness.server().setFailure(u"服务器报告：Callsign already in use: CES2352"_qs);
+            harness.status().networkFailed(u"服务器报告：Callsign already in use: CES2352"_qs);
+        }
         if (page.startsWith(QLatin1String("settings")))
             showSettings(harness, page.endsWith(QLatin1String("wrong")));
         QVERIFY(!harness.grab(u"%1-%2"_qs.arg(page).arg(size.width())).isNull());
@@ -65,7 +70,8 @@ private slots:
         const QList<QQuickItem *> texts = harness.texts();
         QVERIFY(texts.size() > 3);
         for (QQuickItem *text : texts)
-            QVERIFY2(isWhole(text), qPrintable(text->property("text").toString()));
+            QVERIFY2(isWhole(text) || text->objectName() == QLatin1String("statusReason"),
+                     qPrintable(text->property("text").toString()));
         QCOMPARE(harness.complaints(), QStringList());
     }
 
@@ -75,7 +81,14 @@ private:
     {
         harness.dashboard().setUserInfo(u"Alexander von Humboldt"_qs, u"CID: 1001"_qs, u"高级教员 (I3)"_qs);
         harness.dashboard().setSimulatorState(false, u"连接失败"_qs);
+        harness.dashboard().setSimulatorFailure(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
         harness.dashboard().setServerState(false, u"已断开（强制）"_qs);
+        harness.status().setSimulator(false, u"连接失败"_qs);
+        harness.status().simulatorFailed(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
+        harness.status().setNetwork(true, u"已连接"_qs);
+        harness.status().setNetwork(false, u"已断开（强制）"_qs);
+        harness.status().networkFailed(
+            u"被强制断开：You have been removed from the network by a supervisor: unattended connection"_qs);
     }
 
     static void showSimulator(PageHarness &harness, const QString &page)

@@ -122,6 +122,36 @@ private slots:
         QCOMPARE(spy.count(), 2);
     }
 
+    void tellsWhyThereIsNoSimulator_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("failure");
+        QTest::addColumn<QString>("hint");
+        QTest::newRow("no mode") << u"NONE"_qs << false << QString() << QString();
+        QTest::newRow("X-Plane isn't there yet")
+            << u"XPLANE"_qs << false << QString() << u"等待 X-Plane：请启动 X-Plane 并载入航班，客户端会自动连接。"_qs;
+        QTest::newRow("MSFS isn't there yet")
+            << u"MSFS"_qs << false << QString() << u"等待 Microsoft Flight Simulator：请启动模拟器并载入航班。"_qs;
+        QTest::newRow("failed") << u"XPLANE"_qs << false << u"插件没有应答"_qs << u"插件没有应答"_qs;
+        QTest::newRow("there, without its plugin") << u"XPLANE"_qs << true << u"插件没有应答"_qs << QString();
+    }
+    void tellsWhyThereIsNoSimulator()
+    {
+        QFETCH(QString, mode);
+        QFETCH(bool, connected);
+        QFETCH(QString, failure);
+        DashboardViewModel model;
+        const QSignalSpy changed(&model, &DashboardViewModel::simulatorHintChanged);
+        model.setCurrentMode(mode);
+        model.setSimulatorState(connected, QString());
+        model.setSimulatorFailure(failure);
+        QTEST(model.simulatorHintText(), "hint");
+        const qsizetype told = changed.size();
+        model.setSimulatorFailure(failure);
+        QCOMPARE(changed.size(), told);
+    }
+
     void requestsOnlyEmit()
     {
         DashboardViewModel model;

@@ -54,6 +54,67 @@ private slots:
         QCOMPARE(fixture.model.typeCodeRequired(), !observer);
     }
 
+    void theOneButton_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("ends");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("connects") << false << u"未连接"_qs << u"连接 X-Plane 网络"_qs << false << true;
+        QTest::newRow("calls off") << false << u"连接中..."_qs << u"取消连接"_qs << true << true;
+        QTest::newRow("disconnects") << true << u"已连接"_qs << u"断开连接"_qs << true << true;
+        QTest::newRow("waits for the end") << false << u"断开中..."_qs << u"连接 X-Plane 网络"_qs << false << false;
+    }
+    void theOneButton()
+    {
+        QFETCH(bool, connected);
+        QFETCH(QString, status);
+        ServerPageFixture fixture;
+        fixture.model.setCurrentMode(u"XPLANE"_qs);
+        fixture.model.setCallsign(u"CES2352"_qs);
+        fixture.model.setTypeCode(u"B738"_qs);
+        fixture.model.setServerState(connected, status);
+        QTEST(fixture.model.buttonText(), "text");
+        QTEST(fixture.model.buttonEnds(), "ends");
+        QTEST(fixture.model.buttonEnabled(), "enabled");
+    }
+
+    void onlyWhatIsWrongIsRed_data()
+    {
+        QTest::addColumn<QString>("callsign");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<bool>("hint");
+        QTest::newRow("nothing typed") << QString() << u"未连接"_qs << true;
+        QTest::newRow("wrong characters") << u"CES-2352"_qs << u"未连接"_qs << false;
+        QTest::newRow("the type is still to come") << u"CES2352"_qs << u"未连接"_qs << true;
+        QTest::newRow("connecting") << u"CES-2352"_qs << u"连接中..."_qs << true;
+        QTest::newRow("disconnecting") << u"CES-2352"_qs << u"断开中..."_qs << true;
+    }
+    void onlyWhatIsWrongIsRed()
+    {
+        QFETCH(QString, callsign);
+        QFETCH(QString, status);
+        ServerPageFixture fixture;
+        fixture.model.setCallsign(u"C"_qs);
+        fixture.model.setCallsign(callsign);
+        fixture.model.setServerState(false, status);
+        QVERIFY(!fixture.model.formErrorText().isEmpty());
+        QTEST(fixture.model.formErrorIsHint(), "hint");
+    }
+
+    void aFailureIsToldOnceAndCut()
+    {
+        ServerPageFixture fixture;
+        const QSignalSpy changed(&fixture.model, &ServerPageViewModel::failureChanged);
+        fixture.model.setFailure(u"bye\nbye"_qs);
+        fixture.model.setFailure(u"bye\nbye"_qs);
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(!fixture.model.failureText().contains(u'\n'));
+        fixture.model.setFailure(QString(100'000, u'x'));
+        QVERIFY(fixture.model.failureText().size() <= 501);
+    }
+
     void theStartHintComesBackAsTheOtherText()
     {
         ServerPageFixture fixture;

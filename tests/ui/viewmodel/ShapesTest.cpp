@@ -74,11 +74,13 @@ private slots:
         row(m_dashboard,
             "userInfoChanged() currentModeChanged() simulatorStateChanged() serverStateChanged() flightDataChanged() "
             "serverLogChanged() recentFlightsChanged() leaderboardChanged() modeChangedRequest(QString) "
-            "serverConnectRequest(QString,QString,QString,bool) serverDisconnectRequest() simulatorReconnectRequest()");
+            "serverConnectRequest(QString,QString,QString,bool) serverDisconnectRequest() simulatorReconnectRequest() "
+            "simulatorHintChanged()");
         row(m_server.model,
             "serverStateChanged() endpointChanged() protocolChanged() formChanged() profileChanged() logChanged() "
             "logLineAdded(QString) logCleared() recentEventsChanged() typeCodeSuggestionsChanged() "
-            "connectRequested(QString,QString,QString,bool) disconnectRequested()");
+            "connectRequested(QString,QString,QString,bool) disconnectRequested() "
+            "failureChanged()");
         row(m_simulator, "stateChanged() dataChanged() trafficChanged() reconnectRequested() "
                          "setCom1FrequencyRequested(QString) setCom2FrequencyRequested(QString) "
                          "setTransponderCodeRequested(QString) transponderIdentRequested() "

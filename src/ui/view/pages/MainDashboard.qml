@@ -13,9 +13,21 @@ Item {
     required property VoiceServiceBackend voice
     required property SettingsBackend settings
     required property VoiceSettingsBackend voiceSettings
+    required property StatusBackend status
     property string currentSection: "dashboard"
 
     signal logoutRequested()
+
+    Component.onCompleted: if (status) status.setCurrentSection(currentSection)
+    onCurrentSectionChanged: if (status) status.setCurrentSection(currentSection)
+
+    Connections {
+        target: main.status
+
+        function onSectionRequested(section: string): void {
+            main.currentSection = section
+        }
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -39,6 +51,7 @@ Item {
         width: 252
         height: parent.height
         dashboard: main.dashboard
+        status: main.status
         currentSection: main.currentSection
         unreadCount: main.messages ? main.messages.unreadCount : 0
         sections: [
@@ -53,11 +66,22 @@ Item {
         onLogoutRequested: main.logoutRequested()
     }
 
+    NoticeBanner {
+        id: banner
+
+        objectName: "noticeBanner"
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.margins: 16
+        status: main.status
+    }
+
     Loader {
         objectName: "sectionLoader"
         anchors.left: sidebar.right
         anchors.right: parent.right
-        anchors.top: parent.top
+        anchors.top: banner.shown ? banner.bottom : parent.top
         anchors.bottom: parent.bottom
         anchors.margins: 16
         focus: true

@@ -68,7 +68,7 @@ GridLayout {
         Layout.fillWidth: true
         Layout.preferredHeight: entry.wide ? 18 : 36
         text: entry.told ? entry.verdict.hint ?? "" : ""
-        color: Style.statusError
+        color: Style.textError
         font.pixelSize: Style.fontSmall
         wrapMode: Text.Wrap
     }

@@ -6,7 +6,7 @@ import "../.."
 AppText {
     Layout.fillWidth: true
     visible: text.length > 0
-    color: Style.statusError
+    color: Style.textError
     font.pixelSize: Style.fontSmall
     wrapMode: Text.Wrap
 }

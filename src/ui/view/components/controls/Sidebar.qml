@@ -8,11 +8,14 @@ Rectangle {
     id: sidebar
 
     required property DashboardBackend dashboard
+    required property StatusBackend status
     property string currentSection: "dashboard"
     /// Rows of { key, title }.
     property var sections: []
     /// Shown at the item "messages".
     property int unreadCount: 0
+    /// Room for two connections that failed, down to the least height of the window.
+    readonly property bool compact: height < 780
 
     signal sectionRequested(string key)
     signal logoutRequested()
@@ -26,7 +29,7 @@ Rectangle {
         spacing: Style.spacingTiny
 
         RowLayout {
-            Layout.bottomMargin: Style.spacingLarge
+            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingLarge
             Layout.leftMargin: Style.spacingSmall
             spacing: Style.spacingMedium
 
@@ -65,7 +68,7 @@ Rectangle {
         }
 
         GroupTitle {
-            Layout.topMargin: Style.spacingMedium
+            Layout.topMargin: sidebar.compact ? Style.spacingTiny : Style.spacingMedium
             text: qsTr("其他")
         }
 
@@ -78,9 +81,17 @@ Rectangle {
 
         Item { Layout.fillHeight: true }
 
+        StatusBlock {
+            Layout.fillWidth: true
+            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingMedium
+            reasonLines: sidebar.compact ? 1 : 2
+            status: sidebar.status
+            onSectionRequested: key => sidebar.sectionRequested(key)
+        }
+
         Rectangle {
             Layout.fillWidth: true
-            Layout.bottomMargin: Style.spacingMedium
+            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingMedium
             implicitHeight: 1
             color: Style.divider
         }

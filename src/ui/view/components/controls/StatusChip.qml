@@ -8,8 +8,8 @@ Rectangle {
     property string label: ""
     property string status: "--"
     property bool good: false
-    /// Under way: neither good nor quiet.
-    property bool pending: status.endsWith("...")
+    /// "quiet", "pending", "good" or "failed".
+    property string tone: good ? "good" : "quiet"
 
     implicitWidth: row.implicitWidth + 2 * Style.spacingMedium
     implicitHeight: 32
@@ -22,18 +22,15 @@ Rectangle {
         anchors.centerIn: parent
         spacing: Style.spacingSmall
 
-        Rectangle {
+        StatusDot {
             anchors.verticalCenter: parent.verticalCenter
-            width: 8
-            height: 8
-            radius: 4
-            color: chip.pending ? Style.statusPending : chip.good ? Style.statusSuccess : Style.textMuted
+            tone: chip.tone
         }
 
         AppText {
             visible: text.length > 0
             text: chip.label
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
 

@@ -30,7 +30,7 @@ ListView {
         AppText {
             width: parent.width - clock.width - parent.spacing
             text: parent.text
-            color: text.startsWith("ERROR") ? Style.statusError : Style.textPrimary
+            color: text.startsWith("ERROR") ? Style.textError : Style.textPrimary
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
             maximumLineCount: 4

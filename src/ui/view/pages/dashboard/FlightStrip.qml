@@ -12,40 +12,72 @@ Card {
 
     contentPadding: 20
 
-    RowLayout {
+    ColumnLayout {
         anchors.fill: parent
-        spacing: 0
+        spacing: Style.spacingMedium
 
-        Reading {
-            name: qsTr("航向")
-            value: strip.number(strip.dashboard ? strip.dashboard.heading : NaN, Format.course)
-            unit: "°"
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            Reading {
+                name: qsTr("航向")
+                value: strip.number(strip.dashboard ? strip.dashboard.heading : NaN, Format.course)
+                unit: "°"
+            }
+
+            Separator {}
+
+            Reading {
+                name: qsTr("地速")
+                value: strip.number(strip.dashboard ? strip.dashboard.groundSpeed : NaN, v => Format.fixed(v, 0))
+                unit: "kt"
+            }
+
+            Separator {}
+
+            Reading {
+                name: qsTr("高度")
+                value: strip.number(strip.dashboard ? strip.dashboard.altitude : NaN, Format.grouped)
+                unit: "ft"
+            }
+
+            Separator {}
+
+            Reading {
+                Layout.preferredWidth: 220
+                name: qsTr("位置")
+                value: strip.number(strip.dashboard ? strip.dashboard.latitude : NaN, latitude => strip.number(strip.dashboard ? strip.dashboard.longitude : NaN,
+                    longitude => Format.latitude(latitude) + "  " + Format.longitude(longitude)))
+                valueSize: 18
+            }
         }
 
-        Separator {}
+        RowLayout {
+            Layout.fillWidth: true
+            visible: hint.text.length > 0
+            spacing: Style.spacingMedium
 
-        Reading {
-            name: qsTr("地速")
-            value: strip.number(strip.dashboard ? strip.dashboard.groundSpeed : NaN, v => Format.fixed(v, 0))
-            unit: "kt"
-        }
+            StatusDot { tone: strip.dashboard ? strip.dashboard.simulatorTone : "quiet" }
 
-        Separator {}
+            ReasonText {
+                id: hint
 
-        Reading {
-            name: qsTr("高度")
-            value: strip.number(strip.dashboard ? strip.dashboard.altitude : NaN, Format.grouped)
-            unit: "ft"
-        }
+                objectName: "simulatorHint"
+                Layout.fillWidth: true
+                text: strip.dashboard ? strip.dashboard.simulatorHintText : ""
+                color: strip.dashboard && strip.dashboard.simulatorTone === "failed" ? Style.textError : Style.textCaption
+            }
 
-        Separator {}
-
-        Reading {
-            Layout.preferredWidth: 220
-            name: qsTr("位置")
-            value: strip.number(strip.dashboard ? strip.dashboard.latitude : NaN, latitude => strip.number(strip.dashboard ? strip.dashboard.longitude : NaN,
-                longitude => Format.latitude(latitude) + "  " + Format.longitude(longitude)))
-            valueSize: 18
+            CustomButton {
+                objectName: "overviewReconnect"
+                implicitHeight: 32
+                leftPadding: Style.spacingMedium
+                rightPadding: Style.spacingMedium
+                text: qsTr("重新连接")
+                font.pixelSize: Style.fontSmall
+                onClicked: strip.dashboard.requestSimulatorReconnect()
+            }
         }
     }
 

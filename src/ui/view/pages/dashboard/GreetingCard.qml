@@ -53,13 +53,13 @@ Card {
         StatusChip {
             label: qsTr("模拟器")
             status: card.dashboard ? card.dashboard.simulatorStatusText : "--"
-            good: card.dashboard ? card.dashboard.simulatorConnected : false
+            tone: card.dashboard ? card.dashboard.simulatorTone : "quiet"
         }
 
         StatusChip {
             label: qsTr("网络")
             status: card.dashboard ? card.dashboard.serverStatusText : "--"
-            good: card.dashboard ? card.dashboard.serverConnected : false
+            tone: card.dashboard ? card.dashboard.serverTone : "quiet"
         }
     }
 }

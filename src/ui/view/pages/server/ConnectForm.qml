@@ -9,6 +9,7 @@ Card {
 
     required property ServerBackend server
     readonly property bool connected: server ? server.serverConnected : false
+    readonly property bool ends: server ? server.buttonEnds : false
 
     Component.onCompleted: if (!connected) callsignField.forceActiveFocus()
 
@@ -91,9 +92,9 @@ Card {
             objectName: "connectButton"
             Layout.fillWidth: true
             primary: true
-            accentColor: form.connected ? Style.statusError : Style.primary
-            enabled: form.connected || (form.server ? form.server.canConnect : false)
-            text: form.connected ? qsTr("断开连接") : (form.server ? form.server.connectActionLabel : "--")
+            accentColor: form.ends ? Style.endsSession : Style.primary
+            enabled: form.server ? form.server.buttonEnabled : false
+            text: form.server ? form.server.buttonText : "--"
             onClicked: form.submitOrDisconnect()
         }
 
@@ -102,9 +103,16 @@ Card {
             Layout.fillWidth: true
             visible: text.length > 0
             text: form.server ? form.server.formErrorText : ""
-            color: Style.statusError
+            color: (form.server ? form.server.formErrorIsHint : true) ? Style.textSecondary : Style.textError
             font.pixelSize: 13
             wrapMode: Text.Wrap
+        }
+
+        ReasonText {
+            objectName: "connectFailure"
+            Layout.fillWidth: true
+            visible: text.length > 0
+            text: form.server ? form.server.failureText : ""
         }
 
         AppText {
@@ -127,7 +135,7 @@ Card {
     }
 
     function submitOrDisconnect(): void {
-        if (!connected)
+        if (!ends)
             submit()
         else if (server)
             server.requestDisconnect()

@@ -25,7 +25,7 @@ ColumnLayout {
         StatusChip {
             label: page.server ? page.server.endpoint : ""
             status: page.server ? page.server.serverStatusText : "--"
-            good: page.connected
+            tone: page.server ? page.server.serverTone : "quiet"
         }
     }
 
@@ -82,7 +82,7 @@ ColumnLayout {
             Card {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                Layout.preferredHeight: 3
+                Layout.preferredHeight: 1
 
                 ColumnLayout {
                     anchors.fill: parent
@@ -119,7 +119,7 @@ ColumnLayout {
             Card {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                Layout.preferredHeight: 2
+                Layout.preferredHeight: 1
 
                 ColumnLayout {
                     anchors.fill: parent

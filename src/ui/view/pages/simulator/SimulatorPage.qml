@@ -19,7 +19,7 @@ ColumnLayout {
         StatusChip {
             label: page.simulator ? page.simulator.simulatorDisplayName : "--"
             status: page.simulator ? page.simulator.simulatorStatusText : "--"
-            good: page.simulator ? page.simulator.simulatorConnected : false
+            tone: page.simulator ? page.simulator.simulatorTone : "quiet"
         }
 
         CustomButton {
@@ -33,17 +33,12 @@ ColumnLayout {
         }
     }
 
-    AppText {
+    ReasonText {
         objectName: "simulatorFailure"
         Layout.fillWidth: true
         Layout.leftMargin: Style.spacingTiny
         visible: text.length > 0
         text: page.simulator ? page.simulator.simulatorFailureText : ""
-        color: Style.statusError
-        font.pixelSize: 13
-        wrapMode: Text.Wrap
-        maximumLineCount: 2
-        elide: Text.ElideRight
     }
 
     ScrollingColumn {

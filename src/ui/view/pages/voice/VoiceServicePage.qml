@@ -19,7 +19,7 @@ ColumnLayout {
         StatusChip {
             objectName: "voiceState"
             status: page.voice ? page.voice.connectionStateText : "--"
-            good: page.connected
+            tone: page.voice ? page.voice.connectionTone : "quiet"
         }
 
         CustomButton {

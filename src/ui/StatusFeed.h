@@ -1,0 +1,71 @@
+#pragma once
+
+#include "common/Clock.h"
+#include "common/MessageType.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+namespace tarvo::manager {
+class NetworkManager;
+}
+
+namespace tarvo::ui {
+
+class DashboardViewModel;
+class ServerPageViewModel;
+class SimulatorPageViewModel;
+class StatusViewModel;
+class VoiceServiceViewModel;
+
+/// The view models that tell how the connections are, and by whose wish they change.
+struct StatusSources
+{
+    DashboardViewModel &dashboard;
+    ServerPageViewModel &server;
+    SimulatorPageViewModel &simulator;
+    VoiceServiceViewModel &voice;
+};
+
+/// Tells what is always in sight how the connections are, and why one ended if that wasn't the pilot's wish. To be made
+/// when whoever sets the sources' state texts has been connected.
+class StatusFeed : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `sources` and `status` must outlive it.
+    StatusFeed(std::shared_ptr<manager::NetworkManager> network, const StatusSources &sources, StatusViewModel &status,
+               QObject *parent = nullptr, const common::Clock &clock = common::systemClock());
+
+    /// An attempt begins.
+    void networkBegins();
+
+signals:
+    /// Something happened that the pilot should look at: a private text, SELCAL, a lost connection.
+    void attentionWanted();
+
+private:
+    void connectStates();
+    void connectWishes();
+    void connectSession();
+    void showSimulator();
+    void onNotification(const QString &message, common::MessageType type);
+    void onNetworkEnded();
+    void onSimulatorFailed(const QString &message);
+    void failNetwork(const QString &reason);
+
+    std::shared_ptr<manager::NetworkManager> m_network;
+    StatusSources m_from;
+    StatusViewModel &m_status;
+    const common::Clock &m_clock;
+    QString m_error;        ///< the session's last
+    qint64 m_errorAt = 0;   ///< steady time
+    bool m_leaving = false; ///< the pilot wants the session's end
+    bool m_simulatorWas = false;
+    bool m_simulatorWish = false; ///< the pilot has asked for another simulator, or the same anew
+};
+
+} // namespace tarvo::ui

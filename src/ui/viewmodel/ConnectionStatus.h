@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QString>
+
+namespace tarvo::ui {
+
+/// How a connection is: the colour of its dot.
+enum class Tone
+{
+    Quiet,   ///< not there, and nobody misses it
+    Pending, ///< on the way
+    Good,
+    Failed ///< it went wrong
+};
+
+/// The word by which pages know a tone: "quiet", "pending", "good" or "failed".
+QString toneText(Tone tone);
+
+/// The tone of a connection whose state is told by this text of the program's own.
+Tone toneOf(bool connected, const QString &statusText);
+
+/// The state texts of connections that ended, or never came about, by nobody's wish.
+QString simulatorFailedText();
+QString forcedOutText();
+
+/// Why a connection failed, in the pilot's language where the words are the program's own; a server's words stay as
+/// they are.
+QString shownReason(const QString &told);
+
+/// How long an error explains an end that follows it, ms. A server tells why, then closes.
+constexpr qint64 errorExplainsForMs = 10'000;
+
+/// Why a session has ended: the last error, if it came shortly before. Times are steady, ms; `error` may be empty.
+QString reasonOfEnd(const QString &error, qint64 errorAt, qint64 now);
+
+/// What the sidebar says of one connection.
+struct StatusLine
+{
+    QString section; ///< where more is told
+    QString name;
+    QString word;
+    Tone tone = Tone::Quiet;
+    QString reason; ///< empty unless it failed
+
+    bool operator==(const StatusLine &) const = default;
+};
+
+/// A connection, and how it ended if that wasn't the pilot's wish.
+struct Link
+{
+    QString section;
+    QString name;
+    bool connected = false;
+    QString word;
+    QString reason = {};
+    bool seen = true;   ///< the pilot knows of the reason
+    bool wasUp = false; ///< it was there before it failed
+
+    bool operator==(const Link &) const = default;
+};
+
+StatusLine lineOf(const Link &link);
+
+/// What the button of a banner does.
+enum class BannerAction
+{
+    None,
+    ReconnectNetwork,
+    ReconnectSimulator,
+    ShowSection ///< the network's page
+};
+
+/// A line over every page. Without a text there is none.
+struct Banner
+{
+    QString text;
+    QString actionText;
+    BannerAction action = BannerAction::None;
+
+    bool operator==(const Banner &) const = default;
+};
+
+/// `section`: the page that is open. The one of the network tells itself why an attempt failed.
+Banner bannerOf(const Link &network, const Link &simulator, const QString &section);
+
+} // namespace tarvo::ui

@@ -1,0 +1,133 @@
+#include "ui/viewmodel/StatusViewModel.h"
+
+namespace tarvo::ui {
+
+namespace {
+constexpr Role<StatusLine> lineRoles[] = {
+    {"section", member<&StatusLine::section>},
+    {"name", member<&StatusLine::name>},
+    {"word", member<&StatusLine::word>},
+    {"tone", [](const StatusLine &row) -> QVariant { return toneText(row.tone); }},
+    {"reason", member<&StatusLine::reason>},
+};
+} // namespace
+
+StatusViewModel::StatusViewModel(QObject *parent)
+    : QObject(parent),
+      m_network{.section = QStringLiteral("server"), .name = tr("网络"), .word = tr("未连接")},
+      m_simulator{.section = QStringLiteral("simulator"), .name = tr("模拟器"), .word = tr("未连接")},
+      m_voice{.section = QStringLiteral("voice"), .name = tr("语音"), .word = tr("未连接")},
+      m_lines(lineRoles)
+{
+    update();
+}
+
+void StatusViewModel::setNetwork(bool connected, const QString &word)
+{
+    setState(m_network, connected, word);
+}
+
+void StatusViewModel::setSimulator(bool connected, const QString &word)
+{
+    setState(m_simulator, connected, word);
+}
+
+void StatusViewModel::setVoice(bool connected, const QString &word)
+{
+    setState(m_voice, connected, word);
+}
+
+void StatusViewModel::networkFailed(const QString &reason)
+{
+    fail(m_network, reason);
+}
+
+void StatusViewModel::simulatorFailed(const QString &reason)
+{
+    fail(m_simulator, reason);
+}
+
+void StatusViewModel::forgetNetwork()
+{
+    forget(m_network);
+}
+
+void StatusViewModel::forgetSimulator()
+{
+    forget(m_simulator);
+}
+
+void StatusViewModel::setState(Link &link, bool connected, const QString &word)
+{
+    link.connected = connected;
+    link.word = word;
+    if (connected) {
+        link.wasUp = true;
+        forget(link);
+    }
+    update();
+}
+
+void StatusViewModel::fail(Link &link, const QString &reason)
+{
+    link.reason = reason;
+    link.seen = false;
+    update();
+}
+
+void StatusViewModel::forget(Link &link)
+{
+    link.wasUp = link.connected;
+    link.reason.clear();
+    link.seen = true;
+    update();
+}
+
+void StatusViewModel::setCurrentSection(const QString &section)
+{
+    const QString left = m_section;
+    m_section = section;
+    see(left);
+    see(section);
+    update();
+}
+
+void StatusViewModel::see(const QString &section)
+{
+    for (Link *link : {&m_network, &m_simulator}) {
+        // A simulator that can't be reached stays red: nothing has been lost that could be forgotten.
+        if (link->section == section && link->word != simulatorFailedText())
+            link->seen = true;
+    }
+}
+
+void StatusViewModel::dismissBanner()
+{
+    Link &told = m_banner.action == BannerAction::ReconnectSimulator ? m_simulator : m_network;
+    told.seen = true;
+    update();
+}
+
+void StatusViewModel::act()
+{
+    const BannerAction action = m_banner.action;
+    dismissBanner();
+    if (action == BannerAction::ReconnectNetwork)
+        emit networkReconnectRequested();
+    else if (action == BannerAction::ReconnectSimulator)
+        emit simulatorReconnectRequested();
+    else if (action == BannerAction::ShowSection)
+        emit sectionRequested(m_network.section);
+}
+
+void StatusViewModel::update()
+{
+    m_lines.setRows({lineOf(m_network), lineOf(m_simulator), lineOf(m_voice)});
+    const Banner banner = bannerOf(m_network, m_simulator, m_section);
+    if (banner == m_banner)
+        return;
+    m_banner = banner;
+    emit bannerChanged();
+}
+
+} // namespace tarvo::ui

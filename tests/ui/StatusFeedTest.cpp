@@ -1,0 +1,176 @@
+#include "ui/StatusFeed.h"
+#include "manager/NetworkManager.h"
+#include "support/Patience.h"
+#include "support/TestRegistry.h"
+#include "ui/MainStage.h"
+
+#include <QObject>
+#include <QSignalSpy>
+#include <QTcpSocket>
+
+#include <memory>
+
+using namespace tarvo;
+using test::MainStage;
+
+/// How the main window comes to know why a connection ended, and whether the pilot wished it.
+class StatusFeedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_stage = std::make_unique<MainStage>(); }
+    void cleanup() { m_stage.reset(); }
+
+    void aWishedEndIsNoFailure()
+    {
+        connectAndAccept();
+        emit m_stage->server().disconnectRequested();
+        MainStage::answer();
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        QCOMPARE(banner(), QString());
+        QCOMPARE(m_stage->server().failureText(), QString());
+        QCOMPARE(m_attention, 0);
+    }
+
+    void aKillIsToldWithItsReason()
+    {
+        connectAndAccept();
+        serverSays("$!!SERVER:CES2352:go away");
+        m_peer->disconnectFromHost();
+        TRY_COMPARE(banner(), u"网络已断开：被强制断开：go away"_qs);
+        QCOMPARE(m_stage->server().failureText(), u"被强制断开：go away"_qs);
+        QCOMPARE(m_attention, 1);
+    }
+
+    void aBrokenLineIsTold()
+    {
+        connectAndAccept();
+        m_peer->disconnectFromHost();
+        TRY_COMPARE(banner(), u"网络已断开：服务器关闭了连接。"_qs);
+        QCOMPARE(m_attention, 1);
+    }
+
+    void theBannerConnectsAgainAsBefore()
+    {
+        connectAndAccept();
+        m_peer->disconnectFromHost();
+        TRY_VERIFY(!banner().isEmpty());
+        m_stage->window.status().act();
+        MainStage::answer();
+        MainStage::answer();
+        QCOMPARE(m_stage->server().serverStatusText(), u"连接中..."_qs);
+        QCOMPARE(banner(), QString());
+        QCOMPARE(m_stage->network->connectInfo(), (model::ConnectInfo{u"CES2352"_qs, u"B738"_qs, u"AB-CD"_qs, true}));
+    }
+
+    void aRefusalStandsAtTheButton()
+    {
+        emit m_stage->server().connectRequested(u"CES2352"_qs, u"B738"_qs, QString(), false); // no simulator
+        MainStage::answer();
+        QCOMPARE(m_stage->server().failureText(), u"飞行员模式连接 FSD 前，请先连接模拟器并等待有效的飞机数据。"_qs);
+        m_stage->observe(u"CES2352"_qs);
+        QCOMPARE(m_stage->server().failureText(), QString());
+    }
+
+    void anAttemptThatFailsIsTold()
+    {
+        m_stage->fsd.close();
+        m_stage->observe(u"CES2352"_qs);
+        TRY_COMPARE(m_stage->server().failureText(), u"服务器拒绝了连接。"_qs);
+        QCOMPARE(banner(), u"网络连接失败：服务器拒绝了连接。"_qs);
+    }
+
+    void anAttemptCanBeCalledOff()
+    {
+        m_stage->observe(u"CES2352"_qs);
+        QVERIFY(m_stage->server().buttonEnds());
+        m_stage->server().requestDisconnect();
+        MainStage::answer();
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        QVERIFY(!m_stage->server().buttonEnds());
+        QCOMPARE(m_stage->server().failureText(), QString());
+    }
+
+    void aLostSimulatorIsToldWhileOnTheNetwork_data()
+    {
+        QTest::addColumn<bool>("online");
+        QTest::addColumn<bool>("wished");
+        QTest::addColumn<QString>("banner");
+        QTest::newRow("on the network") << true << false << u"模拟器已断开：模拟器不再发送数据。"_qs;
+        QTest::newRow("after the flight") << false << false << QString();
+        QTest::newRow("asked for anew") << true << true << QString();
+    }
+    void aLostSimulatorIsToldWhileOnTheNetwork()
+    {
+        QFETCH(bool, online);
+        QFETCH(bool, wished);
+        m_stage->dashboard().setServerState(online, u"已连接"_qs);
+        emit m_stage->network->simulatorConnectionStateChanged(true);
+        if (wished)
+            m_stage->dashboard().requestSimulatorReconnect();
+        emit m_stage->network->simulatorConnectionStateChanged(false);
+        QTEST(banner(), "banner");
+    }
+
+    void anotherAttemptIsShown()
+    {
+        emit m_stage->network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        QCOMPARE(m_stage->dashboard().simulatorHintText(), u"插件没有应答"_qs);
+        QCOMPARE(m_stage->dashboard().simulatorTone(), u"failed"_qs);
+        m_stage->dashboard().requestSimulatorReconnect();
+        QCOMPARE(m_stage->dashboard().simulatorStatusText(), u"连接中..."_qs);
+        QCOMPARE(m_stage->dashboard().simulatorTone(), u"pending"_qs);
+        QCOMPARE(m_stage->window.simulator().simulatorFailureText(), QString());
+        QVERIFY(m_stage->dashboard().simulatorHintText() != u"插件没有应答"_qs);
+    }
+
+    void aPrivateTextAndSelcalAskForAttention()
+    {
+        const QSignalSpy asked(&m_stage->window, &ui::MainWindow::attentionAsked);
+        emit m_stage->network->privateMessageReceived(u"CCA1"_qs, u"hello"_qs);
+        QCOMPARE(asked.size(), 1);
+        emit m_stage->network->selcalAlertReceived(u"ZBAA_CTR"_qs, {});
+        QCOMPARE(asked.size(), 2);
+        emit m_stage->network->serverMessageReceived(u"welcome"_qs);
+        QCOMPARE(asked.size(), 2);
+    }
+
+    void aWindowInFrontAsksForNothing()
+    {
+        m_stage->window.show();
+        m_stage->window.activateWindow();
+        TRY_VERIFY(m_stage->window.isActiveWindow());
+        const QSignalSpy asked(&m_stage->window, &ui::MainWindow::attentionAsked);
+        emit m_stage->network->privateMessageReceived(u"CCA1"_qs, u"hello"_qs);
+        QCOMPARE(asked.size(), 0);
+    }
+
+private:
+    QString banner() const { return m_stage->window.status().bannerText(); }
+
+    /// An observer's session whose login the server has accepted.
+    void connectAndAccept()
+    {
+        m_attention = 0;
+        connect(&m_stage->window, &ui::MainWindow::attentionAsked, this, [this] { ++m_attention; });
+        m_stage->observe(u"CES2352"_qs);
+        TRY_VERIFY(m_stage->fsd.hasPendingConnections());
+        m_peer = m_stage->fsd.nextPendingConnection();
+        serverSays("#AACES2352:SERVER:A B:1001::1:9");
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已连接"_qs);
+    }
+
+    void serverSays(const QByteArray &line)
+    {
+        m_peer->write(line + "\r\n");
+        m_peer->flush();
+    }
+
+    std::unique_ptr<MainStage> m_stage;
+    QTcpSocket *m_peer = nullptr;
+    int m_attention = 0;
+};
+
+TARVO_TEST(StatusFeedTest)
+#include "StatusFeedTest.moc"

@@ -1,0 +1,169 @@
+#include "PageHarness.h"
+#include "support/TestRegistry.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QObject>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using tarvo::test::PageHarness;
+using tarvo::ui::DashboardViewModel;
+using tarvo::ui::ServerPageViewModel;
+using tarvo::ui::StatusViewModel;
+
+/// The connections' states and the banner, on every page; and the reason under the button.
+class StatusInSightTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs, QSize(1000, 700)); }
+
+    void cleanup()
+    {
+        QCOMPARE(m_harness->complaints(), QStringList());
+        m_harness.reset();
+    }
+
+    void everyPageHasTheLines_data()
+    {
+        QTest::addColumn<QString>("section");
+        for (const char16_t *title : {u"总览", u"模拟器", u"服务器", u"语音服务", u"消息", u"设置"})
+            QTest::newRow(qPrintable(QString::fromUtf16(title))) << QString::fromUtf16(title);
+    }
+    void everyPageHasTheLines()
+    {
+        QFETCH(QString, section);
+        m_harness->openSection(section);
+        loseBoth();
+        m_harness->settle();
+        for (const char16_t *name : {u"status-server", u"status-simulator", u"status-voice"})
+            QVERIFY(m_harness->item(QString::fromUtf16(name)));
+        const QQuickItem *page = m_harness->item(u"sectionLoader"_qs);
+        const QQuickItem *banner = m_harness->item(u"noticeBanner"_qs);
+        QVERIFY(banner);
+        QVERIFY(page->y() >= banner->y() + banner->height());
+        QCOMPARE(page->y() + page->height(), m_harness->view.height() - 16.0);
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+    }
+
+    void theAccountStaysInTheWindow()
+    {
+        m_harness->fillAccount();
+        loseBoth();
+        m_harness->settle();
+        const QQuickItem *cid = m_harness->itemWithText(u"CID：1001"_qs);
+        QVERIFY(cid);
+        QVERIFY(cid->mapToScene(QPointF(0, cid->height())).y() <= m_harness->view.height() - 8);
+    }
+
+    void aLineOpensItsPage()
+    {
+        m_harness->click(m_harness->item(u"status-server"_qs));
+        QVERIFY(m_harness->item(u"connectButton"_qs));
+    }
+
+    void theBannersButtonConnectsAgain()
+    {
+        loseNetwork();
+        m_harness->settle();
+        const QSignalSpy again(&m_harness->status(), &StatusViewModel::networkReconnectRequested);
+        m_harness->click(m_harness->item(u"bannerAction"_qs));
+        QCOMPARE(again.size(), 1);
+        QVERIFY(!m_harness->item(u"noticeBanner"_qs));
+    }
+
+    void theBannersButtonShowsThePageThatTells()
+    {
+        m_harness->status().networkFailed(u"Callsign in use"_qs);
+        m_harness->settle();
+        QCOMPARE(m_harness->item(u"bannerAction"_qs)->property("text").toString(), u"查看"_qs);
+        m_harness->click(m_harness->item(u"bannerAction"_qs));
+        QVERIFY(m_harness->item(u"connectButton"_qs));
+        QVERIFY(!m_harness->item(u"noticeBanner"_qs));
+    }
+
+    void theCrossEndsTheBanner()
+    {
+        loseNetwork();
+        m_harness->settle();
+        m_harness->click(m_harness->item(u"bannerClose"_qs));
+        QVERIFY(!m_harness->item(u"noticeBanner"_qs));
+    }
+
+    void theReasonIsAtTheButtonAndCanBeCopied()
+    {
+        m_harness->openSection(u"服务器"_qs);
+        QVERIFY(!m_harness->item(u"connectFailure"_qs));
+        m_harness->server().setFailure(u"服务器报告：Callsign in use"_qs);
+        m_harness->settle();
+        QQuickItem *reason = m_harness->item(u"connectFailure"_qs);
+        QVERIFY(reason);
+        const QQuickItem *button = m_harness->item(u"connectButton"_qs);
+        QVERIFY(reason->mapToScene({}).y() > button->mapToScene({}).y());
+        QTest::mouseDClick(&m_harness->view, Qt::LeftButton, {}, reason->mapToScene({20, 8}).toPoint());
+        reason->forceActiveFocus();
+        QTest::keyClick(&m_harness->view, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&m_harness->view, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"服务器报告：Callsign in use"_qs);
+    }
+
+    void theButtonCallsAnAttemptOff()
+    {
+        m_harness->openSection(u"服务器"_qs);
+        m_harness->server().setServerState(false, u"连接中..."_qs);
+        QQuickItem *button = m_harness->item(u"connectButton"_qs);
+        QCOMPARE(button->property("text").toString(), u"取消连接"_qs);
+        QSignalSpy ends(&m_harness->server(), &ServerPageViewModel::disconnectRequested);
+        m_harness->click(button);
+        QCOMPARE(ends.size(), 1);
+    }
+
+    void onlyWhatIsWrongIsRed()
+    {
+        m_harness->openSection(u"服务器"_qs);
+        const auto colour = [this] { return m_harness->item(u"formError"_qs)->property("color").value<QColor>(); };
+        m_harness->server().setTypeCode(u"B738"_qs); // the callsign is still to come
+        const QColor hint = colour();
+        m_harness->server().setCallsign(u"a b"_qs);
+        QVERIFY(colour().red() > 150 && hint.red() < 120);
+    }
+
+    void theOverviewTellsWhyThereIsNoSimulator()
+    {
+        m_harness->dashboard().setSimulatorState(false, u"连接失败"_qs);
+        m_harness->dashboard().setSimulatorFailure(u"插件没有应答"_qs);
+        m_harness->settle();
+        QCOMPARE(m_harness->item(u"simulatorHint"_qs)->property("text").toString(), u"插件没有应答"_qs);
+        const QSignalSpy again(&m_harness->dashboard(), &DashboardViewModel::simulatorReconnectRequest);
+        m_harness->click(m_harness->item(u"overviewReconnect"_qs));
+        QCOMPARE(again.size(), 1);
+        m_harness->fillFlight();
+        m_harness->settle();
+        QVERIFY(!m_harness->item(u"simulatorHint"_qs));
+    }
+
+private:
+    void loseNetwork()
+    {
+        m_harness->status().setNetwork(true, u"已连接"_qs);
+        m_harness->status().setNetwork(false, u"已断开（强制）"_qs);
+        m_harness->status().networkFailed(
+            u"被强制断开：You have been removed from the network by a supervisor: unattended connection"_qs);
+    }
+
+    void loseBoth()
+    {
+        m_harness->status().setSimulator(false, u"连接失败"_qs);
+        m_harness->status().simulatorFailed(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
+        loseNetwork();
+    }
+
+    std::unique_ptr<PageHarness> m_harness;
+};
+
+TARVO_TEST(StatusInSightTest)
+#include "StatusInSightTest.moc"

@@ -1,0 +1,161 @@
+#include "ui/viewmodel/ConnectionStatus.h"
+#include "support/TestRegistry.h"
+
+#include <QObject>
+#include <QTest>
+
+using namespace tarvo::ui;
+
+namespace {
+
+Link networkLink(bool connected, const QString &word, bool seen, bool wasUp = false)
+{
+    return {.section = u"server"_qs,
+            .name = u"网络"_qs,
+            .connected = connected,
+            .word = word,
+            .reason = u"为什么"_qs,
+            .seen = seen,
+            .wasUp = wasUp};
+}
+
+Link simulatorLink(bool connected, const QString &word, bool seen, bool wasUp = false)
+{
+    Link link = networkLink(connected, word, seen, wasUp);
+    link.section = u"simulator"_qs;
+    return link;
+}
+
+} // namespace
+
+/// The colours of the dots, the words for what went wrong, and what the banner says.
+class ConnectionStatusTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void tones_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("tone");
+        QTest::newRow("connected") << true << u"已连接"_qs << u"good"_qs;
+        QTest::newRow("not there") << false << u"未连接"_qs << u"quiet"_qs;
+        QTest::newRow("connecting") << false << u"连接中..."_qs << u"pending"_qs;
+        QTest::newRow("disconnecting") << true << u"断开中..."_qs << u"pending"_qs;
+        QTest::newRow("ended") << false << u"已断开"_qs << u"quiet"_qs;
+        QTest::newRow("forced out") << false << u"已断开（强制）"_qs << u"failed"_qs;
+        QTest::newRow("simulator failed") << false << u"连接失败"_qs << u"failed"_qs;
+        QTest::newRow("voice is ready") << true << u"就绪"_qs << u"good"_qs;
+    }
+    void tones()
+    {
+        QFETCH(bool, connected);
+        QFETCH(QString, text);
+        QTEST(toneText(toneOf(connected, text)), "tone");
+    }
+
+    void reasons_data()
+    {
+        QTest::addColumn<QString>("told");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("the server's words stay")
+            << u"Network Error: Callsign in use"_qs << u"服务器报告：Callsign in use"_qs;
+        QTest::newRow("refused") << u"ConnectionRefusedError: Connection refused"_qs << u"服务器拒绝了连接。"_qs;
+        QTest::newRow("closed") << u"RemoteHostClosedError: The remote host closed the connection"_qs
+                                << u"服务器关闭了连接。"_qs;
+        QTest::newRow("no such name") << u"HostNotFoundError: Host not found"_qs << u"找不到服务器的地址。"_qs;
+        QTest::newRow("no answer") << u"SocketTimeoutError: timed out"_qs << u"服务器没有应答。"_qs;
+        QTest::newRow("no network") << u"NetworkError: unreachable"_qs << u"网络不通，请检查本机的网络连接。"_qs;
+        QTest::newRow("token") << u"Network authentication error: 403"_qs << u"网络认证失败：403"_qs;
+        QTest::newRow("killed") << u"Forcibly disconnected from network: bye %1"_qs << u"被强制断开：bye %1"_qs;
+        QTest::newRow("killed without a word") << u"Forcibly disconnected from network."_qs << u"被强制断开。"_qs;
+        QTest::newRow("busy") << u"Already connected or connecting to network. Disconnect before changing callsign."_qs
+                              << u"已连接或正在连接网络，请先断开再更换呼号。"_qs;
+        QTest::newRow("no callsign") << u"Callsign and Type Code are required."_qs << u"需要填写呼号和机型代码。"_qs;
+        QTest::newRow("Chinese already") << u"飞行员模式连接 FSD 前"_qs << u"飞行员模式连接 FSD 前"_qs;
+        QTest::newRow("something else") << u"what Network Error: is"_qs << u"what Network Error: is"_qs;
+        QTest::newRow("nothing") << QString() << QString();
+    }
+    void reasons()
+    {
+        QFETCH(QString, told);
+        QTEST(shownReason(told), "shown");
+    }
+
+    void anErrorExplainsAnEndThatFollowsSoon_data()
+    {
+        QTest::addColumn<qint64>("now");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("at once") << 1000LL << u"服务器报告：bye"_qs;
+        QTest::newRow("10 s later") << 11'000LL << u"服务器报告：bye"_qs;
+        QTest::newRow("later still") << 11'001LL << u"与服务器的连接中断。"_qs;
+    }
+    void anErrorExplainsAnEndThatFollowsSoon()
+    {
+        QFETCH(qint64, now);
+        QTEST(reasonOfEnd(u"Network Error: bye"_qs, 1000, now), "reason");
+        QCOMPARE(reasonOfEnd({}, 1000, now), u"与服务器的连接中断。"_qs);
+    }
+
+    void lines_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<bool>("seen");
+        QTest::addColumn<QString>("tone");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("ended unseen") << false << u"已断开"_qs << false << u"failed"_qs << u"为什么"_qs;
+        QTest::newRow("ended and seen") << false << u"已断开"_qs << true << u"quiet"_qs << QString();
+        QTest::newRow("forced out, unseen") << false << u"已断开（强制）"_qs << false << u"failed"_qs << u"为什么"_qs;
+        QTest::newRow("forced out, seen") << false << u"已断开（强制）"_qs << true << u"quiet"_qs << QString();
+        QTest::newRow("again") << false << u"连接中..."_qs << false << u"pending"_qs << QString();
+        QTest::newRow("there again") << true << u"已连接"_qs << false << u"good"_qs << QString();
+    }
+    void lines()
+    {
+        QFETCH(bool, connected);
+        QFETCH(QString, word);
+        QFETCH(bool, seen);
+        const StatusLine line = lineOf(networkLink(connected, word, seen));
+        QCOMPARE(line.word, word);
+        QTEST(toneText(line.tone), "tone");
+        QTEST(line.reason, "reason");
+    }
+
+    void banners_data()
+    {
+        QTest::addColumn<Link>("network");
+        QTest::addColumn<Link>("simulator");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("banner");
+        const Link up = networkLink(true, u"已连接"_qs, true, true);
+        const Link lost = networkLink(false, u"已断开"_qs, false, true);
+        const Link failed = networkLink(false, u"未连接"_qs, false, false);
+        const Link simulatorThere = simulatorLink(true, u"已连接"_qs, true, true);
+        const Link simulatorLost = simulatorLink(false, u"未连接"_qs, false, true);
+        const Link simulatorAbsent = simulatorLink(false, u"连接失败"_qs, false, false);
+        QTest::newRow("all is well") << up << simulatorThere << u"dashboard"_qs << u"|"_qs;
+        QTest::newRow("lost") << lost << simulatorThere << u"dashboard"_qs << u"网络已断开：为什么|重新连接"_qs;
+        QTest::newRow("lost, on its page")
+            << lost << simulatorThere << u"server"_qs << u"网络已断开：为什么|重新连接"_qs;
+        QTest::newRow("attempt failed") << failed << simulatorThere << u"messages"_qs
+                                        << u"网络连接失败：为什么|查看"_qs;
+        QTest::newRow("attempt failed, on the page that tells") << failed << simulatorThere << u"server"_qs << u"|"_qs;
+        QTest::newRow("simulator lost") << up << simulatorLost << u"messages"_qs << u"模拟器已断开：为什么|重新连接"_qs;
+        QTest::newRow("the network goes first")
+            << lost << simulatorLost << u"messages"_qs << u"网络已断开：为什么|重新连接"_qs;
+        QTest::newRow("a simulator that never was") << up << simulatorAbsent << u"dashboard"_qs << u"|"_qs;
+    }
+    void banners()
+    {
+        QFETCH(Link, network);
+        QFETCH(Link, simulator);
+        QFETCH(QString, section);
+        const Banner banner = bannerOf(network, simulator, section);
+        QTEST(banner.text + u'|' + banner.actionText, "banner");
+    }
+};
+
+TARVO_TEST(ConnectionStatusTest)
+#include "ConnectionStatusTest.moc"
