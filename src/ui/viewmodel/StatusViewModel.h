@@ -37,7 +37,7 @@ public:
     void forgetNetwork();
     void forgetSimulator();
 
-    /// Opening or leaving the page that tells of a failure is to know of it.
+    /// The page that is open. To open or leave the one that tells of a failure is to know of it.
     Q_INVOKABLE void setCurrentSection(const QString &section);
     Q_INVOKABLE void dismissBanner();
     /// What the banner's button says.

@@ -29,7 +29,7 @@ Rectangle {
         spacing: Style.spacingTiny
 
         RowLayout {
-            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingLarge
+            Layout.bottomMargin: Style.spacingLarge
             Layout.leftMargin: Style.spacingSmall
             spacing: Style.spacingMedium
 
@@ -68,7 +68,7 @@ Rectangle {
         }
 
         GroupTitle {
-            Layout.topMargin: sidebar.compact ? Style.spacingTiny : Style.spacingMedium
+            Layout.topMargin: Style.spacingMedium
             text: qsTr("其他")
         }
 
@@ -83,15 +83,15 @@ Rectangle {
 
         StatusBlock {
             Layout.fillWidth: true
-            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingMedium
-            reasonLines: sidebar.compact ? 1 : 2
+            Layout.bottomMargin: sidebar.compact ? Style.spacingTiny : Style.spacingMedium
+            compact: sidebar.compact
             status: sidebar.status
             onSectionRequested: key => sidebar.sectionRequested(key)
         }
 
         Rectangle {
             Layout.fillWidth: true
-            Layout.bottomMargin: sidebar.compact ? Style.spacingSmall : Style.spacingMedium
+            Layout.bottomMargin: sidebar.compact ? Style.spacingTiny : Style.spacingMedium
             implicitHeight: 1
             color: Style.divider
         }
@@ -101,9 +101,9 @@ Rectangle {
             spacing: Style.spacingMedium
 
             Rectangle {
-                implicitWidth: 38
-                implicitHeight: 38
-                radius: 19
+                implicitWidth: sidebar.compact ? 34 : 38
+                implicitHeight: width
+                radius: width / 2
                 color: Style.primary
 
                 AppText {

@@ -9,8 +9,8 @@ Rectangle {
 
     required property StatusBackend status
 
-    /// The banner and the pages have the whole reason.
-    property int reasonLines: 2
+    /// Takes little height. The banner and the pages have the whole reason.
+    property bool compact: false
 
     signal sectionRequested(string key)
 
@@ -41,7 +41,7 @@ Rectangle {
 
                 objectName: "status-" + section
                 Layout.fillWidth: true
-                padding: 6
+                padding: block.compact ? 4 : 6 // qmllint disable unqualified
                 leftPadding: 10
                 rightPadding: 10
                 text: qsTr("%1：%2").arg(name).arg(word)
@@ -87,7 +87,7 @@ Rectangle {
                         color: Style.textError
                         font.pixelSize: 11
                         wrapMode: Text.Wrap
-                        maximumLineCount: block.reasonLines // qmllint disable unqualified
+                        maximumLineCount: block.compact ? 1 : 2 // qmllint disable unqualified
                         elide: Text.ElideRight
                     }
                 }
