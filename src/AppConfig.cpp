@@ -66,7 +66,8 @@ AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
     : QObject(parent),
       m_dataRoot(dataRoot),
       m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini"))),
-      m_copy(m_configPath)
+      m_copy(m_configPath),
+      m_state(dataRoot)
 {
     m_settings = std::make_unique<QSettings>(m_configPath, ini::format());
     const bool readWell = !bringBackWhatIsLost();

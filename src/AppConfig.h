@@ -2,6 +2,7 @@
 
 #include "ConfigCopy.h"
 #include "ConfigKey.h"
+#include "StateFile.h"
 
 #include <QMap>
 #include <QObject>
@@ -57,6 +58,9 @@ public:
     /// were lost then and came back, which the pilot is told.
     QString startupWarning() const { return m_startupWarning; }
 
+    /// What the program remembers by itself, in a file of its own beside these settings.
+    StateFile &state() { return m_state; }
+
     /// "logs" in the data root.
     QString logsFolder() const;
     /// The folder that holds "config.ini".
@@ -86,6 +90,7 @@ private:
     QString m_dataRoot;
     QString m_configPath;
     ConfigCopy m_copy;
+    StateFile m_state;
     QString m_startupWarning;
     QMap<QString, QVariant> m_volatile;
     /// The last plain text of each encrypted key: deriving the cipher's key is slow on purpose.

@@ -13,6 +13,7 @@
 #include "simulator/xplane/XPlaneAdapter.h"
 #include "ui/MainWindow.h"
 #include "ui/ThemeManager.h"
+#include "ui/WindowPlace.h"
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/SoundThread.h"
 
@@ -96,6 +97,7 @@ void Application::openMainWindow()
     m_mainWindow->resize(m_loginWindow.size());
     m_mainWindow->move(m_loginPosition);
     m_mainWindow->setMinimumSize(m_loginWindow.minimumSize());
+    ui::restorePlace(*m_mainWindow, m_config.state());
     m_mainWindow->show();
 }
 

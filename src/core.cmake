@@ -11,6 +11,7 @@ tarvo_module(core
         MsfsFolders.cpp MsfsFolders.h
         QAESEncryption.cpp QAESEncryption.h
         ServiceEndpoints.cpp ServiceEndpoints.h
+        StateFile.cpp StateFile.h
     USES Qt6::Core tarvo::common)
 
 # The build's addresses and its secret reach this one file, so that a change of them recompiles nothing else.

@@ -13,6 +13,7 @@
 #include "ui/StatusFeed.h"
 #include "ui/VoiceFeed.h"
 #include "ui/WindowBackdrop.h"
+#include "ui/WindowPlace.h"
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/SoundThread.h"
 
@@ -77,6 +78,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     followScreen();
     createView();
     connectRequests();
+    m_sounds.setOn(config.state().get(state::soundsOn));
     if (m_network)
         connectSession();
 }
@@ -209,8 +211,10 @@ void MainWindow::showEvent(QShowEvent *event)
 void MainWindow::hideEvent(QHideEvent *event)
 {
     QMainWindow::hideEvent(event);
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         m_voice.setMiniMode(false); // it would keep a program running whose main window is closed
+        rememberPlace(*this, m_config.state());
+    }
     tellWhetherSeen();
 }
 

@@ -107,6 +107,8 @@ SoundPlayer::~SoundPlayer()
 
 void SoundPlayer::play(const QUrl &url, float volume)
 {
+    if (!m_on)
+        return;
     if (!m_wishes)
         m_wishes = std::make_shared<Wishes>(m_makeOutput);
     m_source = url;

@@ -26,6 +26,10 @@ public:
     /// waiting, only the newest is kept. `volume`: 0.0 to 1.0.
     void play(const QUrl &url, float volume);
 
+    /// While it is off nothing is played. It begins on.
+    void setOn(bool on) { m_on = on; }
+    bool isOn() const { return m_on; }
+
     /// What was asked for last.
     QUrl source() const { return m_source; }
     float volume() const { return m_volume; }
@@ -41,6 +45,7 @@ private:
     std::shared_ptr<Wishes> m_wishes; ///< shared with the sounds' thread; null before the first
     QUrl m_source;
     float m_volume = 1.0F;
+    bool m_on = true;
 };
 
 } // namespace tarvo::ui

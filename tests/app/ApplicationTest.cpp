@@ -116,6 +116,23 @@ private slots:
         QCOMPARE(program.main().minimumSize(), QSize(1000, 700));
     }
 
+    void theMainWindowComesBackWhereItWasLeft()
+    {
+        Program program;
+        program.application.loginWindow().setGeometry(20, 10, 1010, 710);
+        const QPoint position = program.application.loginWindow().pos();
+        program.signIn();
+        program.main().move(-5000, 30);
+        program.main().resize(1020, 730);
+        program.signOut();
+        program.signIn();
+        const QRect screen = program.main().screen()->availableGeometry();
+        QCOMPARE(program.main().pos(), QPoint(screen.left(), 30));
+        QCOMPARE(program.main().size(), QSize(1020, 730).boundedTo(screen.size()).expandedTo(QSize(1000, 700)));
+        program.signOut();
+        QCOMPARE(program.application.loginWindow().pos(), position);
+    }
+
     void theAccountIsAskedOnceForEachSession()
     {
         Program program;

@@ -156,6 +156,18 @@ private slots:
                                                   u"manager.mp3 0.75"_qs, u"disconnect.mp3 0.55"_qs}));
     }
 
+    void switchedOffItIsSilent()
+    {
+        const auto system = std::make_shared<SoundSystem>();
+        SoundPlayer player(system->factory());
+        player.setOn(false);
+        player.play(messageSound, 0.75F);
+        QVERIFY(player.source().isEmpty());
+        player.setOn(true);
+        player.play(connectSound, 0.55F);
+        TRY_COMPARE(system->steps(), (QStringList{u"made"_qs, u"connect.mp3 0.55"_qs}));
+    }
+
     void allPlayersShareOneThread()
     {
         const auto system = std::make_shared<SoundSystem>();

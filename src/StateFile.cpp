@@ -1,0 +1,45 @@
+#include "StateFile.h"
+
+#include "IniFormat.h"
+
+#include <QDir>
+
+namespace tarvo {
+
+StateFile::StateFile(const QString &dataRoot)
+    : m_settings(std::make_unique<QSettings>(QDir(dataRoot).filePath(QStringLiteral("state.ini")), ini::format()))
+{
+}
+
+QString StateFile::get(const StringKey &key) const
+{
+    return m_settings->value(QString::fromUtf8(key.key), QString::fromUtf8(key.defaultValue)).toString();
+}
+
+bool StateFile::get(const BoolKey &key) const
+{
+    const QString text = m_settings->value(QString::fromUtf8(key.key)).toString();
+    if (text == QLatin1String("true") || text == QLatin1String("false"))
+        return text == QLatin1String("true");
+    return key.defaultValue;
+}
+
+void StateFile::set(const StringKey &key, const QString &value)
+{
+    if (get(key) != value)
+        store(key.key, value);
+}
+
+void StateFile::set(const BoolKey &key, bool value)
+{
+    if (get(key) != value)
+        store(key.key, value ? QStringLiteral("true") : QStringLiteral("false"));
+}
+
+void StateFile::store(const char *key, const QString &value)
+{
+    m_settings->setValue(QString::fromUtf8(key), value);
+    m_settings->sync();
+}
+
+} // namespace tarvo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QList>
+#include <QRect>
+#include <QString>
+
+#include <optional>
+
+class QWidget;
+
+namespace tarvo {
+class StateFile;
+}
+
+namespace tarvo::ui {
+
+/// "x,y,width,height" and back: the corner of the frame and the size within it. Nothing for any other text, or without
+/// a size.
+QString placeText(const QRect &place);
+std::optional<QRect> placeFromText(const QString &text);
+
+/// `place` as it can be seen and grasped: on the screen of which it covers most, or the first one when it is on none,
+/// no larger than that screen and all of it inside. `screens` are the areas that windows may use; without any, `place`.
+QRect clampedToScreens(const QRect &place, const QList<QRect> &screens);
+
+/// Notes where `window` stands; for a maximised or minimised one, where it would stand otherwise.
+void rememberPlace(const QWidget &window, StateFile &state);
+/// Puts `window`, which is not shown yet, where it was remembered. Leaves it alone when nothing was.
+void restorePlace(QWidget &window, const StateFile &state);
+
+} // namespace tarvo::ui
