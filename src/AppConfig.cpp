@@ -1,11 +1,11 @@
 #include "AppConfig.h"
 
 #include "ConfigCipher.h"
+#include "DataFolders.h"
 #include "IniFormat.h"
 #include "MsfsFolders.h"
 #include "ServiceEndpoints.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -58,17 +58,24 @@ void keepToTheUser(const QString &path)
 
 AppConfig &AppConfig::instance()
 {
-    static AppConfig config(QCoreApplication::applicationDirPath());
+    static AppConfig config(dataFolders());
     return config;
 }
 
 AppConfig::AppConfig(const QString &dataRoot, QObject *parent)
-    : QObject(parent),
-      m_dataRoot(dataRoot),
-      m_configPath(QDir(dataRoot).filePath(QStringLiteral("config.ini"))),
-      m_copy(m_configPath),
-      m_state(dataRoot)
+    : AppConfig(DataFolders{.root = dataRoot, .readOnly = {}}, parent)
 {
+}
+
+AppConfig::AppConfig(const DataFolders &folders, QObject *parent)
+    : QObject(parent),
+      m_dataRoot(folders.root),
+      m_readFolders(QStringList{folders.root} + folders.readOnly),
+      m_configPath(QDir(folders.root).filePath(QStringLiteral("config.ini"))),
+      m_copy(m_configPath),
+      m_state(folders.root)
+{
+    m_readFolders.removeDuplicates();
     m_settings = std::make_unique<QSettings>(m_configPath, ini::format());
     const bool readWell = !bringBackWhatIsLost();
     writeMissingDefaults();

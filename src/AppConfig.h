@@ -16,6 +16,8 @@ class QSettings;
 
 namespace tarvo {
 
+struct DataFolders;
+
 /// The one place for settings: "config.ini" in the data root. Main thread only.
 ///
 /// Reading never fails: a malformed value converts to the type's zero. Every write is synced to the file at once and
@@ -26,11 +28,12 @@ class AppConfig : public QObject
     Q_OBJECT
 
 public:
-    /// The program's own settings, beside the executable. Built at first use, after the application object.
+    /// The program's own settings, in its data root. Built at first use, after the application object.
     static AppConfig &instance();
 
     /// Settings in another folder, for tests. Writes missing defaults and detects the MSFS folders.
     explicit AppConfig(const QString &dataRoot, QObject *parent = nullptr);
+    explicit AppConfig(const DataFolders &folders, QObject *parent = nullptr);
     ~AppConfig() override;
 
     QString get(const StringKey &key) const;
@@ -65,6 +68,8 @@ public:
     QString logsFolder() const;
     /// The folder that holds "config.ini".
     QString dataRoot() const { return m_dataRoot; }
+    /// Where to look for data that came with the program: the data root first, each folder once.
+    QStringList readFolders() const { return m_readFolders; }
 
 signals:
     /// Raised after every set and reset, for volatile keys too. `key` is the key's text.
@@ -88,6 +93,7 @@ private:
 
     std::unique_ptr<QSettings> m_settings;
     QString m_dataRoot;
+    QStringList m_readFolders;
     QString m_configPath;
     ConfigCopy m_copy;
     StateFile m_state;

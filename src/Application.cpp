@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "AppConfig.h"
+#include "DataFolders.h"
 #include "Logging.h"
 #include "common/Clock.h"
 #include "manager/AircraftManager.h"
@@ -37,6 +38,9 @@ void Application::setUp()
     logging::installHandler();
     const QString name = QStringLiteral("%1.log").arg(logging::fileTimeStamp(common::systemClock().wallMs()));
     logging::openLogFile(QDir(AppConfig::instance().logsFolder()).filePath(name));
+    const DataFolders &folders = dataFolders();
+    qInfo().noquote() << "Version" << QLatin1String(TARVO_VERSION) << "with its data in"
+                      << QDir::toNativeSeparators(folders.root) << "-" << folders.reason;
     if (const QString warning = AppConfig::instance().startupWarning(); !warning.isEmpty())
         qWarning().noquote() << warning;
 }

@@ -4,6 +4,7 @@ tarvo_module(core
         ConfigCipher.cpp ConfigCipher.h
         ConfigCopy.cpp ConfigCopy.h
         ConfigKey.h
+        DataFolders.cpp DataFolders.h
         IniFormat.cpp IniFormat.h
         IniParser.cpp
         IniPrinter.cpp

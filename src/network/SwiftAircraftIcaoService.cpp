@@ -213,27 +213,38 @@ void SwiftAircraftIcaoService::migrateLegacyJson()
         qWarning().noquote() << "Failed to remove migrated swift aircraft ICAO JSON cache:" << file.fileName();
 }
 
+/// The first that is there; empty without any.
+QString SwiftAircraftIcaoService::doc8643Path() const
+{
+    const QStringList folders = m_config.readFolders();
+    for (const QString &folder : folders) {
+        for (const char *name : doc8643Paths) {
+            const QString path = QDir::cleanPath(QDir(folder).filePath(QLatin1String(name)));
+            if (QFile::exists(path))
+                return path;
+        }
+    }
+    return {};
+}
+
 void SwiftAircraftIcaoService::importDoc8643()
 {
-    for (const char *path : doc8643Paths) {
-        QFile file(underDataRoot(QLatin1String(path)));
-        if (!file.exists())
-            continue;
-        if (!file.open(QIODevice::ReadOnly)) {
-            qWarning().noquote() << "Failed to open Doc8643 fallback aircraft ICAO data:" << file.fileName();
-            return;
-        }
-        switchToWritable(); // tells itself why it fails; the import then finds no database
-        const QString time = importTime();
-        if (importRows({.rows = parseDoc8643(file),
-                        .label = QStringLiteral("Doc8643 %1").arg(time.left(10)),
-                        .sourceUrl = QStringLiteral("xpmp2-doc8643-fallback"),
-                        .sourceLicense = QStringLiteral("bundled-with-xpmp2"),
-                        .importedAtUtc = time}))
-            qInfo().noquote() << "Imported Doc8643 fallback aircraft ICAO data into SQLite database:"
-                              << m_database.path() << "designators:" << m_snapshot.designatorCount();
+    QFile file(doc8643Path());
+    if (file.fileName().isEmpty())
+        return;
+    if (!file.open(QIODevice::ReadOnly)) {
+        qWarning().noquote() << "Failed to open Doc8643 fallback aircraft ICAO data:" << file.fileName();
         return;
     }
+    switchToWritable(); // tells itself why it fails; the import then finds no database
+    const QString time = importTime();
+    if (importRows({.rows = parseDoc8643(file),
+                    .label = QStringLiteral("Doc8643 %1").arg(time.left(10)),
+                    .sourceUrl = QStringLiteral("xpmp2-doc8643-fallback"),
+                    .sourceLicense = QStringLiteral("bundled-with-xpmp2"),
+                    .importedAtUtc = time}))
+        qInfo().noquote() << "Imported Doc8643 fallback aircraft ICAO data into SQLite database:" << m_database.path()
+                          << "designators:" << m_snapshot.designatorCount();
 }
 
 bool SwiftAircraftIcaoService::importRows(const IcaoImport &import)

@@ -68,6 +68,7 @@ private:
     bool migrateDatabase(const QString &label, const QString &source);
     bool copyDatabase(const QString &label, const QString &source);
     void migrateLegacyJson();
+    QString doc8643Path() const;
     void importDoc8643();
     bool importRows(const IcaoImport &import);
     void runPending();

@@ -1,4 +1,5 @@
 #include "AppConfig.h"
+#include "DataFolders.h"
 #include "network/IcaoFiles.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/LogCapture.h"
@@ -423,6 +424,29 @@ private slots:
         QVERIFY(writeFile(QDir::cleanPath(root + QLatin1Char('/') + path), tableLine));
         load();
         QVERIFY(knows("B738") && knows("DC3"));
+    }
+
+    void theTableIsFoundWhereItWasInstalled_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("beside the program") << QStringLiteral("bin/resources/Doc8643.txt");
+        QTest::newRow("with the installed data") << QStringLiteral("share/TarvoClient/resources/Doc8643.txt");
+    }
+
+    void theTableIsFoundWhereItWasInstalled()
+    {
+        QFETCH(const QString, path);
+        const QTemporaryDir outer;
+        const DataFolders folders{
+            .root = outer.filePath(QStringLiteral("own")),
+            .readOnly = {outer.filePath(QStringLiteral("bin")), outer.filePath(QStringLiteral("share/TarvoClient"))}};
+        m_service.reset();
+        m_config = std::make_unique<AppConfig>(folders);
+        m_service = std::make_unique<SwiftAircraftIcaoService>(*m_config, nullptr, m_clock);
+        QVERIFY(writeFile(outer.filePath(path), tableLine));
+        load();
+        QVERIFY(knows("B738"));
+        QVERIFY(QFile::exists(outer.filePath(QStringLiteral("own/") + m_relative))); // what it learns stays in the root
     }
 
     void theImportIsToldAndStored()

@@ -5,6 +5,7 @@
 #include "network/ApiService.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QRegularExpression>
 
 #include <limits>
@@ -194,6 +195,11 @@ bool SettingsViewModel::isEdited() const
 int SettingsViewModel::msfsLibraryReloadToken() const
 {
     return m_config.get(config::msfsLibraryReloadToken);
+}
+
+QString SettingsViewModel::dataFolder() const
+{
+    return QDir::toNativeSeparators(m_config.dataRoot());
 }
 
 QString SettingsViewModel::appVersion() const

@@ -69,6 +69,7 @@ class SettingsViewModel : public QObject, private SettingsValues
     Q_PROPERTY(QString networkAddress READ networkAddress CONSTANT)
     Q_PROPERTY(QString voiceAddress READ voiceAddress CONSTANT)
     Q_PROPERTY(QString appVersion READ appVersion CONSTANT)
+    Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
     Q_PROPERTY(QString saveStatus READ saveStatus NOTIFY saveStatusChanged)
     /// What is wrong with a field, by the name of its property; no entry for a good one.
     Q_PROPERTY(QVariantMap hints READ hints NOTIFY hintsChanged)
@@ -89,6 +90,8 @@ public:
     QString networkAddress() const { return m_networkAddress; }
     QString voiceAddress() const { return m_voiceAddress; }
     QString appVersion() const;
+    /// Where settings and logs are, as the system writes it.
+    QString dataFolder() const;
     QString saveStatus() const { return m_saveStatus; }
     QVariantMap hints() const;
 

@@ -300,6 +300,7 @@ private slots:
         SettingsStage stage;
         QCoreApplication::setApplicationVersion(u"1.2.3"_qs);
         QCOMPARE(stage.get("appVersion"), u"1.2.3"_qs);
+        QCOMPARE(stage.get("dataFolder"), QDir::toNativeSeparators(stage.config.dataRoot()));
         QCOMPARE(stage.get("apiBaseUrl"), u"https://example.org/api"_qs);
         QCOMPARE(stage.get("networkAddress"), u"fsd.example.org:6809"_qs);
         QCOMPARE(stage.get("voiceAddress"), u"voice.example.org:6808"_qs);

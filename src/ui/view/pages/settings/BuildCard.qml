@@ -24,6 +24,11 @@ Card {
         }
 
         Figure {
+            label: qsTr("数据文件夹")
+            value: card.settings ? card.settings.dataFolder : "--"
+        }
+
+        Figure {
             label: qsTr("账户服务")
             value: card.settings ? card.settings.apiBaseUrl : "--"
         }

@@ -1,0 +1,71 @@
+#include "DataFolders.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryFile>
+
+namespace tarvo {
+
+namespace {
+
+QString settingsIn(const QString &folder)
+{
+    return QDir(folder).filePath(QStringLiteral("config.ini"));
+}
+
+/// Tried, not asked for: neither rights nor access lists tell of a folder on Windows or of a medium that is locked.
+bool isWritable(const QString &folder)
+{
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".tarvo-XXXXXX")));
+    return probe.open();
+}
+
+QString reasonFor(RootChoice choice, const RootFacts &facts)
+{
+    if (choice == RootChoice::Beside)
+        return facts.ownHasSettings ? QStringLiteral("beside the program, which has settings; those in the user's own "
+                                                     "folder are not used")
+                                    : QStringLiteral("beside the program");
+    if (choice == RootChoice::OwnTakingSettings)
+        return QStringLiteral("the user's own, with the settings from beside the program, which can't be written");
+    return facts.besideIsWritable ? QStringLiteral("the user's own, which has settings")
+                                  : QStringLiteral("the user's own: beside the program nothing can be written");
+}
+
+} // namespace
+
+RootChoice chooseRoot(const RootFacts &facts)
+{
+    if (facts.besideIsWritable && (facts.besideHasSettings || !facts.ownHasSettings))
+        return RootChoice::Beside;
+    return facts.besideHasSettings && !facts.ownHasSettings ? RootChoice::OwnTakingSettings : RootChoice::Own;
+}
+
+DataFolders findDataFolders(const QString &programFolder, const QString &ownFolder)
+{
+    const RootFacts facts{.besideIsWritable = isWritable(programFolder),
+                          .besideHasSettings = QFileInfo::exists(settingsIn(programFolder)),
+                          .ownHasSettings = QFileInfo::exists(settingsIn(ownFolder))};
+    const RootChoice choice = chooseRoot(facts);
+    if (choice != RootChoice::Beside)
+        QDir().mkpath(ownFolder);
+    if (choice == RootChoice::OwnTakingSettings && QFile::copy(settingsIn(programFolder), settingsIn(ownFolder)))
+        QFile::setPermissions(settingsIn(ownFolder), QFile::ReadOwner | QFile::WriteOwner); // not those of the source
+    return {.root = choice == RootChoice::Beside ? programFolder : ownFolder,
+            .readOnly = {programFolder,
+                         QDir::cleanPath(QDir(programFolder).filePath(QStringLiteral("../share/TarvoClient")))},
+            .reason = reasonFor(choice, facts)};
+}
+
+const DataFolders &dataFolders()
+{
+    // The organisation stays unset, so that the folder has the program's name alone.
+    static const DataFolders folders = findDataFolders(
+        QCoreApplication::applicationDirPath(), QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    return folders;
+}
+
+} // namespace tarvo
