@@ -68,6 +68,15 @@ int Application::run()
     return QApplication::exec();
 }
 
+void Application::comeForward()
+{
+    QWidget *window = m_mainWindow ? static_cast<QWidget *>(m_mainWindow.get()) : &m_loginWindow;
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
 void Application::leave(int code, const network::ApiService &api)
 {
     if (api.isWaiting())

@@ -53,6 +53,9 @@ public:
     /// Shows the login window and runs the event loop. Returns its exit code.
     int run();
 
+    /// Brings the window that is shown in front of others.
+    void comeForward();
+
     /// To be called when all but the QApplication is gone. Ends the process where Qt's own end would wait: for the
     /// account service's name, 10 s at a name server that is silent. Returns otherwise.
     static void leave(int code, const network::ApiService &api);

@@ -1,5 +1,14 @@
 # The program. Application is a library of its own, so that tests can compose login sessions.
-add_library(tarvo_app STATIC Application.cpp Application.h)
+if(WIN32)
+    set(instanceRights app/InstanceRights_win.cpp)
+else()
+    set(instanceRights app/InstanceRights_posix.cpp)
+endif()
+add_library(tarvo_app STATIC
+    Application.cpp Application.h
+    app/InstanceRights.h ${instanceRights}
+    app/OtherInstance.cpp app/OtherInstance.h
+    app/SingleInstance.cpp app/SingleInstance.h)
 add_library(tarvo::app ALIAS tarvo_app)
 # The number reaches this one file, so that a change of it recompiles nothing else.
 set_source_files_properties(Application.cpp PROPERTIES COMPILE_DEFINITIONS "TARVO_VERSION=\"${PROJECT_VERSION}\"")

@@ -1,5 +1,7 @@
 #include "AppConfig.h"
 #include "Application.h"
+#include "DataFolders.h"
+#include "app/OtherInstance.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 
@@ -10,11 +12,16 @@ int main(int argc, char **argv)
 {
     QQuickStyle::setStyle(QStringLiteral("Basic")); // only before the application object
     const QApplication qt(argc, argv);
+    tarvo::app::SingleInstance instance(tarvo::dataFolders().root);
+    if (const auto outcome = instance.start(); outcome != tarvo::app::SingleInstance::Outcome::First)
+        return tarvo::app::leaveToOther(outcome);
     tarvo::Application::setUp();
     int code = 0;
     {
         tarvo::Application application(tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),
                                        tarvo::network::SwiftAircraftIcaoService::instance());
+        QObject::connect(&instance, &tarvo::app::SingleInstance::wanted, &application.loginWindow(),
+                         [&application] { application.comeForward(); });
         code = application.run();
     }
     tarvo::Application::leave(code, tarvo::network::ApiService::instance());

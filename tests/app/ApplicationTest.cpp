@@ -133,6 +133,19 @@ private slots:
         QCOMPARE(program.application.loginWindow().pos(), position);
     }
 
+    void theWindowThatIsShownComesForward()
+    {
+        Program program;
+        program.application.loginWindow().showMinimized();
+        program.application.comeForward();
+        QVERIFY(!program.application.loginWindow().isMinimized());
+        program.signIn();
+        program.main().showMinimized();
+        program.application.comeForward();
+        QVERIFY(program.main().isVisible() && !program.main().isMinimized());
+        QVERIFY(!program.application.loginWindow().isVisible());
+    }
+
     void theAccountIsAskedOnceForEachSession()
     {
         Program program;
