@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "DataFolders.h"
+#include "LastWords.h"
 #include "Logging.h"
 #include "common/Clock.h"
 #include "manager/AircraftManager.h"
@@ -38,9 +39,11 @@ void Application::setUp()
     logging::installHandler();
     const QString name = QStringLiteral("%1.log").arg(logging::fileTimeStamp(common::systemClock().wallMs()));
     logging::openLogFile(QDir(AppConfig::instance().logsFolder()).filePath(name));
+    lastwords::install(AppConfig::instance().logsFolder(), QStringLiteral(TARVO_VERSION));
     const DataFolders &folders = dataFolders();
     qInfo().noquote() << "Version" << QLatin1String(TARVO_VERSION) << "with its data in"
                       << QDir::toNativeSeparators(folders.root) << "-" << folders.reason;
+    lastwords::tellOfEarlierCrashes(AppConfig::instance().logsFolder(), AppConfig::instance().state());
     if (const QString warning = AppConfig::instance().startupWarning(); !warning.isEmpty())
         qWarning().noquote() << warning;
 }

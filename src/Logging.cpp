@@ -1,5 +1,7 @@
 #include "Logging.h"
 
+#include "LastWords.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -67,6 +69,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
     const QString line = formatLine(QDateTime::currentDateTime(), type, context, message);
     LogState &log = state();
     const QMutexLocker lock(&log.mutex);
+    lastwords::note(line.toUtf8());
     if (!log.file.isOpen())
         return;
     QTextStream stream(&log.file);

@@ -15,6 +15,8 @@ namespace state {
 /// end.
 inline constexpr StringKey windowPlace{.key = "Window/Place"};
 inline constexpr BoolKey windowMaximized{"Window/Maximized", false};
+/// The name of the newest crash file that the log has named.
+inline constexpr StringKey lastCrashTold{.key = "Crash/LastTold"};
 /// Whether messages and connections are heard.
 inline constexpr BoolKey soundsOn{"Sounds/On", true};
 

@@ -18,6 +18,9 @@ target_link_libraries(tarvo_app PUBLIC tarvo::ui tarvo::manager tarvo::xplane ta
 add_executable(TarvoClient main.cpp)
 target_link_libraries(TarvoClient PRIVATE tarvo::app Qt6::QuickControls2)
 set_target_properties(TarvoClient PROPERTIES WIN32_EXECUTABLE ON)
+if(NOT WIN32)
+    set_target_properties(TarvoClient PROPERTIES ENABLE_EXPORTS ON) # the names in a crash file
+endif()
 if(WIN32)
     target_sources(TarvoClient PRIVATE ${PROJECT_SOURCE_DIR}/resources/TarvoClient.rc)
 endif()

@@ -1,13 +1,21 @@
+if(WIN32)
+    set(crashReport CrashReport_win.cpp)
+else()
+    set(crashReport CrashReport_posix.cpp)
+endif()
+
 tarvo_module(core
     SOURCES
         AppConfig.cpp AppConfig.h
         ConfigCipher.cpp ConfigCipher.h
         ConfigCopy.cpp ConfigCopy.h
         ConfigKey.h
+        CrashReport.cpp CrashReport.h ${crashReport}
         DataFolders.cpp DataFolders.h
         IniFormat.cpp IniFormat.h
         IniParser.cpp
         IniPrinter.cpp
+        LastWords.cpp LastWords.h
         Logging.cpp Logging.h
         MsfsFolders.cpp MsfsFolders.h
         QAESEncryption.cpp QAESEncryption.h

@@ -1,0 +1,99 @@
+#include "CrashReport.h"
+
+#include <execinfo.h>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <ctime>
+
+namespace tarvo::lastwords {
+
+namespace {
+
+struct Signal
+{
+    int number;
+    const char *name;
+};
+constexpr Signal signals[] = {
+    {.number = SIGSEGV, .name = "SIGSEGV"}, {.number = SIGBUS, .name = "SIGBUS"},
+    {.number = SIGFPE, .name = "SIGFPE"},   {.number = SIGILL, .name = "SIGILL"},
+    {.number = SIGABRT, .name = "SIGABRT"},
+};
+
+BoundedText crashFolder;
+int file = -1;
+/// A stack that has overflown can't take the handler. Threads other than the main one do without.
+std::array<char, 64 * 1024> spareStack;
+
+void write(const char *text, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(file, text, size);
+        if (written <= 0)
+            return;
+        text += written;
+        size -= static_cast<std::size_t>(written);
+    }
+}
+
+BoundedText thisThread()
+{
+    const auto thread = static_cast<std::uint64_t>(syscall(SYS_gettid));
+    BoundedText text;
+    text << thread << (thread == static_cast<std::uint64_t>(getpid()) ? " (main)" : "");
+    return text;
+}
+
+void report(int number, const siginfo_t *info)
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    BoundedText path = crashFolder;
+    path << "/" << fileName(now.tv_sec).data();
+    file = open(path.data(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0)
+        return;
+    BoundedText what;
+    what << "Signal: ";
+    for (const Signal &signal : signals)
+        what << (signal.number == number ? signal.name : "");
+    if (number != SIGABRT)
+        (what << ", address ").hex(reinterpret_cast<std::uintptr_t>(info->si_addr));
+    writeHead(write, what, thisThread());
+    std::array<void *, 64> calls{};
+    // These two take no memory once the library that they need is loaded.
+    backtrace_symbols_fd(calls.data(), backtrace(calls.data(), static_cast<int>(calls.size())), file);
+    close(file);
+}
+
+void onSignal(int number, siginfo_t *info, void *)
+{
+    if (isFirstReport()) {
+        alarm(5); // should the loader's lock be held by the crash itself, the process still ends
+        report(number, info);
+        alarm(0);
+    }
+    raise(number); // blocked until the handler returns, and no longer caught then
+}
+
+} // namespace
+
+void catchCrashes(const char *folder)
+{
+    crashFolder << folder;
+    std::array<void *, 1> call{};
+    backtrace(call.data(), 1); // loads what it needs
+    const stack_t stack{.ss_sp = spareStack.data(), .ss_flags = 0, .ss_size = spareStack.size()};
+    sigaltstack(&stack, nullptr);
+    struct sigaction action = {};
+    action.sa_sigaction = onSignal;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | static_cast<int>(SA_RESETHAND);
+    for (const Signal &signal : signals)
+        sigaction(signal.number, &action, nullptr);
+}
+
+} // namespace tarvo::lastwords

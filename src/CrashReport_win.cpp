@@ -1,0 +1,115 @@
+#include "CrashReport.h"
+
+#include <windows.h>
+
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+
+namespace tarvo::lastwords {
+
+namespace {
+
+std::array<wchar_t, 1024> crashFolder{};
+HANDLE file = INVALID_HANDLE_VALUE;
+LPTOP_LEVEL_EXCEPTION_FILTER filterOfTheRuntime = nullptr;
+
+void write(const char *text, std::size_t size)
+{
+    DWORD written = 0;
+    WriteFile(file, text, static_cast<DWORD>(size), &written, nullptr);
+}
+
+bool openFile()
+{
+    const BoundedText name = fileName(std::time(nullptr));
+    std::array<wchar_t, 1100> path{};
+    std::size_t size = 0;
+    for (const wchar_t *c = crashFolder.data(); *c != L'\0'; ++c)
+        path[size++] = *c;
+    path[size++] = L'\\';
+    for (const char *c = name.data(); *c != '\0'; ++c)
+        path[size++] = static_cast<wchar_t>(*c);
+    file = CreateFileW(path.data(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                       nullptr);
+    return file != INVALID_HANDLE_VALUE;
+}
+
+/// "program.exe(+0x1234) [0x7ff612341234]": there are no names to be had of what mingw builds.
+void writeCall(DWORD64 address)
+{
+    HMODULE module = nullptr;
+    std::array<char, 512> path{};
+    BoundedText line;
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<LPCSTR>(address), &module) &&
+        GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size() - 1)) > 0) {
+        const char *name = std::strrchr(path.data(), '\\');
+        line << (name ? name + 1 : path.data()) << "(+";
+        line.hex(address - reinterpret_cast<DWORD64>(module)) << ") ";
+    }
+    (line << "[").hex(address) << "]\n";
+    write(line.data(), line.size());
+}
+
+void writeCalls(CONTEXT context)
+{
+    constexpr int mostCalls = 64;
+    for (int i = 0; i < mostCalls && context.Rip != 0; ++i) {
+        writeCall(context.Rip);
+        DWORD64 base = 0;
+        PRUNTIME_FUNCTION function = RtlLookupFunctionEntry(context.Rip, &base, nullptr);
+        if (function == nullptr)
+            return; // a leaf, or not a function at all
+        void *data = nullptr;
+        DWORD64 frame = 0;
+        RtlVirtualUnwind(UNW_FLAG_NHANDLER, base, context.Rip, function, &context, &data, &frame, nullptr);
+    }
+}
+
+void report(const BoundedText &what, const CONTEXT &context)
+{
+    if (!isFirstReport() || !openFile())
+        return;
+    BoundedText thread;
+    thread << std::uint64_t{GetCurrentThreadId()};
+    writeHead(write, what, thread);
+    writeCalls(context);
+    CloseHandle(file);
+}
+
+LONG WINAPI onException(EXCEPTION_POINTERS *exception)
+{
+    constexpr DWORD thrownByGcc = 0x20474343;
+    const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    if (code == thrownByGcc && filterOfTheRuntime != nullptr)
+        return filterOfTheRuntime(exception); // goes on to std::terminate
+    BoundedText what;
+    (what << "Exception code: ").hex(code) << ", address ";
+    what.hex(reinterpret_cast<DWORD64>(exception->ExceptionRecord->ExceptionAddress));
+    report(what, *exception->ContextRecord);
+    return EXCEPTION_CONTINUE_SEARCH; // as it would have ended
+}
+
+void onAbort(int)
+{
+    CONTEXT context;
+    RtlCaptureContext(&context);
+    BoundedText what;
+    what << "Signal: SIGABRT";
+    report(what, context);
+}
+
+} // namespace
+
+void catchCrashes(const char *folder)
+{
+    MultiByteToWideChar(CP_UTF8, 0, folder, -1, crashFolder.data(), static_cast<int>(crashFolder.size()) - 64);
+    ULONG spareStack = 64 * 1024; // for a stack that has overflown
+    SetThreadStackGuarantee(&spareStack);
+    filterOfTheRuntime = SetUnhandledExceptionFilter(onException);
+    std::signal(SIGABRT, onAbort);
+}
+
+} // namespace tarvo::lastwords

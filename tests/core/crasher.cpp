@@ -1,0 +1,76 @@
+// Crashes as its second argument says, with its log and crash file in the folder that is its first.
+#include "LastWords.h"
+#include "Logging.h"
+
+#include <QByteArrayView>
+#include <QDebug>
+#include <QString>
+
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+
+#ifdef _WIN32
+#define EXPORTED extern "C" __declspec(dllexport) __attribute__((noinline))
+#else
+#define EXPORTED extern "C" __attribute__((noinline))
+#endif
+
+EXPORTED void writeIntoNothing()
+{
+    int *volatile nowhere = reinterpret_cast<int *>(16);
+    *nowhere = 1;
+}
+
+volatile bool hasBottom = false;
+
+EXPORTED int goDeeper(int depth)
+{
+    if (hasBottom)
+        return depth;
+    volatile char room[4096];
+    room[0] = static_cast<char>(depth);
+    return goDeeper(depth + 1) + room[0];
+}
+
+namespace {
+
+class OddError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+void crash(QByteArrayView how)
+{
+    if (how == "memory")
+        writeIntoNothing();
+    else if (how == "thread")
+        std::thread(writeIntoNothing).join();
+    else if (how == "stack")
+        goDeeper(0);
+    else if (how == "abort")
+        std::abort();
+    else if (how == "exception")
+        throw OddError("what foreign text said: geheim123");
+    else if (how == "fatal")
+        qFatal("nothing goes any more");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3)
+        return 2;
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    tarvo::logging::installHandler();
+    tarvo::logging::openLogFile(folder + QStringLiteral("/a.log"));
+    tarvo::lastwords::install(folder, QStringLiteral("9.8.7"));
+    for (int i = 1; i <= 60; ++i)
+        qInfo("line %d", i);
+    qInfo().noquote() << QString(399, u'x') + QStringLiteral("航空");
+    crash(argv[2]);
+    return 0;
+}
