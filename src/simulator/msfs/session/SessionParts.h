@@ -18,14 +18,17 @@ namespace tarvo::simulator::msfs {
 /// What a session is made of. Only its two .cpp files include this.
 struct SimConnectSession::Parts
 {
-    explicit Parts(std::shared_ptr<SimConnectBinding> binding) : link(std::move(binding)) {}
+    Parts(std::shared_ptr<SimConnectBinding> binding, QObject *owner)
+        : link(std::move(binding), owner), traffic(link, owner)
+    {
+    }
 
     static inline bool waypointIsDefined = false; ///< one for the whole program
 
     SimConnectLink link;
     DataGroups groups{link};
     UserTitle title{link};
-    TrafficSnapshot traffic{link};
+    TrafficSnapshot traffic;
     InputEvents inputEvents{link};
     ClientEvents clientEvents{link};
     RemoteObjects remoteObjects{link, waypointIsDefined};

@@ -21,7 +21,7 @@ constexpr quint32 ownObject = 0; ///< the pilot's aircraft
 SimConnectSession::SimConnectSession(QObject *parent) : SimConnectSession(SimConnectBinding::shared(), parent) {}
 
 SimConnectSession::SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent)
-    : QObject(parent), m_parts(std::make_unique<Parts>(std::move(binding))), m_dispatchTimer(this)
+    : QObject(parent), m_parts(std::make_unique<Parts>(std::move(binding), this)), m_dispatchTimer(this)
 {
     m_dispatchTimer.setObjectName(QStringLiteral("dispatch"));
     m_dispatchTimer.setInterval(dispatchIntervalMs);

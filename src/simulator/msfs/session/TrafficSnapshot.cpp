@@ -93,7 +93,7 @@ void TrafficSnapshot::start()
     if (!define())
         return;
     request();
-    if (m_link.isOpen()) // a failed request may have closed it
+    if (m_link.isOpen()) // who hears of a failed request may close it
         m_timer.start();
 }
 
@@ -145,6 +145,8 @@ bool TrafficSnapshot::define()
 
 void TrafficSnapshot::request()
 {
+    if (!m_link.isOpen())
+        return;
     const HRESULT result = m_link.call<&SimConnectFunctions::RequestDataOnSimObjectType>(
         requestId, definition, m_radius, SIMCONNECT_SIMOBJECT_TYPE_AIRCRAFT);
     if (result < 0)

@@ -1,0 +1,140 @@
+#include "SessionBench.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+using namespace tarvo::test;
+using namespace tarvo::simulator::msfs;
+
+/// The queue of messages.
+class SessionMessagesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void queueIsEmptiedInOneTick()
+    {
+        SessionBench bench;
+        bench.openAndRegister();
+        for (int i = 0; i < 500; ++i)
+            bench.standIn.queue(message::objectData({.request = 0}, message::float64(i)));
+        bench.pump();
+        QCOMPARE(bench.samples.size(), 500);
+        QCOMPARE(bench.standIn.queuedMessages(), 0);
+        QCOMPARE(bench.samples.last().at(1).toMap(), (QVariantMap{{line("latitude"), 499.0}}));
+    }
+
+    void timerEmptiesIt()
+    {
+        SessionBench bench;
+        bench.open();
+        bench.standIn.queue(message::event(0, 20000, 1));
+        QVERIFY(bench.samples.wait());
+    }
+
+    void noMessageEndsTheTick()
+    {
+        SessionBench bench;
+        bench.openAndRegister();
+        bench.standIn.queue({});
+        bench.standIn.queue(message::event(0, 20000, 1));
+        bench.pump();
+        QCOMPARE(bench.samples.size(), 0);
+        bench.pump();
+        QCOMPARE(bench.samples.size(), 1);
+    }
+
+    void failureEndsTheTickWithoutALine()
+    {
+        SessionBench bench;
+        bench.open();
+        const auto logged = bench.log.texts().size();
+        bench.standIn.queue(message::event(0, 20000, 1));
+        bench.standIn.failNext(line("GetNextDispatch"));
+        bench.pump();
+        QCOMPARE(bench.samples.size(), 0);
+        QCOMPARE(bench.errors.size(), 0);
+        QCOMPARE(bench.log.texts().size(), logged);
+        bench.pump();
+        QCOMPARE(bench.samples.size(), 1);
+    }
+
+    void quitCloses()
+    {
+        SessionBench bench;
+        bench.open();
+        const QSignalSpy disconnected(&bench.session, &SimConnectSession::disconnected);
+        bench.standIn.queue(message::quit());
+        bench.standIn.queue(message::event(0, 20000, 1));
+        bench.pump();
+        QCOMPARE(bench.log.texts().last(2), lines("MSFS quit detected\nSimConnect disconnected"));
+        QCOMPARE(disconnected.size(), 1);
+        QCOMPARE(bench.standIn.calls(), QStringList(line("Close")));
+        QCOMPARE(bench.samples.size(), 0);
+    }
+
+    void ownerMayOpenAgainWhenItQuits()
+    {
+        SessionBench bench;
+        bench.open();
+        connect(&bench.session, &SimConnectSession::disconnected, &bench.session, &SimConnectSession::open);
+        bench.send(message::quit());
+        QVERIFY(bench.session.isOpen());
+        QVERIFY(bench.timer("dispatch")->isActive());
+    }
+
+    void ownerMayEndItInTheMiddle()
+    {
+        const LogCapture log;
+        tarvo::practice::SimConnectStandIn standIn;
+        auto session = std::make_unique<SimConnectSession>(std::make_shared<SimConnectBinding>(standIn.library()));
+        session->open();
+        connect(session.get(), &SimConnectSession::dataReceived, this, [&session] { session.reset(); });
+        standIn.queue(message::event(0, 20000, 1));
+        standIn.queue(message::event(0, 20000, 0));
+        QMetaObject::invokeMethod(session->findChild<QTimer *>(line("dispatch")), "timeout", Qt::DirectConnection);
+        QVERIFY(!session);
+        QCOMPARE(standIn.calls().last(2), lines("Close\nfree"));
+    }
+
+    void otherKindsAreSkippedSilently()
+    {
+        SessionBench bench;
+        bench.open();
+        const auto logged = bench.log.texts().size();
+        bench.send(message::any(0, {}));
+        bench.send(message::any(35, "get input event"));
+        bench.send(message::any(4711, QByteArray(1000, 'x')));
+        QCOMPARE(bench.log.texts().size(), logged);
+        QCOMPARE(bench.errors.size(), 0);
+    }
+
+    void brokenOneIsDroppedWithALine()
+    {
+        SessionBench bench;
+        bench.open();
+        const QSignalSpy created(&bench.session, &SimConnectSession::remoteAircraftCreated);
+        bench.standIn.queue(message::assignedObject(1, 2).chopped(1));
+        bench.standIn.queue("shor");
+        bench.standIn.queue(message::assignedObject(7, 8));
+        bench.pump();
+        QCOMPARE(bench.log.texts(QtWarningMsg), lines("Dropped a broken SimConnect message of 19 bytes, 1 so far\n"
+                                                      "Dropped a broken SimConnect message of 4 bytes, 2 so far"));
+        QCOMPARE(created, (QList<QVariantList>{{7U, 8U}}));
+        QCOMPARE(bench.errors.size(), 0);
+    }
+
+    void floodOfBrokenOnesLeavesTheLogReadable()
+    {
+        SessionBench bench;
+        bench.open();
+        for (int i = 0; i < 10'000; ++i)
+            bench.standIn.queue("broken");
+        bench.pump();
+        QCOMPARE(bench.log.texts(QtWarningMsg).size(), 28); // 20, and one at each doubling
+        QVERIFY(bench.session.isOpen());
+    }
+};
+
+TARVO_TEST(SessionMessagesTest)
+#include "SessionMessagesTest.moc"
