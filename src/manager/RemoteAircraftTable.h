@@ -27,9 +27,8 @@ public:
         /// until the answer has come. `nowMs`: of a clock that never jumps.
         bool shouldAskForType(qint64 nowMs);
         void typeAnswered() { m_typeAsked = false; }
-        /// The same for the configuration.
+        /// True the first time: the configuration is asked for once.
         bool shouldAskForConfiguration() { return !std::exchange(m_configurationAsked, true); }
-        void configurationAnswered() { m_configurationAsked = false; }
 
         bool positionKnown = false; ///< or it would be drawn at 0 N 0 E
 

@@ -335,7 +335,6 @@ std::optional<RemoteTraffic::FiledType> RemoteTraffic::storeFiledType(const QStr
     aircraft->typeCode = typeCode;
     aircraft->lastStateChange = now();
     logType(*aircraft, type);
-    aircraft->typeAnswered();
     return FiledType{typeCode, differs};
 }
 
@@ -378,7 +377,6 @@ void RemoteTraffic::storeConfiguration(const QString &callsign, const model::Air
     aircraft->hasConfiguration = true;
     aircraft->lastUpdate = now();
     aircraft->lastStateChange = now();
-    aircraft->configurationAnswered();
     syncAircraft(*aircraft);
     updateConfigurationInSimulator(callsign); // a second time for one that the sync has added
 }

@@ -45,6 +45,7 @@ private slots:
         QTest::addColumn<QStringList>("calls");
         QTest::newRow("addition") << add << QStringList{add};
         QTest::newRow("configuration") << update << QStringList{add, update};
+        QTest::newRow("removal") << stale << QStringList{stale};
     }
 
     void aSimulatorThatIsReplacedWithinASync()
@@ -58,9 +59,14 @@ private slots:
             if (call == within)
                 s.manager->setSimulator(next);
         };
+        if (within == stale) {
+            s.clock.advance(15'001);
+            s.fire("staleTimer");
+        }
         QVERIFY(s.feed(u"#DPAB9:1009"_qs)); // adds both
         QCOMPARE(s.sim->calls, calls + QStringList({u"removeAllAircraft"_qs, u"clearControllers"_qs}));
-        QCOMPARE(next->calls.count(u"addAircraft AB3"_qs), 1); // NetworkManager's
+        QCOMPARE(next->calls.count(u"addAircraft AB3"_qs), within == stale ? 2 : 1); // one is NetworkManager's
+        QVERIFY(!next->calls.contains(u"removeAircraft AB3 Stale"_qs));
     }
 
     void oneThatGoesWithinASyncIsLeftOut_data()

@@ -87,19 +87,21 @@ private slots:
 
     void oneThatStandsIsAddedAtOnce_data()
     {
-        QTest::addColumn<int>("groundSpeed");
+        QTest::addColumn<double>("groundSpeed");
         QTest::addColumn<QStringList>("calls");
-        QTest::newRow("standing") << 0 << QStringList{update, add, update};
-        QTest::newRow("moving") << 1 << QStringList{update, update};
-        QTest::newRow("300 knots") << 300 << QStringList{update, update};
-        QTest::newRow("pushed back") << -3 << QStringList{update, add, update};
+        QTest::newRow("standing") << 0.0 << QStringList{update, add, update};
+        QTest::newRow("half a knot") << 0.5 << QStringList{update, add, update};
+        QTest::newRow("moving") << 0.51 << QStringList{update, update};
+        QTest::newRow("300 knots") << 300.0 << QStringList{update, update};
+        QTest::newRow("pushed back") << -3.0 << QStringList{update, add, update};
     }
 
     void oneThatStandsIsAddedAtOnce()
     {
-        QFETCH(int, groundSpeed);
+        QFETCH(double, groundSpeed);
         CrowdedSession s;
-        QVERIFY(s.online && s.meetAb2(groundSpeed));
+        QVERIFY(s.online && s.meetAb2(300));
+        emit s.manager->slowPositionUpdateReceived(ab2, {}, groundSpeed);
         QTEST(s.told(TrafficSession::configuration(fullGearDown)), "calls");
     }
 
@@ -302,6 +304,7 @@ private slots:
         emit s.sim->aircraftAddedToSim(ab2); // NetworkManager knows no such list
         QCOMPARE(s.record().state, State::Ignored);
         QCOMPARE(s.told(TrafficSession::configuration(fullGearDown)), QStringList{update});
+        emit s.sim->restarted();
         QCOMPARE(s.told(TrafficSession::slow(ab2, 0)), QStringList{move});
         QCOMPARE(s.told(TrafficSession::fast(ab2)), QStringList{moveFast});
         QVERIFY(!s.record().fastSeen);

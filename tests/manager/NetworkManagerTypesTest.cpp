@@ -174,7 +174,15 @@ private slots:
         QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs)));
         for (const QStringList &answers : {QStringList{TrafficSession::textQuestion(u"AB1"_qs)}, QStringList()})
             QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, u"AB1"_qs), answers)); // the own one has no record
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, QString())));              // nobody's
         QVERIFY(s.feed(u"$CRSERVER:AB1:FP:AB2:A320"_qs));                                // an answer is none
+        s.config.set(config::authVatsim, false); // a login without an account service
+        s.manager->disconnectFromNetwork();
+        QVERIFY(s.peer.waitForClose() && s.connectPilot() && s.peer.waitForConnection(2));
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(!s.peer.nextLine().isNull());
+        s.config.set(config::authVatsim, true);
+        QVERIFY(s.feed(TrafficSession::flightPlan(u"B738"_qs, u"AB1"_qs), {TrafficSession::textQuestion(u"AB1"_qs)}));
     }
 
     void flightPlanAnswers_data()

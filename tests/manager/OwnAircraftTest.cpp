@@ -249,6 +249,19 @@ private slots:
         QCOMPARE(s.linesOf("slowTimer"), QStringList{u"@S:AB1:7000:1:41.000000:117.000000:2000:0:0:-2000"_qs});
     }
 
+    void anotherSimulatorTellsEverythingItself()
+    {
+        FlyingSession s;
+        QVERIFY(s.online);
+        const auto next = std::make_shared<FakeSimulator>();
+        next->trueAltitude = next->pressureAltitude = std::numeric_limits<double>::quiet_NaN();
+        s.manager->setSimulator(next);
+        emit next->simConnectionStateChanged(true);
+        emit next->userAircraftDataChanged({.latitude = 41, .longitude = 117});
+        s.clock.advance(1500);
+        QCOMPARE(s.linesOf("slowTimer"), QStringList{u"@S:AB1:0:1:41.000000:117.000000:0:0:0:0"_qs});
+    }
+
     void aLinkThatReturnsBeforeItsDataReportsNothingOfThem()
     {
         FlyingSession s;

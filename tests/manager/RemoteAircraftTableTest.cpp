@@ -97,22 +97,14 @@ private slots:
         QVERIFY(!record.shouldAskForType(2 * interval)); // known
     }
 
-    void aConfigurationIsAskedOnceUntilItIsAnswered()
-    {
-        Record record;
-        QVERIFY(record.shouldAskForConfiguration());
-        QVERIFY(!record.shouldAskForConfiguration());
-        record.configurationAnswered();
-        QVERIFY(record.shouldAskForConfiguration());
-        QVERIFY(record.shouldAskForType(0)); // one has nothing to do with the other
-    }
-
     void whoHasLeftIsAskedAnew()
     {
         RemoteAircraftTable table;
         Record *record = table.obtain(u"AB2"_qs, noon);
         record->state = RemoteAircraft::State::InSimulator;
-        QVERIFY(record->shouldAskForType(0));
+        QVERIFY(record->shouldAskForConfiguration());
+        QVERIFY(!record->shouldAskForConfiguration());
+        QVERIFY(record->shouldAskForType(0)); // one has nothing to do with the other
         const std::optional<Record> taken = table.take(u"AB2"_qs);
         QVERIFY(taken);
         QCOMPARE(taken->state, RemoteAircraft::State::InSimulator);
@@ -120,6 +112,7 @@ private slots:
         record = table.obtain(u"AB2"_qs, noon);
         QCOMPARE(record->state, RemoteAircraft::State::New);
         QVERIFY(record->shouldAskForType(0));
+        QVERIFY(record->shouldAskForConfiguration());
     }
 
     void lists()

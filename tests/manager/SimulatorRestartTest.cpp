@@ -122,6 +122,7 @@ private slots:
         QVERIFY(s.feed(TrafficSession::slow(ab2), TrafficSession::typeQuestions(ab2)));
         emit s.sim->aircraftRemovedFromSim(ab2);
         QCOMPARE(s.known().state, State::New);
+        QVERIFY(s.feed(TrafficSession::planeInfo(), {TrafficSession::configurationQuestion(ab2)})); // it is added
     }
 
     void whyAnAircraftIsDrawnStandsInTheLog()
