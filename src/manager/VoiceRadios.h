@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <array>
+
 namespace tarvo::model {
 struct RadioStackState;
 }
@@ -31,6 +33,7 @@ signals:
 
 private:
     voice::VoiceClient m_client;
+    std::array<voice::Transmitter, 2> m_radios; ///< as they were told last
 };
 
 } // namespace tarvo::manager

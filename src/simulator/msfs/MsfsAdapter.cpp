@@ -1,50 +1,321 @@
 #include "simulator/msfs/MsfsAdapter.h"
 
+#include "AppConfig.h"
+#include "common/OneLine.h"
+#include "model/RemoteAircraft.h"
+#include "simulator/msfs/MsfsTraffic.h"
+#include "simulator/msfs/RadioFrequency.h"
+#include "simulator/msfs/library/MsfsAircraftLibrary.h"
+#include "simulator/msfs/session/SimConnectSession.h"
+
+#include <QDebug>
+#include <QTimer>
+
+#include <utility>
+
 namespace tarvo::simulator::msfs {
+
+using common::excerpt;
+
+namespace {
+
+constexpr quint32 trafficRadiusMetres = 30000;
+constexpr int transponderStandby = 1;
+constexpr int transponderModeC = 4;
+
+std::unique_ptr<SimConnectSession> sessionOver(std::shared_ptr<SimConnectBinding> binding)
+{
+    return binding ? std::make_unique<SimConnectSession>(std::move(binding)) : std::make_unique<SimConnectSession>();
+}
+
+void logNoRelay(const char *kind, const QString &message)
+{
+    qDebug().noquote() << "MSFS" << kind << "message relay is not implemented yet:" << excerpt(message);
+}
+
+} // namespace
 
 MsfsAdapter::MsfsAdapter(AppConfig &config, std::shared_ptr<SimConnectBinding> binding, MsfsAircraftLibrary *library,
                          const common::Clock &clock, QObject *parent)
     : Simulator(parent),
-      m_config(config),
-      m_clock(clock){Q_UNUSED(binding) Q_UNUSED(library) Q_UNUSED(m_config) Q_UNUSED(m_clock)}
-
-      MsfsAdapter::~MsfsAdapter() = default;
-
-void MsfsAdapter::setTransponderCode(int) {}
-void MsfsAdapter::setCom1Frequency(quint32) {}
-void MsfsAdapter::setCom2Frequency(quint32) {}
-void MsfsAdapter::transponderIdent() {}
-void MsfsAdapter::transponderModeToggle() {}
-void MsfsAdapter::addAircraft(const model::RemoteAircraft &) {}
-void MsfsAdapter::updateAircraftConfiguration(const model::RemoteAircraft &) {}
-void MsfsAdapter::removeAircraft(const model::RemoteAircraft &, const QString &) {}
-void MsfsAdapter::removeAllAircraft() {}
-void MsfsAdapter::positionUpdate(const model::RemoteAircraft &, const model::AircraftVisualState &) {}
-void MsfsAdapter::fastPositionUpdate(const model::RemoteAircraft &, const model::AircraftVisualState &,
-                                     const model::VelocityVector &, const model::VelocityVector &)
+      m_session(sessionOver(std::move(binding))),
+      m_traffic(std::make_unique<MsfsTraffic>(*m_session, library ? *library : MsfsAircraftLibrary::instance(), clock))
 {
+    m_session->setTrafficRadius(trafficRadiusMetres);
+    m_session->setTrafficEnabled(true);
+    connectSession();
+    connectMachine();
+    connectTraffic();
+    connect(&config, &AppConfig::configChanged, this, [this](const QString &key) {
+        if (key == QLatin1StringView(config::msfsLibraryReloadToken.key))
+            m_traffic->checkLibrary();
+    });
 }
-void MsfsAdapter::showRadioMessageSent(const QString &) {}
-void MsfsAdapter::showRadioMessageReceived(const QString &, const QString &, bool) {}
-void MsfsAdapter::showNotification(const QString &, int) {}
-void MsfsAdapter::showPrivateMessageSent(const QString &, const QString &) {}
-void MsfsAdapter::showPrivateMessageReceived(const QString &, const QString &) {}
+
+MsfsAdapter::~MsfsAdapter()
+{
+    m_session->disconnect(this); // nobody is to hear of its end
+    m_traffic->removeAll();
+    m_session->close();
+}
+
+void MsfsAdapter::connectSession()
+{
+    const SimConnectSession *session = m_session.get();
+    connect(session, &SimConnectSession::connected, this, &MsfsAdapter::onSessionConnected);
+    connect(session, &SimConnectSession::disconnected, this, &MsfsAdapter::onSessionDisconnected);
+    connect(session, &SimConnectSession::errorOccurred, this, &MsfsAdapter::onSessionError);
+    connect(session, &SimConnectSession::dataReceived, this, &MsfsAdapter::onData);
+    connect(session, &SimConnectSession::msfsVersionDetected, this,
+            [](const QString &version) { qInfo().noquote() << "Detected MSFS version:" << version; });
+    connect(session, &SimConnectSession::simConnectVersionDetected, this,
+            [](const QString &version) { qInfo().noquote() << "Detected SimConnect version:" << version; });
+    connect(session, &SimConnectSession::runtimeProfileDetected, this, &MsfsAdapter::onProfile);
+    connect(session, &SimConnectSession::userAircraftTitleDetected, this, &MsfsAdapter::onTitle);
+    connect(session, &SimConnectSession::inputEventValueChanged, this, &MsfsAdapter::onInputEvent);
+    connect(session, &SimConnectSession::trafficSnapshotReceived, this, &Simulator::trafficSnapshotChanged);
+    connect(session, &SimConnectSession::remoteAircraftCreated, this,
+            [this](quint32 requestId, quint32 objectId) { m_traffic->onCreated(requestId, objectId, m_own.data); });
+    connect(session, &SimConnectSession::remoteAircraftCreateFailed, this, [this] { m_traffic->onCreateFailed(); });
+}
+
+void MsfsAdapter::connectMachine()
+{
+    connect(&m_machine, &ConnectionStateMachine::stateChanged, this, &MsfsAdapter::onStateChanged);
+    connect(&m_machine, &ConnectionStateMachine::shouldReconnect, this, &MsfsAdapter::onAttemptEnded);
+    connect(&m_machine, &ConnectionStateMachine::maxReconnectAttemptsReached, this, &MsfsAdapter::onAttemptEnded);
+}
+
+void MsfsAdapter::connectTraffic()
+{
+    connect(m_traffic.get(), &MsfsTraffic::added, this, &Simulator::aircraftAddedToSim);
+    connect(m_traffic.get(), &MsfsTraffic::removed, this, &Simulator::aircraftRemovedFromSim);
+    connect(m_traffic.get(), &MsfsTraffic::mappingStatusChanged, this, &Simulator::trafficMappingStatusChanged);
+}
+
+// --- the link ---
+
+void MsfsAdapter::reconnectSimulator()
+{
+    m_reconnectPending = m_session->isOpen();
+    if (m_reconnectPending)
+        m_session->close(); // and open anew, in onAttemptEnded()
+    else
+        openSession();
+}
+
+void MsfsAdapter::openSession()
+{
+    m_machine.requestConnect(true);
+    m_traffic->forgetObjects(); // they went with the session that had them made
+    m_session->open();
+}
+
+void MsfsAdapter::onSessionConnected()
+{
+    m_machine.onConnected();
+    m_session->registerDefinitions();
+    for (const UpdateGroup group : updateGroups)
+        m_session->subscribeGroup(group);
+    m_session->enumerateInputEvents();
+}
+
+void MsfsAdapter::onSessionDisconnected()
+{
+    m_traffic->setProfile(MsfsRuntimeProfile::Unknown);
+    emit simConnectionStateChanged(false); // the machine may tell it once more, on purpose
+    m_machine.onDisconnected();
+}
+
+void MsfsAdapter::onSessionError(SimConnectError error, const QString &message)
+{
+    qWarning().noquote() << "MSFS SimConnect error:" << message;
+    m_machine.onError(error);
+}
+
+void MsfsAdapter::onStateChanged(ConnectionState, ConnectionState newState)
+{
+    if (newState == ConnectionState::Idle || newState == ConnectionState::Connecting)
+        return;
+    emit simConnectionStateChanged(newState != ConnectionState::Disconnected);
+    if (m_machine.state() == ConnectionState::Connected)
+        m_traffic->spawnAll(); // who was there before the link was
+}
+
+/// Opens anew when the pilot has asked for it; otherwise his next wish will. Nothing here tries by itself.
+void MsfsAdapter::onAttemptEnded()
+{
+    if (!std::exchange(m_reconnectPending, false)) {
+        emit simConnectionFailed(tr("模拟器未启动或连接服务异常，请联系TARVO技术部"));
+        return;
+    }
+    QTimer::singleShot(0, this, [this] {
+        if (!m_session->isOpen()) // asked for twice
+            openSession();
+    });
+}
+
+// --- the own aircraft ---
+
+void MsfsAdapter::onData(UpdateGroup group, const QVariantMap &sample)
+{
+    publish(afterSample(m_own, sample));
+    if (group == UpdateGroup::Position)
+        m_machine.onDataReceived();
+}
+
+void MsfsAdapter::onInputEvent(const QString &name, double value)
+{
+    const std::optional<double> speedbrake = speedbrakeOf(name, value);
+    if (!speedbrake)
+        return;
+    OwnAircraft now = m_own;
+    now.config.speedbrakeRatio = *speedbrake;
+    publish(now);
+}
+
+void MsfsAdapter::publish(const OwnAircraft &now)
+{
+    const OwnAircraft last = std::exchange(m_own, now); // stored first: a receiver may ask for it
+    if (now.data != last.data)
+        emit userAircraftDataChanged(now.data);
+    if (now.config != last.config)
+        emit userAircraftConfigDataChanged(now.config);
+    if (now.radio != last.radio)
+        emit radioStackStateChanged(now.radio);
+    if (now.paused != last.paused)
+        emit simPausedStateChanged(now.paused);
+}
+
+void MsfsAdapter::onTitle(const QString &title)
+{
+    const QString trimmed = title.trimmed();
+    if (trimmed.isEmpty() || trimmed == m_own.title)
+        return;
+    m_own.title = trimmed;
+    qInfo().noquote() << QStringLiteral("Detected local user aircraft container title: %1").arg(trimmed);
+}
+
+void MsfsAdapter::onProfile(MsfsRuntimeProfile profile)
+{
+    m_traffic->setProfile(profile);
+    qInfo().noquote() << "Detected MSFS runtime profile:" << displayName(profile);
+    m_traffic->rematchAll();
+}
 
 SimulatorType MsfsAdapter::simulatorType() const
 {
+    switch (m_traffic->profile()) {
+    case MsfsRuntimeProfile::Msfs2020:
+        return SimulatorType::Msfs2020;
+    case MsfsRuntimeProfile::Msfs2024:
+        return SimulatorType::Msfs2024;
+    case MsfsRuntimeProfile::Unknown:
+        break;
+    }
     return SimulatorType::Unknown;
 }
 
-void MsfsAdapter::reconnectSimulator() {}
-
 double MsfsAdapter::pressureAltitudeFeet() const
 {
-    return 0;
+    return msfs::pressureAltitudeFeet(m_own.data);
 }
 
 double MsfsAdapter::trueAltitudeFeet() const
 {
-    return 0;
+    return msfs::trueAltitudeFeet(m_own.data);
+}
+
+// --- radios and transponder: what is shown is what the simulator then reports, never what was asked for ---
+
+void MsfsAdapter::setTransponderCode(int code)
+{
+    m_session->setDataValue(SimKey::TransponderCode, code);
+}
+
+void MsfsAdapter::setCom1Frequency(quint32 freq)
+{
+    sendFrequency(CommandKey::Com1Frequency, freq);
+}
+
+void MsfsAdapter::setCom2Frequency(quint32 freq)
+{
+    sendFrequency(CommandKey::Com2Frequency, freq);
+}
+
+void MsfsAdapter::sendFrequency(CommandKey radio, quint32 kilohertz)
+{
+    m_session->sendCommand(radio, hertzOf(static_cast<float>(kilohertz)));
+}
+
+void MsfsAdapter::transponderIdent()
+{
+    m_session->sendCommand(CommandKey::TransponderIdent, 0);
+}
+
+void MsfsAdapter::transponderModeToggle()
+{
+    m_session->setDataValue(SimKey::SquawkingModeC, m_own.radio.squawkingModeC ? transponderStandby : transponderModeC);
+}
+
+// --- other aircraft ---
+
+void MsfsAdapter::addAircraft(const model::RemoteAircraft &aircraft)
+{
+    m_traffic->add(aircraft);
+}
+
+void MsfsAdapter::updateAircraftConfiguration(const model::RemoteAircraft &aircraft)
+{
+    m_traffic->update(aircraft);
+}
+
+void MsfsAdapter::removeAircraft(const model::RemoteAircraft &aircraft, const QString &reason)
+{
+    m_traffic->remove(aircraft.callsign, reason);
+}
+
+void MsfsAdapter::removeAllAircraft()
+{
+    m_traffic->removeAll();
+}
+
+void MsfsAdapter::positionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state)
+{
+    m_traffic->move(aircraft, state);
+}
+
+void MsfsAdapter::fastPositionUpdate(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state,
+                                     const model::VelocityVector &positionalVelocity, const model::VelocityVector &)
+{
+    m_traffic->move(aircraft, state, positionalVelocity);
+}
+
+// --- texts ---
+
+void MsfsAdapter::showRadioMessageSent(const QString &message)
+{
+    logNoRelay("radio", message);
+}
+
+void MsfsAdapter::showRadioMessageReceived(const QString &, const QString &message, bool)
+{
+    logNoRelay("radio", message);
+}
+
+void MsfsAdapter::showNotification(const QString &message, int)
+{
+    qInfo().noquote() << "[MSFS]" << excerpt(message);
+}
+
+void MsfsAdapter::showPrivateMessageSent(const QString &, const QString &message)
+{
+    logNoRelay("private", message);
+}
+
+void MsfsAdapter::showPrivateMessageReceived(const QString &, const QString &message)
+{
+    logNoRelay("private", message);
 }
 
 } // namespace tarvo::simulator::msfs

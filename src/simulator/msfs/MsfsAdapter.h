@@ -2,6 +2,10 @@
 
 #include "common/Clock.h"
 #include "simulator/Simulator.h"
+#include "simulator/msfs/ConnectionStateMachine.h"
+#include "simulator/msfs/OwnAircraft.h"
+#include "simulator/msfs/simvar/MsfsRuntimeProfile.h"
+#include "simulator/msfs/simvar/SimKey.h"
 
 #include <memory>
 
@@ -12,7 +16,9 @@ class AppConfig;
 namespace tarvo::simulator::msfs {
 
 class MsfsAircraftLibrary;
+class MsfsTraffic;
 class SimConnectBinding;
+class SimConnectSession;
 
 /// Microsoft Flight Simulator 2020 or 2024 as the session's simulator. Main thread only; nothing here waits for the
 /// simulator.
@@ -74,8 +80,27 @@ public:
     double adjustRemoteAltitude(double altitudeFeet) const override { return altitudeFeet; }
 
 private:
-    AppConfig &m_config;
-    const common::Clock &m_clock;
+    void connectSession();
+    void connectMachine();
+    void connectTraffic();
+    void openSession();
+    void onSessionConnected();
+    void onSessionDisconnected();
+    void onSessionError(SimConnectError error, const QString &message);
+    void onData(UpdateGroup group, const QVariantMap &sample);
+    void onProfile(MsfsRuntimeProfile profile);
+    void onTitle(const QString &title);
+    void onInputEvent(const QString &name, double value);
+    void onStateChanged(ConnectionState oldState, ConnectionState newState);
+    void onAttemptEnded();
+    void publish(const OwnAircraft &now);
+    void sendFrequency(CommandKey radio, quint32 kilohertz);
+
+    std::unique_ptr<SimConnectSession> m_session;
+    ConnectionStateMachine m_machine;
+    std::unique_ptr<MsfsTraffic> m_traffic;
+    OwnAircraft m_own; ///< as last told
+    bool m_reconnectPending = false;
 };
 
 } // namespace tarvo::simulator::msfs
