@@ -207,4 +207,12 @@ bool Worker::finish(std::chrono::milliseconds longest)
     return false;
 }
 
+void Worker::leave()
+{
+    clear();
+    endSoon();
+    if (m_thread.joinable())
+        m_thread.detach();
+}
+
 } // namespace tarvo::common

@@ -59,6 +59,9 @@ public:
     /// that have not begun are forgotten, and the one at work is left behind. Call clear() before where only that one
     /// matters.
     bool finish(std::chrono::milliseconds longest = usualPatience);
+    /// Takes no further task, forgets those that wait, and leaves the one at work behind at once: for what can't be
+    /// called off, and whose outcome nobody wants any more.
+    void leave();
 
 private:
     struct State;

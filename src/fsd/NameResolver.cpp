@@ -104,7 +104,7 @@ void NameResolver::leaveBusyWorker()
 {
     if (m_worker->isIdle())
         return;
-    m_worker->finish(std::chrono::milliseconds(0));
+    m_worker->leave();
     m_worker.emplace(workerName, 1);
 }
 

@@ -20,10 +20,10 @@ float volumeOf(quint32 percent)
 
 VoiceRadios::VoiceRadios(AppConfig &config, std::shared_ptr<voice::SoundThread> sound,
                          const ServiceEndpoints &endpoints, const common::Clock &clock, QObject *parent)
-    : QObject(parent), m_client(config, std::move(sound), endpoints, clock), m_radios{{{.id = 0}, {.id = 1}}}
+    : QObject(parent), m_client(config, std::move(sound), endpoints, clock)
 {
-    for (const voice::Transmitter &radio : m_radios)
-        m_client.addTransmitter(radio);
+    for (const quint32 id : {0U, 1U})
+        m_client.addTransmitter({.id = id});
     connect(&m_client, &VoiceClient::connectionStateChanged, this, [this](ConnectionState state) {
         if (state == ConnectionState::Ready)
             emit ready();
@@ -34,18 +34,16 @@ void VoiceRadios::tell(const model::RadioStackState &state)
 {
     if (!m_client.isReady())
         return;
-    m_radios[0] = {.id = 0,
-                   .frequency = state.com1Frequency,
-                   .transmit = state.com1TransmitEnabled,
-                   .receive = state.com1ReceiveEnabled,
-                   .volume = volumeOf(state.com1Volume)};
-    m_radios[1] = {.id = 1,
-                   .frequency = state.com2Frequency,
-                   .transmit = state.com2TransmitEnabled && !state.com1TransmitEnabled,
-                   .receive = state.com2ReceiveEnabled,
-                   .volume = volumeOf(state.com2Volume)};
-    for (const voice::Transmitter &radio : m_radios)
-        m_client.updateTransmitter(radio);
+    m_client.updateTransmitter({.id = 0,
+                                .frequency = state.com1Frequency,
+                                .transmit = state.com1TransmitEnabled,
+                                .receive = state.com1ReceiveEnabled,
+                                .volume = volumeOf(state.com1Volume)});
+    m_client.updateTransmitter({.id = 1,
+                                .frequency = state.com2Frequency,
+                                .transmit = state.com2TransmitEnabled && !state.com1TransmitEnabled,
+                                .receive = state.com2ReceiveEnabled,
+                                .volume = volumeOf(state.com2Volume)});
 }
 
 } // namespace tarvo::manager

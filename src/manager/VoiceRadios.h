@@ -4,8 +4,6 @@
 
 #include <QObject>
 
-#include <array>
-
 namespace tarvo::model {
 struct RadioStackState;
 }
@@ -33,7 +31,6 @@ signals:
 
 private:
     voice::VoiceClient m_client;
-    std::array<voice::Transmitter, 2> m_radios; ///< as they were told last
 };
 
 } // namespace tarvo::manager

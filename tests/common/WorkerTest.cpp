@@ -132,6 +132,40 @@ private slots:
         QCOMPARE(*owned, 0); // what waited behind it is forgotten
     }
 
+    void aTaskCanBeLeftBehindOnPurpose_data() { bothKinds(); }
+    void aTaskCanBeLeftBehindOnPurpose()
+    {
+        QFETCH(bool, handlesEvents);
+        Gate gate;
+        const auto owned = std::make_shared<int>(0);
+        std::atomic<bool> begun = false;
+        const tarvo::test::LogCapture log;
+        {
+            Worker worker("left", 2, between(handlesEvents));
+            worker.post([&begun, wait = gate.task(), owned] {
+                begun = true;
+                wait();
+            });
+            worker.post([owned] { ++*owned; });
+            QTRY_VERIFY(begun);
+            worker.leave();
+            QVERIFY(!worker.post([] {}));
+        }
+        QCOMPARE(log.texts(), QStringList());
+        QVERIFY(owned.use_count() > 1);
+        gate.open();
+        QTRY_COMPARE(owned.use_count(), 1L);
+        QCOMPARE(*owned, 0);
+    }
+
+    void aWorkerWithoutATaskCanBeLeft()
+    {
+        Worker worker("idle", 1);
+        worker.leave();
+        QVERIFY(!worker.post([] {}));
+        QVERIFY(worker.finish());
+    }
+
     void endsByItselfWhenItIsDone()
     {
         Gate gate;

@@ -44,7 +44,7 @@ std::optional<SocketAddress> addressOf(const Peer &connection, const QString &ho
     });
     if (isAsked && connection->waitFor([&] { return answer->hasCome; }))
         return std::move(answer->address);
-    worker.finish(milliseconds(0));
+    worker.leave();
     return std::nullopt;
 }
 

@@ -7,7 +7,7 @@ namespace tarvo::voice {
 
 std::span<std::uint8_t> LineBuffer::room()
 {
-    if (m_bytes.size() - m_end < roomSize) {
+    if (m_begin > 0 && m_bytes.size() - m_end < roomSize) {
         std::copy(m_bytes.begin() + static_cast<std::ptrdiff_t>(m_begin),
                   m_bytes.begin() + static_cast<std::ptrdiff_t>(m_end), m_bytes.begin());
         m_scanned -= m_begin;

@@ -128,16 +128,15 @@ void NetworkHandler::end(const Shared &connection)
         m_current.reset();
 }
 
-void NetworkHandler::startThreads(const Shared &connection)
+/// False when there is no thread for it.
+bool NetworkHandler::startThreads(const Shared &connection)
 {
     m_threads = std::make_unique<Threads>(connection);
-    const bool started = m_threads->tcp.post([connection] { connection->receiveLines(); }) &&
-                         m_threads->udp.post([connection] { connection->receivePackets(); }) &&
-                         m_threads->keepAlive.post([connection, interval = m_keepAliveInterval, clock = &m_clock] {
-                             connection->keepAlive(interval, *clock);
-                         });
-    if (!started)
-        qWarning() << prefix << "no thread is to be had";
+    return m_threads->tcp.post([connection] { connection->receiveLines(); }) &&
+           m_threads->udp.post([connection] { connection->receivePackets(); }) &&
+           m_threads->keepAlive.post([connection, interval = m_keepAliveInterval, clock = &m_clock] {
+               connection->keepAlive(interval, *clock);
+           });
 }
 
 /// May be on the stack more than once, under a receiver's event loop: the next turn goes on there.
@@ -169,11 +168,18 @@ void NetworkHandler::handle(const Shared &, const report::Note &note)
 
 void NetworkHandler::handle(const Shared &connection, const report::Established &)
 {
+    const QPointer<NetworkHandler> alive(this);
     m_badLines.reset();
     emit socketStateChanged(true);
     if (connection->isOver()) // a receiver has changed its mind, and the handler may have gone
         return;
-    startThreads(connection);
+    if (!startThreads(connection)) {
+        end(connection);
+        emit errorOccurred(QStringLiteral("No thread is to be had for the voice connection"));
+        if (alive)
+            emit socketStateChanged(false);
+        return;
+    }
     qInfo() << prefix << "Voice server connected";
 }
 

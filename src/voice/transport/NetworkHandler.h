@@ -85,7 +85,7 @@ private:
 
     Shared current() const;
     void end(const Shared &connection);
-    void startThreads(const Shared &connection);
+    bool startThreads(const Shared &connection);
     void handleReports();
     void handle(const Shared &connection, const report::Note &note);
     void handle(const Shared &connection, const report::Established &established);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <limits>
+#include <string>
 
 namespace tarvo::voice {
 
@@ -28,11 +30,18 @@ ControlMessageType typeOf(std::string_view word)
     return static_cast<ControlMessageType>(std::distance(words.begin(), known));
 }
 
-/// By reference, because by value nlohmann-json turns true into 1, and a fraction or a huge number into anything.
+/// By reference, because by value nlohmann-json turns true into 1, and a fraction into anything.
 qint32 integerAt(const Json &object, const char *key)
 {
     const auto found = object.find(key);
-    return found == object.end() ? 0 : static_cast<qint32>(found->get_ref<const Json::number_integer_t &>());
+    if (found == object.end())
+        return 0;
+    const auto number = found->get_ref<const Json::number_integer_t &>();
+    const bool isHuge = found->is_number_unsigned() ? static_cast<quint64>(number) > std::numeric_limits<quint32>::max()
+                                                    : number < std::numeric_limits<qint32>::min();
+    if (isHuge)
+        throw Json::out_of_range::create(406, std::string(key) + " has more than 32 bits", &object);
+    return static_cast<qint32>(number); // an id that is written as unsigned, too
 }
 
 } // namespace

@@ -96,6 +96,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(std::function<void(Listener &)>, end);
         QFETCH(QStringList, heard);
+        const LogCapture log;
         VoicePeer peer;
         Listener client(called(name, peer.endpoints()));
         QElapsedTimer time;
@@ -109,6 +110,7 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(client.order, heard);
         QCOMPARE(peer.connectionCount(), 0);
+        QCOMPARE(log.texts(QtWarningMsg), QStringList()); // it is no fault
     }
 
     void anotherAttemptDoesNotWaitForTheLookUpThatWasLeft()

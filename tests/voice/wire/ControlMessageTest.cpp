@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <limits>
+
 using namespace tarvo::voice;
 using Type = ControlMessageType;
 
@@ -72,6 +74,12 @@ private slots:
             << ControlMessage{Type::Pong, 7, "", 0, ""};
         QTest::newRow("the last of two keys")
             << QByteArray(R"({"cid":1,"cid":2})") << ControlMessage{Type::Disconnect, 2, "", 0, ""};
+        QTest::newRow("least") << QByteArray(R"({"cid":-2147483648})")
+                               << ControlMessage{Type::Disconnect, std::numeric_limits<qint32>::min(), "", 0, ""};
+        QTest::newRow("most") << QByteArray(R"({"cid":2147483647})")
+                              << ControlMessage{Type::Disconnect, std::numeric_limits<qint32>::max(), "", 0, ""};
+        QTest::newRow("unsigned") << QByteArray(R"({"cid":4294967295})")
+                                  << ControlMessage{Type::Disconnect, -1, "", 0, ""};
     }
 
     void read()
@@ -95,6 +103,9 @@ private slots:
         QTest::newRow("type is a number") << QByteArray(R"({"type":1})");
         QTest::newRow("cid is a text") << QByteArray(R"({"cid":"1"})");
         QTest::newRow("cid is a fraction") << QByteArray(R"({"cid":1e300})");
+        QTest::newRow("cid is too large") << QByteArray(R"({"cid":4294967296})");
+        QTest::newRow("cid is too small") << QByteArray(R"({"cid":-2147483649})");
+        QTest::newRow("transmitter has 64 bits") << QByteArray(R"({"transmitter":18446744073709551615})");
         QTest::newRow("cid is true") << QByteArray(R"({"cid":true})");
         QTest::newRow("cid is null") << QByteArray(R"({"cid":null})");
         QTest::newRow("callsign is a number") << QByteArray(R"({"callsign":1})");

@@ -1,42 +1,12 @@
 #include "LibraryStage.h"
+#include "support/NoThreads_linux.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
 
-#include <pthread.h>
-
 #include <system_error>
 
 using namespace tarvo::test;
-
-namespace {
-
-/// As long as one lives, new threads want more memory than there is.
-class NoThreads
-{
-public:
-    NoThreads()
-    {
-        pthread_getattr_default_np(&m_before);
-        pthread_attr_t greedy;
-        pthread_attr_init(&greedy);
-        pthread_attr_setstacksize(&greedy, std::size_t(1) << 46U);
-        pthread_setattr_default_np(&greedy);
-        pthread_attr_destroy(&greedy);
-    }
-    ~NoThreads()
-    {
-        pthread_setattr_default_np(&m_before);
-        pthread_attr_destroy(&m_before);
-    }
-    NoThreads(const NoThreads &) = delete;
-    NoThreads &operator=(const NoThreads &) = delete;
-
-private:
-    pthread_attr_t m_before;
-};
-
-} // namespace
 
 /// Linux only: how a system without threads is made there.
 class MsfsAircraftLibraryWithoutThreadTest : public QObject
