@@ -8,7 +8,7 @@
 namespace tarvo::simulator::msfs {
 
 namespace {
-constexpr DWORD firstId = 10000;
+constexpr DWORD firstEvent = 10000;
 }
 
 ClientEvents::ClientEvents(SimConnectLink &link) : m_link(link) {}
@@ -38,7 +38,7 @@ std::optional<quint32> ClientEvents::map(CommandKey key, const char *event)
 {
     if (const auto known = m_ids.constFind(key); known != m_ids.cend())
         return *known;
-    const quint32 id = firstId + static_cast<quint32>(m_ids.size());
+    const quint32 id = firstEvent + static_cast<quint32>(m_ids.size());
     const HRESULT result = m_link.call<&SimConnectFunctions::MapClientEventToSimEvent>(id, event);
     if (result < 0) {
         m_link.fail(QStringLiteral("Failed to map SimConnect event: %1").arg(QLatin1String(event)), result);

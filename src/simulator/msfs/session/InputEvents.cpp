@@ -14,7 +14,7 @@ namespace tarvo::simulator::msfs {
 
 namespace {
 
-constexpr DWORD requestId = 60000;
+constexpr DWORD enumerationRequest = 60000;
 constexpr const char *speedbrakeWords[] = {"spoiler", "speedbrake", "speed_brake"};
 
 bool isOfSpeedbrakes(const QString &name)
@@ -31,14 +31,14 @@ void InputEvents::enumerate()
 {
     if (!m_link.isOpen() || !m_link.has<&SimConnectFunctions::EnumerateInputEvents>())
         return;
-    const HRESULT result = m_link.call<&SimConnectFunctions::EnumerateInputEvents>(requestId);
+    const HRESULT result = m_link.call<&SimConnectFunctions::EnumerateInputEvents>(enumerationRequest);
     if (result < 0)
         qWarning().noquote() << withResult(QStringLiteral("Failed to enumerate SimConnect input events"), result);
 }
 
 void InputEvents::receive(const InputEventsMessage &message)
 {
-    if (message.request != requestId || !m_link.has<&SimConnectFunctions::SubscribeInputEvent>())
+    if (message.request != enumerationRequest || !m_link.has<&SimConnectFunctions::SubscribeInputEvent>())
         return;
     int added = 0;
     for (const InputEventDescriptor &event : message.events) {

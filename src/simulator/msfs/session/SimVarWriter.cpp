@@ -6,12 +6,12 @@
 namespace tarvo::simulator::msfs {
 
 namespace {
-constexpr DWORD firstDefinition = 1000; ///< that of group 0
+constexpr DWORD firstWriteDefinition = 1000; ///< that of group 0
 }
 
 QString writeSimVar(SimConnectLink &link, const SimVarBinding &binding, quint32 object, const QVariant &value)
 {
-    const DWORD definition = firstDefinition + static_cast<DWORD>(binding.group);
+    const DWORD definition = firstWriteDefinition + static_cast<DWORD>(binding.group);
     const QString variable = QLatin1String(binding.variable);
     const HRESULT defined = link.addField(definition, binding.variable, binding.unit, wireDataType(binding.type));
     if (defined < 0)

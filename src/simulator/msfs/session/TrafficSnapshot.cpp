@@ -15,9 +15,9 @@ namespace tarvo::simulator::msfs {
 
 namespace {
 
-constexpr DWORD definition = 40000;
-constexpr DWORD requestId = 40001;
-constexpr int intervalMs = 1000;
+constexpr DWORD trafficDefinition = 40000;
+constexpr DWORD trafficRequest = 40001;
+constexpr int trafficIntervalMs = 1000;
 
 struct Field
 {
@@ -66,7 +66,7 @@ QVariantMap rowOf(quint32 object, const Contact &contact)
 TrafficSnapshot::TrafficSnapshot(SimConnectLink &link, QObject *parent) : QObject(parent), m_link(link), m_timer(this)
 {
     m_timer.setObjectName(QStringLiteral("traffic"));
-    m_timer.setInterval(intervalMs);
+    m_timer.setInterval(trafficIntervalMs);
     connect(&m_timer, &QTimer::timeout, this, &TrafficSnapshot::request);
 }
 
@@ -99,7 +99,7 @@ void TrafficSnapshot::start()
 
 void TrafficSnapshot::receive(const TypedObjectMessage &message)
 {
-    if (message.request != requestId)
+    if (message.request != trafficRequest)
         return;
     if (message.entry == 0)
         m_rows.clear();
@@ -116,7 +116,7 @@ void TrafficSnapshot::receive(const TypedObjectMessage &message)
 void TrafficSnapshot::undefine()
 {
     if (m_isDefined)
-        m_link.call<&SimConnectFunctions::ClearDataDefinition>(definition);
+        m_link.call<&SimConnectFunctions::ClearDataDefinition>(trafficDefinition);
     m_isDefined = false;
 }
 
@@ -132,7 +132,7 @@ bool TrafficSnapshot::define()
     if (m_isDefined)
         return true;
     for (const Field &field : fields) {
-        const HRESULT result = m_link.addField(definition, field.variable, field.unit, field.type);
+        const HRESULT result = m_link.addField(trafficDefinition, field.variable, field.unit, field.type);
         if (result < 0) {
             m_link.fail(QStringLiteral("Failed to register traffic field: %1").arg(QLatin1String(field.variable)),
                         result);
@@ -148,7 +148,7 @@ void TrafficSnapshot::request()
     if (!m_link.isOpen())
         return;
     const HRESULT result = m_link.call<&SimConnectFunctions::RequestDataOnSimObjectType>(
-        requestId, definition, m_radius, SIMCONNECT_SIMOBJECT_TYPE_AIRCRAFT);
+        trafficRequest, trafficDefinition, m_radius, SIMCONNECT_SIMOBJECT_TYPE_AIRCRAFT);
     if (result < 0)
         m_link.fail(QStringLiteral("Failed to request traffic snapshot"), result);
 }

@@ -8,7 +8,7 @@
 namespace tarvo::simulator::msfs {
 
 namespace {
-constexpr DWORD definition = 50000;
+constexpr DWORD titleDefinition = 50000;
 constexpr qsizetype titleSize = 256;
 } // namespace
 
@@ -17,7 +17,7 @@ UserTitle::UserTitle(SimConnectLink &link) : m_link(link) {}
 void UserTitle::request()
 {
     if (!m_isDefined) {
-        const HRESULT result = m_link.addField(definition, "TITLE", nullptr, SIMCONNECT_DATATYPE_STRING256);
+        const HRESULT result = m_link.addField(titleDefinition, "TITLE", nullptr, SIMCONNECT_DATATYPE_STRING256);
         if (result < 0) {
             qWarning().noquote() << withResult(QStringLiteral("Failed to register user TITLE definition"), result);
             return;
@@ -27,7 +27,7 @@ void UserTitle::request()
     if (m_isRequested)
         return;
     const HRESULT result = m_link.call<&SimConnectFunctions::RequestDataOnSimObject>(
-        requestId, definition, SIMCONNECT_OBJECT_ID_USER, SIMCONNECT_PERIOD_ONCE, 0U, 0U, 0U, 0U);
+        requestId, titleDefinition, SIMCONNECT_OBJECT_ID_USER, SIMCONNECT_PERIOD_ONCE, 0U, 0U, 0U, 0U);
     m_isRequested = result >= 0;
     if (!m_isRequested)
         qWarning().noquote() << withResult(QStringLiteral("Failed to request user TITLE data"), result);
@@ -36,7 +36,7 @@ void UserTitle::request()
 void UserTitle::undefine()
 {
     if (m_isDefined)
-        m_link.call<&SimConnectFunctions::ClearDataDefinition>(definition);
+        m_link.call<&SimConnectFunctions::ClearDataDefinition>(titleDefinition);
     reset();
 }
 
