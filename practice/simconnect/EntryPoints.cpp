@@ -185,7 +185,7 @@ struct Named
     {                                                                                                                  \
         "SimConnect_" #NAME, reinterpret_cast<void *>(SimConnect_##NAME)                                               \
     }
-const Named table[] = {
+const Named entries[] = {
     NAMED(Open),
     NAMED(Close),
     NAMED(AddToDataDefinition),
@@ -228,7 +228,7 @@ SimConnectFunctions entryPoints()
 
 void *entryPoint(const char *name)
 {
-    for (const Named &named : table) {
+    for (const Named &named : entries) {
         if (std::strcmp(named.name, name) == 0)
             return named.entry;
     }

@@ -40,7 +40,7 @@ double unpackDigits(double packed)
     return number;
 }
 
-const SimUnit table[] = {
+const SimUnit units[] = {
     {"number", Quantity::Number, same, same},
     {"bool", Quantity::Number, same, same},
     {"enum", Quantity::Number, same, same},
@@ -73,7 +73,7 @@ const SimUnit table[] = {
 
 const SimUnit *simUnit(const QByteArray &name, Quantity quantity)
 {
-    for (const SimUnit &unit : table) {
+    for (const SimUnit &unit : units) {
         if (unit.quantity == quantity && name.compare(unit.name, Qt::CaseInsensitive) == 0)
             return &unit;
     }

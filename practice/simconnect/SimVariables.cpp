@@ -59,7 +59,7 @@ double speedbrake(S s)
 // Pitch and bank deliberately have X-Plane's signs (nose up, right wing down), and so have the rates: the client takes
 // the variables as they come, and the practice aeroplane is to lie in the air alike in both simulators. The real one
 // counts pitch and bank the other way round.
-const SimVariable table[] = {
+const SimVariable variables[] = {
     {"PLANE LATITUDE", Quantity::Angle, [](S s) { return s.latitude; }},
     {"PLANE LONGITUDE", Quantity::Angle, [](S s) { return s.longitude; }},
     {"PLANE ALTITUDE", Quantity::Length, [](S s) { return s.altitudeM; }},
@@ -124,14 +124,14 @@ const SimVariable table[] = {
 
 std::span<const SimVariable> simVariables()
 {
-    return table;
+    return variables;
 }
 
 int simVariableIndex(const QByteArray &name)
 {
     static const QHash<QByteArray, int> indices = [] {
         QHash<QByteArray, int> hash;
-        for (const SimVariable &variable : table)
+        for (const SimVariable &variable : variables)
             hash.insert(QByteArray(variable.name).toUpper(), static_cast<int>(hash.size()));
         return hash;
     }();
@@ -140,19 +140,19 @@ int simVariableIndex(const QByteArray &name)
 
 void VariableWrites::write(int index, double value, const AircraftState &state)
 {
-    m_writes.insert(index, {value, table[index].read(state)});
+    m_writes.insert(index, {value, variables[index].read(state)});
 }
 
 double VariableWrites::value(int index, const AircraftState &state) const
 {
     const auto found = m_writes.constFind(index);
-    return found != m_writes.constEnd() ? found->value : table[index].read(state);
+    return found != m_writes.constEnd() ? found->value : variables[index].read(state);
 }
 
 void VariableWrites::settle(const AircraftState &state)
 {
     m_writes.removeIf([&](const std::pair<const int &, Write &> &entry) {
-        return table[entry.first].read(state) != entry.second.flightValue;
+        return variables[entry.first].read(state) != entry.second.flightValue;
     });
 }
 
