@@ -71,17 +71,15 @@ class Reading
 public:
     void take(QByteArrayView line)
     {
-        line = line.trimmed();
-        const bool isBracketed = line.startsWith('[');
-        if (!isBracketed && !m_current) // most lines of an old file are of sections that nobody reads
-            return;
         line = withoutRemark(line).trimmed();
         // What stands behind the last bracket is ignored.
-        if (const qsizetype end = line.lastIndexOf(']'); isBracketed && end > 0)
+        if (const qsizetype end = line.lastIndexOf(']'); line.startsWith('[') && end > 0)
             open(textOf(line.sliced(1, end - 1)).trimmed().toUpper());
         else
             assign(line);
     }
+
+    bool isInSection() const { return m_current.has_value(); }
 
     AircraftConfig config;
 
@@ -163,6 +161,12 @@ AircraftConfig parseAircraftConfig(const QByteArray &bytes)
     const QByteArrayView all(text);
     Reading reading;
     for (qsizetype at = 0; at < all.size();) {
+        if (!reading.isInSection()) { // most lines of an old file are of sections that nobody reads
+            const qsizetype bracket = all.indexOf('[', at);
+            if (bracket < 0)
+                break;
+            at += all.sliced(at, bracket - at).lastIndexOf('\n') + 1;
+        }
         const qsizetype found = all.indexOf('\n', at);
         const qsizetype end = found < 0 ? all.size() : found;
         reading.take(all.sliced(at, end - at));

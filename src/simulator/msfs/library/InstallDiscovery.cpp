@@ -33,7 +33,7 @@ constexpr UserCfgPlace userCfgPlaces[] = {
 
 constexpr const char *officialFolders[] = {"Official", "Official2020", "Official2024"};
 
-QString keyOf(const MsfsInstallConfig &config)
+QString identityOf(const MsfsInstallConfig &config)
 {
     return QStringLiteral("%1|%2|%3|%4")
         .arg(QString::number(static_cast<int>(config.runtime)), config.packagesPath, config.communityPath,
@@ -144,9 +144,9 @@ QList<MsfsInstallConfig> discoverInstallConfigs(const LibraryPlaces &places)
     QList<MsfsInstallConfig> all;
     QSet<QString> keys;
     for (const MsfsInstallConfig &config : configured + detected) {
-        if (!keys.contains(keyOf(config)))
+        if (!keys.contains(identityOf(config)))
             all.append(config);
-        keys.insert(keyOf(config));
+        keys.insert(identityOf(config));
     }
     return all;
 }

@@ -3,6 +3,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace tarvo::simulator::msfs {
@@ -10,18 +11,12 @@ namespace tarvo::simulator::msfs {
 namespace {
 
 using Model = SearchableModel;
-using Field = SearchText Model::*;
-
-constexpr Field makerFields[] = {&Model::icaoManufacturer, &Model::uiType, &Model::uiManufacturer};
-constexpr Field modelFields[] = {&Model::icaoModel, &Model::uiType, &Model::uiVariation, &Model::uiManufacturer};
-constexpr Field airlineFields[] = {&Model::airline, &Model::uiVariation, &Model::uiType, &Model::uiManufacturer,
-                                   &Model::title};
-constexpr Field liveryFields[] = {&Model::uiVariation, &Model::uiType, &Model::uiManufacturer, &Model::title};
+using Outline = ModelOutline;
 
 template <std::size_t Count>
-bool anyTermMatches(const SearchTerm &term, const Model &model, const Field (&fields)[Count])
+bool anyTermMatches(const SearchTerm &term, const Model &model, const ModelField (&fields)[Count])
 {
-    return std::any_of(std::begin(fields), std::end(fields), [&](Field field) { return term.hits(model.*field); });
+    return std::any_of(std::begin(fields), std::end(fields), [&](ModelField field) { return term.hits(model.*field); });
 }
 
 /// The rows of a type, those of one manufacturer together.
@@ -57,30 +52,35 @@ class TypeTest
 {
 public:
     explicit TypeTest(const ModelQuery &query)
-        : m_key(normalizeKey(query.type)), m_families(familiesOf(query.familyRows))
+        : m_key(normalizeKey(query.type)),
+          m_hash(std::hash<std::string_view>()(m_key)),
+          m_families(familiesOf(query.familyRows))
     {
     }
 
-    Fit fit(const Model &model) const
+    Fit fit(const Model &model, const Outline &outline) const
     {
         if (m_key.empty())
             return Fit::Loose;
-        if (model.typeDesignator.key() == m_key)
+        if (outline.designatorHash == m_hash && model.typeDesignator.key() == m_key)
             return Fit::Exact;
         const bool isRelative = std::any_of(m_families.begin(), m_families.end(),
-                                            [&model](const Family &family) { return holds(family, model); });
+                                            [&](const Family &family) { return holds(family, model, outline); });
         return isRelative ? Fit::Loose : Fit::None;
     }
 
 private:
-    static bool holds(const Family &family, const Model &model)
+    static bool holds(const Family &family, const Model &model, const Outline &outline)
     {
-        return anyTermMatches(family.manufacturer, model, makerFields) &&
-               std::any_of(family.models.begin(), family.models.end(),
-                           [&model](const SearchTerm &term) { return anyTermMatches(term, model, modelFields); });
+        return family.manufacturer.mayHit(outline.manufacturerPairs) &&
+               anyTermMatches(family.manufacturer, model, manufacturerFields) &&
+               std::any_of(family.models.begin(), family.models.end(), [&](const SearchTerm &term) {
+                   return term.mayHit(outline.modelPairs) && anyTermMatches(term, model, modelFields);
+               });
     }
 
     std::string m_key;
+    std::size_t m_hash;
     std::vector<Family> m_families;
 };
 
@@ -126,12 +126,14 @@ public:
     Best best(const Points &points) const
     {
         Best best;
-        m_tables.forEachCandidate(m_query.profile, [&](const Model &model) {
-            const Fit fit = m_typeTest.fit(model);
+        m_tables.forEachCandidate(m_query.profile, [&](const Model &model, const Outline &outline) {
+            const Fit fit = m_typeTest.fit(model, outline);
             if (fit == Fit::None)
                 return;
-            const qint32 score = this->score(model, fit, points);
-            if (score > best.score)
+            const qint32 kind = kindScore(model, fit, points);
+            if (kind + points.airline + points.livery <= best.score) // whatever its texts say
+                return;
+            if (const qint32 score = kind + textScore(model, outline, points); score > best.score)
                 best = {&model, score};
         });
         return best;
@@ -153,13 +155,20 @@ private:
                (model.namesMaker && !m_namesMaker ? unaskedMakerPoints : 0);
     }
 
-    qint32 score(const Model &model, Fit fit, const Points &points) const
+    qint32 kindScore(const Model &model, Fit fit, const Points &points) const
     {
         const bool isAskedRuntime =
             m_query.profile != MsfsRuntimeProfile::Unknown && model.entry.runtime == m_query.profile;
         return (fit == Fit::Exact ? points.exact : points.loose) + (isAskedRuntime ? points.runtime : 0) +
-               quality(model) + (anyTermMatches(m_airline, model, airlineFields) ? points.airline : 0) +
-               (anyTermMatches(m_livery, model, liveryFields) ? points.livery : 0);
+               quality(model);
+    }
+
+    qint32 textScore(const Model &model, const Outline &outline, const Points &points) const
+    {
+        const bool hasAirline =
+            m_airline.mayHit(outline.airlinePairs) && anyTermMatches(m_airline, model, airlineFields);
+        const bool hasLivery = m_livery.mayHit(outline.liveryPairs) && anyTermMatches(m_livery, model, liveryFields);
+        return (hasAirline ? points.airline : 0) + (hasLivery ? points.livery : 0);
     }
 
     const ModelTables &m_tables;
@@ -195,14 +204,15 @@ MsfsModelMatch findModel(const ModelTables &tables, const ModelQuery &query)
 
 bool isOfType(const MsfsAircraftEntry &entry, const ModelQuery &query)
 {
-    return TypeTest(query).fit(SearchableModel(entry)) != Fit::None;
+    const SearchableModel model(entry);
+    return TypeTest(query).fit(model, ModelOutline(model)) != Fit::None;
 }
 
 std::optional<MsfsAircraftEntry> findTitle(const ModelTables &tables, MsfsRuntimeProfile profile, const QString &title)
 {
     const std::string key = normalizeKey(title);
     const MsfsAircraftEntry *found = nullptr;
-    tables.forEachCandidate(profile, [&](const SearchableModel &model) {
+    tables.forEachCandidate(profile, [&](const Model &model, const Outline &) {
         if (!found && model.title.key() == key)
             found = &model.entry;
     });

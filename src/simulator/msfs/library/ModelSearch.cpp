@@ -22,10 +22,10 @@ constexpr FieldPoints fieldPoints[] = {
     {&SearchableModel::icaoManufacturer, 220, 140, 90, 40},
 };
 constexpr qint32 tokenPoints = 10;
-constexpr qint32 runtimePoints = 40;
-constexpr qint32 airTrafficPoints = 15;
-constexpr qint32 selectablePoints = 10;
-constexpr qint32 communityPoints = 5;
+constexpr qint32 runtimeBonus = 40;
+constexpr qint32 airTrafficBonus = 15;
+constexpr qint32 selectableBonus = 10;
+constexpr qint32 communityBonus = 5;
 
 qint32 fieldScore(const SearchText &text, const SearchTerm &term, const FieldPoints &points)
 {
@@ -49,11 +49,11 @@ qint32 textScore(const SearchableModel &model, const SearchTerm &term)
     return score;
 }
 
-qint32 extraPoints(const MsfsAircraftEntry &entry, MsfsRuntimeProfile profile)
+qint32 bonus(const MsfsAircraftEntry &entry, MsfsRuntimeProfile profile)
 {
-    return (profile != MsfsRuntimeProfile::Unknown && entry.runtime == profile ? runtimePoints : 0) +
-           (entry.isAirTraffic ? airTrafficPoints : 0) + (entry.isUserSelectable ? selectablePoints : 0) +
-           (entry.isCommunity ? communityPoints : 0);
+    return (profile != MsfsRuntimeProfile::Unknown && entry.runtime == profile ? runtimeBonus : 0) +
+           (entry.isAirTraffic ? airTrafficBonus : 0) + (entry.isUserSelectable ? selectableBonus : 0) +
+           (entry.isCommunity ? communityBonus : 0);
 }
 
 bool comesFirst(const MsfsScoredModel &a, const MsfsScoredModel &b)
@@ -68,9 +68,9 @@ QList<MsfsScoredModel> searchModels(const ModelTables &tables, const QString &qu
 {
     const SearchTerm term(query);
     QList<MsfsScoredModel> found;
-    tables.forEachCandidate(profile, [&](const SearchableModel &model) {
+    tables.forEachCandidate(profile, [&](const SearchableModel &model, const ModelOutline &) {
         if (const qint32 score = textScore(model, term); score > 0)
-            found.append({model.entry, score + extraPoints(model.entry, profile)});
+            found.append({model.entry, score + bonus(model.entry, profile)});
     });
     std::stable_sort(found.begin(), found.end(), comesFirst);
     found.resize(std::min<qsizetype>(found.size(), std::max(limit, 1)));

@@ -1,6 +1,7 @@
 #include "simulator/msfs/library/ModelTables.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace tarvo::simulator::msfs {
@@ -8,6 +9,15 @@ namespace tarvo::simulator::msfs {
 namespace {
 
 constexpr std::string_view makers[] = {"FENIX", "FLYBYWIRE", "FBW", "A32NX", "PMDG", "INIBUILDS"};
+
+template <std::size_t Count>
+quint64 pairsOfAll(const SearchableModel &model, const ModelField (&fields)[Count])
+{
+    quint64 pairs = 0;
+    for (const ModelField field : fields)
+        pairs |= (model.*field).pairs();
+    return pairs;
+}
 
 } // namespace
 
@@ -34,10 +44,24 @@ SearchableModel::SearchableModel(MsfsAircraftEntry installed)
     namesMaker = msfs::namesMaker(all + normalizeKey(entry.package));
 }
 
+ModelOutline::ModelOutline(const SearchableModel &model)
+    : designatorHash(std::hash<std::string_view>()(model.typeDesignator.key())),
+      manufacturerPairs(pairsOfAll(model, manufacturerFields)),
+      modelPairs(pairsOfAll(model, modelFields)),
+      airlinePairs(pairsOfAll(model, airlineFields)),
+      liveryPairs(pairsOfAll(model, liveryFields))
+{
+}
+
 void ModelTables::append(MsfsAircraftEntry entry)
 {
-    Models &models = m_byRuntime[static_cast<std::size_t>(entry.runtime)];
-    models.emplace_back(std::move(entry));
+    Table &table = m_byRuntime[static_cast<std::size_t>(entry.runtime)];
+    table.outlines.emplace_back(table.models.emplace_back(std::move(entry)));
+}
+
+qsizetype ModelTables::count(MsfsRuntimeProfile runtime) const
+{
+    return static_cast<qsizetype>(m_byRuntime[static_cast<std::size_t>(runtime)].models.size());
 }
 
 } // namespace tarvo::simulator::msfs

@@ -25,6 +25,32 @@ struct SearchableModel
     bool namesMaker = false; ///< its own text names a maker of add-ons
 };
 
+using ModelField = SearchText SearchableModel::*;
+
+// Where a query's terms are looked for.
+inline constexpr ModelField manufacturerFields[] = {&SearchableModel::icaoManufacturer, &SearchableModel::uiType,
+                                                    &SearchableModel::uiManufacturer};
+inline constexpr ModelField modelFields[] = {&SearchableModel::icaoModel, &SearchableModel::uiType,
+                                             &SearchableModel::uiVariation, &SearchableModel::uiManufacturer};
+inline constexpr ModelField airlineFields[] = {&SearchableModel::airline, &SearchableModel::uiVariation,
+                                               &SearchableModel::uiType, &SearchableModel::uiManufacturer,
+                                               &SearchableModel::title};
+inline constexpr ModelField liveryFields[] = {&SearchableModel::uiVariation, &SearchableModel::uiType,
+                                              &SearchableModel::uiManufacturer, &SearchableModel::title};
+
+/// The little of a model that rules most of them out. A search goes over these, which lie close together.
+struct ModelOutline
+{
+    explicit ModelOutline(const SearchableModel &model);
+
+    std::size_t designatorHash; ///< of the type designator's key
+    // The pairs of all texts that a term is looked for in, see pairsOf().
+    quint64 manufacturerPairs;
+    quint64 modelPairs;
+    quint64 airlinePairs;
+    quint64 liveryPairs;
+};
+
 /// True when the key of a text names a maker of add-ons, such as "PMDG".
 bool namesMaker(std::string_view key);
 
@@ -32,27 +58,31 @@ bool namesMaker(std::string_view key);
 class ModelTables
 {
 public:
-    using Models = std::vector<SearchableModel>;
-
     void append(MsfsAircraftEntry entry);
-    qsizetype count(MsfsRuntimeProfile runtime) const { return static_cast<qsizetype>(of(runtime).size()); }
+    qsizetype count(MsfsRuntimeProfile runtime) const;
 
-    /// Tells `visit` every model that may serve `profile`: those of that simulator; for Unknown all, 2020's first.
+    /// Tells `visit` every model that may serve `profile`, and its outline: those of that simulator; for Unknown all,
+    /// 2020's first.
     template <typename Visit>
     void forEachCandidate(MsfsRuntimeProfile profile, Visit visit) const
     {
         for (std::size_t runtime = 0; runtime < m_byRuntime.size(); ++runtime) {
             if (profile != MsfsRuntimeProfile::Unknown && runtime != static_cast<std::size_t>(profile))
                 continue;
-            for (const SearchableModel &model : m_byRuntime[runtime])
-                visit(model);
+            const Table &table = m_byRuntime[runtime];
+            for (std::size_t at = 0; at < table.models.size(); ++at)
+                visit(table.models[at], table.outlines[at]);
         }
     }
 
 private:
-    const Models &of(MsfsRuntimeProfile runtime) const { return m_byRuntime[static_cast<std::size_t>(runtime)]; }
+    struct Table
+    {
+        std::vector<SearchableModel> models;
+        std::vector<ModelOutline> outlines; ///< one for each model
+    };
 
-    std::array<Models, 3> m_byRuntime; ///< by the profile's number
+    std::array<Table, 3> m_byRuntime; ///< by the profile's number
 };
 
 } // namespace tarvo::simulator::msfs

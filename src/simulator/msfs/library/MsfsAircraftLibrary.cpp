@@ -19,14 +19,6 @@ namespace tarvo::simulator::msfs {
 
 namespace {
 
-enum class Phase
-{
-    NotScanned,
-    Scanning,
-    ScanningBeforeReload, ///< to be scanned once more
-    Ready,
-};
-
 struct RuntimeKeys
 {
     MsfsRuntimeProfile runtime;
@@ -56,6 +48,14 @@ QString userDataBase()
 /// The worker writes the tables until the phase is Ready, and everybody else only reads them then.
 struct MsfsAircraftLibrary::Shared
 {
+    enum class Phase
+    {
+        NotScanned,
+        Scanning,
+        ScanningBeforeReload, ///< to be scanned once more
+        Ready,
+    };
+
     /// On the worker's thread.
     void run()
     {
@@ -125,16 +125,16 @@ MsfsAircraftLibrary::~MsfsAircraftLibrary()
 
 void MsfsAircraftLibrary::ensureLoaded()
 {
-    if (m_shared->phase == Phase::NotScanned)
+    if (m_shared->phase == Shared::Phase::NotScanned)
         startScan();
 }
 
 void MsfsAircraftLibrary::reload()
 {
     m_shared->setPlaces(places());
-    Phase expected = Phase::Scanning;
-    if (m_shared->phase.compare_exchange_strong(expected, Phase::ScanningBeforeReload) ||
-        expected == Phase::ScanningBeforeReload)
+    Shared::Phase expected = Shared::Phase::Scanning;
+    if (m_shared->phase.compare_exchange_strong(expected, Shared::Phase::ScanningBeforeReload) ||
+        expected == Shared::Phase::ScanningBeforeReload)
         return;
     m_matches.clear();
     startScan();
@@ -145,10 +145,10 @@ void MsfsAircraftLibrary::startScan()
     if (m_shared->watch.isStopped)
         return;
     m_shared->setPlaces(places());
-    m_shared->phase = Phase::Scanning;
+    m_shared->phase = Shared::Phase::Scanning;
     if (m_worker.post([shared = m_shared] { shared->run(); }))
         return;
-    m_shared->phase = Phase::NotScanned;
+    m_shared->phase = Shared::Phase::NotScanned;
     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again),
                             "thread constructor failed");
 }
@@ -167,7 +167,7 @@ LibraryPlaces MsfsAircraftLibrary::places() const
 
 bool MsfsAircraftLibrary::isReady() const
 {
-    return m_shared->phase == Phase::Ready;
+    return m_shared->phase == Shared::Phase::Ready;
 }
 
 qsizetype MsfsAircraftLibrary::modelCount(MsfsRuntimeProfile runtime) const

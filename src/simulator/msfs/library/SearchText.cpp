@@ -10,39 +10,43 @@ namespace {
 
 constexpr std::size_t shortestToken = 2; ///< a single character says nothing
 
-bool isKept(char16_t character)
+/// What is kept of an upper-cased or an ASCII character; 0 for nothing.
+char kept(char16_t unit)
 {
-    return (character >= u'A' && character <= u'Z') || (character >= u'0' && character <= u'9');
+    if ((unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9'))
+        return static_cast<char>(unit);
+    return unit >= u'a' && unit <= u'z' ? static_cast<char>(unit - u'a' + u'A') : '\0';
 }
 
 /// The runs of kept characters, a blank before each and one behind the last.
-std::string framedRuns(QStringView upper)
+std::string framedRuns(QStringView text)
 {
     std::string framed;
+    framed.reserve(2 * static_cast<std::size_t>(text.size()) + 4); // room for the key too
     bool isInRun = false;
-    for (const QChar character : upper) {
-        const char16_t unit = character.unicode();
-        const bool kept = isKept(unit);
-        if (kept && !isInRun)
+    for (const QChar character : text) {
+        const char one = kept(character.unicode());
+        if (one != '\0' && !isInRun)
             framed += ' ';
-        if (kept)
-            framed += static_cast<char>(unit);
-        isInRun = kept;
+        if (one != '\0')
+            framed += one;
+        isInRun = one != '\0';
     }
     if (!framed.empty())
         framed += ' ';
     return framed;
 }
 
+std::string framedRunsOf(QStringView text)
+{
+    const bool isAscii = std::all_of(text.begin(), text.end(), [](QChar one) { return one.unicode() < 0x80; });
+    return isAscii ? framedRuns(text) : framedRuns(text.toString().toUpper());
+}
+
 std::string withoutBlanks(std::string text)
 {
     text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
     return text;
-}
-
-std::string framedRunsOf(QStringView text)
-{
-    return framedRuns(text.toString().toUpper());
 }
 
 bool holds(std::string_view text, quint64 pairs, std::string_view piece, quint64 pairsOfPiece)
@@ -115,6 +119,12 @@ int SearchTerm::commonTokens(const SearchText &text) const
     return static_cast<int>(std::count_if(m_tokens.begin(), m_tokens.end(), [&text](const Piece &token) {
         return holds(text.framed(), text.pairs(), token.text, token.pairs);
     }));
+}
+
+bool SearchTerm::mayHit(quint64 pairs) const
+{
+    const auto mayHold = [pairs](const Piece &piece) { return (piece.pairs & ~pairs) == 0; };
+    return !m_isBlank && (mayHold(m_key) || std::any_of(m_tokens.begin(), m_tokens.end(), mayHold));
 }
 
 bool SearchTerm::hits(const SearchText &text) const

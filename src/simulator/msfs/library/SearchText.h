@@ -45,6 +45,8 @@ public:
     std::string_view key() const { return m_key.text; }
     /// The text's key holds the query's, or the two have a token of at least two characters in common.
     bool hits(const SearchText &text) const;
+    /// False when no text that has only these pairs can be hit; a single look.
+    bool mayHit(quint64 pairs) const;
     /// The key alone.
     bool isInKeyOf(const SearchText &text) const;
     /// How many of the query's tokens of at least two characters the text has.

@@ -44,7 +44,8 @@ inline QList<simulator::msfs::MsfsAircraftEntry> entriesOf(const simulator::msfs
 {
     QList<simulator::msfs::MsfsAircraftEntry> entries;
     tables.forEachCandidate(profile,
-                            [&entries](const simulator::msfs::SearchableModel &model) { entries.append(model.entry); });
+                            [&entries](const simulator::msfs::SearchableModel &model,
+                                       const simulator::msfs::ModelOutline &) { entries.append(model.entry); });
     return entries;
 }
 
