@@ -29,7 +29,8 @@ void LibraryWatch::load()
 void LibraryWatch::check()
 {
     if (m_library.isReady()) {
-        m_timer.stop();
+        if (m_timer.isActive())
+            poll(); // whoever waited is told now: no tick comes any more
         return;
     }
     if (m_timer.isActive())

@@ -23,9 +23,11 @@ constexpr quint32 trafficRadiusMetres = 30000;
 constexpr int transponderStandby = 1;
 constexpr int transponderModeC = 4;
 
-std::unique_ptr<SimConnectSession> sessionOver(std::shared_ptr<SimConnectBinding> binding)
+/// A child of the adapter, as a Simulator's timers are to be found below it.
+std::unique_ptr<SimConnectSession> sessionOver(std::shared_ptr<SimConnectBinding> binding, QObject *adapter)
 {
-    return binding ? std::make_unique<SimConnectSession>(std::move(binding)) : std::make_unique<SimConnectSession>();
+    return binding ? std::make_unique<SimConnectSession>(std::move(binding), adapter)
+                   : std::make_unique<SimConnectSession>(adapter);
 }
 
 void logNoRelay(const char *kind, const QString &message)
@@ -38,7 +40,7 @@ void logNoRelay(const char *kind, const QString &message)
 MsfsAdapter::MsfsAdapter(AppConfig &config, std::shared_ptr<SimConnectBinding> binding, MsfsAircraftLibrary *library,
                          const common::Clock &clock, QObject *parent)
     : Simulator(parent),
-      m_session(sessionOver(std::move(binding))),
+      m_session(sessionOver(std::move(binding), this)),
       m_traffic(std::make_unique<MsfsTraffic>(*m_session, library ? *library : MsfsAircraftLibrary::instance(), clock))
 {
     m_session->setTrafficRadius(trafficRadiusMetres);

@@ -112,6 +112,8 @@ void MsfsTraffic::track(const RemoteAircraft &aircraft)
     if (!m_models.isReady()) {
         m_library.load();
         m_library.check();
+    }
+    if (!m_models.isReady()) { // a small library may be done by now, and then nobody would ask again
         remember(aircraft);
         return;
     }
