@@ -128,7 +128,7 @@ void FsdRelay::sayPositions(const QList<FsdReport> &reports) const
 {
     const QList<FsdSession *> sessions = m_roster.all();
     for (FsdSession *session : sessions) {
-        if (!session->isOpen() || !session->loggedIn() || !session->position)
+        if (!session->position)
             continue;
         QByteArray batch;
         for (const FsdReport &report : reports) {
@@ -181,7 +181,7 @@ void FsdRelay::farewell(const FsdClientRecord &gone) const
 void FsdRelay::updateFast() const
 {
     for (FsdSession *pilot : m_roster.all()) {
-        if (!pilot->isOpen() || !isPilotSomewhere(*pilot))
+        if (!isPilotSomewhere(*pilot))
             continue;
         const bool near = isNearSession(*pilot) || isNearResident(*pilot);
         if (near == pilot->fast)

@@ -35,7 +35,7 @@ QList<FsdSession *> Roster::others(const FsdClientRecord &self) const
 {
     QList<FsdSession *> list;
     for (FsdSession *session : m_sessions) {
-        if (session != &self && session->isOpen() && session->loggedIn())
+        if (session != &self && session->loggedIn())
             list.append(session);
     }
     return list;

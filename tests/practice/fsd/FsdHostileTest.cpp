@@ -1,4 +1,5 @@
 #include "Peers.h"
+#include "support/ManualClock.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
@@ -16,6 +17,7 @@ class FsdHostileTest : public QObject
 {
     Q_OBJECT
 
+    ManualClock m_clock;
     std::unique_ptr<PracticeNetwork> m_network;
     std::unique_ptr<FsdLineClient> m_good;
 
@@ -23,7 +25,7 @@ class FsdHostileTest : public QObject
     void start(const PracticeSettings &settings)
     {
         m_good.reset();
-        m_network = std::make_unique<PracticeNetwork>(settings);
+        m_network = std::make_unique<PracticeNetwork>(settings, m_clock);
         QVERIFY(m_network->start());
         m_good = std::make_unique<FsdLineClient>(fsd());
         m_good->logIn("GOOD1", "1002");
@@ -63,6 +65,10 @@ private slots:
         TRY_VERIFY(m_good->got("#TMBAD1:GOOD1:last"));
         QCOMPARE(m_good->count("#TMBAD1"), 1);
         TRY_COMPARE(peer.count("$ERSERVER:BAD1:4::Control character"), 2);
+        peer.socket.write("#DPBAD1:1001\r\n#TMBAD1:GOOD1:too late\r\n");
+        TRY_VERIFY(peer.closed());
+        settle(*m_good, "GOOD1");
+        QVERIFY(!m_good->got("#TMBAD1:GOOD1:too late"));
     }
 
     void manyBadLinesCostTheConnection()
@@ -90,6 +96,7 @@ private slots:
         FsdLineClient peer(fsd());
         peer.logIn("BAD1");
         TRY_VERIFY(peer.got("#TM"));
+        m_clock.advance(110'000); // a long silence saves nothing up
         peer.socket.write(bytes);
         TRY_VERIFY(peer.closed());
         TRY_COMPARE(fsd().connectionCount(), 1);

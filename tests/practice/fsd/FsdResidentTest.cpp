@@ -272,6 +272,7 @@ private slots:
         TRY_VERIFY(m_a->got("$SFSERVER:AB1:1\r\n"));
         m_a->send("$CQAB1:CRD1:CAPS");
         m_a->send("$CQAB1:SERVER:FP:CRD1");
+        m_a->send("#TMAB1:@18100:hi");
         m_a->send("#TMAB1:*:hi");
         TRY_VERIFY(m_a->got("$CRSERVER:AB1:FP:CRD1:A320\r\n$FPCRD1:SERVER:I:A320\r\n"));
         TRY_VERIFY(m_resident->heard.contains(QStringLiteral("#TMAB1:*:hi")));
