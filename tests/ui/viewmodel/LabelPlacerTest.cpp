@@ -253,6 +253,16 @@ private slots:
         QCOMPARE(bool(labels.at(1).name), !keeps);
     }
 
+    void anAltitudeTakesNobodysPlace()
+    {
+        const PlotSymbol first{u"FIRST"_qs, {0, 0}, 10, {}, altitudeSize, false};
+        const PlotSymbol second{u"SECOND"_qs, {6, 0}, 5, {}, altitudeSize, false};
+        LabelPlacer placer;
+        QVERIFY(placer.place({first}, glass, {}).first().altitude);
+        const QList<PlotLabel> labels = placer.place({first, second}, glass, {});
+        QVERIFY(labels.at(0).altitude && !labels.at(1).altitude);
+    }
+
     void aNewcomerTakesNobodysPlaceWithoutNeed()
     {
         LabelPlacer placer;

@@ -77,6 +77,7 @@ private slots:
     {
         LineLog log;
         log.append(noon(), u"a"_qs);
+        QVERIFY(!log.text().isEmpty());
         log.clear();
         QVERIFY(log.isEmpty());
         QCOMPARE(log.text(), QString());
