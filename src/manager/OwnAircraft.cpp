@@ -33,8 +33,7 @@ void OwnAircraft::startOver()
         connect(simulator, &Simulator::simConnectionStateChanged, this, &OwnAircraft::onConnectionState),
         connect(simulator, &Simulator::simPausedStateChanged, this, &OwnAircraft::onPausedState),
     });
-    if (!m_watchdog.isActive())
-        m_watchdog.start();
+    m_watchdog.start();
     m_data = {};
     m_watch = {};
     m_transmitFrequencies.clear();
@@ -47,7 +46,7 @@ void OwnAircraft::startOver()
 
 void OwnAircraft::onUserAircraftData(const model::UserAircraftData &data)
 {
-    // A sample that is new by what isn't plausible alone is none: it must not keep a dead simulator alive.
+    // A sample that differs by implausible values alone isn't new: it must not keep a dead simulator alive.
     const model::UserAircraftData sample = plausible(data, m_data.aircraft);
     if (sample == m_data.aircraft)
         return;

@@ -51,7 +51,7 @@ struct Story
     bool play()
     {
         return client.connectToServer(peer.address(), peer.port()) && peer.waitForConnection() &&
-               QTest::qWaitFor([this] { return heard.contains(u"connected"_qs); });
+               tarvo::test::waitFor([this] { return heard.contains(u"connected"_qs); });
     }
     QStringList afterDeed() const { return heard.mid(heardAtDeed); }
 };

@@ -59,7 +59,7 @@ struct Slow
     bool open()
     {
         return client.connectToServer(peer.address(), peer.port()) &&
-               QTest::qWaitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
+               tarvo::test::waitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
     }
 };
 
@@ -220,7 +220,7 @@ private slots:
         peer.injectBytes(line.repeated(count));
         peer.closeConnection();
         MainThreadWatch watch;
-        const bool over = QTest::qWaitFor([&] { return disconnected.count() > 0; }, 4 * tarvo::test::patienceMs);
+        const bool over = tarvo::test::waitFor([&] { return disconnected.count() > 0; }, 4 * tarvo::test::patienceMs);
         qInstallMessageHandler(told);
         QVERIFY(over);
         VERIFY_NO_STANDSTILL(watch);

@@ -40,7 +40,7 @@ struct Session
     bool open()
     {
         return client.connectToServer(peer.address(), peer.port()) &&
-               QTest::qWaitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
+               tarvo::test::waitFor([this] { return client.isConnected(); }) && peer.waitForConnection();
     }
 };
 
@@ -57,7 +57,7 @@ struct DeafServer
             return false;
         server.pauseAccepting(); // the connection stands, and nobody reads
         return session.client.connectToServer(u"127.0.0.1"_qs, server.serverPort()) &&
-               QTest::qWaitFor([&] { return session.client.isConnected(); });
+               tarvo::test::waitFor([&] { return session.client.isConnected(); });
     }
     /// Says `before`, then asks for more answers than can wait.
     static void ask(Session &session, const QByteArray &before = {})

@@ -41,7 +41,7 @@ struct TwoServers
     bool open()
     {
         return client.connectToServer(first.address(), first.port()) &&
-               QTest::qWaitFor([this] { return client.isConnected(); }) && first.waitForConnection();
+               tarvo::test::waitFor([this] { return client.isConnected(); }) && first.waitForConnection();
     }
     bool listenAsSecond()
     {
@@ -67,7 +67,7 @@ struct TwoServers
     bool lay(FsdPeer &server, const QByteArray &bytes)
     {
         server.injectBytes(bytes);
-        return QTest::qWaitFor([&] {
+        return tarvo::test::waitFor([&] {
             const auto sockets = client.findChildren<QTcpSocket *>();
             return std::any_of(sockets.begin(), sockets.end(), [&](QTcpSocket *socket) {
                 return socket->peerName() == server.address() && socket->bytesAvailable() == bytes.size();
@@ -76,7 +76,7 @@ struct TwoServers
     }
     bool waitForSwap()
     {
-        return QTest::qWaitFor([this] { return client.serverAddress() == second->address(); });
+        return tarvo::test::waitFor([this] { return client.serverAddress() == second->address(); });
     }
     /// Opens and moves to the second server.
     bool move()

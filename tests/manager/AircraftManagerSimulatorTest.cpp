@@ -21,6 +21,9 @@ private slots:
         CrowdedSession s;
         QVERIFY(s.online && s.meetAb2(0));
         QVERIFY(s.feed(TrafficSession::configuration(fullGearDown)));
+        s.sim = std::make_shared<FakeSimulator>();
+        s.manager->setSimulator(s.sim);
+        QCOMPARE(s.sim->takeCalls(), (QStringList{add, update})); // NetworkManager has told all of it
         QVERIFY(s.feed(TrafficSession::configuration(uR"({"config":{"flaps_pct":20}})"_qs)));
         const std::weak_ptr<FakeSimulator> old = s.sim;
         const auto next = std::make_shared<FakeSimulator>();

@@ -38,7 +38,7 @@ struct VoiceSession : OnlineSession
     bool greet()
     {
         voice.inject(R"({"type":"message","data":"SERVER:CCA1234:Welcome"})");
-        return QTest::qWaitFor([this] { return client.isReady(); });
+        return tarvo::test::waitFor([this] { return client.isReady(); });
     }
 
     /// What the server is told of a radio.

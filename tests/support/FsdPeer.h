@@ -21,7 +21,7 @@ class FsdPeer : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int deadlineMs = 10'000;
+    static constexpr int deadlineMs = 30'000;
 
     /// Listens on `address`, on `port` or any free one. A second peer on the first one's port at 127.0.0.2 plays the
     /// server that a session is sent to.

@@ -39,7 +39,7 @@ struct TrafficStage : PageStage<test::TrafficSession>
     bool hear(const QString &callsign)
     {
         session.peer.inject(test::TrafficSession::slow(callsign));
-        return QTest::qWaitFor([&] { return session.manager->remoteAircraft(callsign).has_value(); });
+        return tarvo::test::waitFor([&] { return session.manager->remoteAircraft(callsign).has_value(); });
     }
 };
 
