@@ -21,8 +21,8 @@ struct DataFolders;
 /// The one place for settings: "config.ini" in the data root. Main thread only.
 ///
 /// Reading never fails: a malformed value converts to the type's zero. Every write is synced to the file at once and
-/// then announced. An unwritable file is not an error here; the values go on working in memory. What the file has lost
-/// since the last start that read it well comes back from the copy of then.
+/// then announced. An unwritable file is not an error here; the values go on working in memory. A start that reads the
+/// file well makes a copy of it, and what the file has lost at a later start comes back from there.
 class AppConfig : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ public:
     double get(const RealKey &key) const;
     /// Trimmed, canonical paths of the folders that exist, each once.
     QStringList get(const PathListKey &key) const;
-    /// All of the list as the file has it, for a pilot to edit: what is on a drive that is away now is to stay.
+    /// The whole list as the file has it, for a pilot to edit: folders on a drive that is away now must stay in it.
     QStringList storedPaths(const PathListKey &key) const;
     /// What get() makes of a stored list. It looks at the disk, which may take long for a drive that is away; for any
     /// thread.
@@ -57,8 +57,8 @@ public:
     /// Sets a text key to its default.
     void reset(const StringKey &key);
 
-    /// What had to be mended in the file at the start, for the log, which opens later; empty when nothing was. Settings
-    /// were lost then and came back, which the pilot is told.
+    /// The settings that the file had lost at the start and that came back, in words for the log, which opens later.
+    /// Empty when there were none; otherwise the pilot is told.
     QString startupWarning() const { return m_startupWarning; }
 
     /// What the program remembers by itself, in a file of its own beside these settings.

@@ -76,8 +76,8 @@ TARVO_STORED_KEYS(TARVO_DECLARE_KEY)
 
 inline constexpr StringKey authToken{.key = "Auth/Token", .isVolatile = true};
 
-// What the pilot typed serves this login session even when it is not to be remembered. Filled at every login, emptied
-// when the session's clean-up has run; never in the file.
+// What the pilot typed to sign in, which the session needs although it may not be remembered. Filled at every login,
+// emptied at the end of the session's clean-up; never in the file.
 inline constexpr StringKey sessionUsername{.key = "Session/Username", .isVolatile = true};
 inline constexpr StringKey sessionPassword{.key = "Session/Password", .isVolatile = true};
 

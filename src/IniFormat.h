@@ -4,9 +4,9 @@
 #include <QByteArrayView>
 #include <QSettings>
 
-/// The form of config.ini. It is the INI form of QSettings, read and written here, because QSettings also builds any
-/// object that a value names: a few crafted bytes in the file would end the program at every start. Here a value is
-/// text, bytes, nothing, or a list of them. What else begins with "@" is plain text.
+/// The form of config.ini: the INI form of QSettings, with a reader and a writer of our own. QSettings' own reader
+/// builds any object that a value names, so that a few crafted bytes in the file would end the program at every start.
+/// Here a value is text, bytes, nothing, or a list of them. Anything else that begins with "@" is plain text.
 ///
 /// QSettings still keeps the values, locks and replaces the file and sees what another program writes into it.
 namespace tarvo::ini {

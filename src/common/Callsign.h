@@ -10,7 +10,7 @@ namespace tarvo::common {
 /// What the server calls itself, and what a line to it is addressed to.
 inline constexpr QLatin1StringView serverCallsign{"SERVER"};
 
-/// What the network calls a callsign and is longer than this is none, and is not kept. Real ones have 12 characters at
+/// A text from the network that is longer than this is no callsign, and is not kept. Real ones have 12 characters at
 /// most.
 inline constexpr qsizetype longestCallsign = 32;
 

@@ -67,7 +67,7 @@ QString describe(QAbstractSocket::SocketError error, const QString &text)
     return text.isEmpty() ? key : key + QLatin1StringView(": ") + text;
 }
 
-/// Closes for good. A socket that is still connecting would, if only closed, connect first and close then.
+/// Closes for good. close() would let a connecting socket connect first.
 void finish(QTcpSocket *socket)
 {
     if (socket->state() == QAbstractSocket::HostLookupState || socket->state() == QAbstractSocket::ConnectingState)
@@ -139,8 +139,8 @@ bool FsdClient::connectToServer(const QString &host, quint16 port)
         return false;
     }
 
-    // A fresh socket each time: this may run inside a signal of the old one, which would close a connection started on
-    // itself when the signal returns.
+    // A fresh socket each time: this may run inside a signal of the old one. When that signal returns, Qt would close a
+    // connection that was started on the same socket.
     forgetConnection();
     retire(std::exchange(m_socket, new QTcpSocket(this)));
     attach();

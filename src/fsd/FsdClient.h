@@ -149,15 +149,15 @@ private:
     QTcpSocket *m_socket = nullptr; ///< child; a fresh one for each connection, and on a server change
     bool m_connected = false;
     LineSplitter m_splitter;                  ///< lines that wait for their turn, and the text after the last
-    QTimer m_nextTurn{this};                  ///< runs out at once; a timer, which lets sockets and windows have theirs
+    QTimer m_nextTurn{this};                  ///< of 0 ms: sockets and windows get their turn in between
     std::optional<SocketError> m_socketError; ///< behind the lines that wait
     QString m_serverAddress;                  ///< resolved
     quint16 m_serverPort = 0;
     bool m_changingServer = false;     ///< socket errors are silent meanwhile
     QTcpSocket *m_newSocket = nullptr; ///< child; connecting to the next server
     NameResolver m_resolver;
-    int m_session = 0;   ///< counts starts and ends of connections, so that a caller of a signal knows of a new one
-    int m_reactions = 0; ///< socket reactions on the stack
+    int m_session = 0;             ///< counts starts and ends of connections; whoever raises a signal compares it
+    int m_reactions = 0;           ///< socket reactions on the stack
     QList<QTcpSocket *> m_retired; ///< to be deleted once no socket's own call can be on the stack
 };
 

@@ -11,8 +11,8 @@
 
 namespace tarvo::fsd {
 
-/// Turns a server name into an IPv4 address, on a thread that nobody waits for: neither its owner's end nor the
-/// program's. The newest look-up wins. Those of lookUp() are made one at a time, however many are asked for; resolve()
+/// Turns a server name into an IPv4 address on a thread of its own. Neither the end of its owner nor that of the
+/// program waits for it. The newest look-up wins. lookUp() makes one at a time, however many are asked for; resolve()
 /// doesn't wait for one that was abandoned.
 class NameResolver : public QObject
 {
@@ -45,12 +45,12 @@ private:
 
     std::shared_ptr<Shared> m_shared;
     std::optional<common::Worker> m_worker; ///< there for good, though not always the same
-    Answer m_answer;                        ///< whom the request that is under way is for
+    Answer m_answer;                        ///< of the request that is under way
     int m_request = 0;
     int m_waiting = 0; ///< resolve() calls on the stack
 
 signals:
-    /// Whoever waits for a request has no longer to.
+    /// A request is over: nobody waits for it any more.
     void requestEnded();
 };
 

@@ -12,8 +12,8 @@ namespace tarvo::manager {
 /// The designator that the type data find in a free text; empty when they find none or are not loaded.
 QString knownDesignator(const network::SwiftAircraftIcaoService &icao, const QString &text);
 
-/// A type code out of a free text that the type data don't know: the first two to four letters and digits in a row,
-/// else the text's first four characters, "ZZZZ" for an empty one.
+/// Makes a type code of a free text that the type data don't know: its first run of two to four letters and digits,
+/// else its first four characters; "ZZZZ" for an empty text.
 QString typeCodeFromText(const QString &text);
 
 /// The type in a flight plan's aircraft field, such as B744 in "H/B744/L"; empty for an empty field. A field of
@@ -27,7 +27,7 @@ QString airlineOfCallsign(const QString &callsign);
 class TypeNormalizer
 {
 public:
-    /// Longer texts are cut. Nobody's type is that long, and what a search in a text costs grows faster than the text.
+    /// Longer texts are cut: no type is that long, and a search costs more than twice as much in a text twice as long.
     static constexpr qsizetype longestText = 256;
     /// Texts that are remembered.
     static constexpr qsizetype maximumRemembered = 1024;

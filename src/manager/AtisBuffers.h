@@ -15,7 +15,7 @@ public:
     /// Far above any real ATIS; what a server sends beyond these is dropped.
     static constexpr qsizetype maximumLines = 200;
     static constexpr qsizetype maximumCharacters = 64 * 1024;
-    /// Stations that never answer keep their place until so many others have been asked since.
+    /// Stations that are remembered. One that never answers is forgotten when so many others were asked since.
     static constexpr qsizetype maximumStations = 500;
 
     /// The station's lines begin, or begin anew. Nothing for a callsign too long to be one.

@@ -7,8 +7,8 @@
 
 namespace tarvo::manager {
 
-/// Connections that are undone together, at the latest when the list goes: as a member behind what it listens to, it
-/// sees to it that nothing reaches an object that is half gone.
+/// Connections that are undone together, at the latest when the list is destroyed. As the last member of an object it
+/// keeps signals from reaching that object while it is destroyed.
 class ConnectionList
 {
 public:

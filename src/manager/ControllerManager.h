@@ -36,8 +36,8 @@ public:
     explicit ControllerManager(std::shared_ptr<NetworkManager> network,
                                const common::Clock &clock = common::systemClock(), QObject *parent = nullptr);
 
-    /// All that are known, in the order of their first report: those without a frequency, not yet confirmed or about to
-    /// go included. Empty while there is no connection.
+    /// All that are known, in the order of their first report. Those without a frequency, those that are not confirmed
+    /// yet and those that are about to go are among them. Empty while there is no connection.
     const QList<model::Controller> &controllers() const { return m_controllers; }
 
 signals:

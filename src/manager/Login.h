@@ -22,7 +22,7 @@ class Login : public QObject
     Q_OBJECT
 
 public:
-    /// Both must outlive it. `reporter` begins behind the login's lines.
+    /// Both must outlive it. `reporter` is started once the login's lines are sent.
     Login(SessionContext &session, PositionReporter &reporter, QObject *parent = nullptr);
 
     /// The line is up.
@@ -33,7 +33,7 @@ public:
     const QString &secret() const { return m_secret; }
 
 signals:
-    /// The account service gives no token. `error`: its word, for the pilot.
+    /// The account service gives no token. `error`: why, in its own words, for the pilot.
     void tokenRefused(const QString &error);
 
 private:

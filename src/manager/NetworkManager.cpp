@@ -325,9 +325,9 @@ void NetworkManager::setSimulator(std::shared_ptr<Simulator> simulator)
     });
 }
 
-/// Replaced simulators may be about to return from a signal in which they were replaced. A later turn of the event loop
-/// is no proof that they have: a name may be looked up in a loop on top of that signal. Qt deletes later what belongs
-/// to the loop of now, and while a look-up's own loop runs nothing is let go.
+/// A replaced simulator may still be inside the signal that led to its replacement. A later turn of the event loop
+/// doesn't prove that the signal has returned: a name may be looked up in a loop on top of it. So nothing is let go
+/// during a look-up, and otherwise deleteLater() waits for the loop that runs now.
 void NetworkManager::letReplacedGo()
 {
     if (isResolving())

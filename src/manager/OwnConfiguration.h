@@ -12,7 +12,7 @@ namespace tarvo::manager {
 /// The configuration that other pilots are told of: everything but `isFullData`. Flaps go in steps of 5 per cent.
 model::AircraftConfiguration configurationOf(const model::UserAircraftConfigData &data);
 
-/// How many configuration messages may go out: ten in a burst, then one every time a token is added.
+/// How many configuration messages may go out: ten in a burst, then one for each token that is added.
 class ConfigurationBudget
 {
 public:

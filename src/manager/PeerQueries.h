@@ -42,7 +42,7 @@ public:
 signals:
     /// As NetworkManager's.
     void capabilitiesRequestReceived(const QString &from);
-    /// A configuration message came in the guise of a question.
+    /// A configuration message has come; on the wire it is a question.
     void configurationReceived(const QString &from, const QString &json);
 
 private:

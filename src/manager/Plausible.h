@@ -6,8 +6,8 @@
 
 namespace tarvo::manager {
 
-// A simulator may deliver anything. What is not a number, infinite or far beyond any aircraft stands neither on the
-// wire nor on a page: each such field is what it was in `last`.
+// A simulator may deliver anything. A value that is not a number, infinite or far beyond any aircraft must reach
+// neither the wire nor a page: the field keeps its value of `last`.
 
 /// Feet, from the altitude operations of a simulator.
 double plausibleAltitude(double feet, double last);

@@ -8,7 +8,7 @@ struct RadioStackState;
 
 namespace tarvo::manager {
 
-/// Those of `frequencies` (kHz) that a receiver which is on stands on, each once and in that order.
+/// Those of `frequencies` (kHz) that a receiver is tuned to and switched on for; each once, in the order given.
 QList<uint> heardFrequencies(const QList<quint32> &frequencies, const model::RadioStackState &radio);
 
 } // namespace tarvo::manager

@@ -400,7 +400,8 @@ void RemoteTraffic::requestFlightPlanByText(const QString &callsign)
     m_session.send(TextMessage(m_session.info.callsign, serverCallsign, QStringLiteral("FP:%1:GET").arg(callsign)));
 }
 
-/// A flight plan is answered by the question for it, and that by the flight plan: without a pace for ever.
+/// A flight plan is answered with a question for it, and the server answers that with the flight plan. The pace ends
+/// it.
 void RemoteTraffic::answerFlightPlanByText(const QString &callsign)
 {
     if (m_session.usesTokens() && m_textPace.isDue(callsign, m_session.clock.steadyMs()))

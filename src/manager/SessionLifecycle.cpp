@@ -158,7 +158,7 @@ void SessionLifecycle::end(Phase phase)
     emit ended();
 }
 
-/// Each to the simulator of the moment: one that comes in by then has been given the aircraft.
+/// Looks for the simulator twice: the first call may lead to another one, which is given the aircraft.
 void SessionLifecycle::tellSimulatorOfTheEnd()
 {
     if (const std::shared_ptr<Simulator> simulator = m_session.simulator)

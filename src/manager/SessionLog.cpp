@@ -65,8 +65,8 @@ std::array<char, 13> timeOfDay(qint64 wallMs)
     return text;
 }
 
-/// The forms that a secret takes on its way: as it is, as it is sent, as that comes back from the server, and as the
-/// sent line, Latin-1 read as UTF-8, is told.
+/// How a secret may stand in a line: as it was typed, as it is sent, as the server sends it back, and as the line that
+/// is sent is told (Latin-1 read as UTF-8).
 QStringList formsOf(const QString &secret)
 {
     const QByteArray sent = onOneLine(secret).toLatin1();

@@ -20,8 +20,8 @@ class SessionLog
 public:
     static constexpr qint64 longestFile = 64'000'000; ///< bytes
 
-    /// Makes `folder`, deletes old logs and opens the new one. `fileLimit` in bytes; what waits for the disk, and the
-    /// rest of a second, may go beyond it.
+    /// Makes `folder`, deletes old logs and opens the new one. `fileLimit` in bytes. A file may grow beyond it by what
+    /// waits for the disk, and until the second is over, which its name tells.
     SessionLog(const QString &folder, const common::Clock &clock, qint64 fileLimit = longestFile);
     ~SessionLog();
     SessionLog(const SessionLog &) = delete;

@@ -7,8 +7,8 @@
 
 namespace tarvo::manager {
 
-/// Answers one question: is it still the same session? Taken before something is raised, sent or told to the simulator,
-/// which may end the session, begin another or destroy whoever asks.
+/// Answers one question: is it still the same session? Take a mark before anything is raised, sent or told to the
+/// simulator: whoever hears it may end the session, begin another or destroy the caller.
 class SessionMark
 {
 public:

@@ -16,7 +16,8 @@ namespace tarvo::manager {
 
 struct SessionContext;
 
-/// What stations and the server tell of stations, ATIS included. NetworkManager raises its signals as its own.
+/// What stations tell of themselves and the server of stations, ATIS included. NetworkManager raises its signals as its
+/// own.
 class StationReports : public QObject
 {
     Q_OBJECT

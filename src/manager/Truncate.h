@@ -7,8 +7,8 @@
 
 namespace tarvo::manager {
 
-/// `value` cut towards zero. A simulator may deliver anything: what is not a number gives 0, and the limits, far beyond
-/// any real value, leave room for the difference of two results.
+/// `value` cut towards zero. A simulator may deliver anything: a NaN gives 0, and large values are cut at limits that
+/// are far beyond any real one and leave room for the difference of two results.
 inline qint32 truncated(double value)
 {
     constexpr double limit = 1e9;

@@ -47,10 +47,10 @@ private:
     QTimer m_budgetTimer;
     ConfigurationBudget m_budget;
     model::UserAircraftConfigData m_newest; ///< as the simulator tells it
-    model::UserAircraftConfigData m_config; ///< as others are told it; of a lost simulator the last before that
+    model::UserAircraftConfigData m_config; ///< as others are told it; while the simulator is lost, what it told last
     model::RadioStackState m_radio;
-    std::optional<model::AircraftConfiguration> m_lastSent; ///< lives as long as the manager: only changes are sent
-    bool m_held = false; ///< the simulator is lost: what it tells now is a cleared record, and nobody is told
+    std::optional<model::AircraftConfiguration> m_lastSent; ///< kept from session to session: only changes are sent
+    bool m_held = false; ///< the simulator is lost: it tells a cleared record now, which nobody else is told
     bool m_airborne = false;
     bool m_simConnected = false;
     bool m_sampleSeen = false;

@@ -26,7 +26,7 @@ public:
     void tell(const model::RadioStackState &state);
 
 signals:
-    /// The voice session has begun to flow: the radios must be told to it.
+    /// The voice session is ready: it must be told of the radios.
     void ready();
 
 private:

@@ -38,8 +38,8 @@ struct FastPilotPosition : PduBase
     double bankVelocity{};    ///< radians per second
     double noseGearAngle{};   ///< degrees; 0 when absent
 
-    /// Throws PDUFormatException, "Invalid field count for FastPilotPosition command.", below 12, or 6 when stopped
-    /// fields.
+    /// Throws PDUFormatException, "Invalid field count for FastPilotPosition command.", below 12 fields, when stopped
+    /// below 6.
     static FastPilotPosition parse(const QStringList &fields, FastPilotPositionType type);
     QStringList serialize() const;
 

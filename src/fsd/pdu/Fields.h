@@ -15,7 +15,7 @@ void require(const QStringList &fields, qsizetype minimum, QLatin1StringView cla
 /// All fields from `first` on, joined with ":" as they were on the wire.
 QString joinFrom(const QStringList &fields, qsizetype first);
 
-// Numbers are written as in the C locale. One that does not read, or is out of range, is 0.
+// Numbers are written as in the C locale. A text that is no number, or is out of range, gives 0.
 
 /// "inf" and "nan" are no numbers here either.
 double toDouble(QStringView text);
@@ -27,7 +27,7 @@ constexpr quint32 frequencyOffset = 100000;
 /// The frequency in kHz that a wire text stands for. One whose sum does not fit 32 bits is out of range, too.
 quint32 toFrequency(QStringView text);
 
-/// `value` with exactly `decimals` digits after the point. What is no number, or infinite, is 0, as for a reader.
+/// `value` with exactly `decimals` digits after the point; NaN and infinities are written as 0.
 QString fixed(double value, int decimals);
 
 /// Sum and difference in 32 bits; what overflows falls off.

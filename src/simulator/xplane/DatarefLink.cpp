@@ -18,7 +18,7 @@ namespace tarvo::simulator::xplane {
 namespace {
 
 constexpr int publishIntervalMs = 50;
-/// A second. X-Plane that runs replies more often, and so keeps the timer's beat.
+/// A second. X-Plane replies more often while it runs, and the timer goes on.
 constexpr int ticksUntilRest = 20;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
 constexpr int datagramsPerRound = 150;
@@ -26,7 +26,7 @@ constexpr qsizetype largestDatagram = 65536;
 constexpr int lowestPort = 1;
 constexpr int highestPort = 65535;
 
-/// The socket is one for IPv4, and so is every sender.
+/// The socket is for IPv4 alone, so that every sender has an IPv4 address.
 bool isFrom(const QHostAddress &target, const QHostAddress &sender)
 {
     return target.toIPv4Address() == sender.toIPv4Address(); // never 0

@@ -23,7 +23,7 @@ constexpr float northPole = 90;
 constexpr float dateLine = 180;
 constexpr float largestCode = 9999;
 
-/// The largest value that a row believes fits into every type.
+/// Only small values are cut: the largest one that a row believes fits every type.
 template <class Integer>
 Integer truncated(float value)
 {

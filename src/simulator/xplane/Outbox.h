@@ -40,7 +40,7 @@ struct OutgoingMessage
 class Outbox
 {
 public:
-    /// Some ten minutes of dense traffic without its positions.
+    /// As much as some ten minutes of dense traffic bring, positions left out.
     static constexpr qsizetype mostBytes = 8 * 1024 * 1024;
     /// What each message takes there besides its bytes: many small ones count as well.
     static constexpr qsizetype perMessage = 128;

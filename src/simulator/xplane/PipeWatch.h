@@ -8,8 +8,8 @@
 
 namespace tarvo::simulator::xplane {
 
-/// Whether a plugin is connected to a pair socket. nng's threads may still be at it for as long as the socket isn't
-/// closed: so it is shared with whoever closes that.
+/// Whether a plugin is connected to a pair socket. Shared with whoever closes the socket: until that is done nng's
+/// threads may still call it.
 class PipeWatch : public QObject
 {
     Q_OBJECT

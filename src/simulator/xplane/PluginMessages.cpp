@@ -22,7 +22,7 @@ namespace {
 /// What a message is packed in; a longer one goes to the heap.
 constexpr qsizetype initialBufferSize = 8192;
 
-/// A float64 whatever its value: the library's own packing turns whole numbers into integers.
+/// A float64 whatever its value: msgpack's own packing turns whole numbers into integers.
 struct Float64
 {
     double value;

@@ -94,8 +94,8 @@ using PluginReport = std::variant<report::Unknown, report::Malformed, report::Ve
                                   report::Deleted, report::StationRequest, report::RadioSent, report::PrivateSent,
                                   report::ForceDisconnect, report::Shutdown>;
 
-/// Unpacks one message. Never throws: whatever is wrong comes back as report::Malformed. Memory stays within a small
-/// multiple of the message's own size, whatever sizes it claims. Arguments beyond those told are ignored.
+/// Unpacks one message. Never throws: bytes that are wrong give report::Malformed. Whatever sizes the message claims,
+/// the memory that this takes stays within a small multiple of its own size. Arguments beyond those above are ignored.
 PluginReport unpackReport(QByteArrayView message);
 
 } // namespace tarvo::simulator::xplane

@@ -29,7 +29,7 @@ public:
     /// From now on messages go to the socket, those that wait already first. To be called once; the socket outlives
     /// the sender, or end() is called before.
     void start(nng_socket socket);
-    /// Before start() the message waits. Of one of 65536 bytes or more only an empty one is sent.
+    /// Before start() the message waits. One of 65536 bytes or more is sent as an empty message.
     void send(OutgoingMessage message);
     /// Ends the sending for good. Gives what has not left, in order; the messages are the caller's to free.
     std::vector<nng_msg *> end();

@@ -9,8 +9,8 @@
 
 namespace tarvo::simulator::xplane {
 
-/// The plugin's reports on their way to the main thread. Bounded by their number and by the bytes that they came in:
-/// were the main thread to stand still, no plugin could fill the memory.
+/// The plugin's reports on their way to the main thread. Bounded by their number and by the bytes of their messages, so
+/// that no plugin can fill the memory while the main thread stands still.
 class ReportInbox
 {
 public:

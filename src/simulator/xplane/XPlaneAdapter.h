@@ -81,7 +81,7 @@ private:
     void forwardSignals();
     void startTimers();
     void dial();
-    /// Unless it was dialled in the last `afterMs`.
+    /// Does nothing when it was dialled in the last `afterMs`.
     void dialAnew(qint64 afterMs);
     void tick();
     void checkConnection();
