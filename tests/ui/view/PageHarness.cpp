@@ -2,8 +2,10 @@
 
 #include "model/RadioStackState.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QKeyEvent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQmlError>
@@ -326,6 +328,18 @@ bool PageHarness::tabTo(const QString &objectName, bool backwards)
         settle(); // what scrolls with the focus
     }
     return false;
+}
+
+void PageHarness::hold(Qt::Key key)
+{
+    QTest::keyPress(&view, key);
+    for (int i = 0; i < 3; ++i) {
+        for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+            QKeyEvent repeated(type, key, Qt::NoModifier, QString(), true);
+            QCoreApplication::sendEvent(&view, &repeated);
+        }
+    }
+    QTest::keyRelease(&view, key);
 }
 
 void PageHarness::type(const QString &text)

@@ -93,6 +93,8 @@ public:
     bool tabTo(const QString &objectName, bool backwards = false);
     /// Types Latin text into the item that has the focus.
     void type(const QString &text);
+    /// Holds a key until the keyboard has repeated it three times.
+    void hold(Qt::Key key);
     /// Draws the window; kept in the folder of TARVO_SHOTS, when that is set, under this name.
     QImage grab(const QString &name);
 

@@ -3,8 +3,6 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
-#include <QCoreApplication>
-#include <QKeyEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -183,12 +181,12 @@ private slots:
     {
         QFETCH(int, key);
         item("reloadLibrary2020")->forceActiveFocus();
-        hold(key);
+        m_harness->hold(Qt::Key(key));
         QCOMPARE(m_harness->config().get(config::msfsLibraryReloadToken), 1);
         if (key == Qt::Key_Enter) // the pad's turns no box
             return;
         item("rememberBox")->forceActiveFocus();
-        hold(key);
+        m_harness->hold(Qt::Key(key));
         QCOMPARE(m_harness->settings().property("rememberPassword"), true);
         QCOMPARE(item("rememberBox")->property("checked"), true);
     }
@@ -440,19 +438,6 @@ private:
         QTest::keySequence(&m_harness->view, QKeySequence::SelectAll);
         QTest::keyClick(&m_harness->view, Qt::Key_Delete);
         m_harness->type(typed);
-    }
-
-    /// Until the keyboard has repeated it three times.
-    void hold(int key)
-    {
-        QTest::keyPress(&m_harness->view, Qt::Key(key));
-        for (int i = 0; i < 3; ++i) {
-            for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
-                QKeyEvent repeated(type, key, Qt::NoModifier, QString(), true);
-                QCoreApplication::sendEvent(&m_harness->view, &repeated);
-            }
-        }
-        QTest::keyRelease(&m_harness->view, Qt::Key(key));
     }
 
     std::unique_ptr<PageHarness> m_harness;

@@ -5,6 +5,8 @@ import "../.."
 /// What every button has: Return and Enter press it, once however long they are held, the pointer is a hand over it, and it
 /// wears a ring while the keyboard is on it. What it looks like is the user's.
 AbstractButton {
+    id: button
+
     readonly property int ringWidth: visualFocus ? 2 : 0
     readonly property color ringColor: Style.controlBorderActive
 
@@ -14,5 +16,8 @@ AbstractButton {
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked() }
     Keys.onReleased: event => event.accepted = event.isAutoRepeat // X11 repeats Space as whole clicks
 
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
+    HoverHandler {
+        enabled: button.enabled
+        cursorShape: Qt.PointingHandCursor
+    }
 }

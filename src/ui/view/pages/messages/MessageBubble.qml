@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
@@ -67,7 +66,7 @@ Item {
             }
         }
 
-        AbstractButton {
+        Pressable {
             id: sender
 
             objectName: "sender"
@@ -77,8 +76,6 @@ Item {
             width: Math.min(Math.ceil(implicitWidth), head.share)
             padding: 0
             onClicked: row.replyRequested(row.from)
-            Keys.onReturnPressed: clicked()
-            Keys.onEnterPressed: clicked()
             Accessible.name: enabled ? qsTr("回复 %1").arg(row.from) : row.from
 
             background: FocusRing { visible: sender.visualFocus }
@@ -92,10 +89,6 @@ Item {
                 font.underline: sender.enabled && sender.hovered
                 elide: Text.ElideRight
                 maximumLineCount: 1
-            }
-            HoverHandler {
-                enabled: sender.enabled
-                cursorShape: Qt.PointingHandCursor
             }
         }
 
@@ -175,18 +168,15 @@ Item {
                 elide: Text.ElideRight
             }
 
-            AbstractButton {
+            Pressable {
                 id: fold
 
                 objectName: "foldControl"
                 visible: row.foldable
                 text: row.expanded ? qsTr("收起") : qsTr("展开全文")
                 focusPolicy: row.inSight(bubble.y + content.y + y, height) ? Qt.TabFocus : Qt.NoFocus
-                Accessible.name: text
                 padding: 0
                 onClicked: row.foldRequested(!row.expanded)
-                Keys.onReturnPressed: clicked()
-                Keys.onEnterPressed: clicked()
 
                 background: FocusRing { visible: fold.visualFocus }
                 contentItem: AppText {
@@ -195,7 +185,6 @@ Item {
                     font.pixelSize: Style.fontSmall
                     font.underline: fold.hovered
                 }
-                HoverHandler { cursorShape: Qt.PointingHandCursor }
             }
         }
     }

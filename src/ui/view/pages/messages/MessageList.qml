@@ -130,7 +130,7 @@ Control {
         detail: view.hintFor(view.channel)
     }
 
-    AbstractButton {
+    Pressable {
         id: newest
 
         objectName: "newestButton"
@@ -143,14 +143,11 @@ Control {
         visible: !view.follow && list.count > 0
         text: view.missed > 0 ? qsTr("%1 条新消息 ↓").arg(view.missed) : qsTr("回到最新 ↓")
         focusPolicy: Qt.TabFocus
-        Accessible.name: text
         onClicked: {
             if (activeFocus) // it goes now
                 view.forceActiveFocus(Qt.TabFocusReason)
             view.toEnd()
         }
-        Keys.onReturnPressed: clicked()
-        Keys.onEnterPressed: clicked()
 
         background: Rectangle {
             radius: height / 2
@@ -163,7 +160,6 @@ Control {
             color: Style.buttonText
             font.pixelSize: Style.fontSmall
         }
-        HoverHandler { cursorShape: Qt.PointingHandCursor }
     }
 
     Rectangle {
