@@ -10,6 +10,8 @@ std::vector<float> resampleFloat(std::span<const float> samples, int fromRate, i
 {
     if (samples.empty() || fromRate <= 0 || toRate <= 0)
         return {};
+    if (fromRate == toRate)
+        return {samples.begin(), samples.end()};
     // size_t, so that no product of samples and rate is too large for it.
     std::vector<float> resampled(
         samples.size() * static_cast<std::size_t>(toRate) / static_cast<std::size_t>(fromRate) + 1);

@@ -69,11 +69,15 @@ void OutputMixer::mix(std::span<float> out)
         std::copy_n(frame.begin(), std::min(frame.size(), out.size()), out.begin());
         return;
     }
+    bool isSilent = true;
     for (auto &[id, frames] : m_channels) {
         const std::span<const float> frame = frames.pop();
         std::transform(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(std::min(frame.size(), out.size())),
                        out.begin(), out.begin(), std::plus<>());
+        isSilent = isSilent && frame.empty();
     }
+    if (isSilent)
+        return; // as most of the time
     for (float &sample : out)
         sample = std::tanh(sample);
 }

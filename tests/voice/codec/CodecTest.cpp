@@ -153,6 +153,12 @@ private slots:
         QVERIFY2(worst < 0.02, qPrintable(QString::number(worst)));
     }
 
+    void sameRateChangesNothing()
+    {
+        const std::vector<float> samples = tone(500, 48000, 960);
+        QCOMPARE(resampleFloat(samples, 48000, 48000), samples);
+    }
+
     void nothingIsResampled()
     {
         QVERIFY(resampleFloat({}, 44100, 48000).empty());
