@@ -227,8 +227,10 @@ void MainWindow::changeEvent(QEvent *event)
 
 void MainWindow::tellWhetherSeen()
 {
+    const bool isSeen = (isVisible() && !isMinimized()) || m_voice.miniMode();
+    m_voice.setSeen(isSeen);
     if (m_simulatorFeed)
-        m_simulatorFeed->setSeen((isVisible() && !isMinimized()) || m_voice.miniMode());
+        m_simulatorFeed->setSeen(isSeen);
 }
 
 void MainWindow::updateProfile()

@@ -1,11 +1,13 @@
 #include "model/RadioStackState.h"
 #include "support/TestRegistry.h"
 #include "ui/MainStage.h"
+#include "voice/client/VoiceClient.h"
 
 #include <QGuiApplication>
 #include <QObject>
 #include <QQmlContext>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
@@ -59,6 +61,22 @@ private slots:
         emit stage.network->simulatorDataUpdated(headingFor(3));
         QCOMPARE(stage.window.simulator().heading(), 2.0);
         TRY_VERIFY(!smallWindow());
+    }
+
+    void theSpeakersAreShownWhileAWindowIsSeen()
+    {
+        MainStage stage;
+        stage.window.show();
+        const QSignalSpy shown(&stage.window.voice(), &ui::VoiceServiceViewModel::receivingChanged);
+        const auto hear = [&stage] { emit stage.network->voiceClient().voiceDataReceived(u"TWR"_qs, 118500, {}); };
+        hear();
+        QCOMPARE(shown.size(), 1);
+        stage.window.showMinimized();
+        hear();
+        QCOMPARE(shown.size(), 1);
+        stage.window.voice().setMiniMode(true); // tells of the one before
+        hear();
+        QCOMPARE(shown.size(), 3);
     }
 
     void theSmallWindowOpensInTheCorner()

@@ -66,11 +66,11 @@ VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttServ
         timer->setInterval(flowsFor);
     }
     connect(&m_sendTimer, &QTimer::timeout, this, [this] {
-        emit sendingChanged();
+        tellIfSeen(&VoiceServiceViewModel::sendingChanged);
         setInputMeter({});
     });
     connect(&m_receiveTimer, &QTimer::timeout, this, [this] {
-        emit receivingChanged();
+        tellIfSeen(&VoiceServiceViewModel::receivingChanged);
         setOutputMeter({});
     });
     m_timelineTimer.setInterval(timelineStep);
@@ -214,7 +214,7 @@ void VoiceServiceViewModel::disableTransmit()
 void VoiceServiceViewModel::onSent(const VolumeInfo &volume)
 {
     m_sendTimer.start();
-    emit sendingChanged();
+    tellIfSeen(&VoiceServiceViewModel::sendingChanged);
     setInputMeter(volume);
     heard(static_cast<int>(m_client->currentTransmitter().value_or(0)), m_callsign, true);
 }
@@ -224,7 +224,7 @@ void VoiceServiceViewModel::onReceived(const QString &callsign, int kHz, const V
     m_receiveTimer.start();
     m_lastReceiveFreq = kHz / kHzInMHz;
     m_lastReceiveCallsign = shownText(callsign, SpeechTimeline::longestCallsign);
-    emit receivingChanged();
+    tellIfSeen(&VoiceServiceViewModel::receivingChanged);
     setOutputMeter(volume);
     heard(std::lround(m_com1.activeMHz * kHzInMHz) == kHz ? 0 : 1, callsign, false);
 }
@@ -244,19 +244,39 @@ void VoiceServiceViewModel::moveTimeline()
     m_speech.forgetOld(m_timelineNow);
     if (m_speech.rows().isEmpty())
         m_timelineTimer.stop();
-    emit timelineMoved();
+    tellIfSeen(&VoiceServiceViewModel::timelineMoved);
 }
 
 void VoiceServiceViewModel::setInputMeter(const VolumeInfo &volume)
 {
     m_input = volume;
-    emit inputLevelChanged();
+    tellIfSeen(&VoiceServiceViewModel::inputLevelChanged);
 }
 
 void VoiceServiceViewModel::setOutputMeter(const VolumeInfo &volume)
 {
     m_output = volume;
-    emit outputLevelChanged();
+    tellIfSeen(&VoiceServiceViewModel::outputLevelChanged);
+}
+
+/// What changes fifty times a second costs more to show than to hear.
+void VoiceServiceViewModel::tellIfSeen(Signal changed)
+{
+    if (m_isSeen)
+        emit(this->*changed)();
+}
+
+void VoiceServiceViewModel::setSeen(bool seen)
+{
+    if (m_isSeen == seen)
+        return;
+    if (!seen)
+        resetMeters(); // which would go on being painted
+    m_isSeen = seen;
+    for (const Signal changed : {&VoiceServiceViewModel::sendingChanged, &VoiceServiceViewModel::receivingChanged,
+                                 &VoiceServiceViewModel::inputLevelChanged, &VoiceServiceViewModel::outputLevelChanged})
+        tellIfSeen(changed);
+    moveTimeline();
 }
 
 void VoiceServiceViewModel::resetMeters()

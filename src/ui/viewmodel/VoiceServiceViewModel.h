@@ -145,6 +145,9 @@ public:
     void disableTransmit();
     /// The devices are needed, or have been closed under a test.
     void endTests();
+    /// Whether a window that shows the session can be seen; at first one can. Lamps, meters and time line stand still
+    /// while none can.
+    void setSeen(bool seen);
     /// Where the small window opens: behind the last pixel of the pilot's screen, right and bottom, without task bars.
     void setMiniCorner(QPoint corner) { m_miniCorner = corner; }
 
@@ -174,6 +177,8 @@ signals:
     void miniModeChanged();
 
 private:
+    using Signal = void (VoiceServiceViewModel::*)();
+
     static QString frequencyText(const VoiceRadio &radio);
     void connectClient();
     void onConnectionState(voice::ConnectionState state);
@@ -190,6 +195,7 @@ private:
     void resetMeters();
     void heard(int radio, const QString &callsign, bool own);
     void moveTimeline();
+    void tellIfSeen(Signal changed);
 
     voice::VoiceClient *m_client;
     voice::AudioDevice &m_devices;
@@ -217,6 +223,7 @@ private:
     SpeechTimeline m_speech;
     QTimer m_timelineTimer;
     qint64 m_timelineNow = 0;
+    bool m_isSeen = true;
     bool m_miniMode = false;
     QPoint m_miniCorner;
 };

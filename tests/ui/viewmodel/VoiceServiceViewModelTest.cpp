@@ -64,6 +64,8 @@ class VoiceServiceViewModelTest : public QObject
 {
     Q_OBJECT
 
+    using Signal = void (VoiceServiceViewModel::*)();
+
 private slots:
     void eachStateHasItsText_data()
     {
@@ -412,6 +414,47 @@ private slots:
         QCOMPARE(rows.at(1).radio, 1);
         QCOMPARE(rows.at(0).radio, 0); // until a radio has transmitted
         QVERIFY(rows.at(0).own && !rows.at(1).own);
+    }
+
+    void whatIsNotSeenIsNotShown_data()
+    {
+        QTest::addColumn<Signal>("signal");
+        QTest::newRow("sending") << Signal(&VoiceServiceViewModel::sendingChanged);
+        QTest::newRow("receiving") << Signal(&VoiceServiceViewModel::receivingChanged);
+        QTest::newRow("input level") << Signal(&VoiceServiceViewModel::inputLevelChanged);
+        QTest::newRow("output level") << Signal(&VoiceServiceViewModel::outputLevelChanged);
+        QTest::newRow("time line") << Signal(&VoiceServiceViewModel::timelineMoved);
+    }
+
+    void whatIsNotSeenIsNotShown()
+    {
+        QFETCH(Signal, signal);
+        VoicePage page;
+        const auto speak = [&page] {
+            emit page.client.voiceDataReceived(u"TWR"_qs, 118500, {-10, 89});
+            emit page.client.voiceDataSent({-20, 79});
+        };
+        speak();
+        page.model.setSeen(false);
+        QCOMPARE(page.model.outputLevel(), 0.0); // no bar goes on being painted
+        const QSignalSpy told(&page.model, signal);
+        speak();
+        page.expire("sendTimer");
+        page.expire("receiveTimer");
+        page.clock.advance(5000);
+        speak();
+        QCOMPARE(told.size(), 0);
+        page.model.setSeen(true);
+        QCOMPARE(told.size(), 1);
+        QVERIFY(page.model.receiving() && page.model.sending());
+        QCOMPARE(page.model.outputLevel(), 89.0);
+        QCOMPARE(page.model.timelineNow(), static_cast<double>(page.clock.steadyMs()));
+        page.model.setSeen(true);
+        QCOMPARE(told.size(), 1);
+        speak();
+        page.expire("sendTimer");
+        page.expire("receiveTimer");
+        QVERIFY(told.size() > 1 || signal == &VoiceServiceViewModel::timelineMoved);
     }
 
     void theSmallWindow()
