@@ -4,6 +4,8 @@
 set(TARVO_API_BASE_URL "http://127.0.0.1:8080/api" CACHE STRING "Account service, ending in /api")
 set(TARVO_FSD_HOST "127.0.0.1" CACHE STRING "FSD server, host name or IPv4 address (port 6809)")
 set(TARVO_VOICE_HOST "127.0.0.1" CACHE STRING "Voice server, host name or IPv4 address")
+set(TARVO_UPDATE_URL "" CACHE STRING "Web page with the newest version; empty: the pages offer none")
+set(TARVO_DOCS_URL "" CACHE STRING "Web page with the documentation; empty: the pages offer none")
 set(TARVO_REGISTER_URL "http://127.0.0.1:8080/register" CACHE STRING "Web page on which a pilot registers")
 # A packager sets 32 bytes of its own, as 64 hexadecimal digits; they protect the stored password.
 set(TARVO_CONFIG_SECRET "7461727666f6c794e2a51c0d98b3775fd04e8126a9c36b1f5288e7304cbd96a1"

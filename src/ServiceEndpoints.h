@@ -16,6 +16,8 @@ struct ServiceEndpoints
     quint16 voiceTcpPort = 6808; ///< control lines; fixed on the real network
     quint16 voiceUdpPort = 6807; ///< voice; fixed on the real network
     QString registerUrl;         ///< web page for new pilots
+    QString updateUrl;           ///< web page with the newest version; may be empty
+    QString docsUrl;             ///< web page with the documentation; may be empty
     /// nng address of the X-Plane plugin on this machine. The double slash is what the plugin listens on.
     QString localPluginUrl = QStringLiteral("ipc:///tmp//tarvoclient.ipc");
 

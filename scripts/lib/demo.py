@@ -62,7 +62,10 @@ def fly(client, practice, server_name, sound):
     main.open_page(SETTINGS_ITEM)
     picture('14-settings-page')
     main.open_page(SERVER_ITEM)
-    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#DP' + CALLSIGN))
+    main.click(CONNECT_BUTTON, until=lambda: main.count(*LEAVE_BUTTON, END_RED) >= 500)
+    picture('15-question')
+    press('Tab', 'Return')
+    practice.wait_for(r'#DP' + CALLSIGN)
     picture('15-disconnected')
     main.click(LOGOUT_ITEM, until=lambda: window(LOGIN_TITLE))
     Window(LOGIN_TITLE)
@@ -142,7 +145,9 @@ CONNECT_BUTTON = (430, 503)
 # Where he looks: left, top, width, height or a column, and colours of the style.
 SESSION_MARK = 281
 BADGE = (190, 310, 40, 40)
-PLOT = (646, 132, 310, 290)
+PLOT = (646, 442, 310, 250)
+LEAVE_BUTTON = (626, 412, 56, 32)  # of the question, right of the page's own button
+END_RED = (0xC8, 0x1E, 0x45)
 RED, CYAN, WHITE = (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9), (0xFF, 0xFF, 0xFF)
 
 TOUR = f"""

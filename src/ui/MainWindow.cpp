@@ -9,6 +9,7 @@
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "ui/MessagesFeed.h"
+#include "ui/OverviewFeed.h"
 #include "ui/SimulatorFeed.h"
 #include "ui/StatusFeed.h"
 #include "ui/VoiceFeed.h"
@@ -18,6 +19,7 @@
 #include "voice/engine/SoundThread.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDebug>
 #include <QGuiApplication>
 #include <QIcon>
@@ -28,11 +30,14 @@
 #include <QScreen>
 #include <QShowEvent>
 
+#include <chrono>
+
 namespace tarvo::ui {
 
 using model::SimulatorMode;
 
 namespace {
+constexpr std::chrono::milliseconds figuresEvery{200}; ///< as fast as a figure can be read
 constexpr float connectionSoundVolume = 0.55F;
 
 voice::VoiceClient *voiceClientOf(const std::shared_ptr<manager::NetworkManager> &network)
@@ -73,6 +78,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     setWindowIcon(QIcon(QStringLiteral(":/resources/logo.png")));
     setMinimumSize(1000, 700);
     applyWindowBackdrop(*this);
+    m_dashboard.setWebPages(endpoints.updateUrl, endpoints.docsUrl);
     updateProfile();
     m_ptt.setBoundKey(config.get(config::voicePttKey));
     followScreen();
@@ -131,6 +137,8 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("serverBackend"), &m_server);
     pages->setContextProperty(QStringLiteral("messagesBackend"), &m_messages);
     pages->setContextProperty(QStringLiteral("statusBackend"), &m_status);
+    pages->setContextProperty(QStringLiteral("leaveBackend"), &m_leave);
+    pages->setContextProperty(QStringLiteral("overviewBackend"), &m_overview);
     pages->setContextProperty(QStringLiteral("voiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("voiceServiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("settingsBackend"), &m_settings);
@@ -160,6 +168,8 @@ void MainWindow::connectRequests()
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
     connect(&m_voice, &VoiceServiceViewModel::miniModeChanged, this, &MainWindow::tellWhetherSeen);
+    connect(
+        &m_leave, &LeaveQuestion::closeConfirmed, this, [this] { close(); }, later);
 }
 
 void MainWindow::connectSession()
@@ -175,10 +185,12 @@ void MainWindow::connectSession()
     connect(network, &NetworkManager::notificationPosted, this,
             [this](const QString &message) { m_server.addRecentEvent(tr("通知"), message, tr("系统")); });
     m_simulatorFeed = std::make_unique<SimulatorFeed>(m_network, m_simulator);
+    m_simulatorFeed->setPace(figuresEvery);
     connect(m_simulatorFeed.get(), &SimulatorFeed::sampleShown, this, &MainWindow::showFlight);
     m_messagesFeed = std::make_unique<MessagesFeed>(m_network, m_controllers, m_messages, m_sounds);
     m_voiceFeed = std::make_unique<VoiceFeed>(m_network, m_audioDevice, m_voice);
     connectStatus();
+    m_overviewFeed = std::make_unique<OverviewFeed>(m_network, m_server, m_simulator, m_messages, m_overview);
 }
 
 /// Behind all that sets the states' texts.
@@ -216,6 +228,25 @@ void MainWindow::hideEvent(QHideEvent *event)
         rememberPlace(*this, m_config.state());
     }
     tellWhetherSeen();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // The system's own end can't wait for an answer.
+    if (event->spontaneous() && m_leave.mustAsk() && !qGuiApp->isSavingSession()) {
+        event->ignore();
+        askBeforeClosing();
+        return;
+    }
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::askBeforeClosing()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+    m_leave.close();
 }
 
 void MainWindow::changeEvent(QEvent *event)
@@ -313,6 +344,7 @@ void MainWindow::onDisconnectRequested()
 void MainWindow::onNetworkConnected(const QString &callsign)
 {
     setServerState(true, tr("已连接"));
+    m_leave.setOnline(callsign);
     m_server.setConnectedAsObserver(m_network->connectInfo().observer);
     m_server.setEndpoint(QStringLiteral("%1:%2").arg(m_endpoints.fsdHost).arg(m_endpoints.fsdPort));
     log(tr("FSD 已连接：%1").arg(callsign));
@@ -324,6 +356,7 @@ void MainWindow::onNetworkDisconnected(bool forced)
 {
     const QString callsign = m_network->connectInfo().callsign;
     setServerState(false, forced ? tr("已断开（强制）") : tr("已断开"));
+    m_leave.setOnline({});
     m_server.setConnectedAsObserver(false);
     m_server.setEndpoint(QString());
     log(tr("FSD 已断开：%1").arg(callsign));

@@ -6,7 +6,9 @@
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
+#include "ui/viewmodel/PilotOverview.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
@@ -40,6 +42,7 @@ struct SimulatorData;
 namespace tarvo::ui {
 
 class MessagesFeed;
+class OverviewFeed;
 class SimulatorFeed;
 class StatusFeed;
 class VoiceFeed;
@@ -64,6 +67,8 @@ public:
     ServerPageViewModel &server() { return m_server; }
     MessagesPageViewModel &messages() { return m_messages; }
     VoiceServiceViewModel &voice() { return m_voice; }
+    LeaveQuestion &leaveQuestion() { return m_leave; }
+    PilotOverview &overview() { return m_overview; }
     StatusViewModel &status() { return m_status; }
     SoundPlayer &sounds() { return m_sounds; }
     QQuickView *view() const { return m_view; }
@@ -84,6 +89,7 @@ public slots:
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
@@ -94,6 +100,7 @@ private:
     void connectRequests();
     void connectSession();
     void connectStatus();
+    void askBeforeClosing();
     void updateProfile();
     void onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
     void connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore);
@@ -124,6 +131,8 @@ private:
     ServerPageViewModel m_server;
     MessagesPageViewModel m_messages;
     StatusViewModel m_status;
+    LeaveQuestion m_leave;
+    PilotOverview m_overview;
     VoiceServiceViewModel m_voice;
     viewmodel::SettingsViewModel m_settings;
     viewmodel::VoiceSettingsViewModel m_voiceSettings;
@@ -133,6 +142,7 @@ private:
     std::unique_ptr<MessagesFeed> m_messagesFeed;   ///< null without a session
     std::unique_ptr<VoiceFeed> m_voiceFeed;         ///< null without a session
     std::unique_ptr<StatusFeed> m_statusFeed;       ///< null without a session
+    std::unique_ptr<OverviewFeed> m_overviewFeed;   ///< null without a session
     QQuickView *m_view = nullptr;                   ///< owned by the central widget
 };
 

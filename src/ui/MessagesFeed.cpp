@@ -3,6 +3,7 @@
 #include "manager/ControllerManager.h"
 #include "manager/NetworkManager.h"
 #include "ui/SoundPlayer.h"
+#include "ui/viewmodel/ComposeRules.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
 
 #include <QUrl>
@@ -37,6 +38,7 @@ MessagesFeed::MessagesFeed(std::shared_ptr<NetworkManager> network, std::shared_
 {
     connectSession();
     connectTexts();
+    connectRadios();
     if (m_controllers)
         connectStations();
     connectRequests();
@@ -61,6 +63,22 @@ void MessagesFeed::connectSession()
             [this](const QString &message) { m_page.addSystemNote(message); });
 }
 
+void MessagesFeed::connectRadios()
+{
+    const auto look = [this] { m_page.setTransmitting(!m_network->transmitFrequencies().isEmpty()); };
+    connect(m_network.get(), &NetworkManager::networkConnected, this, look);
+    connect(m_network.get(), &NetworkManager::radioStatesUpdate, this, look);
+    connect(m_network.get(), &NetworkManager::simulatorChanged, this, look);
+    look();
+}
+
+/// Stations are asked for their ATIS by others, too: only what the pilot has asked for is shown.
+void MessagesFeed::showAtis(const QString &from, const QStringList &lines)
+{
+    if (m_atisWanted.remove(from.toUpper()))
+        m_page.addSystemNote(tr("%1 ATIS：%2").arg(from, lines.join(u'\n')));
+}
+
 void MessagesFeed::connectTexts()
 {
     const NetworkManager *network = m_network.get();
@@ -73,10 +91,16 @@ void MessagesFeed::connectTexts()
 
     connect(network, &NetworkManager::serverMessageReceived, page, &MessagesPageViewModel::addServerMessage);
     connect(network, &NetworkManager::privateMessageReceived, page, &MessagesPageViewModel::addPrivateReceived);
-    connect(network, &NetworkManager::privateMessageSent, page, &MessagesPageViewModel::addPrivateSent);
+    // The bubble shows what went out.
+    connect(network, &NetworkManager::privateMessageSent, page,
+            [page](const QString &to, const QString &message) { page->addPrivateSent(to, textOnTheWire(message)); });
     connect(network, &NetworkManager::broadcastMessageReceived, page, &MessagesPageViewModel::addBroadcast);
-    connect(network, &NetworkManager::wallopSent, page, &MessagesPageViewModel::addWallopSent);
-    connect(network, &NetworkManager::radioMessageSent, page, &MessagesPageViewModel::addRadioSent);
+    connect(network, &NetworkManager::wallopSent, page,
+            [page](const QString &message) { page->addWallopSent(textOnTheWire(message)); });
+    connect(network, &NetworkManager::radioMessageSent, page,
+            [page](const QString &message, const QList<uint> &frequencies) {
+                page->addRadioSent(textOnTheWire(message), frequencies);
+            });
     connect(network, &NetworkManager::radioMessageReceived, page, &MessagesPageViewModel::addRadioReceived);
     connect(network, &NetworkManager::selcalAlertReceived, page, &MessagesPageViewModel::addSelcal);
 }
@@ -96,6 +120,12 @@ void MessagesFeed::connectRequests()
     connect(&m_page, &MessagesPageViewModel::privateMessageRequested, network, &NetworkManager::sendPrivateMessage);
     connect(&m_page, &MessagesPageViewModel::radioMessageRequested, network, &NetworkManager::sendRadioMessage);
     connect(&m_page, &MessagesPageViewModel::wallopRequested, network, &NetworkManager::sendWallop);
+    connect(&m_page, &MessagesPageViewModel::atisRequested, this, [this, network](const QString &callsign) {
+        m_atisWanted.insert(callsign.toUpper());
+        m_page.setActiveChannel(channels::server());
+        network->requestControllerAtis(callsign);
+    });
+    connect(network, &NetworkManager::controllerAtisReceived, this, &MessagesFeed::showAtis);
 }
 
 void MessagesFeed::takeOwnCallsign()

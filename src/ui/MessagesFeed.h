@@ -3,6 +3,8 @@
 #include "common/Clock.h"
 
 #include <QObject>
+#include <QSet>
+#include <QStringList>
 #include <QTimer>
 
 #include <memory>
@@ -33,6 +35,8 @@ public:
 private:
     void connectSession();
     void connectTexts();
+    void connectRadios();
+    void showAtis(const QString &from, const QStringList &lines);
     void connectStations();
     void connectRequests();
     void takeOwnCallsign();
@@ -43,8 +47,9 @@ private:
     std::shared_ptr<manager::ControllerManager> m_controllers;
     MessagesPageViewModel &m_page;
     SoundPlayer &m_sounds;
-    int m_soundPriority = 0; ///< the highest that waits to be heard; 0: none
-    QTimer m_soundTimer;     ///< ends in the next turn of the event loop, or after the gap
+    int m_soundPriority = 0;    ///< the highest that waits to be heard; 0: none
+    QSet<QString> m_atisWanted; ///< stations, upper-case, whose ATIS the pilot has asked for
+    QTimer m_soundTimer;        ///< ends in the next turn of the event loop, or after the gap
     const common::Clock &m_clock;
     qint64 m_gapEndsMs = 0; ///< steady time
 };

@@ -17,11 +17,14 @@ constexpr int trafficIntervalMs = 1000;
 } // namespace
 
 SimulatorFeed::SimulatorFeed(std::shared_ptr<NetworkManager> network, SimulatorPageViewModel &page, QObject *parent)
-    : QObject(parent), m_network(std::move(network)), m_page(page), m_trafficTimer(this)
+    : QObject(parent), m_network(std::move(network)), m_page(page), m_paceTimer(this), m_trafficTimer(this)
 {
     m_trafficTimer.setObjectName(QStringLiteral("trafficTimer"));
     m_trafficTimer.setInterval(trafficIntervalMs);
     connect(&m_trafficTimer, &QTimer::timeout, this, &SimulatorFeed::showTraffic);
+    m_paceTimer.setObjectName(QStringLiteral("paceTimer"));
+    m_paceTimer.setSingleShot(true);
+    connect(&m_paceTimer, &QTimer::timeout, this, &SimulatorFeed::showMissed);
     connectSession();
     connectRequests();
 }
@@ -75,8 +78,7 @@ void SimulatorFeed::setSeen(bool seen)
     m_seen = seen;
     if (!seen)
         return;
-    if (std::exchange(m_missed, false))
-        showSample();
+    showMissed();
     if (m_trafficTimer.isActive())
         showTraffic();
 }
@@ -84,9 +86,9 @@ void SimulatorFeed::setSeen(bool seen)
 void SimulatorFeed::takeSample(const manager::SimulatorData &sample)
 {
     m_latest = sample;
-    m_missed = !m_seen;
-    if (m_seen)
-        showSample();
+    m_missed = true;
+    if (m_seen && !m_paceTimer.isActive())
+        showMissed();
 }
 
 /// While nothing moves, as in a pause, no sample brings it.
@@ -95,6 +97,15 @@ void SimulatorFeed::takeRadio(const model::RadioStackState &radio)
     manager::SimulatorData sample = m_latest;
     sample.radio = radio;
     takeSample(sample);
+}
+
+void SimulatorFeed::showMissed()
+{
+    if (!m_seen || !std::exchange(m_missed, false))
+        return;
+    if (m_paceTimer.interval() > 0)
+        m_paceTimer.start();
+    showSample();
 }
 
 void SimulatorFeed::showSample()

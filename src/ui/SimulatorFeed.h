@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace tarvo::manager {
@@ -28,6 +29,10 @@ public:
     /// when they are seen again. At first they are.
     void setSeen(bool seen);
 
+    /// The least time between two samples that are shown; what comes sooner is left out for the latest of them. None at
+    /// first. Painting a page takes more than all the rest: figures that change faster can't be read anyway.
+    void setPace(std::chrono::milliseconds pace) { m_paceTimer.setInterval(pace); }
+
 signals:
     /// The own aircraft's latest state, for whoever else shows it.
     void sampleShown(const tarvo::manager::SimulatorData &sample);
@@ -38,6 +43,7 @@ private:
     void takeSample(const manager::SimulatorData &sample);
     void takeRadio(const model::RadioStackState &radio);
     void showSample();
+    void showMissed();
     void showTraffic();
     void forgetTraffic();
 
@@ -45,7 +51,8 @@ private:
     SimulatorPageViewModel &m_page;
     bool m_seen = true;
     manager::SimulatorData m_latest;
-    bool m_missed = false; ///< `m_latest` came while the pages weren't seen
+    bool m_missed = false; ///< `m_latest` hasn't been shown
+    QTimer m_paceTimer;    ///< runs while it is too early for the next sample
     QTimer m_trafficTimer; ///< runs while connected: the table has no signal of its own
 };
 

@@ -7,6 +7,7 @@
 #include "ui/Sounds.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QPointer>
 #include <QQmlContext>
 #include <QQuickItem>
@@ -208,6 +209,37 @@ private slots:
         connect(new QObject(window.get()), &QObject::destroyed, this, wander); // goes behind all that the window holds
         window.reset();
         QCOMPARE(wandered, 2);
+    }
+
+    void closingIsAskedForWhileConnected()
+    {
+        MainStage stage;
+        stage.window.show();
+        stage.observe(u"CES2352"_qs);
+        emit stage.network->networkConnected(u"CES2352"_qs);
+        closeByTheFrame(stage.window);
+        QVERIFY(stage.window.isVisible());
+        QVERIFY(stage.window.leaveQuestion().isOpen());
+        stage.window.leaveQuestion().accept(false);
+        MainStage::answer();
+        QVERIFY(!stage.window.isVisible());
+    }
+
+    void closingIsNotAskedForWithoutAConnection()
+    {
+        MainStage stage;
+        stage.window.show();
+        closeByTheFrame(stage.window);
+        QVERIFY(!stage.window.isVisible());
+    }
+
+    void theProgramClosesItsWindowUnasked()
+    {
+        MainStage stage;
+        stage.window.show();
+        emit stage.network->networkConnected(u"CES2352"_qs);
+        stage.window.close();
+        QVERIFY(!stage.window.isVisible());
     }
 
     void withoutASessionNothingHappens()
@@ -516,6 +548,15 @@ private slots:
         QCOMPARE(stage.server().realName(), u"Unknown"_qs);
         stage.signIn();
         QCOMPARE(stage.server().realName(), stage.api.currentUser().username);
+    }
+
+private:
+    static void closeByTheFrame(ui::MainWindow &window)
+    {
+        QCloseEvent event;
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        if (qApp->notify(&window, &event) && event.isAccepted())
+            window.hide(); // as Qt does next
     }
 };
 

@@ -55,7 +55,7 @@ private slots:
         stage.window.voice().setMiniMode(true);
         stage.window.showMinimized();
         emit stage.network->simulatorDataUpdated(headingFor(2));
-        QCOMPARE(stage.window.simulator().heading(), 2.0);
+        TRY_COMPARE(stage.window.simulator().heading(), 2.0);
         TRY_VERIFY(smallWindow());
         stage.window.voice().setMiniMode(false);
         emit stage.network->simulatorDataUpdated(headingFor(3));

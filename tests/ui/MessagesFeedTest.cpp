@@ -78,6 +78,10 @@ private slots:
             "private out", [](NetworkManager &network) { emit network.privateMessageSent(u"CES1"_qs, u"hello"_qs); },
             u"private_out CES1 AB1>CES1: hello"_qs, 0);
         add(
+            "private out, as it went",
+            [](NetworkManager &network) { emit network.privateMessageSent(u"CES1"_qs, u"你好 A"_qs); },
+            u"private_out CES1 AB1>CES1: ?? A"_qs, 0);
+        add(
             "broadcast", [](NetworkManager &network) { emit network.broadcastMessageReceived(u"SUP"_qs, u"all"_qs); },
             u"broadcast BROADCAST SUP>全体: all"_qs, 0.55F);
         add(
@@ -120,6 +124,29 @@ private slots:
             QCOMPARE(stage.sounds.source(), test::messageSound);
             QCOMPARE(stage.sounds.volume(), volume);
         }
+    }
+
+    void onlyAnAtisThatWasAskedForIsShown()
+    {
+        MessagesStage stage;
+        NetworkManager &network = *stage.session.manager;
+        stage.page.setNetworkConnected(true);
+        const qsizetype before = stage.page.messages().size();
+        emit network.controllerAtisReceived(u"ZBAA_ATIS"_qs, {u"Information A"_qs});
+        QCOMPARE(stage.page.messages().size(), before);
+        stage.page.requestAtis(u"zbaa_atis"_qs);
+        QCOMPARE(stage.page.activeChannel(), u"SERVER"_qs);
+        emit network.controllerAtisReceived(u"ZBAA_ATIS"_qs, {u"Information A"_qs, u"QNH 1013"_qs});
+        QCOMPARE(stage.newest(), u"system SERVER 系统>: ZBAA_ATIS ATIS：Information A\nQNH 1013"_qs);
+        emit network.controllerAtisReceived(u"ZBAA_ATIS"_qs, {u"again"_qs}); // once for each wish
+        QCOMPARE(stage.page.messages().size(), before + 1);
+    }
+
+    void theRadioIsSilentWithoutATransmitter()
+    {
+        MessagesStage stage;
+        stage.page.setNetworkConnected(true);
+        QVERIFY(stage.page.composeBlocked());
     }
 
     void aBurstIsHeardOnce()

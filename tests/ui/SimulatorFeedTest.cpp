@@ -133,6 +133,30 @@ private slots:
         QCOMPARE(stage.page.xplaneVersionText(), u"未获取"_qs);
     }
 
+    void samplesAreShownAtThePace()
+    {
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        stage.feed.setPace(std::chrono::hours(1));
+        auto &pace = *stage.feed.findChild<QTimer *>(u"paceTimer"_qs);
+        const auto fly = [&stage](double heading) {
+            model::UserAircraftData aircraft = own();
+            aircraft.heading = heading;
+            emit stage.session.sim->userAircraftDataChanged(aircraft);
+        };
+        fly(1);
+        QCOMPARE(stage.page.heading(), 1.0); // the first at once
+        fly(2);
+        fly(3);
+        QCOMPARE(stage.page.heading(), 1.0);
+        pace.start(0);
+        TRY_COMPARE(stage.page.heading(), 3.0); // the latest, not each
+        stage.feed.setSeen(false);
+        fly(4);
+        stage.feed.setSeen(true);
+        QCOMPARE(stage.page.heading(), 4.0); // whoever comes back waits for nothing
+    }
+
     void whatIsTunedInAPauseIsShown()
     {
         SimulatorStage stage;

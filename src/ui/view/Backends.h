@@ -1,7 +1,9 @@
 #pragma once
 
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
+#include "ui/viewmodel/PilotOverview.h"
 #include "ui/viewmodel/PlotLabels.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
@@ -29,6 +31,8 @@ namespace tarvo::ui {
 TARVO_BACKEND(DashboardBackend, DashboardViewModel)
 TARVO_BACKEND(SimulatorBackend, SimulatorPageViewModel)
 TARVO_BACKEND(ServerBackend, ServerPageViewModel)
+TARVO_BACKEND(LeaveBackend, LeaveQuestion)
+TARVO_BACKEND(OverviewBackend, PilotOverview)
 TARVO_BACKEND(MessagesBackend, MessagesPageViewModel)
 TARVO_BACKEND(PlotLabelsBackend, PlotLabels)
 TARVO_BACKEND(StatusBackend, StatusViewModel)

@@ -17,6 +17,8 @@ Rectangle {
     readonly property SettingsBackend settings: typeof settingsBackend === "undefined" ? null : settingsBackend
     readonly property VoiceSettingsBackend voiceSettings: typeof voiceSettingsBackend === "undefined" ? null : voiceSettingsBackend
     readonly property StatusBackend status: typeof statusBackend === "undefined" ? null : statusBackend
+    readonly property LeaveBackend leave: typeof leaveBackend === "undefined" ? null : leaveBackend
+    readonly property OverviewBackend overview: typeof overviewBackend === "undefined" ? null : overviewBackend
     // qmllint enable unqualified
 
     signal logoutRequested()
@@ -24,6 +26,26 @@ Rectangle {
     width: 1280
     height: 800
     color: Style.windowBackground
+
+    function askToLogOut(): void {
+        if (leave)
+            leave.logOut()
+        else
+            logoutRequested()
+    }
+
+    Connections {
+        target: rootWindow.leave
+
+        function onLogOutConfirmed(): void {
+            rootWindow.logoutRequested()
+        }
+        function onDisconnectConfirmed(): void {
+            rootWindow.server.requestDisconnect()
+        }
+    }
+
+    LeaveDialog { leave: rootWindow.leave }
 
     Loader {
         anchors.fill: parent
@@ -36,7 +58,7 @@ Rectangle {
 
         ModeSelection {
             dashboard: rootWindow.dashboard // qmllint disable unqualified
-            onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
+            onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
         }
     }
 
@@ -52,7 +74,9 @@ Rectangle {
             settings: rootWindow.settings // qmllint disable unqualified
             voiceSettings: rootWindow.voiceSettings // qmllint disable unqualified
             status: rootWindow.status // qmllint disable unqualified
-            onLogoutRequested: rootWindow.logoutRequested() // qmllint disable unqualified
+            leave: rootWindow.leave // qmllint disable unqualified
+            overview: rootWindow.overview // qmllint disable unqualified
+            onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
         }
     }
 

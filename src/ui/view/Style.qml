@@ -32,6 +32,7 @@ QtObject {
     readonly property color textActive: "#0F172A"
     /// On the page's own ground, where textSecondary is too pale for small print.
     readonly property color textCaption: "#52627A"
+    readonly property color textWarning: "#92500B"
     readonly property color textError: "#BE123C"
 
     // Status
@@ -40,6 +41,7 @@ QtObject {
     readonly property color statusPending: "#F59E0B"
     readonly property color statusTransmit: "#EF4444"
     readonly property color endsSession: "#C81E45"
+    readonly property color dim: "#800F172A"
     readonly property color noticeBg: "#FFF1F3"
     readonly property color noticeBorder: "#FBC9D2"
 

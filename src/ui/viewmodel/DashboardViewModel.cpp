@@ -42,6 +42,12 @@ DashboardViewModel::DashboardViewModel(QObject *parent, const common::Clock &clo
 {
 }
 
+void DashboardViewModel::setWebPages(const QString &updateUrl, const QString &docsUrl)
+{
+    m_updateUrl = updateUrl;
+    m_docsUrl = docsUrl;
+}
+
 void DashboardViewModel::setUserInfo(const QString &username, const QString &cid, const QString &rating)
 {
     const QString shownName = shownText(username, longestText);

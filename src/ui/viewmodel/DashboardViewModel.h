@@ -53,6 +53,8 @@ class DashboardViewModel : public QObject
     Q_PROPERTY(bool serverConnected READ serverConnected NOTIFY serverStateChanged)
     Q_PROPERTY(QString serverStatusText READ serverStatusText NOTIFY serverStateChanged)
     Q_PROPERTY(QString serverTone READ serverTone NOTIFY serverStateChanged)
+    Q_PROPERTY(QString updateUrl READ updateUrl CONSTANT)
+    Q_PROPERTY(QString docsUrl READ docsUrl CONSTANT)
     Q_PROPERTY(double latitude READ latitude NOTIFY flightDataChanged)
     Q_PROPERTY(double longitude READ longitude NOTIFY flightDataChanged)
     Q_PROPERTY(double altitude READ altitude NOTIFY flightDataChanged)
@@ -85,6 +87,8 @@ public:
     bool serverConnected() const { return m_serverConnected; }
     QString serverStatusText() const { return m_serverStatusText; }
     QString serverTone() const { return toneText(toneOf(m_serverConnected, m_serverStatusText)); }
+    QString updateUrl() const { return m_updateUrl; } ///< a web page; empty: there is none
+    QString docsUrl() const { return m_docsUrl; }
     double latitude() const { return m_latitude; }
     double longitude() const { return m_longitude; }
     double altitude() const { return m_altitude; }       ///< feet
@@ -101,6 +105,8 @@ public:
     QAbstractListModel *atcLeaderboardRows() { return &m_atcLeaderboard; }
 
     // The program's side. Each emits only on a change.
+    /// Before the pages are there.
+    void setWebPages(const QString &updateUrl, const QString &docsUrl);
     /// Longer texts are cut to 64 characters.
     void setUserInfo(const QString &username, const QString &cid, const QString &rating);
     void setTimes(const QString &pilotTime, const QString &atcTime);
@@ -153,6 +159,8 @@ private:
     QString m_simulatorFailure;
     bool m_serverConnected = false;
     QString m_serverStatusText = tr("未连接");
+    QString m_updateUrl;
+    QString m_docsUrl;
     double m_latitude = 0;
     double m_longitude = 0;
     double m_altitude = 0;

@@ -1,6 +1,7 @@
 #include "ui/viewmodel/MessagesPageViewModel.h"
 
 #include "model/Controller.h"
+#include "ui/viewmodel/ComposeRules.h"
 #include "ui/viewmodel/Frequency.h"
 
 #include <QVariantMap>
@@ -108,6 +109,24 @@ QString MessagesPageViewModel::composePlaceholder() const
     if (m_sessions.contains(m_activeChannel))
         return tr("发送私聊消息给 %1...").arg(m_activeChannel);
     return tr("当前频道只读");
+}
+
+bool MessagesPageViewModel::composeBlocked() const
+{
+    return m_networkConnected && !m_transmitting && m_activeChannel == channels::radio();
+}
+
+QString MessagesPageViewModel::composeNote() const
+{
+    return canSend(m_activeChannel) ? ui::composeNote(m_draftMessage, composeBlocked()) : QString();
+}
+
+void MessagesPageViewModel::setTransmitting(bool transmitting)
+{
+    if (transmitting == m_transmitting)
+        return;
+    m_transmitting = transmitting;
+    tell(Change::Compose);
 }
 
 void MessagesPageViewModel::setActiveChannel(const QString &channel)
@@ -282,6 +301,18 @@ void MessagesPageViewModel::openPrivateSession(const QString &callsign)
     tell(opened | enterChannel(key));
 }
 
+bool MessagesPageViewModel::isOwnShown(int row) const
+{
+    return row >= 0 && row < m_shown.rows().size() &&
+           m_shown.rows().at(row).message.direction() == QLatin1String("out");
+}
+
+void MessagesPageViewModel::requestAtis(const QString &callsign)
+{
+    if (m_networkConnected)
+        emit atisRequested(callsign);
+}
+
 void MessagesPageViewModel::closePrivateSession(const QString &callsign)
 {
     const QString key = normalisedCallsign(callsign);
@@ -290,8 +321,11 @@ void MessagesPageViewModel::closePrivateSession(const QString &callsign)
     Changes changes{Change::ChannelStats, Change::Sessions};
     changes |= markRead(key); // nobody could open the channel to read them
     m_sessions.close(key);
-    if (key == m_activeChannel)
-        changes |= writeDraft({}, {}) | enterChannel(channels::radio());
+    if (key == m_activeChannel) {
+        changes |= writeDraft({}, {});
+        changes |= enterChannel(channels::radio());
+    }
+    m_drafts.remove(key);
     tell(changes);
 }
 
@@ -377,6 +411,7 @@ MessagesPageViewModel::Changes MessagesPageViewModel::openSession(const QString 
         changes |= Changes{Change::ActiveChannel, Change::Compose};
     if (!evicted.isEmpty())
         changes |= markRead(evicted);
+    m_drafts.remove(evicted);
     return changes;
 }
 
@@ -385,6 +420,8 @@ MessagesPageViewModel::Changes MessagesPageViewModel::enterChannel(const QString
     Changes changes{Change::ActiveChannel, Change::ActiveMessages, Change::Unread, Change::Compose};
     if (channel != m_activeChannel) {
         changes |= Change::ChannelStats;
+        m_drafts.insert(m_activeChannel, m_draftMessage);
+        m_draftMessage = m_drafts.take(channel);
         m_activeChannel = channel;
         showChannel();
     }

@@ -7,9 +7,11 @@
 #include "ui/viewmodel/PrivateSessions.h"
 #include "ui/viewmodel/ShownMessages.h"
 #include "ui/viewmodel/StationList.h"
+#include "ui/viewmodel/UnreadFirst.h"
 
 #include <QAbstractListModel>
 #include <QFlags>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -49,9 +51,11 @@ class MessagesPageViewModel : public QObject
     Q_PROPERTY(bool activeChannelCanSend READ activeChannelCanSend NOTIFY composeChanged)
     Q_PROPERTY(QString activeChannelTitle READ activeChannelTitle NOTIFY activeChannelChanged)
     Q_PROPERTY(QString composePlaceholder READ composePlaceholder NOTIFY composeChanged)
+    Q_PROPERTY(QString composeNote READ composeNote NOTIFY composeChanged)
+    Q_PROPERTY(bool composeBlocked READ composeBlocked NOTIFY composeChanged)
     Q_PROPERTY(QAbstractListModel *shownMessages READ shownMessages CONSTANT)
     Q_PROPERTY(QAbstractListModel *channelList READ channelList CONSTANT)
-    Q_PROPERTY(QAbstractListModel *sessionList READ sessionList CONSTANT)
+    Q_PROPERTY(QAbstractItemModel *sessionList READ shownSessions CONSTANT)
     Q_PROPERTY(QAbstractListModel *stationList READ stationList CONSTANT)
 
 public:
@@ -79,11 +83,17 @@ public:
     bool activeChannelCanSend() const { return canSend(m_activeChannel); }
     QString activeChannelTitle() const;
     QString composePlaceholder() const;
+    /// What the pilot should know of the draft before he sends it; empty: nothing.
+    QString composeNote() const;
+    /// What is sent now would go nowhere: no radio transmits.
+    bool composeBlocked() const;
     /// The active channel's messages.
     ShownMessages *shownMessages() { return &m_shown; }
     /// The channels that always stand.
     ChannelList *channelList() { return &m_channels; }
     PrivateSessions *sessionList() { return &m_sessions; }
+    /// Those with unread messages first.
+    QAbstractItemModel *shownSessions() { return &m_unreadFirst; }
     StationList *stationList() { return &m_stations; }
 
     /// Shows the channel and marks its messages as read. The signals are raised even when it was active already.
@@ -94,6 +104,8 @@ public:
 
     // The program's side. Callsigns are trimmed and upper-cased; bodies are kept as given; frequencies are kHz.
     void setNetworkConnected(bool connected);
+    /// Whether a radio transmits; until somebody says otherwise one does.
+    void setTransmitting(bool transmitting);
     void setOwnCallsign(const QString &callsign);
     void addPrivateReceived(const QString &from, const QString &message);
     void addPrivateSent(const QString &to, const QString &message);
@@ -118,6 +130,10 @@ public:
     /// `from`: a message's sender. Its session becomes the active channel and its callsign the draft's target.
     Q_INVOKABLE void prepareReply(const QString &from);
     Q_INVOKABLE void openPrivateSession(const QString &callsign);
+    /// The row of the active channel's list is one that the pilot has sent.
+    Q_INVOKABLE bool isOwnShown(int row) const;
+    /// Asks a station for its ATIS, which comes as a note of the system.
+    Q_INVOKABLE void requestAtis(const QString &callsign);
     /// The session's messages stay in the list, as read. What was being written there is dropped: it must not be sent
     /// on the radio.
     Q_INVOKABLE void closePrivateSession(const QString &callsign);
@@ -139,6 +155,7 @@ signals:
     void privateMessageRequested(QString target, QString message);
     void radioMessageRequested(QString message);
     void wallopRequested(QString message);
+    void atisRequested(QString callsign);
 
 private:
     /// What one step has changed. The signals are raised at its end, when all members agree again.
@@ -181,13 +198,16 @@ private:
     ShownMessages m_shown{this};
     ChannelList m_channels{this};
     PrivateSessions m_sessions{this};
+    UnreadFirst m_unreadFirst{m_sessions, this};
     StationList m_stations{this};
     QString m_activeChannel = channels::radio();
     QString m_activeFilter = channels::all();
     QString m_draftTarget;
     QString m_draftMessage;
+    QHash<QString, QString> m_drafts; ///< of the other channels
     QString m_ownCallsign;
     bool m_networkConnected = false;
+    bool m_transmitting = true;
     int m_toldUnread = 0; ///< the unread count that listeners know
 };
 

@@ -6,6 +6,7 @@
 #include "ui/viewmodel/ShownText.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace tarvo::ui {
@@ -17,6 +18,7 @@ constexpr qsizetype maximumEvents = 2000;
 // Characters that a page has room for.
 constexpr qsizetype longestTitle = 200;
 constexpr qsizetype longestDetail = 500;
+constexpr qsizetype longestTypeShown = 8;
 constexpr qsizetype longestProfileText = 64;
 
 constexpr Role<RecentEvent> eventRoles[] = {
@@ -69,6 +71,15 @@ TypeCodeSuggestion suggestionFor(const QString &designator, const network::Swift
 }
 
 } // namespace
+
+QString selcalHint(const QString &selcal)
+{
+    static const QRegularExpression fourLetters(QStringLiteral("^[A-S]{2}-?[A-S]{2}$"));
+    const QString code = selcal.trimmed().toUpper();
+    if (code.isEmpty() || fourLetters.match(code).hasMatch())
+        return {};
+    return ServerPageViewModel::tr("通常是 A 至 S 的四个字母，如 AB-CD。");
+}
 
 ServerPageViewModel::ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent,
                                          const common::Clock &clock)
@@ -170,6 +181,13 @@ void ServerPageViewModel::setProfile(const QString &realName, const QString &hom
     m_realName = shownName;
     m_homeAirport = homeAirport;
     emit profileChanged();
+}
+
+QString ServerPageViewModel::typeCodeHint() const
+{
+    const QString code = m_typeCode.trimmed().toUpper();
+    const bool known = code.size() < 2 || !m_icao.isReady() || !m_icao.rowsFor(code).isEmpty();
+    return known ? QString() : tr("机型库中没有 %1。").arg(code.left(longestTypeShown));
 }
 
 void ServerPageViewModel::setFailure(const QString &reason)

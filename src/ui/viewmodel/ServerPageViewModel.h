@@ -37,6 +37,9 @@ struct TypeCodeSuggestion
     bool operator==(const TypeCodeSuggestion &) const = default;
 };
 
+/// What looks mistyped in a SELCAL code; empty for a good one, or none.
+QString selcalHint(const QString &selcal);
+
 /// The connect form, the server's state and its log. Holds presentation state only: MainWindow feeds it and acts on its
 /// requests. In QML it is the context property "serverBackend".
 class ServerPageViewModel : public QObject
@@ -59,6 +62,8 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(bool connectedAsObserver READ connectedAsObserver NOTIFY serverStateChanged)
     Q_PROPERTY(bool canConnect READ canConnect NOTIFY formChanged)
     Q_PROPERTY(QString formErrorText READ formErrorText NOTIFY formChanged)
+    Q_PROPERTY(QString typeCodeHint READ typeCodeHint NOTIFY formChanged)
+    Q_PROPERTY(QString selcalHint READ selcalHint NOTIFY formChanged)
     Q_PROPERTY(bool formErrorIsHint READ formErrorIsHint NOTIFY formChanged)
     Q_PROPERTY(QString buttonText READ buttonText NOTIFY formChanged)
     Q_PROPERTY(bool buttonEnabled READ buttonEnabled NOTIFY formChanged)
@@ -99,6 +104,9 @@ public:
     bool connectedAsObserver() const { return m_connectedAsObserver; }
     bool canConnect() const { return m_canConnect; }
     QString formErrorText() const { return m_formErrorText; }
+    // What looks mistyped. Nothing is refused for it.
+    QString typeCodeHint() const;
+    QString selcalHint() const { return ui::selcalHint(m_selcal); }
     /// The form's problem is only that something is still to come: a field to fill, an end to wait for.
     bool formErrorIsHint() const { return m_formErrorIsHint; }
     // The one button connects, calls an attempt off, or disconnects.

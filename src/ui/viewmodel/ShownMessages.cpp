@@ -1,8 +1,17 @@
 #include "ui/viewmodel/ShownMessages.h"
 
+#include <QDateTime>
+#include <QLocale>
+
 namespace tarvo::ui {
 
 namespace {
+
+/// "11月22日 星期日", local.
+QString dayText(qint64 wallMs)
+{
+    return QLocale(QLocale::Chinese).toString(QDateTime::fromMSecsSinceEpoch(wallMs), QStringLiteral("M月d日 dddd"));
+}
 
 constexpr Role<ShownMessage> messageRoles[] = {
     {"expanded", member<&ShownMessage::expanded>},
@@ -12,6 +21,7 @@ constexpr Role<ShownMessage> messageRoles[] = {
     {"from", [](const ShownMessage &row) -> QVariant { return row.message.from; }},
     {"to", [](const ShownMessage &row) -> QVariant { return row.message.to; }},
     {"time", [](const ShownMessage &row) -> QVariant { return localTime(row.wallMs); }},
+    {"day", [](const ShownMessage &row) -> QVariant { return dayText(row.wallMs); }},
     {"message", [](const ShownMessage &row) -> QVariant { return row.message.body; }},
     {"meta", [](const ShownMessage &row) -> QVariant { return row.message.meta; }},
     {"frequencies", [](const ShownMessage &row) -> QVariant { return row.message.frequencies; }},

@@ -16,7 +16,7 @@ struct ShownMessage
 };
 
 /// The active channel's messages, oldest first. Roles: "type", "direction", "directionLabel", "from", "to", "time",
-/// "message", "meta", "frequencies", "isDirect"; and "expanded", which a page may write.
+/// "day", "message", "meta", "frequencies", "isDirect"; and "expanded", which a page may write.
 class ShownMessages : public RowsModel<ShownMessage>
 {
 public:

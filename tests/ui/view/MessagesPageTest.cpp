@@ -11,6 +11,7 @@ using tarvo::test::ComposingInput;
 using tarvo::test::fillMessages;
 using tarvo::test::stationCalled;
 using tarvo::ui::MessagesPageViewModel;
+using tarvo::ui::SimulatorPageViewModel;
 
 /// The messages page under real keys, clicks and an input method.
 class MessagesPageTest : public QObject, protected tarvo::test::MessagesPageFixture
@@ -113,6 +114,84 @@ private slots:
         QCOMPARE(model().activeChannel(), u"ZSPD_GND"_qs);
         m_harness->type(u"hello"_qs);
         QCOMPARE(model().draftMessage(), u"hello"_qs);
+    }
+
+    void aStationsFrequencyTunes_data()
+    {
+        QTest::addColumn<Qt::MouseButton>("button");
+        QTest::addColumn<QString>("tuned");
+        QTest::newRow("click") << Qt::LeftButton << u"COM1 121.700"_qs;
+        QTest::newRow("right button") << Qt::RightButton << u"COM2 121.700"_qs;
+    }
+    void aStationsFrequencyTunes()
+    {
+        QFETCH(Qt::MouseButton, button);
+        fillMessages(model());
+        m_harness->settle();
+        QString tuned;
+        connect(&m_harness->simulator(), &SimulatorPageViewModel::setCom1FrequencyRequested, this,
+                [&tuned](const QString &frequency) { tuned += u"COM1 "_qs + frequency; });
+        connect(&m_harness->simulator(), &SimulatorPageViewModel::setCom2FrequencyRequested, this,
+                [&tuned](const QString &frequency) { tuned += u"COM2 "_qs + frequency; });
+        const QQuickItem *control = field("tune-ZSPD_GND");
+        QVERIFY(control);
+        QTest::mouseClick(&m_harness->view, button, {},
+                          control->mapToScene({control->width() / 2, control->height() / 2}).toPoint());
+        QTEST(tuned, "tuned");
+        QCOMPARE(model().activeChannel(), u"RADIO"_qs); // the station isn't called
+    }
+
+    void aStationIsAskedForItsAtis()
+    {
+        fillMessages(model());
+        m_harness->settle();
+        QSignalSpy asked(&model(), &MessagesPageViewModel::atisRequested);
+        m_harness->click(field("atis-ZSPD_TWR"));
+        QCOMPARE(asked, (QList<QVariantList>{{u"ZSPD_TWR"_qs}}));
+    }
+
+    void whatCannotGoAsTypedIsTold()
+    {
+        fillMessages(model());
+        m_harness->settle();
+        QVERIFY(!field("composeNote"));
+        model().setDraftMessage(u"你好"_qs);
+        m_harness->settle();
+        QCOMPARE(field("composeNote")->property("text").toString(), u"2 个字符无法传送，对方将看到：??"_qs);
+        model().setTransmitting(false);
+        m_harness->settle();
+        QSignalSpy sent(&model(), &MessagesPageViewModel::radioMessageRequested);
+        QVERIFY(!field("sendButton")->isEnabled());
+        QTest::keyClick(&m_harness->view, Qt::Key_Return);
+        QCOMPARE(sent.size(), 0);
+        QCOMPARE(model().draftMessage(), u"你好"_qs); // it isn't lost
+        m_harness->grab(u"messages-note-1280"_qs);
+    }
+
+    void whatHasJustBeenSentComesIntoSight()
+    {
+        addRadioTexts(60);
+        m_harness->settle();
+        QTest::keyClick(&m_harness->view, Qt::Key_PageUp);
+        m_harness->settle();
+        QVERIFY(!atEnd());
+        addRadioTexts(1);
+        m_harness->settle();
+        QVERIFY(!atEnd());
+        model().addRadioSent(u"own"_qs, {118025});
+        m_harness->settle();
+        QVERIFY(atEnd());
+    }
+
+    void theOverviewOfPrivateTextsShowsTheSessions()
+    {
+        fillMessages(model());
+        model().setActiveChannel(u"PRIVATE"_qs);
+        m_harness->settle();
+        QVERIFY(field("overview-CSN3388"));
+        m_harness->click(field("overview-CSN3388"));
+        QCOMPARE(model().activeChannel(), u"CSN3388"_qs);
+        QVERIFY(!field("overview-CSN3388"));
     }
 
     void theColumnIsTitled() { QCOMPARE(field("columnTitle")->property("title").toString(), u"消息"_qs); }

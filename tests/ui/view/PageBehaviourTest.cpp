@@ -92,6 +92,8 @@ private slots:
                                    {u"settings"_qs, QVariant::fromValue(nullptr)},
                                    {u"voiceSettings"_qs, QVariant::fromValue(nullptr)},
                                    {u"status"_qs, QVariant::fromValue(nullptr)},
+                                   {u"leave"_qs, QVariant::fromValue(nullptr)},
+                                   {u"overview"_qs, QVariant::fromValue(nullptr)},
                                    {u"currentSection"_qs, section}});
         view.setSource(QUrl(u"qrc:/src/ui/view/pages/MainDashboard.qml"_qs));
         QVERIFY(view.rootObject());

@@ -71,6 +71,8 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
         view.rootContext()->setContextProperty(u"serverBackend"_qs, present ? &m_server : nullptr);
         view.rootContext()->setContextProperty(u"messagesBackend"_qs, present ? &m_messages : nullptr);
         view.rootContext()->setContextProperty(u"simulatorBackend"_qs, present ? &m_simulator : nullptr);
+        view.rootContext()->setContextProperty(u"leaveBackend"_qs, present ? &m_leave : nullptr);
+        view.rootContext()->setContextProperty(u"overviewBackend"_qs, present ? &m_overview : nullptr);
         view.rootContext()->setContextProperty(u"statusBackend"_qs, present ? &m_status : nullptr);
         view.rootContext()->setContextProperty(u"voiceBackend"_qs, present ? &m_voice : nullptr);
         view.rootContext()->setContextProperty(u"settingsBackend"_qs, present ? &m_settings : nullptr);
@@ -115,6 +117,15 @@ void PageHarness::fillFlight()
 {
     m_dashboard.setSimulatorState(true, u"已连接"_qs);
     m_status.setSimulator(true, u"已连接"_qs);
+    m_overview.show({.callsign = u"CCAWMDG_2352"_qs,
+                     .detail = u"B738 · Microsoft Flight Simulator"_qs,
+                     .com1 = u"118.500"_qs,
+                     .com1Station = u"ZBAA_W_APP +2"_qs,
+                     .com2 = u"121.500"_qs,
+                     .com2Station = {},
+                     .transponder = u"2145"_qs,
+                     .online = u"12 小时 05 分"_qs});
+    m_dashboard.setWebPages(u"https://example.net/new"_qs, u"https://example.net/docs"_qs);
     m_dashboard.setFlightData(40.0801, 116.5846, 32150.4, 52.4, 451.6);
 }
 
@@ -268,7 +279,7 @@ QList<QQuickItem *> PageHarness::items(const QString &objectName) const
 {
     QList<QQuickItem *> found;
     collect(
-        view.rootObject(), [&](QQuickItem *candidate) { return candidate->objectName() == objectName; }, found);
+        view.contentItem(), [&](QQuickItem *candidate) { return candidate->objectName() == objectName; }, found);
     return found;
 }
 

@@ -9,7 +9,9 @@
 #include "support/ManualClock.h"
 #include "support/ScriptedInput.h"
 #include "ui/viewmodel/DashboardViewModel.h"
+#include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
+#include "ui/viewmodel/PilotOverview.h"
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
@@ -50,6 +52,8 @@ public:
     ui::ServerPageViewModel &server() { return m_server; }
     ui::MessagesPageViewModel &messages() { return m_messages; }
     ui::SimulatorPageViewModel &simulator() { return m_simulator; }
+    ui::LeaveQuestion &leave() { return m_leave; }
+    ui::PilotOverview &overview() { return m_overview; }
     ui::StatusViewModel &status() { return m_status; }
     ui::VoiceServiceViewModel &voice() { return m_voice; }
     /// What the voice page hears of; a test raises its signals.
@@ -111,6 +115,8 @@ private:
     ui::MessagesPageViewModel m_messages;
     ui::SimulatorPageViewModel m_simulator;
     ui::StatusViewModel m_status;
+    ui::LeaveQuestion m_leave;
+    ui::PilotOverview m_overview;
     ScriptedInput m_input;
     input::PttHandler m_pttHandler{m_input.source()};
     input::PttService m_ptt{m_pttHandler};

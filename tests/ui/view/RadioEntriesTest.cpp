@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
+
 using tarvo::test::ComposingInput;
 using tarvo::ui::SimulatorPageViewModel;
 
@@ -182,6 +184,7 @@ private slots:
     {
         QFETCH(QSize, size);
         open(size);
+        scrollTo(10'000);
         m_harness->settle();
         QVERIFY(!inSight(u"com1Field"_qs));
         for (const char16_t *name : {u"com1Field", u"com2Field", u"modeCButton", u"identButton", u"transponderField"}) {
@@ -199,11 +202,11 @@ private slots:
         open({1000, 700});
         QQuickItem *view = item(u"simulatorScroll"_qs)->property("contentItem").value<QQuickItem *>();
         QQuickItem *field = item(u"com1Field"_qs);
-        // So that just its upper half can be seen.
-        const qreal top = field->mapToItem(view, QPointF()).y();
-        view->setProperty("contentY", top + field->height() / 2 - view->height());
+        // So that just its lower half can be seen.
+        scrollTo(field->mapToItem(view, QPointF()).y() + field->height() / 2);
         const qreal before = view->property("contentY").toReal();
-        QTest::mouseClick(&m_harness->view, Qt::LeftButton, {}, field->mapToScene(QPointF(20, 4)).toPoint());
+        QTest::mouseClick(&m_harness->view, Qt::LeftButton, {},
+                          field->mapToScene(QPointF(20, field->height() - 4)).toPoint());
         QVERIFY(field->hasActiveFocus());
         m_harness->settle();
         QCOMPARE(view->property("contentY").toReal(), before);
@@ -211,6 +214,14 @@ private slots:
 
 private:
     QString hint() { return item(u"com1Hint"_qs)->property("text").toString(); }
+
+    /// Not beyond the page's end.
+    void scrollTo(qreal contentY)
+    {
+        QQuickItem *view = item(u"simulatorScroll"_qs)->property("contentItem").value<QQuickItem *>();
+        const qreal last = view->property("contentHeight").toReal() - view->height();
+        view->setProperty("contentY", std::min(contentY, last));
+    }
 
     bool inSight(const QString &name)
     {

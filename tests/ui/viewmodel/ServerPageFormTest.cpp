@@ -54,6 +54,29 @@ private slots:
         QCOMPARE(fixture.model.typeCodeRequired(), !observer);
     }
 
+    void aSelcalThatLooksMistyped_data()
+    {
+        QTest::addColumn<QString>("selcal");
+        QTest::addColumn<bool>("hint");
+        QTest::newRow("none") << QString() << false;
+        QTest::newRow("pairs") << u"AB-CD"_qs << false;
+        QTest::newRow("lower case, no dash") << u" abks "_qs << false;
+        QTest::newRow("three letters") << u"ABC"_qs << true;
+        QTest::newRow("beyond S") << u"AB-CT"_qs << true;
+        QTest::newRow("a digit") << u"AB-C1"_qs << true;
+        QTest::newRow("dash elsewhere") << u"A-BCD"_qs << true;
+    }
+    void aSelcalThatLooksMistyped()
+    {
+        QFETCH(QString, selcal);
+        ServerPageFixture fixture;
+        fixture.model.setCallsign(u"CES2352"_qs);
+        fixture.model.setTypeCode(u"B738"_qs);
+        fixture.model.setSelcal(selcal);
+        QTEST(!fixture.model.selcalHint().isEmpty(), "hint");
+        QVERIFY(fixture.model.canConnect()); // a hint, never a refusal
+    }
+
     void theOneButton_data()
     {
         QTest::addColumn<bool>("connected");

@@ -89,7 +89,7 @@ private slots:
             "messagesChanged() channelStatsChanged() activeChannelChanged() activeMessagesChanged() sessionsChanged() "
             "unreadChanged() networkStateChanged() nearbyClientsChanged() composeChanged() "
             "messageSoundRequested(QString,int) privateMessageRequested(QString,QString) "
-            "radioMessageRequested(QString) wallopRequested(QString)");
+            "radioMessageRequested(QString) wallopRequested(QString) atisRequested(QString)");
     }
 
     void signalsStandInOrder()

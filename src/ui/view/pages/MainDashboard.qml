@@ -14,6 +14,8 @@ Item {
     required property SettingsBackend settings
     required property VoiceSettingsBackend voiceSettings
     required property StatusBackend status
+    required property LeaveBackend leave
+    required property OverviewBackend overview
     property string currentSection: "dashboard"
 
     signal logoutRequested()
@@ -99,6 +101,9 @@ Item {
 
         DashboardOverviewPage {
             dashboard: main.dashboard // qmllint disable unqualified
+            overview: main.overview // qmllint disable unqualified
+            unreadCount: main.messages ? main.messages.unreadCount : 0 // qmllint disable unqualified
+            onSectionRequested: key => main.currentSection = key // qmllint disable unqualified
             server: main.server // qmllint disable unqualified
         }
     }
@@ -112,7 +117,10 @@ Item {
     Component {
         id: serverSection
 
-        ServerPage { server: main.server } // qmllint disable unqualified
+        ServerPage {
+            server: main.server // qmllint disable unqualified
+            leave: main.leave // qmllint disable unqualified
+        }
     }
 
     Component {
@@ -124,7 +132,10 @@ Item {
     Component {
         id: messagesSection
 
-        MessagesPage { messages: main.messages } // qmllint disable unqualified
+        MessagesPage {
+            messages: main.messages // qmllint disable unqualified
+            simulator: main.simulator // qmllint disable unqualified
+        }
     }
 
     Component {

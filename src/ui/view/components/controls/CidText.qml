@@ -6,7 +6,7 @@ AppText {
     property string cid: "--"
 
     text: qsTr("CID：%1").arg(cid.replace(/^\s*CID\s*[:：]\s*/i, "") || "--")
-    color: Style.textSecondary
+    color: Style.textCaption
     font.pixelSize: Style.fontSmall
     elide: Text.ElideRight
 }

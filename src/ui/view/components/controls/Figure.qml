@@ -15,7 +15,7 @@ RowLayout {
 
     AppText {
         text: figure.label
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
     }
 

@@ -12,7 +12,7 @@ ColumnLayout {
         id: caption
 
         Layout.fillWidth: true
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
         elide: Text.ElideRight
     }

@@ -31,7 +31,7 @@ Card {
             AppText {
                 Layout.fillWidth: true
                 text: card.title
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: 13
                 elide: Text.ElideRight
             }
@@ -59,7 +59,7 @@ Card {
                 Layout.alignment: Qt.AlignBottom
                 bottomPadding: 6
                 text: card.unit
-                color: Style.textMuted
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
         }

@@ -15,6 +15,15 @@ Item {
     Layout.leftMargin: -8
     Layout.bottomMargin: -16
 
+    focus: true
+    Keys.forwardTo: [keys]
+
+    ScrollKeys {
+        id: keys
+
+        view: scroll.contentItem as Flickable
+    }
+
     FocusFollower { scroll: scroll }
 
     ScrollView {

@@ -134,7 +134,7 @@ CustomTextField {
                         AppText {
                             Layout.fillWidth: true
                             text: row.detail
-                            color: Style.textMuted
+                            color: Style.textCaption
                             font.pixelSize: 11
                             elide: Text.ElideRight
                         }

@@ -9,9 +9,31 @@ ListView {
     id: list
 
     clip: true
+    keyNavigationEnabled: false // the keys scroll
     spacing: Style.spacingSmall
     boundsBehavior: Flickable.StopAtBounds
+    activeFocusOnTab: count > 0
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("最近事件")
+    Keys.forwardTo: [keys]
     ScrollBar.vertical: CustomScrollBar {}
+
+    ScrollKeys {
+        id: keys
+
+        view: list
+    }
+
+    Rectangle {
+        parent: list // not one of the rows
+        anchors.fill: parent
+        anchors.margins: -4
+        visible: list.activeFocus
+        radius: Style.radiusSmall
+        color: "transparent"
+        border.width: 2
+        border.color: Style.controlBorderActive
+    }
 
     delegate: ColumnLayout {
         id: event
@@ -29,7 +51,7 @@ ListView {
 
             AppText {
                 text: event.time
-                color: Style.textMuted
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
 
@@ -53,7 +75,7 @@ ListView {
 
                     anchors.centerIn: parent
                     text: event.tag
-                    color: Style.textSecondary
+                    color: Style.textCaption
                     font.pixelSize: 11
                 }
             }
@@ -63,7 +85,7 @@ ListView {
             Layout.fillWidth: true
             visible: text.length > 0
             text: event.detail
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
             maximumLineCount: 3

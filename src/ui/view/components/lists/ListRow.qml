@@ -10,6 +10,8 @@ Pressable {
     property string detail: ""
     property bool selected: false
     property int badge: 0
+    /// Named controls of the row, right of its texts.
+    property alias actions: actionRow.data
     /// Shows a cross that raises closeRequested().
     property bool closable: false
 
@@ -18,7 +20,7 @@ Pressable {
     implicitHeight: detail.length > 0 ? 48 : 32
     clip: true // a callsign of marks upon marks stays in its line
     leftPadding: Style.spacingMedium
-    rightPadding: closable ? 30 : Style.spacingMedium
+    rightPadding: closable ? 30 : Style.spacingMedium + (actionRow.width > 0 ? actionRow.width + Style.spacingSmall : 0)
     focusPolicy: Qt.TabFocus
     Keys.onDeletePressed: event => {
         event.accepted = closable
@@ -73,7 +75,7 @@ Pressable {
             AppText {
                 visible: text.length > 0
                 text: row.note
-                color: Style.textMuted
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
 
@@ -89,11 +91,20 @@ Pressable {
             horizontalAlignment: Text.AlignLeft
             visible: text.length > 0
             text: row.detail
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             elide: Text.ElideRight
             maximumLineCount: 1
         }
+    }
+
+    Column {
+        id: actionRow
+
+        anchors.right: parent.right
+        anchors.rightMargin: Style.spacingSmall
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 2
     }
 
     Pressable {

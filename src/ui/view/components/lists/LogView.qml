@@ -58,6 +58,12 @@ Rectangle {
         }
     }
 
+    ScrollKeys {
+        id: keys
+
+        view: flick
+    }
+
     Flickable {
         id: flick
 
@@ -77,6 +83,7 @@ Rectangle {
 
             width: flick.width
             readOnly: true
+            Keys.forwardTo: [keys]
             font.pixelSize: Style.fontSmall
             background: null
         }

@@ -10,7 +10,15 @@ ListView {
     spacing: Style.spacingTiny
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: count > 0
+    keyNavigationEnabled: false // the keys scroll
+    Keys.forwardTo: [keys]
     ScrollBar.vertical: CustomScrollBar {}
+
+    ScrollKeys {
+        id: keys
+
+        view: list
+    }
 
     delegate: Row {
         required property string time

@@ -9,6 +9,10 @@ ColumnLayout {
 
     required property DashboardBackend dashboard
     required property ServerBackend server
+    required property OverviewBackend overview
+    property int unreadCount: 0
+
+    signal sectionRequested(string key)
 
     spacing: Style.spacingMedium
 
@@ -21,12 +25,19 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.fillHeight: true
 
-        GreetingCard {
+        PilotCard {
+            Layout.fillWidth: true
+            overview: page.overview
+            unreadCount: page.unreadCount
+            onMessagesRequested: page.sectionRequested("messages")
+        }
+
+        FlightStrip {
             Layout.fillWidth: true
             dashboard: page.dashboard
         }
 
-        FlightStrip {
+        GreetingCard {
             Layout.fillWidth: true
             dashboard: page.dashboard
         }
@@ -111,6 +122,22 @@ ColumnLayout {
                     }
 
                     Item { Layout.fillHeight: true }
+
+                    RowLayout {
+                        spacing: Style.spacingMedium
+
+                        PageButton {
+                            objectName: "updateButton"
+                            text: qsTr("检查更新")
+                            address: page.dashboard ? page.dashboard.updateUrl : ""
+                        }
+
+                        PageButton {
+                            objectName: "docsButton"
+                            text: qsTr("官方文档")
+                            address: page.dashboard ? page.dashboard.docsUrl : ""
+                        }
+                    }
                 }
             }
         }
@@ -139,5 +166,17 @@ ColumnLayout {
                 rows: page.dashboard ? page.dashboard.atcLeaderboardRows : null
             }
         }
+    }
+
+    /// Opens a page in the browser; not there without one.
+    component PageButton: CustomButton {
+        property string address
+
+        visible: address.length > 0
+        implicitHeight: 34
+        leftPadding: Style.spacingMedium
+        rightPadding: Style.spacingMedium
+        font.pixelSize: 13
+        onClicked: Qt.openUrlExternally(address)
     }
 }

@@ -106,7 +106,7 @@ Card {
 
         AppText {
             text: reading.name
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
 
@@ -126,7 +126,7 @@ Card {
                 Layout.alignment: Qt.AlignBottom
                 bottomPadding: 6
                 text: reading.unit
-                color: Style.textMuted
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
         }

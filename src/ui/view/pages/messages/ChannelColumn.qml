@@ -9,6 +9,7 @@ Card {
     id: column
 
     required property MessagesBackend messages
+    required property SimulatorBackend simulator
 
     contentPadding: Style.spacingMedium
 
@@ -108,6 +109,8 @@ Card {
             model: column.messages ? column.messages.stationList : null
             emptyText: qsTr("附近暂无管制席位")
             delegate: ListRow {
+                id: station
+
                 required property int index
                 required property string callsign
                 required property string frequency
@@ -116,12 +119,36 @@ Card {
                 width: ListView.view.width
                 objectName: "station-" + callsign
                 text: callsign
-                note: frequency
-                detail: name
+                detail: name.length > 0 ? name : " "
+                Accessible.description: (frequency + " " + name).trim()
                 onVisualFocusChanged: if (visualFocus) stationList.reveal(index) // qmllint disable unqualified
                 onClicked: column.messages.openPrivateSession(callsign) // qmllint disable unqualified
+                actions: [
+                    StationControl {
+                        objectName: "tune-" + station.callsign
+                        text: station.frequency
+                        Accessible.name: qsTr("COM1 调到 %1").arg(text)
+                        Accessible.description: qsTr("长按或右键：COM2")
+                        onClicked: column.tune(text, 1) // qmllint disable unqualified
+                        onPressAndHold: column.tune(text, 2) // qmllint disable unqualified
+                        onSecondary: column.tune(text, 2) // qmllint disable unqualified
+                    },
+                    StationControl {
+                        objectName: "atis-" + station.callsign
+                        text: "ATIS"
+                        Accessible.name: qsTr("%1 的 ATIS").arg(station.callsign)
+                        onClicked: column.messages.requestAtis(station.callsign) // qmllint disable unqualified
+                    }
+                ]
             }
         }
+    }
+
+    function tune(frequency: string, radio: int): void {
+        if (radio === 2)
+            simulator?.requestSetCom2Frequency(frequency)
+        else
+            simulator?.requestSetCom1Frequency(frequency)
     }
 
     component SideList: ListView {

@@ -5,7 +5,7 @@ import "../.."
 
 /// The line that is being written. Where it goes is the active channel's affair. It hands on the keys that scroll the
 /// messages.
-RowLayout {
+GridLayout {
     id: compose
 
     required property MessagesBackend messages
@@ -18,7 +18,9 @@ RowLayout {
     signal pageRequested(int count)
     signal newestRequested()
 
-    spacing: Style.spacingSmall
+    columns: 2
+    columnSpacing: Style.spacingSmall
+    rowSpacing: 6
     Component.onCompleted: focusLine()
     onCanSendChanged: focusLine()
     onChannelChanged: focusLine()
@@ -41,7 +43,7 @@ RowLayout {
 
     function send(): void {
         Qt.inputMethod.commit() // qmllint disable type
-        if (!canSend)
+        if (!canSend || messages.composeBlocked)
             return
         const text = line.text
         messages.draftMessage = text
@@ -87,8 +89,23 @@ RowLayout {
         Layout.preferredWidth: 88
         focusPolicy: Qt.TabFocus // the line keeps the focus
         primary: true
-        enabled: compose.canSend
+        enabled: compose.canSend && !compose.messages.composeBlocked
         text: qsTr("发送")
         onClicked: compose.send()
+    }
+
+    AppText {
+        objectName: "composeNote"
+        Layout.columnSpan: 2
+        Layout.fillWidth: true
+        Layout.leftMargin: Style.spacingMedium
+        visible: text.length > 0
+        clip: true
+        text: compose.messages ? compose.messages.composeNote : ""
+        color: Style.textWarning
+        font.pixelSize: Style.fontSmall
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        elide: Text.ElideRight
     }
 }

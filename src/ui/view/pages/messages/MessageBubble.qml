@@ -61,7 +61,7 @@ Item {
 
                 anchors.centerIn: parent
                 text: row.directionLabel
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: 10
             }
         }
@@ -108,7 +108,7 @@ Item {
             visible: text.length > 0
             clip: true
             text: row.to.length > 0 ? row.to : row.frequencies
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             elide: Text.ElideRight
             maximumLineCount: 1
@@ -117,7 +117,7 @@ Item {
         AppText {
             anchors.verticalCenter: parent.verticalCenter
             text: row.time
-            color: Style.textMuted
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
     }

@@ -74,6 +74,11 @@ Control {
             list.positionViewAtEnd()
     }
 
+    /// What the pilot has just sent comes into sight.
+    function isOwn(row: int): bool {
+        return view.messages.isOwnShown(row)
+    }
+
     /// Not while the list still lays itself out.
     function later(action: var): void {
         Qt.callLater(action) // qmllint disable
@@ -83,8 +88,8 @@ Control {
         target: list.model
 
         function onRowsInserted(parent: var, first: int, last: int): void {
-            if (view.follow)
-                view.later(view.stay)
+            if (view.follow || view.isOwn(last))
+                view.later(view.follow ? view.stay : view.toEnd)
             else
                 view.missed += last - first + 1
         }
@@ -107,6 +112,23 @@ Control {
         onContentHeightChanged: view.later(view.follow ? view.stay : view.look)
         ScrollBar.vertical: CustomScrollBar { id: bar }
 
+        section.property: "day"
+        section.delegate: Item {
+            id: day
+
+            required property string section
+
+            width: ListView.view.width
+            height: 28
+
+            AppText {
+                anchors.centerIn: parent
+                text: day.section
+                color: Style.textCaption
+                font.pixelSize: 11
+            }
+        }
+
         delegate: MessageBubble {
             required property var model
 
@@ -122,10 +144,19 @@ Control {
         }
     }
 
+    SessionOverview {
+        id: sessions
+
+        objectName: "sessionOverview"
+        anchors.fill: parent
+        visible: view.channel === "PRIVATE" && count > 0
+        messages: view.messages
+    }
+
     EmptyHint {
         anchors.centerIn: parent
         width: Math.min(parent.width - 2 * Style.spacingLarge, 360)
-        visible: list.count === 0
+        visible: list.count === 0 && !sessions.visible
         title: qsTr("当前频道暂无消息")
         detail: view.hintFor(view.channel)
     }

@@ -8,6 +8,7 @@ ColumnLayout {
     id: page
 
     required property MessagesBackend messages
+    property SimulatorBackend simulator: null
 
     spacing: Style.spacingMedium
 
@@ -40,6 +41,7 @@ ColumnLayout {
             Layout.fillHeight: true
             Layout.preferredWidth: Math.max(220, Math.min(300, page.width * 0.26))
             messages: page.messages
+            simulator: page.simulator
         }
 
         Card {

@@ -8,6 +8,7 @@ Card {
     id: form
 
     required property ServerBackend server
+    required property LeaveBackend leave
     readonly property bool connected: server ? server.serverConnected : false
     readonly property bool ends: server ? server.buttonEnds : false
 
@@ -49,6 +50,7 @@ Card {
             FormField {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                Layout.alignment: Qt.AlignTop
                 label: qsTr("机型")
 
                 TypeCodeField {
@@ -59,11 +61,18 @@ Card {
                     placeholderText: (form.server ? form.server.typeCodeRequired : true) ? qsTr("必填") : qsTr("选填")
                     onAccepted: form.submit()
                 }
+
+                FieldHint {
+                    objectName: "typeCodeHint"
+                    text: form.server ? form.server.typeCodeHint : ""
+                    color: Style.textWarning
+                }
             }
 
             FormField {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
+                Layout.alignment: Qt.AlignTop
                 label: "SELCAL"
 
                 CustomTextField {
@@ -76,6 +85,12 @@ Card {
                     inputMethodHints: Qt.ImhPreferUppercase | Qt.ImhNoPredictiveText
                     onTextEdited: if (form.server) form.server.selcal = text
                     onAccepted: form.submit()
+                }
+
+                FieldHint {
+                    objectName: "selcalHint"
+                    text: form.server ? form.server.selcalHint : ""
+                    color: Style.textWarning
                 }
             }
         }
@@ -103,7 +118,7 @@ Card {
             Layout.fillWidth: true
             visible: text.length > 0
             text: form.server ? form.server.formErrorText : ""
-            color: (form.server ? form.server.formErrorIsHint : true) ? Style.textSecondary : Style.textError
+            color: (form.server ? form.server.formErrorIsHint : true) ? Style.textCaption : Style.textError
             font.pixelSize: 13
             wrapMode: Text.Wrap
         }
@@ -119,7 +134,7 @@ Card {
             objectName: "modeHint"
             Layout.fillWidth: true
             text: form.server ? form.server.modeHintText : "--"
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
         }
@@ -137,6 +152,8 @@ Card {
     function submitOrDisconnect(): void {
         if (!ends)
             submit()
+        else if (connected && leave)
+            leave.disconnectFromNetwork()
         else if (server)
             server.requestDisconnect()
     }

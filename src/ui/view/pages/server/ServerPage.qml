@@ -8,6 +8,7 @@ ColumnLayout {
     id: page
 
     required property ServerBackend server
+    required property LeaveBackend leave
     readonly property bool connected: server ? server.serverConnected : false
 
     spacing: Style.spacingMedium
@@ -68,6 +69,7 @@ ColumnLayout {
                 Layout.fillWidth: true
                 Layout.bottomMargin: Style.paddingPage
                 server: page.server
+                leave: page.leave
             }
         }
 

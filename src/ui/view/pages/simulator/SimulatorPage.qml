@@ -46,6 +46,11 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.fillHeight: true
 
+        RadioCard {
+            Layout.fillWidth: true
+            simulator: page.simulator
+        }
+
         RowLayout {
             Layout.fillWidth: true
             spacing: Style.spacingGrid
@@ -63,11 +68,6 @@ ColumnLayout {
                 Layout.preferredWidth: 1
                 simulator: page.simulator
             }
-        }
-
-        RadioCard {
-            Layout.fillWidth: true
-            simulator: page.simulator
         }
 
         RowLayout {
