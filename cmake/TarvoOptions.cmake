@@ -1,5 +1,7 @@
 # Build settings: what a packager chooses, and the compiler flags that every target gets.
 
+include(TarvoHardening)
+
 # --- the network this build talks to; the defaults are the practice network on this machine ---
 set(TARVO_API_BASE_URL "http://127.0.0.1:8080/api" CACHE STRING "Account service, ending in /api")
 set(TARVO_FSD_HOST "127.0.0.1" CACHE STRING "FSD server, host name or IPv4 address (port 6809)")
@@ -8,13 +10,19 @@ set(TARVO_UPDATE_URL "" CACHE STRING "Web page with the newest version; empty: t
 set(TARVO_DOCS_URL "" CACHE STRING "Web page with the documentation; empty: the pages offer none")
 set(TARVO_REGISTER_URL "http://127.0.0.1:8080/register" CACHE STRING "Web page on which a pilot registers")
 # A packager sets 32 bytes of its own, as 64 hexadecimal digits; they protect the stored password.
-set(TARVO_CONFIG_SECRET "7461727666f6c794e2a51c0d98b3775fd04e8126a9c36b1f5288e7304cbd96a1"
+set(TARVO_DEFAULT_SECRET "7461727666f6c794e2a51c0d98b3775fd04e8126a9c36b1f5288e7304cbd96a1")
+set(TARVO_CONFIG_SECRET "${TARVO_DEFAULT_SECRET}"
     CACHE STRING "32 secret bytes of the configuration cipher, in hexadecimal")
 string(LENGTH "${TARVO_CONFIG_SECRET}" secretLength)
 if(NOT secretLength EQUAL 64 OR NOT TARVO_CONFIG_SECRET MATCHES "^[0-9A-Fa-f]+$")
     message(FATAL_ERROR "TARVO_CONFIG_SECRET must be 64 hexadecimal digits (32 bytes)")
 endif()
+tarvo_secret_warning(secretWarning)
+if(secretWarning)
+    message(WARNING "${secretWarning}")
+endif()
 
+option(TARVO_HARDEN_CODE "Stack protector, fortified functions, control-flow protection" OFF)
 option(TARVO_WERROR "Treat warnings as errors" OFF)
 option(TARVO_BUILD_PRACTICE "Build the practice network; the tests need it" ON)
 option(TARVO_WITHOUT_PAGES "Only modules that know nothing of pages and simulators, and their tests: for a Qt without Quick" OFF)

@@ -1,0 +1,22 @@
+# Which builds are warned of the secret that everybody knows.
+include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/TarvoHardening.cmake)
+set(TARVO_DEFAULT_SECRET aa)
+
+# expect(<YES|NO> <secret> <account> <fsd> <voice>)
+function(expect wanted TARVO_CONFIG_SECRET TARVO_API_BASE_URL TARVO_FSD_HOST TARVO_VOICE_HOST)
+    tarvo_secret_warning(warning)
+    if(wanted AND NOT warning OR warning AND NOT wanted)
+        message(SEND_ERROR "${ARGV}: \"${warning}\"")
+    endif()
+endfunction()
+
+set(home http://127.0.0.1:8080/api)
+expect(NO aa ${home} 127.0.0.1 127.0.0.1)
+expect(NO aa http://localhost/api localhost 127.0.1.1)
+expect(NO aa http://[::1]:8080/api 127.0.0.1 127.0.0.1)
+expect(NO bb https://account.example.net/api fsd.example.net voice.example.net)
+expect(YES aa https://account.example.net/api 127.0.0.1 127.0.0.1)
+expect(YES aa ${home} fsd.example.net 127.0.0.1)
+expect(YES aa ${home} 127.0.0.1 10.0.0.7)
+expect(YES aa http://127.0.0.1.example.net/api 127.0.0.1 127.0.0.1)
+expect(YES aa http://localhost.example.net/api 127.0.0.1 127.0.0.1)
