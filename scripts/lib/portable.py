@@ -1,0 +1,142 @@
+#!/usr/bin/env python3
+"""Lays out a folder with the client, the practice network, Qt, its plugins and all other libraries that a Debian 12 with a
+desktop may lack, and packs it.
+
+    portable.py BUILD FOLDER
+"""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+QT = pathlib.Path('/usr/lib/x86_64-linux-gnu/qt6')
+PROGRAMS = ['TarvoClient', 'tarvo-practice']
+PLUGINS = ['platforms/libqxcb.so', 'platforms/libqoffscreen.so', 'platforms/libqminimal.so', 'imageformats/libqjpeg.so',
+           'imageformats/libqico.so', 'sqldrivers/libqsqlite.so', 'multimedia/libgstreamermediaplugin.so',
+           'tls/libqopensslbackend.so', 'tls/libqcertonlybackend.so',
+           'xcbglintegrations/libqxcb-glx-integration.so', 'xcbglintegrations/libqxcb-egl-integration.so',
+           'platforminputcontexts/libcomposeplatforminputcontextplugin.so',
+           'platforminputcontexts/libibusplatforminputcontextplugin.so', 'networkinformation/libqnetworkmanager.so']
+# QML modules that the pages import, and what these import.
+QML = ['QtQml', 'QtQuick/Controls', 'QtQuick/Layouts', 'QtQuick/Templates', 'QtQuick/Window']
+# Of the system: parts of the C library and the driver stack, and what talks to a daemon of the same version.
+SYSTEM = re.compile(r'(ld-linux|lib(c|m|dl|rt|pthread|resolv|stdc\+\+|gcc_s|X11|X11-xcb|xcb|GL|GLX|EGL|OpenGL|GLdispatch|drm|gbm|'
+                    r'fontconfig|freetype|expat|z|asound|jack|pulse.*|dbus-1|systemd|udev|glib-2|gobject-2|gio-2|gmodule-2|'
+                    r'gst.*|ssl|crypto|va|va-.*|vdpau|av.*|sw.*|nss.*))[.-]')
+
+
+def libraries_of(path):
+    """The libraries that the loader finds for it: name and path."""
+    said = subprocess.run(['ldd', path], capture_output=True, text=True, check=True).stdout
+    missing = re.findall(r'(\S+) => not found', said)
+    if missing:
+        sys.exit(f'{path}: not found: {missing}')
+    return dict(re.findall(r'(\S+) => (/\S+)', said)) | {'ld-linux-x86-64.so.2': '/lib64/ld-linux-x86-64.so.2'}
+
+
+def needed_by(path):
+    said = subprocess.run(['readelf', '-dW', path], capture_output=True, text=True, check=True).stdout
+    return re.findall(r'\(NEEDED\)\s+Shared library: \[(.+?)\]', said)
+
+
+def copy(source, target):
+    target.parent.mkdir(parents=True, exist_ok=True)
+    shutil.copyfile(source, target)
+    target.chmod(0o755 if os.access(source, os.X_OK) or '.so' in target.name else 0o644)
+
+
+def copy_qml(folder):
+    for name in QML:
+        for source in sorted((QT / 'qml' / name).rglob('*')):
+            relative = source.relative_to(QT / 'qml')
+            styles = {'Fusion', 'Imagine', 'Material', 'Universal', 'designer'}
+            if source.is_file() and not styles & set(relative.parts) and source.suffix != '.qmltypes':
+                copy(source, folder / 'qml' / relative)
+    for source in (QT / 'qml' / 'QtQuick').iterdir():
+        if source.is_file() and source.suffix != '.qmltypes':
+            copy(source, folder / 'qml/QtQuick' / source.name)
+
+
+def stage(build, folder):
+    for name in PROGRAMS:
+        copy(build / 'bin' / name, folder / name)
+    copy(build / 'bin/resources/Doc8643.txt', folder / 'resources/Doc8643.txt')
+    for name in PLUGINS:
+        if (QT / 'plugins' / name).exists():
+            copy(QT / 'plugins' / name, folder / 'plugins' / name)
+    copy_qml(folder)
+    (folder / 'qt.conf').write_text('[Paths]\nPrefix=.\nLibraries=lib\nPlugins=plugins\nQmlImports=qml\n')
+    system, known = set(), set()
+    for path in [folder / name for name in PROGRAMS] + sorted(folder.rglob('*.so')):
+        where = libraries_of(path)
+        waiting = needed_by(path)
+        while waiting:
+            name = waiting.pop()
+            if name in known:
+                continue
+            known.add(name)
+            if SYSTEM.match(name):
+                system.add(where[name])  # and what it needs itself comes with its package
+                continue
+            copy(where[name], folder / 'lib' / name)
+            waiting += needed_by(where[name])
+    return system
+
+
+def finish(folder):
+    """Without symbols for debuggers; each file looks for libraries in the folder that came with it."""
+    binaries = [folder / name for name in PROGRAMS] + sorted(p for p in folder.rglob('*.so*') if p.is_file())
+    for path in binaries:
+        subprocess.run(['strip', '--strip-unneeded', path], check=True)
+        away = os.path.relpath(folder / 'lib', path.parent)
+        subprocess.run(['patchelf', '--set-rpath', f'$ORIGIN/{away}', path], check=True)
+
+
+def packages_of(libraries):
+    """The Debian packages that these files come from."""
+    found = set()
+    for library in sorted(libraries):
+        # dpkg knows a file below /lib or below /usr/lib, but not both.
+        real = os.path.realpath(library)
+        for path in (library, real, real.removeprefix('/usr')):
+            said = subprocess.run(['dpkg', '-S', path], capture_output=True, text=True).stdout
+            if said:
+                found.add(said.split(':')[0])
+                break
+        else:
+            sys.exit(f'{library} comes from no package')
+    return sorted(found)
+
+
+def write_readme(folder, packages):
+    (folder / 'README.txt').write_text(
+        'TARVO Client\n\n在任意可写的文件夹中运行 TarvoClient；设置和日志保存在同一文件夹。\n'
+        '练习网络：先运行 tarvo-practice，再用账号 1001、密码 practice 登录。\n\n'
+        'Needed of a Debian 12, beside what every one has:\n'
+        + ''.join(f'  {name}\n' for name in [*packages, 'gstreamer1.0-plugins-good', 'fonts-noto-cjk']), encoding='utf-8')
+    (folder / 'README.txt').chmod(0o644)
+
+
+def main():
+    build, packages = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    version = re.search(r'CMAKE_PROJECT_VERSION:STATIC=(\S+)', (build / 'CMakeCache.txt').read_text())[1]
+    name = f'TarvoClient-{version}-linux-x86_64'
+    staging = packages / 'staging'
+    shutil.rmtree(staging, ignore_errors=True)
+    folder = staging / name
+    folder.mkdir(parents=True)
+    system = stage(build, folder)
+    finish(folder)
+    write_readme(folder, packages_of(system))
+    archive = packages / f'{name}.tar.xz'
+    tar = ['tar', '--sort=name', f'--mtime=@{os.environ["SOURCE_DATE_EPOCH"]}', '--owner=0', '--group=0', '--numeric-owner',
+           '--mode=go=rX,u+rw', '--format=ustar', '-C', staging, '-cf', archive.with_suffix(''), name]
+    subprocess.run(tar, check=True)
+    subprocess.run(['xz', '-f', '-3', '-T2', archive.with_suffix('')], check=True)
+    print(f'{sum(1 for p in folder.rglob("*") if p.is_file())} files')
+
+
+if __name__ == '__main__':
+    main()

@@ -1,0 +1,201 @@
+#!/usr/bin/env python3
+"""Tries a package as somebody has it who installs nothing else: in an empty root with its own files and the files of the
+packages that it asks for, as a user without rights, in a network of its own. The practice network runs there, the client
+signs in to it and shows its pages; a second start ends at once; what it wrote is in the user's own folder, or beside a
+portable client.
+
+    try_package.py deb|portable TARVO-DEMO-CONFIG FOLDER
+"""
+import ctypes
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import time
+
+USER = 1000
+HOME = 'home/pilot'
+CLONE_NEWNS, CLONE_NEWNET, CLONE_NEWIPC = 0x20000, 0x40000000, 0x08000000
+PATIENCE = 120  # seconds; a machine that also compiles is slow
+
+
+class Failure(Exception):
+    pass
+
+
+def said(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+def closure(names):
+    """The installed packages that these depend on, with themselves and what those depend on."""
+    virtuals = {}
+    status = {}  # of a package what it depends on, of a virtual one a package that provides it
+    form = '${db:Status-Status}\t${Package}\t${Provides}\t${Pre-Depends}, ${Depends}\n'
+    for line in said('dpkg-query', '-Wf', form).splitlines():
+        state, name, provides, depends = line.split('\t')
+        if state != 'installed':
+            continue
+        status.setdefault(name, re.sub(r'\([^)]*\)|:\w+', '', depends))
+        for virtual in re.findall(r'[\w.+-]+', re.sub(r'\([^)]*\)', '', provides)):
+            virtuals.setdefault(virtual, name)
+    status = virtuals | status
+    found, waiting = set(), list(names)
+    while waiting:
+        name = waiting.pop()
+        if name in found or name not in status:
+            continue
+        found.add(name)
+        for alternatives in status[name].split(','):
+            choices = [choice.strip() for choice in alternatives.split('|')]
+            waiting += [choice for choice in choices if choice in status][:1]
+    return found
+
+
+def link_packages(root, names):
+    """The files of installed packages, as hard links: nobody writes to them there."""
+    for link in ('bin', 'sbin', 'lib', 'lib64'):
+        (root / 'usr' / link).mkdir(parents=True, exist_ok=True)
+        (root / link).symlink_to(f'usr/{link}')
+    real = said('dpkg-query', '-Wf', '${Package}\n').split()
+    for line in sorted(set(said('dpkg', '-L', *sorted(names & set(real))).splitlines())):
+        if not line.startswith('/'):
+            continue
+        source = pathlib.Path(line)
+        target = root / line[1:]
+        if source.is_symlink() or source.is_file():
+            target.parent.mkdir(parents=True, exist_ok=True)
+            if not os.path.lexists(target):
+                os.link(source, target, follow_symlinks=False)
+    subprocess.run(['ldconfig', '-r', root], check=True)
+
+
+def depends_of(package):
+    fields = said('dpkg-deb', '--field', package, 'Depends')
+    return [re.match(r'[\w.+-]+', part.strip())[0] for part in fields.split(',')]
+
+
+def unpack_deb(folder, root):
+    packages = sorted((folder / 'deb').glob('*.deb'))
+    link_packages(root, closure({name for package in packages for name in depends_of(package)}))
+    for package in packages:
+        subprocess.run(['dpkg-deb', '-x', package, root], check=True)
+    return 'usr/bin', f'{HOME}/.local/share/TarvoClient'
+
+
+def unpack_portable(folder, root):
+    archive, = folder.glob('*.tar.xz')
+    where = root / HOME / 'flying'
+    where.mkdir(parents=True)
+    subprocess.run(['tar', '-xf', archive, '-C', where, '--strip-components=1'], check=True)
+    asked = re.findall(r'^  (\S+)$', (where / 'README.txt').read_text(encoding='utf-8'), re.M)
+    packages = closure(asked)
+    if any('qt6' in name for name in packages):
+        raise Failure(f'a package of Qt came along: {sorted(packages)}')
+    link_packages(root, packages)
+    return f'{HOME}/flying', f'{HOME}/flying'
+
+
+def enter_own_world(root):
+    """Mounts and the network that begin here end with this process."""
+    libc = ctypes.CDLL(None, use_errno=True)
+    if libc.unshare(CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWIPC):
+        raise Failure(os.strerror(ctypes.get_errno()))
+    subprocess.run(['mount', '--make-rprivate', '/'], check=True)
+    subprocess.run(['ip', 'link', 'set', 'lo', 'up'], check=True)
+    for name in ('dev', 'proc', 'tmp', 'run'):
+        (root / name).mkdir(exist_ok=True)
+    subprocess.run(['mount', '-t', 'proc', 'proc', root / 'proc'], check=True)
+    subprocess.run(['mount', '-t', 'tmpfs', '-o', 'mode=1777', 'tmpfs', root / 'tmp'], check=True)
+    for name in ('null', 'urandom', 'zero'):
+        (root / 'dev' / name).touch()
+        subprocess.run(['mount', '--bind', f'/dev/{name}', root / 'dev' / name], check=True)
+
+
+class Stage:
+    """The programs in the root, and what they say."""
+
+    def __init__(self, root, programs, output):
+        self.root, self.programs, self.output = root, programs, output
+        self.running = []
+        self.environment = {'HOME': f'/{HOME}', 'XDG_RUNTIME_DIR': f'/{HOME}/run', 'LANG': 'C.UTF-8', 'PATH': '/usr/bin',
+                            'QT_QPA_PLATFORM': 'offscreen', 'QT_QUICK_BACKEND': 'software'}
+
+    def start(self, name):
+        output = open(self.output / f'{name}.{len(self.running)}.txt', 'wb')
+        # Not chroot(8)'s own environment: nothing of the machine's may help.
+        process = subprocess.Popen(['/usr/sbin/chroot', f'--userspec={USER}:{USER}', self.root, f'/{self.programs}/{name}'],
+                                   env=self.environment, stdout=output, stderr=subprocess.STDOUT)
+        process.output = pathlib.Path(output.name)
+        self.running.append(process)
+        return process
+
+    def end(self):
+        for process in self.running:
+            process.terminate()
+            process.wait()
+
+
+def wait_for(what, condition, process):
+    deadline = time.monotonic() + PATIENCE
+    while not condition():
+        if process.poll() is not None:
+            raise Failure(f'{what}: it ended with {process.returncode}\n{process.output.read_text(errors="replace")}')
+        if time.monotonic() > deadline:
+            raise Failure(f'{what}: not within {PATIENCE} s\n{process.output.read_text(errors="replace")}')
+        time.sleep(0.2)
+
+
+def fly(stage, data):
+    practice = stage.start('tarvo-practice')
+    wait_for('the practice network', lambda: 'ready' in practice.output.read_text(), practice)
+    client = stage.start('TarvoClient')
+
+    def log():
+        return '\n'.join(path.read_text(errors='replace') for path in sorted((data / 'logs').glob('*.log')))
+    wait_for('the pages', lambda: 'GetLeaderboard request' in log(), client)
+    second = stage.start('TarvoClient')
+    if second.wait(timeout=PATIENCE) != 0:
+        raise Failure(f'the second start ended with {second.returncode}')
+    for bad in ('could not be loaded', ' | ERROR | ', ' | FATAL | '):
+        if bad in log():
+            raise Failure(log())
+    if not log().count('Imported Doc8643') == 1:
+        raise Failure('the type data were not found\n' + log())
+    return next(line for line in log().splitlines() if 'with its data in' in line)
+
+
+def main():
+    if os.geteuid() != 0:
+        print('not tried: making a root of its own takes root')
+        return
+    kind, demo_config, folder = sys.argv[1], pathlib.Path(sys.argv[2]).resolve(), pathlib.Path(sys.argv[3]).resolve()
+    root, output = folder / f'root-{kind}', folder / f'said-{kind}'
+    for old in (root, output):
+        shutil.rmtree(old, ignore_errors=True)
+        old.mkdir()
+    stage = None
+    try:
+        programs, data = {'deb': unpack_deb, 'portable': unpack_portable}[kind](folder, root)
+        (root / data).mkdir(parents=True, exist_ok=True)
+        (root / HOME / 'run').mkdir(mode=0o700)
+        subprocess.run([demo_config, root / data, '1001', 'practice'], check=True)
+        subprocess.run(['chown', '-R', f'{USER}:{USER}', root / HOME], check=True)
+        enter_own_world(root)
+        stage = Stage(root, programs, output)
+        print(fly(stage, root / data))
+    except Failure as failure:
+        sys.exit(f'{kind}: {failure}')
+    finally:
+        if stage:
+            stage.end()
+    subprocess.run(['umount', '-R', root / 'proc', root / 'tmp'], check=False)
+    for name in ('null', 'urandom', 'zero'):
+        subprocess.run(['umount', root / 'dev' / name], check=False)
+    shutil.rmtree(root)
+
+
+if __name__ == '__main__':
+    main()
