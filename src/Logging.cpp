@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace tarvo::logging {
@@ -62,11 +63,8 @@ QString sourceFile(const char *path)
     return file.sliced(std::max(file.lastIndexOf(u'/'), file.lastIndexOf(u'\\')) + 1);
 }
 
-void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+void append(const QString &line)
 {
-    if (isOpening)
-        return;
-    const QString line = formatLine(QDateTime::currentDateTime(), type, context, message);
     LogState &log = state();
     const QMutexLocker lock(&log.mutex);
     lastwords::note(line.toUtf8());
@@ -75,6 +73,15 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
     QTextStream stream(&log.file);
     stream << line << '\n';
     stream.flush(); // on disk before the caller goes on
+}
+
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (isOpening)
+        return;
+    append(formatLine(QDateTime::currentDateTime(), type, context, message));
+    if (type == QtFatalMsg)
+        std::abort(); // as Qt would, but on Windows too in a way that leaves a crash file
 }
 
 /// False when the file can't be opened; true also when there is no folder and so no log.

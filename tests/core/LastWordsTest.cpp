@@ -38,8 +38,6 @@ class LastWordsTest : public QObject
         QProcess program;
         program.start(QCoreApplication::applicationDirPath() + QStringLiteral("/core_crasher"), {folder.path(), how});
         program.waitForFinished();
-        if (program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0)
-            return QStringLiteral("it ended well");
         const QStringList names = crashFiles(folder);
         QFile file(folder.filePath(names.value(0)));
         if (names.size() != 1 || !file.open(QIODevice::ReadOnly | QIODevice::Text))
@@ -70,6 +68,8 @@ private slots:
         QFETCH(const QString, how);
         QFETCH(const QString, what);
         QFETCH(const QString, call);
+        if (!hasNames && how == QStringLiteral("stack"))
+            QSKIP("Wine ends a process whose stack has overflown without asking anybody");
         const QTemporaryDir folder;
         const QString report = reportOf(how, folder);
         const auto hint = qPrintable(report);
@@ -123,7 +123,7 @@ private slots:
     void aGoodEndLeavesNothing()
     {
         const QTemporaryDir folder;
-        QCOMPARE(reportOf(QStringLiteral("not at all"), folder), QStringLiteral("it ended well"));
+        QCOMPARE(reportOf(QStringLiteral("not at all"), folder), QStringLiteral("files: "));
         QCOMPARE(crashFiles(folder), QStringList());
     }
 
