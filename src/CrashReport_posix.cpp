@@ -77,7 +77,8 @@ void onSignal(int number, siginfo_t *info, void *)
         report(number, info);
         alarm(0);
     }
-    raise(number); // blocked until the handler returns, and no longer caught then
+    std::signal(number, SIG_DFL);
+    raise(number); // blocked until the handler returns
 }
 
 } // namespace
@@ -91,7 +92,7 @@ void catchCrashes(const char *folder)
     sigaltstack(&stack, nullptr);
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
-    action.sa_flags = SA_SIGINFO | SA_ONSTACK | static_cast<int>(SA_RESETHAND);
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     for (const Signal &signal : signals)
         sigaction(signal.number, &action, nullptr);
 }
