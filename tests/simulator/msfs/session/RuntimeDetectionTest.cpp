@@ -5,6 +5,7 @@
 
 using namespace tarvo::simulator::msfs;
 
+/// Which of the two simulators it is, by the library and by what it calls itself.
 class RuntimeDetectionTest : public QObject
 {
     Q_OBJECT

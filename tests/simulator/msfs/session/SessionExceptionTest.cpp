@@ -6,6 +6,7 @@
 using namespace tarvo::test;
 using namespace tarvo::simulator::msfs;
 
+/// What the simulator complains of.
 class SessionExceptionTest : public QObject
 {
     Q_OBJECT
