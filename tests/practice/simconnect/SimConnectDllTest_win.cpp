@@ -1,9 +1,13 @@
+#include "simulator/msfs/session/SimConnectSession.h"
 #include "simulator/msfs/simconnect/SimConnectBinding.h"
 #include "simulator/msfs/simconnect/SimConnectLibrary.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -12,7 +16,9 @@
 // Not the whole namespace: Windows has a DWORD and an HRESULT of its own.
 namespace msfs = tarvo::simulator::msfs;
 using msfs::SimConnectBinding;
+using msfs::SimConnectSession;
 using msfs::systemSimConnectLibrary;
+using msfs::UpdateGroup;
 
 namespace {
 const QString newName = QStringLiteral("SimConnect2024.dll");
@@ -138,6 +144,86 @@ private slots:
         QVERIFY(!isLoaded());
         QVERIFY(!binding.bind(oldName).isEmpty());
         QVERIFY(!binding.functions().SubscribeInputEvent);
+    }
+
+    void aWholeSession()
+    {
+        qputenv("TARVO_PRACTICE_MSFS", "2024 flight-time=300");
+        lookIn(built(QStringLiteral("simconnect")));
+        const auto binding = std::make_shared<SimConnectBinding>(systemSimConnectLibrary());
+        SimConnectSession session(binding);
+        connect(&session, &SimConnectSession::connected, this, [&session] {
+            session.registerDefinitions();
+            for (const UpdateGroup group : msfs::updateGroups)
+                session.subscribeGroup(group);
+            session.enumerateInputEvents();
+        });
+        QMap<UpdateGroup, QVariantMap> newest;
+        int positions = 0;
+        connect(&session, &SimConnectSession::dataReceived, this, [&](UpdateGroup group, const QVariantMap &data) {
+            newest[group] = data;
+            positions += group == UpdateGroup::Position ? 1 : 0;
+        });
+        QSignalSpy errors(&session, &SimConnectSession::errorOccurred);
+        QSignalSpy titles(&session, &SimConnectSession::userAircraftTitleDetected);
+        QSignalSpy created(&session, &SimConnectSession::remoteAircraftCreated);
+        QSignalSpy levers(&session, &SimConnectSession::inputEventValueChanged);
+        QVariantList contacts;
+        connect(&session, &SimConnectSession::trafficSnapshotReceived, this,
+                [&contacts](const QVariantList &rows) { contacts = rows; });
+        session.setTrafficEnabled(true);
+        QVERIFY(session.open());
+        TRY_COMPARE(session.runtimeProfile(), msfs::MsfsRuntimeProfile::Msfs2024);
+        TRY_COMPARE(newest.size(), 4);
+        TRY_VERIFY(!titles.isEmpty() && !levers.isEmpty());
+        QCOMPARE(titles.last().first().toString(), QStringLiteral("Practice A320neo"));
+
+        session.sendCommand(msfs::CommandKey::Com1Frequency, 122'800'000);
+        session.setDataValue(msfs::SimKey::TransponderCode, 7654);
+        TRY_COMPARE(newest[UpdateGroup::Avionics].value(QStringLiteral("com1Frequency")).toDouble(), 122.8);
+        TRY_COMPARE(newest[UpdateGroup::Avionics].value(QStringLiteral("transponderCode")).toInt(), 7654);
+        msfs::RemotePosition place{.latitude = 40.07, .longitude = 116.6, .altitudeFeet = 3000};
+        session.createRemoteAircraft(7, QStringLiteral("Airbus"), QStringLiteral("Air China"), QStringLiteral("CCA1"),
+                                     place);
+        TRY_COMPARE(created.size(), 1);
+        const quint32 object = created.first().at(1).toUInt();
+        place.latitude = 40.08;
+        session.updateRemoteAircraftPosition(object, place);
+        TRY_VERIFY(contacts.size() == 2 &&
+                   contacts.last().toMap().value(QStringLiteral("latitude")).toDouble() == 40.08);
+        QCOMPARE(contacts.last().toMap().value(QStringLiteral("label")).toString(), QStringLiteral("CCA1"));
+
+        // Half a minute of the flight as it is: here the library's own clock rules, and no test moves it.
+        positions = 0;
+        const double low = newest[UpdateGroup::Position].value(QStringLiteral("latitude")).toDouble();
+        QElapsedTimer time;
+        time.start();
+        QTRY_VERIFY_WITH_TIMEOUT(time.hasExpired(30'000), 60'000);
+        qInfo("%d positions in half a minute", positions);
+        QVERIFY(positions > 300);
+        QVERIFY(newest[UpdateGroup::Position].value(QStringLiteral("latitude")).toDouble() != low);
+
+        session.removeRemoteAircraft(object, 8);
+        TRY_COMPARE(contacts.size(), 1);
+        QCOMPARE(errors.size(), 0);
+        session.close();
+        binding->release();
+        QVERIFY(!isLoaded());
+        newest.clear();
+        QVERIFY(session.open());
+        TRY_COMPARE(newest.size(), 4);
+        session.close();
+    }
+
+    void aSessionWithoutTheLibrary()
+    {
+        SimConnectSession session(std::make_shared<SimConnectBinding>(systemSimConnectLibrary()));
+        QSignalSpy errors(&session, &SimConnectSession::errorOccurred);
+        QVERIFY(!session.open());
+        QCOMPARE(errors.size(), 1);
+        QCOMPARE(errors.first().at(1).toString(), QStringLiteral("Failed to connect to MSFS via SimConnect: "
+                                                                 "Failed to load SimConnect2024.dll (Win32 error 126); "
+                                                                 "Failed to load SimConnect.dll (Win32 error 126)"));
     }
 };
 
