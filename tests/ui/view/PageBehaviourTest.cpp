@@ -143,22 +143,30 @@ private slots:
 
     void theCardAsksForTheMode_data()
     {
+        QTest::addColumn<QString>("card");
         QTest::addColumn<int>("key");
-        QTest::newRow("click") << 0;
-        QTest::newRow("Enter") << int(Qt::Key_Return);
-        QTest::newRow("space") << int(Qt::Key_Space);
+        QTest::addColumn<QString>("mode");
+        QTest::newRow("X-Plane, click") << u"xplaneCard"_qs << 0 << u"XPLANE"_qs;
+        QTest::newRow("X-Plane, Enter") << u"xplaneCard"_qs << int(Qt::Key_Return) << u"XPLANE"_qs;
+        QTest::newRow("X-Plane, space") << u"xplaneCard"_qs << int(Qt::Key_Space) << u"XPLANE"_qs;
+        QTest::newRow("MSFS, click") << u"msfsCard"_qs << 0 << u"MSFS"_qs;
+        QTest::newRow("MSFS, Enter") << u"msfsCard"_qs << int(Qt::Key_Return) << u"MSFS"_qs;
     }
 
     void theCardAsksForTheMode()
     {
+        QFETCH(QString, card);
         QFETCH(int, key);
+        QFETCH(QString, mode);
         PageHarness harness;
         QSignalSpy asked(&harness.dashboard(), &DashboardViewModel::modeChangedRequest);
-        if (key == 0)
-            harness.click(harness.item(u"xplaneCard"_qs));
-        else
+        if (key == 0) {
+            harness.click(harness.item(card));
+        } else {
+            harness.item(card)->forceActiveFocus();
             QTest::keyClick(&harness.view, Qt::Key(key));
-        QCOMPARE(asked, (QList<QVariantList>{{u"XPLANE"_qs}}));
+        }
+        QCOMPARE(asked, (QList<QVariantList>{{mode}}));
     }
 
     void logoutReachesTheRoot_data()

@@ -68,6 +68,15 @@ Item {
         }
 
         ModeCard {
+            objectName: "msfsCard"
+            Layout.alignment: Qt.AlignHCenter
+            text: "MSFS"
+            description: qsTr("微软模拟飞行")
+            versions: qsTr("支持 2020 / 2024")
+            onClicked: if (page.dashboard) page.dashboard.requestModeChange("MSFS")
+        }
+
+        ModeCard {
             objectName: "xplaneCard"
             Layout.alignment: Qt.AlignHCenter
             Component.onCompleted: forceActiveFocus()
