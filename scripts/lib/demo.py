@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Runs the practice network and the client beside each other. Called by scripts/demo, which builds both.
 
+With --msfs it is the practice build of the client, which has a Microsoft Flight Simulator inside.
 With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
 pictures of every window and what the headphone played stay in build/demo, and the lines that the server saw are printed as
 they stood on the wire. The client's sound goes over a sound server of the demonstration's own.
@@ -8,7 +9,6 @@ Where this machine allows it, that client finds the server by a name, which is a
 Without it, the pilot is told what there is to look at.
 """
 import argparse
-import contextlib
 import pathlib
 import re
 import signal
@@ -16,32 +16,25 @@ import subprocess
 import sys
 import threading
 
+import demo_msfs
 import demo_voice
-from driven_client import (FOCUS, PICTURES, ROOT, Failure, Practice, Window, picture, press, type_text, virtual_display,
+import driven_client
+from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, OTHER_PILOTS, PASSWORD, PLOT,
+                        SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
+from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
 from sound_server import SoundServer
 
-USERNAME, PASSWORD = '1001', 'practice'
-CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
-OTHER_PILOTS = ('CES2117', 'CCA908', 'CHH7182', 'BAW38')
 TOWER = 'ZBAA_TWR'
 SERVER_NAME = 'fsd.practice.test'
-LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
 
 
 def fly(client, practice, server_name, sound):
     """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one; `sound`
     the server that has his microphone and headphone."""
-    Window(LOGIN_TITLE)
-    picture('1-login')
-    type_text(USERNAME)
-    press('Tab')
-    type_text(PASSWORD)
-    press('Return')
-
-    main = Window(MAIN_TITLE)
-    wait_until('card of X-Plane', lambda: main.count(*X_PLANE_ARROW, WHITE) >= 1000)
+    main = sign_in()
+    wait_until('cards of the simulators', lambda: main.count(*CARD_ARROWS, WHITE) >= 1000)
     picture('2-mode-selection')
     main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
     picture('3-overview')
@@ -62,28 +55,13 @@ def fly(client, practice, server_name, sound):
     main.open_page(SETTINGS_ITEM)
     picture('14-settings-page')
     main.open_page(SERVER_ITEM)
-    main.click(CONNECT_BUTTON, until=lambda: main.count(*LEAVE_BUTTON, END_RED) >= 500)
-    picture('15-question')
-    press('Tab', 'Return')
-    practice.wait_for(r'#DP' + CALLSIGN)
+    disconnect(main, practice)
     picture('15-disconnected')
     main.click(LOGOUT_ITEM, until=lambda: window(LOGIN_TITLE))
     Window(LOGIN_TITLE)
     picture('16-login-again')
     press('alt+F4')
-    if client.wait(10) != 0:
-        raise Failure(f'the client ended with {client.returncode}')
-
-
-def fill_form(main):
-    main.focus(CALLSIGN_FIELD)
-    type_text(CALLSIGN)
-    press('Tab')
-    type_text(TYPE_CODE[:3])
-    picture('5-suggestions')
-    type_text(TYPE_CODE[3:])
-    press('Escape', 'Tab')
-    type_text(SELCAL)
+    client.wait_for_end(10)
 
 
 def look_around_meanwhile(main, server_name):
@@ -130,25 +108,16 @@ def talk_to_tower(main, practice, connected):
 
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
-X_PLANE_CARD = (500, 382)
-X_PLANE_ARROW = (620, 356, 52, 52)  # left, top, width, height of the card's disc
-SIMULATOR_ITEM = (120, 180)
-SERVER_ITEM = (120, 230)
+X_PLANE_CARD = (500, 500)
 MESSAGES_ITEM = (120, 330)
 SETTINGS_ITEM = (120, 380)
-LOGOUT_ITEM = (120, 468)
 TOWER_SESSION = (360, 377)
 COMPOSE_FIELD = (650, 660)
-CALLSIGN_FIELD = (430, 329)
-CONNECT_BUTTON = (430, 503)
 
 # Where he looks: left, top, width, height or a column, and colours of the style.
 SESSION_MARK = 281
 BADGE = (190, 310, 40, 40)
-PLOT = (646, 442, 310, 250)
-LEAVE_BUTTON = (626, 412, 56, 32)  # of the question, right of the page's own button
-END_RED = (0xC8, 0x1E, 0x45)
-RED, CYAN, WHITE = (0xF4, 0x3F, 0x5E), (0x67, 0xE8, 0xF9), (0xFF, 0xFF, 0xFF)
+RED = (0xF4, 0x3F, 0x5E)
 
 TOUR = f"""
 What there is to see, once X-Plane is chosen and a callsign is connected on the page 服务器:
@@ -183,17 +152,20 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--bin', required=True, type=pathlib.Path)
     parser.add_argument('--headless', action='store_true')
+    parser.add_argument('--msfs', action='store_true')
     arguments = parser.parse_args()
     programs = arguments.bin.resolve()
     server_name, client_command = None, [programs / 'TarvoClient']
-    if arguments.headless:
+    if arguments.msfs:
+        client_command = demo_msfs.command(programs)
+    elif arguments.headless:
         reason = enter_own_network()
         if reason is None:
             server_name, client_command = Name('127.0.0.1'), [programs / 'tarvo-demo-client', SERVER_NAME]
             NameServer({SERVER_NAME: server_name})
         else:
             print('no network of our own here, so the client finds the server by its address:', reason, flush=True)
-    PICTURES.mkdir(parents=True, exist_ok=True)
+    driven_client.keep_pictures_in('demo-msfs' if arguments.msfs else 'demo')
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
     practice = Practice(programs / 'tarvo-practice')
@@ -202,28 +174,31 @@ def main():
     try:
         practice.wait_for('ready')
         write_config(programs, account=not arguments.headless)
+        if arguments.msfs:
+            demo_msfs.write_config(programs)
         if arguments.headless:
             with SoundServer() as sound, virtual_display():
-                client = subprocess.Popen(client_command)
+                client = Program('the client', client_command)
                 try:
-                    fly(client, practice, server_name, sound)
+                    if arguments.msfs:
+                        demo_msfs.fly(client, practice)
+                    else:
+                        fly(client, practice, server_name, sound)
                 finally:
-                    if client.poll() is None:
+                    if client.process.poll() is None:
                         picture('at-the-end')
-                        client.terminate()
-                        client.wait()
+                        client.end()
         else:
-            print(TOUR, flush=True)
-            threading.Thread(target=tune_as_typed, args=[practice], daemon=True).start()
-            client = subprocess.Popen(client_command)
-            if client.wait() != 0:
-                raise Failure(f'the client ended with {client.returncode}')
+            print(demo_msfs.TOUR if arguments.msfs else TOUR, flush=True)
+            if not arguments.msfs:
+                threading.Thread(target=tune_as_typed, args=[practice], daemon=True).start()
+            client = Program('the client', client_command)
+            client.wait_for_end()
     except (Failure, KeyboardInterrupt) as reason:
         failure = reason or 'interrupted'
     finally:
-        if client and client.poll() is None:
-            client.terminate()
-            client.wait()
+        if client:
+            client.end()
         if practice.process.poll() is None:
             practice.stop()
     if arguments.headless:
@@ -238,7 +213,7 @@ def report(practice):
     for line in practice.lines:
         if re.search(r' fsd .*(<<<|>>>)', line):
             print('  ' + line)
-    print(f"Pictures, and what the headphone played: {PICTURES.relative_to(ROOT)}")
+    print(f"Pictures, and what the headphone played: {driven_client.PICTURES.relative_to(ROOT)}")
 
 
 if __name__ == '__main__':

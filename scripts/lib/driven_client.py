@@ -37,12 +37,13 @@ def wait_until(what, test, seconds=60):
     raise Failure(f'{what}: nothing after {seconds} s')
 
 
-class Practice:
-    """The practice network; keeps what it printed."""
+class Program:
+    """A program of ours that runs beside; keeps what it printed."""
 
-    def __init__(self, program):
+    def __init__(self, name, command):
+        self.name = name
         self.lines = []
-        self.process = subprocess.Popen([program], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                         errors='replace')
         threading.Thread(target=self._read, daemon=True).start()
 
@@ -59,9 +60,29 @@ class Practice:
         """The number of the first line from `start` that holds `pattern`."""
         def found():
             if self.process.poll() is not None:
-                raise Failure('the practice network stopped; its last lines say why')
+                raise Failure(f'{self.name} stopped; its last lines say why')
             return next((i + 1 for i in range(start, len(self.lines)) if re.search(pattern, self.lines[i])), None)
-        return wait_until(f'practice network, "{pattern}"', found, seconds) - 1
+        return wait_until(f'{self.name}, "{pattern}"', found, seconds) - 1
+
+    def wait_for_end(self, seconds=None):
+        try:
+            if self.process.wait(seconds) != 0:
+                raise Failure(f'{self.name} ended with {self.process.returncode}')
+        except subprocess.TimeoutExpired as error:
+            raise Failure(f'{self.name} does not end') from error
+
+    def end(self):
+        """Ends it if it still runs."""
+        if self.process.poll() is None:
+            self.process.terminate()
+            self.process.wait()
+
+
+class Practice(Program):
+    """The practice network."""
+
+    def __init__(self, program):
+        super().__init__('the practice network', [program])
 
     def order(self, verb, **arguments):
         """Lets one of its verbs be carried out."""
@@ -75,8 +96,7 @@ class Practice:
 
     def stop(self):
         self.process.send_signal(signal.SIGTERM)
-        if self.process.wait(10) != 0:
-            raise Failure(f'the practice network ended with {self.process.returncode}')
+        self.wait_for_end(10)
 
 
 @contextlib.contextmanager
@@ -130,6 +150,12 @@ def at_rest():
         if image == previous:
             break
     return image
+
+
+def keep_pictures_in(name):
+    global PICTURES
+    PICTURES = ROOT / 'build' / name
+    PICTURES.mkdir(parents=True, exist_ok=True)
 
 
 def picture(name):
