@@ -40,7 +40,7 @@ private:
     PilotOverview &m_overview;
     const common::Clock &m_clock;
     std::optional<qint64> m_connectedAt; ///< steady time; nothing while not connected
-    QTimer m_minuteTimer;                ///< looks whether the connection's minutes have changed
+    QTimer m_minuteTimer;                ///< while connected: looks whether another minute is over
 };
 
 } // namespace tarvo::ui
