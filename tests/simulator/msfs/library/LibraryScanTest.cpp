@@ -235,6 +235,24 @@ private slots:
         QCOMPARE(m_log->texts(), QStringList());
     }
 
+    void aScanStopsBetweenRoots()
+    {
+        const PackageTree tree;
+        tree.addAircraft(QStringLiteral("old/p/SimObjects"), QStringLiteral("A"));
+        tree.addAircraft(QStringLiteral("new/p/SimObjects"), QStringLiteral("B"));
+        LibraryPlaces places = placesOf(MsfsRuntimeProfile::Msfs2020, {}, tree.path(QStringLiteral("old")));
+        places.configured += placesOf(MsfsRuntimeProfile::Msfs2024, {}, tree.path(QStringLiteral("new"))).configured;
+        ScanWatch watch;
+        static ScanWatch *stopping = nullptr;
+        stopping = &watch;
+        const QtMessageHandler outer = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &) { stopping->isStopped = true; });
+        const ModelTables tables = scanLibrary(places, watch);
+        qInstallMessageHandler(outer);
+        QCOMPARE(watch.files, 1);
+        QCOMPARE(titlesOf(tables, MsfsRuntimeProfile::Unknown), QStringList());
+    }
+
 private:
     std::unique_ptr<LogCapture> m_log;
 };
