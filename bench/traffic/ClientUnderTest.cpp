@@ -39,7 +39,7 @@ ServiceEndpoints endpointsOf(const ClientArguments &arguments)
 class Client
 {
 public:
-    explicit Client(const ClientArguments &arguments)
+    Client(const ClientArguments &arguments, const MakeSimulator &makeSimulator)
         : m_endpoints(endpointsOf(arguments)),
           m_config(arguments.folder),
           m_api(m_config, m_endpoints),
@@ -55,7 +55,7 @@ public:
         m_userAircraft = std::make_shared<manager::UserAircraftManager>(m_network);
         m_controllers = std::make_shared<manager::ControllerManager>(m_network);
         m_pages = std::make_unique<Pages>(m_network, m_controllers, m_icao);
-        m_adapter = std::make_shared<simulator::xplane::XPlaneAdapter>(m_config, m_endpoints);
+        m_adapter = makeSimulator(m_config, m_icao);
         connectWhenLive();
         m_network->setSimulator(m_adapter);
     }
@@ -106,7 +106,7 @@ private:
     std::shared_ptr<manager::UserAircraftManager> m_userAircraft;
     std::shared_ptr<manager::ControllerManager> m_controllers;
     std::unique_ptr<Pages> m_pages;
-    std::shared_ptr<simulator::xplane::XPlaneAdapter> m_adapter;
+    std::shared_ptr<simulator::Simulator> m_adapter;
     QObject m_context;
     bool m_simulatorConnected = false;
     bool m_asked = false;
@@ -116,11 +116,18 @@ private:
 
 int runClient(const ClientArguments &arguments)
 {
+    return runClient(arguments, [&arguments](AppConfig &config, const network::SwiftAircraftIcaoService &) {
+        return std::make_shared<simulator::xplane::XPlaneAdapter>(config, endpointsOf(arguments));
+    });
+}
+
+int runClient(const ClientArguments &arguments, const MakeSimulator &makeSimulator)
+{
     logging::installHandler();
     logging::openLogFile(QDir(arguments.folder).filePath(QStringLiteral("logs/client.log")));
     if (arguments.ordinaryThreads)
         startOrdinaryMessageThreads();
-    const Client client(arguments);
+    const Client client(arguments, makeSimulator);
     return QCoreApplication::exec();
 }
 

@@ -119,6 +119,11 @@ bool Ledger::Kind::isMeasured(int pilot, int number) const
     return number >= first[static_cast<size_t>(pilot)] && number < last[static_cast<size_t>(pilot)];
 }
 
+std::int64_t Ledger::Kind::sentNs(int pilot, int number) const
+{
+    return number < 0 || number >= reports ? 0 : sent[rowOf(pilot) + static_cast<size_t>(number)].load();
+}
+
 Ledger::Ledger(int pilots, int reports)
     : m_pilots(pilots),
       m_fast(pilots, reports),

@@ -45,6 +45,9 @@ public:
     /// Notes the time; to be called just before the report is written.
     void noteFast(int pilot, int number) { m_fast.noteSent(pilot, number, ++m_lines); }
     void noteSlow(int pilot, int number) { m_slow.noteSent(pilot, number, ++m_lines); }
+    /// When that report was sent; 0 for one that never was.
+    std::int64_t fastSentNs(int pilot, int number) const { return m_fast.sentNs(pilot, number); }
+    std::int64_t slowSentNs(int pilot, int number) const { return m_slow.sentNs(pilot, number); }
     /// What is sent from now on is measured. Everybody is there: no message may come but those of reports and those
     /// that tell of the stations.
     void begin();
@@ -71,6 +74,7 @@ private:
         void noteSent(int pilot, int number, std::uint32_t line);
         size_t rowOf(int pilot) const { return static_cast<size_t>(pilot) * static_cast<size_t>(reports); }
         bool isMeasured(int pilot, int number) const;
+        std::int64_t sentNs(int pilot, int number) const;
 
         int reports;
         std::vector<int> nextNumber;                 ///< of each pilot; the sender's own
