@@ -18,7 +18,7 @@ struct Signal
     int number;
     const char *name;
 };
-constexpr Signal signals[] = {
+constexpr Signal fatalSignals[] = {
     {.number = SIGSEGV, .name = "SIGSEGV"}, {.number = SIGBUS, .name = "SIGBUS"},
     {.number = SIGFPE, .name = "SIGFPE"},   {.number = SIGILL, .name = "SIGILL"},
     {.number = SIGABRT, .name = "SIGABRT"},
@@ -59,7 +59,7 @@ void report(int number, const siginfo_t *info)
         return;
     BoundedText what;
     what << "Signal: ";
-    for (const Signal &signal : signals)
+    for (const Signal &signal : fatalSignals)
         what << (signal.number == number ? signal.name : "");
     if (number != SIGABRT)
         (what << ", address ").hex(reinterpret_cast<std::uintptr_t>(info->si_addr));
@@ -93,7 +93,7 @@ void catchCrashes(const char *folder)
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
-    for (const Signal &signal : signals)
+    for (const Signal &signal : fatalSignals)
         sigaction(signal.number, &action, nullptr);
 }
 
