@@ -35,6 +35,19 @@ void logWarning(const QString &text)
     qWarning().noquote() << onOneLine(text);
 }
 
+/// One of the two who tell of him may know a part of his configuration or nothing. What isn't told stays.
+RemoteAircraft withKnownConfiguration(RemoteAircraft now, const RemoteAircraft &before)
+{
+    if (!before.hasConfiguration || now.configuration.isFullData.value_or(false))
+        return now;
+    const model::AircraftConfiguration told = now.configuration;
+    now.configuration = before.configuration;
+    if (now.hasConfiguration)
+        model::merge(now.configuration, told);
+    now.hasConfiguration = true;
+    return now;
+}
+
 QString orNone(const QString &text)
 {
     return text.isEmpty() ? QStringLiteral("<none>") : text;
@@ -132,7 +145,7 @@ void MsfsTraffic::track(const RemoteAircraft &aircraft)
 void MsfsTraffic::remember(const RemoteAircraft &aircraft)
 {
     MsfsRemoteState &state = m_states[aircraft.callsign];
-    state.remote = aircraft;
+    state.remote = withKnownConfiguration(aircraft, state.remote);
     state.match = {};
     state.decided = false;
 }
@@ -140,7 +153,7 @@ void MsfsTraffic::remember(const RemoteAircraft &aircraft)
 void MsfsTraffic::store(const RemoteAircraft &aircraft, const ModelChoice &choice)
 {
     MsfsRemoteState &state = m_states[aircraft.callsign];
-    state.remote = aircraft;
+    state.remote = withKnownConfiguration(aircraft, state.remote);
     state.match = choice.match;
     state.strategy = choice.strategy;
     state.decided = true;
@@ -301,22 +314,25 @@ void MsfsTraffic::onCreateFailed()
 
 void MsfsTraffic::move(const RemoteAircraft &aircraft, const model::AircraftVisualState &place)
 {
-    if (MsfsRemoteState *state = find(aircraft.callsign)) {
-        state->remote = aircraft;
-        state->remote.visualState = place;
-        sendPosition(state->remote.callsign);
-    }
+    moveTo(aircraft.callsign, place, aircraft.groundSpeed);
 }
 
 void MsfsTraffic::move(const RemoteAircraft &aircraft, const model::AircraftVisualState &place,
                        const model::VelocityVector &velocity)
 {
-    if (MsfsRemoteState *state = find(aircraft.callsign)) {
-        state->remote = aircraft;
-        state->remote.visualState = place;
-        state->remote.groundSpeed = groundSpeedAfter(velocity, aircraft.groundSpeed);
-        sendPosition(state->remote.callsign);
-    }
+    moveTo(aircraft.callsign, place, groundSpeedAfter(velocity, aircraft.groundSpeed));
+}
+
+/// Who he is and how he looks comes with add() and update() alone: of the two who tell positions, one may know neither
+/// his type nor his configuration yet.
+void MsfsTraffic::moveTo(const QString &callsign, const model::AircraftVisualState &place, double groundSpeed)
+{
+    MsfsRemoteState *state = find(callsign);
+    if (!state)
+        return;
+    state->remote.visualState = place;
+    state->remote.groundSpeed = groundSpeed;
+    sendPosition(callsign);
 }
 
 void MsfsTraffic::sendPosition(const QString &callsign)

@@ -79,6 +79,7 @@ private:
     void tellNoModel(const model::RemoteAircraft &aircraft, const ModelChoice &choice);
     void letGo(const QString &callsign);
     void spawn(const QString &callsign);
+    void moveTo(const QString &callsign, const model::AircraftVisualState &place, double groundSpeed);
     void sendPosition(const QString &callsign);
     void applyVisuals(const QString &callsign);
     void onLibraryReady();

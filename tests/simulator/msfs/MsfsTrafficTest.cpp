@@ -524,11 +524,14 @@ private slots:
         stage.adapter->positionUpdate(aircraft, state);
         aircraft.hasConfiguration = true;
         aircraft.configuration.onGround = true;
-        stage.adapter->fastPositionUpdate(aircraft, state, {10, 0, 0}, {});
+        aircraft.visualState = state;
+        stage.adapter->updateAircraftConfiguration(aircraft); // and where he is
+        stage.adapter->fastPositionUpdate(aircraft, state, VelocityVector{10, 0, 0}, VelocityVector{});
         aircraft.groundSpeed = 85;
         stage.adapter->positionUpdate(aircraft, state);
-        const auto written = stage.waypoints(object);
-        QCOMPARE(written.size(), 3);
+        auto written = stage.waypoints(object);
+        QCOMPARE(written.size(), 4);
+        QCOMPARE(written.takeAt(1).Flags, 4U); // at 120 knots
         QCOMPARE(written[0].Latitude, 40.5);
         QCOMPARE(written[0].Longitude, 116.5);
         QCOMPARE(written[0].Altitude, 6561.68); // feet
@@ -537,7 +540,45 @@ private slots:
         QCOMPARE(written[1].ktsSpeed, 19.43844);
         QCOMPARE(written[1].Flags, 6U); // and on the ground
         QCOMPARE(written[2].Flags, 4U); // too fast for it
-        QCOMPARE(stage.calls("SetDataOnSimObject").size(), 3);
+        QCOMPARE(stage.calls("SetDataOnSimObject").size(), 4);
+    }
+
+    /// Both managers tell positions, and one of them may not have heard of the type yet.
+    void aPositionDoesNotTellWhoHeIs()
+    {
+        FlyingStage stage;
+        const quint32 object = stage.addOne();
+        stage.adapter->positionUpdate(MsfsStage::remote("CSN1", ""), {.latitude = 41});
+        stage.adapter->fastPositionUpdate(MsfsStage::remote("CSN1", ""), {.latitude = 42}, {}, {});
+        QCOMPARE(stage.waypoints(object).size(), 2);
+        stage.wire().takeCalls();
+        stage.adapter->addAircraft(MsfsStage::remote("CSN1", "A320", "RED"));
+        QCOMPARE(stage.wire().calls(), QStringList());
+    }
+
+    /// Or whoever flies would be put on the ground by a message about his lights.
+    void aPartOfAConfigurationLeavesTheRest()
+    {
+        FlyingStage stage;
+        RemoteAircraft aircraft = MsfsStage::remote("CSN1", "A320", "RED");
+        aircraft.hasConfiguration = true;
+        aircraft.configuration.onGround = false;
+        const quint32 object = stage.addOne(aircraft);
+        aircraft.configuration = {};
+        aircraft.configuration.gearDown = true;
+        stage.adapter->updateAircraftConfiguration(aircraft);
+        aircraft.hasConfiguration = false;
+        stage.adapter->addAircraft(aircraft);
+        stage.wire().takeCalls();
+        stage.adapter->positionUpdate(aircraft, {}); // told without a height above ground
+        QCOMPARE(stage.waypoints(object).size(), 1);
+        QCOMPARE(stage.waypoints(object)[0].Flags, 4U);
+        aircraft.hasConfiguration = true;
+        aircraft.configuration = {};
+        aircraft.configuration.isFullData = true; // tells all that there is
+        stage.adapter->updateAircraftConfiguration(aircraft);
+        stage.adapter->positionUpdate(aircraft, {});
+        QCOMPARE(stage.waypoints(object).last().Flags, 6U);
     }
 
     void keepsTheSpeedThroughAConfiguration()
