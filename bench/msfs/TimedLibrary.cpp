@@ -18,8 +18,7 @@ using SetData = decltype(SimConnectFunctions::SetDataOnSimObject);
 SetData setDataBehind = nullptr; // a C function has no place for them
 TimedLibrary::Receiver waypointReceiver;
 
-HRESULT timedSetData(HANDLE handle, DWORD define, DWORD object, DWORD flags, DWORD count, DWORD size,
-                                     void *data)
+HRESULT timedSetData(HANDLE handle, DWORD define, DWORD object, DWORD flags, DWORD count, DWORD size, void *data)
 {
     if (define == waypointDefinition && size == sizeof(SIMCONNECT_DATA_WAYPOINT)) {
         SIMCONNECT_DATA_WAYPOINT waypoint;
