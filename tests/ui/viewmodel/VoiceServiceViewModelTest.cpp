@@ -9,7 +9,10 @@
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/AudioDevice.h"
 #include "voice/engine/AudioHandler.h"
+#include "voice/engine/LoudPacket.h"
 #include "voice/engine/SoundThread.h"
+#include "voice/engine/VoiceCapture.h"
+#include "voice/engine/VoicePlayback.h"
 
 #include <QObject>
 #include <QSignalSpy>
@@ -17,7 +20,10 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 using tarvo::common::VolumeInfo;
 using tarvo::model::RadioStackState;
@@ -310,6 +316,34 @@ private slots:
         page.model.stopPlayConflict();
         page.model.stopMicTest();
         QCOMPARE(testing.size(), 0);
+    }
+
+    void aSessionEndsTheEnginesMicTest()
+    {
+        VoicePage page;
+        page.model.startMicTest();
+        auto *audio = page.client.audioHandler();
+        const auto playback = std::make_shared<tarvo::voice::VoicePlayback>(tarvo::voice::AudioStreamConfig{});
+        audio->headphoneStream().setPlayback(playback);
+        const auto heard = [&] {
+            audio->inputStream().deliver({.volume = {}, .opus = tarvo::test::loudPacket()});
+            std::vector<float> buffer(static_cast<std::size_t>(playback->config().framesPerBuffer));
+            playback->mix(buffer);
+            return *std::max_element(buffer.begin(), buffer.end());
+        };
+        QVERIFY(heard() > 0.1F);
+        page.enter(ConnectionState::Connecting);
+        QCOMPARE(heard(), 0.0F);
+    }
+
+    void aSessionEndsTheEnginesConflictTest()
+    {
+        VoicePage page;
+        page.model.startPlayConflict();
+        const auto *buzz = page.client.audioHandler()->findChild<QTimer *>(u"conflict"_qs);
+        QVERIFY(buzz && buzz->isActive());
+        page.enter(ConnectionState::Connecting);
+        QVERIFY(!buzz->isActive());
     }
 
     void theMetersShowTheEngineDuringAMicTestOnly()
