@@ -130,6 +130,8 @@ def main():
     system = stage(build, folder)
     finish(folder)
     write_readme(folder, packages_of(system))
+    for old in packages.glob('*.tar.xz'):
+        old.unlink()
     archive = packages / f'{name}.tar.xz'
     tar = ['tar', '--sort=name', f'--mtime=@{os.environ["SOURCE_DATE_EPOCH"]}', '--owner=0', '--group=0', '--numeric-owner',
            '--mode=go=rX,u+rw', '--format=ustar', '-C', staging, '-cf', archive.with_suffix(''), name]
