@@ -1,4 +1,4 @@
-// Copies as much as it is told to: the compiler can't know that it fits.
+// Copies as much as it is told to: the compiler can't know whether it fits.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
