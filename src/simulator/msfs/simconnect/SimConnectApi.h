@@ -186,23 +186,23 @@ struct SimConnectFunctions
 {
     HRESULT (*Open)(HANDLE *, const char *name, void *window, DWORD userEvent, HANDLE event, DWORD configIndex);
     HRESULT (*Close)(HANDLE);
-    HRESULT (*AddToDataDefinition)
+    HRESULT(*AddToDataDefinition)
     (HANDLE, DWORD define, const char *datum, const char *unit, DWORD datatype, float epsilon, DWORD datumId);
     HRESULT (*ClearDataDefinition)(HANDLE, DWORD define);
-    HRESULT (*RequestDataOnSimObject)
+    HRESULT(*RequestDataOnSimObject)
     (HANDLE, DWORD request, DWORD define, DWORD object, DWORD period, DWORD flags, DWORD origin, DWORD interval,
      DWORD limit);
     HRESULT (*RequestDataOnSimObjectType)(HANDLE, DWORD request, DWORD define, DWORD radiusMetres, DWORD type);
-    HRESULT (*SetDataOnSimObject)
+    HRESULT(*SetDataOnSimObject)
     (HANDLE, DWORD define, DWORD object, DWORD flags, DWORD arrayCount, DWORD unitSize, void *data);
     HRESULT (*GetNextDispatch)(HANDLE, SIMCONNECT_RECV **message, DWORD *size);
     HRESULT (*MapClientEventToSimEvent)(HANDLE, DWORD event, const char *name);
     HRESULT (*TransmitClientEvent)(HANDLE, DWORD object, DWORD event, DWORD data, DWORD group, DWORD flags);
     HRESULT (*SubscribeToSystemEvent)(HANDLE, DWORD event, const char *name);
-    HRESULT (*AICreateNonATCAircraft)
+    HRESULT(*AICreateNonATCAircraft)
     (HANDLE, const char *title, const char *tailNumber, SIMCONNECT_DATA_INITPOSITION, DWORD request);
     HRESULT (*AIRemoveObject)(HANDLE, DWORD object, DWORD request);
-    HRESULT (*AICreateNonATCAircraft_EX1)
+    HRESULT(*AICreateNonATCAircraft_EX1)
     (HANDLE, const char *title, const char *livery, const char *tailNumber, SIMCONNECT_DATA_INITPOSITION,
      DWORD request);
     HRESULT (*EnumerateInputEvents)(HANDLE, DWORD request);
