@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 namespace tarvo::simulator::msfs {
@@ -24,7 +25,7 @@ struct Folder
 struct Listing
 {
     QStringList files;   ///< named "aircraft.cfg", sorted
-    QStringList folders; ///< sorted
+    QStringList folders; ///< sorted, the last first, as a stack wants them
 };
 
 Listing list(const QString &folder)
@@ -41,7 +42,7 @@ Listing list(const QString &folder)
         }
     }
     std::sort(listing.files.begin(), listing.files.end());
-    std::sort(listing.folders.begin(), listing.folders.end());
+    std::sort(listing.folders.begin(), listing.folders.end(), std::greater<>());
     return listing;
 }
 
@@ -61,8 +62,8 @@ void walkAircraftConfigs(const QString &root, const std::atomic<bool> &isStopped
         }
         if (folder.depth == deepest)
             continue;
-        for (auto child = listing.folders.rbegin(); child != listing.folders.rend(); ++child)
-            waiting.push_back({*child, folder.depth + 1});
+        for (const QString &child : listing.folders)
+            waiting.push_back({child, folder.depth + 1});
     }
 }
 
