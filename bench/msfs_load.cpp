@@ -23,6 +23,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <functional>
@@ -119,13 +120,7 @@ public:
     }
 
 private:
-    struct Key
-    {
-        int pilot;
-        int fast;
-        int slow;
-        auto operator<=>(const Key &) const = default;
-    };
+    using Key = std::array<int, 3>; ///< pilot, number of the fast report or -1, number of the slow one or -1
 
     bool isMeasured(std::int64_t sent) const { return sent >= m_from && sent < m_to; }
     int count(const Key &key) const

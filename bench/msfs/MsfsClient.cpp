@@ -57,7 +57,7 @@ public:
     bool writeFile() const
     {
         QFile file(waypointFile(m_folder));
-        const auto size = static_cast<qint64>(m_written.size() * sizeof(WrittenWaypoint));
+        const auto size = static_cast<qint64>(m_written.size()) * qint64{sizeof(WrittenWaypoint)};
         return file.open(QIODevice::WriteOnly) &&
                file.write(reinterpret_cast<const char *>(m_written.data()), size) == size;
     }
