@@ -219,7 +219,7 @@ QString SwiftAircraftIcaoService::doc8643Path() const
     const QStringList folders = m_config.readFolders();
     for (const QString &folder : folders) {
         for (const char *name : doc8643Paths) {
-            const QString path = QDir::cleanPath(QDir(folder).filePath(QLatin1String(name)));
+            QString path = QDir::cleanPath(QDir(folder).filePath(QLatin1String(name)));
             if (QFile::exists(path))
                 return path;
         }

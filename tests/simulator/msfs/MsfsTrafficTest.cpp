@@ -1,4 +1,4 @@
-#include "MsfsStage.h"
+#include "FlyingStage.h"
 
 #include "model/VelocityVector.h"
 #include "support/TestRegistry.h"
@@ -9,6 +9,7 @@ using namespace tarvo::simulator::msfs;
 using tarvo::model::AircraftVisualState;
 using tarvo::model::RemoteAircraft;
 using tarvo::model::VelocityVector;
+using tarvo::test::FlyingStage;
 using tarvo::test::MsfsStage;
 using Answering = tarvo::practice::CreateAnswering;
 namespace message = tarvo::practice::message;
@@ -20,35 +21,6 @@ constexpr auto sim2024 = MsfsRuntimeProfile::Msfs2024;
 
 const QString csn1 = QStringLiteral("CSN1");
 const QString stale = QStringLiteral("Received stale remote aircraft assignment:");
-
-/// Connected, with two liveries of an A320 and the library scanned.
-class FlyingStage : public MsfsStage
-{
-public:
-    explicit FlyingStage(Answering::Mode mode = Answering::Mode::AtOnce)
-    {
-        addModel(sim2020, "A320 Red", "A320", "RED");
-        addModel(sim2020, "A320 Blue", "A320", "BLUE");
-        scanLibrary();
-        simulator.setCreateAnswering({.mode = mode});
-        connectSimulator();
-        statuses.clear();
-    }
-
-    /// With his object in the simulator. Its id.
-    quint32 addOne(const RemoteAircraft &aircraft = remote("CSN1", "A320", "RED"))
-    {
-        adapter->addAircraft(aircraft);
-        if (!tarvo::test::waitFor([this] { return !added.isEmpty(); }))
-            throw std::runtime_error("nobody was added");
-        added.clear();
-        const quint32 object = simulator.aircraft(aircraft.callsign.toLatin1()).id;
-        wire().takeCalls();
-        return object;
-    }
-    /// The request id of the last create.
-    QString lastRequest() { return calls("AICreate").last().section(QLatin1Char(' '), -1); }
-};
 
 RemoteAircraft configured(RemoteAircraft aircraft)
 {
