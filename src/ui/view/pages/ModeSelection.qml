@@ -42,6 +42,19 @@ Item {
         }
     }
 
+    // Keeps the line at the foot legible on any picture; behind the cards, which it isn't to dim.
+    Rectangle {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 220
+        gradient: Gradient {
+            GradientStop { position: 0; color: "transparent" }
+            GradientStop { position: 0.65; color: Style.imageFoot }
+            GradientStop { position: 1; color: Style.imageFoot }
+        }
+    }
+
     ColumnLayout {
         anchors.centerIn: parent
         anchors.verticalCenterOffset: -40
@@ -84,19 +97,6 @@ Item {
             description: qsTr("X-Plane 飞行模拟")
             versions: qsTr("支持 10 / 11 / 12")
             onClicked: if (page.dashboard) page.dashboard.requestModeChange("XPLANE")
-        }
-    }
-
-    // Keeps the line at the foot legible on any picture.
-    Rectangle {
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: parent.bottom
-        height: 220
-        gradient: Gradient {
-            GradientStop { position: 0; color: "transparent" }
-            GradientStop { position: 0.65; color: Style.imageFoot }
-            GradientStop { position: 1; color: Style.imageFoot }
         }
     }
 
