@@ -8,7 +8,7 @@ namespace tarvo::ui {
 
 namespace {
 
-struct Texts
+struct ComposeTexts
 {
     Q_DECLARE_TR_FUNCTIONS(tarvo::ui::ComposeRules)
 };
@@ -25,9 +25,10 @@ QString textOnTheWire(const QString &text)
 QString composeNote(const QString &draft, bool silent)
 {
     if (silent)
-        return Texts::tr("没有电台处于发射状态，文本不会发出。请先在模拟器中选择发射电台。");
+        return ComposeTexts::tr("没有电台处于发射状态，文本不会发出。请先在模拟器中选择发射电台。");
     const auto lost = std::ranges::count_if(draft, [](QChar letter) { return letter.unicode() > lastOnTheWire; });
-    return lost > 0 ? Texts::tr("%1 个字符无法传送，对方将看到：%2").arg(lost).arg(textOnTheWire(draft)) : QString();
+    return lost > 0 ? ComposeTexts::tr("%1 个字符无法传送，对方将看到：%2").arg(lost).arg(textOnTheWire(draft))
+                    : QString();
 }
 
 } // namespace tarvo::ui

@@ -6,7 +6,7 @@ namespace tarvo::ui {
 
 namespace {
 
-struct Texts
+struct ConnectionTexts
 {
     Q_DECLARE_TR_FUNCTIONS(tarvo::ui::ConnectionStatus)
 };
@@ -50,12 +50,12 @@ QString toneText(Tone tone)
 
 QString simulatorFailedText()
 {
-    return Texts::tr("连接失败");
+    return ConnectionTexts::tr("连接失败");
 }
 
 QString forcedOutText()
 {
-    return Texts::tr("已断开（强制）");
+    return ConnectionTexts::tr("已断开（强制）");
 }
 
 Tone toneOf(bool connected, const QString &statusText)
@@ -73,7 +73,7 @@ QString shownReason(const QString &told)
         const QLatin1String begins(reason.begins);
         if (!told.startsWith(begins))
             continue;
-        const QString shown = Texts::tr(reason.shown);
+        const QString shown = ConnectionTexts::tr(reason.shown);
         return shown.contains(QLatin1String("%1")) ? shown.arg(told.mid(begins.size())) : shown;
     }
     return told;
@@ -82,7 +82,7 @@ QString shownReason(const QString &told)
 QString reasonOfEnd(const QString &error, qint64 errorAt, qint64 now)
 {
     if (error.isEmpty() || now - errorAt > errorExplainsForMs)
-        return Texts::tr("与服务器的连接中断。");
+        return ConnectionTexts::tr("与服务器的连接中断。");
     return shownReason(error);
 }
 
@@ -97,11 +97,13 @@ StatusLine lineOf(const Link &link)
 Banner bannerOf(const Link &network, const Link &simulator, const QString &section)
 {
     if (!network.seen && network.wasUp)
-        return {Texts::tr("网络已断开：%1").arg(network.reason), Texts::tr("重新连接"), BannerAction::ReconnectNetwork};
+        return {ConnectionTexts::tr("网络已断开：%1").arg(network.reason), ConnectionTexts::tr("重新连接"),
+                BannerAction::ReconnectNetwork};
     if (!network.seen && section != network.section)
-        return {Texts::tr("网络连接失败：%1").arg(network.reason), Texts::tr("查看"), BannerAction::ShowSection};
+        return {ConnectionTexts::tr("网络连接失败：%1").arg(network.reason), ConnectionTexts::tr("查看"),
+                BannerAction::ShowSection};
     if (!simulator.seen && simulator.wasUp)
-        return {Texts::tr("模拟器已断开：%1").arg(simulator.reason), Texts::tr("重新连接"),
+        return {ConnectionTexts::tr("模拟器已断开：%1").arg(simulator.reason), ConnectionTexts::tr("重新连接"),
                 BannerAction::ReconnectSimulator};
     return {};
 }
