@@ -54,6 +54,13 @@ def closure(names):
     return found
 
 
+def link_or_copy(source, target):
+    try:
+        os.link(source, target, follow_symlinks=False)
+    except OSError: # the checkout lies on another file system
+        shutil.copy2(source, target, follow_symlinks=False)
+
+
 def link_packages(root, names):
     """The files of installed packages, as hard links: nobody writes to them there."""
     for link in ('bin', 'sbin', 'lib', 'lib64'):
@@ -68,7 +75,7 @@ def link_packages(root, names):
         if source.is_symlink() or source.is_file():
             target.parent.mkdir(parents=True, exist_ok=True)
             if not os.path.lexists(target):
-                os.link(source, target, follow_symlinks=False)
+                link_or_copy(source, target)
     subprocess.run(['ldconfig', '-r', root], check=True)
 
 
