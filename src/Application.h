@@ -44,7 +44,7 @@ public:
     /// Theme, message handler, configuration and log file: what the windows stand on.
     static void setUp();
 
-    /// `simConnect`: how Microsoft Flight Simulator is reached; null for the library of this machine.
+    /// `simConnect`: how Microsoft Flight Simulator is reached; null for SimConnect as this machine has it.
     Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,
                 const ServiceEndpoints &endpoints = {},
                 std::shared_ptr<simulator::msfs::SimConnectBinding> simConnect = {});
@@ -78,7 +78,7 @@ private:
     network::ApiService &m_api;
     network::SwiftAircraftIcaoService &m_icao;
     ServiceEndpoints m_endpoints;
-    std::shared_ptr<simulator::msfs::SimConnectBinding> m_simConnect; ///< null: the library of this machine
+    std::shared_ptr<simulator::msfs::SimConnectBinding> m_simConnect; ///< null: this machine's own
     std::shared_ptr<voice::SoundThread> m_sound; ///< one for all sessions: the sound system knows the process
     // Destroyed from the last to the first: each dependent goes before what it depends on.
     ui::LoginWindow m_loginWindow;

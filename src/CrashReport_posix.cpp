@@ -65,7 +65,7 @@ void report(int number, const siginfo_t *info)
         (what << ", address ").hex(reinterpret_cast<std::uintptr_t>(info->si_addr));
     writeHead(write, what, thisThread());
     std::array<void *, 64> calls{};
-    // These two take no memory once the library that they need is loaded.
+    // These two take no memory once libgcc, which unwinds for them, is loaded.
     backtrace_symbols_fd(calls.data(), backtrace(calls.data(), static_cast<int>(calls.size())), file);
     close(file);
 }

@@ -8,8 +8,8 @@
 
 namespace tarvo::bench {
 
-/// SimConnect's library with a watch in it: tells of each waypoint when the client calls for it, then lets the library
-/// behind it do its work. One at a time.
+/// SimConnect's library with a watch in it: tells of each waypoint when the client calls for it, then hands the call
+/// on to the one behind it. One at a time.
 class TimedLibrary : public simulator::msfs::SimConnectLibrary
 {
 public:

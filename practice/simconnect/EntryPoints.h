@@ -4,7 +4,7 @@
 
 namespace tarvo::practice {
 
-/// The sixteen C functions of the library. They check what a C program may get wrong, and hand the rest to the stand-in
+/// SimConnect's sixteen C functions. They check what a C program may get wrong, and hand the rest to the stand-in
 /// that the handle belongs to.
 simulator::msfs::SimConnectFunctions entryPoints();
 /// The one of that name, such as "SimConnect_Open"; null for none of the sixteen.

@@ -6,7 +6,7 @@
 
 namespace tarvo::practice {
 
-/// What a client asks of the simulator: the library's entry points without the handle. As there, a call only submits:
+/// What a client asks of the simulator: SimConnect's entry points without the handle. As there, a call only submits:
 /// what is wrong with it comes as a message. Texts and bytes are the client's and may be hostile. By itself does
 /// nothing.
 class SimConnectCalls

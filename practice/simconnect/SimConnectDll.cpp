@@ -1,4 +1,4 @@
-// SimConnect.dll: the stand-in's entry points, and a simulator behind them for as long as the library is loaded.
+// SimConnect.dll: the stand-in's entry points, and a simulator behind them for as long as it is loaded.
 #include "practice/simconnect/MsfsOptions.h"
 #include "practice/simconnect/MsfsStandIn.h"
 

@@ -113,7 +113,7 @@ HRESULT SimConnectStandIn::nextDispatch(SIMCONNECT_RECV **message, DWORD *size)
     if (m_queue.isEmpty())
         simulator().poll();
     if (m_queue.isEmpty())
-        return simConnectFailed; // as the library says that there is nothing
+        return simConnectFailed; // SimConnect's word for: nothing there
     const QByteArray bytes = m_queue.takeFirst();
     if (bytes.isEmpty())
         return simConnectOk;

@@ -38,12 +38,12 @@ public:
     /// What happens behind the calls; nothing while null. Outlives this, or is taken out again.
     void setSimulator(SimConnectCalls *simulator) { m_simulator = simulator; }
 
-    // --- the library ---
+    // --- SimConnect's DLL ---
     /// The sixteen entry points, as C functions; they find their stand-in through the handle.
     static simulator::msfs::SimConnectFunctions functions();
     /// A library over this one, for SimConnectBinding. May outlive it: then nothing can be loaded.
     std::unique_ptr<simulator::msfs::SimConnectLibrary> library();
-    /// The names under which the library can be loaded; "SimConnect.dll" by default.
+    /// The names under which it can be loaded; "SimConnect.dll" by default.
     void setLibraryNames(const QStringList &names) { m_libraryNames = names; }
     /// What loading another name gives; 126 (module not found) by default.
     void setLoadError(quint32 error) { m_loadError = error; }
@@ -51,7 +51,7 @@ public:
     void setMissing(const QStringList &entryPoints) { m_missing = entryPoints; }
 
     // --- what the client called ---
-    /// One line a call with every argument but the handle, in order; the library's `load "SimConnect.dll"` and `free`,
+    /// One line a call with every argument but the handle, in order; the DLL's `load "SimConnect.dll"` and `free`,
     /// too. GetNextDispatch is left out.
     QStringList calls() const { return m_calls; }
     /// The same, and forgets them.
@@ -83,7 +83,7 @@ public:
     qsizetype queuedMessages() const { return m_queue.size(); }
     void dropMessages() { m_queue.clear(); }
 
-    // --- for the entry points and the library ---
+    // --- for the entry points and the DLL ---
     /// The stand-in that the handle was opened on; null for any other handle.
     static SimConnectStandIn *behind(HANDLE handle);
     /// The one that is opened next; null when there is none.
