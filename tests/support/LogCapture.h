@@ -8,6 +8,7 @@
 
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace tarvo::test {
 
@@ -35,7 +36,7 @@ public:
     QList<Line> lines() const
     {
         const std::scoped_lock lock(m_mutex);
-        return m_lines;
+        return {m_lines.begin(), m_lines.end()};
     }
 
     /// The texts of all lines, or of those of one level.
@@ -80,7 +81,7 @@ private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
         const std::scoped_lock lock(s_current->m_mutex);
-        s_current->m_lines.append({type, text, context.category});
+        s_current->m_lines.push_back({type, text, context.category});
     }
 
     static inline LogCapture *s_current = nullptr;
@@ -88,7 +89,7 @@ private:
     LogCapture *m_outer;
     mutable std::mutex m_mutex; ///< guards m_lines
     QtMessageHandler m_previous;
-    QList<Line> m_lines;
+    std::vector<Line> m_lines; // no QList: a copy would share its elements with the threads that log
 };
 
 } // namespace tarvo::test

@@ -51,13 +51,13 @@ PluginPeer::~PluginPeer()
 QList<QByteArray> PluginPeer::messages() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_messages;
+    return {m_messages.begin(), m_messages.end()};
 }
 
 QStringList PluginPeer::names() const
 {
     QStringList names;
-    const QList<QByteArray> all = messages(); // const: the list is shared with the thread that receives
+    const QList<QByteArray> all = messages();
     for (const QByteArray &message : all)
         names.append(unpacked(message).name);
     return names;
@@ -66,7 +66,7 @@ QStringList PluginPeer::names() const
 QVariantList PluginPeer::arguments(const QString &name) const
 {
     QVariantList arguments;
-    const QList<QByteArray> all = messages(); // const, as above
+    const QList<QByteArray> all = messages();
     for (const QByteArray &message : all) {
         const PluginMessage got = unpacked(message);
         if (got.name == name)
@@ -107,8 +107,8 @@ void PluginPeer::receiveLoop()
         nng_msg *message = nng_aio_get_msg(m_receive);
         {
             const std::lock_guard lock(m_mutex);
-            m_messages.append(QByteArray(static_cast<const char *>(nng_msg_body(message)),
-                                         static_cast<qsizetype>(nng_msg_len(message))));
+            m_messages.emplace_back(static_cast<const char *>(nng_msg_body(message)),
+                                    static_cast<qsizetype>(nng_msg_len(message)));
         }
         nng_msg_free(message);
         emit arrived();

@@ -12,6 +12,7 @@
 
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace tarvo::test {
 
@@ -53,7 +54,7 @@ private:
     nng_aio *m_receive = nullptr;
     std::thread m_thread;
     mutable std::mutex m_mutex;
-    QList<QByteArray> m_messages;
+    std::vector<QByteArray> m_messages; // no QList: a copy would share its elements with the thread that appends
     int m_clients = 0;
 };
 

@@ -15,6 +15,7 @@
 #include <mutex>
 #include <set>
 #include <utility>
+#include <vector>
 
 using namespace std::chrono_literals;
 using tarvo::test::connectSound;
@@ -37,16 +38,16 @@ public:
     void take(const QString &step)
     {
         std::unique_lock lock(m_mutex);
-        m_steps << step;
+        m_steps.push_back(step);
         m_threads.insert(QThread::currentThread());
         if (!m_wake.wait_for(lock, 30s, [this] { return !m_held; }))
-            m_steps << u"nobody released it"_qs;
+            m_steps.push_back(u"nobody released it"_qs);
     }
 
     QStringList steps() const
     {
         const std::lock_guard lock(m_mutex);
-        return m_steps;
+        return {m_steps.begin(), m_steps.end()};
     }
     std::set<const QThread *> threads() const
     {
@@ -90,7 +91,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_held = false;
-    QStringList m_steps;
+    std::vector<QString> m_steps; // no QStringList: a copy would share its elements with the sounds' thread
     std::set<const QThread *> m_threads;
 };
 
