@@ -45,9 +45,25 @@ Rectangle {
         }
     }
 
+    function perform(action: string): void {
+        if (action === "help")
+            shortcutSheet.open()
+        else
+            (shell.item as MainDashboard)?.perform(action)
+    }
+
+    ShortcutKeys {
+        enabled: !(rootWindow.voiceSettings?.pttListening ?? false)
+        onTriggered: action => rootWindow.perform(action)
+    }
+
     LeaveDialog { leave: rootWindow.leave }
 
+    ShortcutSheet { id: shortcutSheet }
+
     Loader {
+        id: shell
+
         anchors.fill: parent
         focus: true
         sourceComponent: rootWindow.dashboard && rootWindow.dashboard.modePicked ? mainDashboard : modeSelection
@@ -77,6 +93,7 @@ Rectangle {
             leave: rootWindow.leave // qmllint disable unqualified
             overview: rootWindow.overview // qmllint disable unqualified
             onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
+            onHelpRequested: shortcutSheet.open() // qmllint disable unqualified
         }
     }
 

@@ -301,6 +301,12 @@ void MessagesPageViewModel::openPrivateSession(const QString &callsign)
     tell(opened | enterChannel(key));
 }
 
+void MessagesPageViewModel::openLastSession()
+{
+    const QString latest = m_sessions.latest();
+    setActiveChannel(latest.isEmpty() ? channels::privateOverview() : latest);
+}
+
 bool MessagesPageViewModel::isOwnShown(int row) const
 {
     return row >= 0 && row < m_shown.rows().size() &&

@@ -130,6 +130,8 @@ public:
     /// `from`: a message's sender. Its session becomes the active channel and its callsign the draft's target.
     Q_INVOKABLE void prepareReply(const QString &from);
     Q_INVOKABLE void openPrivateSession(const QString &callsign);
+    /// The session in which something happened last; their overview without any.
+    Q_INVOKABLE void openLastSession();
     /// The row of the active channel's list is one that the pilot has sent.
     Q_INVOKABLE bool isOwnShown(int row) const;
     /// Asks a station for its ATIS, which comes as a note of the system.

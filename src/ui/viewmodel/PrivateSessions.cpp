@@ -28,6 +28,12 @@ QVariantMap PrivateSession::toMap() const
 
 PrivateSessions::PrivateSessions(QObject *parent) : RowsModel(sessionRoles, parent) {}
 
+QString PrivateSessions::latest() const
+{
+    const auto found = std::ranges::max_element(rows(), {}, &PrivateSession::activity);
+    return found == rows().cend() ? QString() : found->callsign;
+}
+
 bool PrivateSessions::open(const QString &callsign, const QString &kept, QString &evicted)
 {
     if (contains(callsign))

@@ -32,6 +32,8 @@ public:
     explicit PrivateSessions(QObject *parent = nullptr);
 
     bool contains(const QString &callsign) const { return indexOf(callsign) >= 0; }
+    /// The one in which something happened last; empty without any.
+    QString latest() const;
     /// False when the session is open already. When another had to be closed for it, `evicted` is that one's callsign.
     /// `kept` is never closed.
     bool open(const QString &callsign, const QString &kept, QString &evicted);

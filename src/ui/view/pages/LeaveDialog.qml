@@ -1,37 +1,21 @@
 import QtQuick
-import QtQuick.Controls.Basic
-import QtQuick.Templates as T
 import QtQuick.Layouts
 import com.tarvonet.backend
 import ".."
 
 /// Asks before a connection is ended. Escape and the quiet button leave all as it is.
-Popup {
+Sheet {
     id: dialog
 
     required property LeaveBackend leave
 
-    anchors.centerIn: T.Overlay.overlay
     width: 420
-    padding: Style.paddingPage
-    modal: true
-    focus: true
-    closePolicy: Popup.CloseOnEscape
     visible: leave ? leave.open : false
     onOpened: {
         again.checked = false
         stay.forceActiveFocus(Qt.TabFocusReason)
     }
     onClosed: if (leave) leave.reject()
-
-    T.Overlay.modal: Rectangle { color: Style.dim }
-
-    background: Rectangle {
-        radius: Style.radiusCard
-        color: Style.controlBg
-        border.width: 1
-        border.color: Style.controlBorder
-    }
 
     ColumnLayout {
         width: dialog.availableWidth

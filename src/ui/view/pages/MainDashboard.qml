@@ -19,6 +19,7 @@ Item {
     property string currentSection: "dashboard"
 
     signal logoutRequested()
+    signal helpRequested()
 
     Component.onCompleted: if (status) status.setCurrentSection(currentSection)
     onCurrentSectionChanged: if (status) status.setCurrentSection(currentSection)
@@ -28,6 +29,18 @@ Item {
 
         function onSectionRequested(section: string): void {
             main.currentSection = section
+        }
+    }
+
+    /// What a shortcut stands for.
+    function perform(action: string): void {
+        if (sidebar.sections.some(section => section.key === action)) {
+            currentSection = action
+        } else {
+            if (action === "lastSession")
+                messages?.openLastSession()
+            currentSection = "messages";
+            (page.item as MessagesPage)?.write()
         }
     }
 
@@ -66,6 +79,7 @@ Item {
         ]
         onSectionRequested: key => main.currentSection = key
         onLogoutRequested: main.logoutRequested()
+        onHelpRequested: main.helpRequested()
     }
 
     NoticeBanner {
@@ -80,6 +94,8 @@ Item {
     }
 
     Loader {
+        id: page
+
         objectName: "sectionLoader"
         anchors.left: sidebar.right
         anchors.right: parent.right

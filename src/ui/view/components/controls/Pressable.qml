@@ -9,12 +9,20 @@ AbstractButton {
 
     readonly property int ringWidth: visualFocus ? 2 : 0
     readonly property color ringColor: Style.controlBorderActive
+    /// Shown where the pointer rests, and told to a screen reader.
+    property string tip: ""
 
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
+    Accessible.description: tip
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) clicked() }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) clicked() }
     Keys.onReleased: event => event.accepted = event.isAutoRepeat // X11 repeats Space as whole clicks
+
+    HoverTip {
+        text: button.tip
+        hovered: button.hovered
+    }
 
     HoverHandler {
         enabled: button.enabled

@@ -19,6 +19,7 @@ Rectangle {
 
     signal sectionRequested(string key)
     signal logoutRequested()
+    signal helpRequested()
 
     implicitWidth: 252
     color: Style.sidebarBg
@@ -31,22 +32,38 @@ Rectangle {
         RowLayout {
             Layout.bottomMargin: Style.spacingLarge
             Layout.leftMargin: Style.spacingSmall
-            spacing: Style.spacingMedium
+            spacing: Style.spacingTiny
 
             Image {
                 source: "qrc:/resources/logo.png"
                 sourceSize.width: 72
                 Layout.preferredWidth: 36
                 Layout.preferredHeight: 36
+                Layout.rightMargin: Style.spacingSmall
                 smooth: true
             }
 
             AppText {
+                Layout.fillWidth: true
                 text: "TARVO"
                 color: Style.textActive
                 font.pixelSize: 22
                 font.weight: Font.Bold
                 font.letterSpacing: 2
+            }
+
+            SidebarTool {
+                objectName: "helpTool"
+                Accessible.name: tip
+                tip: Shortcuts.tip("help")
+                onClicked: sidebar.helpRequested()
+
+                AppText {
+                    anchors.centerIn: parent
+                    text: "?"
+                    color: Style.textSecondary
+                    font.weight: Font.DemiBold
+                }
             }
         }
 
@@ -61,6 +78,7 @@ Rectangle {
                 objectName: "section-" + modelData.key
                 Layout.fillWidth: true
                 text: modelData.title
+                tip: Shortcuts.keysOf(modelData.key)
                 selected: sidebar.currentSection === modelData.key // qmllint disable unqualified
                 badge: modelData.key === "messages" ? sidebar.unreadCount : 0 // qmllint disable unqualified
                 onClicked: sidebar.sectionRequested(modelData.key) // qmllint disable unqualified

@@ -91,6 +91,7 @@ GridLayout {
         primary: true
         enabled: compose.canSend && !compose.messages.composeBlocked
         text: qsTr("发送")
+        tip: Shortcuts.tip("compose")
         onClicked: compose.send()
     }
 

@@ -12,6 +12,11 @@ ColumnLayout {
 
     spacing: Style.spacingMedium
 
+    /// The keyboard goes to the line that is being written.
+    function write(): void {
+        compose.focusLine()
+    }
+
     Header {
         Layout.fillWidth: true
         title: qsTr("消息")
@@ -75,6 +80,8 @@ ColumnLayout {
                 }
 
                 ComposeLine {
+                    id: compose
+
                     Layout.fillWidth: true
                     messages: page.messages
                     elsewhere: list
