@@ -6,6 +6,7 @@
 #include "MsfsFolders.h"
 #include "ServiceEndpoints.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -13,6 +14,7 @@
 
 #include <cmath>
 #include <type_traits>
+#include <utility>
 
 namespace tarvo {
 
@@ -52,6 +54,14 @@ void keepToTheUser(const QString &path)
     const QFile::Permissions permissions = QFile::permissions(path);
     if (permissions & others)
         QFile::setPermissions(path, permissions & ~others);
+}
+
+/// A QSettings object keeps its first error for good; a new one shares what waits to be written and tries now.
+bool canBeWritten(const QString &path)
+{
+    QSettings settings(path, ini::format());
+    settings.sync();
+    return settings.status() == QSettings::NoError;
 }
 
 } // namespace
@@ -104,7 +114,7 @@ bool AppConfig::bringBackWhatIsLost()
     if (lost == 0)
         return false;
     m_copy.keepDamagedFile();
-    m_settings->sync();
+    sync();
     m_startupWarning =
         QStringLiteral("AppConfig: config.ini had lost %1 settings, which came back from config.ini.bak; "
                        "the damaged file is kept as config.ini.damaged")
@@ -127,7 +137,19 @@ void AppConfig::writeMissingDefaults()
             anyKey);
     }
     if (wrote)
-        m_settings->sync();
+        sync();
+}
+
+void AppConfig::sync()
+{
+    m_settings->sync();
+    const bool saved = m_settings->status() == QSettings::NoError || canBeWritten(m_configPath);
+    if (saved == std::exchange(m_saved, saved))
+        return;
+    if (saved)
+        qInfo("AppConfig: config.ini can be written again; nothing that was set meanwhile is lost");
+    else
+        qWarning("AppConfig: config.ini can't be written; what is set stays in memory until it can be");
 }
 
 void AppConfig::detectFolders()
@@ -275,7 +297,7 @@ QString AppConfig::logsFolder() const
 void AppConfig::store(const char *key, const QVariant &value)
 {
     m_settings->setValue(QString::fromUtf8(key), value);
-    m_settings->sync();
+    sync();
     announce(key);
 }
 

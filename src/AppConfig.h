@@ -21,8 +21,9 @@ struct DataFolders;
 /// The one place for settings: "config.ini" in the data root. Main thread only.
 ///
 /// Reading never fails: a malformed value converts to the type's zero. Every write is synced to the file at once and
-/// then announced. An unwritable file is not an error here; the values go on working in memory. A start that reads the
-/// file well makes a copy of it, and what the file has lost at a later start comes back from there.
+/// then announced. An unwritable file is not an error here: the values go on working in memory and are written with the
+/// next one that can be. A start that reads the file well makes a copy of it, and what the file has lost at a later
+/// start comes back from there.
 class AppConfig : public QObject
 {
     Q_OBJECT
@@ -61,6 +62,9 @@ public:
     /// Empty when there were none; otherwise the pilot is told.
     QString startupWarning() const { return m_startupWarning; }
 
+    /// False while the last write didn't reach the file: the disk is full, or the folder can't be written.
+    bool isSaved() const { return m_saved; }
+
     /// What the program remembers by itself, in a file of its own beside these settings.
     StateFile &state() { return m_state; }
 
@@ -84,6 +88,7 @@ private:
 
     bool bringBackWhatIsLost();
     void writeMissingDefaults();
+    void sync();
     void detectFolders();
     QVariant read(const char *key, const QVariant &defaultValue = {}) const;
     QString decrypted(const char *key, const QString &stored) const;
@@ -98,6 +103,7 @@ private:
     ConfigCopy m_copy;
     StateFile m_state;
     QString m_startupWarning;
+    bool m_saved = true;
     QMap<QString, QVariant> m_volatile;
     /// The last plain text of each encrypted key: deriving the cipher's key is slow on purpose.
     mutable QMap<QString, Decrypted> m_decrypted;

@@ -46,6 +46,8 @@ void Application::setUp()
     lastwords::tellOfEarlierCrashes(AppConfig::instance().logsFolder(), AppConfig::instance().state());
     if (const QString warning = AppConfig::instance().startupWarning(); !warning.isEmpty())
         qWarning().noquote() << warning;
+    if (!AppConfig::instance().isSaved())
+        qWarning("Settings can't be written; what is set is lost at the end"); // said before the log was open, too
 }
 
 Application::Application(AppConfig &config, network::ApiService &api, network::SwiftAircraftIcaoService &icao,

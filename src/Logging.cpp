@@ -8,7 +8,6 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
-#include <QTextStream>
 
 #include <algorithm>
 #include <cstdio>
@@ -25,6 +24,7 @@ struct LogState
 {
     QFile file;
     QMutex mutex;
+    int lost = 0; ///< lines, since the file took the last one
 };
 
 /// Never destroyed: threads of libraries and the destructors of singletons may log until the very end.
@@ -63,16 +63,33 @@ QString sourceFile(const char *path)
     return file.sliced(std::max(file.lastIndexOf(u'/'), file.lastIndexOf(u'\\')) + 1);
 }
 
+/// False when the disk is full and so much waits already that this can't wait as well.
+bool write(LogState &log, const QByteArray &line)
+{
+    const bool taken = log.file.write(line + '\n') >= 0;
+    flush(log.file); // on disk before the caller goes on
+    return taken;
+}
+
+QByteArray lossLine(int lines)
+{
+    const QString text = QStringLiteral("%1 lines were lost here: the disk was full").arg(lines);
+    return formatLine(QDateTime::currentDateTime(), QtWarningMsg, {__FILE__, __LINE__, nullptr, nullptr}, text)
+        .toUtf8();
+}
+
 void append(const QString &line)
 {
     LogState &log = state();
     const QMutexLocker lock(&log.mutex);
-    lastwords::note(line.toUtf8());
+    const QByteArray bytes = line.toUtf8();
+    lastwords::note(bytes);
     if (!log.file.isOpen())
         return;
-    QTextStream stream(&log.file);
-    stream << line << '\n';
-    stream.flush(); // on disk before the caller goes on
+    if (log.lost > 0 && write(log, lossLine(log.lost)))
+        log.lost = 0;
+    if (!write(log, bytes))
+        ++log.lost;
 }
 
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
@@ -93,6 +110,7 @@ bool reopen(LogState &log, const QString &path)
     if (!QDir().mkpath(folder))
         return true;
     removeOldFiles(folder, oldLogsKept);
+    log.lost = 0;
     log.file.setFileName(path);
     return log.file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Append);
 }
@@ -126,6 +144,15 @@ QString formatLine(const QDateTime &time, QtMsgType type, const QMessageLogConte
     return QStringLiteral("%1 | %2 | %3:%4 - %5")
         .arg(time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")), levelWord(type), sourceFile(context.file),
              QString::number(context.line), message);
+}
+
+bool flush(QFileDevice &file)
+{
+    while (file.bytesToWrite() > 0) {
+        if (!file.flush())
+            return false;
+    }
+    return true;
 }
 
 void removeOldFiles(const QString &folder, int keep)

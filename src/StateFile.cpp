@@ -2,7 +2,10 @@
 
 #include "IniFormat.h"
 
+#include <QDebug>
 #include <QDir>
+
+#include <utility>
 
 namespace tarvo {
 
@@ -40,6 +43,8 @@ void StateFile::store(const char *key, const QString &value)
 {
     m_settings->setValue(QString::fromUtf8(key), value);
     m_settings->sync();
+    if (m_settings->status() != QSettings::NoError && !std::exchange(m_failureTold, true))
+        qWarning("state.ini can't be written; what it was to remember may be lost");
 }
 
 } // namespace tarvo

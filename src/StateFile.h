@@ -26,7 +26,7 @@ inline constexpr BoolKey soundsOn{"Sounds/On", true};
 /// and nothing is lost with it but comfort. Main thread only.
 ///
 /// Reading never fails; what isn't there is the key's default. A write is synced at once. An unwritable file is no
-/// error: the values go on working in memory.
+/// error: the values go on working in memory, and the log is told once.
 class StateFile
 {
 public:
@@ -43,6 +43,7 @@ private:
     void store(const char *key, const QString &value);
 
     std::unique_ptr<QSettings> m_settings;
+    bool m_failureTold = false;
 };
 
 } // namespace tarvo

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <array>
+#include <utility>
 
 namespace tarvo::manager {
 
@@ -124,7 +125,7 @@ SessionLog::SessionLog(const QString &folder, const common::Clock &clock, qint64
 {
     m_flushTimer.setObjectName(QStringLiteral("flushTimer"));
     m_flushTimer.setInterval(flushIntervalMs);
-    QObject::connect(&m_flushTimer, &QTimer::timeout, &m_flushTimer, [this] { m_stream.flush(); });
+    QObject::connect(&m_flushTimer, &QTimer::timeout, &m_flushTimer, [this] { flush(); });
     if (!QDir().mkpath(folder)) {
         qCritical().noquote() << "Unable to create directory" << folder;
         return;
@@ -189,7 +190,19 @@ void SessionLog::stopFlushing()
 {
     m_flushTimer.stop();
     if (isOpen())
-        m_stream.flush();
+        flush();
+}
+
+/// A stream that failed once would keep all that follows in memory.
+void SessionLog::flush()
+{
+    m_stream.flush();
+    const bool taken = m_stream.status() == QTextStream::Ok;
+    m_stream.resetStatus();
+    if (logging::flush(m_file) && taken)
+        return;
+    if (!std::exchange(m_lossTold, true))
+        qWarning().noquote() << "Lines of the network log may be lost:" << m_file.errorString() << path();
 }
 
 } // namespace tarvo::manager

@@ -14,7 +14,8 @@ namespace tarvo::manager {
 /// The raw FSD traffic of one signed-in session, in a file of its own, "network-<UTC time>.log". All connections of the
 /// session write into it. A file that has grown to 64 MB is followed by the next one. At most 10 earlier files stay.
 ///
-/// What can't be opened or written is lost without further report: a session never fails for its log.
+/// A session never fails for its log: what can't be opened is lost without further report, and of what a full disk
+/// doesn't take up to 16 KB wait while the rest is lost, which the program's log is told once.
 class SessionLog
 {
 public:
@@ -43,6 +44,7 @@ public:
 
 private:
     void openNext();
+    void flush();
     QString nextPath() const;
     void write(QLatin1StringView arrow, const QString &line);
 
@@ -52,6 +54,7 @@ private:
     QFile m_file;
     QTextStream m_stream;
     QTimer m_flushTimer;
+    bool m_lossTold = false;
 };
 
 /// `line` with "******" in place of the password: by its place, field 3 of "#AP" and field 4 of "#AA" counted from 0,

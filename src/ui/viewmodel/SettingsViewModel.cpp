@@ -161,7 +161,8 @@ void SettingsViewModel::saveAll()
     m_stored = values;
     m_loaded = values;
     emit settingsChanged();
-    setSaveStatus(tr("已保存到 config.ini"));
+    setSaveStatus(m_config.isSaved() ? tr("已保存到 config.ini")
+                                     : tr("无法写入 config.ini（磁盘已满或文件夹只读），更改暂时只在本次运行中有效"));
 }
 
 void SettingsViewModel::triggerMsfsLibraryReload()

@@ -214,6 +214,17 @@ private slots:
         QCOMPARE(status.size(), 1);
     }
 
+    void savingWhereNothingCanBeWrittenTellsThat()
+    {
+        SettingsStage stage;
+        QFile blocker(stage.folder.filePath(u"blocker"_qs));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        AppConfig config(stage.folder.filePath(u"blocker/inside"_qs)); // no folder can be made inside a file
+        SettingsViewModel model(config, stage.api, someEndpoints());
+        model.saveAll();
+        QCOMPARE(model.saveStatus(), u"无法写入 config.ini（磁盘已满或文件夹只读），更改暂时只在本次运行中有效"_qs);
+    }
+
     void theAccountsName_data()
     {
         QTest::addColumn<QString>("storedName");
