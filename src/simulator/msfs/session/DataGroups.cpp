@@ -24,8 +24,9 @@ DataGroups::DataGroups(SimConnectLink &link) : m_link(link) {}
 void DataGroups::setProfile(MsfsRuntimeProfile profile)
 {
     m_bindings = simVarBindings(profile);
-    for (const UpdateGroup group : updateGroups)
-        m_groups.at(idOf(group)) = simVarBindings(group, profile);
+    m_groups = {};
+    for (const SimVarBinding &binding : std::as_const(m_bindings))
+        m_groups.at(idOf(binding.group)).append(binding);
 }
 
 bool DataGroups::define(MsfsRuntimeProfile profile)
@@ -45,6 +46,7 @@ bool DataGroups::define(MsfsRuntimeProfile profile)
         const HRESULT result =
             m_link.addField(idOf(binding.group), binding.variable, binding.unit, wireDataType(binding.type));
         if (result < 0) {
+            clearDefinitions(); // the next try starts over
             m_link.fail(QStringLiteral("Failed to register SimVar: %1").arg(QLatin1String(binding.variable)), result);
             return false;
         }
@@ -57,9 +59,14 @@ void DataGroups::undefine()
 {
     for (const UpdateGroup group : updateGroups)
         unsubscribe(group);
+    clearDefinitions();
+    m_areDefined = false;
+}
+
+void DataGroups::clearDefinitions() const
+{
     for (const UpdateGroup group : updateGroups)
         m_link.call<&SimConnectFunctions::ClearDataDefinition>(idOf(group));
-    m_areDefined = false;
 }
 
 void DataGroups::subscribe(UpdateGroup group)

@@ -24,7 +24,8 @@ public:
     /// What is read; empty until a simulator is known.
     const QList<SimVarBinding> &bindings() const { return m_bindings; }
 
-    /// Defines all groups; false when the simulator refuses a variable, which is told by the link, or they are defined.
+    /// Defines all groups. False when nothing new is defined: the session is closed, they are defined already, or the
+    /// simulator refuses a variable, which the link tells and which leaves none of them.
     bool define(MsfsRuntimeProfile profile);
     bool areDefined() const { return m_areDefined; }
     /// Ends the subscriptions and clears the definitions.
@@ -43,6 +44,7 @@ public:
     void reset();
 
 private:
+    void clearDefinitions() const;
     bool isSubscribed(UpdateGroup group) const;
     qint32 request(UpdateGroup group, quint32 period, quint32 flags) const;
 

@@ -2,6 +2,8 @@
 
 #include <QDebug>
 
+#include <utility>
+
 namespace tarvo::simulator::msfs {
 
 namespace {
@@ -27,6 +29,12 @@ SimConnectLink::SimConnectLink(std::shared_ptr<SimConnectBinding> binding, QObje
 {
 }
 
+SimConnectLink::~SimConnectLink()
+{
+    if (isOpen())
+        close();
+}
+
 QStringList SimConnectLink::open()
 {
     QStringList failures;
@@ -41,6 +49,7 @@ QStringList SimConnectLink::open()
             m_binding->functions().Open(&handle, clientName, nullptr, 0, nullptr, SIMCONNECT_OPEN_CONFIGINDEX_LOCAL);
         if (result >= 0 && handle) {
             m_handle = handle;
+            m_binding->hold();
             break;
         }
         failures.append(QStringLiteral("%1 open failed with HRESULT 0x%2").arg(name, asHex(result)));
@@ -53,6 +62,7 @@ void SimConnectLink::close()
 {
     call<&SimConnectFunctions::Close>();
     m_handle = nullptr;
+    m_binding->letGo();
 }
 
 HRESULT SimConnectLink::addField(DWORD definition, const char *variable, const char *unit, DWORD type) const

@@ -22,6 +22,7 @@ class SimConnectLink : public QObject
 
 public:
     explicit SimConnectLink(std::shared_ptr<SimConnectBinding> binding, QObject *parent = nullptr);
+    ~SimConnectLink() override;
 
     /// Opens through the first library that lets itself be opened. Says why each one before it didn't.
     QStringList open();

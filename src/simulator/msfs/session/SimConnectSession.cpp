@@ -51,14 +51,17 @@ bool SimConnectSession::open()
         emit errorOccurred(SimConnectError::ConnectionFailed, message);
         return false;
     }
+    const quint32 opening = ++m_openings;
     const QString library = m_parts->link.libraryName();
-    setRuntimeProfile(profileOfLibrary(library), QStringLiteral("loaded DLL %1").arg(library));
     m_parts->inputEvents.reset();
     m_dispatchTimer.start();
+    setRuntimeProfile(profileOfLibrary(library), QStringLiteral("loaded DLL %1").arg(library));
+    if (!isOpen() || m_openings != opening) // whoever heard which one it is has closed it, or opened it anew
+        return isOpen();
     qInfo().noquote() << "SimConnect connection established via" << library << "for runtime profile"
                       << displayName(m_profile);
     emit connected();
-    return true;
+    return isOpen();
 }
 
 void SimConnectSession::close()

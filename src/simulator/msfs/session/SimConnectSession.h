@@ -42,7 +42,8 @@ struct RemotePosition
 };
 
 /// The one talker to SimConnect: opens it, pumps its messages twenty times a second, owns every id, and tells what came
-/// as signals with plain values. Main thread only.
+/// as signals with plain values. Main thread only. Whoever hears a signal may close it and open it again, but not
+/// destroy it.
 class SimConnectSession : public QObject
 {
     Q_OBJECT
@@ -54,7 +55,8 @@ public:
     /// Closes. An open one raises disconnected() here as well: an owner that is going lets go of the signals before.
     ~SimConnectSession() override;
 
-    /// True when the session is open afterwards; otherwise errorOccurred told why. connected() is raised inside.
+    /// True when the session is open afterwards; otherwise errorOccurred told why, or whoever heard of it has closed
+    /// it. connected() is raised inside.
     bool open();
     /// Nothing when it is closed. disconnected() is raised inside.
     void close();
@@ -124,6 +126,7 @@ private:
     std::unique_ptr<Parts> m_parts; ///< what knows SimConnect's own structures
     QTimer m_dispatchTimer;
     MsfsRuntimeProfile m_profile = MsfsRuntimeProfile::Unknown;
+    quint32 m_openings = 0; ///< how often it was opened
 };
 
 } // namespace tarvo::simulator::msfs

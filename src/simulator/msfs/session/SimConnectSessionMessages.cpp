@@ -7,7 +7,6 @@
 #include "simulator/msfs/session/SimConnectSession.h"
 
 #include <QDebug>
-#include <QPointer>
 
 // What the session makes of the simulator's messages.
 namespace tarvo::simulator::msfs {
@@ -18,8 +17,7 @@ constexpr quint32 pauseEvent = 20000; ///< nothing subscribes to it yet
 
 void SimConnectSession::pump()
 {
-    const QPointer<SimConnectSession> alive(this);
-    while (alive && isOpen()) { // what a message raises may close the session, and open it again
+    while (isOpen()) { // what a message raises may close the session, and open it again
         const QByteArrayView bytes = m_parts->link.nextMessage();
         if (bytes.isNull())
             return;

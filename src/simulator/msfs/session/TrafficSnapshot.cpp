@@ -134,6 +134,7 @@ bool TrafficSnapshot::define()
     for (const Field &field : fields) {
         const HRESULT result = m_link.addField(trafficDefinition, field.variable, field.unit, field.type);
         if (result < 0) {
+            m_link.call<&SimConnectFunctions::ClearDataDefinition>(trafficDefinition); // the next try starts over
             m_link.fail(QStringLiteral("Failed to register traffic field: %1").arg(QLatin1String(field.variable)),
                         result);
             return false;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <type_traits>
+#include <utility>
 
 namespace tarvo::simulator::msfs {
 
@@ -69,6 +70,8 @@ QString SimConnectBinding::bind(const QString &name)
 {
     if (name == m_name)
         return {};
+    if (m_sessions > 0)
+        return QStringLiteral("%1 is in use").arg(m_name);
     release();
     if (const quint32 error = m_library->load(name); error != 0)
         return QStringLiteral("Failed to load %1 (Win32 error %2)").arg(name).arg(error);
@@ -84,6 +87,8 @@ QString SimConnectBinding::bind(const QString &name)
 
 void SimConnectBinding::release()
 {
+    if (m_sessions > 0)
+        return;
     if (!m_name.isEmpty())
         m_library->free();
     m_name.clear();

@@ -42,10 +42,14 @@ QVariant readField(SimVarType type, QByteArrayView field)
     return wireText(field);
 }
 
-/// Zeros behind; at least one.
+/// Zeros behind; at least one. A character that doesn't fit whole is left out.
 QByteArray textField(const QString &text)
 {
-    QByteArray bytes = text.toUtf8().left(textSize - 1);
+    QByteArray bytes = text.toUtf8();
+    qsizetype size = std::min<qsizetype>(bytes.size(), textSize - 1);
+    while (size < bytes.size() && (bytes[size] & 0xC0) == 0x80)
+        --size;
+    bytes.truncate(size);
     bytes.resize(textSize, '\0');
     return bytes;
 }

@@ -83,20 +83,6 @@ private slots:
         QVERIFY(bench.timer("dispatch")->isActive());
     }
 
-    void ownerMayEndItInTheMiddle()
-    {
-        const LogCapture log;
-        tarvo::practice::SimConnectStandIn standIn;
-        auto session = std::make_unique<SimConnectSession>(std::make_shared<SimConnectBinding>(standIn.library()));
-        session->open();
-        connect(session.get(), &SimConnectSession::dataReceived, this, [&session] { session.reset(); });
-        standIn.queue(message::event(0, 20000, 1));
-        standIn.queue(message::event(0, 20000, 0));
-        QMetaObject::invokeMethod(session->findChild<QTimer *>(line("dispatch")), "timeout", Qt::DirectConnection);
-        QVERIFY(!session);
-        QCOMPARE(standIn.calls().last(2), lines("Close\nfree"));
-    }
-
     void otherKindsAreSkippedSilently()
     {
         SessionBench bench;

@@ -103,6 +103,23 @@ private slots:
         QCOMPARE(binding.name(), QStringLiteral("b.dll"));
     }
 
+    void staysAsItIsWhileASessionIsOpen()
+    {
+        LibraryBook book;
+        SimConnectBinding binding(std::make_unique<BookedLibrary>(book));
+        binding.bind(QStringLiteral("a.dll"));
+        book.calls.clear();
+        binding.hold();
+        QCOMPARE(binding.bind(QStringLiteral("b.dll")), QStringLiteral("a.dll is in use"));
+        QCOMPARE(binding.bind(QStringLiteral("a.dll")), QString());
+        binding.release();
+        QCOMPARE(book.calls, QStringList());
+        QVERIFY(isFull(binding.functions()));
+        binding.letGo();
+        binding.release();
+        QCOMPARE(book.calls, QStringList(QStringLiteral("free")));
+    }
+
     void libraryThatIsNotThere()
     {
         LibraryBook book{.loadError = 126};

@@ -149,6 +149,8 @@ private slots:
         add("text", SimVarType::String, QStringLiteral("abc"), QByteArray("abc") + QByteArray(253, '\0'));
         add("longest text", SimVarType::String, QString(255, u'x'), QByteArray(255, 'x') + QByteArray(1, '\0'));
         add("too long a text", SimVarType::String, QString(256, u'x'), QByteArray(255, 'x') + QByteArray(1, '\0'));
+        add("a character that doesn't fit whole", SimVarType::String, QString(254, u'x') + u"空客"_qs,
+            QByteArray(254, 'x') + QByteArray(2, '\0'));
     }
 
     void fieldsAreWritten()
