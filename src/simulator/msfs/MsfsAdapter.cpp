@@ -9,7 +9,7 @@
 #include "simulator/msfs/session/SimConnectSession.h"
 
 #include <QDebug>
-#include <QTimer>
+#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -48,6 +48,8 @@ MsfsAdapter::MsfsAdapter(AppConfig &config, std::shared_ptr<SimConnectBinding> b
     connectSession();
     connectMachine();
     connectTraffic();
+    m_opening.setSingleShot(true);
+    connect(&m_opening, &QTimer::timeout, this, &MsfsAdapter::reconnectSimulator);
     connect(&config, &AppConfig::configChanged, this, [this](const QString &key) {
         if (key == QLatin1StringView(config::msfsLibraryReloadToken.key))
             m_traffic->checkLibrary();
@@ -99,15 +101,16 @@ void MsfsAdapter::connectTraffic()
 
 void MsfsAdapter::reconnectSimulator()
 {
-    m_reconnectPending = m_session->isOpen();
-    if (m_reconnectPending)
-        m_session->close(); // and open anew, in onAttemptEnded()
-    else
+    m_reconnectPending = m_isEnding || m_session->isOpen();
+    if (!m_reconnectPending)
         openSession();
+    else if (!m_isEnding)
+        m_session->close(); // tellEnd() has it opened anew
 }
 
 void MsfsAdapter::openSession()
 {
+    m_opening.stop(); // whoever asked twice gets one
     m_machine.requestConnect(true);
     m_traffic->forgetObjects(); // they went with the session that had them made
     m_session->open();
@@ -125,14 +128,28 @@ void MsfsAdapter::onSessionConnected()
 void MsfsAdapter::onSessionDisconnected()
 {
     m_traffic->setProfile(MsfsRuntimeProfile::Unknown);
-    emit simConnectionStateChanged(false); // the machine may tell it once more, on purpose
-    m_machine.onDisconnected();
+    tellEnd([this] {
+        emit simConnectionStateChanged(false); // the machine may tell it once more, on purpose
+        m_machine.onDisconnected();
+    });
 }
 
 void MsfsAdapter::onSessionError(SimConnectError error, const QString &message)
 {
     qWarning().noquote() << "MSFS SimConnect error:" << message;
-    m_machine.onError(error);
+    tellEnd([this, error] { m_machine.onError(error); });
+}
+
+/// Whoever hears of the end may ask for a new link. It is opened when all have heard, in a later turn.
+template <class Tell>
+void MsfsAdapter::tellEnd(Tell tell)
+{
+    {
+        const QScopedValueRollback ending(m_isEnding, true);
+        tell();
+    }
+    if (!m_isEnding && std::exchange(m_reconnectPending, false))
+        m_opening.start();
 }
 
 void MsfsAdapter::onStateChanged(ConnectionState, ConnectionState newState)
@@ -144,17 +161,12 @@ void MsfsAdapter::onStateChanged(ConnectionState, ConnectionState newState)
         m_traffic->spawnAll(); // who was there before the link was
 }
 
-/// Opens anew when the pilot has asked for it; otherwise his next wish will. Nothing here tries by itself.
+/// No failure when the pilot has asked for a new link, however many attempts have ended before, on purpose. Otherwise
+/// his next wish opens one: nothing here tries by itself.
 void MsfsAdapter::onAttemptEnded()
 {
-    if (!std::exchange(m_reconnectPending, false)) {
+    if (!m_reconnectPending)
         emit simConnectionFailed(tr("模拟器未启动或连接服务异常，请联系TARVO技术部"));
-        return;
-    }
-    QTimer::singleShot(0, this, [this] {
-        if (!m_session->isOpen()) // asked for twice
-            openSession();
-    });
 }
 
 // --- the own aircraft ---
@@ -195,7 +207,7 @@ void MsfsAdapter::onTitle(const QString &title)
     if (trimmed.isEmpty() || trimmed == m_own.title)
         return;
     m_own.title = trimmed;
-    qInfo().noquote() << QStringLiteral("Detected local user aircraft container title: %1").arg(trimmed);
+    qInfo().noquote() << QStringLiteral("Detected local user aircraft container title: %1").arg(excerpt(trimmed));
 }
 
 void MsfsAdapter::onProfile(MsfsRuntimeProfile profile)

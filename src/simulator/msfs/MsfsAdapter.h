@@ -7,6 +7,8 @@
 #include "simulator/msfs/simvar/MsfsRuntimeProfile.h"
 #include "simulator/msfs/simvar/SimKey.h"
 
+#include <QTimer>
+
 #include <memory>
 
 namespace tarvo {
@@ -84,6 +86,8 @@ private:
     void connectMachine();
     void connectTraffic();
     void openSession();
+    template <class Tell>
+    void tellEnd(Tell tell);
     void onSessionConnected();
     void onSessionDisconnected();
     void onSessionError(SimConnectError error, const QString &message);
@@ -100,7 +104,9 @@ private:
     ConnectionStateMachine m_machine;
     std::unique_ptr<MsfsTraffic> m_traffic;
     OwnAircraft m_own; ///< as last told
+    QTimer m_opening;  ///< anew, in the next turn
     bool m_reconnectPending = false;
+    bool m_isEnding = false; ///< the end of an attempt is being told
 };
 
 } // namespace tarvo::simulator::msfs

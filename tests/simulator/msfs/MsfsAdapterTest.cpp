@@ -125,6 +125,55 @@ private slots:
         QVERIFY(!stage.log.contains(QStringLiteral("already connected")));
     }
 
+    void askedTwiceItFailsOnce()
+    {
+        MsfsStage stage;
+        stage.connectSimulator();
+        stage.wire().failAlways(QStringLiteral("Open"));
+        stage.adapter->reconnectSimulator();
+        stage.adapter->reconnectSimulator();
+        QCoreApplication::processEvents();
+        QCOMPARE(stage.failures.size(), 1);
+    }
+
+    void whoHearsOfTheEndMayAskForALink_data()
+    {
+        QTest::addColumn<int>("which"); // of the two times that it is told
+        QTest::newRow("when it is told") << 1;
+        QTest::newRow("when it is told again") << 2;
+    }
+    void whoHearsOfTheEndMayAskForALink()
+    {
+        QFETCH(int, which);
+        MsfsStage stage;
+        stage.connectSimulator();
+        connect(stage.adapter.get(), &MsfsAdapter::simConnectionStateChanged, this, [&stage, which](bool up) {
+            if (!up && stage.links.size() == which)
+                stage.adapter->reconnectSimulator();
+        });
+        stage.simulator.quit();
+        stage.simulator.start();
+        TRY_COMPARE(stage.calls("Open").size(), 1);
+        stage.simulator.frame();
+        TRY_VERIFY(stage.links.endsWith(true));
+        QCOMPARE(stage.failures, QStringList());
+        QVERIFY(!stage.log.contains(QStringLiteral("Cannot request connect")));
+    }
+
+    void whoHearsOfAFailureMayAskForALink()
+    {
+        MsfsStage stage;
+        stage.wire().failNext(QStringLiteral("Open"), 2);
+        connect(stage.adapter.get(), &MsfsAdapter::simConnectionFailed, stage.adapter.get(),
+                &MsfsAdapter::reconnectSimulator);
+        stage.adapter->reconnectSimulator();
+        QCOMPARE(stage.failures.size(), 1); // the next attempt is made in a later turn
+        TRY_COMPARE(stage.failures.size(), 2);
+        TRY_COMPARE(stage.calls("Open").size(), 3);
+        stage.simulator.frame();
+        TRY_VERIFY(stage.links.endsWith(true));
+    }
+
     void survivesTheSimulatorsEnd()
     {
         MsfsStage stage;
@@ -331,7 +380,7 @@ private slots:
     void remembersTheTitle()
     {
         MsfsStage stage;
-        stage.simulator.setUserAircraft("Practice C172 ", "N1");
+        stage.simulator.setUserAircraft("Practice\nC172 ", "N1");
         stage.connectSimulator();
         const QString line = QStringLiteral("Detected local user aircraft container title: Practice C172");
         TRY_VERIFY(stage.log.contains(line));
