@@ -57,6 +57,7 @@ void preferPeerHint(ModelChoice &choice, const MsfsAircraftLibrary &library, Msf
     }
     choice.match.runtime = entry->runtime;
     choice.match.entry = *entry;
+    choice.match.fallback = false; // of the match that it replaces
     choice.strategy = QStringLiteral("peer_hint");
     choice.fromPeerHint = true;
 }
@@ -83,6 +84,7 @@ QString liveryFor(const MsfsModelMatch &match, const RemoteAircraft &aircraft)
     return livery.isEmpty() ? aircraft.livery : livery;
 }
 
+/// Not the livery asked for, on purpose: a new text alone doesn't make his aircraft vanish and come again.
 bool isSameDecision(const MsfsRemoteState &before, const ModelChoice &choice, const RemoteAircraft &aircraft)
 {
     const MsfsModelMatch &old = before.match;

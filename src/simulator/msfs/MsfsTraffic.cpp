@@ -15,6 +15,8 @@
 
 #include <QDebug>
 
+#include <utility>
+
 namespace tarvo::simulator::msfs {
 
 using common::onOneLine;
@@ -82,8 +84,8 @@ quint32 MsfsTraffic::takeRequestId()
 void MsfsTraffic::add(const RemoteAircraft &aircraft)
 {
     const QString callsign = aircraft.callsign;
-    track(aircraft);
-    spawn(callsign);
+    if (!track(aircraft))
+        spawn(callsign);
 }
 
 void MsfsTraffic::update(const RemoteAircraft &aircraft)
@@ -103,10 +105,11 @@ void MsfsTraffic::remove(const QString &callsign, const QString &reason)
 {
     if (!reason.isEmpty())
         logInfo(QStringLiteral("Removing MSFS remote aircraft %1: %2").arg(callsign, reason));
-    const MsfsRemoteState gone = m_states.take(callsign);
+    const QString leaver = callsign; // of a record that may go with him
+    const MsfsRemoteState gone = m_states.take(leaver);
     if (gone.objectId != 0)
         m_session.removeRemoteAircraft(gone.objectId, takeRequestId());
-    emit removed(gone.remote.callsign.isEmpty() ? callsign : gone.remote.callsign);
+    emit removed(leaver);
 }
 
 void MsfsTraffic::removeAll()
@@ -120,7 +123,8 @@ void MsfsTraffic::removeAll()
 
 // --- which model ---
 
-void MsfsTraffic::track(const RemoteAircraft &aircraft)
+/// True when it has chosen another model, and asked for an object of it. To ask again would only be refused again.
+bool MsfsTraffic::track(const RemoteAircraft &aircraft)
 {
     if (!m_models.isReady()) {
         m_library.load();
@@ -128,17 +132,19 @@ void MsfsTraffic::track(const RemoteAircraft &aircraft)
     }
     if (!m_models.isReady()) { // a small library may be done by now, and then nobody would ask again
         remember(aircraft);
-        return;
+        return false;
     }
     const ModelChoice choice = chooseModel(m_models, m_profile, aircraft);
     const MsfsRemoteState *before = find(aircraft.callsign);
     const bool same = before && isSameDecision(*before, choice, aircraft);
     store(aircraft, choice);
     if (same)
-        return;
+        return false;
+    const QString callsign = aircraft.callsign; // of a record that may go meanwhile
     tellDecision(aircraft, choice);
-    letGo(aircraft.callsign);
-    spawn(aircraft.callsign);
+    letGo(callsign);
+    spawn(callsign);
+    return true;
 }
 
 /// A pilot whose model is chosen later.
@@ -277,6 +283,9 @@ void MsfsTraffic::onCreated(quint32 requestId, quint32 objectId, const model::Us
     const MsfsRemoteState created = *state;
     sendPosition(callsign); // he has moved since it was asked for
     applyVisuals(callsign);
+    state = find(callsign);
+    if (!state || state->objectId != objectId) // gone over a failure of these
+        return;
     logSpawn(created, own);
     emit added(callsign);
 }

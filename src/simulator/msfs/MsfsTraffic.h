@@ -48,7 +48,8 @@ public:
     void move(const model::RemoteAircraft &aircraft, const model::AircraftVisualState &state,
               const model::VelocityVector &velocity);
 
-    /// Whatever is known of the simulator; chooses no model anew.
+    /// Whatever is known of the simulator. Chooses no model anew: with the link gone each pilot keeps the one he has,
+    /// and rematchAll() follows when it is back.
     void setProfile(MsfsRuntimeProfile profile) { m_profile = profile; }
     MsfsRuntimeProfile profile() const { return m_profile; }
     /// Chooses every model anew; one that stays the same keeps its object.
@@ -71,7 +72,7 @@ signals:
     void mappingStatusChanged(const QString &status);
 
 private:
-    void track(const model::RemoteAircraft &aircraft);
+    bool track(const model::RemoteAircraft &aircraft);
     void remember(const model::RemoteAircraft &aircraft);
     void store(const model::RemoteAircraft &aircraft, const ModelChoice &choice);
     void tellDecision(const model::RemoteAircraft &aircraft, const ModelChoice &choice);

@@ -129,8 +129,22 @@ private slots:
         stage.wire().failNext(QStringLiteral("AICreateNonATCAircraft"));
         stage.adapter->addAircraft(MsfsStage::remote("CSN2"));
         QCOMPARE(stage.log.startingWith(QStringLiteral("Releasing pending")).size(), 2);
+        QCOMPARE(stage.calls("AICreate").size(), 2); // nobody asks twice
         QVERIFY(stage.simulator.assignPending());
         TRY_COMPARE(stage.log.startingWith(stale).size(), 1);
+    }
+
+    void whoIsTakenAwayOverAFailureIsNotAdded()
+    {
+        FlyingStage stage(Answering::Mode::Never);
+        stage.adapter->addAircraft(MsfsStage::remote("CSN1"));
+        stage.wire().failNext(QStringLiteral("SetDataOnSimObject"));
+        connect(stage.adapter.get(), &MsfsAdapter::simConnectionFailed, this,
+                [&stage] { stage.adapter->removeAircraft(MsfsStage::remote("CSN1"), {}); });
+        QVERIFY(stage.simulator.assignPending());
+        TRY_COMPARE(stage.removed, QStringList{csn1});
+        stage.settle();
+        QCOMPARE(stage.added, QStringList());
     }
 
     void aFailureLeavesTheLiveAlone()

@@ -50,13 +50,20 @@ QString valueOf(QByteArrayView line)
     return {};
 }
 
+QStringList cleanForeignPaths(QStringList paths)
+{
+    for (QString &path : paths)
+        path = cleanForeignPath(path);
+    return paths;
+}
+
 MsfsInstallConfig configuredInstall(const ConfiguredFolders &folders)
 {
     return {.runtime = folders.runtime,
             .label = QStringLiteral("config override"),
             .packagesPath = cleanForeignPath(folders.packagesPath),
             .communityPath = cleanForeignPath(folders.communityPath),
-            .extraMappingPaths = AppConfig::existingPaths(folders.mappingPaths)};
+            .extraMappingPaths = AppConfig::existingPaths(cleanForeignPaths(folders.mappingPaths))};
 }
 
 bool isEmpty(const MsfsInstallConfig &config)

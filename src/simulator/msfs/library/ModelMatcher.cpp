@@ -210,13 +210,8 @@ bool isOfType(const MsfsAircraftEntry &entry, const ModelQuery &query)
 
 std::optional<MsfsAircraftEntry> findTitle(const ModelTables &tables, MsfsRuntimeProfile profile, const QString &title)
 {
-    const std::string key = normalizeKey(title);
-    const MsfsAircraftEntry *found = nullptr;
-    tables.forEachCandidate(profile, [&](const Model &model, const Outline &) {
-        if (!found && model.title.key() == key)
-            found = &model.entry;
-    });
-    return found ? std::optional(*found) : std::nullopt;
+    const Model *model = tables.withTitle(profile, normalizeKey(title));
+    return model ? std::optional(model->entry) : std::nullopt;
 }
 
 } // namespace tarvo::simulator::msfs

@@ -26,7 +26,7 @@ MsfsModelMatch findModel(const ModelTables &tables, const ModelQuery &query);
 /// Whether the entry is of the query's type or of its family; its other fields don't count.
 bool isOfType(const MsfsAircraftEntry &entry, const ModelQuery &query);
 
-/// The first model whose title has the key of `title`.
+/// The first model whose title has the key of `title`; none for a key without a sign.
 std::optional<MsfsAircraftEntry> findTitle(const ModelTables &tables, MsfsRuntimeProfile profile, const QString &title);
 
 } // namespace tarvo::simulator::msfs

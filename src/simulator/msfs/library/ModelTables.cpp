@@ -56,7 +56,21 @@ ModelOutline::ModelOutline(const SearchableModel &model)
 void ModelTables::append(MsfsAircraftEntry entry)
 {
     Table &table = m_byRuntime[static_cast<std::size_t>(entry.runtime)];
-    table.outlines.emplace_back(table.models.emplace_back(std::move(entry)));
+    const SearchableModel &model = table.models.emplace_back(std::move(entry));
+    table.outlines.emplace_back(model);
+    table.titles.emplace(std::string(model.title.key()), table.models.size() - 1); // nothing when an earlier one has it
+}
+
+const SearchableModel *ModelTables::withTitle(MsfsRuntimeProfile profile, const std::string &key) const
+{
+    if (key.empty())
+        return nullptr;
+    for (std::size_t runtime = 0; runtime < m_byRuntime.size(); ++runtime) {
+        const Table &table = m_byRuntime[runtime];
+        if (const auto found = table.titles.find(key); serves(runtime, profile) && found != table.titles.end())
+            return &table.models[found->second];
+    }
+    return nullptr;
 }
 
 qsizetype ModelTables::count(MsfsRuntimeProfile runtime) const

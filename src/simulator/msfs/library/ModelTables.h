@@ -4,6 +4,8 @@
 #include "simulator/msfs/library/SearchText.h"
 
 #include <array>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace tarvo::simulator::msfs {
@@ -61,13 +63,17 @@ public:
     void append(MsfsAircraftEntry entry);
     qsizetype count(MsfsRuntimeProfile runtime) const;
 
+    /// The first one that may serve `profile` and whose title has this key; null without one. An empty key, such as
+    /// that of a title in Chinese alone, is nobody's.
+    const SearchableModel *withTitle(MsfsRuntimeProfile profile, const std::string &key) const;
+
     /// Tells `visit` every model that may serve `profile`, and its outline: those of that simulator; for Unknown all,
     /// 2020's first.
     template <typename Visit>
     void forEachCandidate(MsfsRuntimeProfile profile, Visit visit) const
     {
         for (std::size_t runtime = 0; runtime < m_byRuntime.size(); ++runtime) {
-            if (profile != MsfsRuntimeProfile::Unknown && runtime != static_cast<std::size_t>(profile))
+            if (!serves(runtime, profile))
                 continue;
             const Table &table = m_byRuntime[runtime];
             for (std::size_t at = 0; at < table.models.size(); ++at)
@@ -79,8 +85,14 @@ private:
     struct Table
     {
         std::vector<SearchableModel> models;
-        std::vector<ModelOutline> outlines; ///< one for each model
+        std::vector<ModelOutline> outlines;                  ///< one for each model
+        std::unordered_map<std::string, std::size_t> titles; ///< the first model with a title's key
     };
+
+    static bool serves(std::size_t runtime, MsfsRuntimeProfile profile)
+    {
+        return profile == MsfsRuntimeProfile::Unknown || runtime == static_cast<std::size_t>(profile);
+    }
 
     std::array<Table, 3> m_byRuntime; ///< by the profile's number
 };

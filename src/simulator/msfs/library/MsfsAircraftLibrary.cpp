@@ -202,8 +202,10 @@ MsfsModelMatch MsfsAircraftLibrary::match(MsfsRuntimeProfile profile, const QStr
                 .normalizedAirline = query.airline,
                 .normalizedLivery = query.livery};
     }
-    const QString key = QStringLiteral("%1|%2|%3|%4")
-                            .arg(QString::number(static_cast<int>(profile)), query.type, query.airline, query.livery);
+    // With their lengths: other pilots choose these texts, and a "|" of theirs is not to pass for ours.
+    const QString key = QStringLiteral("%1|%2|%3|%4|%5|%6")
+                            .arg(QString::number(static_cast<int>(profile)), QString::number(query.type.size()),
+                                 QString::number(query.airline.size()), query.type, query.airline, query.livery);
     if (const auto known = m_matches.constFind(key); known != m_matches.cend())
         return *known;
     if (m_matches.size() >= mostMatches)

@@ -151,6 +151,7 @@ private slots:
         QTest::newRow("mapping that is there") << 2 << true;
         QTest::newRow("mapping that is away") << 3 << false;
         QTest::newRow("blanks") << 4 << false;
+        QTest::newRow("mapping with Windows' separators") << 5 << true;
     }
     void eachKeyOverrides()
     {
@@ -166,6 +167,8 @@ private slots:
             folders.communityPath = QStringLiteral("/gone");
         else if (key == 4)
             folders.packagesPath = folders.communityPath = QStringLiteral("  ");
+        else if (key == 5)
+            folders.mappingPaths = {tree.path().replace(u'/', u'\\')};
         else
             folders.mappingPaths = {key == 2 ? tree.path() : QStringLiteral("/gone")};
         const QList<MsfsInstallConfig> configs = discoverInstallConfigs(places);

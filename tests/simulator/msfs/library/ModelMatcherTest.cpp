@@ -336,14 +336,17 @@ private slots:
         row("only a part", of2020, "Airbus", "");
         row("of the other simulator", of2024, "Airbus A320", "");
         row("of any simulator", ofBoth, "newer", "newer");
+        row("without a sign", of2020, " - ", "");
+        row("in Chinese alone", of2020, "波音", "");
     }
     void aTitleIsFound()
     {
         QFETCH(MsfsRuntimeProfile, profile);
         QFETCH(QString, hint);
         QFETCH(QString, title);
-        const ModelTables tables = tablesOf({titled("Airbus A320", of2020), titled("Cessna", of2020),
-                                             titled("CES SNA", of2020), titled("newer", of2024)});
+        const ModelTables tables =
+            tablesOf({titled("Airbus A320", of2020), titled("Cessna", of2020), titled("CES SNA", of2020),
+                      titled("空客", of2020), titled("newer", of2024)});
         const std::optional<MsfsAircraftEntry> found = findTitle(tables, profile, hint);
         QCOMPARE(found ? found->title : QString(), title);
     }

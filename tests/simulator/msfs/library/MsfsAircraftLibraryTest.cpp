@@ -189,6 +189,15 @@ private slots:
                     .normalizedAirline.isSharedWith(nothing.normalizedAirline));
     }
 
+    /// Other pilots choose the texts.
+    void aBarInATextIsNoBarOfTheCache()
+    {
+        MsfsAircraftLibrary &library = m_stage->readyLibrary();
+        library.match(theOld, QStringLiteral("A320"), QStringLiteral("CCA"), QStringLiteral("X|"));
+        QCOMPARE(library.match(theOld, QStringLiteral("A320"), QStringLiteral("CCA|X"), {}).normalizedAirline,
+                 QStringLiteral("CCA|X"));
+    }
+
     void theCacheDoesNotGrowWithoutEnd()
     {
         m_stage->addModel(theOld, QStringLiteral("A"), "A320");
