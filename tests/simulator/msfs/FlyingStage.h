@@ -6,6 +6,10 @@
 
 namespace tarvo::test {
 
+inline const QString csn1 = QStringLiteral("CSN1");
+/// Begins the line about an object that comes for nobody.
+inline const QString staleAssignment = QStringLiteral("Received stale remote aircraft assignment:");
+
 /// Connected, with two liveries of an A320 and the library scanned.
 class FlyingStage : public MsfsStage
 {
