@@ -105,11 +105,10 @@ void MsfsTraffic::remove(const QString &callsign, const QString &reason)
 {
     if (!reason.isEmpty())
         logInfo(QStringLiteral("Removing MSFS remote aircraft %1: %2").arg(callsign, reason));
-    const QString leaver = callsign; // of a record that may go with him
-    const MsfsRemoteState gone = m_states.take(leaver);
+    const MsfsRemoteState gone = m_states.take(callsign);
     if (gone.objectId != 0)
         m_session.removeRemoteAircraft(gone.objectId, takeRequestId());
-    emit removed(leaver);
+    emit removed(callsign);
 }
 
 void MsfsTraffic::removeAll()
