@@ -29,6 +29,7 @@ void VoiceFeed::giveDevices(AudioHandler *audio)
     connect(&m_devices, &AudioDevice::inputDeviceChanged, audio, &AudioHandler::setInputDevice);
     connect(&m_devices, &AudioDevice::outputHeadphoneDeviceChanged, audio, &AudioHandler::setHeadphoneDevice);
     connect(&m_devices, &AudioDevice::outputSpeakerDeviceChanged, audio, &AudioHandler::setSpeakerDevice);
+    connect(audio, &AudioHandler::devicesChanged, &m_devices, &AudioDevice::reload);
     if (m_devices.isLoaded()) {
         m_devices.announceChosen();
     } else {

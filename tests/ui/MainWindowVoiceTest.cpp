@@ -1,7 +1,10 @@
 #include "model/RadioStackState.h"
+#include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/MainStage.h"
 #include "voice/client/VoiceClient.h"
+#include "voice/engine/AudioHandler.h"
 
 #include <QGuiApplication>
 #include <QObject>
@@ -12,8 +15,11 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <optional>
+
 using namespace tarvo;
 using test::headingFor;
+using test::LogCapture;
 using test::MainStage;
 
 /// Voice in the main window, and its small window.
@@ -45,6 +51,18 @@ private slots:
         emit stage.network->disableVoiceTransmit();
         QVERIFY(!stage.window.voice().pttActive());
         QCOMPARE(stage.window.voice().eventLog().size(), 1);
+    }
+
+    void theEngineGetsTheDevicesOfALateSoundServer()
+    {
+        MainStage stage;
+        const QString asked = u"No input device selected and no default device found"_qs;
+        std::optional<LogCapture> log(std::in_place);
+        voice::AudioHandler *audio = stage.network->voiceClient().audioHandler();
+        TRY_VERIFY(log->contains(asked));
+        log.emplace();
+        emit audio->devicesChanged();
+        TRY_VERIFY(log->contains(asked));
     }
 
     void theSmallWindowIsFedWhileTheMainOneIsMinimised()

@@ -41,12 +41,14 @@ void AudioDevice::Direction::choose(int listIndex)
 {
     index = listIndex;
     name = names().at(listIndex);
+    wanted = name;
 }
 
-void AudioDevice::Direction::chooseByName(const QString &wanted)
+void AudioDevice::Direction::chooseWanted()
 {
     const qsizetype found = names().indexOf(wanted, 1); // a device may be called "Default", too
-    choose(static_cast<int>(std::max<qsizetype>(found, 0)));
+    index = static_cast<int>(std::max<qsizetype>(found, 0));
+    name = names().at(index);
 }
 
 AudioDevice::AudioDevice(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent)
@@ -64,7 +66,18 @@ void AudioDevice::load()
     if (m_isLoaded || m_isLoading)
         return;
     m_lease = std::make_unique<SoundLease>(m_sound);
-    m_isLoading = m_sound->post([this, mailbox = m_mailbox] {
+    m_isLoading = read();
+}
+
+void AudioDevice::reload()
+{
+    if (m_isLoaded)
+        read();
+}
+
+bool AudioDevice::read()
+{
+    return m_sound->post([this, mailbox = m_mailbox] {
         const QList<HostApiInfo> drivers = getVoiceHostApis();
         const QList<DeviceInfo> devices = getVoiceDevices([](const DeviceInfo &) { return true; });
         mailbox->send([this, drivers, devices] { onRead(drivers, devices); });
@@ -73,21 +86,31 @@ void AudioDevice::load()
 
 void AudioDevice::onRead(const QList<HostApiInfo> &drivers, const QList<DeviceInfo> &devices)
 {
+    const bool isFirst = !m_isLoaded;
     m_driverList = drivers;
     m_devices = devices;
-    m_driverType = m_config.get(config::voiceDriver);
+    if (isFirst)
+        takeStoredChoice();
     const auto found = std::find_if(drivers.begin(), drivers.end(),
                                     [this](const HostApiInfo &driver) { return driver.type == m_driverType; });
     m_driverIndex = found == drivers.end() ? 0 : static_cast<int>(found - drivers.begin());
     rebuildLists();
-    m_input.chooseByName(m_config.get(config::voiceInputDevice));
-    m_headphone.chooseByName(m_config.get(config::voiceOutputHeadphoneDevice));
-    m_speaker.chooseByName(m_config.get(config::voiceOutputSpeakerDevice));
+    for (Direction *direction : {&m_input, &m_headphone, &m_speaker})
+        direction->chooseWanted();
     announceAll();
     m_isLoaded = true;
     for (const auto &step : std::exchange(m_postponed, {}))
         step();
-    emit loaded();
+    if (isFirst)
+        emit loaded();
+}
+
+void AudioDevice::takeStoredChoice()
+{
+    m_driverType = m_config.get(config::voiceDriver);
+    m_input.wanted = m_config.get(config::voiceInputDevice);
+    m_headphone.wanted = m_config.get(config::voiceOutputHeadphoneDevice);
+    m_speaker.wanted = m_config.get(config::voiceOutputSpeakerDevice);
 }
 
 void AudioDevice::rebuildLists()

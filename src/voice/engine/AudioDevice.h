@@ -35,6 +35,9 @@ public:
     /// Returns at once; the signals come when the sound system has answered. Nothing once loaded or loading.
     void load();
     bool isLoaded() const { return m_isLoaded; }
+    /// PortAudio has searched again: reads what it offers now, and announces it with the same choice, as far as that is
+    /// there. Nothing before the load.
+    void reload();
 
     // What is chosen before the devices are loaded is done after that. An index that isn't in the list is ignored.
     /// Offers the devices of another driver, and chooses its defaults.
@@ -81,7 +84,7 @@ signals:
     void inputDeviceChanged(int deviceIndex);
     void outputHeadphoneDeviceChanged(int deviceIndex);
     void outputSpeakerDeviceChanged(int deviceIndex);
-    /// Behind all that the load has raised.
+    /// Behind all that the load has raised; once.
     void loaded();
 
 private:
@@ -91,15 +94,18 @@ private:
     struct Direction
     {
         QList<DeviceInfo> list;
+        QString wanted; ///< the name of the pilot's, which may not be there
         QString name;
         int index = -1;
 
         int deviceId() const;
         QStringList names() const;
         void choose(int listIndex);
-        void chooseByName(const QString &wanted);
+        void chooseWanted();
     };
 
+    bool read();
+    void takeStoredChoice();
     void rebuildLists();
     void announceAll();
     void set(Direction AudioDevice::*direction, DeviceSignal changed, int listIndex);

@@ -72,6 +72,7 @@ AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound
         connect(stream, &MixedOutputAudioStream::outputVolumeChanged, this, &AudioHandler::outputVolumeChanged);
     connect(&m_config, &AppConfig::configChanged, this, &AudioHandler::onConfigChanged);
     connect(&m_devices, &DeviceWishes::happened, this, &AudioHandler::deviceEvent);
+    connect(&m_devices, &DeviceWishes::devicesChanged, this, &AudioHandler::devicesChanged);
     m_conflictTimer.setObjectName(QStringLiteral("conflict"));
     m_conflictTimer.setTimerType(Qt::PreciseTimer);
     m_conflictTimer.setInterval(frameTime);

@@ -83,6 +83,8 @@ signals:
     void inputVolumeChanged(tarvo::common::VolumeInfo volume);
     void outputVolumeChanged(tarvo::common::VolumeInfo volume);
     void deviceEvent(tarvo::voice::DeviceEvent event, const std::vector<tarvo::voice::StreamRole> &roles);
+    /// The sound system offers others than before: the pilot's have to be set again.
+    void devicesChanged();
 
 private:
     struct Setting;

@@ -1,7 +1,5 @@
 #include "voice/engine/DeviceStreams.h"
 
-#include "voice/engine/SoundSystem.h"
-
 #include <QDebug>
 
 #include <algorithm>
@@ -30,6 +28,11 @@ const Words &wordsOf(StreamRole role)
 }
 
 constexpr StreamRole roles[] = {StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker};
+
+QList<DeviceInfo> offeredDevices()
+{
+    return getVoiceDevices([](const DeviceInfo &) { return true; });
+}
 
 int defaultDevice(StreamRole role)
 {
@@ -69,9 +72,11 @@ void DeviceStreams::connect(StreamRole role, Make make, std::function<void()> cl
     at(role).closed = std::move(closed);
 }
 
-StreamsReport DeviceStreams::fulfil(const Wishes &wishes, bool opens)
+StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
 {
     StreamsReport report;
+    if (!m_offered)
+        m_offered = offeredDevices();
     for (const StreamRole role : roles) {
         if (settle(role, wishes[static_cast<std::size_t>(role)]))
             report.ended.push_back(role);
@@ -79,12 +84,31 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, bool opens)
     const auto isMissing = [&](StreamRole role) {
         return wishes[static_cast<std::size_t>(role)].isOpen && !at(role).stream;
     };
-    if (opens && std::any_of(std::begin(roles), std::end(roles), isMissing))
+    const bool opens = opening != Opening::None && std::any_of(std::begin(roles), std::end(roles), isMissing);
+    report.haveDevicesChanged = opens && opening == Opening::Again && !anyRuns() && hasFoundOthers();
+    if (opens && !report.haveDevicesChanged)
         openWanted(wishes);
     std::copy_if(std::begin(roles), std::end(roles), std::back_inserter(report.missing), isMissing);
-    report.anyRuns =
-        std::any_of(m_streams.begin(), m_streams.end(), [](const One &one) { return one.stream != nullptr; });
+    report.anyRuns = anyRuns();
     return report;
+}
+
+bool DeviceStreams::anyRuns() const
+{
+    return std::any_of(m_streams.begin(), m_streams.end(), [](const One &one) { return one.stream != nullptr; });
+}
+
+/// Searches for devices. Those of a sound server that is gone are still known when they come back.
+bool DeviceStreams::hasFoundOthers()
+{
+    if (isAnySoundLeftBehind())
+        return false;
+    searchSoundAgain();
+    const QList<DeviceInfo> found = offeredDevices();
+    if (found.isEmpty() || found == m_offered)
+        return false;
+    m_offered = found;
+    return true;
 }
 
 /// Takes the choice of a device, and closes what is not wanted or not like this. True when the stream was wanted on and

@@ -2,6 +2,7 @@
 
 #include "voice/codec/AudioStreamConfig.h"
 #include "voice/engine/SoundStream.h"
+#include "voice/engine/SoundSystem.h"
 #include "voice/engine/StreamRole.h"
 
 #include <array>
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace tarvo::voice {
-
-struct DeviceInfo;
 
 /// How a device of 20 ms buffers is opened: at its own rate, with one or two channels.
 AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role);
@@ -30,6 +29,15 @@ struct StreamsReport
     std::vector<StreamRole> ended;   ///< those that had ended by themselves
     std::vector<StreamRole> missing; ///< those that should run and don't
     bool anyRuns = false;
+    bool haveDevicesChanged = false; ///< PortAudio's indices are no longer what they were
+};
+
+/// What is done for streams that should run and don't.
+enum class Opening
+{
+    None,
+    Wanted, ///< they are opened
+    Again,  ///< the same; if none runs PortAudio searches for devices before that
 };
 
 /// The engine's three streams as the SoundThread sees them, where all members but connect() are called: each one's
@@ -55,9 +63,10 @@ public:
     /// Before all else: what a stream is to play or capture, and what is called when one that ran has been closed.
     void connect(StreamRole role, Make make, std::function<void()> closed);
 
-    /// Closes what is not wanted, and what has ended. With `opens` it also opens what is missing. A stream goes on with
-    /// a device that was chosen for it; when there is no such device the log tells, and it keeps the one it has.
-    StreamsReport fulfil(const Wishes &wishes, bool opens);
+    /// Closes what is not wanted, and what has ended, and opens what is missing as it is told. A stream goes on with
+    /// a device that was chosen for it; when there is no such device the log tells, and it keeps the one it has. When
+    /// the devices have changed nothing is opened: they are to be chosen again.
+    StreamsReport fulfil(const Wishes &wishes, Opening opening);
 
 private:
     struct One
@@ -74,11 +83,14 @@ private:
     One &at(StreamRole role) { return m_streams[static_cast<std::size_t>(role)]; }
     bool settle(StreamRole role, const StreamWish &wish);
     bool choose(StreamRole role, int device);
+    bool anyRuns() const;
+    bool hasFoundOthers();
     void openWanted(const Wishes &wishes);
 
     const OpenSound m_open;
     const std::function<void()> m_ended;
     std::array<One, 3> m_streams;
+    std::optional<QList<DeviceInfo>> m_offered; ///< by PortAudio, when it last had any
 };
 
 } // namespace tarvo::voice

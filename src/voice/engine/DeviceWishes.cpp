@@ -42,7 +42,7 @@ DeviceWishes::DeviceWishes(std::shared_ptr<SoundThread> sound, OpenSound open, Q
 DeviceWishes::~DeviceWishes()
 {
     m_mailbox->close();
-    m_sound->post([streams = m_streams] { streams->fulfil({}, false); }); // before the lease ends
+    m_sound->post([streams = m_streams] { streams->fulfil({}, Opening::None); }); // before the lease ends
 }
 
 void DeviceWishes::stopWaiting()
@@ -77,8 +77,8 @@ void DeviceWishes::stop(const Roles &roles)
 void DeviceWishes::change()
 {
     m_retries.reset();
-    m_missing.clear(); // is told again
-    m_opens = true;
+    m_tellsAgain = true;
+    m_opening = Opening::Wanted;
     m_next.start(0);
 }
 
@@ -89,38 +89,40 @@ void DeviceWishes::work()
     if (m_isWorking || m_isWaiting)
         return;
     m_next.stop();
-    const bool opens = std::exchange(m_opens, false);
+    const Opening opening = std::exchange(m_opening, Opening::None);
     const Calls whenTried = std::exchange(m_whenTried, {});
     m_isWorking = m_sound->post([=, this, mailbox = m_mailbox, streams = m_streams, wishes = m_wishes] {
-        const StreamsReport report = streams->fulfil(wishes, opens);
-        mailbox->send([=, this] { onWorked(report, opens, whenTried); });
+        const StreamsReport report = streams->fulfil(wishes, opening);
+        mailbox->send([=, this] { onWorked(report, opening, whenTried); });
     });
     for (StreamWish &wish : m_wishes)
         wish.device.reset(); // it has been told
     if (!m_isWorking)
-        onWorked({}, opens, whenTried);
+        onWorked({}, opening, whenTried);
 }
 
-void DeviceWishes::onWorked(const StreamsReport &report, bool hasOpened, const Calls &whenTried)
+void DeviceWishes::onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried)
 {
     m_isWorking = false;
-    goOn(report, hasOpened);
+    goOn(report, opening);
     tell(report);
+    if (report.haveDevicesChanged)
+        emit devicesChanged();
     for (const std::function<void()> &call : whenTried)
         call();
 }
 
-void DeviceWishes::goOn(const StreamsReport &report, bool hasOpened)
+void DeviceWishes::goOn(const StreamsReport &report, Opening opening)
 {
     if (std::exchange(m_isBehind, false))
         m_next.start(0);
     if (m_next.isActive())
         return;
     const bool isWell = report.missing.empty();
-    if (isWell && !hasOpened)
+    if (isWell && opening == Opening::None)
         m_retries.reset(); // since the last look
     const std::optional<std::chrono::milliseconds> retry = isWell ? std::nullopt : m_retries.next(report.anyRuns);
-    m_opens = retry.has_value();
+    m_opening = retry ? Opening::Again : Opening::None;
     if (retry || report.anyRuns)
         m_next.start(retry.value_or(watchInterval));
 }
@@ -132,9 +134,10 @@ void DeviceWishes::tell(const StreamsReport &report)
     Roles known = std::exchange(m_missing, missing);
     const Roles ended = without(wanted(report.ended), known);
     known.insert(known.end(), ended.begin(), ended.end());
+    const Roles told = std::exchange(m_tellsAgain, false) ? ended : known;
     const std::pair<DeviceEvent, Roles> events[] = {{DeviceEvent::Ended, ended},
-                                                    {DeviceEvent::Failed, without(missing, known)},
-                                                    {DeviceEvent::Back, without(known, missing)}};
+                                                    {DeviceEvent::Failed, without(missing, told)},
+                                                    {DeviceEvent::Back, wanted(without(known, missing))}};
     for (const auto &[event, roles] : events) {
         if (!roles.empty())
             emit happened(event, roles);

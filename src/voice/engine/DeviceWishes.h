@@ -53,6 +53,8 @@ public:
 signals:
     /// Told once for each device that was asked for.
     void happened(tarvo::voice::DeviceEvent event, const std::vector<tarvo::voice::StreamRole> &roles);
+    /// PortAudio offers others than before: setDevice() has to name them again.
+    void devicesChanged();
 
 private:
     using Calls = std::vector<std::function<void()>>;
@@ -60,8 +62,8 @@ private:
     StreamWish &at(StreamRole role) { return m_wishes[static_cast<std::size_t>(role)]; }
     void change();
     void work();
-    void onWorked(const StreamsReport &report, bool hasOpened, const Calls &whenTried);
-    void goOn(const StreamsReport &report, bool hasOpened);
+    void onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried);
+    void goOn(const StreamsReport &report, Opening opening);
     void tell(const StreamsReport &report);
     Roles wanted(const Roles &roles);
 
@@ -72,12 +74,13 @@ private:
     DeviceStreams::Wishes m_wishes;
     Calls m_whenTried;
     bool m_isWaiting = false;
-    bool m_isWorking = false; ///< the sound thread does, or will
-    bool m_isBehind = false;  ///< there has been a reason to work since
-    bool m_opens = false;     ///< next time it opens what is missing
+    bool m_isWorking = false;          ///< the sound thread does, or will
+    bool m_isBehind = false;           ///< there has been a reason to work since
+    Opening m_opening = Opening::None; ///< next time
     QTimer m_next{this};
     RetryPace m_retries;
-    Roles m_missing; ///< which the pilot has been told
+    Roles m_missing;           ///< which the pilot has been told
+    bool m_tellsAgain = false; ///< also that; there is a new wish
 };
 
 } // namespace tarvo::voice

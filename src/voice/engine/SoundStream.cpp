@@ -179,6 +179,11 @@ void PortAudioStream::close()
 
 } // namespace
 
+bool isAnySoundLeftBehind()
+{
+    return leftBehind != nullptr;
+}
+
 std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig &config, SoundCalls sound)
 {
     auto calls = std::make_unique<Calls>(role, std::move(sound), config.channels);

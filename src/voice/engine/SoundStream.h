@@ -40,6 +40,9 @@ public:
 /// A way to open a stream. Null, and the log tells, when the device can't be opened.
 using OpenSound = std::function<std::unique_ptr<SoundStream>(StreamRole, const AudioStreamConfig &, SoundCalls)>;
 
+/// True once a stream was left behind: PortAudio must not be ended then, because it would wait for that one.
+bool isAnySoundLeftBehind();
+
 /// PortAudio's.
 std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig &config, SoundCalls calls);
 

@@ -4,11 +4,23 @@
 
 #include <portaudio.h>
 
+#include <atomic>
 #include <stdexcept>
 
 namespace tarvo::voice {
 
 namespace {
+
+/// Those who hold PortAudio. Counted here, because PortAudio searches for devices only when its own count begins anew.
+std::atomic<int> holders = 0;
+
+bool start()
+{
+    const PaError error = Pa_Initialize();
+    if (error != paNoError)
+        qWarning() << "Pa_Initialize failed:" << Pa_GetErrorText(error);
+    return error == paNoError;
+}
 
 HostApiInfo toRecord(int index, const PaHostApiInfo &info)
 {
@@ -32,15 +44,23 @@ SoundSession::~SoundSession()
 
 bool initializeSound()
 {
-    const PaError error = Pa_Initialize();
-    if (error != paNoError)
-        qWarning() << "Pa_Initialize failed:" << Pa_GetErrorText(error);
-    return error == paNoError;
+    const bool isUp = holders > 0 || start();
+    holders += isUp ? 1 : 0;
+    return isUp;
 }
 
 void terminateSound()
 {
+    if (--holders == 0)
+        Pa_Terminate();
+}
+
+void searchSoundAgain()
+{
+    if (holders == 0)
+        return;
     Pa_Terminate();
+    start(); // when that fails everything gives errors, until it is called again
 }
 
 QList<HostApiInfo> getVoiceHostApis()

@@ -51,6 +51,8 @@ private:
 bool initializeSound();
 /// Lets go of it; only after an initializeSound() that gave true.
 void terminateSound();
+/// Has PortAudio search for devices again: its indices mean others from now on. Only while no stream is open.
+void searchSoundAgain();
 
 // Each of these holds PortAudio itself; none fails but the last. Lists are in PortAudio's order.
 

@@ -1,6 +1,7 @@
 #include "voice/engine/AudioDevice.h"
 
 #include "AppConfig.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "voice/engine/SoundThread.h"
 
@@ -250,6 +251,46 @@ private slots:
         QCOMPARE(stage.said, listed({"list", "device", "input -1", "headphone 5", "speaker 5", "list", "device",
                                      "input 2", "headphone 0", "speaker 0", "device", "speaker 3"}));
         QCOMPARE(stage.device.driverType(), 8);
+    }
+
+    void newDevicesLeaveTheChoice_data()
+    {
+        QTest::addColumn<bool>("hasChosen");
+        QTest::newRow("as stored") << false;
+        QTest::newRow("as chosen since") << true;
+    }
+
+    void newDevicesLeaveTheChoice()
+    {
+        QFETCH(bool, hasChosen);
+        DeviceStage stage;
+        stage.config.set(config::voiceDriver, 8);
+        stage.config.set(config::voiceInputDevice, QStringLiteral("both"));
+        int loads = 0;
+        QObject::connect(&stage.device, &AudioDevice::loaded, &stage.device, [&loads] { ++loads; });
+        stage.device.onRead(someDrivers, hasChosen ? someDevices : QList<DeviceInfo>());
+        if (hasChosen)
+            stage.device.setInput(1);
+        stage.device.onRead(someDrivers, {}); // a sound server that goes, and comes back
+        QCOMPARE(stage.device.inputName(), QStringLiteral("Default"));
+        stage.said.clear();
+        stage.device.onRead(someDrivers, someDevices);
+        const QString said = hasChosen ? QStringLiteral("input 2") : QStringLiteral("input 3");
+        QCOMPARE(stage.said, (QStringList{QStringLiteral("list"), QStringLiteral("device"), said,
+                                          QStringLiteral("headphone 0"), QStringLiteral("speaker 0")}));
+        QCOMPARE(stage.device.inputName(), hasChosen ? QStringLiteral("in") : QStringLiteral("both"));
+        QCOMPARE(loads, 1);
+    }
+
+    void newDevicesAreNotReadBeforeTheLoad()
+    {
+        DeviceStage stage;
+        stage.device.reload();
+        QVERIFY(stage.sound->waitUntilIdle(std::chrono::milliseconds(0)));
+        stage.device.onRead(someDrivers, {});
+        stage.said.clear();
+        stage.device.reload();
+        TRY_VERIFY(!stage.said.isEmpty());
     }
 };
 

@@ -4,6 +4,8 @@
 #include "support/MainThreadWatch.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
+#include "voice/engine/AudioDevice.h"
+#include "voice/sound/Hearing.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -34,6 +36,42 @@ class SoundServerTroubleTest : public QObject
     Q_OBJECT
 
 private slots:
+    // First: where another test has left a stream behind PortAudio can't search for devices any more.
+    void serverThatComesLate()
+    {
+        SoundServer &server = soundServer();
+        server.kill();
+        const QTemporaryDir folder;
+        tarvo::AppConfig config(folder.path());
+        config.set(tarvo::config::voiceOutputSpeakerDevice, QStringLiteral("spk_b"));
+        const auto sound = std::make_shared<SoundThread>();
+        AudioDevice devices(config, sound);
+        AudioHandler audio(config, sound);
+        std::vector<DeviceEvent> events;
+        QObject::connect(&audio, &AudioHandler::deviceEvent, &audio,
+                         [&](DeviceEvent event) { events.push_back(event); });
+        QObject::connect(&devices, &AudioDevice::inputDeviceChanged, &audio, &AudioHandler::setInputDevice);
+        QObject::connect(&devices, &AudioDevice::outputHeadphoneDeviceChanged, &audio,
+                         &AudioHandler::setHeadphoneDevice);
+        QObject::connect(&devices, &AudioDevice::outputSpeakerDeviceChanged, &audio, &AudioHandler::setSpeakerDevice);
+        QObject::connect(&audio, &AudioHandler::devicesChanged, &devices, &AudioDevice::reload);
+        devices.load();
+        TRY_VERIFY(devices.isLoaded());
+        QCOMPARE(devices.headphoneNames(), QStringList{QStringLiteral("Default")});
+        audio.startAll();
+        TRY_COMPARE(events, std::vector{DeviceEvent::Failed});
+        QVERIFY(server.start());
+        TRY_COMPARE(events, (std::vector{DeviceEvent::Failed, DeviceEvent::Back}));
+        QVERIFY(devices.inputNames().contains(QStringLiteral("mic_a")));
+        QCOMPARE(devices.speakerName(), QStringLiteral("spk_b"));
+        SoundRecorder recorder(server, "spk_b");
+        TRY_VERIFY(!recorder.samples().empty());
+        config.set(tarvo::config::voiceConflictPlayDevice, 1);
+        for (int i = 0; i < 10; ++i)
+            audio.playVoice({.receive = true}, {}, true);
+        QVERIFY(hears(recorder, 44100.0 / 150, 0.27));
+    }
+
     void deviceThatIsGone()
     {
         SoundStage stage;
