@@ -131,6 +131,49 @@ private slots:
         QCOMPARE(mixed(mixer), quiet);
     }
 
+    /// A sound device that misses its turn, and frames that come late together, make what follows late; no more than
+    /// the queue is long, and no longer than until the speaker takes breath.
+    void delayGrowsToTheQueueAndEndsWithThePause_data()
+    {
+        QTest::addColumn<int>("late"); // frames of 20 ms
+        QTest::addColumn<bool>("device");
+        QTest::addColumn<int>("delayMs");
+        QTest::newRow("never late") << 0 << false << 0;
+        QTest::newRow("one frame") << 1 << false << 20;
+        QTest::newRow("ten frames together") << 10 << false << 200;
+        QTest::newRow("two seconds together") << 100 << false << 620;
+        QTest::newRow("device, one buffer") << 1 << true << 20;
+        QTest::newRow("device, two seconds") << 100 << true << 620;
+    }
+
+    void delayGrowsToTheQueueAndEndsWithThePause()
+    {
+        QFETCH(int, late);
+        QFETCH(bool, device);
+        constexpr int trouble = 10; // frames after the beginning
+        OutputMixer mixer(1);
+        mixer.addChannel(0);
+        int sent = 0;
+        int heard = 0; // the number of the frame that was heard last
+        // 20 ms: what has been said by then comes in, and the device takes its next buffer.
+        const auto pass = [&](int now, bool arrives, bool plays) {
+            while (arrives && sent <= now)
+                mixer.pushVoice(0, Frame{static_cast<float>(sent++ + 1) / 1000});
+            if (plays)
+                heard = static_cast<int>(std::lround(std::atanh(mixed(mixer, 1).front()) * 1000)) - 1;
+        };
+        int now = 0;
+        for (; now < 300; ++now) {
+            const bool isWell = now < trouble || now >= trouble + late;
+            pass(now, isWell || device, isWell || !device);
+        }
+        QTEST((now - 1 - heard) * 20, "delayMs");
+        for (int pause = 0; pause < 32; ++pause)
+            pass(now, false, true);
+        pass(now, true, true);
+        QCOMPARE(heard, now);
+    }
+
     void removedChannelIsSilentAndForgets()
     {
         OutputMixer mixer(2);
