@@ -5,6 +5,7 @@
 #include "AppConfig.h"
 #include "support/SoundServer.h"
 #include "traffic/BusyLoops.h"
+#include "voice/Clicks.h"
 #include "voice/engine/AudioHandler.h"
 #include "voice/engine/SoundThread.h"
 
@@ -13,7 +14,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
@@ -43,55 +43,6 @@ std::vector<float> clicks(double seconds)
     return samples;
 }
 
-/// When each click begins, in seconds of the steady clock.
-std::vector<double> clickTimes(test::SoundRecorder &recorder)
-{
-    std::vector<double> times;
-    const std::vector<float> &samples = recorder.samples();
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        if (std::abs(samples[i]) < 0.1F)
-            continue;
-        times.push_back(recorder.startTime() + static_cast<double>(i) / soundRate);
-        i += soundRate / 2;
-    }
-    return times;
-}
-
-struct Delay
-{
-    double said;  ///< seconds from the beginning
-    double delay; ///< seconds
-};
-
-std::vector<Delay> delays(const std::vector<double> &said, const std::vector<double> &heard)
-{
-    std::vector<Delay> found;
-    for (const double time : said) {
-        const auto next = std::lower_bound(heard.begin(), heard.end(), time);
-        if (next != heard.end() && *next - time < 0.5)
-            found.push_back({time - said.front(), *next - time});
-    }
-    return found;
-}
-
-/// Seconds of delay that a minute adds, by least squares.
-double slopePerMinute(const std::vector<Delay> &all)
-{
-    double x = 0;
-    double y = 0;
-    double xx = 0;
-    double xy = 0;
-    for (const Delay &one : all) {
-        x += one.said;
-        y += one.delay;
-        xx += one.said * one.said;
-        xy += one.said * one.delay;
-    }
-    const auto n = static_cast<double>(all.size());
-    const double spread = n * xx - x * x;
-    return spread > 0 ? 60 * (n * xy - x * y) / spread : 0;
-}
-
 void readLog(QtMsgType, const QMessageLogContext &, const QString &text)
 {
     const QString word = QStringLiteral("latency ");
@@ -101,27 +52,21 @@ void readLog(QtMsgType, const QMessageLogContext &, const QString &text)
         std::printf("%s\n", qPrintable(text));
 }
 
-int tell(const std::vector<Delay> &found, std::size_t said)
+int tell(const std::vector<bench::Delay> &found, std::size_t said)
 {
-    std::vector<double> sorted;
-    sorted.reserve(found.size());
-    for (const Delay &one : found)
-        sorted.push_back(one.delay * 1000);
-    std::sort(sorted.begin(), sorted.end());
-    if (sorted.empty()) {
+    if (found.empty()) {
         std::printf("no click was heard\n");
         return 1;
     }
+    const bench::DelayFigures ms = bench::figuresOf(found);
     const double budget = (deviceLatency + allowance) * 1000;
-    const double usual = sorted[sorted.size() / 2];
-    const double most = sorted[(sorted.size() - 1) * 99 / 100];
-    std::printf("%zu of %zu clicks heard\n", sorted.size(), said);
-    std::printf("delay: least %.1f ms, median %.1f ms, 99 %% %.1f ms; slope %.2f ms a minute\n", sorted.front(), usual,
-                most, slopePerMinute(found) * 1000);
+    std::printf("%zu of %zu clicks heard\n", found.size(), said);
+    std::printf("delay: least %.1f ms, median %.1f ms, 99 %% %.1f ms; slope %.2f ms a minute\n", ms.least, ms.median,
+                ms.most99, ms.slopePerMinute);
     std::printf("budget %.1f ms (devices %.1f ms + 20 + 25): median is %.2f of it, 99 %% is %.2f of it\n", budget,
-                deviceLatency * 1000, usual / budget, most / budget);
-    const bool isHeard = sorted.size() * 10 >= said * 9; // what was lost has no delay
-    return usual > budget || !isHeard ? 1 : 0;
+                deviceLatency * 1000, ms.median / budget, ms.most99 / budget);
+    const bool isHeard = found.size() * 10 >= said * 9; // what was lost has no delay
+    return ms.median > budget || !isHeard ? 1 : 0;
 }
 
 int measure(double seconds)
@@ -151,8 +96,8 @@ int measure(double seconds)
     reading.start(1);
     QTimer::singleShot(static_cast<int>(seconds * 1000), qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
-    const std::vector<double> said = clickTimes(mouth);
-    const std::vector<Delay> found = delays(said, clickTimes(ear));
+    const std::vector<double> said = bench::clickTimes(mouth);
+    const std::vector<bench::Delay> found = bench::delays(said, bench::clickTimes(ear));
     audio.reset();
     sound->waitUntilIdle(std::chrono::seconds(5));
     return tell(found, said.size());
