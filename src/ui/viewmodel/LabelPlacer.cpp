@@ -14,10 +14,13 @@ namespace {
 
 constexpr double clearance = 2; ///< pixels around a new label, so that the next small movement doesn't take it away
 constexpr double besideSymbol = 11;
+constexpr double ringStep = 13;
+constexpr double ringDiagonal = 10;
 constexpr double aboveSymbol = 7; ///< clear of a callsign beside it
-constexpr int covers = 1;         ///< the cost of hiding a part of a farther symbol
 constexpr int evicts = 1000;      ///< the cost of taking a farther contact's label away
-constexpr std::size_t pushy = 12; ///< so many of the nearest may do either; the others want a free place
+constexpr std::size_t pushy = 12; ///< so many of the nearest may do so, or stand off; the others want a free place
+constexpr int ringCount = 11;     ///< places beside the symbol, and ever farther off
+constexpr int muchNearer = 2;     ///< so many rings nearer a label that stands off comes back
 
 /// QRectF asks at each test whether its sizes are negative; these never are.
 struct Box
@@ -53,21 +56,23 @@ struct Side
     int across;
     int down;
 };
-constexpr std::array<Side, 8> sides{{{1, 0}, {-1, 0}, {1, -1}, {1, 1}, {-1, -1}, {-1, 1}, {0, -1}, {0, 1}}};
+constexpr int sideCount = 8;
+constexpr std::array<Side, sideCount> sides{{{1, 0}, {-1, 0}, {1, -1}, {1, 1}, {-1, -1}, {-1, 1}, {0, -1}, {0, 1}}};
 /// The order of choice right of the middle, where labels go to the right; left of it they go to the left.
-constexpr std::array<int, 8> rightFirst{0, 2, 3, 1, 4, 5, 6, 7};
-constexpr std::array<int, 8> leftFirst{1, 4, 5, 0, 2, 3, 6, 7};
+constexpr std::array<int, sideCount> rightFirst{0, 2, 3, 1, 4, 5, 6, 7};
+constexpr std::array<int, sideCount> leftFirst{1, 4, 5, 0, 2, 3, 6, 7};
 
-/// The upper left corner of a text at this side of a symbol, seen from its middle.
-QPointF nameCorner(const QSizeF &text, int number)
+/// The upper left corner of a text at this place, seen from the symbol's middle. Places count the sides, ring by ring.
+QPointF nameCorner(const QSizeF &text, int place)
 {
-    const Side &side = sides.at(static_cast<std::size_t>(number));
+    const Side &side = sides.at(static_cast<std::size_t>(place % sideCount));
+    const double off = place / sideCount * (side.across != 0 && side.down != 0 ? ringDiagonal : ringStep);
     const double gap = side.down == 0 ? besideSymbol : LabelPlacer::symbolReach + 1;
     const double x = side.across == 0 ? -text.width() / 2 : side.across > 0 ? gap : -gap - text.width();
     const double y = side.down == 0  ? -text.height() / 2
                      : side.down > 0 ? LabelPlacer::symbolReach - 3 * std::abs(side.across)
                                      : -LabelPlacer::symbolReach - text.height() + 3 * std::abs(side.across);
-    return {x, y};
+    return {x + off * side.across, y + off * side.down};
 }
 
 bool isFinite(const QPointF &point)
@@ -121,9 +126,10 @@ private:
 
     void wish();
     void choose(Wish &wish);
-    std::optional<int> sideFor(std::size_t owner) const;
+    std::optional<int> placeFor(std::size_t owner) const;
+    std::optional<int> nameCost(std::size_t owner, int place, double margin) const;
     std::optional<int> costOf(const Box &label, std::size_t owner, double margin) const;
-    Box nameBox(const Contact &contact, int side) const;
+    Box nameBox(const Contact &contact, int place) const;
     Box altitudeBox(const Contact &contact) const;
 
     const QList<PlotSymbol> &m_symbols;
@@ -161,8 +167,8 @@ void LabelPlacer::Placing::wish()
         const Contact &contact = m_contacts[owner];
         std::optional<Box> name;
         std::optional<Box> altitude;
-        if (contact.before.side)
-            name = nameBox(contact, *contact.before.side);
+        if (contact.before.place)
+            name = nameBox(contact, *contact.before.place);
         if (contact.before.altitude)
             altitude = altitudeBox(contact);
         if (!contact.altitude.isEmpty())
@@ -182,8 +188,8 @@ QList<PlotLabel> LabelPlacer::Placing::run()
     for (const Contact &contact : m_contacts) {
         PlotLabel &label = labels[contact.row];
         label.altitude = contact.now.altitude;
-        if (contact.now.side)
-            label.name = nameCorner(contact.name, *contact.now.side);
+        if (contact.now.place)
+            label.name = nameCorner(contact.name, *contact.now.place);
     }
     return labels;
 }
@@ -193,7 +199,7 @@ QHash<QString, LabelPlacer::Held> LabelPlacer::Placing::held() const
     QHash<QString, Held> held;
     for (const Contact &contact : m_contacts) {
         const QString &callsign = m_symbols.at(contact.row).callsign;
-        const bool isLabelled = contact.now.side || contact.now.altitude;
+        const bool isLabelled = contact.now.place || contact.now.altitude;
         if (isLabelled && !held.contains(callsign)) // of namesakes the nearest
             held.insert(callsign, contact.now);
     }
@@ -205,9 +211,9 @@ void LabelPlacer::Placing::choose(Wish &wish)
     Contact &contact = m_contacts[wish.owner];
     const bool had = std::exchange(wish.keeps, std::nullopt).has_value();
     if (wish.isName) {
-        contact.now.side = sideFor(wish.owner);
-        if (contact.now.side)
-            m_labels.push_back({wish.owner, nameBox(contact, *contact.now.side)});
+        contact.now.place = placeFor(wish.owner);
+        if (contact.now.place)
+            m_labels.push_back({wish.owner, nameBox(contact, *contact.now.place)});
         return;
     }
     const Box box = altitudeBox(contact);
@@ -217,27 +223,39 @@ void LabelPlacer::Placing::choose(Wish &wish)
         m_labels.push_back({wish.owner, box});
 }
 
-std::optional<int> LabelPlacer::Placing::sideFor(std::size_t owner) const
+std::optional<int> LabelPlacer::Placing::placeFor(std::size_t owner) const
 {
     const Contact &contact = m_contacts[owner];
     std::optional<int> kept;
-    if (contact.before.side)
-        kept = costOf(nameBox(contact, *contact.before.side), owner, 0);
+    if (contact.before.place)
+        kept = nameCost(owner, *contact.before.place, 0);
     if (kept == 0)
-        return contact.before.side;
+        return contact.before.place;
+    const std::array<int, sideCount> &order = contact.at.x() >= 0 ? rightFirst : leftFirst;
     std::optional<int> best;
-    std::optional<int> side;
-    for (const int candidate : contact.at.x() >= 0 ? rightFirst : leftFirst) {
-        const std::optional<int> cost = costOf(nameBox(contact, candidate), owner, clearance);
-        if (!cost || (best && *cost >= *best) || (*cost > 0 && owner >= pushy))
-            continue;
-        best = cost;
-        side = candidate;
-        if (best == 0)
-            break;
+    std::optional<int> place;
+    for (int ring = 0; ring < (owner < pushy ? ringCount : 1) && best.value_or(evicts) > ring; ++ring) {
+        for (const int side : order) {
+            const int candidate = ring * sideCount + side;
+            const std::optional<int> cost = nameCost(owner, candidate, clearance);
+            if (!cost || (best && *cost >= *best) || (*cost > 0 && owner >= pushy))
+                continue;
+            best = cost;
+            place = candidate;
+            if (best == ring)
+                break; // there is none that costs less
+        }
     }
-    // A label changes its side only for a place that is wholly free.
-    return kept && best != 0 ? contact.before.side : side;
+    // A label changes its place only for one that is wholly free, or much nearer.
+    const bool stays = kept && best != 0 && best.value_or(evicts) > *kept - muchNearer;
+    return stays ? contact.before.place : place;
+}
+
+/// What a callsign costs there; nothing when it must not be there.
+std::optional<int> LabelPlacer::Placing::nameCost(std::size_t owner, int place, double margin) const
+{
+    const std::optional<int> cost = costOf(nameBox(m_contacts[owner], place), owner, margin);
+    return cost ? std::optional<int>(*cost + place / sideCount) : std::nullopt;
 }
 
 /// What a label costs there; nothing when it must not be there.
@@ -253,18 +271,17 @@ std::optional<int> LabelPlacer::Placing::costOf(const Box &label, std::size_t ow
     const std::span marks(m_marks);
     const auto nearer = marks.first(owner);
     const auto farther = marks.subspan(owner + 1);
-    if (std::any_of(nearer.begin(), nearer.end(), meets) ||
+    if (std::any_of(nearer.begin(), nearer.end(), meets) || std::any_of(farther.begin(), farther.end(), meets) ||
         std::any_of(m_labels.begin(), m_labels.end(), [&](const Label &one) { return meetsLabel(one.owner, one.box); }))
         return std::nullopt;
-    const auto covered = std::count_if(farther.begin(), farther.end(), meets);
     const auto evicted = std::count_if(m_wishes.begin(), m_wishes.end(),
                                        [&](const Wish &one) { return one.keeps && meetsLabel(one.owner, *one.keeps); });
-    return static_cast<int>(covered) * covers + static_cast<int>(evicted) * evicts;
+    return static_cast<int>(evicted) * evicts;
 }
 
-Box LabelPlacer::Placing::nameBox(const Contact &contact, int side) const
+Box LabelPlacer::Placing::nameBox(const Contact &contact, int place) const
 {
-    return Box(contact.at + nameCorner(contact.name, side), contact.name);
+    return Box(contact.at + nameCorner(contact.name, place), contact.name);
 }
 
 Box LabelPlacer::Placing::altitudeBox(const Contact &contact) const

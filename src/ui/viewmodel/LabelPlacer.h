@@ -16,7 +16,7 @@ struct PlotSymbol
 {
     QString callsign;    ///< who it is, from one placing to the next
     QPointF at;          ///< the symbol's middle; one that isn't finite is neither labelled nor in the way
-    double distance = 0; ///< from the own aircraft, in any unit; what isn't a number is farthest
+    double distance = 0; ///< the lowest chooses first: from the own aircraft, in any unit; what isn't a number is last
     QSizeF name;         ///< of the callsign's text
     QSizeF altitude;     ///< of the text above the symbol, or under it
     bool below = false;  ///< the altitude's text stands under the symbol
@@ -31,10 +31,9 @@ struct PlotLabel
     bool operator==(const PlotLabel &) const = default;
 };
 
-/// Finds room for the labels of the plot. None lies on another label, on a nearer contact's symbol or outside the
-/// glass. The nearest contacts choose first; a callsign prefers a place that covers no farther symbol either, and only
-/// the very nearest ones take one that does. Who has a label keeps it there while it fits, so that labels don't flicker
-/// while everything moves.
+/// Finds room for the labels of the plot. None lies on another label, on another contact's symbol or outside the glass.
+/// The nearest contacts choose first; without room at their symbol the very nearest stand off from it, for a line to
+/// lead there. Who has a label keeps it there while it fits, so that labels don't flicker while everything moves.
 class LabelPlacer
 {
 public:
@@ -51,7 +50,7 @@ public:
 private:
     struct Held
     {
-        std::optional<int> side;
+        std::optional<int> place;
         bool altitude = false;
     };
 

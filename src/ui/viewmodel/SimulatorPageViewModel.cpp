@@ -377,6 +377,40 @@ QVariantMap SimulatorPageViewModel::checkTransponderCode(const QString &typed) c
     return transponderVerdict(typed);
 }
 
+void SimulatorPageViewModel::stepPlotRange(int steps)
+{
+    const int range = steppedRange(plotRange(), steps);
+    if (range == m_pickedRange)
+        return;
+    m_pickedRange = range;
+    emit trafficChanged();
+}
+
+void SimulatorPageViewModel::freePlotRange()
+{
+    if (m_pickedRange == 0)
+        return;
+    m_pickedRange = 0;
+    emit trafficChanged();
+}
+
+void SimulatorPageViewModel::pickCallsign(const QString &callsign)
+{
+    const QString picked = callsign == m_pickedCallsign ? QString() : callsign;
+    if (picked == m_pickedCallsign)
+        return;
+    m_pickedCallsign = picked;
+    emit pickedCallsignChanged();
+}
+
+int SimulatorPageViewModel::contactRow(const QString &callsign) const
+{
+    const QList<PlotContact> &rows = m_contacts.rows();
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const PlotContact &contact) { return contact.target.callsign == callsign; });
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+}
+
 void SimulatorPageViewModel::requestReconnect()
 {
     setFailure({});

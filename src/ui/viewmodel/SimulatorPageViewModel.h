@@ -91,6 +91,8 @@ class SimulatorPageViewModel : public QObject
     Q_PROPERTY(QVariantList trafficContacts READ trafficContacts NOTIFY trafficChanged)
     Q_PROPERTY(QAbstractListModel *contactRows READ contactRows CONSTANT)
     Q_PROPERTY(int plotRange READ plotRange NOTIFY trafficChanged)
+    Q_PROPERTY(bool plotRangePicked READ plotRangePicked NOTIFY trafficChanged)
+    Q_PROPERTY(QString pickedCallsign READ pickedCallsign NOTIFY pickedCallsignChanged)
     Q_PROPERTY(QString plotSummary READ plotSummary NOTIFY trafficChanged)
     Q_PROPERTY(tarvo::ui::PlotLabels *plotLabels READ plotLabels CONSTANT)
     Q_PROPERTY(QString trafficSummary READ trafficSummary NOTIFY trafficChanged)
@@ -173,7 +175,10 @@ public:
     /// Those of them that the plot draws.
     QList<PlotContact> plotContacts() const;
     /// Nautical miles at the plot's outer ring.
-    int plotRange() const { return ui::plotRange(plotContacts()); }
+    int plotRange() const { return m_pickedRange > 0 ? m_pickedRange : ui::plotRange(plotContacts()); }
+    bool plotRangePicked() const { return m_pickedRange > 0; } ///< by the pilot; else the contacts make it
+    /// Who is marked in the plot and in the list, also while he isn't there; empty for nobody.
+    QString pickedCallsign() const { return m_pickedCallsign; }
     /// What is to be seen on the plot, on one line.
     QString plotSummary() const;
     /// Finds room for the plot's labels; never null.
@@ -208,6 +213,14 @@ public:
     Q_INVOKABLE QVariantMap checkFrequency(const QString &typed, const QString &example) const;
     Q_INVOKABLE QVariantMap checkTransponderCode(const QString &typed) const;
 
+    /// So many steps wider, or for negative ones narrower, than the range is now.
+    Q_INVOKABLE void stepPlotRange(int steps);
+    /// The contacts make the range again.
+    Q_INVOKABLE void freePlotRange();
+    /// Marks this one alone, or nobody when it is marked already.
+    Q_INVOKABLE void pickCallsign(const QString &callsign);
+    /// The row of contactRows() with this callsign; -1 for none.
+    Q_INVOKABLE int contactRow(const QString &callsign) const;
     Q_INVOKABLE void requestReconnect();
     Q_INVOKABLE void requestSetCom1Frequency(const QString &frequency);
     Q_INVOKABLE void requestSetCom2Frequency(const QString &frequency);
@@ -225,6 +238,7 @@ signals:
     void setTransponderCodeRequested(QString code);
     void transponderIdentRequested();
     void transponderModeToggleRequested();
+    void pickedCallsignChanged();
 
 private:
     struct PluginTexts
@@ -276,6 +290,8 @@ private:
 
     QVariantList m_trafficContacts;
     QList<TrafficTarget> m_targets;
+    int m_pickedRange = 0; ///< nautical miles; 0: none
+    QString m_pickedCallsign;
     std::optional<PlotOrigin> m_plotOrigin; ///< where the plot was last told from
     RowsModel<PlotContact> m_contacts;
     PlotLabels m_plotLabels;

@@ -10,6 +10,8 @@ namespace tarvo::ui {
 
 namespace {
 
+constexpr int ranges[] = {2, 5, 10, 20, 40, 80, 160, 320}; ///< nautical miles
+
 constexpr double earthRadiusNm = 6371.0088 / 1.852; ///< mean radius of the earth
 
 PlotContact seenFrom(const PlotOrigin &own, const TrafficTarget &target)
@@ -71,9 +73,14 @@ QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget>
     return contacts;
 }
 
+int steppedRange(int range, int steps)
+{
+    const auto at = std::ranges::lower_bound(ranges, range) - std::begin(ranges);
+    return ranges[std::clamp<std::ptrdiff_t>(at + steps, 0, std::ssize(ranges) - 1)];
+}
+
 int plotRange(const QList<PlotContact> &contacts)
 {
-    constexpr int ranges[] = {2, 5, 10, 20, 40, 80, 160, 320};
     if (contacts.isEmpty())
         return 20;
     const auto inside = static_cast<qsizetype>(std::ceil(static_cast<double>(contacts.size()) * 0.9));

@@ -56,6 +56,9 @@ double initialBearing(double fromLatitude, double fromLongitude, double toLatitu
 /// from an origin without a position nothing is seen.
 QList<PlotContact> plotTraffic(const PlotOrigin &own, const QList<TrafficTarget> &targets, qsizetype maximum);
 
+/// The range so many steps wider than this one, narrower for negative steps; at the ends the last one.
+int steppedRange(int range, int steps);
+
 /// The plot's range in nautical miles: the smallest that holds nine of ten contacts, from 2 to 320; 20 for none.
 /// `contacts`: as from plotTraffic().
 int plotRange(const QList<PlotContact> &contacts);

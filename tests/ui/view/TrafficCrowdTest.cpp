@@ -69,11 +69,12 @@ private slots:
         QTest::addColumn<int>("inFlight");
         QTest::addColumn<QSize>("size");
         QTest::addColumn<int>("atLeast"); // callsigns
+        QTest::addColumn<int>("nearest"); // of them; 80 aircraft under the own one's symbol are beyond naming
         for (const QSize size : {QSize(1000, 700), QSize(1280, 800), QSize(1920, 1080)}) {
-            QTest::addRow("apron %d", size.width()) << u"apron"_qs << 40 << 0 << size << 8;
-            QTest::addRow("airport %d", size.width()) << u"airport"_qs << 20 << 20 << size << 12;
-            QTest::addRow("area %d", size.width()) << u"area"_qs << 0 << 60 << size << 20;
-            QTest::addRow("too many %d", size.width()) << u"too-many"_qs << 80 << 120 << size << 12;
+            QTest::addRow("apron %d", size.width()) << u"apron"_qs << 40 << 0 << size << 8 << 8;
+            QTest::addRow("airport %d", size.width()) << u"airport"_qs << 20 << 20 << size << 12 << 8;
+            QTest::addRow("area %d", size.width()) << u"area"_qs << 0 << 60 << size << 18 << 6;
+            QTest::addRow("too many %d", size.width()) << u"too-many"_qs << 80 << 120 << size << 12 << 0;
         }
     }
 
@@ -84,6 +85,7 @@ private slots:
         QFETCH(int, inFlight);
         QFETCH(QSize, size);
         QFETCH(int, atLeast);
+        QFETCH(int, nearest);
         open(size);
         show(onStands, inFlight);
         m_harness->grab(u"crowd-%1-%2"_qs.arg(name).arg(size.width()));
@@ -92,8 +94,10 @@ private slots:
         for (const QQuickItem *contact : contacts)
             QVERIFY(glass().contains(contact->mapToScene(QPointF())));
         QVERIFY2(names().size() >= atLeast, qPrintable(QString::number(names().size())));
-        // The one that matters most is told.
-        QVERIFY(names().contains(contacts.first()->property("callsign").toString()));
+        // Those that matter most are told.
+        for (const QQuickItem *contact : contacts.first(nearest))
+            QVERIFY2(names().contains(contact->property("callsign").toString()),
+                     qPrintable(contact->property("callsign").toString()));
         QCOMPARE(heaps(), QStringList());
     }
 
@@ -233,7 +237,7 @@ private:
         return found;
     }
 
-    /// Labels on other labels, on symbols nearer than their own, or outside the glass.
+    /// Labels on other labels, on others' symbols, or outside the glass.
     QStringList heaps()
     {
         QStringList found;
@@ -248,7 +252,7 @@ private:
                 if (box(label).intersects(box(labels.at(j))))
                     found << text + u" on "_qs + labels.at(j)->property("text").toString().left(20);
             for (const QQuickItem *contact : contacts)
-                if (distance(contact) < distance(label->parentItem()) && box(label).intersects(mark(contact)))
+                if (contact != label->parentItem() && box(label).intersects(mark(contact)))
                     found << text + u" on a symbol"_qs;
         }
         return found;
@@ -259,7 +263,6 @@ private:
         return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
     }
     static QRectF mark(const QQuickItem *contact) { return contact->mapRectToScene(QRectF(-6, -6, 12, 12)); }
-    static double distance(const QQuickItem *contact) { return contact->property("distanceNm").toDouble(); }
 };
 
 TARVO_TEST(TrafficCrowdTest)

@@ -2,9 +2,11 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QPointer>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <cmath>
 #include <numbers>
@@ -84,7 +86,7 @@ private slots:
         QTest::addColumn<QString>("symbol");
         QTest::addColumn<QString>("row");
         QTest::newRow("above") << 1365.76 << u"+12"_qs << u"+1200 ft"_qs;
-        QTest::newRow("below") << 695.2 << u"−10"_qs << u"-1000 ft"_qs;
+        QTest::newRow("below") << 695.2 << u"−10"_qs << u"−1000 ft"_qs;
         QTest::newRow("level") << 1000.0 << u"00"_qs << u"0 ft"_qs;
         QTest::newRow("a hair below") << 999.0 << u"00"_qs << u"0 ft"_qs;
     }
@@ -99,6 +101,78 @@ private slots:
         TRY_VERIFY(m_harness->itemWithText(symbol));
         TRY_VERIFY(m_harness->itemWithText(row));
         TRY_VERIFY(m_harness->itemWithText(u"6.0 NM"_qs));
+    }
+
+    void theRangeIsPickedByButtons()
+    {
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31.1, 121)});
+        m_harness->settle();
+        QVERIFY(m_harness->itemWithText(u"量程 10 NM"_qs));
+        QVERIFY(!item(u"freeRange"_qs));
+        m_harness->click(item(u"widerRange"_qs));
+        QVERIFY(m_harness->itemWithText(u"量程 20 NM"_qs));
+        m_harness->click(item(u"narrowerRange"_qs));
+        m_harness->click(item(u"narrowerRange"_qs));
+        QVERIFY(m_harness->itemWithText(u"量程 5 NM"_qs));
+        m_harness->click(item(u"freeRange"_qs));
+        QVERIFY(m_harness->itemWithText(u"量程 10 NM"_qs));
+        QVERIFY(model().pickedCallsign().isEmpty());
+    }
+
+    void theRangeIsPickedByTheWheel_data()
+    {
+        QTest::addColumn<QList<int>>("turns"); // eighths of a degree; away from the pilot is positive
+        QTest::addColumn<QString>("range");
+        QTest::newRow("towards the pilot") << QList<int>{-120} << u"量程 20 NM"_qs;
+        QTest::newRow("away from him") << QList<int>{120} << u"量程 5 NM"_qs;
+        QTest::newRow("there and back") << QList<int>{120, -120} << u"量程 10 NM"_qs;
+        QTest::newRow("two notches at once") << QList<int>{-240} << u"量程 40 NM"_qs;
+        QTest::newRow("a touch pad") << QList<int>{-30, -30, -30, -30} << u"量程 20 NM"_qs;
+        QTest::newRow("too little") << QList<int>{-30, -30} << u"量程 10 NM"_qs;
+    }
+
+    void theRangeIsPickedByTheWheel()
+    {
+        QFETCH(QList<int>, turns);
+        QFETCH(QString, range);
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31.1, 121)});
+        m_harness->settle();
+        const QQuickItem *radar = item(u"trafficRadar"_qs);
+        const QPointF middle = radar->mapToScene(QPointF(radar->width() / 2, radar->height() / 2));
+        for (const int turn : turns) {
+            QWheelEvent event(middle, middle, {}, {0, turn}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(&m_harness->view, &event);
+        }
+        m_harness->settle();
+        QVERIFY(m_harness->itemWithText(range));
+    }
+
+    void aClickPicksInPlotAndList()
+    {
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        m_harness->fillTraffic(60);
+        m_harness->settle();
+        QQuickItem *contact = m_harness->items(u"radarContact"_qs).at(40);
+        const QString callsign = contact->property("callsign").toString();
+        QTest::mouseClick(&m_harness->view, Qt::LeftButton, {}, contact->mapToScene(QPointF()).toPoint());
+        m_harness->settle();
+        QCOMPARE(model().pickedCallsign(), callsign);
+        QVERIFY(item(u"pickedRing"_qs));
+        QCOMPARE(item(u"pickedRing"_qs)->parentItem(), contact);
+        const QQuickItem *name = contact->findChild<QQuickItem *>(u"radarName"_qs);
+        QVERIFY(name && name->isVisible()); // whoever is nearer
+        QVERIFY(inList(callsign));          // the list has gone there
+        QQuickItem *list = item(u"trafficList"_qs);
+        list->setProperty("contentY", list->property("originY"));
+        m_harness->settle();
+        const QString nearest = m_harness->items(u"radarContact"_qs).first()->property("callsign").toString();
+        m_harness->click(inList(nearest));
+        QCOMPARE(model().pickedCallsign(), nearest);
+        QCOMPARE(item(u"pickedRing"_qs)->parentItem()->property("callsign").toString(), nearest);
+        m_harness->click(inList(nearest));
+        QVERIFY(!item(u"pickedRing"_qs));
     }
 
     void theListGrowsAndShrinks()
@@ -185,6 +259,18 @@ private slots:
     }
 
 private:
+    /// The callsign's text in the list; null when it isn't in sight there.
+    QQuickItem *inList(const QString &callsign)
+    {
+        const QQuickItem *list = item(u"trafficList"_qs);
+        const QRectF sight = list->mapRectToScene(QRectF(0, 0, list->width(), list->height()));
+        for (QQuickItem *text : m_harness->texts())
+            if (list->isAncestorOf(text) && text->property("text").toString() == callsign &&
+                sight.contains(text->mapToScene(QPointF(1, 1))))
+                return text;
+        return nullptr;
+    }
+
     int symbols() { return int(m_harness->items(u"radarContact"_qs).size()); }
 };
 

@@ -84,7 +84,7 @@ private slots:
         row(m_simulator, "stateChanged() dataChanged() trafficChanged() reconnectRequested() "
                          "setCom1FrequencyRequested(QString) setCom2FrequencyRequested(QString) "
                          "setTransponderCodeRequested(QString) transponderIdentRequested() "
-                         "transponderModeToggleRequested()");
+                         "transponderModeToggleRequested() pickedCallsignChanged()");
         row(m_messages,
             "messagesChanged() channelStatsChanged() activeChannelChanged() activeMessagesChanged() sessionsChanged() "
             "unreadChanged() networkStateChanged() nearbyClientsChanged() composeChanged() "
@@ -192,6 +192,8 @@ private:
         row(m_simulator, "engineStates", QVariantList(), "dataChanged");
         row(m_simulator, "trafficContacts", QVariantList(), "trafficChanged");
         row(m_simulator, "plotRange", 20, "trafficChanged");
+        row(m_simulator, "plotRangePicked", false, "trafficChanged");
+        row(m_simulator, "pickedCallsign", QString(), "pickedCallsignChanged");
         row(m_simulator, "plotSummary", u"附近暂无交通目标"_qs, "trafficChanged");
         row(m_simulator, "trafficSummary", u"附近暂无交通目标"_qs, "trafficChanged");
     }

@@ -31,6 +31,55 @@ class SimulatorPageTrafficTest : public QObject
     Q_OBJECT
 
 private slots:
+    void aPickedRangeStaysUntilItIsFreed()
+    {
+        SimulatorPageViewModel model;
+        feed(model, overShanghai());
+        model.setRemoteAircraft({remote("CES1", 31.1, 121)}); // 6 NM away
+        QCOMPARE(model.plotRange(), 10);
+        QSignalSpy traffic(&model, &SimulatorPageViewModel::trafficChanged);
+        model.freePlotRange();
+        QCOMPARE(traffic.count(), 0);
+        model.stepPlotRange(1);
+        QVERIFY(model.plotRangePicked());
+        QCOMPARE(model.plotRange(), 20);
+        QCOMPARE(traffic.count(), 1);
+        model.setRemoteAircraft({remote("CES1", 33, 121)});
+        QCOMPARE(model.plotRange(), 20);
+        for (int i = 0; i < 9; ++i)
+            model.stepPlotRange(-1);
+        QCOMPARE(model.plotRange(), 2);
+        QCOMPARE(traffic.count(), 5); // one for the aircraft; the last steps change nothing
+        model.freePlotRange();
+        QVERIFY(!model.plotRangePicked());
+        QCOMPARE(model.plotRange(), 160);
+    }
+
+    void oneIsPickedOrNobody()
+    {
+        SimulatorPageViewModel model;
+        QSignalSpy changed(&model, &SimulatorPageViewModel::pickedCallsignChanged);
+        model.pickCallsign({});
+        QCOMPARE(changed.count(), 0);
+        for (const QString &callsign : {u"CES1"_qs, u"CES2"_qs}) {
+            model.pickCallsign(callsign);
+            QCOMPARE(model.pickedCallsign(), callsign);
+        }
+        model.pickCallsign(u"CES2"_qs); // a second click
+        QCOMPARE(model.pickedCallsign(), QString());
+        QCOMPARE(changed.count(), 3);
+    }
+
+    void whichRowIsWhose()
+    {
+        SimulatorPageViewModel model;
+        feed(model, overShanghai());
+        model.setRemoteAircraft({remote("FAR", 32, 121), remote("NEAR", 31.1, 121)});
+        QCOMPARE(model.contactRow(u"NEAR"_qs), 0);
+        QCOMPARE(model.contactRow(u"FAR"_qs), 1);
+        QCOMPARE(model.contactRow(u"NOBODY"_qs), -1);
+    }
+
     void aNumberThatStaysBrokenTellsOnce()
     {
         SimulatorPageViewModel model;

@@ -36,6 +36,25 @@ class TrafficPlotTest : public QObject
     Q_OBJECT
 
 private slots:
+    void stepsOfTheRange_data()
+    {
+        QTest::addColumn<int>("range");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<int>("next");
+        QTest::newRow("wider") << 20 << 1 << 40;
+        QTest::newRow("two wider") << 20 << 2 << 80;
+        QTest::newRow("narrower") << 20 << -1 << 10;
+        QTest::newRow("beyond the widest") << 160 << 9 << 320;
+        QTest::newRow("beyond the narrowest") << 5 << -3 << 2;
+    }
+
+    void stepsOfTheRange()
+    {
+        QFETCH(int, range);
+        QFETCH(int, steps);
+        QTEST(steppedRange(range, steps), "next");
+    }
+
     void distanceAndBearing_data()
     {
         QTest::addColumn<double>("fromLatitude");

@@ -2,7 +2,7 @@ import QtQuick
 import "../.."
 
 /// One aircraft on the plot: a diamond (filled when near); when `measured` a stroke where it heads. Where there is room
-/// also its callsign and its height in hundreds of feet above or below.
+/// also its callsign, to which a line leads when there is none beside it, and its height in hundreds of feet above or below.
 Item {
     id: symbol
 
@@ -17,8 +17,12 @@ Item {
     property real range: 10
     property real radius: 100
     property bool measured: true
+    /// By the pilot: ringed, and the first to be labelled.
+    property bool picked: false
+    /// The lowest is labelled first.
+    readonly property real turn: picked ? -1 : distanceNm
     /// What the callsign and the height take; 0 for none.
-    readonly property real nameWidth: outside || callsign === "" ? 0 : name.width
+    readonly property real nameWidth: outside && !picked || callsign === "" ? 0 : name.width
     readonly property real altitudeWidth: outside || !measured || altitude.text === "" ? 0 : altitude.width
     readonly property bool below: relativeAltitudeFeet < 0
     readonly property string heightText: hundreds(relativeAltitudeFeet)
@@ -29,12 +33,14 @@ Item {
     readonly property bool outside: !(distanceNm <= range)
     readonly property real away: Math.min(1, distanceNm / range) * radius
     readonly property bool near: distanceNm < 6 && Math.abs(relativeAltitudeFeet) < 1200
+    /// A label that is no farther off needs no line.
+    readonly property real beside: 14
     readonly property color tint: near ? Style.instrumentOwn : Style.instrumentTraffic
 
     x: placed ? away * Math.sin(angle) : 0
     y: placed ? -away * Math.cos(angle) : 0
     visible: placed
-    opacity: outside ? 0.45 : 1
+    opacity: outside && !picked ? 0.45 : 1
 
     Item {
         visible: (symbol.measured || symbol.near) && !symbol.outside && Number.isFinite(symbol.heading)
@@ -59,6 +65,38 @@ Item {
         color: symbol.near ? symbol.tint : Style.instrumentGlass
         border.width: 1.5
         border.color: symbol.tint
+        antialiasing: true
+    }
+
+    Rectangle {
+        objectName: "pickedRing"
+        visible: symbol.picked
+        x: -width / 2
+        y: -height / 2
+        width: 22
+        height: width
+        radius: width / 2
+        color: "transparent"
+        border.width: 1.5
+        border.color: Style.instrumentLine
+    }
+
+    Rectangle {
+        id: leader
+
+        objectName: "radarLeader"
+        property real reach: 0
+
+        visible: name.visible && reach > symbol.beside
+        x: 8
+        width: reach - x - 1
+        height: 1
+        transform: Rotation {
+            id: leaderTurn
+
+            origin.x: -leader.x
+        }
+        color: Style.instrumentDim
         antialiasing: true
     }
 
@@ -102,6 +140,10 @@ Item {
             return
         name.x = nameX
         name.y = nameY
+        const endX = Math.max(nameX, Math.min(0, nameX + name.width))
+        const endY = Math.max(nameY, Math.min(0, nameY + name.height))
+        leader.reach = Math.hypot(endX, endY)
+        leaderTurn.angle = Math.atan2(endY, endX) * 180 / Math.PI
     }
 
     function hundreds(feet: real): string {

@@ -2,8 +2,8 @@ import QtQuick
 import com.tarvonet.backend
 import "../.."
 
-/// The aircraft around the own one, which is in the middle and heads up. The outer ring grows and shrinks so that nine
-/// of ten contacts are inside it; the others stand faint at its edge.
+/// The aircraft around the own one, which is in the middle and heads up. Until a range is picked the outer ring grows and
+/// shrinks so that nine of ten contacts are inside it; the others stand faint at its edge.
 Rectangle {
     id: radar
 
@@ -30,7 +30,7 @@ Rectangle {
         for (let i = 0; i < plotted.count; i++) {
             const symbol = plotted.itemAt(i)
             callsigns.push(symbol.callsign)
-            figures.push(symbol.x, symbol.y, symbol.distanceNm, symbol.nameWidth, symbol.altitudeWidth, symbol.below ? 1 : 0)
+            figures.push(symbol.x, symbol.y, symbol.turn, symbol.nameWidth, symbol.altitudeWidth, symbol.below ? 1 : 0)
         }
         const places = simulator ? simulator.plotLabels.place(callsigns, figures, Style.radarLabelHeight, glass(), occupied()) : []
         for (let i = 0; i < plotted.count; i++)
@@ -43,10 +43,10 @@ Rectangle {
         return Qt.rect(8 - centre.x, 8 - centre.y, width - 16, height - 16)
     }
 
-    /// What no label may hide: the own aeroplane, the heading, the ranges, the rose's numbers.
+    /// What no label may hide: the own aeroplane, the heading, the range, the rose's numbers.
     function occupied(): var {
         const areas = []
-        for (const item of [course, rangeText, miles.itemAt(0), miles.itemAt(1)])
+        for (const item of [course, scale, miles.itemAt(0), miles.itemAt(1)])
             areas.push(Qt.rect(item.x - centre.x, item.y - centre.y, item.width, item.height))
         areas.push(Qt.rect(-11, -3, 22, 4), Qt.rect(-5, -11, 10, 23))
         for (let i = 0; i < 12; i++) {
@@ -86,6 +86,10 @@ Rectangle {
     Connections {
         target: radar.simulator
 
+        function onPickedCallsignChanged(): void {
+            radar.moved()
+        }
+
         function onTrafficChanged(): void {
             radar.moved()
         }
@@ -97,7 +101,15 @@ Rectangle {
         onHoveredChanged: radar.asked = hovered ? point.position : null
     }
 
-    TapHandler { onTapped: eventPoint => radar.asked = eventPoint.position }
+    TapHandler {
+        onTapped: eventPoint => {
+            radar.asked = eventPoint.position
+            if (radar.simulator)
+                radar.simulator.pickCallsign(tip.symbol ? tip.symbol.callsign : "")
+        }
+    }
+
+    RangeWheel { onStepped: steps => radar.simulator?.stepPlotRange(steps) }
 
     Rectangle {
         anchors.fill: parent
@@ -152,8 +164,9 @@ Rectangle {
                 upHeading: radar.up // qmllint disable unqualified
                 range: radar.range // qmllint disable unqualified
                 radius: centre.outer // qmllint disable unqualified
-                measured: index < radar.measuredContacts // qmllint disable unqualified
-                z: -index
+                measured: picked || index < radar.measuredContacts // qmllint disable unqualified
+                picked: callsign !== "" && callsign === radar.simulator.pickedCallsign // qmllint disable unqualified
+                z: picked ? 1 : -index
             }
         }
 
@@ -214,14 +227,14 @@ Rectangle {
         }
     }
 
-    AppText {
-        id: rangeText
+    RadarScale {
+        id: scale
 
-        x: 14
+        x: 12
         y: parent.height - height - 10
-        text: qsTr("量程 %1 NM").arg(radar.range)
-        color: Style.instrumentDim
-        font.pixelSize: 11
+        range: radar.range
+        simulator: radar.simulator
+        onWidthChanged: radar.moved()
     }
 
     RadarTip {

@@ -3,11 +3,15 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
-/// Rows of the traffic: callsign, type, where, how far, how high.
+/// Rows of the traffic: callsign, type, where, how far, how high. A click picks one.
 ListView {
     id: list
 
     property string emptyText: "--"
+    property string pickedCallsign: ""
+
+    signal picked(string callsign)
+
     readonly property int rowHeight: 27
 
     clip: true
@@ -27,11 +31,15 @@ ListView {
     delegate: TrafficRow {
         required property var model
 
+        marked: model.callsign !== "" && model.callsign === list.pickedCallsign // qmllint disable unqualified
+
         callsign: model.callsign || "--"
         type: model.type || "--"
         bearing: list.figure(model.bearing, v => Format.course(v) + "°") // qmllint disable unqualified
         distance: list.figure(model.distanceNm, v => Format.fixed(v, v < 99.95 ? 1 : 0) + " NM") // qmllint disable unqualified
-        altitude: list.figure(model.relativeAltitudeFeet, v => (v >= 50 ? "+" : "") + Format.fixed(100 * Math.round(v / 100), 0) + " ft") // qmllint disable unqualified
+        altitude: list.figure(model.relativeAltitudeFeet, v => (v >= 50 ? "+" : v <= -50 ? "−" : "") + Format.fixed(100 * Math.round(Math.abs(v) / 100), 0) + " ft") // qmllint disable unqualified
+
+        TapHandler { onTapped: list.picked(parent.model.callsign) } // qmllint disable
     }
 
     AppText {
@@ -40,6 +48,11 @@ ListView {
         text: list.emptyText
         color: Style.textMuted
         font.pixelSize: 13
+    }
+
+    function bringIntoView(row: int): void {
+        if (row >= 0)
+            positionViewAtIndex(row, ListView.Contain)
     }
 
     function figure(value: real, format: var): string {
@@ -55,6 +68,7 @@ ListView {
         property string distance
         property string altitude
         property bool titles: false
+        property bool marked: false
 
         width: ListView.view?.width - Style.spacingMedium
         height: list.rowHeight // qmllint disable unqualified
@@ -64,9 +78,9 @@ ListView {
             Layout.fillWidth: true
             Layout.preferredWidth: 96
             text: row.callsign
-            color: row.titles ? Style.textMuted : Style.textPrimary
+            color: row.titles ? Style.textCaption : row.marked ? Style.controlBorderActive : Style.textPrimary
             font.pixelSize: row.titles ? 11 : 13
-            font.weight: row.titles ? Font.Normal : Font.DemiBold
+            font.weight: row.titles ? Font.Normal : row.marked ? Font.Black : Font.DemiBold
             fontSizeMode: Text.HorizontalFit
             minimumPixelSize: 10
             clip: true // an elided text of both directions may be wider than it should
@@ -104,7 +118,7 @@ ListView {
         property bool titles: false
 
         Layout.fillWidth: true
-        color: titles ? Style.textMuted : Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: titles ? 11 : Style.fontSmall
         horizontalAlignment: Text.AlignRight
         fontSizeMode: Text.HorizontalFit

@@ -35,6 +35,9 @@ Card {
             Layout.fillHeight: true
             Layout.preferredHeight: 6 * rowHeight
             model: card.simulator ? card.simulator.contactRows : null
+            pickedCallsign: card.simulator ? card.simulator.pickedCallsign : ""
+            onPickedCallsignChanged: if (pickedCallsign !== "") bringIntoView(card.simulator.contactRow(pickedCallsign))
+            onPicked: callsign => card.simulator.pickCallsign(callsign)
             emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
         }
 
