@@ -28,7 +28,7 @@ FsdSession::FsdSession(QTcpSocket *socket, const FsdSettings &settings, const co
       m_settings(settings),
       m_clock(clock),
       m_socket(socket),
-      m_reader(settings.maxLineBytes),
+      m_reader(QByteArray(lineEnd.data(), lineEnd.size()), settings.maxLineBytes),
       m_peer(QStringLiteral("%1:%2").arg(socket->peerAddress().toString()).arg(socket->peerPort())),
       m_budget(2.0 * settings.maxLinesPerSecond),
       m_budgetMs(m_clock.steadyMs())
@@ -71,6 +71,8 @@ void FsdSession::read()
     for (const QByteArray &line : lines) {
         if (!isOpen())
             return;
+        if (line.isEmpty())
+            continue;
         if (hasControlCharacter(line))
             complain(FsdError::SyntaxError, {}, QStringLiteral("Control character"));
         else

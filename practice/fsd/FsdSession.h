@@ -1,10 +1,10 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "practice/LineReader.h"
 #include "practice/fsd/FsdClientRecord.h"
 #include "practice/fsd/FsdErrors.h"
 #include "practice/fsd/FsdSettings.h"
-#include "practice/fsd/LineReader.h"
 
 #include <QObject>
 #include <QString>

@@ -23,7 +23,7 @@ VoiceSession::VoiceSession(QTcpSocket *socket, const VoiceSettings &settings, co
       m_settings(settings),
       m_clock(clock),
       m_socket(socket),
-      m_reader(settings.maxLineBytes),
+      m_reader(QByteArrayLiteral("\n"), settings.maxLineBytes),
       m_peer(QStringLiteral("%1:%2").arg(socket->peerAddress().toString()).arg(socket->peerPort())),
       m_lines(settings.maxLinesPerSecond, connectedMs)
 {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/Clock.h"
+#include "practice/LineReader.h"
 #include "practice/voice/Allowance.h"
-#include "practice/voice/ControlLines.h"
 #include "practice/voice/TunedRadios.h"
 #include "practice/voice/VoiceSettings.h"
 #include "practice/voice/Weather.h"
@@ -68,7 +68,7 @@ private:
     const VoiceSettings &m_settings;
     const common::Clock &m_clock;
     QTcpSocket *m_socket; ///< a child
-    ControlLines m_reader;
+    LineReader m_reader;
     QString m_peer;
     Allowance m_lines;
     int m_badLines = 0;

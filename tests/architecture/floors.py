@@ -40,11 +40,12 @@ ONLY = {
 # Who may include whom inside of practice/.
 ROOMS = {
     'account': set(),
-    'fsd': {'account'},
+    'LineReader': set(),
+    'fsd': {'account', 'LineReader'},
     'flight': set(),
     'people': {'fsd', 'flight'},
     'xplane': {'flight'},
-    'voice': {'account'},
+    'voice': {'account', 'LineReader'},
     'simconnect': {'flight'},
     'PracticeNetwork': {'account', 'fsd', 'people', 'voice', 'xplane'},
     'control': {'PracticeNetwork'},

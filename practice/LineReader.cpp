@@ -1,4 +1,4 @@
-#include "practice/fsd/LineReader.h"
+#include "practice/LineReader.h"
 
 #include <utility>
 
@@ -9,23 +9,24 @@ QList<QByteArray> LineReader::feed(const QByteArray &chunk)
     QList<QByteArray> lines;
     m_partial += chunk;
     qsizetype from = 0;
-    for (qsizetype end = m_partial.indexOf("\r\n"); end >= 0; end = m_partial.indexOf("\r\n", from)) {
+    for (qsizetype end = m_partial.indexOf(m_end); end >= 0; end = m_partial.indexOf(m_end, from)) {
         if (m_skipping)
             m_skipping = false; // counted when it began
         else if (end - from > m_maxLineBytes)
             ++m_overlong;
-        else if (end > from)
+        else
             lines.append(m_partial.mid(from, end - from));
-        from = end + 2;
+        from = end + m_end.size();
     }
     m_partial.remove(0, from);
-    if (m_partial.size() > m_maxLineBytes + 1) { // one more: its carriage return may be there already
+    const QByteArray begunEnd = m_end.chopped(1); // may be there already
+    if (m_partial.size() > m_maxLineBytes + begunEnd.size()) {
         if (!m_skipping)
             ++m_overlong;
         m_skipping = true;
     }
     if (m_skipping)
-        m_partial = m_partial.endsWith('\r') ? QByteArray("\r") : QByteArray();
+        m_partial = m_partial.endsWith(begunEnd) ? begunEnd : QByteArray();
     return lines;
 }
 
