@@ -4,6 +4,7 @@ desktop may lack, and packs it.
 
     portable.py BUILD FOLDER
 """
+import filecmp
 import os
 import pathlib
 import re
@@ -119,25 +120,34 @@ def write_readme(folder, packages):
     (folder / 'README.txt').chmod(0o644)
 
 
-def main():
-    build, packages = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    version = re.search(r'CMAKE_PROJECT_VERSION:STATIC=(\S+)', (build / 'CMakeCache.txt').read_text())[1]
-    name = f'TarvoClient-{version}-linux-x86_64'
-    staging = packages / 'staging'
+def pack(build, staging, name):
+    """The path of an archive that isn't compressed yet."""
     shutil.rmtree(staging, ignore_errors=True)
     folder = staging / name
     folder.mkdir(parents=True)
     system = stage(build, folder)
     finish(folder)
     write_readme(folder, packages_of(system))
+    archive = staging / f'{name}.tar'
+    tar = ['tar', '--sort=name', f'--mtime=@{os.environ["SOURCE_DATE_EPOCH"]}', '--owner=0', '--group=0', '--numeric-owner',
+           '--mode=go=rX,u+rw', '--format=ustar', '-C', staging, '-cf', archive, name]
+    subprocess.run(tar, check=True)
+    return archive
+
+
+def main():
+    build, packages = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    version = re.search(r'CMAKE_PROJECT_VERSION:STATIC=(\S+)', (build / 'CMakeCache.txt').read_text())[1]
+    name = f'TarvoClient-{version}-linux-x86_64'
+    again = pack(build, packages / 'staging-again', name)
+    archive = pack(build, packages / 'staging', name)
+    if not filecmp.cmp(archive, again, shallow=False):
+        sys.exit(f'packed twice, they differ: {archive} {again}')
+    shutil.rmtree(again.parent)
     for old in packages.glob('*.tar.xz'):
         old.unlink()
-    archive = packages / f'{name}.tar.xz'
-    tar = ['tar', '--sort=name', f'--mtime=@{os.environ["SOURCE_DATE_EPOCH"]}', '--owner=0', '--group=0', '--numeric-owner',
-           '--mode=go=rX,u+rw', '--format=ustar', '-C', staging, '-cf', archive.with_suffix(''), name]
-    subprocess.run(tar, check=True)
-    subprocess.run(['xz', '-f', '-3', '-T2', archive.with_suffix('')], check=True)
-    print(f'{sum(1 for p in folder.rglob("*") if p.is_file())} files')
+    subprocess.run(['xz', '-3', '-T2', archive], check=True)
+    archive.with_suffix('.tar.xz').rename(packages / f'{name}.tar.xz')
 
 
 if __name__ == '__main__':
