@@ -7,8 +7,10 @@ pictures of every window and what the headphone played stay in build/demo, and t
 they stood on the wire. The client's sound goes over a sound server of the demonstration's own.
 Where this machine allows it, that client finds the server by a name, which is answered late.
 Without it, the pilot is told what there is to look at.
+With --root, for try_package.py, the programs are those that a package has brought there, and run as a user without rights.
 """
 import argparse
+import os
 import pathlib
 import re
 import signal
@@ -143,9 +145,51 @@ def tune_as_typed(practice):
             print('not a frequency from 118.000 to 136.990', flush=True)
 
 
-def write_config(programs, account):
-    words = [USERNAME, PASSWORD] if account else []
-    subprocess.run([programs / 'tarvo-demo-config', programs, *words], check=True)
+class Programs:
+    """Those of a build, beside which their data are."""
+
+    def __init__(self, folder):
+        self.folder = self.data = folder
+
+    def command(self, name, *words):
+        return [self.folder / name, *words]
+
+    def environment(self):
+        return None
+
+    def write_config(self, account):
+        words = [USERNAME, PASSWORD] if account else []
+        subprocess.run([self.folder / 'tarvo-demo-config', self.data, *words], check=True)
+
+    def share(self, folder):
+        """Lets them see it."""
+
+
+class PackagedPrograms(Programs):
+    """Those that a package has brought into a root, whose user sees nothing of this machine but its display and sound."""
+
+    def __init__(self, folder, root, programs, data):
+        super().__init__(folder)
+        self.root, self.programs, self.data = pathlib.Path(root), programs, pathlib.Path(root, data)
+
+    def command(self, name, *words):
+        return ['/usr/sbin/chroot', '--userspec=1000:1000', self.root, f'/{self.programs}/{name}', *words]
+
+    def environment(self):
+        shared = ('DISPLAY', 'QT_QPA_PLATFORM', 'JACK_NO_START_SERVER', 'ALSA_CONFIG_PATH')
+        return {name: value for name, value in os.environ.items() if name in shared or name.startswith('PULSE_')} | {
+            'HOME': '/home/pilot', 'XDG_RUNTIME_DIR': '/home/pilot/run', 'LANG': 'C.UTF-8', 'PATH': '/usr/bin'}
+
+    def write_config(self, account):
+        (self.data / 'config.ini').unlink(missing_ok=True)  # which has the account of an earlier flight
+        super().write_config(account)
+        subprocess.run(['chown', '-R', '1000:1000', self.data], check=True)
+
+    def share(self, folder):
+        inside = self.root / str(folder)[1:]
+        inside.mkdir(parents=True)
+        folder.chmod(0o755)
+        subprocess.run(['mount', '--bind', folder, inside], check=True)
 
 
 def main():
@@ -153,32 +197,35 @@ def main():
     parser.add_argument('--bin', required=True, type=pathlib.Path)
     parser.add_argument('--headless', action='store_true')
     parser.add_argument('--msfs', action='store_true')
+    parser.add_argument('--root', nargs=3, metavar=('ROOT', 'PROGRAMS', 'DATA'))
     arguments = parser.parse_args()
-    programs = arguments.bin.resolve()
-    server_name, client_command = None, [programs / 'TarvoClient']
+    build = arguments.bin.resolve()
+    programs = PackagedPrograms(build, *arguments.root) if arguments.root else Programs(build)
+    server_name, client_command = None, programs.command('TarvoClient')
     if arguments.msfs:
-        client_command = demo_msfs.command(programs)
-    elif arguments.headless:
+        client_command = demo_msfs.command(build)
+    elif arguments.headless and not arguments.root:
         reason = enter_own_network()
         if reason is None:
-            server_name, client_command = Name('127.0.0.1'), [programs / 'tarvo-demo-client', SERVER_NAME]
+            server_name, client_command = Name('127.0.0.1'), programs.command('tarvo-demo-client', SERVER_NAME)
             NameServer({SERVER_NAME: server_name})
         else:
             print('no network of our own here, so the client finds the server by its address:', reason, flush=True)
-    driven_client.keep_pictures_in('demo-msfs' if arguments.msfs else 'demo')
+    driven_client.keep_pictures_in('demo-packaged' if arguments.root else 'demo-msfs' if arguments.msfs else 'demo')
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
-    practice = Practice(programs / 'tarvo-practice')
+    practice = Practice(programs.command('tarvo-practice'), programs.environment())
     client = None
     failure = None
     try:
         practice.wait_for('ready')
-        write_config(programs, account=not arguments.headless)
+        programs.write_config(account=not arguments.headless)
         if arguments.msfs:
-            demo_msfs.write_config(programs)
+            demo_msfs.write_config(build)
         if arguments.headless:
             with SoundServer() as sound, virtual_display():
-                client = Program('the client', client_command)
+                programs.share(sound.folder)
+                client = Program('the client', client_command, programs.environment())
                 try:
                     if arguments.msfs:
                         demo_msfs.fly(client, practice)

@@ -7,11 +7,11 @@ import tempfile
 import time
 
 import found_words
-from driven_client import PICTURES, Failure, picture, wait_until, window, xdotool
+import driven_client
+from driven_client import Failure, picture, wait_until, window, xdotool
 
 MINI_TITLE = '语音服务'
 RADIO_CHECK = 122800  # kHz
-RECORDING = PICTURES / 'headphone.flac'
 
 # Where the pilot clicks, in pixels of a main window of 1000x700, and of the mini window.
 VOICE_ITEM = (120, 280)
@@ -31,7 +31,8 @@ def talk(main, practice, sound):
             hear_tower(main, practice)
             check_radio(main, practice, lambda: sound.saying(words))
             time.sleep(0.5)  # what is still in the devices
-        subprocess.run(['flac', '--silent', '--force', '-o', RECORDING, f'{folder}/headphone.wav'], check=True)
+        subprocess.run(['flac', '--silent', '--force', '-o', driven_client.PICTURES / 'headphone.flac',
+                        f'{folder}/headphone.wav'], check=True)
         print('\nFound in the headphone (seconds, correlation, words):', flush=True)
         heard = found_words.read(f'{folder}/headphone.wav')
         if not found_words.report(heard, ['tower-greeting', 'radio-check']):

@@ -40,10 +40,10 @@ def wait_until(what, test, seconds=60):
 class Program:
     """A program of ours that runs beside; keeps what it printed."""
 
-    def __init__(self, name, command):
+    def __init__(self, name, command, environment=None):
         self.name = name
         self.lines = []
-        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+        self.process = subprocess.Popen(command, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                         errors='replace')
         threading.Thread(target=self._read, daemon=True).start()
 
@@ -81,8 +81,8 @@ class Program:
 class Practice(Program):
     """The practice network."""
 
-    def __init__(self, program):
-        super().__init__('the practice network', [program])
+    def __init__(self, command, environment=None):
+        super().__init__('the practice network', command, environment)
 
     def order(self, verb, **arguments):
         """Lets one of its verbs be carried out."""

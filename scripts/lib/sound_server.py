@@ -48,6 +48,11 @@ class SoundServer:
         subprocess.run(['pactl', 'set-default-source', 'mic_a'], check=True)
         return self
 
+    @property
+    def folder(self):
+        """Where its socket and the files are to which the environment leads."""
+        return self._folder
+
     def __exit__(self, *_):
         self._process.terminate()
         self._process.wait()

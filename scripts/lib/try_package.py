@@ -2,7 +2,8 @@
 """Tries a package as somebody has it who installs nothing else: in an empty root with its own files and the files of the
 packages that it asks for, as a user without rights, in a network of its own. The practice network runs there, the client
 signs in to it and shows its pages; a second start ends at once; what it wrote is in the user's own folder, or beside a
-portable client.
+portable client. A Debian package comes there as an upgrade of an older version, flies the driven demonstration, and is
+purged again: what the user has stays.
 
     try_package.py deb|portable TARVO-DEMO-CONFIG FOLDER
 """
@@ -13,7 +14,10 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import time
+
+import dpkg_root
 
 USER = 1000
 HOME = 'home/pilot'
@@ -84,12 +88,67 @@ def depends_of(package):
     return [re.match(r'[\w.+-]+', part.strip())[0] for part in fields.split(',')]
 
 
+# ALSA's way to the sound server, and locales, without which windows have no titles that others can read.
+DESKTOP = {'libasound2-plugins', 'libc-bin'}
+
+
+def packages_in(folder):
+    return sorted((folder / 'deb').glob('*.deb'))
+
+
 def unpack_deb(folder, root):
-    packages = sorted((folder / 'deb').glob('*.deb'))
-    link_packages(root, closure({name for package in packages for name in depends_of(package)}))
-    for package in packages:
-        subprocess.run(['dpkg-deb', '-x', package, root], check=True)
+    """An older version of the packages."""
+    packages = packages_in(folder)
+    names = closure({name for package in packages for name in depends_of(package)} | DESKTOP)
+    link_packages(root, names)
+    dpkg_root.know(root, names)
+    with tempfile.TemporaryDirectory(dir=folder) as scratch:
+        dpkg_root.install(root, dpkg_root.older(packages, pathlib.Path(scratch)))
     return 'usr/bin', f'{HOME}/.local/share/TarvoClient'
+
+
+def user_files(root):
+    """What each of the user's files holds."""
+    return {path: path.read_bytes() for path in sorted((root / HOME).rglob('*')) if path.is_file()}
+
+
+def upgrade(root, packages):
+    before = user_files(root)
+    dpkg_root.install(root, packages)
+    if user_files(root) != before:
+        raise Failure("the upgrade touched the user's files")
+    if (root / dpkg_root.ONLY_OLD).exists():
+        raise Failure('the upgrade left a file of the older version')
+
+
+def purge(root, packages):
+    before = user_files(root)
+    dpkg_root.purge(root, packages)
+    left = [path for package in packages for path in dpkg_root.files_of(package) if os.path.lexists(root / path)]
+    if left or (root / dpkg_root.ONLY_OLD.parent).exists():
+        raise Failure(f'the removal left {left}')
+    if user_files(root) != before:
+        raise Failure("the removal touched the user's files")
+
+
+def demonstrate(root, programs, data, build):
+    """The driven demonstration, with the programs that are in the root."""
+    demo = pathlib.Path(__file__).with_name('demo.py')
+    with open(root.parent / 'demonstration.txt', 'w') as said:
+        code = subprocess.run([demo, '--headless', '--bin', build, '--root', root, programs, data],
+                              stdout=said, stderr=subprocess.STDOUT).returncode
+    if code != 0:
+        raise Failure('the demonstration failed:\n' + pathlib.Path(said.name).read_text(errors='replace'))
+
+
+def live(root, programs, data, build, packages):
+    """What is left of a package's life after its first flight."""
+    upgrade(root, packages)
+    print('upgraded over an older version: what it brought is gone, the data are kept')
+    demonstrate(root, programs, data, build)
+    print('the driven demonstration was flown from it')
+    purge(root, packages)
+    print('removed: nothing of it is left but the data')
 
 
 def unpack_portable(folder, root):
@@ -140,7 +199,8 @@ class Stage:
         return process
 
     def end(self):
-        for process in self.running:
+        while self.running:
+            process = self.running.pop()
             process.terminate()
             process.wait()
 
@@ -193,7 +253,10 @@ def main():
         enter_own_world(root)
         stage = Stage(root, programs, output)
         print(fly(stage, root / data))
-    except Failure as failure:
+        if kind == 'deb':
+            stage.end()
+            live(root, programs, data, demo_config.parent, packages_in(folder))
+    except (Failure, RuntimeError) as failure:
         sys.exit(f'{kind}: {failure}')
     finally:
         if stage:
