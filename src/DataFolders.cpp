@@ -16,13 +16,6 @@ QString settingsIn(const QString &folder)
     return QDir(folder).filePath(QStringLiteral("config.ini"));
 }
 
-/// Tried, not asked for: neither rights nor access lists tell of a folder on Windows or of a medium that is locked.
-bool isWritable(const QString &folder)
-{
-    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".tarvo-XXXXXX")));
-    return probe.open();
-}
-
 QString reasonFor(RootChoice choice, const RootFacts &facts)
 {
     if (choice == RootChoice::Beside)
@@ -37,6 +30,12 @@ QString reasonFor(RootChoice choice, const RootFacts &facts)
 
 } // namespace
 
+bool isWritableFolder(const QString &folder)
+{
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral(".tarvo-XXXXXX")));
+    return probe.open();
+}
+
 RootChoice chooseRoot(const RootFacts &facts)
 {
     if (facts.besideIsWritable && (facts.besideHasSettings || !facts.ownHasSettings))
@@ -46,7 +45,7 @@ RootChoice chooseRoot(const RootFacts &facts)
 
 DataFolders findDataFolders(const QString &programFolder, const QString &ownFolder)
 {
-    const RootFacts facts{.besideIsWritable = isWritable(programFolder),
+    const RootFacts facts{.besideIsWritable = isWritableFolder(programFolder),
                           .besideHasSettings = QFileInfo::exists(settingsIn(programFolder)),
                           .ownHasSettings = QFileInfo::exists(settingsIn(ownFolder))};
     const RootChoice choice = chooseRoot(facts);

@@ -30,6 +30,9 @@ enum class RootChoice
 
 RootChoice chooseRoot(const RootFacts &facts);
 
+/// Tried, not asked for: neither rights nor access lists tell of a folder on Windows or of a medium that is locked.
+bool isWritableFolder(const QString &folder);
+
 /// Looks at the folders, makes the one that is chosen, and brings config.ini there where it has to come along.
 DataFolders findDataFolders(const QString &programFolder, const QString &ownFolder);
 

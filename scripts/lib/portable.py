@@ -13,7 +13,7 @@ import subprocess
 import sys
 
 QT = pathlib.Path('/usr/lib/x86_64-linux-gnu/qt6')
-PROGRAMS = ['TarvoClient', 'tarvo-practice']
+PROGRAMS = ['TarvoClient', 'tarvo-support', 'tarvo-practice']
 PLUGINS = ['platforms/libqxcb.so', 'platforms/libqoffscreen.so', 'platforms/libqminimal.so', 'imageformats/libqjpeg.so',
            'imageformats/libqico.so', 'sqldrivers/libqsqlite.so', 'multimedia/libgstreamermediaplugin.so',
            'tls/libqopensslbackend.so', 'tls/libqcertonlybackend.so',
@@ -114,6 +114,7 @@ def packages_of(libraries):
 def write_readme(folder, packages):
     (folder / 'README.txt').write_text(
         'TARVO Client\n\n在任意可写的文件夹中运行 TarvoClient；设置和日志保存在同一文件夹。\n'
+        '遇到问题时运行 tarvo-support，它检查并说明怎么办。\n'
         '练习网络：先运行 tarvo-practice，再用账号 1001、密码 practice 登录。\n\n'
         'Needed of a Debian 12, beside what every one has:\n'
         + ''.join(f'  {name}\n' for name in [*packages, 'gstreamer1.0-plugins-good', 'fonts-noto-cjk']), encoding='utf-8')

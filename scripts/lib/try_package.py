@@ -2,7 +2,8 @@
 """Tries a package as somebody has it who installs nothing else: in an empty root with its own files and the files of the
 packages that it asks for, as a user without rights, in a network of its own. The practice network runs there, the client
 signs in to it and shows its pages; a second start ends at once; what it wrote is in the user's own folder, or beside a
-portable client. A Debian package comes there as an upgrade of an older version, flies the driven demonstration, and is
+portable client. tarvo-support finds all well there but the sound, which there is none of, and packs what they wrote.
+A Debian package comes there as an upgrade of an older version, flies the driven demonstration, and is
 purged again: what the user has stays.
 
     try_package.py deb|portable TARVO-DEMO-CONFIG FOLDER
@@ -16,6 +17,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import zipfile
 
 import dpkg_root
 
@@ -189,10 +191,10 @@ class Stage:
         self.environment = {'HOME': f'/{HOME}', 'XDG_RUNTIME_DIR': f'/{HOME}/run', 'LANG': 'C.UTF-8', 'PATH': '/usr/bin',
                             'QT_QPA_PLATFORM': 'offscreen', 'QT_QUICK_BACKEND': 'software'}
 
-    def start(self, name):
+    def start(self, name, *arguments):
         output = open(self.output / f'{name}.{len(self.running)}.txt', 'wb')
         # Not chroot(8)'s own environment: nothing of the machine's may help.
-        process = subprocess.Popen(['/usr/sbin/chroot', f'--userspec={USER}:{USER}', self.root, f'/{self.programs}/{name}'],
+        process = subprocess.Popen(['/usr/sbin/chroot', f'--userspec={USER}:{USER}', self.root, f'/{self.programs}/{name}', *arguments],
                                    env=self.environment, stdout=output, stderr=subprocess.STDOUT)
         process.output = pathlib.Path(output.name)
         self.running.append(process)
@@ -231,7 +233,23 @@ def fly(stage, data):
             raise Failure(log())
     if not log().count('Imported Doc8643') == 1:
         raise Failure('the type data were not found\n' + log())
+    check_up(stage, data)
     return next(line for line in log().splitlines() if 'with its data in' in line)
+
+
+def check_up(stage, data):
+    """What is looked at by a pilot who needs help."""
+    support = stage.start('tarvo-support', '--pack', f'/{HOME}/support.zip')
+    support.wait(timeout=PATIENCE)
+    report = support.output.read_text()
+    faults = re.findall(r'^✗ (.+?)：', report, re.M)
+    if support.returncode != 1 or not faults or not set(faults) <= {'声音', '麦克风', '耳机和扬声器'}:
+        raise Failure(f'tarvo-support ended with {support.returncode}\n{report}')
+    with zipfile.ZipFile(stage.root / HOME / 'support.zip') as archive:
+        packed, bad = set(archive.namelist()), archive.testzip()
+    logs = {str(path.relative_to(data)) for path in data.glob('logs/*.log')}
+    if bad or not logs or not packed >= logs | {'report.txt', 'config.ini'}:
+        raise Failure(f'of {sorted(logs)} there is packed {sorted(packed)}; damaged: {bad}')
 
 
 def main():

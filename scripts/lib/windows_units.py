@@ -9,7 +9,7 @@ MULTIARCH = pathlib.Path('/usr/lib/x86_64-linux-gnu')
 MOC = '/usr/lib/qt6/libexec/moc'
 QT_INCLUDE = pathlib.Path('/usr/include/x86_64-linux-gnu/qt6')
 # Headers of libraries that don't depend on the C library's own, given to mingw through a folder of links.
-PORTABLE_HEADERS = ['nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'ogg', 'opus', 'portaudio.h', 'soxr.h']
+PORTABLE_HEADERS = ['archive.h', 'archive_entry.h', 'nlohmann', 'msgpack', 'msgpack.hpp', 'nng', 'benchmark', 'ogg', 'opus', 'portaudio.h', 'soxr.h']
 SDL_HEADERS = [pathlib.Path('/usr/include/SDL2'), QT_INCLUDE.parent / 'SDL2']  # Debian splits them
 UNWANTED_NAMES = ('-D__linux__', '-Dlinux', '-D_FORTIFY_SOURCE')
 

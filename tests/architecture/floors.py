@@ -17,7 +17,7 @@ FLOORS = {
     'voice/wire': 2, 'voice/transport': 2, 'voice/codec': 2, 'voice/engine': 2, 'voice/client': 2,
     'simulator/msfs/simconnect': 1, 'simulator/msfs/simvar': 2, 'simulator/msfs/session': 3, 'simulator/msfs/library': 3,
     'simulator/xplane': 3, 'simulator/msfs': 3,
-    'manager': 4, 'ui/viewmodel': 4,
+    'manager': 4, 'ui/viewmodel': 4, 'diagnosis': 4,
     'ui': 5, 'ui/view': 5,
     'app': 6,
 }
@@ -30,6 +30,8 @@ ONLY = {
     'ui/viewmodel': {'network', 'voice/client', 'voice/engine', 'input', 'core', 'model', 'common'},
     # The session knows the abstract simulator and never a backend.
     'manager': {'fsd', 'fsd/pdu', 'network', 'simulator', 'voice/client', 'voice/engine', 'core', 'model', 'common'},
+    # It asks what the client would ask, but runs beside it.
+    'diagnosis': {'fsd', 'voice/engine', 'simulator/xplane', 'simulator/msfs/simconnect', 'core', 'model', 'common'},
     'fsd/pdu': {'common'},
     'voice/wire': {'common'},
     # Nothing above the session knows SimConnect's own structures.

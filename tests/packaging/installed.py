@@ -16,10 +16,13 @@ ICON_SIZES = (16, 24, 32, 48, 64, 128, 256, 512)
 FILES = {
     'client': {
         'bin/TarvoClient',
+        'bin/tarvo-support',
+        'share/man/man1/tarvo-support.1',
         f'share/applications/{APP}.desktop',
         f'share/metainfo/{APP}.metainfo.xml',
         'share/TarvoClient/resources/Doc8643.txt',
         'share/doc/tarvoclient/CHANGELOG.md',
+        'share/doc/tarvoclient/SUPPORT.md',
         *(f'share/icons/hicolor/{size}x{size}/apps/{APP}.png' for size in ICON_SIZES),
     },
     'practice': {'bin/tarvo-practice', 'share/man/man1/tarvo-practice.1', 'share/doc/tarvo-practice/README.md'},
@@ -47,7 +50,7 @@ def man_page_faults(program, page):
     options = set(re.findall(r'--[a-z-]+', output(program, '--help')[1]))
     told = set(re.findall(r'--[a-z-]+', page.read_text().replace('\\-', '-')))
     if options != told:
-        yield f'the manual page and --help differ in {sorted(options ^ told)}'
+        yield f'the manual page of {program.name} and --help differ in {sorted(options ^ told)}'
     warnings = output('groff', '-man', '-ww', '-z', '-Tutf8', page)[1]
     if warnings:
         yield warnings
@@ -67,7 +70,8 @@ def faults(build, folder):
     for size in ICON_SIZES:
         if png_size(share / f'icons/hicolor/{size}x{size}/apps/{APP}.png') != (size, size):
             yield f'the icon of {size} pixels has another size'
-    yield from man_page_faults(folder / 'practice/bin/tarvo-practice', folder / 'practice/share/man/man1/tarvo-practice.1')
+    for component, program in (('client', 'tarvo-support'), ('practice', 'tarvo-practice')):
+        yield from man_page_faults(folder / component / 'bin' / program, folder / component / f'share/man/man1/{program}.1')
 
 
 def main():

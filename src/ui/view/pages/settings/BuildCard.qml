@@ -42,5 +42,10 @@ Card {
             label: qsTr("语音服务器")
             value: card.settings ? card.settings.voiceAddress : "--"
         }
+
+        Figure {
+            label: qsTr("遇到问题")
+            value: qsTr("运行同一文件夹中的 tarvo-support")
+        }
     }
 }

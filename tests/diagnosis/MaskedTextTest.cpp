@@ -1,0 +1,88 @@
+#include "diagnosis/MaskedText.h"
+#include "diagnosis/TestSettings.h"
+#include "support/TestRegistry.h"
+
+#include <QBuffer>
+#include <QTest>
+
+using namespace tarvo;
+using namespace tarvo::diagnosis;
+
+class MaskedTextTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void settingsKeepWhatIsNotSecret_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QByteArray>("line");
+        QTest::newRow("a text") << u"Auth/Username"_qs << QVariant(u"1001"_qs) << QByteArray("Username=1001");
+        QTest::newRow("a list") << u"XPlane/CSL"_qs << QVariant(QStringList{u"/a"_qs, u"/b"_qs})
+                                << QByteArray("CSL=/a, /b");
+        QTest::newRow("a password") << u"Auth/Password"_qs << QVariant(u"AbC="_qs) << QByteArray("Password=******");
+        QTest::newRow("a token") << u"Auth/RefreshToken"_qs << QVariant(u"AbC="_qs)
+                                 << QByteArray("RefreshToken=******");
+        QTest::newRow("no password") << u"Auth/Password"_qs << QVariant(QString()) << QByteArray("Password=");
+        QTest::newRow("a damaged name") << u"Auth/Passwrd"_qs << QVariant(u"AbC="_qs) << QByteArray("Passwrd=******");
+        QTest::newRow("a damaged section")
+            << u"Au/Username"_qs << QVariant(u"AbC="_qs) << QByteArray("Username=******");
+        QTest::newRow("a list of damaged name")
+            << u"Auth/Passwrd"_qs << QVariant(QStringList{u"Ab"_qs, u"C"_qs}) << QByteArray("Passwrd=******");
+        QTest::newRow("a secret elsewhere")
+            << u"Auth/Username"_qs << QVariant(u"my secret!"_qs) << QByteArray("Username=my ******!");
+        QTest::newRow("a secret in a list")
+            << u"XPlane/CSL"_qs << QVariant(QStringList{u"/secret"_qs, u"/b"_qs}) << QByteArray("CSL=/******, /b");
+        QTest::newRow("a secret for a name")
+            << u"Auth/secret"_qs << QVariant(u"x"_qs) << QByteArray("%2A%2A%2A%2A%2A%2A=******");
+    }
+    void settingsKeepWhatIsNotSecret()
+    {
+        QFETCH(const QString, key);
+        QFETCH(const QVariant, value);
+        QFETCH(const QByteArray, line);
+        const QByteArray text = maskedSettings({{key, value}}, {u"secret"_qs});
+        QVERIFY2(text.endsWith("]\n" + line + '\n'), text.constData());
+    }
+
+    void logsLoseTheirSecrets_data()
+    {
+        QTest::addColumn<QByteArray>("log");
+        QTest::addColumn<QByteArray>("shown");
+        QTest::newRow("empty") << QByteArray() << QByteArray();
+        QTest::newRow("nothing secret") << QByteArray("a\nb\n") << QByteArray("a\nb\n");
+        QTest::newRow("in a line") << QByteArray("a secret b\nc\n") << QByteArray("a ****** b\nc\n");
+        QTest::newRow("at a line's end") << QByteArray("a\nsecret") << QByteArray("a\n******\n");
+        QTest::newRow("Base64") << QByteArray("a c2VjcmV0 b\n") << QByteArray("a ****** b\n");
+        QTest::newRow("percent-encoded") << QByteArray("a %73ecret b\n") << QByteArray("a ****** b\n");
+    }
+    void logsLoseTheirSecrets()
+    {
+        QFETCH(QByteArray, log);
+        QBuffer buffer(&log);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        QTEST(maskedLog(buffer, {u"secret"_qs}, 1000), "shown");
+    }
+
+    void ofALongLogTheEndIsTaken_data()
+    {
+        QTest::addColumn<qint64>("most");
+        QTest::addColumn<QByteArray>("shown");
+        QTest::newRow("all of it") << qint64(13) << QByteArray("******\nb1\nb2\n");
+        QTest::newRow("not the cut secret") << qint64(10) << QByteArray("[7 bytes before this are left out]\nb1\nb2\n");
+        QTest::newRow("not the cut line") << qint64(5) << QByteArray("[10 bytes before this are left out]\nb2\n");
+        QTest::newRow("nothing but a cut line") << qint64(1) << QByteArray("[13 bytes before this are left out]\n");
+    }
+    void ofALongLogTheEndIsTaken()
+    {
+        QFETCH(const qint64, most);
+        QByteArray log("secret\nb1\nb2\n");
+        QBuffer buffer(&log);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        QTEST(maskedLog(buffer, {u"secret"_qs}, most), "shown");
+    }
+};
+
+TARVO_TEST(MaskedTextTest)
+#include "MaskedTextTest.moc"
