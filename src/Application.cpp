@@ -91,7 +91,8 @@ void Application::leave(int code, const network::ApiService &api)
 void Application::compose()
 {
     cleanUp();
-    m_loginPosition = m_loginWindow.pos();
+    m_loginPlace = ui::normalPlace(m_loginWindow);
+    m_loginMaximized = m_loginWindow.isMaximized();
     m_loginWindow.hide();
     m_icao.ensureLoaded();
     m_networkManager =
@@ -112,10 +113,12 @@ void Application::compose()
 
 void Application::openMainWindow()
 {
-    m_mainWindow->resize(m_loginWindow.size());
-    m_mainWindow->move(m_loginPosition);
+    m_mainWindow->resize(m_loginPlace.size());
+    m_mainWindow->move(m_loginPlace.topLeft());
     m_mainWindow->setMinimumSize(m_loginWindow.minimumSize());
     ui::restorePlace(*m_mainWindow, m_config.state());
+    if (m_loginMaximized)
+        m_mainWindow->setWindowState(m_mainWindow->windowState() | Qt::WindowMaximized);
     m_mainWindow->show();
 }
 
@@ -150,7 +153,8 @@ void Application::logOut()
             cleanUp();
             m_config.reset(config::sessionUsername);
             m_config.reset(config::sessionPassword);
-            m_loginWindow.move(m_loginPosition);
+            if (!m_loginMaximized)
+                m_loginWindow.move(m_loginPlace.topLeft());
             m_loginWindow.show();
         });
     });

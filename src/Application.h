@@ -4,7 +4,7 @@
 #include "model/SimulatorMode.h"
 #include "ui/LoginWindow.h"
 
-#include <QPoint>
+#include <QRect>
 
 #include <functional>
 #include <memory>
@@ -82,7 +82,8 @@ private:
     std::shared_ptr<voice::SoundThread> m_sound; ///< one for all sessions: the sound system knows the process
     // Destroyed from the last to the first: each dependent goes before what it depends on.
     ui::LoginWindow m_loginWindow;
-    QPoint m_loginPosition;
+    QRect m_loginPlace; ///< as normalPlace() tells it, from before it was hidden
+    bool m_loginMaximized = false;
     std::shared_ptr<manager::NetworkManager> m_networkManager;
     std::shared_ptr<manager::AircraftManager> m_aircraftManager;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraftManager;

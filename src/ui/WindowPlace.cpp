@@ -70,11 +70,16 @@ QRect clampedToScreens(const QRect &place, const QList<QRect> &screens)
     return result;
 }
 
-void rememberPlace(const QWidget &window, StateFile &state)
+QRect normalPlace(const QWidget &window)
 {
     const QPoint frame = window.frameGeometry().topLeft() - window.geometry().topLeft();
     const QRect normal = window.normalGeometry();
-    state.set(state::windowPlace, placeText(QRect(normal.topLeft() + frame, normal.size())));
+    return {normal.topLeft() + frame, normal.size()};
+}
+
+void rememberPlace(const QWidget &window, StateFile &state)
+{
+    state.set(state::windowPlace, placeText(normalPlace(window)));
     state.set(state::windowMaximized, window.isMaximized());
 }
 

@@ -23,7 +23,11 @@ std::optional<QRect> placeFromText(const QString &text);
 /// no larger than that screen and all of it inside. `screens` are the areas that windows may use; without any, `place`.
 QRect clampedToScreens(const QRect &place, const QList<QRect> &screens);
 
-/// Notes where `window` stands; for a maximised or minimised one, where it would stand otherwise.
+/// Where `window` stands, or would stand if it were neither maximised nor minimised: the corner of its frame and the
+/// size within it.
+QRect normalPlace(const QWidget &window);
+
+/// Notes normalPlace(), and whether `window` is maximised.
 void rememberPlace(const QWidget &window, StateFile &state);
 /// Puts `window`, which is not shown yet, where it was remembered. Leaves it alone when nothing was.
 void restorePlace(QWidget &window, const StateFile &state);

@@ -116,6 +116,22 @@ private slots:
         QCOMPARE(program.main().minimumSize(), QSize(1000, 700));
     }
 
+    void aMaximisedLoginOpensAMaximisedMainWindow()
+    {
+        Program program;
+        ui::LoginWindow &login = program.application.loginWindow();
+        login.setGeometry(20, 10, 1010, 710);
+        login.showMaximized();
+        QVERIFY(login.isMaximized());
+        program.signIn();
+        QVERIFY(program.main().isMaximized());
+        QCOMPARE(program.main().normalGeometry().size(), QSize(1010, 710));
+        program.signOut();
+        QVERIFY(login.isMaximized());
+        program.signIn(); // the place of the last session is known now
+        QVERIFY(program.main().isMaximized());
+    }
+
     void theMainWindowComesBackWhereItWasLeft()
     {
         Program program;
