@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <QSysInfo>
 #include <QThread>
 
 namespace tarvo::app {
@@ -46,12 +47,38 @@ SingleInstance::SingleInstance(const QString &dataRoot, QObject *parent)
 
 SingleInstance::Outcome SingleInstance::start(std::chrono::milliseconds patience)
 {
-    const bool isFirst = m_lock.tryLock(0);
-    if (!isFirst && m_lock.error() == QLockFile::LockFailedError)
-        return askOther(patience) ? Outcome::Shown : Outcome::NoAnswer;
-    if (isFirst)
+    if (takeLock())
         listen();
+    else if (m_lock.error() == QLockFile::LockFailedError)
+        return askOther(patience) ? Outcome::Shown : Outcome::NoAnswer;
     return Outcome::First;
+}
+
+bool SingleInstance::takeLock()
+{
+    if (m_lock.tryLock(0))
+        return true;
+    // Qt doesn't judge a lock file that was cut by a crash, or that another machine has written. Whoever still has the
+    // file open keeps it.
+    return m_lock.error() == QLockFile::LockFailedError && !hasKnownOwner() && nobodyListens() &&
+           m_lock.removeStaleLockFile() && m_lock.tryLock(0);
+}
+
+/// The lock names a process of this machine, of which Qt knows whether it runs.
+bool SingleInstance::hasKnownOwner() const
+{
+    qint64 pid = 0;
+    QString host;
+    QString program;
+    return m_lock.getLockInfo(&pid, &host, &program) && host == QSysInfo::machineHostName();
+}
+
+bool SingleInstance::nobodyListens() const
+{
+    QLocalSocket socket;
+    socket.connectToServer(m_serverName);
+    return !socket.waitForConnected(0) && (socket.error() == QLocalSocket::ServerNotFoundError ||
+                                           socket.error() == QLocalSocket::ConnectionRefusedError);
 }
 
 void SingleInstance::listen()

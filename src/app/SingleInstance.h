@@ -10,7 +10,8 @@
 namespace tarvo::app {
 
 /// Keeps two copies of the program from working on one data root. The first start takes the root's lock file and
-/// listens; a later one asks it to come forward and ends. The lock of a process that is gone is taken over.
+/// listens; a later one asks it to come forward and ends. The lock of a process that is gone is taken over, and one
+/// that names none of this machine unless somebody holds it.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -34,6 +35,9 @@ signals:
     void wanted();
 
 private:
+    bool takeLock();
+    bool hasKnownOwner() const;
+    bool nobodyListens() const;
     void listen();
     void onConnection();
     bool askOther(std::chrono::milliseconds patience) const;
