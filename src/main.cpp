@@ -6,6 +6,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 
 #include <QApplication>
+#include <QDebug>
 #include <QQuickStyle>
 
 int main(int argc, char **argv)
@@ -16,6 +17,8 @@ int main(int argc, char **argv)
     if (const auto outcome = instance.start(); outcome != tarvo::app::SingleInstance::Outcome::First)
         return tarvo::app::leaveToOther(outcome);
     tarvo::Application::setUp();
+    if (const QString warning = instance.warning(); !warning.isEmpty())
+        qWarning().noquote() << warning;
     int code = 0;
     {
         tarvo::Application application(tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),

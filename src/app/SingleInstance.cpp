@@ -4,7 +4,6 @@
 
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
-#include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
@@ -51,6 +50,9 @@ SingleInstance::Outcome SingleInstance::start(std::chrono::milliseconds patience
         listen();
     else if (m_lock.error() == QLockFile::LockFailedError)
         return askOther(patience) ? Outcome::Shown : Outcome::NoAnswer;
+    else
+        m_warning =
+            QStringLiteral("Another start is not kept out: the lock file can't be written (%1)").arg(m_lock.error());
     return Outcome::First;
 }
 
@@ -85,7 +87,7 @@ void SingleInstance::listen()
 {
     QLocalServer::removeServer(m_serverName); // of a process that was killed; whoever has the lock may
     if (!m_server.listen(m_serverName))
-        qWarning().noquote() << "Another start can't bring this one forward:" << m_server.errorString();
+        m_warning = QStringLiteral("Another start can't bring this one forward: %1").arg(m_server.errorString());
 }
 
 void SingleInstance::onConnection()

@@ -30,6 +30,9 @@ public:
     /// Takes the lock, or waits up to `patience` for the other copy's answer.
     Outcome start(std::chrono::milliseconds patience = std::chrono::seconds(5));
 
+    /// What start() has for the log, which is opened later; empty when all is well.
+    QString warning() const { return m_warning; }
+
 signals:
     /// Another start wants this one's window to come forward.
     void wanted();
@@ -45,6 +48,7 @@ private:
     QString m_serverName;
     QLockFile m_lock;
     QLocalServer m_server;
+    QString m_warning;
 };
 
 } // namespace tarvo::app

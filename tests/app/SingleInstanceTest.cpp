@@ -161,6 +161,14 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         SingleInstance instance(file.fileName()); // no lock can be made inside a file
         QCOMPARE(instance.start(0ms), SingleInstance::Outcome::First);
+        QVERIFY2(instance.warning().startsWith(u"Another start is not kept out: "_qs), qPrintable(instance.warning()));
+    }
+
+    void aRootThatIsWellHasNothingForTheLog()
+    {
+        SingleInstance instance(root());
+        QCOMPARE(instance.start(0ms), SingleInstance::Outcome::First);
+        QCOMPARE(instance.warning(), QString());
     }
 };
 
