@@ -89,16 +89,23 @@ void DeviceWishes::work()
     if (m_isWorking || m_isWaiting)
         return;
     m_next.stop();
-    const Opening opening = std::exchange(m_opening, Opening::None);
-    const Calls whenTried = std::exchange(m_whenTried, {});
-    m_isWorking = m_sound->post([=, this, mailbox = m_mailbox, streams = m_streams, wishes = m_wishes] {
+    m_isWorking = m_sound->post([this, mailbox = m_mailbox, streams = m_streams, wishes = m_wishes, opening = m_opening,
+                                 whenTried = m_whenTried] {
         const StreamsReport report = streams->fulfil(wishes, opening);
         mailbox->send([=, this] { onWorked(report, opening, whenTried); });
     });
+    if (m_isWorking)
+        forgetTold();
+    else // everything is still to be done
+        m_next.start(m_retries.next(false).value_or(watchInterval));
+}
+
+void DeviceWishes::forgetTold()
+{
+    m_opening = Opening::None;
+    m_whenTried.clear();
     for (StreamWish &wish : m_wishes)
-        wish.device.reset(); // it has been told
-    if (!m_isWorking)
-        onWorked({}, opening, whenTried);
+        wish.device.reset();
 }
 
 void DeviceWishes::onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried)

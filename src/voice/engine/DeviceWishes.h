@@ -62,6 +62,7 @@ private:
     StreamWish &at(StreamRole role) { return m_wishes[static_cast<std::size_t>(role)]; }
     void change();
     void work();
+    void forgetTold();
     void onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried);
     void goOn(const StreamsReport &report, Opening opening);
     void tell(const StreamsReport &report);

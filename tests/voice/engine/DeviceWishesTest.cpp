@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 #include <optional>
 #include <set>
 
@@ -281,6 +282,29 @@ private slots:
         stage.audio.reset();
         stage.sound->waitUntilIdle(std::chrono::milliseconds(test::patienceMs));
         QCOMPARE(stage.system.running(), Roles{});
+    }
+
+    void whatTheSoundThreadRefusesIsDoneLater()
+    {
+        WishStage stage;
+        std::promise<void> end;
+        stage.sound->post([held = end.get_future().share()] { held.wait(); });
+        while (stage.sound->post([] {})) {
+        }
+        bool isTried = false;
+        stage.audio->setInputDevice(7);
+        stage.audio->startAll([&isTried] { isTried = true; });
+        for (const auto pause : {1s, 2s}) {
+            TRY_VERIFY(stage.pause() == std::chrono::milliseconds(pause));
+            QVERIFY(!isTried);
+            QMetaObject::invokeMethod(&stage.timer("next"), "timeout");
+        }
+        end.set_value();
+        QVERIFY(stage.sound->waitUntilIdle(std::chrono::milliseconds(test::patienceMs)));
+        QTest::ignoreMessage(QtWarningMsg, "Input device change failed: invalid device 7");
+        stage.pass();
+        QVERIFY(isTried);
+        QCOMPARE(stage.system.running(), all);
     }
 
     // --- devices that fail ---
