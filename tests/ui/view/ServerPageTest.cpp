@@ -51,6 +51,9 @@ private slots:
         m_harness->type(u"ab-cd\t"_qs);
         QVERIFY(field("observerBox")->hasActiveFocus());
         m_harness->type(u" \t"_qs);
+        QVERIFY(field("coordinatedVoiceBox")->hasActiveFocus());
+        m_harness->type(u" \t"_qs);
+        QVERIFY(model().coordinatedVoice());
         QVERIFY(field("connectButton")->hasActiveFocus());
         QSignalSpy requested(&model(), &ServerPageViewModel::connectRequested);
         m_harness->type(u" "_qs);
@@ -104,6 +107,19 @@ private slots:
         QCOMPARE(field("connectButton")->property("text").toString(), u"以观察员连接 X-Plane"_qs);
         model().setObserverMode(false);
         QVERIFY(!field("observerBox")->property("checked").toBool());
+    }
+
+    void theVoiceBoxIsTheModelsUntilConnected()
+    {
+        QQuickItem *box = field("coordinatedVoiceBox");
+        QCOMPARE(box->property("text").toString(), u"协同语音"_qs);
+        m_harness->click(box);
+        QVERIFY(model().coordinatedVoice());
+        model().setCoordinatedVoice(false);
+        QVERIFY(!box->property("checked").toBool());
+        model().setServerState(true, u"已连接"_qs);
+        m_harness->click(box);
+        QVERIFY(!model().coordinatedVoice());
     }
 
     void suggestionsAppearWhileTyping()

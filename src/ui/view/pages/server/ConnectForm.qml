@@ -95,12 +95,25 @@ Card {
             }
         }
 
-        CustomCheckBox {
-            objectName: "observerBox"
-            enabled: !form.connected
-            text: qsTr("观察员")
-            checked: form.server ? form.server.observerMode : false
-            onToggled: if (form.server) form.server.observerMode = checked
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Style.spacingLarge
+
+            CustomCheckBox {
+                objectName: "observerBox"
+                enabled: !form.connected
+                text: qsTr("观察员")
+                checked: form.server ? form.server.observerMode : false
+                onToggled: if (form.server) form.server.observerMode = checked
+            }
+
+            CustomCheckBox {
+                objectName: "coordinatedVoiceBox"
+                enabled: !form.connected
+                text: qsTr("协同语音")
+                checked: form.server ? form.server.coordinatedVoice : false
+                onToggled: if (form.server) form.server.coordinatedVoice = checked
+            }
         }
 
         CustomButton {
