@@ -74,7 +74,7 @@ void StatusFeed::onNotification(const QString &message, MessageType type)
 {
     if (type != MessageType::Error)
         return;
-    m_error = message;
+    m_error = tellingError(m_error, message);
     m_errorAt = m_clock.steadyMs();
     if (!m_network->isBusy()) // a refusal: no session has begun that could end
         failNetwork(shownReason(message));

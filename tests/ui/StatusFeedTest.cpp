@@ -43,6 +43,17 @@ private slots:
         QCOMPARE(m_attention, 1);
     }
 
+    void aRefusedTokenIsNoKill()
+    {
+        m_stage->config.set(config::authVatsim, true);
+        startSession();
+        serverSays("$DISERVER:CLIENT:VATSIM FSD V3.53a:abcdef01"); // the account has no token to give
+        const QString reason = u"网络认证失败：No JWT token found, get FSD token fail"_qs;
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开（强制）"_qs);
+        QCOMPARE(m_stage->server().failureText(), reason);
+        QCOMPARE(banner(), u"网络连接失败："_qs + reason);
+    }
+
     void aBrokenLineIsTold()
     {
         connectAndAccept();
@@ -149,14 +160,25 @@ private slots:
 private:
     QString banner() const { return m_stage->window.status().bannerText(); }
 
-    /// An observer's session whose login the server has accepted.
-    void connectAndAccept()
+    void watchAttention()
     {
         m_attention = 0;
         connect(&m_stage->window, &ui::MainWindow::attentionAsked, this, [this] { ++m_attention; });
+    }
+
+    /// An observer's session on whose login the server has not answered yet.
+    void startSession()
+    {
         m_stage->observe(u"CES2352"_qs);
         TRY_VERIFY(m_stage->fsd.hasPendingConnections());
         m_peer = m_stage->fsd.nextPendingConnection();
+    }
+
+    /// One whose login it has accepted.
+    void connectAndAccept()
+    {
+        watchAttention();
+        startSession();
         serverSays("#AACES2352:SERVER:A B:1001::1:9");
         TRY_COMPARE(m_stage->server().serverStatusText(), u"已连接"_qs);
     }

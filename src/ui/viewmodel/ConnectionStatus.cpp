@@ -79,6 +79,13 @@ QString shownReason(const QString &told)
     return told;
 }
 
+QString tellingError(const QString &before, const QString &next)
+{
+    const bool isToldAgain = before.startsWith(QLatin1String("Network authentication error: ")) &&
+                             next.startsWith(QLatin1String("Forcibly disconnected from network"));
+    return isToldAgain ? before : next;
+}
+
 QString reasonOfEnd(const QString &error, qint64 errorAt, qint64 now)
 {
     if (error.isEmpty() || now - errorAt > errorExplainsForMs)

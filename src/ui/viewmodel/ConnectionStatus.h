@@ -27,6 +27,9 @@ QString forcedOutText();
 /// they are.
 QString shownReason(const QString &told);
 
+/// Which of two errors, one told after the other, explains an end. A refused token is told once more as a forced end.
+QString tellingError(const QString &before, const QString &next);
+
 /// How long an error explains an end that follows it, ms. A server tells why, then closes.
 constexpr qint64 errorExplainsForMs = 10'000;
 

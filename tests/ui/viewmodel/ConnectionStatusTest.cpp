@@ -83,6 +83,27 @@ private slots:
         QTEST(shownReason(told), "shown");
     }
 
+    void whichErrorTells_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("next");
+        QTest::addColumn<bool>("isFirst");
+        const QString token = u"Network authentication error: banned"_qs;
+        const QString forced = u"Forcibly disconnected from network: banned"_qs;
+        QTest::newRow("the only one") << QString() << forced << false;
+        QTest::newRow("refused token") << token << forced << true;
+        QTest::newRow("refused token without a reason") << token << u"Forcibly disconnected from network."_qs << true;
+        QTest::newRow("something new behind it") << token << u"RemoteHostClosedError: closed"_qs << false;
+        QTest::newRow("kill behind a server's error") << u"Network Error: bad"_qs << forced << false;
+    }
+    void whichErrorTells()
+    {
+        QFETCH(QString, before);
+        QFETCH(QString, next);
+        QFETCH(bool, isFirst);
+        QCOMPARE(tellingError(before, next), isFirst ? before : next);
+    }
+
     void anErrorExplainsAnEndThatFollowsSoon_data()
     {
         QTest::addColumn<qint64>("now");
