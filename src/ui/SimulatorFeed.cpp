@@ -54,7 +54,8 @@ void SimulatorFeed::connectRequests()
         if (const std::shared_ptr<Simulator> simulator = m_network->simulator())
             action(*simulator);
     };
-    connect(&m_page, &SimulatorPageViewModel::reconnectRequested, m_network.get(), &NetworkManager::reconnectSimulator);
+    connect(&m_page, &SimulatorPageViewModel::reconnectRequested, m_network.get(), &NetworkManager::reconnectSimulator,
+            Qt::QueuedConnection); // whoever has to know of the wish hears of it before
     connect(&m_page, &SimulatorPageViewModel::setCom1FrequencyRequested, this, [current](const QString &text) {
         if (const auto frequency = comFrequencyKhz(text))
             current([&](Simulator &simulator) { simulator.setCom1Frequency(*frequency); });

@@ -90,9 +90,12 @@ private slots:
         QFETCH(Wish, wish);
         QFETCH(QStringList, calls);
         SimulatorStage stage;
+        const auto answer = [] { QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall); };
         wish(stage.page); // there is no simulator yet: nothing to do, and nothing to fall over
+        answer();
         stage.session.addSimulator();
         wish(stage.page);
+        answer();
         QCOMPARE(stage.session.sim->calls, calls);
     }
 

@@ -1,5 +1,6 @@
 #include "ui/StatusFeed.h"
 #include "manager/NetworkManager.h"
+#include "support/FakeSimulator.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/MainStage.h"
@@ -122,6 +123,25 @@ private slots:
             m_stage->dashboard().requestSimulatorReconnect();
         emit m_stage->network->simulatorConnectionStateChanged(false);
         QTEST(banner(), "banner");
+    }
+
+    void thePagesButtonForAnotherAttemptIsAWish()
+    {
+        m_stage->window.show();
+        const auto simulator = std::make_shared<test::FakeSimulator>();
+        m_stage->network->setSimulator(simulator);
+        emit simulator->simConnectionStateChanged(true);
+        emit simulator->userAircraftDataChanged({.latitude = 40, .longitude = 116.5});
+        TRY_VERIFY(m_stage->dashboard().simulatorConnected());
+        TRY_COMPARE(simulator->calls, QStringList{u"reconnectSimulator"_qs}); // by itself, the first time
+        simulator->onCall = [&](const QString &) { emit simulator->simConnectionStateChanged(false); };
+        m_stage->dashboard().setServerState(true, u"已连接"_qs);
+        m_stage->dashboard().setCurrentMode(u"XPLANE"_qs);
+        test::click(m_stage->window, u"section-simulator"_qs);
+        const QSignalSpy told(&m_stage->window.status(), &ui::StatusViewModel::bannerChanged);
+        test::click(m_stage->window, u"reconnectButton"_qs);
+        TRY_VERIFY(!m_stage->dashboard().simulatorConnected());
+        QCOMPARE(told.size(), 0); // a loss, which a wish makes forgotten, would have been told first
     }
 
     void anotherAttemptIsShown()
