@@ -203,6 +203,8 @@ void MainWindow::connectStatus()
     connect(&m_status, &StatusViewModel::networkReconnectRequested, this, &MainWindow::reconnectToNetwork, later);
     connect(&m_status, &StatusViewModel::simulatorReconnectRequested, &m_dashboard,
             &DashboardViewModel::requestSimulatorReconnect);
+    connect(&m_status, &StatusViewModel::voiceReconnectRequested, &m_voice,
+            &VoiceServiceViewModel::connectToVoiceServer);
     connect(&m_dashboard, &DashboardViewModel::simulatorReconnectRequest, this, &MainWindow::onSimulatorAwaited);
     connect(&m_simulator, &SimulatorPageViewModel::reconnectRequested, this, &MainWindow::onSimulatorAwaited);
 }

@@ -2,6 +2,7 @@
 
 #include "common/Clock.h"
 #include "common/MessageType.h"
+#include "ui/viewmodel/ConnectionStatus.h"
 
 #include <QObject>
 #include <QString>
@@ -52,6 +53,8 @@ private:
     void connectWishes();
     void connectSession();
     void showSimulator();
+    void showVoice();
+    void onVoiceError(const QString &error);
     void onNotification(const QString &message, common::MessageType type);
     void onNetworkEnded();
     void onSimulatorFailed(const QString &message);
@@ -61,11 +64,14 @@ private:
     StatusSources m_from;
     StatusViewModel &m_status;
     const common::Clock &m_clock;
-    QString m_error;        ///< the session's last
-    qint64 m_errorAt = 0;   ///< steady time
-    bool m_leaving = false; ///< the pilot wants the session's end
+    ToldError m_error; ///< the session's last
+    ToldError m_voiceError;
+    // The pilot has asked for what ends a connection. Holds until it has ended, or is up.
+    bool m_networkEndWished = false;
+    bool m_simulatorEndWished = false;
+    // What was shown last.
     bool m_simulatorWas = false;
-    bool m_simulatorWish = false; ///< the pilot has asked for another simulator, or the same anew
+    bool m_voiceWas = false;
 };
 
 } // namespace tarvo::ui

@@ -36,6 +36,8 @@ struct MainStage : AccountStage
         ServiceEndpoints endpoints = peer.endpoints();
         endpoints.fsdHost = u"127.0.0.1"_qs;
         endpoints.fsdPort = server.serverPort();
+        endpoints.voiceHost = u"127.0.0.1"_qs;
+        endpoints.voiceTcpPort = 1; // where nobody is
         return endpoints;
     }
     ui::ServerPageViewModel &server() { return window.server(); }

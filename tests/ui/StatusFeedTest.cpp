@@ -4,6 +4,7 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/MainStage.h"
+#include "voice/client/VoiceClient.h"
 
 #include <QObject>
 #include <QSignalSpy>
@@ -13,6 +14,7 @@
 
 using namespace tarvo;
 using test::MainStage;
+using voice::ConnectionState;
 
 /// How the main window comes to know why a connection ended, and whether the pilot wished it.
 class StatusFeedTest : public QObject
@@ -156,6 +158,57 @@ private slots:
         QVERIFY(m_stage->dashboard().simulatorHintText() != u"插件没有应答"_qs);
     }
 
+    void anAttemptAtVoiceThatFailsIsTold()
+    {
+        voiceIs(ConnectionState::Connecting);
+        QCOMPARE(voiceLine(), u"pending 连接中..."_qs);
+        emit voice().errorOccurred(u"Failed to connect to server at v.test (ip=127.0.0.1): refused (errno=1)"_qs);
+        const QString reason = u"无法连接语音服务器：v.test (ip=127.0.0.1): refused (errno=1)"_qs;
+        QCOMPARE(voiceLine(), u"failed 连接失败 "_qs + reason);
+        m_stage->window.voice().connectToVoiceServer(); // the next one
+        QCOMPARE(voiceLine(), u"pending 连接中..."_qs);
+        voiceIs(ConnectionState::Connected);
+        QCOMPARE(voiceLine(), u"good 已连接"_qs);
+    }
+
+    void aLostVoiceIsTold_data()
+    {
+        QTest::addColumn<QString>("said");
+        QTest::addColumn<bool>("online");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("attention");
+        QTest::newRow("without a word") << QString() << true << u"failed 未连接 与服务器的连接中断。"_qs << 1;
+        QTest::newRow("with a reason") << u"bye"_qs << true << u"failed 未连接 bye"_qs << 1;
+        QTest::newRow("after the flight") << u"bye"_qs << false << u"quiet 未连接"_qs << 0;
+    }
+    void aLostVoiceIsTold()
+    {
+        QFETCH(QString, said);
+        QFETCH(bool, online);
+        watchAttention();
+        m_stage->dashboard().setServerState(online, u"已连接"_qs);
+        voiceIs(ConnectionState::Ready);
+        if (!said.isEmpty())
+            emit voice().errorOccurred(said);
+        QCOMPARE(voiceLine(), u"good 就绪"_qs);
+        voiceIs(ConnectionState::Disconnected);
+        QTEST(voiceLine(), "line");
+        QTEST(m_attention, "attention");
+        m_stage->window.status().setCurrentSection(u"voice"_qs);
+        QCOMPARE(voiceLine(), u"quiet 未连接"_qs);
+    }
+
+    void theNetworksEndTakesVoiceWithIt()
+    {
+        connectAndAccept();
+        voiceIs(ConnectionState::Ready);
+        emit m_stage->server().disconnectRequested();
+        MainStage::answer();
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        voiceIs(ConnectionState::Disconnected);
+        QCOMPARE(voiceLine(), u"quiet 未连接"_qs);
+    }
+
     void aPrivateTextAndSelcalAskForAttention()
     {
         const QSignalSpy asked(&m_stage->window, &ui::MainWindow::attentionAsked);
@@ -179,6 +232,15 @@ private slots:
 
 private:
     QString banner() const { return m_stage->window.status().bannerText(); }
+
+    voice::VoiceClient &voice() const { return m_stage->network->voiceClient(); }
+    void voiceIs(ConnectionState state) const { emit voice().connectionStateChanged(state); }
+    /// "tone word reason"
+    QString voiceLine() const
+    {
+        const ui::StatusLine &line = m_stage->window.status().lines().at(2);
+        return QStringList{ui::toneText(line.tone), line.word, line.reason}.join(u' ').trimmed();
+    }
 
     void watchAttention()
     {

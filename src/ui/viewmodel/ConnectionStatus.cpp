@@ -38,6 +38,9 @@ constexpr Reason reasons[] = {
     {"HostNotFoundError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "找不到服务器的地址。")},
     {"SocketTimeoutError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器没有应答。")},
     {"NetworkError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "网络不通，请检查本机的网络连接。")},
+    {"Failed to resolve server address ",
+     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "找不到语音服务器的地址：%1")},
+    {"Failed to connect to server at ", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "无法连接语音服务器：%1")},
 };
 
 } // namespace
@@ -48,7 +51,7 @@ QString toneText(Tone tone)
     return QString::fromLatin1(names[static_cast<int>(tone)]);
 }
 
-QString simulatorFailedText()
+QString failedText()
 {
     return ConnectionTexts::tr("连接失败");
 }
@@ -64,7 +67,7 @@ Tone toneOf(bool connected, const QString &statusText)
         return Tone::Pending;
     if (connected)
         return Tone::Good;
-    return statusText == simulatorFailedText() || statusText == forcedOutText() ? Tone::Failed : Tone::Quiet;
+    return statusText == failedText() || statusText == forcedOutText() ? Tone::Failed : Tone::Quiet;
 }
 
 QString shownReason(const QString &told)
@@ -86,11 +89,11 @@ QString tellingError(const QString &before, const QString &next)
     return isToldAgain ? before : next;
 }
 
-QString reasonOfEnd(const QString &error, qint64 errorAt, qint64 now)
+QString reasonOfEnd(const ToldError &error, qint64 now)
 {
-    if (error.isEmpty() || now - errorAt > errorExplainsForMs)
+    if (error.text.isEmpty() || now - error.at > errorExplainsForMs)
         return ConnectionTexts::tr("与服务器的连接中断。");
-    return shownReason(error);
+    return shownReason(error.text);
 }
 
 StatusLine lineOf(const Link &link)
@@ -101,17 +104,25 @@ StatusLine lineOf(const Link &link)
     return {link.section, link.name, link.word, tone, tone == Tone::Failed ? link.reason : QString()};
 }
 
-Banner bannerOf(const Link &network, const Link &simulator, const QString &section)
+Banner bannerOf(const Link &network, const Link &simulator, const Link &voice, const QString &section)
 {
-    if (!network.seen && network.wasUp)
-        return {ConnectionTexts::tr("网络已断开：%1").arg(network.reason), ConnectionTexts::tr("重新连接"),
-                BannerAction::ReconnectNetwork};
-    if (!network.seen && section != network.section)
-        return {ConnectionTexts::tr("网络连接失败：%1").arg(network.reason), ConnectionTexts::tr("查看"),
-                BannerAction::ShowSection};
-    if (!simulator.seen && simulator.wasUp)
-        return {ConnectionTexts::tr("模拟器已断开：%1").arg(simulator.reason), ConnectionTexts::tr("重新连接"),
-                BannerAction::ReconnectSimulator};
+    const auto lost = [](const Link &link) { return !link.seen && link.wasUp; };
+    const auto failed = [&section](const Link &link) { return !link.seen && link.section != section; };
+    const auto banner = [](const Link &link, const QString &text, BannerAction action) -> Banner {
+        const bool again = action == BannerAction::Reconnect;
+        return {text.arg(link.reason), again ? ConnectionTexts::tr("重新连接") : ConnectionTexts::tr("查看"), action,
+                link.section};
+    };
+    if (lost(network))
+        return banner(network, ConnectionTexts::tr("网络已断开：%1"), BannerAction::Reconnect);
+    if (failed(network))
+        return banner(network, ConnectionTexts::tr("网络连接失败：%1"), BannerAction::ShowSection);
+    if (lost(simulator))
+        return banner(simulator, ConnectionTexts::tr("模拟器已断开：%1"), BannerAction::Reconnect);
+    if (lost(voice))
+        return banner(voice, ConnectionTexts::tr("语音已断开：%1"), BannerAction::Reconnect);
+    if (failed(voice))
+        return banner(voice, ConnectionTexts::tr("语音连接失败：%1"), BannerAction::ShowSection);
     return {};
 }
 

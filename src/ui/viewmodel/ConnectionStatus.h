@@ -20,7 +20,7 @@ QString toneText(Tone tone);
 Tone toneOf(bool connected, const QString &statusText);
 
 /// The state texts of connections that ended, or never came about, by nobody's wish.
-QString simulatorFailedText();
+QString failedText();
 QString forcedOutText();
 
 /// Why a connection failed, in the pilot's language where the words are the program's own; a server's words stay as
@@ -33,8 +33,15 @@ QString tellingError(const QString &before, const QString &next);
 /// How long an error explains an end that follows it, ms. A server tells why, then closes.
 constexpr qint64 errorExplainsForMs = 10'000;
 
-/// Why a session has ended: the last error, if it came shortly before. Times are steady, ms; `error` may be empty.
-QString reasonOfEnd(const QString &error, qint64 errorAt, qint64 now);
+/// An error, and the steady time at which it was told, ms. Without a text there was none.
+struct ToldError
+{
+    QString text;
+    qint64 at = 0;
+};
+
+/// Why a connection has ended: the last error, if it came shortly before. `now`: steady, ms.
+QString reasonOfEnd(const ToldError &error, qint64 now);
 
 /// What the sidebar says of one connection.
 struct StatusLine
@@ -68,9 +75,8 @@ StatusLine lineOf(const Link &link);
 enum class BannerAction
 {
     None,
-    ReconnectNetwork,
-    ReconnectSimulator,
-    ShowSection ///< the network's page
+    Reconnect,
+    ShowSection ///< the connection's page, which tells more
 };
 
 /// A line over every page. Without a text there is none.
@@ -79,11 +85,12 @@ struct Banner
     QString text;
     QString actionText;
     BannerAction action = BannerAction::None;
+    QString section; ///< of the connection that it tells of
 
     bool operator==(const Banner &) const = default;
 };
 
-/// `section`: the page that is open. The one of the network tells itself why an attempt failed.
-Banner bannerOf(const Link &network, const Link &simulator, const QString &section);
+/// `section`: the page that is open. Those of network and voice tell themselves why an attempt failed.
+Banner bannerOf(const Link &network, const Link &simulator, const Link &voice, const QString &section);
 
 } // namespace tarvo::ui

@@ -47,6 +47,11 @@ void StatusViewModel::simulatorFailed(const QString &reason)
     fail(m_simulator, reason);
 }
 
+void StatusViewModel::voiceFailed(const QString &reason)
+{
+    fail(m_voice, reason);
+}
+
 void StatusViewModel::forgetNetwork()
 {
     forget(m_network);
@@ -55,6 +60,11 @@ void StatusViewModel::forgetNetwork()
 void StatusViewModel::forgetSimulator()
 {
     forget(m_simulator);
+}
+
+void StatusViewModel::forgetVoice()
+{
+    forget(m_voice);
 }
 
 void StatusViewModel::setState(Link &link, bool connected, const QString &word)
@@ -94,36 +104,43 @@ void StatusViewModel::setCurrentSection(const QString &section)
 
 void StatusViewModel::see(const QString &section)
 {
-    for (Link *link : {&m_network, &m_simulator}) {
+    for (Link *link : {&m_network, &m_simulator, &m_voice}) {
         // A simulator that can't be reached stays red: nothing has been lost that could be forgotten.
-        if (link->section == section && link->word != simulatorFailedText())
+        const bool staysRed = link == &m_simulator && link->word == failedText();
+        if (link->section == section && !staysRed)
             link->seen = true;
     }
 }
 
 void StatusViewModel::dismissBanner()
 {
-    Link &told = m_banner.action == BannerAction::ReconnectSimulator ? m_simulator : m_network;
-    told.seen = true;
+    for (Link *link : {&m_network, &m_simulator, &m_voice}) {
+        if (link->section == m_banner.section)
+            link->seen = true;
+    }
     update();
 }
 
 void StatusViewModel::act()
 {
-    const BannerAction action = m_banner.action;
+    const Banner told = m_banner;
     dismissBanner();
-    if (action == BannerAction::ReconnectNetwork)
+    if (told.action == BannerAction::ShowSection)
+        emit sectionRequested(told.section);
+    if (told.action != BannerAction::Reconnect)
+        return;
+    if (told.section == m_network.section)
         emit networkReconnectRequested();
-    else if (action == BannerAction::ReconnectSimulator)
+    else if (told.section == m_simulator.section)
         emit simulatorReconnectRequested();
-    else if (action == BannerAction::ShowSection)
-        emit sectionRequested(m_network.section);
+    else
+        emit voiceReconnectRequested();
 }
 
 void StatusViewModel::update()
 {
     m_lines.setRows({lineOf(m_network), lineOf(m_simulator), lineOf(m_voice)});
-    const Banner banner = bannerOf(m_network, m_simulator, m_section);
+    const Banner banner = bannerOf(m_network, m_simulator, m_voice, m_section);
     if (banner == m_banner)
         return;
     m_banner = banner;

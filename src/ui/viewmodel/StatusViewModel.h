@@ -33,9 +33,12 @@ public:
     void networkFailed(const QString &reason);
     /// The simulator was lost, or could not be reached.
     void simulatorFailed(const QString &reason);
+    /// Voice was lost, or an attempt has failed, by nobody's wish.
+    void voiceFailed(const QString &reason);
     /// The pilot has asked for a new beginning, or an end: what failed before is of no interest any more.
     void forgetNetwork();
     void forgetSimulator();
+    void forgetVoice();
 
     /// The page that is open. To open or leave the one that tells of a failure is to know of it.
     Q_INVOKABLE void setCurrentSection(const QString &section);
@@ -47,6 +50,7 @@ signals:
     void bannerChanged();
     void networkReconnectRequested();
     void simulatorReconnectRequested();
+    void voiceReconnectRequested();
     void sectionRequested(QString section);
 
 private:

@@ -84,8 +84,7 @@ VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttServ
 void VoiceServiceViewModel::connectClient()
 {
     connect(m_client, &VoiceClient::connectionStateChanged, this, &VoiceServiceViewModel::onConnectionState);
-    connect(m_client, &VoiceClient::errorOccurred, this,
-            [this](const QString &error) { addEvent(QStringLiteral("ERROR: ") + error); });
+    connect(m_client, &VoiceClient::errorOccurred, this, &VoiceServiceViewModel::onError);
     connect(m_client, &VoiceClient::voiceDataSent, this, &VoiceServiceViewModel::onSent);
     connect(m_client, &VoiceClient::voiceDataReceived, this, &VoiceServiceViewModel::onReceived);
     connect(m_client, &VoiceClient::audioHandlerCreated, this, [this](const AudioHandler *audio) {
@@ -124,12 +123,31 @@ void VoiceServiceViewModel::connectToVoiceServer()
         return;
     qInfo("Connecting to voice server...");
     prepareDevices();
+    setAttemptFailed(false);
     m_client->connectToServer(m_config.get(config::authToken));
+}
+
+QString VoiceServiceViewModel::connectionTone() const
+{
+    return toneText(m_attemptFailed ? Tone::Failed : toneOf(connected(), connectionStateText()));
+}
+
+void VoiceServiceViewModel::setAttemptFailed(bool failed)
+{
+    if (std::exchange(m_attemptFailed, failed) != failed)
+        emit connectStateChanged();
+}
+
+void VoiceServiceViewModel::onError(const QString &error)
+{
+    addEvent(QStringLiteral("ERROR: ") + error);
+    setAttemptFailed(m_state == ConnectionState::Connecting);
 }
 
 void VoiceServiceViewModel::onConnectionState(ConnectionState state)
 {
     m_state = state;
+    m_attemptFailed = false;
     const bool named = state == ConnectionState::Ready;
     m_callsign = named ? shownText(QString::fromStdString(m_client->callsign()), SpeechTimeline::longestCallsign)
                        : unknownCallsign();

@@ -100,7 +100,10 @@ public:
 
     bool connected() const; ///< to the server; it needn't have greeted
     QString connectionStateText() const;
-    QString connectionTone() const { return toneText(toneOf(connected(), connectionStateText())); }
+    QString connectionTone() const;
+    bool isConnecting() const { return m_state == voice::ConnectionState::Connecting && !m_attemptFailed; }
+    /// The last attempt has failed, and there is no other. The state and its text stay at Connecting all the same.
+    bool attemptFailed() const { return m_attemptFailed; }
     /// The devices can be tested only while nothing else uses them.
     bool canTest() const { return m_client && m_state == voice::ConnectionState::Disconnected; }
     QString callsign() const { return m_callsign; } ///< "Unknown" until the server has greeted
@@ -182,6 +185,8 @@ private:
     static QString frequencyText(const VoiceRadio &radio);
     void connectClient();
     void onConnectionState(voice::ConnectionState state);
+    void onError(const QString &error);
+    void setAttemptFailed(bool failed);
     void onSent(const common::VolumeInfo &volume);
     void onReceived(const QString &callsign, int kHz, const common::VolumeInfo &volume);
     void onKey(bool active);
@@ -203,6 +208,7 @@ private:
     const common::Clock &m_clock;
 
     voice::ConnectionState m_state = voice::ConnectionState::Disconnected;
+    bool m_attemptFailed = false;
     QString m_callsign;
     VoiceRadio m_com1;
     VoiceRadio m_com2;

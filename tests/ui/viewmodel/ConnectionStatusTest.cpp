@@ -26,6 +26,13 @@ Link simulatorLink(bool connected, const QString &word, bool seen, bool wasUp = 
     return link;
 }
 
+Link voiceLink(const QString &word, bool seen, bool wasUp)
+{
+    Link link = networkLink(word == u"就绪"_qs, word, seen, wasUp);
+    link.section = u"voice"_qs;
+    return link;
+}
+
 } // namespace
 
 /// The colours of the dots, the words for what went wrong, and what the banner says.
@@ -73,6 +80,10 @@ private slots:
         QTest::newRow("busy") << u"Already connected or connecting to network. Disconnect before changing callsign."_qs
                               << u"已连接或正在连接网络，请先断开再更换呼号。"_qs;
         QTest::newRow("no callsign") << u"Callsign and Type Code are required."_qs << u"需要填写呼号和机型代码。"_qs;
+        QTest::newRow("no voice server of that name")
+            << u"Failed to resolve server address v.test"_qs << u"找不到语音服务器的地址：v.test"_qs;
+        QTest::newRow("no voice server") << u"Failed to connect to server at v.test (ip=::1): no (errno=1)"_qs
+                                         << u"无法连接语音服务器：v.test (ip=::1): no (errno=1)"_qs;
         QTest::newRow("Chinese already") << u"飞行员模式连接 FSD 前"_qs << u"飞行员模式连接 FSD 前"_qs;
         QTest::newRow("something else") << u"what Network Error: is"_qs << u"what Network Error: is"_qs;
         QTest::newRow("nothing") << QString() << QString();
@@ -115,8 +126,8 @@ private slots:
     void anErrorExplainsAnEndThatFollowsSoon()
     {
         QFETCH(qint64, now);
-        QTEST(reasonOfEnd(u"Network Error: bye"_qs, 1000, now), "reason");
-        QCOMPARE(reasonOfEnd({}, 1000, now), u"与服务器的连接中断。"_qs);
+        QTEST(reasonOfEnd({u"Network Error: bye"_qs, 1000}, now), "reason");
+        QCOMPARE(reasonOfEnd({{}, 1000}, now), u"与服务器的连接中断。"_qs);
     }
 
     void lines_data()
@@ -148,6 +159,7 @@ private slots:
     {
         QTest::addColumn<Link>("network");
         QTest::addColumn<Link>("simulator");
+        QTest::addColumn<Link>("voice");
         QTest::addColumn<QString>("section");
         QTest::addColumn<QString>("banner");
         const Link up = networkLink(true, u"已连接"_qs, true, true);
@@ -156,24 +168,39 @@ private slots:
         const Link simulatorThere = simulatorLink(true, u"已连接"_qs, true, true);
         const Link simulatorLost = simulatorLink(false, u"未连接"_qs, false, true);
         const Link simulatorAbsent = simulatorLink(false, u"连接失败"_qs, false, false);
-        QTest::newRow("all is well") << up << simulatorThere << u"dashboard"_qs << u"|"_qs;
-        QTest::newRow("lost") << lost << simulatorThere << u"dashboard"_qs << u"网络已断开：为什么|重新连接"_qs;
+        const Link voice = voiceLink(u"就绪"_qs, true, true);
+        const Link voiceLost = voiceLink(u"未连接"_qs, false, true);
+        const Link voiceFailed = voiceLink(u"连接失败"_qs, false, false);
+        QTest::newRow("all is well") << up << simulatorThere << voice << u"dashboard"_qs << u"|"_qs;
+        QTest::newRow("lost") << lost << simulatorThere << voice << u"dashboard"_qs
+                              << u"网络已断开：为什么|重新连接"_qs;
         QTest::newRow("lost, on its page")
-            << lost << simulatorThere << u"server"_qs << u"网络已断开：为什么|重新连接"_qs;
-        QTest::newRow("attempt failed") << failed << simulatorThere << u"messages"_qs
+            << lost << simulatorThere << voice << u"server"_qs << u"网络已断开：为什么|重新连接"_qs;
+        QTest::newRow("attempt failed") << failed << simulatorThere << voice << u"messages"_qs
                                         << u"网络连接失败：为什么|查看"_qs;
-        QTest::newRow("attempt failed, on the page that tells") << failed << simulatorThere << u"server"_qs << u"|"_qs;
-        QTest::newRow("simulator lost") << up << simulatorLost << u"messages"_qs << u"模拟器已断开：为什么|重新连接"_qs;
+        QTest::newRow("attempt failed, on the page that tells")
+            << failed << simulatorThere << voice << u"server"_qs << u"|"_qs;
+        QTest::newRow("simulator lost") << up << simulatorLost << voice << u"messages"_qs
+                                        << u"模拟器已断开：为什么|重新连接"_qs;
         QTest::newRow("the network goes first")
-            << lost << simulatorLost << u"messages"_qs << u"网络已断开：为什么|重新连接"_qs;
-        QTest::newRow("a simulator that never was") << up << simulatorAbsent << u"dashboard"_qs << u"|"_qs;
+            << lost << simulatorLost << voice << u"messages"_qs << u"网络已断开：为什么|重新连接"_qs;
+        QTest::newRow("a simulator that never was") << up << simulatorAbsent << voice << u"dashboard"_qs << u"|"_qs;
+        QTest::newRow("voice lost") << up << simulatorThere << voiceLost << u"voice"_qs
+                                    << u"语音已断开：为什么|重新连接"_qs;
+        QTest::newRow("the simulator goes before voice")
+            << up << simulatorLost << voiceLost << u"messages"_qs << u"模拟器已断开：为什么|重新连接"_qs;
+        QTest::newRow("attempt at voice failed")
+            << up << simulatorThere << voiceFailed << u"messages"_qs << u"语音连接失败：为什么|查看"_qs;
+        QTest::newRow("attempt at voice failed, on the page that tells")
+            << up << simulatorThere << voiceFailed << u"voice"_qs << u"|"_qs;
     }
     void banners()
     {
         QFETCH(Link, network);
         QFETCH(Link, simulator);
+        QFETCH(Link, voice);
         QFETCH(QString, section);
-        const Banner banner = bannerOf(network, simulator, section);
+        const Banner banner = bannerOf(network, simulator, voice, section);
         QTEST(banner.text + u'|' + banner.actionText, "banner");
     }
 };

@@ -133,6 +133,24 @@ private slots:
         QCOMPARE(m_status->lines().at(2).tone, Tone::Good);
     }
 
+    void aVoiceThatFailsIsRedUntilItsPageIsOpened()
+    {
+        const QSignalSpy voice(m_status.get(), &StatusViewModel::voiceReconnectRequested);
+        m_status->setVoice(false, u"连接失败"_qs);
+        m_status->voiceFailed(u"refused"_qs);
+        QCOMPARE(line(2), u"! 语音 连接失败 refused"_qs);
+        QCOMPARE(m_status->bannerText(), u"语音连接失败：refused"_qs);
+        m_status->setCurrentSection(u"voice"_qs);
+        QCOMPARE(line(2), u"语音 连接失败"_qs);
+        m_status->setVoice(true, u"就绪"_qs);
+        m_status->setVoice(false, u"未连接"_qs);
+        m_status->voiceFailed(u"gone"_qs);
+        QCOMPARE(m_status->bannerText(), u"语音已断开：gone"_qs);
+        m_status->act();
+        QCOMPARE(voice.size(), 1);
+        QCOMPARE(line(2), u"语音 未连接"_qs);
+    }
+
 private:
     void loseNetwork()
     {
