@@ -1,7 +1,6 @@
 #include "IniFormat.h"
 
 #include <QIODevice>
-#include <QOperatingSystemVersion>
 
 namespace tarvo::ini {
 
@@ -24,11 +23,10 @@ bool write(QIODevice &device, const QSettings::SettingsMap &values)
 
 QSettings::Format format()
 {
-    // As QSettings compares the keys of an INI file.
-    constexpr Qt::CaseSensitivity keys = QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows
-                                             ? Qt::CaseInsensitive
-                                             : Qt::CaseSensitive;
-    static const QSettings::Format registered = QSettings::registerFormat(QStringLiteral("ini"), read, write, keys);
+    // On Windows too, though there QSettings' own INI form is not: it would hand all keys to the writer in small
+    // letters.
+    static const QSettings::Format registered =
+        QSettings::registerFormat(QStringLiteral("ini"), read, write, Qt::CaseSensitive);
     return registered;
 }
 

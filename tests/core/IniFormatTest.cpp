@@ -2,8 +2,12 @@
 #include "support/TestRegistry.h"
 
 #include <QFile>
+#include <QOperatingSystemVersion>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <utility>
 
 namespace ini = tarvo::ini;
 
@@ -14,6 +18,22 @@ using Values = QSettings::SettingsMap;
 QString text(const char16_t *utf16)
 {
     return QString::fromUtf16(utf16);
+}
+
+/// On Windows QSettings takes the keys of an INI file for alike however they are cased.
+constexpr bool keysAreFolded = QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows;
+
+/// True when sections or keys differ only in case.
+bool hasTwins(const Values &values)
+{
+    QSet<QString> names;
+    QSet<QString> folded;
+    const QStringList keys = values.keys();
+    for (const QString &key : keys)
+        names << key << key.section(u'/', 0, 0) + u'/';
+    for (const QString &name : std::as_const(names))
+        folded << name.toCaseFolded();
+    return folded.size() < names.size();
 }
 
 } // namespace
@@ -98,6 +118,8 @@ private slots:
     {
         QFETCH(const QByteArray, bytes);
         const Values values = ini::parse(bytes);
+        if (keysAreFolded && hasTwins(values))
+            QSKIP("keys that differ only in case are one for QSettings here");
         QCOMPARE(values.keys(), asQtReads(bytes).keys());
         QCOMPARE(values, asQtReads(bytes));
     }
@@ -138,7 +160,10 @@ private slots:
     void isWrittenAsQtWritesIt()
     {
         QFETCH(const Values, values);
-        QCOMPARE(ini::print(values), asQtWrites(values));
+        if (keysAreFolded) // and sorted by that
+            QCOMPARE(ini::parse(ini::print(values)), ini::parse(asQtWrites(values)));
+        else
+            QCOMPARE(ini::print(values), asQtWrites(values));
         QCOMPARE(ini::print(ini::parse(ini::print(values))), ini::print(values));
     }
 
