@@ -20,13 +20,14 @@ function(tarvo_test_options target)
     endif()
 endfunction()
 
-# tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...] [LAUNCHER <command> <argument>...])
+# tarvo_test(<name> [GUI] SOURCES <file>... [USES <library>...] [LAUNCHER <command> <argument>...] [COST <seconds>])
 #
 # One test program, <name>_test, for one folder of tests/. Its classes register themselves with TARVO_TEST
 # (tests/support/TestRegistry.h). GUI gives it a QApplication on the offscreen platform. LAUNCHER runs it; 77 from there
-# means that the test can't be run here.
+# means that the test can't be run here. COST is of a long one, roughly and under AddressSanitizer: the long ones begin first,
+# or the last of them would run alone.
 function(tarvo_test name)
-    cmake_parse_arguments(ARG "GUI" "" "SOURCES;USES;LAUNCHER" ${ARGN})
+    cmake_parse_arguments(ARG "GUI" "COST" "SOURCES;USES;LAUNCHER" ${ARGN})
     set(target ${name}_test)
     add_executable(${target} ${ARG_SOURCES})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
@@ -42,6 +43,9 @@ function(tarvo_test name)
     set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77)
     # Seconds. The slowest takes 140 under AddressSanitizer, two programs at a time on two cores.
     set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+    if(ARG_COST)
+        set_tests_properties(${name} PROPERTIES COST ${ARG_COST})
+    endif()
     set_property(TEST ${name} PROPERTY ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen"
         "QT_QUICK_BACKEND=software"
