@@ -42,12 +42,15 @@ void Console::say(const QString &area, const QString &text)
 
 void Console::announce(PracticeNetwork &network)
 {
-    const auto place = [](const FsdServer &server) {
+    const auto place = [](const auto &server) {
         return QStringLiteral("%1:%2").arg(server.address().toString()).arg(server.port());
     };
     say(QStringLiteral("account"), QStringLiteral("serving %1, user 1001, password practice; see %2")
                                        .arg(network.account().baseUrl(), network.account().registerUrl()));
-    say(QStringLiteral("fsd"), QStringLiteral("serving %1").arg(place(network.fsd())));
+    if (network.replay())
+        say(QStringLiteral("fsd"), QStringLiteral("serving %1, a replay").arg(place(*network.replay())));
+    else
+        say(QStringLiteral("fsd"), QStringLiteral("serving %1").arg(place(network.fsd())));
     if (network.secondFsd())
         say(QStringLiteral("fsd2"), QStringLiteral("serving %1").arg(place(*network.secondFsd())));
     say(QStringLiteral("voice"), QStringLiteral("serving %1:%2, UDP port %3")
@@ -67,6 +70,8 @@ void Console::follow(PracticeNetwork &network)
                 say(QStringLiteral("account"), QStringLiteral("%1 %2 -> %3").arg(method, path).arg(status));
             });
     followFsd(QStringLiteral("fsd"), network.fsd());
+    if (network.replay())
+        followReplay(*network.replay());
     if (network.secondFsd())
         followFsd(QStringLiteral("fsd2"), *network.secondFsd());
     followVoice(network.voice());
@@ -101,6 +106,20 @@ void Console::followFsd(const QString &area, FsdServer &server)
     });
     connect(&server, &FsdServer::clientLeft, this,
             [this, area](const QString &client) { say(area, QStringLiteral("%1 left").arg(client)); });
+}
+
+void Console::followReplay(const ReplayServer &server)
+{
+    const QString area = QStringLiteral("replay");
+    connect(&server, &ReplayServer::clientConnected, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 connected").arg(client)); });
+    connect(&server, &ReplayServer::clientLoggedIn, this,
+            [this, area](const QString &callsign) { say(area, QStringLiteral("%1 logged in").arg(callsign)); });
+    connect(&server, &ReplayServer::lineSent, this, [this, area](const QString &client, const QString &line) {
+        say(area, QStringLiteral("%1 >>> %2").arg(client, maskSecrets(line)));
+    });
+    connect(&server, &ReplayServer::finished, this,
+            [this, area](const QString &client) { say(area, QStringLiteral("%1 has been told all").arg(client)); });
 }
 
 void Console::followVoice(VoiceServer &server)

@@ -9,6 +9,7 @@ namespace tarvo::practice {
 
 class FsdServer;
 class PracticeNetwork;
+class ReplayServer;
 class ScriptPlayer;
 class VoicePeople;
 class VoiceServer;
@@ -31,6 +32,7 @@ public:
     void say(const QString &area, const QString &text);
 
 private:
+    void followReplay(const ReplayServer &server);
     void followFsd(const QString &area, FsdServer &server);
     void followVoice(VoiceServer &server);
     void followVoices(VoicePeople &people);

@@ -38,6 +38,8 @@ constexpr ValueOption valueOptions[] = {
     {"range", "Nautical miles that positions and radio reach.", "miles", "60"},
     {"fast-range", "Nautical miles within which pilots are asked for fast positions.", "miles", "5"},
     {"script", "Script to play, one event a line.", "file", ""},
+    {"replay", "Network log of a client to replay; nobody else is there.", "file", ""},
+    {"speed", "How many times as fast the log is replayed as it was recorded.", "factor", "1"},
     {"pilots", "A crowd of so many pilots, for load tests.", "count", "0"},
     {"rate", "Fast positions per second of each pilot of the crowd.", "hertz", "5"},
     {"broadcast", "Seconds between the residents' broadcasts, 0 for none.", "seconds", "300"},
@@ -101,6 +103,7 @@ void describe(QCommandLineParser &parser)
                           QLatin1StringView(option.valueName), QLatin1StringView(option.defaultValue)});
     parser.addOption({QStringLiteral("no-simulator"), QStringLiteral("Leave X-Plane's addresses alone.")});
     parser.addOption({QStringLiteral("no-residents"), QStringLiteral("Nobody but the clients that connect.")});
+    parser.addOption({QStringLiteral("step"), QStringLiteral("Replay by the verb \"step\" alone.")});
     parser.addOption({QStringLiteral("quiet"), QStringLiteral("Say what is served, but not what happens.")});
 }
 
@@ -109,6 +112,7 @@ Options fill(const QCommandLineParser &parser, Values &values)
     constexpr int longest = 1'000'000'000;
     Options options;
     options.script = values.text("script");
+    options.replay = values.text("replay");
     PracticeSettings &network = options.network;
     network.address = values.address("address");
     network.secondAddress = values.address("second-address");
@@ -128,8 +132,11 @@ Options fill(const QCommandLineParser &parser, Values &values)
     network.fsd.challengeIntervalMs = values.whole("challenge", 0, 86400) * 1000;
     network.fsd.relayRangeNm = values.number("range", 0, 10800);
     network.fsd.fastRangeNm = values.number("fast-range", 0, 10800);
-    network.residents.present =
-        !parser.isSet(QStringLiteral("no-residents")) && options.script.isEmpty(); // a script brings its own people
+    network.residents.present = !parser.isSet(QStringLiteral("no-residents")) &&
+                                options.script.isEmpty() && // which brings its own people
+                                options.replay.isEmpty();
+    network.replay.speed = values.number("speed", 0.01, 10'000);
+    network.replay.stepwise = parser.isSet(QStringLiteral("step"));
     network.voicePeople.present = network.residents.present;
     network.residents.broadcastIntervalMs = values.whole("broadcast", 0, 86400) * 1000;
     network.crowd.pilots = values.whole("pilots", 0, CrowdSettings::mostPilots);
@@ -165,6 +172,8 @@ std::optional<Options> readOptions(const QStringList &arguments, QString *error)
     }
     options = fill(parser, values);
     *error = values.error();
+    if (!options.replay.isEmpty() && !options.script.isEmpty()) // it plays with an FSD server that isn't there
+        *error = QStringLiteral("--script and --replay can't be had together");
     return error->isEmpty() ? std::optional(options) : std::nullopt;
 }
 

@@ -17,6 +17,7 @@ struct Options
     qint64 fsdLife = 0;
     double flightTime = 0; ///< where the flight begins, seconds
     QString script;        ///< the script to play, a file; empty: none
+    QString replay;        ///< the network log to replay, a file; empty: none
     bool quiet = false;
     QString information; ///< help or version: to be printed instead of running
 };

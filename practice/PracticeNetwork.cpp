@@ -41,6 +41,8 @@ PracticeNetwork::PracticeNetwork(PracticeSettings settings, const common::Clock 
       m_voicePeople(m_voice, m_settings.voicePeople, clock),
       m_xplane(clock)
 {
+    if (!m_settings.replay.recording.isEmpty())
+        m_replay = std::make_unique<ReplayServer>(m_settings.replay, clock);
     if (!m_settings.secondAddress.isNull())
         m_secondFsd = std::make_unique<FsdServer>(m_accounts, m_tokens, m_settings.fsd, clock);
     if (m_settings.residents.present)
@@ -88,13 +90,20 @@ bool PracticeNetwork::startServers()
     }
     if (!m_account.listen(m_settings.address, m_settings.httpPort))
         return failed(QStringLiteral("account service, TCP port %1").arg(m_settings.httpPort), m_account.errorString());
-    if (!m_fsd.listen(m_settings.address, m_settings.fsdPort))
-        return failed(QStringLiteral("FSD server, TCP port %1").arg(m_settings.fsdPort), m_fsd.errorString());
+    if (!startFsd())
+        return failed(QStringLiteral("FSD server, TCP port %1").arg(m_settings.fsdPort),
+                      m_replay ? m_replay->errorString() : m_fsd.errorString());
     if (m_secondFsd && !m_secondFsd->listen(m_settings.secondAddress, m_fsd.port()))
         return failed(QStringLiteral("second FSD server, TCP port %1").arg(m_fsd.port()), m_secondFsd->errorString());
     if (!m_voice.listen(m_settings.address, m_settings.voiceTcpPort, m_settings.voiceUdpPort))
         return failed(QStringLiteral("voice server"), m_voice.errorString());
     return true;
+}
+
+bool PracticeNetwork::startFsd()
+{
+    return m_replay ? m_replay->listen(m_settings.address, m_settings.fsdPort)
+                    : m_fsd.listen(m_settings.address, m_settings.fsdPort);
 }
 
 bool PracticeNetwork::startSimulator()
@@ -122,6 +131,8 @@ void PracticeNetwork::stop()
         m_secondResidents->stop();
     m_voicePeople.stop();
     m_voice.close();
+    if (m_replay)
+        m_replay->close();
     m_fsd.close();
     if (m_secondFsd)
         m_secondFsd->close();

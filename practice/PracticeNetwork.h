@@ -7,6 +7,7 @@
 #include "practice/people/Crowd.h"
 #include "practice/people/Residents.h"
 #include "practice/people/ScriptedClients.h"
+#include "practice/replay/ReplayServer.h"
 #include "practice/voice/VoicePeople.h"
 #include "practice/voice/VoiceServer.h"
 #include "practice/xplane/XPlaneStandIn.h"
@@ -38,6 +39,7 @@ struct PracticeSettings
     CrowdSettings crowd;
     VoiceSettings voice;
     VoicePeopleSettings voicePeople;
+    ReplaySettings replay; ///< with a recording its server takes the place of the FSD server
 
     /// Free ports, a plugin address of its own and no residents, for tests.
     static PracticeSettings ephemeral();
@@ -63,6 +65,8 @@ public:
     TokenAuthority &tokens() { return m_tokens; }
     AccountService &account() { return m_account; }
     FsdServer &fsd() { return m_fsd; }
+    /// What serves in its place when the settings have a recording; else null.
+    ReplayServer *replay() { return m_replay.get(); }
     /// Null unless the settings name a second address.
     FsdServer *secondFsd() { return m_secondFsd.get(); }
     /// Null when the settings want none.
@@ -79,6 +83,7 @@ public:
 
 private:
     bool startServers();
+    bool startFsd();
     bool startSimulator();
     QString callsignOf(qint64 cid) const;
     bool failed(const QString &what, const QString &why);
@@ -89,6 +94,7 @@ private:
     TokenAuthority m_tokens;
     AccountService m_account;
     FsdServer m_fsd;
+    std::unique_ptr<ReplayServer> m_replay;
     ScriptedClients m_scriptedClients;
     std::unique_ptr<FsdServer> m_secondFsd;
     std::unique_ptr<Residents> m_residents;

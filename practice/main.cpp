@@ -3,10 +3,26 @@
 #include "practice/StopSignal.h"
 #include "practice/control/ControlService.h"
 #include "practice/control/ScriptPlayer.h"
+#include "practice/replay/Recording.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 using namespace tarvo::practice;
+
+namespace {
+
+bool loadReplay(const QString &path, Recording &recording)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const std::optional<Recording> read = readRecording(QString::fromUtf8(file.readAll()));
+    recording = read.value_or(Recording());
+    return read.has_value();
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -14,7 +30,7 @@ int main(int argc, char **argv)
     QTextStream out(stdout);
     QTextStream errors(stderr);
     QString error;
-    const std::optional<Options> options = readOptions(QCoreApplication::arguments(), &error);
+    std::optional<Options> options = readOptions(QCoreApplication::arguments(), &error);
     if (!options) {
         errors << "tarvo-practice: " << error << '\n';
         return 1;
@@ -24,6 +40,10 @@ int main(int argc, char **argv)
         return 0;
     }
 
+    if (!options->replay.isEmpty() && !loadReplay(options->replay, options->network.replay.recording)) {
+        errors << "tarvo-practice: " << options->replay << " is no network log\n";
+        return 1;
+    }
     PracticeNetwork network(options->network);
     const ControlService control(network);
     network.tokens().setLife(TokenUse::Access, options->accessLife);

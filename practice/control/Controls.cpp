@@ -107,6 +107,7 @@ std::optional<QByteArray> bytes(const ControlArguments &arguments, QLatin1String
 Controls::Controls(PracticeNetwork &network) : m_network(network)
 {
     addClientVerbs();
+    addReplayVerb();
     addScriptedClientVerbs();
     addLoginVerbs();
     addSimulatorVerbs();
@@ -156,6 +157,16 @@ void Controls::addClientVerbs()
     m_actions[QStringLiteral("challenge")] = [&fsd](A a) { return fsd.challenge(callsign(a)); };
     m_actions[QStringLiteral("line")] = [&fsd](A a) {
         return fsd.sendLine(callsign(a), text(a, QLatin1StringView("line")));
+    };
+}
+
+void Controls::addReplayVerb()
+{
+    m_actions[QStringLiteral("step")] = [this](const ControlArguments &a) {
+        const auto lines = text(a, QLatin1StringView("lines")).isEmpty()
+                               ? std::optional<qint64>(1)
+                               : whole(a, QLatin1StringView("lines"), 1, Int::max());
+        return lines && m_network.replay() && m_network.replay()->step(static_cast<int>(*lines));
     };
 }
 

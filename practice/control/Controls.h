@@ -32,6 +32,7 @@ private:
     using Action = std::function<bool(const ControlArguments &)>;
 
     void addClientVerbs();
+    void addReplayVerb();
     void addScriptedClientVerbs();
     void addLoginVerbs();
     void addSimulatorVerbs();

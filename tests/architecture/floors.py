@@ -47,14 +47,15 @@ ROOMS = {
     'flight': set(),
     'people': {'fsd', 'flight'},
     'xplane': {'flight'},
+    'replay': {'LineReader'},
     'voice': {'account', 'LineReader'},
     'simconnect': {'flight'},
-    'PracticeNetwork': {'account', 'fsd', 'people', 'voice', 'xplane'},
+    'PracticeNetwork': {'account', 'fsd', 'people', 'replay', 'voice', 'xplane'},
     'control': {'PracticeNetwork'},
     'Console': {'PracticeNetwork', 'control', 'fsd'},
     'Options': {'PracticeNetwork'},
     'StopSignal': set(),
-    'main': {'Console', 'Options', 'StopSignal', 'control'},
+    'main': {'Console', 'Options', 'StopSignal', 'control', 'replay'},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 

@@ -231,7 +231,8 @@ private:
         ServiceEndpoints endpoints;
         endpoints.apiBaseUrl = network.practice.account().baseUrl();
         endpoints.fsdHost = network.fsdHost;
-        endpoints.fsdPort = network.practice.fsd().port();
+        practice::ReplayServer *replay = network.practice.replay();
+        endpoints.fsdPort = replay ? replay->port() : network.practice.fsd().port();
         endpoints.voiceHost = QStringLiteral("127.0.0.1");
         endpoints.voiceTcpPort = network.practice.voice().tcpPort();
         endpoints.voiceUdpPort = network.practice.voice().udpPort();

@@ -37,6 +37,8 @@ public:
     /// table, known to the list, which still waits for its configuration. What was said is forgotten, but not the
     /// signals.
     bool introduce(const QString &callsign, int knots);
+    /// Keeps the session's timers from going off by themselves.
+    void stopTimers();
     /// Waits until everything that is under way between server, client and plugin has arrived.
     bool settle();
     /// Waits until all that the client has said to the plugin has arrived. Needs no server.
@@ -80,7 +82,6 @@ private:
     template <class... Arguments>
     void watch(void (manager::NetworkManager::*signal)(Arguments...), const QString &name);
     bool awaitLogin();
-    void stopTimers();
     bool passRound();
     QString nextMark();
     qsizetype markedMessages(const QString &mark) const;

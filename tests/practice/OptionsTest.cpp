@@ -39,6 +39,8 @@ private slots:
         QVERIFY(options->network.voicePeople.present);
         QCOMPARE(options->network.voicePeople.speakers, 0);
         QCOMPARE(options->network.crowd.pilots, 0);
+        QVERIFY(options->replay.isEmpty() && !options->network.replay.stepwise);
+        QCOMPARE(options->network.replay.speed, 1.0);
         QCOMPARE(options->network.crowd.rateHz, 5.0);
     }
 
@@ -50,6 +52,19 @@ private slots:
         QCOMPARE(options->script, QStringLiteral("a.script"));
         QVERIFY(!options->network.residents.present);
         QVERIFY(!options->network.voicePeople.present);
+    }
+
+    void aReplayIsAlone()
+    {
+        QString error;
+        const auto options =
+            read({QStringLiteral("--replay=a.log"), QStringLiteral("--speed=2.5"), QStringLiteral("--step")}, &error);
+        QVERIFY2(options, qPrintable(error));
+        QCOMPARE(options->replay, QStringLiteral("a.log"));
+        QCOMPARE(options->network.replay.speed, 2.5);
+        QVERIFY(options->network.replay.stepwise);
+        QVERIFY(!options->network.residents.present && !options->network.voicePeople.present);
+        QVERIFY(!read({QStringLiteral("--replay=a.log"), QStringLiteral("--script=a.script")}, &error));
     }
 
     void readsWhatIsGiven()
@@ -97,6 +112,7 @@ private slots:
         QTest::newRow("negative life") << QStringLiteral("--token-life=-1");
         QTest::newRow("too many pilots") << QStringLiteral("--pilots=5001");
         QTest::newRow("pilots that never move") << QStringLiteral("--rate=0");
+        QTest::newRow("a replay that stands still") << QStringLiteral("--speed=0");
         QTest::newRow("no number") << QStringLiteral("--range=nan");
         QTest::newRow("the world's address") << QStringLiteral("--address=0.0.0.0");
         QTest::newRow("another machine's address") << QStringLiteral("--second-address=192.0.2.1");

@@ -2,6 +2,7 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -104,6 +105,36 @@ private slots:
         QCOMPARE(process.exitCode(), 1);
         const QByteArray error = process.readAllStandardError();
         QVERIFY2(error.contains(QByteArray::number(port)), error.constData());
+    }
+
+    void aRecordingIsReplayed()
+    {
+        QFile log(m_folder.filePath(QStringLiteral("flight.log")));
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        log.write("[12:00:00.000] <<< $DISERVER:CLIENT:1:ab\n[12:00:01.000] >>> #APAB1:SERVER\n"
+                  "[12:00:05.000] <<< #TMSERVER:AB1:recorded\n");
+        log.close();
+        QProcess process;
+        start(process, freeAddresses() +
+                           QStringList{QStringLiteral("--replay=") + log.fileName(), QStringLiteral("--speed=1000")});
+        const QString output = untilReady(process);
+        QTcpSocket pilot;
+        pilot.connectToHost(QHostAddress::LocalHost, portOf(output, QStringLiteral("fsd")));
+        pilot.write("#APAB1:SERVER:1001:secret:1:9:5:Lin\r\n");
+        QByteArray received;
+        TRY_COMPARE(received += pilot.readAll(), QByteArray("$DISERVER:CLIENT:1:ab\r\n#TMSERVER:AB1:recorded\r\n"));
+        process.terminate();
+        TRY_COMPARE(process.state(), QProcess::NotRunning);
+        QVERIFY(process.readAllStandardOutput().contains("AB1 has been told all"));
+    }
+
+    void whatIsNoRecordingIsNamed()
+    {
+        QProcess process;
+        start(process, freeAddresses() + QStringList{QStringLiteral("--replay=") + m_folder.path()});
+        TRY_COMPARE(process.state(), QProcess::NotRunning);
+        QCOMPARE(process.exitCode(), 1);
+        QVERIFY(process.readAllStandardError().contains("is no network log"));
     }
 
     void aPluginAddressInUseIsNamed()

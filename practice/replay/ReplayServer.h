@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/Clock.h"
+#include "practice/LineReader.h"
+#include "practice/replay/Recording.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace tarvo::practice {
+
+struct ReplaySettings
+{
+    Recording recording;   ///< empty: nothing is replayed
+    double speed = 1;      ///< 2: in half the time
+    bool stepwise = false; ///< after the login only step() sends
+};
+
+/// An FSD server that knows nothing and nobody: to each connection it says what was recorded of the next one, behind
+/// the last of the first again, and takes no notice of what it is told but for the login line. One client at a time:
+/// another one takes its place.
+class ReplayServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ReplayServer(ReplaySettings settings, const common::Clock &clock = common::systemClock(),
+                          QObject *parent = nullptr);
+
+    /// Port 0 takes a free one. False when it can't be had; see errorString().
+    bool listen(const QHostAddress &address, quint16 port);
+    void close();
+    quint16 port() const { return m_server.serverPort(); }
+    QHostAddress address() const { return m_server.serverAddress(); }
+    QString errorString() const { return m_server.errorString(); }
+
+    /// Sends the next lines, at most so many, whether they are due or not. False when there is none: nobody has logged
+    /// in, or all has been said.
+    bool step(int lines);
+    /// Sends what is due by now. Called by a timer; a test with a clock of its own may call it.
+    void sendDue();
+    /// Lines behind the login that are still to come; 0 before it.
+    qsizetype linesLeft() const;
+    /// Of the line that comes next, as RecordedLine tells it; the last one's at the end.
+    qint64 nextMs() const;
+
+signals:
+    // `client`: its callsign; before the login its address.
+    void clientConnected(const QString &client);
+    void clientLoggedIn(const QString &callsign);
+    void lineSent(const QString &client, const QString &line);
+    void finished(const QString &client);
+
+private:
+    void accept();
+    void leave();
+    void read();
+    void begin(const QString &login);
+    void send(const RecordedLine &line);
+    void sendNext();
+
+    ReplaySettings m_settings;
+    const common::Clock &m_clock;
+    QTcpServer m_server;
+    QTcpSocket *m_socket = nullptr; ///< the server's; null without a client
+    LineReader m_reader;
+    QTimer m_timer;
+    RecordedConnection m_playing;
+    qsizetype m_nextConnection = 0;
+    qsizetype m_nextLine = 0;
+    qint64 m_loginMs = 0;
+    QString m_callsign; ///< empty before the login
+};
+
+} // namespace tarvo::practice
