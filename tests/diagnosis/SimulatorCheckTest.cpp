@@ -9,6 +9,7 @@
 #include "support/TestRegistry.h"
 
 #include <QLocalServer>
+#include <QSignalSpy>
 #include <QUdpSocket>
 
 #include <thread>

@@ -5,6 +5,8 @@
 #include "support/TestRegistry.h"
 
 #include <QFile>
+#include <QRegularExpression>
+#include <QTest>
 
 using namespace tarvo;
 using namespace tarvo::test;
