@@ -14,34 +14,16 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <cmath>
 #include <cstdio>
-#include <numbers>
 #include <optional>
 #include <thread>
 #include <vector>
 
 using namespace tarvo;
-using test::soundRate;
 
 namespace {
 
-constexpr double period = 1.0137; // seconds from click to click: at another place of the buffers each time
-constexpr double allowance = 0.020 + 0.025;
-
 double deviceLatency = 0; // seconds, of the opened devices together, as the log tells
-
-/// Ten ms of 1000 Hz in silence.
-std::vector<float> clicks(double seconds)
-{
-    std::vector<float> samples(static_cast<std::size_t>(seconds * soundRate));
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        const double time = std::fmod(static_cast<double>(i) / soundRate, period) - 0.5;
-        if (time >= 0 && time < 0.010)
-            samples[i] = 0.5F * static_cast<float>(std::sin(2 * std::numbers::pi * 1000 * time));
-    }
-    return samples;
-}
 
 void readLog(QtMsgType, const QMessageLogContext &, const QString &text)
 {
@@ -59,7 +41,7 @@ int tell(const std::vector<bench::Delay> &found, std::size_t said)
         return 1;
     }
     const bench::DelayFigures ms = bench::figuresOf(found);
-    const double budget = (deviceLatency + allowance) * 1000;
+    const double budget = deviceLatency * 1000 + bench::delayAllowanceMs;
     std::printf("%zu of %zu clicks heard\n", found.size(), said);
     std::printf("delay: least %.1f ms, median %.1f ms, 99 %% %.1f ms; slope %.2f ms a minute\n", ms.least, ms.median,
                 ms.most99, ms.slopePerMinute);
@@ -87,7 +69,7 @@ int measure(double seconds)
     audio->startMicTest(false);
     test::SoundRecorder mouth(server, "micbus");
     test::SoundRecorder ear(server, "spk_a");
-    const test::SoundPlayer player(server, clicks(seconds));
+    const test::SoundPlayer player(server, bench::clicks(seconds));
     QTimer reading;
     QObject::connect(&reading, &QTimer::timeout, &reading, [&] {
         mouth.samples();

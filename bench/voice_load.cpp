@@ -40,7 +40,8 @@ using namespace tarvo;
 namespace {
 
 constexpr quint32 heardFrequency = 124'000; ///< kHz
-constexpr qint64 pilot = 1001;              ///< his CID
+constexpr qint64 pilot = 1001;              ///< the CID of him who is measured
+constexpr qint64 otherPilot = 1002;         ///< of one who speaks into his microphone
 constexpr int settleMs = 3'000;
 constexpr int lastClickMs = 1'000; ///< until the last of them is heard
 constexpr int longestStartMs = 20'000;
@@ -108,14 +109,14 @@ public:
     }
 
     bool listen() { return m_server.listen(QHostAddress(QHostAddress::LocalHost), 0, 0); }
-    QStringList clientWords()
+    QStringList clientWords(qint64 cid = pilot)
     {
         return {QStringLiteral("client"),
                 QString::number(m_server.tcpPort()),
                 QString::number(m_server.udpPort()),
                 QString::number(heardFrequency),
-                QString::number(m_accounts.find(pilot)->user.id),
-                QString::fromLatin1(m_tokens.issue(practice::TokenUse::Access, pilot))};
+                QString::number(m_accounts.find(cid)->user.id),
+                QString::fromLatin1(m_tokens.issue(practice::TokenUse::Access, cid))};
     }
     void start(const Row &row)
     {
@@ -216,10 +217,9 @@ Shares sharesDuring(double seconds, const Role &client, const Role &devices)
     return {percent * (client.cpuSeconds() - before.client), percent * (devices.cpuSeconds() - before.devices)};
 }
 
-void tellSound(test::SoundRecorder &ear, const std::vector<double> &said)
+void tellSound(const std::vector<bench::Delay> &found, std::size_t said)
 {
-    const std::vector<bench::Delay> found = bench::delays(said, bench::clickTimes(ear));
-    std::printf("    %zu of %zu clicks heard", found.size(), said.size());
+    std::printf("    %zu of %zu clicks heard", found.size(), said);
     if (!found.empty()) {
         const bench::DelayFigures ms = bench::figuresOf(found);
         std::printf(" after %.1f ms at least, %.1f ms median, %.1f ms 99 %%; slope %.2f ms a minute", ms.least,
@@ -270,9 +270,45 @@ bool measure(const test::SoundServer &server, Speakers &speakers, const Role &de
     const bool isKept = tellCost(row, shares, wish.busy);
     const bool isHeardWell = row.speakers > 0 && row.speakers == row.frequencies; // all others are a conflict
     if (isHeardWell)
-        tellSound(ear, said);
+        tellSound(bench::delays(said, bench::clickTimes(ear)), said.size());
     tellStreams(client.end());
     return isKept;
+}
+
+/// Of the first stream that begins its words so, in ms.
+double latencyOf(const QByteArray &said, const QByteArray &stream)
+{
+    const QByteArray words = stream + ": latency ";
+    const qsizetype at = said.indexOf(words);
+    return at < 0 ? 0 : said.mid(at + words.size()).split(' ').first().toDouble();
+}
+
+/// One pilot's microphone, the voice server, another pilot's headphone. False when it takes too long.
+bool measureMouthToEar(const test::SoundServer &server, Speakers &speakers, const Wish &wish)
+{
+    Role listener(speakers.clientWords());
+    Role talker(speakers.clientWords(otherPilot) + QStringList{QStringLiteral("talk")});
+    if (!listener.waitUntilReady() || !talker.waitUntilReady())
+        return false;
+    pass(settleMs);
+    test::SoundRecorder mouth(server, "micbus");
+    test::SoundRecorder ear(server, "spk_a");
+    QTimer reading;
+    QObject::connect(&reading, &QTimer::timeout, &reading, [&] {
+        mouth.samples();
+        ear.samples();
+    });
+    reading.start(1);
+    const test::SoundPlayer player(server, bench::clicks(wish.seconds));
+    pass(static_cast<int>(wish.seconds * 1000) + lastClickMs);
+    const std::vector<double> said = bench::clickTimes(mouth);
+    const std::vector<bench::Delay> found = bench::delays(said, bench::clickTimes(ear));
+    const double budget = latencyOf(talker.end(), "InputAudioStream") +
+                          latencyOf(listener.end(), "MixedOutputAudioStream") + bench::delayAllowanceMs;
+    const double median = found.empty() ? 0 : bench::figuresOf(found).median;
+    std::printf("microphone to another pilot's headphone: budget %.1f ms: ratio %.2f\n", budget, median / budget);
+    tellSound(found, said.size());
+    return !found.empty() && median <= budget;
 }
 
 int measureAll(const Wish &wish)
@@ -294,6 +330,8 @@ int measureAll(const Wish &wish)
             good = measure(server, speakers, devices, row, wish) && good;
         std::fflush(stdout);
     }
+    if (wish.only.isEmpty() || QLatin1StringView("microphone").contains(wish.only))
+        good = measureMouthToEar(server, speakers, wish) && good;
     return good ? 0 : 1;
 }
 

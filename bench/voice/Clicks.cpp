@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 namespace tarvo::bench {
 
@@ -29,6 +30,18 @@ double slopePerMinute(const std::vector<Delay> &all)
 }
 
 } // namespace
+
+std::vector<float> clicks(double seconds)
+{
+    constexpr double period = 1.0137; // seconds
+    std::vector<float> samples(static_cast<std::size_t>(seconds * test::soundRate));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double time = std::fmod(static_cast<double>(i) / test::soundRate, period) - 0.5;
+        if (time >= 0 && time < 0.010)
+            samples[i] = 0.5F * static_cast<float>(std::sin(2 * std::numbers::pi * 1000 * time));
+    }
+    return samples;
+}
 
 std::vector<double> clickTimes(test::SoundRecorder &recorder)
 {

@@ -8,6 +8,12 @@ class SoundRecorder;
 
 namespace tarvo::bench {
 
+/// What mouth to ear may take beyond the devices' buffers: a frame of 20 ms, and 25 ms.
+inline constexpr double delayAllowanceMs = 20 + 25;
+
+/// Ten ms of 1000 Hz every now and then in silence, at another place of the devices' buffers each time.
+std::vector<float> clicks(double seconds);
+
 /// When each click in what was recorded begins, in seconds of the steady clock. A click is followed by half a second
 /// without one.
 std::vector<double> clickTimes(test::SoundRecorder &recorder);

@@ -30,9 +30,9 @@ void runUntilInputEnds()
     QCoreApplication::exec();
 }
 
-void tellOfBuffers(QtMsgType, const QMessageLogContext &, const QString &text)
+void tellOfStreams(QtMsgType, const QMessageLogContext &, const QString &text)
 {
-    if (text.contains(QLatin1StringView(" buffers, ")))
+    if (text.contains(QLatin1StringView(" buffers, ")) || text.contains(QLatin1StringView(": latency ")))
         std::printf("%s\n", qPrintable(text));
 }
 
@@ -67,7 +67,7 @@ int runOpenDevices()
 int runVoiceClient(const QStringList &words)
 {
     using namespace voice;
-    qInstallMessageHandler(&tellOfBuffers);
+    qInstallMessageHandler(&tellOfStreams);
     const QTemporaryDir folder;
     AppConfig config(folder.path());
     const auto sound = std::make_shared<SoundThread>();
@@ -86,6 +86,7 @@ int runVoiceClient(const QStringList &words)
                 return;
             client.updateTransmitter(
                 {.id = 0, .frequency = words.value(2).toUInt(), .transmit = true, .receive = true, .volume = 1});
+            client.setPtt(words.value(5) == QLatin1StringView("talk"));
             std::printf("ready\n");
             std::fflush(stdout);
         });

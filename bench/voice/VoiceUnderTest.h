@@ -11,8 +11,8 @@ namespace tarvo::bench {
 /// costs, whatever the client does.
 int runOpenDevices();
 
-/// The voice session of a pilot with one radio that receives. `words`: TCP port, UDP port, kHz, the user's id, token.
-/// Says on standard output what the streams say of themselves at their end.
+/// The voice session of a pilot with one radio. `words`: TCP port, UDP port, kHz, the user's id, token, and "talk" for
+/// one who holds his key. Says on standard output what the streams say of themselves.
 int runVoiceClient(const QStringList &words);
 
 } // namespace tarvo::bench
