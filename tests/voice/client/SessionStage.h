@@ -2,8 +2,8 @@
 
 #include "AppConfig.h"
 #include "support/ManualClock.h"
+#include "support/NoSound.h"
 #include "support/Patience.h"
-#include "support/SoundServer.h"
 #include "support/VoicePeer.h"
 #include "voice/client/VoiceClient.h"
 #include "voice/engine/AudioHandler.h"
@@ -23,12 +23,6 @@
 namespace tarvo::test {
 
 inline const QString voiceToken = QStringLiteral("header.payload.signature");
-
-/// The sound system of these tests has no devices: its server is never started.
-inline void leaveSoundAlone()
-{
-    static const SoundServer notStarted;
-}
 
 /// A voice session with its server. Notes what the client raises.
 struct SessionStage
