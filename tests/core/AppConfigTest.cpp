@@ -541,6 +541,7 @@ private slots:
         QFile aside(configPath() + QStringLiteral(".damaged"));
         QVERIFY(aside.open(QIODevice::ReadOnly));
         QCOMPARE(aside.readAll(), damaged);
+        aside.close(); // Windows deletes no open file
         AppConfig next(m_dir->path());
         QCOMPARE(next.startupWarning(), QString());
         QCOMPARE(next.get(config::xplaneUdpPort), port);
