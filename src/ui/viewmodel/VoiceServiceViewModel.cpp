@@ -14,7 +14,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstddef>
 #include <utility>
 
 namespace tarvo::ui {
@@ -40,6 +39,32 @@ constexpr Role<VoiceEvent> voiceEventRoles[] = {
     {"time", member<&VoiceEvent::time, VoiceEvent>},
     {"text", member<&VoiceEvent::text, VoiceEvent>},
 };
+
+QString nameOf(StreamRole role)
+{
+    switch (role) {
+    case StreamRole::Input:
+        return VoiceServiceViewModel::tr("麦克风");
+    case StreamRole::Headphone:
+        return VoiceServiceViewModel::tr("耳机");
+    case StreamRole::Speaker:
+        return VoiceServiceViewModel::tr("扬声器");
+    }
+    return {};
+}
+
+QString textOf(DeviceEvent event)
+{
+    switch (event) {
+    case DeviceEvent::Ended:
+        return VoiceServiceViewModel::tr("音频设备已断开：%1");
+    case DeviceEvent::Failed:
+        return VoiceServiceViewModel::tr("无法打开音频设备：%1");
+    case DeviceEvent::Back:
+        return VoiceServiceViewModel::tr("音频设备已恢复：%1");
+    }
+    return {};
+}
 
 QString unknownCallsign()
 {
@@ -394,12 +419,10 @@ void VoiceServiceViewModel::prepareDevices()
 
 void VoiceServiceViewModel::onDeviceEvent(DeviceEvent event, const std::vector<StreamRole> &roles)
 {
-    const QString names[] = {tr("麦克风"), tr("耳机"), tr("扬声器")};
-    const QString texts[] = {tr("音频设备已断开：%1"), tr("无法打开音频设备：%1"), tr("音频设备已恢复：%1")};
     QStringList devices;
     for (const StreamRole role : roles)
-        devices.append(names[static_cast<std::size_t>(role)]);
-    addEvent(texts[static_cast<std::size_t>(event)].arg(devices.join(QStringLiteral("、"))));
+        devices.append(nameOf(role));
+    addEvent(textOf(event).arg(devices.join(QStringLiteral("、"))));
 }
 
 /// A test without a device is silent, and the pilot has to know why. Each list holds "Default" beside the devices.

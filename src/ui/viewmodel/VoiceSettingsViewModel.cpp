@@ -258,9 +258,7 @@ void VoiceSettingsViewModel::whenLoaded(std::function<void()> step)
         step();
         return;
     }
-    // Queued: the first list comes a moment before the devices count as loaded.
-    connect(&m_devices, &AudioDevice::deviceListChanged, this, std::move(step),
-            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    connect(&m_devices, &AudioDevice::loaded, this, std::move(step), Qt::SingleShotConnection);
     m_devices.load();
 }
 

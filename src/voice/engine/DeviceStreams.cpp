@@ -18,16 +18,16 @@ struct Words
     const char *change;
 };
 
-constexpr Words words[] = {{"input", "Input device change"},
-                           {"output", "Output(headphone) device change"},
-                           {"output", "Output(speaker) device change"}};
+constexpr Words roleWords[] = {{"input", "Input device change"},
+                               {"output", "Output(headphone) device change"},
+                               {"output", "Output(speaker) device change"}};
 
 const Words &wordsOf(StreamRole role)
 {
-    return words[static_cast<std::size_t>(role)];
+    return roleWords[static_cast<std::size_t>(role)];
 }
 
-constexpr StreamRole roles[] = {StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker};
+constexpr StreamRole allRoles[] = {StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker};
 
 QList<DeviceInfo> offeredDevices()
 {
@@ -77,18 +77,18 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
     StreamsReport report;
     if (!m_offered)
         m_offered = offeredDevices();
-    for (const StreamRole role : roles) {
+    for (const StreamRole role : allRoles) {
         if (settle(role, wishes[static_cast<std::size_t>(role)]))
             report.ended.push_back(role);
     }
     const auto isMissing = [&](StreamRole role) {
         return wishes[static_cast<std::size_t>(role)].isOpen && !at(role).stream;
     };
-    const bool opens = opening != Opening::None && std::any_of(std::begin(roles), std::end(roles), isMissing);
+    const bool opens = opening != Opening::None && std::any_of(std::begin(allRoles), std::end(allRoles), isMissing);
     report.haveDevicesChanged = opens && opening == Opening::Again && !anyRuns() && hasFoundOthers();
     if (opens && !report.haveDevicesChanged)
         openWanted(wishes);
-    std::copy_if(std::begin(roles), std::end(roles), std::back_inserter(report.missing), isMissing);
+    std::copy_if(std::begin(allRoles), std::end(allRoles), std::back_inserter(report.missing), isMissing);
     report.anyRuns = anyRuns();
     return report;
 }
@@ -149,7 +149,7 @@ void DeviceStreams::openWanted(const Wishes &wishes)
 {
     for (One &one : m_streams)
         one.close();
-    for (const StreamRole role : roles) {
+    for (const StreamRole role : allRoles) {
         One &one = at(role);
         if (!wishes[static_cast<std::size_t>(role)].isOpen)
             continue;
