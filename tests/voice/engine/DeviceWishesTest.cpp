@@ -287,8 +287,13 @@ private slots:
     void whatTheSoundThreadRefusesIsDoneLater()
     {
         WishStage stage;
+        std::promise<void> begun;
         std::promise<void> end;
-        stage.sound->post([held = end.get_future().share()] { held.wait(); });
+        stage.sound->post([&begun, held = end.get_future().share()] {
+            begun.set_value();
+            held.wait();
+        });
+        begun.get_future().wait(); // what it works at takes no room
         while (stage.sound->post([] {})) {
         }
         bool isTried = false;
