@@ -4,30 +4,31 @@ import "../.."
 
 /// The plot's range, its steps, and the way back to the one that follows the traffic.
 Row {
-    id: scale
+    id: row
 
     required property SimulatorBackend simulator
     required property int range
 
+    enabled: simulator !== null
     spacing: 5
 
     StepButton {
         objectName: "narrowerRange"
         text: "−"
         Accessible.name: qsTr("缩小量程")
-        onClicked: scale.simulator.stepPlotRange(-1)
+        onClicked: row.simulator.stepPlotRange(-1)
     }
 
     StepButton {
         objectName: "widerRange"
         text: "+"
         Accessible.name: qsTr("扩大量程")
-        onClicked: scale.simulator.stepPlotRange(1)
+        onClicked: row.simulator.stepPlotRange(1)
     }
 
     AppText {
         height: 22
-        text: qsTr("量程 %1 NM").arg(scale.range)
+        text: qsTr("量程 %1 NM").arg(row.range)
         color: Style.instrumentDim
         font.pixelSize: 11
         verticalAlignment: Text.AlignVCenter
@@ -35,10 +36,10 @@ Row {
 
     StepButton {
         objectName: "freeRange"
-        visible: scale.simulator?.plotRangePicked ?? false
+        visible: row.simulator?.plotRangePicked ?? false
         text: qsTr("自动")
         Accessible.name: qsTr("量程随交通变化")
-        onClicked: scale.simulator.freePlotRange()
+        onClicked: row.simulator.freePlotRange()
     }
 
     component StepButton: Pressable {
@@ -48,7 +49,6 @@ Row {
         height: 22
         padding: 0
         horizontalPadding: 5
-        enabled: scale.simulator !== null // qmllint disable unqualified
 
         contentItem: AppText {
             text: button.text
