@@ -93,7 +93,7 @@ void Application::compose()
     cleanUp();
     m_loginPlace = ui::normalPlace(m_loginWindow);
     m_loginMaximized = m_loginWindow.isMaximized();
-    m_loginWindow.hide();
+    // What takes long comes first, so that there is always a window to be seen.
     m_icao.ensureLoaded();
     m_networkManager =
         std::make_shared<manager::NetworkManager>(m_config, m_api, m_icao, m_endpoints, common::systemClock(), m_sound);
@@ -120,6 +120,7 @@ void Application::openMainWindow()
     if (m_loginMaximized)
         m_mainWindow->setWindowState(m_mainWindow->windowState() | Qt::WindowMaximized);
     m_mainWindow->show();
+    m_loginWindow.hide();
 }
 
 void Application::activate(SimulatorMode mode)

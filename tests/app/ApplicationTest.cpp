@@ -87,6 +87,25 @@ struct Program
     }
 };
 
+/// Whether the main window is to be seen, each time that the login window goes.
+class HideWatch : public QObject
+{
+public:
+    explicit HideWatch(const Application &application) : m_application(application) {}
+
+    QList<bool> mainWasVisible;
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Hide)
+            mainWasVisible << (m_application.mainWindow() && m_application.mainWindow()->isVisible());
+        return false;
+    }
+
+    const Application &m_application;
+};
+
 } // namespace
 
 class ApplicationTest : public QObject
@@ -114,6 +133,15 @@ private slots:
         QCOMPARE(program.main().size(), QSize(1120, 760));
         QCOMPARE(program.main().pos(), position);
         QCOMPARE(program.main().minimumSize(), QSize(1000, 700));
+    }
+
+    void thereIsAlwaysAWindow()
+    {
+        Program program;
+        HideWatch watch(program.application);
+        program.application.loginWindow().installEventFilter(&watch);
+        program.signIn();
+        QCOMPARE(watch.mainWasVisible, QList<bool>{true});
     }
 
     void aMaximisedLoginOpensAMaximisedMainWindow()
