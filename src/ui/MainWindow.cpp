@@ -8,6 +8,7 @@
 #include "model/ConnectInfo.h"
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "ui/LastConnection.h"
 #include "ui/MessagesFeed.h"
 #include "ui/OverviewFeed.h"
 #include "ui/SimulatorFeed.h"
@@ -84,6 +85,7 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     followScreen();
     createView();
     connectRequests();
+    offerConnection(m_server, config.state());
     m_sounds.setOn(config.state().get(state::soundsOn));
     if (m_network)
         connectSession();
@@ -347,6 +349,7 @@ void MainWindow::onNetworkConnected(const QString &callsign)
 {
     setServerState(true, tr("已连接"));
     m_leave.setOnline(callsign);
+    rememberConnection(m_network->connectInfo(), m_config.state());
     m_server.setConnectedAsObserver(m_network->connectInfo().observer);
     m_server.setEndpoint(QStringLiteral("%1:%2").arg(m_endpoints.fsdHost).arg(m_endpoints.fsdPort));
     log(tr("FSD 已连接：%1").arg(callsign));

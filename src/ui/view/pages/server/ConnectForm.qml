@@ -12,7 +12,12 @@ Card {
     readonly property bool connected: server ? server.serverConnected : false
     readonly property bool ends: server ? server.buttonEnds : false
 
-    Component.onCompleted: if (!connected) callsignField.forceActiveFocus()
+    Component.onCompleted: {
+        if (connected)
+            return
+        callsignField.forceActiveFocus()
+        callsignField.selectAll() // another one replaces what is offered
+    }
 
     ColumnLayout {
         anchors.fill: parent
