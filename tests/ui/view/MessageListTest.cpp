@@ -2,6 +2,8 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QObject>
 #include <QTest>
 
@@ -21,6 +23,20 @@ private slots:
     {
         QCOMPARE(m_harness->complaints().join(u'\n'), QString());
         m_harness.reset();
+    }
+
+    void aRightClickCopiesTheWholeMessage()
+    {
+        const QString text = u"CLEARED <b>TO</b> LAND "_qs.repeated(200) + u"END"_qs; // shown folded
+        model().addRadioReceived(radioText(u"CCA1"_qs, text));
+        m_harness->settle();
+        QTest::mouseClick(&m_harness->view, Qt::RightButton, {}, field("body")->mapToScene(QPointF(30, 8)).toPoint());
+        TRY_VERIFY(field("copyAction"));
+        m_harness->settle();
+        m_harness->grab(u"messages-copy"_qs);
+        m_harness->click(field("copyAction"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), text);
+        TRY_VERIFY(!field("copyAction"));
     }
 
     void theListStaysAtTheNewest()

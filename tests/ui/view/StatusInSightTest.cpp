@@ -1,4 +1,5 @@
 #include "PageHarness.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
 #include <QClipboard>
@@ -109,6 +110,20 @@ private slots:
         QTest::keyClick(&m_harness->view, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(&m_harness->view, Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), u"服务器报告：Callsign in use"_qs);
+    }
+
+    void aRightClickCopiesAnEvent()
+    {
+        m_harness->openSection(u"服务器"_qs);
+        m_harness->server().addRecentEvent(u"网络已断开"_qs, u"服务器关闭"_qs, u"网络"_qs);
+        m_harness->settle();
+        const QString time = m_harness->server().recentEvents().first().toMap().value(u"time"_qs).toString();
+        const QQuickItem *title = m_harness->itemWithText(u"网络已断开"_qs);
+        QTest::mouseClick(&m_harness->view, Qt::RightButton, {}, title->mapToScene({10, 5}).toPoint());
+        TRY_VERIFY(m_harness->item(u"copyAction"_qs));
+        m_harness->click(m_harness->item(u"copyAction"_qs));
+        QCOMPARE(QGuiApplication::clipboard()->text(), time + u" 网络已断开 服务器关闭 网络"_qs);
+        TRY_VERIFY(!m_harness->item(u"copyAction"_qs));
     }
 
     void theButtonCallsAnAttemptOff()

@@ -13,6 +13,8 @@ RowLayout {
     Layout.preferredWidth: 1
     spacing: Style.spacingSmall
 
+    CopyHandler { copied: figure.value }
+
     AppText {
         text: figure.label
         color: Style.textCaption

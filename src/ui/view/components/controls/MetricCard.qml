@@ -14,6 +14,8 @@ Card {
     contentPadding: 16
     implicitHeight: 104
 
+    CopyHandler { copied: `${card.value} ${card.unit}`.trim() }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: Style.spacingSmall

@@ -46,6 +46,8 @@ ListView {
         width: ListView.view.width - Style.spacingMedium
         spacing: 2
 
+        CopyHandler { copied: `${event.time} ${event.title} ${event.detail} ${event.tag}`.trim() }
+
         RowLayout {
             spacing: Style.spacingSmall
 

@@ -71,6 +71,8 @@ ListView {
         property bool marked: false
 
         width: ListView.view?.width - Style.spacingMedium
+
+        CopyHandler { copied: `${row.callsign} ${row.type} ${row.bearing} ${row.distance} ${row.altitude}` }
         height: list.rowHeight // qmllint disable unqualified
         spacing: Style.spacingSmall
 

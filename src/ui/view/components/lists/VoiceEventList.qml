@@ -27,6 +27,8 @@ ListView {
         width: ListView.view.width - Style.spacingMedium
         spacing: Style.spacingSmall
 
+        CopyHandler { copied: parent.time + " " + parent.text } // qmllint disable
+
         AppText {
             id: clock
 

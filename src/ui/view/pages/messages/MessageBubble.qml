@@ -136,6 +136,8 @@ Item {
         border.width: row.outgoing || row.quiet ? 0 : 1
         border.color: row.isDirect || row.type === "selcal" ? Style.controlBorderActive : Style.controlBorder
 
+        CopyHandler { copied: row.body }
+
         ColumnLayout {
             id: content
 
