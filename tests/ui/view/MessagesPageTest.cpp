@@ -3,8 +3,10 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QGuiApplication>
 #include <QObject>
 #include <QSignalSpy>
+#include <QStyleHints>
 #include <QTest>
 
 using tarvo::test::ComposingInput;
@@ -139,6 +141,28 @@ private slots:
                           control->mapToScene({control->width() / 2, control->height() / 2}).toPoint());
         QTEST(tuned, "tuned");
         QCOMPARE(model().activeChannel(), u"RADIO"_qs); // the station isn't called
+    }
+
+    void aLongPressTunesTheSecondRadio()
+    {
+        fillMessages(model());
+        m_harness->settle();
+        QStringList tuned;
+        connect(&m_harness->simulator(), &SimulatorPageViewModel::setCom1FrequencyRequested, this,
+                [&tuned](const QString &frequency) { tuned += u"COM1 "_qs + frequency; });
+        connect(&m_harness->simulator(), &SimulatorPageViewModel::setCom2FrequencyRequested, this,
+                [&tuned](const QString &frequency) { tuned += u"COM2 "_qs + frequency; });
+        const QQuickItem *control = field("tune-ZSPD_GND");
+        QVERIFY(control);
+        const QPoint at = control->mapToScene({control->width() / 2, control->height() / 2}).toPoint();
+        QStyleHints *hints = QGuiApplication::styleHints();
+        const int usual = hints->mousePressAndHoldInterval();
+        hints->setMousePressAndHoldInterval(1);
+        QTest::mousePress(&m_harness->view, Qt::LeftButton, {}, at);
+        TRY_COMPARE(tuned, QStringList{u"COM2 121.700"_qs});
+        hints->setMousePressAndHoldInterval(usual);
+        QTest::mouseRelease(&m_harness->view, Qt::LeftButton, {}, at);
+        QCOMPARE(tuned.size(), 1); // the release is no click
     }
 
     void aStationIsAskedForItsAtis()

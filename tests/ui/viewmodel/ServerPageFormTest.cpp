@@ -54,6 +54,33 @@ private slots:
         QCOMPARE(fixture.model.typeCodeRequired(), !observer);
     }
 
+    void aTypeThatNobodyKnows_data()
+    {
+        QTest::addColumn<QByteArray>("types");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("hint");
+        const QByteArray types = "BOEING\t737-800\tB738\tL2J\tM\n";
+        QTest::newRow("known") << types << u"B738"_qs << QString();
+        QTest::newRow("known, as typed") << types << u" b738 "_qs << QString();
+        QTest::newRow("unknown") << types << u"b739"_qs << u"机型库中没有 B739。"_qs;
+        QTest::newRow("nothing yet") << types << QString() << QString();
+        QTest::newRow("one letter, so far") << types << u"B"_qs << QString();
+        QTest::newRow("long") << types << QString(300, u'X') << u"机型库中没有 XXXXXXXX。"_qs;
+        QTest::newRow("without type data") << QByteArray() << u"B739"_qs << QString();
+    }
+
+    void aTypeThatNobodyKnows()
+    {
+        QFETCH(QByteArray, types);
+        QFETCH(QString, typed);
+        ServerPageFixture fixture(types);
+        fixture.model.setCurrentMode(u"XPLANE"_qs);
+        fixture.model.setCallsign(u"CES2352"_qs);
+        fixture.model.setTypeCode(typed);
+        QTEST(fixture.model.typeCodeHint(), "hint");
+        QCOMPARE(fixture.model.canConnect(), !typed.isEmpty()); // it is no refusal
+    }
+
     void aSelcalThatLooksMistyped_data()
     {
         QTest::addColumn<QString>("selcal");

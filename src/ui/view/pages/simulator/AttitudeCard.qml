@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import com.tarvonet.backend
 import "../.."
 
-/// How the own aircraft lies and moves: the primary flight display, and every figure under it.
+/// How the own aircraft lies and moves: the primary flight display, and every figure under it once.
 Card {
     id: card
 
@@ -34,15 +34,6 @@ Card {
             groundSpeed: card.simulator ? card.simulator.groundSpeed : NaN
             altitude: (card.simulator ? card.simulator.altitudeMslM : NaN) * Format.feetPerMetre
             climb: (card.simulator ? card.simulator.altitudeVelocity : NaN) * Format.feetPerMetre * 60
-        }
-
-        AppText {
-            Layout.fillWidth: true
-            text: card.simulator ? card.simulator.motionSummary : "--"
-            color: Style.textSecondary
-            font.pixelSize: Style.fontSmall
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.Wrap
         }
 
         GridLayout {
