@@ -25,6 +25,14 @@ Menu {
             clipboard.copy()
         }
 
+        // What QML has of the clipboard.
+        TextEdit {
+            id: clipboard
+
+            visible: false
+            textFormat: TextEdit.PlainText
+        }
+
         contentItem: AppText {
             text: copy.text
             leftPadding: Style.spacingSmall
@@ -40,14 +48,6 @@ Menu {
         radius: Style.radiusSmall + 2
         color: Style.buttonText
         border.width: 1
-        border.color: Style.controlBorder
-    }
-
-    // What QML has of the clipboard.
-    TextEdit {
-        id: clipboard
-
-        visible: false
-        textFormat: TextEdit.PlainText
+        border.color: Style.textMuted
     }
 }
