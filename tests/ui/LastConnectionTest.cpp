@@ -10,7 +10,6 @@
 
 using tarvo::StateFile;
 using tarvo::StringKey;
-using tarvo::model::ConnectInfo;
 using tarvo::test::MainStage;
 using tarvo::ui::MainWindow;
 using tarvo::ui::rememberConnection;
@@ -33,30 +32,31 @@ class LastConnectionTest : public QObject
 private slots:
     void isOfferedAgain_data()
     {
-        QTest::addColumn<ConnectInfo>("last");
+        QTest::addColumn<QStringList>("last");
+        QTest::addColumn<bool>("observer");
         QTest::addColumn<QStringList>("offered");
-        QTest::newRow("a pilot") << ConnectInfo{u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs, false}
-                                 << QStringList{u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs};
-        QTest::newRow("no SELCAL") << ConnectInfo{u"CCA1"_qs, u"B738"_qs, {}, false}
-                                   << QStringList{u"CCA1"_qs, u"B738"_qs, QString()};
-        QTest::newRow("an observer keeps the type")
-            << ConnectInfo{u"CCA1"_qs, {}, {}, true} << QStringList{u"CCA1"_qs, u"A320"_qs, QString()};
-        QTest::newRow("an observer with a type")
-            << ConnectInfo{u"CCA1"_qs, u"B738"_qs, {}, true} << QStringList{u"CCA1"_qs, u"B738"_qs, QString()};
-        QTest::newRow("a file that somebody has written") << ConnectInfo{QString(900, u'X'), u"B738"_qs, {}, false}
-                                                          << QStringList{QString(12, u'X'), u"B738"_qs, QString()};
+        const auto row = [](const char *name, bool observer, const QStringList &last, const QStringList &offered) {
+            QTest::newRow(name) << last << observer << offered;
+        };
+        row("a pilot", false, {u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs}, {u"CCA1"_qs, u"B738"_qs, u"AB-CD"_qs});
+        row("no SELCAL", false, {u"CCA1"_qs, u"B738"_qs, {}}, {u"CCA1"_qs, u"B738"_qs, {}});
+        row("an observer keeps the type", true, {u"CCA1"_qs, {}, {}}, {u"CCA1"_qs, u"A320"_qs, {}});
+        row("an observer with a type", true, {u"CCA1"_qs, u"B738"_qs, {}}, {u"CCA1"_qs, u"B738"_qs, {}});
+        row("a file that somebody has written", false, {QString(900, u'X'), u"B738"_qs, {}},
+            {QString(12, u'X'), u"B738"_qs, {}});
     }
 
     void isOfferedAgain()
     {
-        QFETCH(const ConnectInfo, last);
+        QFETCH(const QStringList, last);
+        QFETCH(const bool, observer);
         QFETCH(const QStringList, offered);
         const QTemporaryDir folder;
         tarvo::AppConfig config(folder.path());
         tarvo::network::SwiftAircraftIcaoService icao(config);
         StateFile state(folder.path());
         rememberConnection({u"CES2352"_qs, u"A320"_qs, u"EF-GH"_qs, false}, state);
-        rememberConnection(last, state);
+        rememberConnection({last[0], last[1], last[2], observer}, state);
         ServerPageViewModel form(icao);
         tarvo::ui::offerConnection(form, StateFile(folder.path()));
         QCOMPARE(formOf(form), offered);
