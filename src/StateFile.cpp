@@ -27,6 +27,13 @@ bool StateFile::get(const BoolKey &key) const
     return key.defaultValue;
 }
 
+int StateFile::get(const IntKey &key) const
+{
+    bool isNumber = false;
+    const int number = m_settings->value(QString::fromUtf8(key.key)).toString().toInt(&isNumber);
+    return isNumber ? number : key.defaultValue;
+}
+
 void StateFile::set(const StringKey &key, const QString &value)
 {
     if (get(key) != value)
@@ -37,6 +44,12 @@ void StateFile::set(const BoolKey &key, bool value)
 {
     if (get(key) != value)
         store(key.key, value ? QStringLiteral("true") : QStringLiteral("false"));
+}
+
+void StateFile::set(const IntKey &key, int value)
+{
+    if (get(key) != value)
+        store(key.key, QString::number(value));
 }
 
 void StateFile::store(const char *key, const QString &value)

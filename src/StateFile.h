@@ -15,10 +15,16 @@ namespace state {
 /// end.
 inline constexpr StringKey windowPlace{.key = "Window/Place"};
 inline constexpr BoolKey windowMaximized{"Window/Maximized", false};
+/// Where the compact view stood, in the same form.
+inline constexpr StringKey compactPlace{.key = "Window/CompactPlace"};
 /// The name of the newest crash file that the log has named.
 inline constexpr StringKey lastCrashTold{.key = "Crash/LastTold"};
+/// The tour of the first start has been shown.
+inline constexpr BoolKey tourSeen{"Tour/Seen", false};
 /// Whether messages and connections are heard.
 inline constexpr BoolKey soundsOn{"Sounds/On", true};
+/// Percent.
+inline constexpr IntKey soundsVolume{"Sounds/Volume", 100};
 
 } // namespace state
 
@@ -34,10 +40,12 @@ public:
 
     QString get(const StringKey &key) const;
     bool get(const BoolKey &key) const;
+    int get(const IntKey &key) const;
 
     /// A value that is there already writes nothing.
     void set(const StringKey &key, const QString &value);
     void set(const BoolKey &key, bool value);
+    void set(const IntKey &key, int value);
 
 private:
     void store(const char *key, const QString &value);

@@ -13,6 +13,7 @@
 #include "ui/OverviewFeed.h"
 #include "ui/SimulatorFeed.h"
 #include "ui/StatusFeed.h"
+#include "ui/TextFile.h"
 #include "ui/VoiceFeed.h"
 #include "ui/WindowBackdrop.h"
 #include "ui/WindowPlace.h"
@@ -22,6 +23,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDebug>
+#include <QDir>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMetaMethod>
@@ -30,6 +33,7 @@
 #include <QQuickView>
 #include <QScreen>
 #include <QShowEvent>
+#include <QStandardPaths>
 
 #include <chrono>
 
@@ -70,10 +74,13 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
       m_ptt(input::PttHandler::instance()),
       m_audioDevice(config, soundThreadOf(m_network)),
       m_server(icao),
+      m_compact(m_messages),
       m_voice(voiceClientOf(m_network), m_ptt, m_audioDevice, config),
       m_settings(config, api, endpoints),
       m_voiceSettings(config, m_audioDevice, m_ptt),
-      m_account(api, m_dashboard)
+      m_account(api, m_dashboard),
+      m_soundSettings(config.state()),
+      m_tour(config.state())
 {
     setWindowTitle(tr("TARVO Client - 控制面板"));
     setWindowIcon(QIcon(QStringLiteral(":/resources/logo.png")));
@@ -86,7 +93,8 @@ MainWindow::MainWindow(std::shared_ptr<manager::NetworkManager> network,
     createView();
     connectRequests();
     offerConnection(m_server, config.state());
-    m_sounds.setOn(config.state().get(state::soundsOn));
+    connectSounds();
+    connectCompact();
     if (m_network)
         connectSession();
 }
@@ -141,6 +149,9 @@ void MainWindow::exposeModels()
     pages->setContextProperty(QStringLiteral("statusBackend"), &m_status);
     pages->setContextProperty(QStringLiteral("leaveBackend"), &m_leave);
     pages->setContextProperty(QStringLiteral("overviewBackend"), &m_overview);
+    pages->setContextProperty(QStringLiteral("compactBackend"), &m_compact);
+    pages->setContextProperty(QStringLiteral("soundsBackend"), &m_soundSettings);
+    pages->setContextProperty(QStringLiteral("tourBackend"), &m_tour);
     pages->setContextProperty(QStringLiteral("voiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("voiceServiceBackend"), &m_voice);
     pages->setContextProperty(QStringLiteral("settingsBackend"), &m_settings);
@@ -168,10 +179,76 @@ void MainWindow::connectRequests()
     connect(&m_server, &ServerPageViewModel::disconnectRequested, this, &MainWindow::onDisconnectRequested, later);
     connect(&m_dashboard, &DashboardViewModel::serverConnectRequest, this, &MainWindow::onConnectRequested);
     connect(&m_server, &ServerPageViewModel::connectRequested, this, &MainWindow::onConnectRequested);
+    connect(&m_messages, &MessagesPageViewModel::exportRequested, this, &MainWindow::askForExportFile, later);
     connect(&m_config, &AppConfig::configChanged, this, &MainWindow::updateProfile);
     connect(&m_voice, &VoiceServiceViewModel::miniModeChanged, this, &MainWindow::tellWhetherSeen);
     connect(
         &m_leave, &LeaveQuestion::closeConfirmed, this, [this] { close(); }, later);
+}
+
+void MainWindow::connectSounds()
+{
+    const auto apply = [this] {
+        m_sounds.setOn(m_soundSettings.isOn());
+        m_sounds.setLevel(static_cast<float>(m_soundSettings.volume()) / 100.0F);
+    };
+    apply();
+    connect(&m_soundSettings, &SoundsViewModel::changed, this, apply);
+    connect(&m_soundSettings, &SoundsViewModel::trialRequested, this,
+            [this] { m_sounds.play(soundUrl("manager.mp3"), connectionSoundVolume); });
+    connect(&m_sounds, &SoundPlayer::wanted, &m_soundSettings, &SoundsViewModel::showSign);
+}
+
+void MainWindow::connectCompact()
+{
+    connect(&m_compact, &CompactViewModel::openingSoon, this, &MainWindow::placeCompact);
+    connect(&m_compact, &CompactViewModel::openChanged, this, &MainWindow::onCompactChanged);
+    connect(&m_compact, &CompactViewModel::placeLeft, this,
+            [this](const QRect &place) { m_config.state().set(state::compactPlace, placeText(place)); });
+}
+
+void MainWindow::askForExportFile(const QString &fileName, const QString &text)
+{
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    auto *dialog = new QFileDialog(this, tr("导出消息"), folder.filePath(fileName), tr("文本文件 (*.txt)"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, text](const QString &path) { exportTo(path, text); });
+    dialog->open();
+}
+
+void MainWindow::exportTo(const QString &path, const QString &text)
+{
+    const QString shown = QDir::toNativeSeparators(path);
+    const QString error = writeTextFile(path, text);
+    m_messages.setExportNote(error.isEmpty() ? tr("已导出到 %1").arg(shown) : tr("无法写入 %1：%2").arg(shown, error),
+                             !error.isEmpty());
+}
+
+/// Top right, until it has been dragged elsewhere.
+void MainWindow::placeCompact()
+{
+    constexpr int margin = 16;
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry().adjusted(0, margin, -margin, 0);
+    QRect corner(screen.topLeft(), CompactViewModel::size);
+    corner.moveRight(screen.right());
+    m_compact.setPlace(rememberedPlace(m_config.state(), state::compactPlace, corner));
+}
+
+/// The one stands for the other.
+void MainWindow::onCompactChanged()
+{
+    tellWhetherSeen();
+    if (!isVisible())
+        return;
+    if (m_compact.isOpen()) {
+        setWindowState(windowState() | Qt::WindowMinimized);
+    } else {
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        raise();
+        activateWindow();
+    }
 }
 
 void MainWindow::connectSession()
@@ -222,6 +299,7 @@ void MainWindow::showEvent(QShowEvent *event)
     m_account.loadUserInfo();
     m_account.loadUserHistory();
     m_account.loadLeaderboard();
+    m_tour.begin();
 }
 
 void MainWindow::hideEvent(QHideEvent *event)
@@ -229,6 +307,7 @@ void MainWindow::hideEvent(QHideEvent *event)
     QMainWindow::hideEvent(event);
     if (!event->spontaneous()) {
         m_voice.setMiniMode(false); // it would keep a program running whose main window is closed
+        m_compact.setOpen(false);   // so would this
         rememberPlace(*this, m_config.state());
     }
     tellWhetherSeen();
@@ -262,7 +341,7 @@ void MainWindow::changeEvent(QEvent *event)
 
 void MainWindow::tellWhetherSeen()
 {
-    const bool isSeen = (isVisible() && !isMinimized()) || m_voice.miniMode();
+    const bool isSeen = (isVisible() && !isMinimized()) || m_voice.miniMode() || m_compact.isOpen();
     m_voice.setSeen(isSeen);
     if (m_simulatorFeed)
         m_simulatorFeed->setSeen(isSeen);
@@ -292,6 +371,7 @@ void MainWindow::onModeSelected(const QString &mode)
     m_server.setCurrentMode(currentMode());
     if (picked == SimulatorMode::None)
         return;
+    m_tour.modePicked();
     if (picked == SimulatorMode::XPlane)
         emit xplaneSelected();
     else

@@ -5,6 +5,7 @@
 #include "model/SimulatorMode.h"
 #include "ui/AccountFeed.h"
 #include "ui/SoundPlayer.h"
+#include "ui/viewmodel/CompactViewModel.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -12,7 +13,9 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/SoundsViewModel.h"
 #include "ui/viewmodel/StatusViewModel.h"
+#include "ui/viewmodel/Tour.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/engine/AudioDevice.h"
@@ -67,10 +70,13 @@ public:
     ServerPageViewModel &server() { return m_server; }
     MessagesPageViewModel &messages() { return m_messages; }
     VoiceServiceViewModel &voice() { return m_voice; }
+    CompactViewModel &compact() { return m_compact; }
     LeaveQuestion &leaveQuestion() { return m_leave; }
     PilotOverview &overview() { return m_overview; }
     StatusViewModel &status() { return m_status; }
+    Tour &tour() { return m_tour; }
     SoundPlayer &sounds() { return m_sounds; }
+    SoundsViewModel &soundSettings() { return m_soundSettings; }
     QQuickView *view() const { return m_view; }
 
 signals:
@@ -98,6 +104,12 @@ private:
     void followScreen();
     void exposeModels();
     void connectRequests();
+    void connectSounds();
+    void connectCompact();
+    void placeCompact();
+    void onCompactChanged();
+    void askForExportFile(const QString &fileName, const QString &text);
+    void exportTo(const QString &path, const QString &text);
     void connectSession();
     void connectStatus();
     void askBeforeClosing();
@@ -130,6 +142,7 @@ private:
     SimulatorPageViewModel m_simulator;
     ServerPageViewModel m_server;
     MessagesPageViewModel m_messages;
+    CompactViewModel m_compact;
     StatusViewModel m_status;
     LeaveQuestion m_leave;
     PilotOverview m_overview;
@@ -137,6 +150,8 @@ private:
     viewmodel::SettingsViewModel m_settings;
     viewmodel::VoiceSettingsViewModel m_voiceSettings;
     AccountFeed m_account;
+    SoundsViewModel m_soundSettings;
+    Tour m_tour;
     SoundPlayer m_sounds;
     std::unique_ptr<SimulatorFeed> m_simulatorFeed; ///< null without a session
     std::unique_ptr<MessagesFeed> m_messagesFeed;   ///< null without a session

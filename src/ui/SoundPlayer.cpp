@@ -107,13 +107,14 @@ SoundPlayer::~SoundPlayer()
 
 void SoundPlayer::play(const QUrl &url, float volume)
 {
-    if (!m_on)
+    emit wanted(url);
+    if (!m_on || m_level <= 0.0F)
         return;
     if (!m_wishes)
         m_wishes = std::make_shared<Wishes>(m_makeOutput);
     m_source = url;
-    m_volume = volume;
-    const bool isLeft = m_wishes->put(url, volume) || soundWorker().post([wishes = m_wishes] { wishes->serve(); });
+    m_volume = volume * m_level;
+    const bool isLeft = m_wishes->put(url, m_volume) || soundWorker().post([wishes = m_wishes] { wishes->serve(); });
     if (!isLeft)
         m_wishes->clear();
     emit played(url);

@@ -29,13 +29,18 @@ public:
     /// While it is off nothing is played. It begins on.
     void setOn(bool on) { m_on = on; }
     bool isOn() const { return m_on; }
+    /// The share of each sound's own volume that is heard: 0.0 to 1.0, from the next sound on. At 0.0 nothing is
+    /// played.
+    void setLevel(float level) { m_level = level; }
 
-    /// What was asked for last.
+    /// What was to be heard last.
     QUrl source() const { return m_source; }
     float volume() const { return m_volume; }
 
 signals:
-    /// A sound was asked for.
+    /// A sound was asked for, whether it is heard or not.
+    void wanted(const QUrl &url);
+    /// A sound is to be heard.
     void played(const QUrl &url);
 
 private:
@@ -45,6 +50,7 @@ private:
     std::shared_ptr<Wishes> m_wishes; ///< shared with the sounds' thread; null before the first
     QUrl m_source;
     float m_volume = 1.0F;
+    float m_level = 1.0F;
     bool m_on = true;
 };
 

@@ -70,6 +70,12 @@ QRect clampedToScreens(const QRect &place, const QList<QRect> &screens)
     return result;
 }
 
+QRect rememberedPlace(const StateFile &state, const StringKey &key, const QRect &otherwise)
+{
+    const std::optional<QRect> place = placeFromText(state.get(key));
+    return clampedToScreens(place ? QRect(place->topLeft(), otherwise.size()) : otherwise, usableScreens());
+}
+
 QRect normalPlace(const QWidget &window)
 {
     const QPoint frame = window.frameGeometry().topLeft() - window.geometry().topLeft();

@@ -10,7 +10,8 @@ class QWidget;
 
 namespace tarvo {
 class StateFile;
-}
+struct StringKey;
+} // namespace tarvo
 
 namespace tarvo::ui {
 
@@ -22,6 +23,10 @@ std::optional<QRect> placeFromText(const QString &text);
 /// `place` as it can be seen and grasped: on the screen of which it covers most, or the first one when it is on none,
 /// no larger than that screen and all of it inside. `screens` are the areas that windows may use; without any, `place`.
 QRect clampedToScreens(const QRect &place, const QList<QRect> &screens);
+
+/// The corner that `key` remembers, with the size of `otherwise`, as clampedToScreens() has it; `otherwise` when
+/// nothing is remembered.
+QRect rememberedPlace(const StateFile &state, const StringKey &key, const QRect &otherwise);
 
 /// Where `window` stands, or would stand if it were neither maximised nor minimised: the corner of its frame and the
 /// size within it.

@@ -18,6 +18,8 @@ struct AccountStage
     AccountPeer peer;
     network::ApiService api{config, peer.endpoints()};
 
+    AccountStage() { config.state().set(state::tourSeen, true); } // it would lie over the pages
+
     /// As user 1001, whom the service knows from then on.
     void signIn()
     {

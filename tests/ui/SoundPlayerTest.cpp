@@ -117,6 +117,25 @@ private slots:
         QCOMPARE(played[2], QVariantList{disconnectSound});
     }
 
+    void theLevelIsAShareOfEachVolume()
+    {
+        SoundPlayer player;
+        const QSignalSpy wanted(&player, &SoundPlayer::wanted);
+        const QSignalSpy played(&player, &SoundPlayer::played);
+        player.setLevel(0.5F);
+        player.play(connectSound, 0.5F);
+        QCOMPARE(player.volume(), 0.25F);
+        player.setLevel(0.0F);
+        player.play(messageSound, 0.5F);
+        player.setLevel(1.0F);
+        player.setOn(false);
+        player.play(disconnectSound, 0.5F);
+        QCOMPARE(player.source(), connectSound); // the others were not heard
+        QCOMPARE(played.size(), 1);
+        QCOMPARE(wanted.size(), 3);
+        QCOMPARE(wanted[2], QVariantList{disconnectSound});
+    }
+
     void withoutASoundNothingIsOpened()
     {
         const auto system = std::make_shared<SoundSystem>();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/viewmodel/CompactViewModel.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -8,7 +9,9 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/SoundsViewModel.h"
 #include "ui/viewmodel/StatusViewModel.h"
+#include "ui/viewmodel/Tour.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 
@@ -28,6 +31,7 @@
 
 namespace tarvo::ui {
 
+TARVO_BACKEND(CompactBackend, CompactViewModel)
 TARVO_BACKEND(DashboardBackend, DashboardViewModel)
 TARVO_BACKEND(SimulatorBackend, SimulatorPageViewModel)
 TARVO_BACKEND(ServerBackend, ServerPageViewModel)
@@ -35,7 +39,9 @@ TARVO_BACKEND(LeaveBackend, LeaveQuestion)
 TARVO_BACKEND(OverviewBackend, PilotOverview)
 TARVO_BACKEND(MessagesBackend, MessagesPageViewModel)
 TARVO_BACKEND(PlotLabelsBackend, PlotLabels)
+TARVO_BACKEND(SoundsBackend, SoundsViewModel)
 TARVO_BACKEND(StatusBackend, StatusViewModel)
+TARVO_BACKEND(TourBackend, Tour)
 TARVO_BACKEND(VoiceServiceBackend, VoiceServiceViewModel)
 TARVO_BACKEND(SettingsBackend, viewmodel::SettingsViewModel)
 TARVO_BACKEND(VoiceSettingsBackend, viewmodel::VoiceSettingsViewModel)

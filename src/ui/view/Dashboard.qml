@@ -17,6 +17,9 @@ Rectangle {
     readonly property SettingsBackend settings: typeof settingsBackend === "undefined" ? null : settingsBackend
     readonly property VoiceSettingsBackend voiceSettings: typeof voiceSettingsBackend === "undefined" ? null : voiceSettingsBackend
     readonly property StatusBackend status: typeof statusBackend === "undefined" ? null : statusBackend
+    readonly property CompactBackend compact: typeof compactBackend === "undefined" ? null : compactBackend
+    readonly property TourBackend tour: typeof tourBackend === "undefined" ? null : tourBackend
+    readonly property SoundsBackend sounds: typeof soundsBackend === "undefined" ? null : soundsBackend
     readonly property LeaveBackend leave: typeof leaveBackend === "undefined" ? null : leaveBackend
     readonly property OverviewBackend overview: typeof overviewBackend === "undefined" ? null : overviewBackend
     // qmllint enable unqualified
@@ -45,9 +48,18 @@ Rectangle {
         }
     }
 
+    function showCompact(): void {
+        if (compact)
+            compact.open = true
+    }
+
     function perform(action: string): void {
         if (action === "help")
             shortcutSheet.open()
+        else if (action === "mute")
+            sounds?.toggle()
+        else if (action === "compact")
+            showCompact()
         else
             (shell.item as MainDashboard)?.perform(action)
     }
@@ -74,6 +86,7 @@ Rectangle {
 
         ModeSelection {
             dashboard: rootWindow.dashboard // qmllint disable unqualified
+            tour: rootWindow.tour // qmllint disable unqualified
             onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
         }
     }
@@ -90,10 +103,13 @@ Rectangle {
             settings: rootWindow.settings // qmllint disable unqualified
             voiceSettings: rootWindow.voiceSettings // qmllint disable unqualified
             status: rootWindow.status // qmllint disable unqualified
+            sounds: rootWindow.sounds // qmllint disable unqualified
+            tour: rootWindow.tour // qmllint disable unqualified
             leave: rootWindow.leave // qmllint disable unqualified
             overview: rootWindow.overview // qmllint disable unqualified
             onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
             onHelpRequested: shortcutSheet.open() // qmllint disable unqualified
+            onCompactRequested: rootWindow.showCompact() // qmllint disable unqualified
         }
     }
 
@@ -107,6 +123,24 @@ Rectangle {
             visible: rootWindow.voice ? rootWindow.voice.miniMode : false // qmllint disable unqualified
             voice: rootWindow.voice // qmllint disable unqualified
             simulator: rootWindow.simulator // qmllint disable unqualified
+        }
+    }
+
+    Instantiator {
+        property bool wanted: rootWindow.compact ? rootWindow.compact.open : false
+
+        active: false
+        onWantedChanged: active = true
+
+        CompactWindow {
+            visible: rootWindow.compact ? rootWindow.compact.open : false // qmllint disable unqualified
+            compact: rootWindow.compact // qmllint disable unqualified
+            messages: rootWindow.messages // qmllint disable unqualified
+            overview: rootWindow.overview // qmllint disable unqualified
+            simulator: rootWindow.simulator // qmllint disable unqualified
+            sounds: rootWindow.sounds // qmllint disable unqualified
+            status: rootWindow.status // qmllint disable unqualified
+            voice: rootWindow.voice // qmllint disable unqualified
         }
     }
 }

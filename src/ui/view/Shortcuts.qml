@@ -13,6 +13,9 @@ QtObject {
         { group: qsTr("页面"), action: "settings", keys: ["Ctrl+6"], text: qsTr("设置") },
         { group: qsTr("消息"), action: "compose", keys: ["Ctrl+L"], text: qsTr("写消息") },
         { group: qsTr("消息"), action: "lastSession", keys: ["Ctrl+R"], text: qsTr("最近的私聊") },
+        { group: qsTr("消息"), action: "search", keys: ["Ctrl+F"], text: qsTr("在频道中查找") },
+        { group: qsTr("程序"), action: "compact", keys: ["Ctrl+0"], text: qsTr("精简视图") },
+        { group: qsTr("程序"), action: "mute", keys: ["Ctrl+M"], text: qsTr("提示音静音") },
         { group: qsTr("程序"), action: "help", keys: ["F1", "?"], text: qsTr("快捷键一览") },
         { group: qsTr("程序"), action: "", keys: ["Esc"], text: qsTr("关闭打开的窗口") }
     ]

@@ -114,6 +114,11 @@ QtObject {
 
     readonly property int animationShort: 120
 
+    /// Of "quiet", "pending", "good" or "failed".
+    function toneColor(tone: string): color {
+        return ({ pending: statusPending, good: statusSuccess, failed: statusError })[tone] ?? textMuted
+    }
+
     function firstOf(families: list<string>): string {
         const installed = Qt.fontFamilies()
         return families.find(family => installed.includes(family)) ?? Qt.application.font.family

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace tarvo::ui {
@@ -199,6 +200,12 @@ MessageGroup Message::group() const
 bool Message::isIncoming() const
 {
     return traits(kind).direction == Direction::In;
+}
+
+bool Message::holds(const QString &text) const
+{
+    return std::ranges::any_of(std::array{&body, &from, &to, &meta, &frequencies},
+                               [&](const QString *part) { return part->contains(text, Qt::CaseInsensitive); });
 }
 
 int Message::priority() const

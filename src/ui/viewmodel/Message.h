@@ -81,6 +81,8 @@ public:
     QString directionLabel() const;
     MessageGroup group() const;
     bool isIncoming() const;
+    /// Whether a pilot who looks for `text` wants to see it. Letters of either case are the same.
+    bool holds(const QString &text) const;
     /// 2 for what is meant for the pilot alone, else 1.
     int priority() const;
     /// The row of the list. `id`: its number; `wallMs`: ms since the epoch.

@@ -2,10 +2,12 @@
 
 #include "model/Controller.h"
 #include "ui/viewmodel/ComposeRules.h"
+#include "ui/viewmodel/ExportedText.h"
 #include "ui/viewmodel/Frequency.h"
 
 #include <QVariantMap>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -152,6 +154,28 @@ void MessagesPageViewModel::setActiveFilter(const QString &filter)
     tell(Change::Messages);
 }
 
+void MessagesPageViewModel::setSearchText(const QString &text)
+{
+    if (text == m_searchText)
+        return;
+    m_searchText = text;
+    showChannel();
+    tell(Change::Search);
+}
+
+void MessagesPageViewModel::requestExport()
+{
+    emit exportRequested(exportFileName(activeChannelTitle(), m_clock.wallMs()),
+                         exportedText(m_store.inChannel(m_activeChannel)));
+}
+
+void MessagesPageViewModel::setExportNote(const QString &note, bool failed)
+{
+    m_exportNote = note;
+    m_exportFailed = failed;
+    tell(Change::Export);
+}
+
 void MessagesPageViewModel::setNetworkConnected(bool connected)
 {
     if (connected == m_networkConnected)
@@ -282,6 +306,26 @@ void MessagesPageViewModel::sendWallopMessage(const QString &message)
     tell(writeDraft({}, {}));
 }
 
+bool MessagesPageViewModel::post(const QString &channel, const QString &text)
+{
+    if (!canSendText(text))
+        return false;
+    if (channel == channels::radio())
+        emit radioMessageRequested(text);
+    else
+        emit privateMessageRequested(channel, text);
+    return true;
+}
+
+std::optional<StoredMessage> MessagesPageViewModel::newestMessage() const
+{
+    const QList<StoredMessage> &all = m_store.all();
+    const auto found = std::find_if(all.crbegin(), all.crend(), [](const StoredMessage &stored) {
+        return stored.message.kind != MessageKind::System;
+    });
+    return found == all.crend() ? std::nullopt : std::optional(*found);
+}
+
 void MessagesPageViewModel::prepareReply(const QString &from)
 {
     const QString callsign = normalisedCallsign(from);
@@ -361,9 +405,9 @@ void MessagesPageViewModel::add(const Message &message)
 
 void MessagesPageViewModel::show(const StoredMessage &added, const std::optional<StoredMessage> &gone)
 {
-    if (isShown(added.message.channel))
+    if (hasRow(added.message))
         m_shown.append(shown(added));
-    if (gone && isShown(gone->message.channel))
+    if (gone && hasRow(gone->message))
         m_shown.removeOldest();
     if (gone)
         showUnread(gone->message.channel);
@@ -374,7 +418,8 @@ void MessagesPageViewModel::showChannel()
 {
     QList<ShownMessage> messages;
     for (const StoredMessage &stored : m_store.inChannel(m_activeChannel))
-        messages << shown(stored);
+        if (hasRow(stored.message))
+            messages << shown(stored);
     m_shown.reset(messages);
 }
 
@@ -398,6 +443,8 @@ void MessagesPageViewModel::tell(Changes changes)
         {Change::NetworkState, &Model::networkStateChanged},
         {Change::NearbyClients, &Model::nearbyClientsChanged},
         {Change::Compose, &Model::composeChanged},
+        {Change::Search, &Model::searchChanged},
+        {Change::Export, &Model::exportChanged},
     };
     if (m_toldUnread != m_store.unread())
         changes |= Change::Unread;
@@ -429,6 +476,9 @@ MessagesPageViewModel::Changes MessagesPageViewModel::enterChannel(const QString
         m_drafts.insert(m_activeChannel, m_draftMessage);
         m_draftMessage = m_drafts.take(channel);
         m_activeChannel = channel;
+        m_searchText.clear();
+        m_exportNote.clear();
+        changes |= Changes{Change::Search, Change::Export};
         showChannel();
     }
     return changes | markRead(channel);
@@ -454,6 +504,11 @@ MessagesPageViewModel::Changes MessagesPageViewModel::writeDraft(const QString &
     m_draftTarget = target;
     m_draftMessage = message;
     return Change::Compose;
+}
+
+bool MessagesPageViewModel::hasRow(const Message &message) const
+{
+    return isShown(message.channel) && message.holds(m_searchText);
 }
 
 bool MessagesPageViewModel::isShown(const QString &channel) const

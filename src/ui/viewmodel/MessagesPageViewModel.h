@@ -53,6 +53,11 @@ class MessagesPageViewModel : public QObject
     Q_PROPERTY(QString composePlaceholder READ composePlaceholder NOTIFY composeChanged)
     Q_PROPERTY(QString composeNote READ composeNote NOTIFY composeChanged)
     Q_PROPERTY(bool composeBlocked READ composeBlocked NOTIFY composeChanged)
+    /// What is looked for in the active channel; empty: everything is shown.
+    Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchChanged)
+    /// How the last export of the active channel went; empty: there was none.
+    Q_PROPERTY(QString exportNote READ exportNote NOTIFY exportChanged)
+    Q_PROPERTY(bool exportFailed READ exportFailed NOTIFY exportChanged)
     Q_PROPERTY(QAbstractListModel *shownMessages READ shownMessages CONSTANT)
     Q_PROPERTY(QAbstractListModel *channelList READ channelList CONSTANT)
     Q_PROPERTY(QAbstractItemModel *sessionList READ shownSessions CONSTANT)
@@ -87,7 +92,7 @@ public:
     QString composeNote() const;
     /// What is sent now would go nowhere: no radio transmits.
     bool composeBlocked() const;
-    /// The active channel's messages.
+    /// The active channel's messages, as far as the search lets them through.
     ShownMessages *shownMessages() { return &m_shown; }
     /// The channels that always stand.
     ChannelList *channelList() { return &m_channels; }
@@ -101,6 +106,18 @@ public:
     void setDraftTarget(const QString &target);
     void setDraftMessage(const QString &message);
     void setActiveFilter(const QString &filter);
+    QString searchText() const { return m_searchText; }
+    void setSearchText(const QString &text);
+    QString exportNote() const { return m_exportNote; }
+    bool exportFailed() const { return m_exportFailed; }
+    /// The active channel was written to a file, or not.
+    void setExportNote(const QString &note, bool failed);
+
+    bool isTransmitting() const { return m_transmitting; }
+    /// The newest that is no note of the system.
+    std::optional<StoredMessage> newestMessage() const;
+    /// Sends to the radio or a callsign. No draft is touched. False without text or a network.
+    bool post(const QString &channel, const QString &text);
 
     // The program's side. Callsigns are trimmed and upper-cased; bodies are kept as given; frequencies are kHz.
     void setNetworkConnected(bool connected);
@@ -134,6 +151,8 @@ public:
     Q_INVOKABLE void openLastSession();
     /// The row of the active channel's list is one that the pilot has sent.
     Q_INVOKABLE bool isOwnShown(int row) const;
+    /// Has the active channel written to a file of the pilot's choice.
+    Q_INVOKABLE void requestExport();
     /// Asks a station for its ATIS, which comes as a note of the system.
     Q_INVOKABLE void requestAtis(const QString &callsign);
     /// The session's messages stay in the list, as read. What was being written there is dropped: it must not be sent
@@ -158,6 +177,9 @@ signals:
     void radioMessageRequested(QString message);
     void wallopRequested(QString message);
     void atisRequested(QString callsign);
+    void searchChanged();
+    void exportChanged();
+    void exportRequested(QString fileName, QString text);
 
 private:
     /// What one step has changed. The signals are raised at its end, when all members agree again.
@@ -172,6 +194,8 @@ private:
         NetworkState = 1U << 6U,
         NearbyClients = 1U << 7U,
         Compose = 1U << 8U,
+        Search = 1U << 9U,
+        Export = 1U << 10U,
     };
     Q_DECLARE_FLAGS(Changes, Change)
 
@@ -189,6 +213,8 @@ private:
     /// Brings a channel's unread count to the lists that show it.
     void showUnread(const QString &channel);
     Changes writeDraft(const QString &target, const QString &message);
+    /// True when the message has a row of its own now.
+    bool hasRow(const Message &message) const;
     /// True when the active channel shows messages of `channel`.
     bool isShown(const QString &channel) const;
     bool canSend(const QString &channel) const;
@@ -203,6 +229,9 @@ private:
     UnreadFirst m_unreadFirst{m_sessions, this};
     StationList m_stations{this};
     QString m_activeChannel = channels::radio();
+    QString m_searchText;
+    QString m_exportNote;
+    bool m_exportFailed = false;
     QString m_activeFilter = channels::all();
     QString m_draftTarget;
     QString m_draftMessage;

@@ -29,6 +29,41 @@ private slots:
         m_harness.reset();
     }
 
+    void aChannelIsSearchedByKeys()
+    {
+        fillMessages(model());
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(field("searchField")->hasActiveFocus());
+        m_harness->type(u"cca1831"_qs);
+        QCOMPARE(list()->property("count").toInt(), 1);
+        QVERIFY(m_harness->itemWithText(u"找到 1 条"_qs));
+        m_harness->settle();
+        m_harness->grab(u"messages-search"_qs);
+        m_harness->type(u"xyz"_qs);
+        QVERIFY(m_harness->itemWithText(u"没有找到"_qs));
+        QTest::keyClick(&m_harness->view, Qt::Key_Escape);
+        QVERIFY(!field("searchField"));
+        QVERIFY(field("composeField")->hasActiveFocus());
+        QCOMPARE(list()->property("count").toInt(), 4);
+    }
+
+    void anExportTellsHowItWent()
+    {
+        QVERIFY(!field("exportButton")->isEnabled()); // nothing to write
+        fillMessages(model());
+        const QSignalSpy asked(&model(), &MessagesPageViewModel::exportRequested);
+        m_harness->click(field("exportButton"));
+        QCOMPARE(asked.size(), 1);
+        QVERIFY(!field("exportNote"));
+        model().setExportNote(u"无法写入 /media/usb/TARVO 无线电 2026-11-22.txt：No space left on device"_qs, true);
+        m_harness->settle();
+        const QQuickItem *button = field("exportButton");
+        const QQuickItem *note = field("exportNote");
+        QVERIFY(note->mapToScene({0, 0}).y() >= button->mapToScene({0, button->height()}).y());
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+        m_harness->grab(u"messages-export"_qs);
+    }
+
     void everySizeKeepsItsTextsInside_data()
     {
         QTest::addColumn<QString>("channel");

@@ -55,7 +55,9 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
       m_icao(m_config),
       m_dashboard(nullptr, m_clock),
       m_server(m_icao, nullptr, m_clock),
-      m_messages(nullptr, m_clock)
+      m_messages(nullptr, m_clock),
+      m_sounds(m_config.state()),
+      m_tour(m_config.state())
 {
     m_icao.ensureLoaded();
     readDevices(); // the pages ask no sound system
@@ -74,6 +76,9 @@ PageHarness::PageHarness(const QString &mode, QSize size, Backends backends)
         view.rootContext()->setContextProperty(u"leaveBackend"_qs, present ? &m_leave : nullptr);
         view.rootContext()->setContextProperty(u"overviewBackend"_qs, present ? &m_overview : nullptr);
         view.rootContext()->setContextProperty(u"statusBackend"_qs, present ? &m_status : nullptr);
+        view.rootContext()->setContextProperty(u"compactBackend"_qs, present ? &m_compact : nullptr);
+        view.rootContext()->setContextProperty(u"tourBackend"_qs, present ? &m_tour : nullptr);
+        view.rootContext()->setContextProperty(u"soundsBackend"_qs, present ? &m_sounds : nullptr);
         view.rootContext()->setContextProperty(u"voiceBackend"_qs, present ? &m_voice : nullptr);
         view.rootContext()->setContextProperty(u"settingsBackend"_qs, present ? &m_settings : nullptr);
         view.rootContext()->setContextProperty(u"voiceSettingsBackend"_qs, present ? &m_voiceSettings : nullptr);

@@ -8,6 +8,7 @@
 #include "network/SwiftAircraftIcaoService.h"
 #include "support/ManualClock.h"
 #include "support/ScriptedInput.h"
+#include "ui/viewmodel/CompactViewModel.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/LeaveQuestion.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -15,7 +16,9 @@
 #include "ui/viewmodel/ServerPageViewModel.h"
 #include "ui/viewmodel/SettingsViewModel.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
+#include "ui/viewmodel/SoundsViewModel.h"
 #include "ui/viewmodel/StatusViewModel.h"
+#include "ui/viewmodel/Tour.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "ui/viewmodel/VoiceSettingsViewModel.h"
 #include "voice/client/VoiceClient.h"
@@ -54,6 +57,10 @@ public:
     ui::SimulatorPageViewModel &simulator() { return m_simulator; }
     ui::LeaveQuestion &leave() { return m_leave; }
     ui::PilotOverview &overview() { return m_overview; }
+    ui::CompactViewModel &compact() { return m_compact; }
+    /// It has not begun.
+    ui::Tour &tour() { return m_tour; }
+    ui::SoundsViewModel &sounds() { return m_sounds; }
     ui::StatusViewModel &status() { return m_status; }
     ui::VoiceServiceViewModel &voice() { return m_voice; }
     /// What the voice page hears of; a test raises its signals.
@@ -114,6 +121,9 @@ private:
     ui::ServerPageViewModel m_server;
     ui::MessagesPageViewModel m_messages;
     ui::SimulatorPageViewModel m_simulator;
+    ui::CompactViewModel m_compact{m_messages};
+    ui::SoundsViewModel m_sounds;
+    ui::Tour m_tour;
     ui::StatusViewModel m_status;
     ui::LeaveQuestion m_leave;
     ui::PilotOverview m_overview;

@@ -31,6 +31,27 @@ private slots:
         m_harness.reset();
     }
 
+    void theSoundsAreSetAtOnce()
+    {
+        tarvo::ui::SoundsViewModel &sounds = m_harness->sounds();
+        const QSignalSpy trial(&sounds, &tarvo::ui::SoundsViewModel::trialRequested);
+        QVERIFY(m_harness->tabTo(u"soundTrialButton"_qs)); // which brings it into sight
+        QTest::keyClick(&m_harness->view, Qt::Key_Return);
+        QCOMPARE(trial.size(), 1);
+        QVERIFY(m_harness->tabTo(u"soundVolumeSlider"_qs));
+        QTest::keyClick(&m_harness->view, Qt::Key_Left);
+        QCOMPARE(sounds.volume(), 95);
+        m_harness->grab(u"settings-sound"_qs);
+        m_harness->click(m_harness->item(u"soundBell"_qs));
+        QVERIFY(!m_harness->item(u"soundsOnBox"_qs)->property("checked").toBool());
+        QVERIFY(!m_harness->item(u"soundTrialButton"_qs)->isEnabled());
+        m_harness->click(m_harness->item(u"soundsOnBox"_qs));
+        QVERIFY(sounds.isOn());
+        sounds.showSign(QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
+        QVERIFY(m_harness->item(u"soundSign"_qs));
+        m_harness->grab(u"sound-sign"_qs);
+    }
+
     void aFieldIsTypedAndSaved_data()
     {
         QTest::addColumn<QString>("fieldName");

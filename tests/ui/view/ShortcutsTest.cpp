@@ -81,6 +81,15 @@ private slots:
         QVERIFY(m_harness->item(u"composeField"_qs)->hasActiveFocus());
     }
 
+    void theSoundsAreSwitched()
+    {
+        QVERIFY(m_harness->sounds().isOn());
+        press(Qt::Key_M, Qt::ControlModifier);
+        QVERIFY(!m_harness->sounds().isOn());
+        press(Qt::Key_M, Qt::ControlModifier);
+        QVERIFY(m_harness->sounds().isOn());
+    }
+
     void oneSheetTellsThemAll_data()
     {
         QTest::addColumn<Qt::Key>("key");

@@ -14,12 +14,15 @@ Item {
     required property SettingsBackend settings
     required property VoiceSettingsBackend voiceSettings
     required property StatusBackend status
+    required property SoundsBackend sounds
+    required property TourBackend tour
     required property LeaveBackend leave
     required property OverviewBackend overview
     property string currentSection: "dashboard"
 
     signal logoutRequested()
     signal helpRequested()
+    signal compactRequested()
 
     Component.onCompleted: if (status) status.setCurrentSection(currentSection)
     onCurrentSectionChanged: if (status) status.setCurrentSection(currentSection)
@@ -39,8 +42,9 @@ Item {
         } else {
             if (action === "lastSession")
                 messages?.openLastSession()
-            currentSection = "messages";
-            (page.item as MessagesPage)?.write()
+            currentSection = "messages"
+            const opened = page.item as MessagesPage
+            action === "search" ? opened?.search() : opened?.write()
         }
     }
 
@@ -67,6 +71,7 @@ Item {
         height: parent.height
         dashboard: main.dashboard
         status: main.status
+        sounds: main.sounds
         currentSection: main.currentSection
         unreadCount: main.messages ? main.messages.unreadCount : 0
         sections: [
@@ -80,6 +85,7 @@ Item {
         onSectionRequested: key => main.currentSection = key
         onLogoutRequested: main.logoutRequested()
         onHelpRequested: main.helpRequested()
+        onCompactRequested: main.compactRequested()
     }
 
     NoticeBanner {
@@ -110,6 +116,26 @@ Item {
             messages: messagesSection,
             settings: settingsSection
         })[main.currentSection] ?? overviewSection
+    }
+
+    TourCard {
+        anchors.left: sidebar.right
+        tour: main.tour
+        step: 2
+        target: sidebar.itemOf("server", sidebar.items.count)
+        margin: Style.spacingLarge
+        title: qsTr("连接网络")
+        text: qsTr("在“服务器”页填写呼号和机型，按下连接，管制和机友就能看到你。")
+    }
+
+    TourCard {
+        anchors.left: sidebar.right
+        tour: main.tour
+        step: 3
+        target: sidebar.itemOf("messages", sidebar.items.count)
+        margin: Style.spacingLarge
+        title: qsTr("收发消息")
+        text: qsTr("频率上的文字、私聊和管制席位都在这里。按 F1 可以看到全部快捷键。")
     }
 
     Component {
@@ -160,6 +186,7 @@ Item {
         SettingsPage {
             settings: main.settings // qmllint disable unqualified
             voice: main.voiceSettings // qmllint disable unqualified
+            sounds: main.sounds // qmllint disable unqualified
         }
     }
 }

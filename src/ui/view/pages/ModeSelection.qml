@@ -8,6 +8,7 @@ Item {
     id: page
 
     required property DashboardBackend dashboard
+    property TourBackend tour: null
 
     signal logoutRequested()
 
@@ -98,6 +99,17 @@ Item {
             versions: qsTr("支持 10 / 11 / 12")
             onClicked: if (page.dashboard) page.dashboard.requestModeChange("XPLANE")
         }
+    }
+
+    TourCard {
+        x: Math.max(Style.spacingMedium, (parent.width - 400) / 2 - width - Style.spacingLarge)
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenterOffset: 52 // between the two cards
+        tour: page.tour
+        step: 1
+        title: qsTr("选择模拟器")
+        text: qsTr("选你要用的平台。模拟器可以稍后再启动，客户端会自己找到它。")
+        pointsRight: true
     }
 
     ColumnLayout {

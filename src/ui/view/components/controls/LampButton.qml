@@ -6,6 +6,7 @@ Pressable {
     id: button
 
     property bool lit: false
+    property bool small: false
 
     implicitWidth: implicitContentWidth
     implicitHeight: implicitContentHeight
@@ -22,6 +23,8 @@ Pressable {
         Accessible.ignored: true
         dark: true
         text: button.text
+        fontSize: button.small ? 10 : Style.fontSmall
+        implicitHeight: button.small ? 20 : 26
         lit: button.lit
         litColor: Style.instrumentActive
     }

@@ -9,6 +9,7 @@ Rectangle {
 
     required property DashboardBackend dashboard
     required property StatusBackend status
+    required property SoundsBackend sounds
     property string currentSection: "dashboard"
     /// Rows of { key, title }.
     property var sections: []
@@ -17,9 +18,18 @@ Rectangle {
     /// Room for two connections that failed, down to the least height of the window.
     readonly property bool compact: height < 780
 
+    readonly property alias items: sectionItems
+
     signal sectionRequested(string key)
     signal logoutRequested()
     signal helpRequested()
+    signal compactRequested()
+
+    /// The section's item, once there are `count` of them.
+    function itemOf(key: string, count: int): Item {
+        const index = sections.findIndex(section => section.key === key)
+        return index < count ? sectionItems.itemAt(index) : null
+    }
 
     implicitWidth: 252
     color: Style.sidebarBg
@@ -52,6 +62,20 @@ Rectangle {
                 font.letterSpacing: 2
             }
 
+            SoundBell { sounds: sidebar.sounds }
+
+            SidebarTool {
+                objectName: "compactTool"
+                Accessible.name: qsTr("精简视图")
+                tip: Shortcuts.tip("compact")
+                onClicked: sidebar.compactRequested()
+
+                CompactSign {
+                    anchors.centerIn: parent
+                    color: Style.textSecondary
+                }
+            }
+
             SidebarTool {
                 objectName: "helpTool"
                 Accessible.name: tip
@@ -67,9 +91,20 @@ Rectangle {
             }
         }
 
-        GroupTitle { text: qsTr("主菜单") }
+        GroupTitle {
+            Layout.fillWidth: true
+            text: qsTr("主菜单")
+
+            SoundSign {
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                sounds: sidebar.sounds
+            }
+        }
 
         Repeater {
+            id: sectionItems
+
             model: sidebar.sections
 
             SidebarItem {

@@ -8,5 +8,5 @@ Rectangle {
     implicitWidth: 8
     implicitHeight: 8
     radius: width / 2
-    color: ({ pending: Style.statusPending, good: Style.statusSuccess, failed: Style.statusError })[tone] ?? Style.textMuted
+    color: Style.toneColor(tone)
 }

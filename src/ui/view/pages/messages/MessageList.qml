@@ -157,8 +157,10 @@ Control {
         anchors.centerIn: parent
         width: Math.min(parent.width - 2 * Style.spacingLarge, 360)
         visible: list.count === 0 && !sessions.visible
-        title: qsTr("当前频道暂无消息")
-        detail: view.hintFor(view.channel)
+        readonly property bool searched: view.messages ? view.messages.searchText.length > 0 : false
+
+        title: searched ? qsTr("没有找到") : qsTr("当前频道暂无消息")
+        detail: searched ? qsTr("按 Esc 结束查找") : view.hintFor(view.channel)
     }
 
     Pressable {

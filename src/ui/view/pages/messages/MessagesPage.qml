@@ -17,6 +17,10 @@ ColumnLayout {
         compose.focusLine()
     }
 
+    function search(): void {
+        head.search()
+    }
+
     Header {
         Layout.fillWidth: true
         title: qsTr("消息")
@@ -57,11 +61,13 @@ ColumnLayout {
                 anchors.fill: parent
                 spacing: Style.spacingMedium
 
-                SectionTitle {
+                ChannelHead {
+                    id: head
+
                     Layout.fillWidth: true
-                    objectName: "channelTitle"
-                    title: page.messages ? page.messages.activeChannelTitle : "--"
-                    note: list.count > 0 ? qsTr("%1 条").arg(list.count) : ""
+                    messages: page.messages
+                    count: list.count
+                    onSearchLeft: page.write()
                 }
 
                 Rectangle {

@@ -9,6 +9,7 @@ ColumnLayout {
 
     required property SettingsBackend settings
     required property VoiceSettingsBackend voice
+    required property SoundsBackend sounds
 
     spacing: Style.spacingMedium
 
@@ -99,6 +100,11 @@ ColumnLayout {
                 VoiceCard {
                     Layout.fillWidth: true
                     voice: page.voice
+                }
+
+                SoundCard {
+                    Layout.fillWidth: true
+                    sounds: page.sounds
                 }
 
                 BuildCard {

@@ -4,7 +4,7 @@ import com.tarvonet.backend
 import "../.."
 
 /// The session at a glance beside a simulator: stays on top, never takes the keyboard, and is dragged by any place.
-Window {
+FloatingWindow {
     id: mini
 
     required property VoiceServiceBackend voice
@@ -13,10 +13,8 @@ Window {
     objectName: "voiceMiniWindow"
     title: qsTr("语音服务")
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
-    transientParent: null // it stays when the main window is minimised
     width: 280
     height: 150
-    color: Style.instrumentBezel
     Component.onCompleted: place()
     onVisibleChanged: place()
 
@@ -24,12 +22,6 @@ Window {
     function place(): void {
         if (visible && voice) // in one go: set one by one, the second would undo the first
             setGeometry(voice.miniRight - width - 16, voice.miniBottom - height - 16, width, height)
-    }
-
-    DragHandler {
-        target: null
-        grabPermissions: PointerHandler.CanTakeOverFromHandlersOfDifferentType // never from the button that is held
-        onActiveChanged: if (active) mini.startSystemMove()
     }
 
     ColumnLayout {
@@ -70,24 +62,11 @@ Window {
                 lit: mini.voice ? mini.voice.receiving : false
             }
 
-            Pressable {
-                id: close
-
+            GlassTool {
                 objectName: "miniClose"
-                implicitWidth: 26
-                implicitHeight: 26
                 text: qsTr("关闭")
+                sign: "×"
                 onClicked: if (mini.voice) mini.voice.miniMode = false
-                background: Rectangle {
-                    radius: width / 2
-                    color: close.hovered || close.down ? Style.instrumentGrid : "transparent"
-                }
-                contentItem: AppText {
-                    text: "×"
-                    color: Style.instrumentLine
-                    font.pixelSize: Style.fontTitle
-                    horizontalAlignment: Text.AlignHCenter
-                }
             }
         }
 

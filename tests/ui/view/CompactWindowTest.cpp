@@ -1,0 +1,186 @@
+#include "PageHarness.h"
+#include "support/Patience.h"
+#include "support/TestRegistry.h"
+
+#include <QGuiApplication>
+#include <QObject>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+
+using tarvo::test::PageHarness;
+using tarvo::ui::MessagesPageViewModel;
+
+/// The compact view under real keys and clicks.
+class CompactWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { m_harness = std::make_unique<PageHarness>(u"XPLANE"_qs); }
+
+    void init()
+    {
+        m_harness->compact().setPlace({40, 30, 420, 260});
+        m_harness->messages().clearMessages();
+        m_harness->messages().setNetworkConnected(true);
+        m_harness->click(m_harness->item(u"compactTool"_qs));
+        TRY_VERIFY(window());
+    }
+
+    void cleanup()
+    {
+        m_harness->compact().setOpen(false);
+        TRY_VERIFY(!window());
+        QCOMPARE(m_harness->complaints(), QStringList());
+    }
+
+    void cleanupTestCase() { m_harness.reset(); }
+
+    void itTakesNoKeyboardUnlessClicked()
+    {
+        QCOMPARE(window()->geometry(), QRect(40, 30, 420, 260));
+        const Qt::WindowFlags flags = window()->flags();
+        QVERIFY(flags.testFlag(Qt::WindowStaysOnTopHint));
+        QVERIFY(flags.testFlag(Qt::FramelessWindowHint));
+        QVERIFY(!flags.testFlag(Qt::WindowDoesNotAcceptFocus));
+        QCOMPARE(flags & Qt::WindowType_Mask, Qt::Tool);
+        QVERIFY(window()->property("_q_showWithoutActivating").toBool());
+        QVERIFY(!window()->transientParent()); // else it is minimised with the main window
+    }
+
+    void itShowsTheWholeClient()
+    {
+        m_harness->fillSimulator(u"XPLANE"_qs);
+        m_harness->fillFlight();
+        m_harness->status().setNetwork(true, u"已连接"_qs);
+        m_harness->fillVoice();
+        m_harness->messages().addPrivateReceived(u"ZBAA_TWR"_qs,
+                                                 u"CES2352，北京塔台，同意推出开车，应答机 3401，修正海压 1013，"
+                                                 u"跑道 36R，有情况联系 121.700。"_qs);
+        TRY_VERIFY(item(u"compactTx"_qs));
+        for (const char16_t *name :
+             {u"compactStatus-server", u"compactStatus-simulator", u"compactRx", u"compactIdent"})
+            QVERIFY(item(QString::fromUtf16(name)));
+        for (const char16_t *text : {u"118.500", u"ZBAA_W_APP +2", u"121.500", u"2145", u"ZBAA_TWR"})
+            QVERIFY2(shows(window()->contentItem(), QString::fromUtf16(text)), qPrintable(QString::fromUtf16(text)));
+        grab(u"compact"_qs);
+        m_harness->status().networkFailed(u"被强制断开：You have been removed from the network by a supervisor"_qs);
+        QVERIFY(itemText(u"compactText"_qs).startsWith(u"网络"_qs));
+        grab(u"compact-failed"_qs);
+        m_harness->status().dismissBanner();
+        QVERIFY(itemText(u"compactText"_qs).startsWith(u"CES2352"_qs));
+    }
+
+    void theLineAnswers()
+    {
+        m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
+        const QSignalSpy sent(&m_harness->messages(), &MessagesPageViewModel::privateMessageRequested);
+        QCOMPARE(itemText(u"compactHint"_qs), u"回复 CCA1..."_qs);
+        click(u"compactLine"_qs);
+        TRY_VERIFY(item(u"compactLine"_qs)->hasActiveFocus());
+        QTest::keyClick(window(), Qt::Key_O);
+        QTest::keyClick(window(), Qt::Key_K);
+        QTest::keyClick(window(), Qt::Key_Return);
+        QCOMPARE(sent, (QList<QVariantList>{{u"CCA1"_qs, u"ok"_qs}}));
+        QCOMPARE(item(u"compactLine"_qs)->property("text").toString(), QString());
+    }
+
+    void aNoteHasRoom()
+    {
+        m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
+        m_harness->compact().setDraft(u"在北京"_qs);
+        TRY_VERIFY(item(u"compactNote"_qs));
+        const QQuickItem *note = item(u"compactNote"_qs);
+        TRY_VERIFY(note->mapToScene({0, note->height()}).y() <= 250);
+        grab(u"compact-note"_qs);
+        m_harness->compact().setDraft({});
+    }
+
+    void escapeAndItsKeysLeaveIt_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::newRow("escape") << Qt::Key_Escape << Qt::KeyboardModifiers();
+        QTest::newRow("the keys that open it") << Qt::Key_0 << Qt::KeyboardModifiers(Qt::ControlModifier);
+    }
+    void escapeAndItsKeysLeaveIt()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        window()->requestActivate();
+        TRY_VERIFY(window()->isActive());
+        QSignalSpy left(&m_harness->compact(), &tarvo::ui::CompactViewModel::placeLeft);
+        window()->setPosition(200, 100);
+        QTest::keyClick(window(), key, modifiers);
+        TRY_VERIFY(!window());
+        QCOMPARE(left, (QList<QVariantList>{{QRect(200, 100, 420, 260)}}));
+        m_harness->view.requestActivate();
+        TRY_VERIFY(m_harness->view.isActive());
+    }
+
+    void theButtonLeavesIt()
+    {
+        click(u"compactLeave"_qs);
+        TRY_VERIFY(!window());
+    }
+
+private:
+    static QQuickWindow *window()
+    {
+        const QList<QWindow *> all = QGuiApplication::topLevelWindows();
+        for (QWindow *candidate : all)
+            if (candidate->objectName() == QLatin1String("compactWindow") && candidate->isVisible())
+                return qobject_cast<QQuickWindow *>(candidate);
+        return nullptr;
+    }
+
+    static QQuickItem *itemBelow(QQuickItem *from, const QString &name)
+    {
+        if (from->objectName() == name && from->isVisible())
+            return from;
+        const QList<QQuickItem *> children = from->childItems();
+        for (QQuickItem *child : children)
+            if (QQuickItem *found = itemBelow(child, name))
+                return found;
+        return nullptr;
+    }
+    static QQuickItem *item(const QString &name) { return itemBelow(window()->contentItem(), name); }
+    static QString itemText(const QString &name)
+    {
+        return item(name) ? item(name)->property("text").toString() : u"-"_qs;
+    }
+
+    static bool shows(const QQuickItem *from, const QString &text)
+    {
+        if (from->isVisible() && from->property("text").toString() == text)
+            return true;
+        const QList<QQuickItem *> children = from->childItems();
+        return std::any_of(children.begin(), children.end(),
+                           [&text](const QQuickItem *child) { return shows(child, text); });
+    }
+
+    static void click(const QString &name)
+    {
+        QQuickItem *clicked = item(name);
+        QVERIFY(clicked);
+        QTest::mouseClick(window(), Qt::LeftButton, {},
+                          clicked->mapToScene({clicked->width() / 2, clicked->height() / 2}).toPoint());
+    }
+
+    static void grab(const QString &name)
+    {
+        const QImage picture = window()->grabWindow();
+        const QString folder = qEnvironmentVariable("TARVO_SHOTS");
+        if (!folder.isEmpty())
+            picture.save(folder + u'/' + name + u".png"_qs);
+    }
+
+    std::unique_ptr<PageHarness> m_harness;
+};
+
+TARVO_TEST(CompactWindowTest)
+#include "CompactWindowTest.moc"
