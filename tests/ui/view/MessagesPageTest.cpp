@@ -51,6 +51,7 @@ private slots:
     {
         QVERIFY(!field("exportButton")->isEnabled()); // nothing to write
         fillMessages(model());
+        m_harness->settle();
         const QSignalSpy asked(&model(), &MessagesPageViewModel::exportRequested);
         m_harness->click(field("exportButton"));
         QCOMPARE(asked.size(), 1);

@@ -1,6 +1,6 @@
 #include "ui/viewmodel/CompactViewModel.h"
 
-#include "model/RadioMessageReceived.h"
+#include "MessagesFixture.h"
 #include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -8,7 +8,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <functional>
 #include <memory>
 
 using tarvo::ui::CompactViewModel;
@@ -29,11 +28,10 @@ private slots:
 
     void theNewestMessageIsShown_data()
     {
-        using Step = std::function<void(MessagesPageViewModel &)>;
-        QTest::addColumn<Step>("happen");
+        QTest::addColumn<tarvo::test::Event>("happen");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("target");
-        const auto row = [](const char *name, const Step &happen, const QString &shown, const QString &target) {
+        const auto row = [](const char *name, const tarvo::test::Event &happen, const QString &shown, const QString &target) {
             QTest::newRow(name) << happen << shown << target;
         };
         row(
@@ -76,7 +74,7 @@ private slots:
     }
     void theNewestMessageIsShown()
     {
-        QFETCH(std::function<void(MessagesPageViewModel &)>, happen);
+        QFETCH(tarvo::test::Event, happen);
         happen(*m_messages);
         QTEST(m_compact->messageHead() + u'|' + m_compact->messageText(), "shown");
         QTEST(m_compact->target(), "target");

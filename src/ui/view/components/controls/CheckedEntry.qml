@@ -33,6 +33,7 @@ GridLayout {
         id: field
 
         objectName: entry.name + "Field"
+        Accessible.name: placeholderText
         Layout.row: 0
         Layout.column: 0
         Layout.fillWidth: true

@@ -5,6 +5,7 @@ import "../.."
 CheckBox {
     id: box
 
+    Accessible.name: text
     spacing: Style.spacingSmall
     padding: 0
     implicitHeight: 32

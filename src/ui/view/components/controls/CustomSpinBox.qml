@@ -12,6 +12,8 @@ SpinBox {
     font.pixelSize: Style.fontBody
 
     contentItem: TextInput {
+        Accessible.role: Accessible.EditableText
+        Accessible.name: box.Accessible.name
         text: box.displayText
         font: box.font
         color: box.enabled ? Style.textPrimary : Style.textMuted

@@ -42,14 +42,16 @@ Rectangle {
         RowLayout {
             Layout.bottomMargin: Style.spacingLarge
             Layout.leftMargin: Style.spacingSmall
-            spacing: Style.spacingTiny
+            spacing: 2
 
             Image {
                 source: "qrc:/resources/logo.png"
                 sourceSize.width: 72
-                Layout.preferredWidth: 36
-                Layout.preferredHeight: 36
-                Layout.rightMargin: Style.spacingSmall
+                Layout.preferredWidth: 32
+                Layout.preferredHeight: 32
+                Layout.topMargin: 2
+                Layout.bottomMargin: 2
+                Layout.rightMargin: 6
                 smooth: true
             }
 
@@ -57,9 +59,9 @@ Rectangle {
                 Layout.fillWidth: true
                 text: "TARVO"
                 color: Style.textActive
-                font.pixelSize: 22
+                font.pixelSize: 20
                 font.weight: Font.Bold
-                font.letterSpacing: 2
+                font.letterSpacing: 1
             }
 
             SoundBell { sounds: sidebar.sounds }

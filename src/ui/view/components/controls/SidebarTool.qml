@@ -5,8 +5,8 @@ import "../.."
 Pressable {
     id: tool
 
-    implicitWidth: 26
-    implicitHeight: 26
+    implicitWidth: 24
+    implicitHeight: 24
     padding: 0
 
     background: Rectangle {

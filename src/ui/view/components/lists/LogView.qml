@@ -79,6 +79,7 @@ Rectangle {
 
         // Not TextArea.flickable: that follows the text cursor, and so every new line.
         CustomTextArea {
+            Accessible.name: qsTr("日志")
             id: area
 
             width: flick.width

@@ -6,6 +6,8 @@ import "../.."
 ListView {
     id: list
 
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("事件日志")
     clip: true
     spacing: Style.spacingTiny
     boundsBehavior: Flickable.StopAtBounds

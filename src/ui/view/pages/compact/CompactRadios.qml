@@ -30,6 +30,7 @@ RowLayout {
     Tile {
         title: qsTr("应答机")
         value: radios.overview ? radios.overview.transponder : "--"
+        detailed: false
 
         RowLayout {
             spacing: Style.spacingTiny
@@ -60,6 +61,7 @@ RowLayout {
         property string title: ""
         property string value: "--"
         property string detail: ""
+        property bool detailed: true
         property bool sending: false
         default property alias foot: column.data
 
@@ -109,8 +111,8 @@ RowLayout {
 
             AppText {
                 Layout.fillWidth: true
-                visible: tile.detail.length > 0
-                text: tile.detail
+                visible: tile.detailed
+                text: tile.detail || " " // keeps the figures of both radios on one line
                 color: Style.instrumentLine
                 font.pixelSize: Style.fontSmall
                 elide: Text.ElideRight

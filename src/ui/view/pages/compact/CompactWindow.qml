@@ -26,7 +26,7 @@ FloatingWindow {
         if (!compact)
             return
         if (visible) // in one go: set one by one, the second would undo the first
-            setGeometry(compact.place.x, compact.place.y, width, height)
+            setGeometry(compact.place.x, compact.place.y, width, height) // qmllint disable
         else
             compact.leftAt(x, y)
     }

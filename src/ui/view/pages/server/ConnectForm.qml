@@ -37,6 +37,7 @@ Card {
                 id: callsignField
 
                 objectName: "callsignField"
+                Accessible.name: qsTr("呼号")
                 Layout.fillWidth: true
                 enabled: !form.connected
                 text: form.server ? form.server.callsign : ""
@@ -60,6 +61,7 @@ Card {
 
                 TypeCodeField {
                     objectName: "typeCodeField"
+                    Accessible.name: qsTr("机型")
                     Layout.fillWidth: true
                     enabled: !form.connected
                     server: form.server
@@ -82,6 +84,7 @@ Card {
 
                 CustomTextField {
                     objectName: "selcalField"
+                    Accessible.name: "SELCAL"
                     Layout.fillWidth: true
                     enabled: !form.connected
                     text: form.server ? form.server.selcal : ""
