@@ -19,11 +19,10 @@ import sys
 import threading
 
 import demo_msfs
-import demo_situations
 import demo_voice
 import driven_client
-from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, OTHER_PILOTS,
-                        PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
+from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, OTHER_PILOTS, PASSWORD, PLOT,
+                        SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
 from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
@@ -40,7 +39,6 @@ def fly(client, practice, server_name, sound):
     wait_until('cards of the simulators', lambda: main.count(*CARD_ARROWS, WHITE) >= 1000)
     picture('2-mode-selection')
     main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
-    demo_situations.end_tour(main)
     picture('3-overview')
 
     main.open_page(SERVER_ITEM)
@@ -55,12 +53,7 @@ def fly(client, practice, server_name, sound):
     picture('6-connected')
     meet_traffic(main, practice, connected)
     talk_to_tower(main, practice, connected)
-    demo_situations.tune_station(main, practice)
-    demo_situations.answer_in_compact_view(main, practice)
-    main = Window(MAIN_TITLE)
     demo_voice.talk(main, practice, sound)
-    demo_situations.pause_flight(main, practice)
-    demo_situations.come_back_after_kill(main, practice)
     main.open_page(SETTINGS_ITEM)
     picture('14-settings-page')
     main.open_page(SERVER_ITEM)
@@ -74,13 +67,12 @@ def fly(client, practice, server_name, sound):
 
 
 def look_around_meanwhile(main, server_name):
-    """Connects, goes to another page and back while the server's name is being looked up, and calls it off once."""
+    """Connects, and goes to another page and back while the server's name is being looked up."""
     main.click(CONNECT_BUTTON, until=server_name.asked.is_set)
     main.open_page(MESSAGES_ITEM)
     picture('5-other-page-while-looking-up')
     main.open_page(SERVER_ITEM)
     picture('5-server-page-while-looking-up')
-    demo_situations.call_off(main)
     server_name.answer()
 
 
@@ -115,7 +107,6 @@ def talk_to_tower(main, practice, connected):
     sent = write('SELCAL')
     practice.wait_for(f'#TM{TOWER}:@[0-9]+:SELCAL {SELCAL}', start=sent)
     picture('10-called-by-selcal')
-    demo_situations.write_chinese(main, practice, TOWER)
 
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
@@ -201,11 +192,6 @@ class PackagedPrograms(Programs):
         subprocess.run(['mount', '--bind', folder, inside], check=True)
 
 
-def forget_state(programs, tour):
-    """As at the first start; without its tour, if that isn't wanted."""
-    (programs / 'state.ini').write_text('' if tour else '[Tour]\nSeen=true\n')
-
-
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--bin', required=True, type=pathlib.Path)
@@ -237,7 +223,6 @@ def main():
         if arguments.msfs:
             demo_msfs.write_config(build)
         if arguments.headless:
-            forget_state(programs, tour=not arguments.msfs)
             with SoundServer() as sound, virtual_display():
                 programs.share(sound.folder)
                 client = Program('the client', client_command, programs.environment())
