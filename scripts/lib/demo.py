@@ -223,6 +223,8 @@ def main():
         if arguments.msfs:
             demo_msfs.write_config(build)
         if arguments.headless:
+            # Not as at the first start: its cards would lie over the pages.
+            pathlib.Path(programs.data, 'state.ini').write_text('[Tour]\nSeen=true\n')
             with SoundServer() as sound, virtual_display():
                 programs.share(sound.folder)
                 client = Program('the client', client_command, programs.environment())

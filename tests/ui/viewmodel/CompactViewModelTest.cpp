@@ -31,9 +31,8 @@ private slots:
         QTest::addColumn<tarvo::test::Event>("happen");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("target");
-        const auto row = [](const char *name, const tarvo::test::Event &happen, const QString &shown, const QString &target) {
-            QTest::newRow(name) << happen << shown << target;
-        };
+        const auto row = [](const char *name, const tarvo::test::Event &happen, const QString &shown,
+                            const QString &target) { QTest::newRow(name) << happen << shown << target; };
         row(
             "none", [](auto &) {}, u"|"_qs, u"RADIO"_qs);
         row(
