@@ -92,6 +92,8 @@ private slots:
                                    {u"settings"_qs, QVariant::fromValue(nullptr)},
                                    {u"voiceSettings"_qs, QVariant::fromValue(nullptr)},
                                    {u"status"_qs, QVariant::fromValue(nullptr)},
+                                   {u"sounds"_qs, QVariant::fromValue(nullptr)},
+                                   {u"tour"_qs, QVariant::fromValue(nullptr)},
                                    {u"leave"_qs, QVariant::fromValue(nullptr)},
                                    {u"overview"_qs, QVariant::fromValue(nullptr)},
                                    {u"currentSection"_qs, section}});

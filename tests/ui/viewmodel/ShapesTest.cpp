@@ -89,7 +89,8 @@ private slots:
             "messagesChanged() channelStatsChanged() activeChannelChanged() activeMessagesChanged() sessionsChanged() "
             "unreadChanged() networkStateChanged() nearbyClientsChanged() composeChanged() "
             "messageSoundRequested(QString,int) privateMessageRequested(QString,QString) "
-            "radioMessageRequested(QString) wallopRequested(QString) atisRequested(QString)");
+            "radioMessageRequested(QString) wallopRequested(QString) atisRequested(QString) "
+            "searchChanged() exportChanged() exportRequested(QString,QString)");
     }
 
     void signalsStandInOrder()
