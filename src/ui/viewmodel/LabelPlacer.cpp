@@ -66,7 +66,8 @@ constexpr std::array<int, sideCount> leftFirst{1, 4, 5, 0, 2, 3, 6, 7};
 QPointF nameCorner(const QSizeF &text, int place)
 {
     const Side &side = sides.at(static_cast<std::size_t>(place % sideCount));
-    const double off = place / sideCount * (side.across != 0 && side.down != 0 ? ringDiagonal : ringStep);
+    const int ring = place / sideCount;
+    const double off = ring * (side.across != 0 && side.down != 0 ? ringDiagonal : ringStep);
     const double gap = side.down == 0 ? besideSymbol : LabelPlacer::symbolReach + 1;
     const double x = side.across == 0 ? -text.width() / 2 : side.across > 0 ? gap : -gap - text.width();
     const double y = side.down == 0  ? -text.height() / 2
