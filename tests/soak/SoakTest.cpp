@@ -6,6 +6,8 @@
 
 #include <QTextStream>
 
+#include <algorithm>
+
 using namespace tarvo;
 using tarvo::test::Footprint;
 using tarvo::test::heapInUse;
@@ -131,9 +133,10 @@ private:
         QCOMPARE(last.messages, bounds.messages);
         QCOMPARE(last.events, bounds.events);
         QCOMPARE(last.logLines, bounds.logLines);
-        // The first round fills what is filled once.
-        if (rounds.size() > 2 && rounds.last().heap && rounds.at(1).heap)
-            QVERIFY2(*rounds.last().heap - *rounds.at(1).heap < mostGrowth, qPrintable(heapsOf(rounds)));
+        // Round by round some 200 KB more or fewer lie in caches. What grows is above both of the first two.
+        if (rounds.size() > 2 && rounds.last().heap)
+            QVERIFY2(*rounds.last().heap - std::max(*rounds.at(0).heap, *rounds.at(1).heap) < mostGrowth,
+                     qPrintable(heapsOf(rounds)));
     }
 };
 
