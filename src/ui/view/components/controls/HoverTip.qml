@@ -8,11 +8,14 @@ Loader {
 
     property string text: ""
     property bool hovered: false
+    /// At the right end instead of below, where it would hide the next of a column.
+    property bool inside: false
 
     active: hovered && text.length > 0
     sourceComponent: ToolTip {
         parent: loader.parent // qmllint disable unqualified
-        y: (parent?.height ?? 0) + 6
+        x: loader.inside ? (parent?.width ?? 0) - width - 6 : ((parent?.width ?? 0) - width) / 2 // qmllint disable unqualified
+        y: loader.inside ? ((parent?.height ?? 0) - height) / 2 : (parent?.height ?? 0) + 6 // qmllint disable unqualified
         visible: true
         delay: 600
         leftPadding: Style.spacingMedium

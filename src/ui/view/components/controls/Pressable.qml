@@ -11,6 +11,7 @@ AbstractButton {
     readonly property color ringColor: Style.controlBorderActive
     /// Shown where the pointer rests, and told to a screen reader.
     property string tip: ""
+    property bool tipInside: false ///< see HoverTip
 
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
@@ -22,6 +23,7 @@ AbstractButton {
     HoverTip {
         text: button.tip
         hovered: button.hovered
+        inside: button.tipInside
     }
 
     HoverHandler {

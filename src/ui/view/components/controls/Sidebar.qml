@@ -116,6 +116,7 @@ Rectangle {
                 Layout.fillWidth: true
                 text: modelData.title
                 tip: Shortcuts.keysOf(modelData.key)
+                tipInside: true
                 selected: sidebar.currentSection === modelData.key // qmllint disable unqualified
                 badge: modelData.key === "messages" ? sidebar.unreadCount : 0 // qmllint disable unqualified
                 onClicked: sidebar.sectionRequested(modelData.key) // qmllint disable unqualified
