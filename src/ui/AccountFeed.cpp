@@ -51,8 +51,8 @@ void AccountFeed::applyUserInfoDefaults()
     const QString loading = tr("加载中...");
     m_dashboard.setUserInfo(tr("未知用户"), QString::number(m_api.currentUser().id), loading);
     m_dashboard.setTimes(loading, loading);
-    m_dashboard.setSimulatorState(false, tr("未连接"));
-    m_dashboard.setServerState(false, tr("未连接"));
+    m_dashboard.setSimulatorState(false, LinkState::Absent);
+    m_dashboard.setServerState(false, LinkState::Absent);
 }
 
 void AccountFeed::loadUserInfo()

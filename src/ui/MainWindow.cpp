@@ -378,7 +378,7 @@ void MainWindow::onModeSelected(const QString &mode)
         emit msfsSelected();
     // Not the server page's status: there these words would disable the connect button.
     if (m_mode == picked)
-        setSimulatorState(false, tr("连接中..."));
+        setSimulatorState(false, LinkState::Connecting);
 }
 
 void MainWindow::onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal,
@@ -386,9 +386,9 @@ void MainWindow::onConnectRequested(const QString &callsign, const QString &type
 {
     if (!m_network)
         return;
-    const QString before = m_server.serverStatusText();
+    const LinkState before = m_server.serverState();
     if (!m_network->isBusy())
-        setServerState(false, ServerPageViewModel::connectingText());
+        setServerState(false, LinkState::Connecting);
     QMetaObject::invokeMethod(
         this,
         [this, info = model::ConnectInfo{callsign, typeCode, selcal, observer}, before] {
@@ -397,16 +397,15 @@ void MainWindow::onConnectRequested(const QString &callsign, const QString &type
         Qt::QueuedConnection);
 }
 
-void MainWindow::connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore)
+void MainWindow::connectToNetwork(const model::ConnectInfo &info, LinkState stateBefore)
 {
-    const QString connecting = ServerPageViewModel::connectingText();
     if (!m_network->connectToNetwork(info.callsign, info.typeCode, info.selcal, info.observer)) {
         // A refusal has told its reason. Another attempt may be under way.
-        if (!m_network->isBusy() && m_server.serverStatusText() == connecting)
+        if (!m_network->isBusy() && m_server.serverState() == LinkState::Connecting)
             setServerState(false, stateBefore);
         return;
     }
-    setServerState(false, connecting);
+    setServerState(false, LinkState::Connecting);
     log(tr("正在连接 FSD %1:%2，呼号=%3，机型=%4，观察员模式=%5")
             .arg(m_endpoints.fsdHost, QString::number(m_endpoints.fsdPort), info.callsign, info.typeCode,
                  info.observer ? tr("是") : tr("否")));
@@ -416,18 +415,17 @@ void MainWindow::onDisconnectRequested()
 {
     if (!m_network)
         return;
-    // Told first: the session ends inside the call, and its end sets the last text.
-    const QString leaving = ServerPageViewModel::disconnectingText();
-    setServerState(m_server.serverConnected(), leaving);
+    // Told first: the session ends inside the call, and its end sets the last state.
+    setServerState(m_server.serverConnected(), LinkState::Disconnecting);
     log(tr("正在断开 FSD 连接..."));
     m_network->disconnectFromNetwork();
-    if (m_server.serverStatusText() == leaving)
-        setServerState(false, tr("未连接")); // there was nothing to end
+    if (m_server.serverState() == LinkState::Disconnecting)
+        setServerState(false, LinkState::Absent); // there was nothing to end
 }
 
 void MainWindow::onNetworkConnected(const QString &callsign)
 {
-    setServerState(true, tr("已连接"));
+    setServerState(true, LinkState::Connected);
     m_leave.setOnline(callsign);
     rememberConnection(m_network->connectInfo(), m_config.state());
     m_server.setConnectedAsObserver(m_network->connectInfo().observer);
@@ -440,7 +438,7 @@ void MainWindow::onNetworkConnected(const QString &callsign)
 void MainWindow::onNetworkDisconnected(bool forced)
 {
     const QString callsign = m_network->connectInfo().callsign;
-    setServerState(false, forced ? tr("已断开（强制）") : tr("已断开"));
+    setServerState(false, forced ? LinkState::ForcedOut : LinkState::Ended);
     m_leave.setOnline({});
     m_server.setConnectedAsObserver(false);
     m_server.setEndpoint(QString());
@@ -451,13 +449,13 @@ void MainWindow::onNetworkDisconnected(bool forced)
 
 void MainWindow::onSimulatorStateChanged(bool connected)
 {
-    setSimulatorState(connected, connected ? tr("已连接") : tr("未连接"));
+    setSimulatorState(connected, connected ? LinkState::Connected : LinkState::Absent);
 }
 
 void MainWindow::onSimulatorAwaited()
 {
     if (!m_simulator.simulatorConnected())
-        setSimulatorState(false, tr("连接中..."));
+        setSimulatorState(false, LinkState::Connecting);
 }
 
 void MainWindow::reconnectToNetwork()
@@ -478,7 +476,7 @@ void MainWindow::onSimulatorFailed(const QString &message)
 {
     // What counts is the simulator's data, which may come although the link to its plugin is down.
     if (!m_simulator.simulatorConnected())
-        setSimulatorState(false, tr("连接失败"));
+        setSimulatorState(false, LinkState::Failed);
     m_simulator.setFailure(message);
     m_server.addRecentEvent(tr("模拟器连接失败"), message, tr("模拟器"));
 }
@@ -490,16 +488,16 @@ void MainWindow::showFlight(const manager::SimulatorData &sample)
                               aircraft.heading, aircraft.groundSpeed);
 }
 
-void MainWindow::setSimulatorState(bool connected, const QString &text)
+void MainWindow::setSimulatorState(bool connected, LinkState state)
 {
-    m_dashboard.setSimulatorState(connected, text);
-    m_simulator.setSimulatorState(connected, text);
+    m_dashboard.setSimulatorState(connected, state);
+    m_simulator.setSimulatorState(connected, state);
 }
 
-void MainWindow::setServerState(bool connected, const QString &text)
+void MainWindow::setServerState(bool connected, LinkState state)
 {
-    m_dashboard.setServerState(connected, text);
-    m_server.setServerState(connected, text);
+    m_dashboard.setServerState(connected, state);
+    m_server.setServerState(connected, state);
 }
 
 void MainWindow::log(const QString &text)

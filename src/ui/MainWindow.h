@@ -115,7 +115,7 @@ private:
     void askBeforeClosing();
     void updateProfile();
     void onConnectRequested(const QString &callsign, const QString &typeCode, const QString &selcal, bool observer);
-    void connectToNetwork(const model::ConnectInfo &info, const QString &stateBefore);
+    void connectToNetwork(const model::ConnectInfo &info, LinkState stateBefore);
     void onDisconnectRequested();
     void onNetworkConnected(const QString &callsign);
     void onNetworkDisconnected(bool forced);
@@ -126,8 +126,8 @@ private:
     void askForAttention();
     void showFlight(const manager::SimulatorData &sample);
     void tellWhetherSeen();
-    void setSimulatorState(bool connected, const QString &text);
-    void setServerState(bool connected, const QString &text);
+    void setSimulatorState(bool connected, LinkState state);
+    void setServerState(bool connected, LinkState state);
     void log(const QString &text);
 
     AppConfig &m_config;

@@ -27,7 +27,7 @@ StatusFeed::StatusFeed(std::shared_ptr<NetworkManager> network, const StatusSour
 void StatusFeed::connectStates()
 {
     connect(&m_from.dashboard, &DashboardViewModel::serverStateChanged, this,
-            [this] { m_status.setNetwork(m_from.dashboard.serverConnected(), m_from.dashboard.serverStatusText()); });
+            [this] { m_status.setNetwork(m_from.dashboard.serverConnected(), m_from.dashboard.serverState()); });
     connect(&m_from.dashboard, &DashboardViewModel::simulatorStateChanged, this, &StatusFeed::showSimulator);
     connect(&m_from.simulator, &SimulatorPageViewModel::stateChanged, this,
             [this] { m_from.dashboard.setSimulatorFailure(m_from.simulator.simulatorFailureText()); });
@@ -102,7 +102,7 @@ void StatusFeed::failNetwork(const QString &reason)
 void StatusFeed::showSimulator()
 {
     const bool connected = m_from.dashboard.simulatorConnected();
-    m_status.setSimulator(connected, m_from.dashboard.simulatorStatusText());
+    m_status.setSimulator(connected, m_from.dashboard.simulatorState());
     const bool ended = std::exchange(m_simulatorWas, connected) && !connected;
     const bool wished = m_simulatorEndWished;
     if (connected || ended)
@@ -120,7 +120,7 @@ void StatusFeed::showSimulator()
 void StatusFeed::showVoice()
 {
     const VoiceServiceViewModel &voice = m_from.voice;
-    m_status.setVoice(voice.connected(), voice.attemptFailed() ? failedText() : voice.connectionStateText());
+    m_status.setVoice(voice.connected(), voice.linkState());
     const bool ended = std::exchange(m_voiceWas, voice.connected()) && !voice.connected();
     if (voice.isConnecting()) {
         m_voiceError = {};

@@ -8,6 +8,7 @@
 #include <QJsonArray>
 
 using namespace tarvo;
+using ui::LinkState;
 
 namespace {
 
@@ -38,7 +39,7 @@ private slots:
     {
         DashboardStage stage;
         stage.signIn();
-        stage.dashboard.setServerState(true, u"已连接"_qs);
+        stage.dashboard.setServerState(true, LinkState::Connected);
         stage.feed.applyUserInfoDefaults();
         QCOMPARE(stage.dashboard.username(), u"未知用户"_qs);
         QCOMPARE(stage.dashboard.cid(), u"7"_qs);

@@ -26,6 +26,7 @@ using test::click;
 using test::headingFor;
 using test::itemNamed;
 using test::MainStage;
+using ui::LinkState;
 
 using Step = std::function<void(ui::MainWindow &)>;
 Q_DECLARE_METATYPE(Step)
@@ -134,7 +135,7 @@ private slots:
         MainStage stage;
         stage.window.show();
         QCOMPARE(stage.dashboard().username(), u"未知用户"_qs);
-        stage.dashboard().setServerState(true, u"已连接"_qs);
+        stage.dashboard().setServerState(true, LinkState::Connected);
         QShowEvent restored;
         QSpontaneKeyEvent::setSpontaneous(&restored);
         qApp->notify(&stage.window, &restored); // sendEvent() would make it an own event

@@ -14,6 +14,7 @@
 
 using namespace tarvo;
 using test::MainStage;
+using ui::LinkState;
 using voice::ConnectionState;
 
 /// How the main window comes to know why a connection ended, and whether the pilot wished it.
@@ -119,7 +120,7 @@ private slots:
     {
         QFETCH(bool, online);
         QFETCH(bool, wished);
-        m_stage->dashboard().setServerState(online, u"已连接"_qs);
+        m_stage->dashboard().setServerState(online, LinkState::Connected);
         emit m_stage->network->simulatorConnectionStateChanged(true);
         if (wished)
             m_stage->dashboard().requestSimulatorReconnect();
@@ -137,7 +138,7 @@ private slots:
         TRY_VERIFY(m_stage->dashboard().simulatorConnected());
         TRY_COMPARE(simulator->calls, QStringList{u"reconnectSimulator"_qs}); // by itself, the first time
         simulator->onCall = [&](const QString &) { emit simulator->simConnectionStateChanged(false); };
-        m_stage->dashboard().setServerState(true, u"已连接"_qs);
+        m_stage->dashboard().setServerState(true, LinkState::Connected);
         m_stage->dashboard().setCurrentMode(u"XPLANE"_qs);
         test::click(m_stage->window, u"section-simulator"_qs);
         const QSignalSpy told(&m_stage->window.status(), &ui::StatusViewModel::bannerChanged);
@@ -186,7 +187,7 @@ private slots:
         QFETCH(QString, said);
         QFETCH(bool, online);
         watchAttention();
-        m_stage->dashboard().setServerState(online, u"已连接"_qs);
+        m_stage->dashboard().setServerState(online, LinkState::Connected);
         voiceIs(ConnectionState::Ready);
         if (!said.isEmpty())
             emit voice().errorOccurred(said);

@@ -2,6 +2,9 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <iterator>
+
 namespace tarvo::ui {
 
 namespace {
@@ -10,6 +13,32 @@ struct ConnectionTexts
 {
     Q_DECLARE_TR_FUNCTIONS(tarvo::ui::ConnectionStatus)
 };
+
+struct StateLook
+{
+    LinkState state;
+    const char *text;
+    Tone tone;
+};
+
+constexpr StateLook looks[] = {
+    {LinkState::Absent, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "未连接"), Tone::Quiet},
+    {LinkState::Connecting, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "连接中..."), Tone::Pending},
+    {LinkState::Connected, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "已连接"), Tone::Good},
+    {LinkState::Disconnecting, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "断开中..."), Tone::Pending},
+    {LinkState::Ended, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "已断开"), Tone::Quiet},
+    {LinkState::ForcedOut, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "已断开（强制）"), Tone::Failed},
+    {LinkState::Failed, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "连接失败"), Tone::Failed},
+    {LinkState::Authenticating, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "认证中..."), Tone::Pending},
+    {LinkState::Ready, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "就绪"), Tone::Good},
+    {LinkState::Unknown, QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "未知状态"), Tone::Quiet},
+};
+
+const StateLook &lookOf(LinkState state)
+{
+    return *std::find_if(std::begin(looks), std::end(looks) - 1,
+                         [state](const StateLook &look) { return look.state == state; });
+}
 
 /// The beginning of a reason as it is told, and what the pilot reads instead. "%1" is the rest.
 struct Reason
@@ -51,23 +80,14 @@ QString toneText(Tone tone)
     return QString::fromLatin1(names[static_cast<int>(tone)]);
 }
 
-QString failedText()
+QString textOf(LinkState state)
 {
-    return ConnectionTexts::tr("连接失败");
+    return ConnectionTexts::tr(lookOf(state).text);
 }
 
-QString forcedOutText()
+Tone toneOf(LinkState state)
 {
-    return ConnectionTexts::tr("已断开（强制）");
-}
-
-Tone toneOf(bool connected, const QString &statusText)
-{
-    if (statusText.endsWith(QLatin1String("...")))
-        return Tone::Pending;
-    if (connected)
-        return Tone::Good;
-    return statusText == failedText() || statusText == forcedOutText() ? Tone::Failed : Tone::Quiet;
+    return lookOf(state).tone;
 }
 
 QString shownReason(const QString &told)
@@ -98,10 +118,10 @@ QString reasonOfEnd(const ToldError &error, qint64 now)
 
 StatusLine lineOf(const Link &link)
 {
-    Tone tone = toneOf(link.connected, link.word);
+    Tone tone = toneOf(link.state);
     if (tone == Tone::Quiet || tone == Tone::Failed)
         tone = link.seen ? Tone::Quiet : Tone::Failed;
-    return {link.section, link.name, link.word, tone, tone == Tone::Failed ? link.reason : QString()};
+    return {link.section, link.name, textOf(link.state), tone, tone == Tone::Failed ? link.reason : QString()};
 }
 
 Banner bannerOf(const Link &network, const Link &simulator, const Link &voice, const QString &section)

@@ -16,12 +16,23 @@ enum class Tone
 /// The word by which pages know a tone: "quiet", "pending", "good" or "failed".
 QString toneText(Tone tone);
 
-/// The tone of a connection whose state is told by this text of the program's own.
-Tone toneOf(bool connected, const QString &statusText);
+/// How a connection stands. Rules ask for this, never for the text that a page shows of it.
+enum class LinkState
+{
+    Absent, ///< never asked for, or called off
+    Connecting,
+    Connected,
+    Disconnecting,
+    Ended,
+    ForcedOut,
+    Failed,         ///< can't be reached
+    Authenticating, // this and the next: of voice alone
+    Ready,
+    Unknown
+};
 
-/// The state texts of connections that ended, or never came about, by nobody's wish.
-QString failedText();
-QString forcedOutText();
+QString textOf(LinkState state);
+Tone toneOf(LinkState state);
 
 /// Why a connection failed, in the pilot's language where the words are the program's own; a server's words stay as
 /// they are.
@@ -61,7 +72,7 @@ struct Link
     QString section;
     QString name;
     bool connected = false;
-    QString word;
+    LinkState state = LinkState::Absent;
     QString reason = {};
     bool seen = true;   ///< the pilot knows of the reason
     bool wasUp = false; ///< it was there before it failed

@@ -87,12 +87,12 @@ void DashboardViewModel::setCurrentMode(const QString &mode)
     emit simulatorHintChanged();
 }
 
-void DashboardViewModel::setSimulatorState(bool connected, const QString &statusText)
+void DashboardViewModel::setSimulatorState(bool connected, LinkState state)
 {
-    if (connected == m_simulatorConnected && statusText == m_simulatorStatusText)
+    if (connected == m_simulatorConnected && state == m_simulatorState)
         return;
     m_simulatorConnected = connected;
-    m_simulatorStatusText = statusText;
+    m_simulatorState = state;
     emit simulatorStateChanged();
     emit simulatorHintChanged();
 }
@@ -115,12 +115,12 @@ QString DashboardViewModel::simulatorHintText() const
     return hintFor(model::modeFromText(m_currentMode));
 }
 
-void DashboardViewModel::setServerState(bool connected, const QString &statusText)
+void DashboardViewModel::setServerState(bool connected, LinkState state)
 {
-    if (connected == m_serverConnected && statusText == m_serverStatusText)
+    if (connected == m_serverConnected && state == m_serverState)
         return;
     m_serverConnected = connected;
-    m_serverStatusText = statusText;
+    m_serverState = state;
     emit serverStateChanged();
 }
 

@@ -80,13 +80,15 @@ public:
     QString currentMode() const { return m_currentMode; }
     bool modePicked() const { return model::modeFromText(m_currentMode) != model::SimulatorMode::None; }
     bool simulatorConnected() const { return m_simulatorConnected; }
-    QString simulatorStatusText() const { return m_simulatorStatusText; }
-    QString simulatorTone() const { return toneText(toneOf(m_simulatorConnected, m_simulatorStatusText)); }
+    LinkState simulatorState() const { return m_simulatorState; }
+    QString simulatorStatusText() const { return textOf(m_simulatorState); }
+    QString simulatorTone() const { return toneText(toneOf(m_simulatorState)); }
     /// Why there is no simulator, or what would bring it; empty while it is there.
     QString simulatorHintText() const;
     bool serverConnected() const { return m_serverConnected; }
-    QString serverStatusText() const { return m_serverStatusText; }
-    QString serverTone() const { return toneText(toneOf(m_serverConnected, m_serverStatusText)); }
+    LinkState serverState() const { return m_serverState; }
+    QString serverStatusText() const { return textOf(m_serverState); }
+    QString serverTone() const { return toneText(toneOf(m_serverState)); }
     QString updateUrl() const { return m_updateUrl; } ///< a web page; empty: there is none
     QString docsUrl() const { return m_docsUrl; }
     double latitude() const { return m_latitude; }
@@ -112,10 +114,10 @@ public:
     void setTimes(const QString &pilotTime, const QString &atcTime);
     void setAvatarUrl(const QString &avatarUrl);
     void setCurrentMode(const QString &mode);
-    void setSimulatorState(bool connected, const QString &statusText);
+    void setSimulatorState(bool connected, LinkState state);
     /// `reason`: why the simulator could not be reached; empty when that is over.
     void setSimulatorFailure(const QString &reason);
-    void setServerState(bool connected, const QString &statusText);
+    void setServerState(bool connected, LinkState state);
     void setFlightData(double latitude, double longitude, double altitudeFeet, double heading, double groundSpeed);
     /// Newest first.
     void setRecentFlights(const QList<RecentFlight> &flights);
@@ -155,10 +157,10 @@ private:
     QString m_avatarUrl;
     QString m_currentMode = model::modeText(model::SimulatorMode::None);
     bool m_simulatorConnected = false;
-    QString m_simulatorStatusText = tr("未连接");
+    LinkState m_simulatorState = LinkState::Absent;
     QString m_simulatorFailure;
     bool m_serverConnected = false;
-    QString m_serverStatusText = tr("未连接");
+    LinkState m_serverState = LinkState::Absent;
     QString m_updateUrl;
     QString m_docsUrl;
     double m_latitude = 0;

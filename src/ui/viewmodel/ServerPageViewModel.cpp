@@ -128,12 +128,12 @@ void ServerPageViewModel::setCoordinatedVoice(bool coordinated)
     formEdited();
 }
 
-void ServerPageViewModel::setServerState(bool connected, const QString &statusText)
+void ServerPageViewModel::setServerState(bool connected, LinkState state)
 {
-    if (connected == m_serverConnected && statusText == m_serverStatusText)
+    if (connected == m_serverConnected && state == m_serverState)
         return;
     m_serverConnected = connected;
-    m_serverStatusText = statusText;
+    m_serverState = state;
     updateFormError();
     emit serverStateChanged();
     emit formChanged();
@@ -292,9 +292,9 @@ void ServerPageViewModel::updateFormError()
 
 ServerPageViewModel::FormProblem ServerPageViewModel::firstFormProblem() const
 {
-    if (m_serverStatusText == connectingText())
+    if (m_serverState == LinkState::Connecting)
         return {tr("正在连接服务器，请等待当前连接完成。"), true};
-    if (m_serverStatusText == disconnectingText())
+    if (m_serverState == LinkState::Disconnecting)
         return {tr("正在断开服务器，请稍后再连接。"), true};
     if (m_callsign.isEmpty())
         return {tr("请先填写呼号。"), true};

@@ -82,13 +82,9 @@ public:
     explicit ServerPageViewModel(network::SwiftAircraftIcaoService &icao, QObject *parent = nullptr,
                                  const common::Clock &clock = common::systemClock());
 
-    /// The states in which a connection can't be asked for. The form's rules compare with them, so that they are never
-    /// translated.
-    static QString connectingText() { return QStringLiteral("连接中..."); }
-    static QString disconnectingText() { return QStringLiteral("断开中..."); }
-
     bool serverConnected() const { return m_serverConnected; }
-    QString serverStatusText() const { return m_serverStatusText; }
+    LinkState serverState() const { return m_serverState; }
+    QString serverStatusText() const { return textOf(m_serverState); }
     QString endpoint() const { return m_endpoint; }
     QString protocolLabel() const { return m_protocolLabel; }
     QString currentMode() const { return m_currentMode; }
@@ -113,10 +109,10 @@ public:
     QString buttonText() const;
     bool buttonEnabled() const { return buttonEnds() || m_canConnect; }
     /// It ends something: requestDisconnect(), not requestConnect().
-    bool buttonEnds() const { return m_serverConnected || m_serverStatusText == connectingText(); }
+    bool buttonEnds() const { return m_serverConnected || m_serverState == LinkState::Connecting; }
     /// Why the last attempt failed or the connection ended; empty from the next attempt on.
     QString failureText() const { return m_failureText; }
-    QString serverTone() const { return toneText(toneOf(m_serverConnected, m_serverStatusText)); }
+    QString serverTone() const { return toneText(toneOf(m_serverState)); }
     QString realName() const { return m_realName; }
     QString homeAirport() const { return m_homeAirport; }
     QString serverLog() const { return m_serverLog.text(); }
@@ -134,7 +130,7 @@ public:
     void setCoordinatedVoice(bool coordinated);
 
     // The program's side. Each emits only on a change.
-    void setServerState(bool connected, const QString &statusText);
+    void setServerState(bool connected, LinkState state);
     void setConnectedAsObserver(bool observer);
     /// "host:port" while connected, else empty.
     void setEndpoint(const QString &endpoint);
@@ -185,7 +181,7 @@ private:
     network::SwiftAircraftIcaoService &m_icao;
     const common::Clock &m_clock;
     bool m_serverConnected = false;
-    QString m_serverStatusText = tr("未连接");
+    LinkState m_serverState = LinkState::Absent;
     QString m_endpoint;
     QString m_protocolLabel = tr("经典协议");
     QString m_currentMode = model::modeText(model::SimulatorMode::None);

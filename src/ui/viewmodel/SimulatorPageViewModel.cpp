@@ -121,12 +121,12 @@ void SimulatorPageViewModel::setMode(const QString &mode)
     clearTraffic();
 }
 
-void SimulatorPageViewModel::setSimulatorState(bool connected, const QString &text)
+void SimulatorPageViewModel::setSimulatorState(bool connected, LinkState state)
 {
-    if (connected == m_connected && text == m_statusText)
+    if (connected == m_connected && state == m_state)
         return;
     m_connected = connected;
-    m_statusText = text;
+    m_state = state;
     emit stateChanged();
     if (!connected)
         clearOwnAircraft();

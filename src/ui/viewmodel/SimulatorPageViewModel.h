@@ -106,9 +106,9 @@ public:
     bool msfsMode() const { return m_mode == model::SimulatorMode::Msfs; }
     bool xplaneMode() const { return m_mode == model::SimulatorMode::XPlane; }
     bool simulatorConnected() const { return m_connected; }
-    QString simulatorStatusText() const { return m_statusText; }
+    QString simulatorStatusText() const { return textOf(m_state); }
+    QString simulatorTone() const { return toneText(toneOf(m_state)); }
     /// Why the last attempt to connect failed. Empty when a new attempt has begun, or one has succeeded.
-    QString simulatorTone() const { return toneText(toneOf(m_connected, m_statusText)); }
     QString simulatorFailureText() const { return m_failureText; }
     QString pluginStatusText() const { return m_plugin.plugin; }
     QString cslStatusText() const { return m_plugin.csl; }
@@ -189,7 +189,7 @@ public:
     /// "XPLANE" or "MSFS"; anything else is "NONE". Another mode than before forgets the old simulator's data.
     void setMode(const QString &mode);
     /// Losing the link takes the own aircraft's data back to the start.
-    void setSimulatorState(bool connected, const QString &text);
+    void setSimulatorState(bool connected, LinkState state);
     /// Cut to 200 characters; empty takes it away.
     void setFailure(const QString &reason);
     void setPluginValid(bool valid);
@@ -276,7 +276,7 @@ private:
     model::SimulatorMode m_mode = model::SimulatorMode::None;
     QString m_simulatorName = tr("未选择");
     bool m_connected = false;
-    QString m_statusText = tr("未连接");
+    LinkState m_state = LinkState::Absent;
     QString m_failureText;
     PluginTexts m_plugin;
 

@@ -14,27 +14,27 @@ constexpr Role<StatusLine> lineRoles[] = {
 
 StatusViewModel::StatusViewModel(QObject *parent)
     : QObject(parent),
-      m_network{.section = QStringLiteral("server"), .name = tr("网络"), .word = tr("未连接")},
-      m_simulator{.section = QStringLiteral("simulator"), .name = tr("模拟器"), .word = tr("未连接")},
-      m_voice{.section = QStringLiteral("voice"), .name = tr("语音"), .word = tr("未连接")},
+      m_network{.section = QStringLiteral("server"), .name = tr("网络")},
+      m_simulator{.section = QStringLiteral("simulator"), .name = tr("模拟器")},
+      m_voice{.section = QStringLiteral("voice"), .name = tr("语音")},
       m_lines(lineRoles)
 {
     update();
 }
 
-void StatusViewModel::setNetwork(bool connected, const QString &word)
+void StatusViewModel::setNetwork(bool connected, LinkState state)
 {
-    setState(m_network, connected, word);
+    setState(m_network, connected, state);
 }
 
-void StatusViewModel::setSimulator(bool connected, const QString &word)
+void StatusViewModel::setSimulator(bool connected, LinkState state)
 {
-    setState(m_simulator, connected, word);
+    setState(m_simulator, connected, state);
 }
 
-void StatusViewModel::setVoice(bool connected, const QString &word)
+void StatusViewModel::setVoice(bool connected, LinkState state)
 {
-    setState(m_voice, connected, word);
+    setState(m_voice, connected, state);
 }
 
 void StatusViewModel::networkFailed(const QString &reason)
@@ -67,10 +67,10 @@ void StatusViewModel::forgetVoice()
     forget(m_voice);
 }
 
-void StatusViewModel::setState(Link &link, bool connected, const QString &word)
+void StatusViewModel::setState(Link &link, bool connected, LinkState state)
 {
     link.connected = connected;
-    link.word = word;
+    link.state = state;
     if (connected) {
         link.wasUp = true;
         forget(link);
@@ -106,7 +106,7 @@ void StatusViewModel::see(const QString &section)
 {
     for (Link *link : {&m_network, &m_simulator, &m_voice}) {
         // A simulator that can't be reached stays red: nothing has been lost that could be forgotten.
-        const bool staysRed = link == &m_simulator && link->word == failedText();
+        const bool staysRed = link == &m_simulator && link->state == LinkState::Failed;
         if (link->section == section && !staysRed)
             link->seen = true;
     }

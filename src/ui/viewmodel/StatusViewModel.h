@@ -25,10 +25,10 @@ public:
     QString bannerText() const { return m_banner.text; } ///< empty: there is no banner
     QString bannerActionText() const { return m_banner.actionText; }
 
-    // The program's side. The words are the pages' state texts.
-    void setNetwork(bool connected, const QString &word);
-    void setSimulator(bool connected, const QString &word);
-    void setVoice(bool connected, const QString &word);
+    // The program's side.
+    void setNetwork(bool connected, LinkState state);
+    void setSimulator(bool connected, LinkState state);
+    void setVoice(bool connected, LinkState state);
     /// The network's connection has ended, or an attempt has failed, by nobody's wish. `reason`: as pages show it.
     void networkFailed(const QString &reason);
     /// The simulator was lost, or could not be reached.
@@ -54,7 +54,7 @@ signals:
     void sectionRequested(QString section);
 
 private:
-    void setState(Link &link, bool connected, const QString &word);
+    void setState(Link &link, bool connected, LinkState state);
     void fail(Link &link, const QString &reason);
     void forget(Link &link);
     void see(const QString &section);

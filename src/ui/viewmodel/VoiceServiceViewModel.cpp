@@ -66,6 +66,23 @@ QString textOf(DeviceEvent event)
     return {};
 }
 
+LinkState linkStateOf(ConnectionState state)
+{
+    switch (state) {
+    case ConnectionState::Disconnected:
+        return LinkState::Absent;
+    case ConnectionState::Connecting:
+        return LinkState::Connecting;
+    case ConnectionState::Connected:
+        return LinkState::Connected;
+    case ConnectionState::Authenticating:
+        return LinkState::Authenticating;
+    case ConnectionState::Ready:
+        return LinkState::Ready;
+    }
+    return LinkState::Unknown;
+}
+
 QString unknownCallsign()
 {
     return QStringLiteral("Unknown");
@@ -125,21 +142,14 @@ bool VoiceServiceViewModel::connected() const
            m_state == ConnectionState::Ready;
 }
 
+LinkState VoiceServiceViewModel::linkState() const
+{
+    return m_attemptFailed ? LinkState::Failed : linkStateOf(m_state);
+}
+
 QString VoiceServiceViewModel::connectionStateText() const
 {
-    switch (m_state) {
-    case ConnectionState::Disconnected:
-        return tr("未连接");
-    case ConnectionState::Connecting:
-        return tr("连接中...");
-    case ConnectionState::Connected:
-        return tr("已连接");
-    case ConnectionState::Authenticating:
-        return tr("认证中...");
-    case ConnectionState::Ready:
-        return tr("就绪");
-    }
-    return tr("未知状态");
+    return textOf(linkStateOf(m_state));
 }
 
 void VoiceServiceViewModel::connectToVoiceServer()
@@ -154,7 +164,7 @@ void VoiceServiceViewModel::connectToVoiceServer()
 
 QString VoiceServiceViewModel::connectionTone() const
 {
-    return toneText(m_attemptFailed ? Tone::Failed : toneOf(connected(), connectionStateText()));
+    return toneText(toneOf(linkState()));
 }
 
 void VoiceServiceViewModel::setAttemptFailed(bool failed)

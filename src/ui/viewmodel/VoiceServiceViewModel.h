@@ -99,6 +99,8 @@ public:
                           const common::Clock &clock = common::systemClock());
 
     bool connected() const; ///< to the server; it needn't have greeted
+    /// Failed when attemptFailed().
+    LinkState linkState() const;
     QString connectionStateText() const;
     QString connectionTone() const;
     bool isConnecting() const { return m_state == voice::ConnectionState::Connecting && !m_attemptFailed; }

@@ -9,6 +9,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 
 /// What a screen reader is told of the pages' own controls and drawings.
 class AccessibilityTest : public QObject
@@ -88,7 +89,7 @@ private slots:
         aircraft.visualState.longitude = 121.8052;
         m_harness->simulator().setRemoteAircraft({aircraft});
         QCOMPARE(nameOf(radar), u"交通雷达：1 个目标，最近的在方位 360，6.0 海里：CES1"_qs);
-        m_harness->simulator().setSimulatorState(false, u"未连接"_qs);
+        m_harness->simulator().setSimulatorState(false, LinkState::Absent);
         QCOMPARE(nameOf(display), u"飞行仪表：无姿态数据"_qs);
         QCOMPARE(reader(radar)->role(), QAccessible::Graphic);
     }

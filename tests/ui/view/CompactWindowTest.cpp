@@ -12,6 +12,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 using tarvo::ui::MessagesPageViewModel;
 
 /// The compact view under real keys and clicks.
@@ -56,7 +57,7 @@ private slots:
     {
         m_harness->fillSimulator(u"XPLANE"_qs);
         m_harness->fillFlight();
-        m_harness->status().setNetwork(true, u"已连接"_qs);
+        m_harness->status().setNetwork(true, LinkState::Connected);
         m_harness->fillVoice();
         m_harness->messages().addPrivateReceived(u"ZBAA_TWR"_qs,
                                                  u"CES2352，北京塔台，同意推出开车，应答机 3401，修正海压 1013，"

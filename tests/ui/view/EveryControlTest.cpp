@@ -12,6 +12,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 
 namespace {
 
@@ -47,7 +48,7 @@ private slots:
         m_harness->fillTraffic(6);
         m_harness->fillVoice();
         m_harness->fillVoiceSettings();
-        m_harness->status().setNetwork(true, u"已连接"_qs);
+        m_harness->status().setNetwork(true, LinkState::Connected);
         m_harness->status().networkFailed(u"服务器断开了连接"_qs); // the banner's controls are there, too
         tarvo::test::fillMessages(m_harness->messages());
     }

@@ -120,8 +120,8 @@ void PageHarness::fillAccount()
 
 void PageHarness::fillFlight()
 {
-    m_dashboard.setSimulatorState(true, u"已连接"_qs);
-    m_status.setSimulator(true, u"已连接"_qs);
+    m_dashboard.setSimulatorState(true, ui::LinkState::Connected);
+    m_status.setSimulator(true, ui::LinkState::Connected);
     m_overview.show({.callsign = u"CCAWMDG_2352"_qs,
                      .detail = u"B738 · Microsoft Flight Simulator"_qs,
                      .com1 = u"118.500"_qs,
@@ -141,9 +141,9 @@ void PageHarness::connectToNetwork()
     m_server.appendLog(u"正在连接 FSD 127.0.0.1:6809，呼号=CES2352，机型=B738，观察员模式=false"_qs);
     m_server.appendLog(u"FSD 已连接：CES2352"_qs);
     m_server.setEndpoint(u"127.0.0.1:6809"_qs);
-    m_server.setServerState(true, u"已连接"_qs);
-    m_dashboard.setServerState(true, u"已连接"_qs);
-    m_status.setNetwork(true, u"已连接"_qs);
+    m_server.setServerState(true, ui::LinkState::Connected);
+    m_dashboard.setServerState(true, ui::LinkState::Connected);
+    m_status.setNetwork(true, ui::LinkState::Connected);
     m_server.addRecentEvent(u"网络已连接"_qs, u"网络已连接，当前呼号：CES2352"_qs, u"网络"_qs);
     m_server.addRecentEvent(u"通知"_qs, u"Connected to network."_qs, u"系统"_qs);
 }
@@ -153,8 +153,8 @@ void PageHarness::fillSimulator(const QString &mode)
     m_dashboard.setCurrentMode(mode);
     m_server.setCurrentMode(mode);
     m_simulator.setMode(mode);
-    m_simulator.setSimulatorState(true, u"已连接"_qs);
-    m_dashboard.setSimulatorState(true, u"已连接"_qs);
+    m_simulator.setSimulatorState(true, ui::LinkState::Connected);
+    m_dashboard.setSimulatorState(true, ui::LinkState::Connected);
     m_simulator.setPluginValid(true);
     m_simulator.setCslValid(true);
     m_simulator.setTrafficMappingStatus(u"已加载 1286 个模型"_qs);

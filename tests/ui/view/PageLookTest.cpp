@@ -7,6 +7,7 @@
 #include <QTest>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 
 /// The pages as drawn: at every size, with and without data, nothing is cut and nothing complains.
 class PageLookTest : public QObject
@@ -34,7 +35,7 @@ private slots:
         QFETCH(QSize, size);
         PageHarness harness(page == QLatin1String("modes") ? u"NONE"_qs : u"XPLANE"_qs, size);
         harness.fillAccount();
-        harness.dashboard().setSimulatorState(false, u"连接中..."_qs);
+        harness.dashboard().setSimulatorState(false, LinkState::Connecting);
         if (page == QLatin1String("overview") || page == QLatin1String("server-connected")) {
             harness.fillFlight();
             harness.connectToNetwork();
@@ -80,13 +81,13 @@ private:
     static void failEverything(PageHarness &harness)
     {
         harness.dashboard().setUserInfo(u"Alexander von Humboldt"_qs, u"CID: 1001"_qs, u"高级教员 (I3)"_qs);
-        harness.dashboard().setSimulatorState(false, u"连接失败"_qs);
+        harness.dashboard().setSimulatorState(false, LinkState::Failed);
         harness.dashboard().setSimulatorFailure(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
-        harness.dashboard().setServerState(false, u"已断开（强制）"_qs);
-        harness.status().setSimulator(false, u"连接失败"_qs);
+        harness.dashboard().setServerState(false, LinkState::ForcedOut);
+        harness.status().setSimulator(false, LinkState::Failed);
         harness.status().simulatorFailed(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
-        harness.status().setNetwork(true, u"已连接"_qs);
-        harness.status().setNetwork(false, u"已断开（强制）"_qs);
+        harness.status().setNetwork(true, LinkState::Connected);
+        harness.status().setNetwork(false, LinkState::ForcedOut);
         harness.status().networkFailed(
             u"被强制断开：You have been removed from the network by a supervisor: unattended connection"_qs);
     }
@@ -95,7 +96,7 @@ private:
     {
         if (page == QLatin1String("simulator-offline")) {
             harness.simulator().setMode(u"XPLANE"_qs);
-            harness.simulator().setSimulatorState(false, u"连接中..."_qs);
+            harness.simulator().setSimulatorState(false, LinkState::Connecting);
         } else {
             harness.fillSimulator(page.endsWith(QLatin1String("msfs")) ? u"MSFS"_qs : u"XPLANE"_qs);
             harness.fillTraffic(page.endsWith(QLatin1String("crowd")) ? 300 : 6);

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 using tarvo::test::ComposingInput;
+using tarvo::ui::LinkState;
 using tarvo::ui::SimulatorPageViewModel;
 
 /// The entries for the radios and the transponder, under real keys, clicks and an input method.
@@ -163,7 +164,7 @@ private slots:
             QVERIFY(item(name + u"Button"_qs)->isEnabled());
         QSignalSpy com1(&model(), &SimulatorPageViewModel::setCom1FrequencyRequested);
         item(u"com1Field"_qs)->forceActiveFocus();
-        model().setSimulatorState(false, u"未连接"_qs);
+        model().setSimulatorState(false, LinkState::Absent);
         for (const QString &name : names)
             QVERIFY(!item(name + u"Button"_qs)->isEnabled());
         QVERIFY(!item(u"identButton"_qs)->isEnabled());

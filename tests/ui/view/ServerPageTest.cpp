@@ -13,6 +13,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 using tarvo::ui::ServerPageViewModel;
 
 /// The server page under real keys and clicks.
@@ -84,7 +85,7 @@ private slots:
         QSignalSpy disconnects(&model(), &ServerPageViewModel::disconnectRequested);
         m_harness->click(field("connectButton"));
         QCOMPARE(connects.count(), 1);
-        model().setServerState(true, u"已连接"_qs);
+        model().setServerState(true, LinkState::Connected);
         QVERIFY(!field("callsignField")->isEnabled());
         m_harness->click(field("connectButton"));
         QCOMPARE(disconnects.count(), 1);
@@ -117,7 +118,7 @@ private slots:
         QVERIFY(model().coordinatedVoice());
         model().setCoordinatedVoice(false);
         QVERIFY(!box->property("checked").toBool());
-        model().setServerState(true, u"已连接"_qs);
+        model().setServerState(true, LinkState::Connected);
         m_harness->click(box);
         QVERIFY(!model().coordinatedVoice());
     }

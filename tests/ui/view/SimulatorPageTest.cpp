@@ -13,6 +13,7 @@ using tarvo::model::UserAircraftData;
 using tarvo::test::notANumber;
 using tarvo::test::ownAircraft;
 using tarvo::test::remoteAircraft;
+using tarvo::ui::LinkState;
 using tarvo::ui::SimulatorPageViewModel;
 
 /// The simulator page: its cards, readings and instruments.
@@ -124,7 +125,7 @@ private slots:
 
     void withoutALinkTheReadingsAreDashes()
     {
-        model().setSimulatorState(false, u"未连接"_qs);
+        model().setSimulatorState(false, LinkState::Absent);
         QVERIFY(m_harness->itemWithText(u"无姿态数据"_qs));
         QVERIFY(!m_harness->itemWithText(u"8,243 ft"_qs));
         QVERIFY(m_harness->itemWithText(u"未检测到发动机"_qs));
@@ -253,7 +254,7 @@ private slots:
     {
         const QString hostile = u"<b>甲</b><img src='file:///etc/passwd'>"_qs;
         model().setTrafficMappingStatus(hostile);
-        model().setSimulatorState(true, hostile);
+        model().setSimulatorState(true, LinkState::Connected);
         RemoteAircraft aircraft = remoteAircraft(hostile, 31.1, 121);
         aircraft.typeCode = hostile;
         model().setOwnAircraft(ownAircraft(0), {}, {}, false);

@@ -12,6 +12,7 @@
 
 using tarvo::test::PageHarness;
 using tarvo::ui::DashboardViewModel;
+using tarvo::ui::LinkState;
 using tarvo::ui::ServerPageViewModel;
 using tarvo::ui::StatusViewModel;
 
@@ -129,7 +130,7 @@ private slots:
     void theButtonCallsAnAttemptOff()
     {
         m_harness->openSection(u"服务器"_qs);
-        m_harness->server().setServerState(false, u"连接中..."_qs);
+        m_harness->server().setServerState(false, LinkState::Connecting);
         QQuickItem *button = m_harness->item(u"connectButton"_qs);
         QCOMPARE(button->property("text").toString(), u"取消连接"_qs);
         QSignalSpy ends(&m_harness->server(), &ServerPageViewModel::disconnectRequested);
@@ -149,7 +150,7 @@ private slots:
 
     void theOverviewTellsWhyThereIsNoSimulator()
     {
-        m_harness->dashboard().setSimulatorState(false, u"连接失败"_qs);
+        m_harness->dashboard().setSimulatorState(false, LinkState::Failed);
         m_harness->dashboard().setSimulatorFailure(u"插件没有应答"_qs);
         m_harness->settle();
         QCOMPARE(m_harness->item(u"simulatorHint"_qs)->property("text").toString(), u"插件没有应答"_qs);
@@ -164,15 +165,15 @@ private slots:
 private:
     void loseNetwork()
     {
-        m_harness->status().setNetwork(true, u"已连接"_qs);
-        m_harness->status().setNetwork(false, u"已断开（强制）"_qs);
+        m_harness->status().setNetwork(true, LinkState::Connected);
+        m_harness->status().setNetwork(false, LinkState::ForcedOut);
         m_harness->status().networkFailed(
             u"被强制断开：You have been removed from the network by a supervisor: unattended connection"_qs);
     }
 
     void loseBoth()
     {
-        m_harness->status().setSimulator(false, u"连接失败"_qs);
+        m_harness->status().setSimulator(false, LinkState::Failed);
         m_harness->status().simulatorFailed(u"模拟器未启动或连接服务异常，请联系TARVO技术部"_qs);
         loseNetwork();
     }

@@ -8,27 +8,27 @@ using namespace tarvo::ui;
 
 namespace {
 
-Link networkLink(bool connected, const QString &word, bool seen, bool wasUp = false)
+Link networkLink(bool connected, LinkState state, bool seen, bool wasUp = false)
 {
     return {.section = u"server"_qs,
             .name = u"网络"_qs,
             .connected = connected,
-            .word = word,
+            .state = state,
             .reason = u"为什么"_qs,
             .seen = seen,
             .wasUp = wasUp};
 }
 
-Link simulatorLink(bool connected, const QString &word, bool seen, bool wasUp = false)
+Link simulatorLink(bool connected, LinkState state, bool seen, bool wasUp = false)
 {
-    Link link = networkLink(connected, word, seen, wasUp);
+    Link link = networkLink(connected, state, seen, wasUp);
     link.section = u"simulator"_qs;
     return link;
 }
 
-Link voiceLink(const QString &word, bool seen, bool wasUp)
+Link voiceLink(LinkState state, bool seen, bool wasUp)
 {
-    Link link = networkLink(word == u"就绪"_qs, word, seen, wasUp);
+    Link link = networkLink(state == LinkState::Ready, state, seen, wasUp);
     link.section = u"voice"_qs;
     return link;
 }
@@ -41,25 +41,28 @@ class ConnectionStatusTest : public QObject
     Q_OBJECT
 
 private slots:
-    void tones_data()
+    void looks_data()
     {
-        QTest::addColumn<bool>("connected");
+        QTest::addColumn<LinkState>("state");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("tone");
-        QTest::newRow("connected") << true << u"已连接"_qs << u"good"_qs;
-        QTest::newRow("not there") << false << u"未连接"_qs << u"quiet"_qs;
-        QTest::newRow("connecting") << false << u"连接中..."_qs << u"pending"_qs;
-        QTest::newRow("disconnecting") << true << u"断开中..."_qs << u"pending"_qs;
-        QTest::newRow("ended") << false << u"已断开"_qs << u"quiet"_qs;
-        QTest::newRow("forced out") << false << u"已断开（强制）"_qs << u"failed"_qs;
-        QTest::newRow("simulator failed") << false << u"连接失败"_qs << u"failed"_qs;
-        QTest::newRow("voice is ready") << true << u"就绪"_qs << u"good"_qs;
+        QTest::newRow("not there") << LinkState::Absent << u"未连接"_qs << u"quiet"_qs;
+        QTest::newRow("connecting") << LinkState::Connecting << u"连接中..."_qs << u"pending"_qs;
+        QTest::newRow("connected") << LinkState::Connected << u"已连接"_qs << u"good"_qs;
+        QTest::newRow("disconnecting") << LinkState::Disconnecting << u"断开中..."_qs << u"pending"_qs;
+        QTest::newRow("ended") << LinkState::Ended << u"已断开"_qs << u"quiet"_qs;
+        QTest::newRow("forced out") << LinkState::ForcedOut << u"已断开（强制）"_qs << u"failed"_qs;
+        QTest::newRow("failed") << LinkState::Failed << u"连接失败"_qs << u"failed"_qs;
+        QTest::newRow("voice signs in") << LinkState::Authenticating << u"认证中..."_qs << u"pending"_qs;
+        QTest::newRow("voice is ready") << LinkState::Ready << u"就绪"_qs << u"good"_qs;
+        QTest::newRow("unknown") << LinkState::Unknown << u"未知状态"_qs << u"quiet"_qs;
+        QTest::newRow("none of these") << static_cast<LinkState>(99) << u"未知状态"_qs << u"quiet"_qs;
     }
-    void tones()
+    void looks()
     {
-        QFETCH(bool, connected);
-        QFETCH(QString, text);
-        QTEST(toneText(toneOf(connected, text)), "tone");
+        QFETCH(LinkState, state);
+        QTEST(textOf(state), "text");
+        QTEST(toneText(toneOf(state)), "tone");
     }
 
     void reasons_data()
@@ -133,24 +136,24 @@ private slots:
     void lines_data()
     {
         QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("word");
+        QTest::addColumn<LinkState>("state");
         QTest::addColumn<bool>("seen");
         QTest::addColumn<QString>("tone");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("ended unseen") << false << u"已断开"_qs << false << u"failed"_qs << u"为什么"_qs;
-        QTest::newRow("ended and seen") << false << u"已断开"_qs << true << u"quiet"_qs << QString();
-        QTest::newRow("forced out, unseen") << false << u"已断开（强制）"_qs << false << u"failed"_qs << u"为什么"_qs;
-        QTest::newRow("forced out, seen") << false << u"已断开（强制）"_qs << true << u"quiet"_qs << QString();
-        QTest::newRow("again") << false << u"连接中..."_qs << false << u"pending"_qs << QString();
-        QTest::newRow("there again") << true << u"已连接"_qs << false << u"good"_qs << QString();
+        QTest::newRow("ended unseen") << false << LinkState::Ended << false << u"failed"_qs << u"为什么"_qs;
+        QTest::newRow("ended and seen") << false << LinkState::Ended << true << u"quiet"_qs << QString();
+        QTest::newRow("forced out, unseen") << false << LinkState::ForcedOut << false << u"failed"_qs << u"为什么"_qs;
+        QTest::newRow("forced out, seen") << false << LinkState::ForcedOut << true << u"quiet"_qs << QString();
+        QTest::newRow("again") << false << LinkState::Connecting << false << u"pending"_qs << QString();
+        QTest::newRow("there again") << true << LinkState::Connected << false << u"good"_qs << QString();
     }
     void lines()
     {
         QFETCH(bool, connected);
-        QFETCH(QString, word);
+        QFETCH(LinkState, state);
         QFETCH(bool, seen);
-        const StatusLine line = lineOf(networkLink(connected, word, seen));
-        QCOMPARE(line.word, word);
+        const StatusLine line = lineOf(networkLink(connected, state, seen));
+        QCOMPARE(line.word, textOf(state));
         QTEST(toneText(line.tone), "tone");
         QTEST(line.reason, "reason");
     }
@@ -162,15 +165,15 @@ private slots:
         QTest::addColumn<Link>("voice");
         QTest::addColumn<QString>("section");
         QTest::addColumn<QString>("banner");
-        const Link up = networkLink(true, u"已连接"_qs, true, true);
-        const Link lost = networkLink(false, u"已断开"_qs, false, true);
-        const Link failed = networkLink(false, u"未连接"_qs, false, false);
-        const Link simulatorThere = simulatorLink(true, u"已连接"_qs, true, true);
-        const Link simulatorLost = simulatorLink(false, u"未连接"_qs, false, true);
-        const Link simulatorAbsent = simulatorLink(false, u"连接失败"_qs, false, false);
-        const Link voice = voiceLink(u"就绪"_qs, true, true);
-        const Link voiceLost = voiceLink(u"未连接"_qs, false, true);
-        const Link voiceFailed = voiceLink(u"连接失败"_qs, false, false);
+        const Link up = networkLink(true, LinkState::Connected, true, true);
+        const Link lost = networkLink(false, LinkState::Ended, false, true);
+        const Link failed = networkLink(false, LinkState::Absent, false, false);
+        const Link simulatorThere = simulatorLink(true, LinkState::Connected, true, true);
+        const Link simulatorLost = simulatorLink(false, LinkState::Absent, false, true);
+        const Link simulatorAbsent = simulatorLink(false, LinkState::Failed, false, false);
+        const Link voice = voiceLink(LinkState::Ready, true, true);
+        const Link voiceLost = voiceLink(LinkState::Absent, false, true);
+        const Link voiceFailed = voiceLink(LinkState::Failed, false, false);
         QTest::newRow("all is well") << up << simulatorThere << voice << u"dashboard"_qs << u"|"_qs;
         QTest::newRow("lost") << lost << simulatorThere << voice << u"dashboard"_qs
                               << u"网络已断开：为什么|重新连接"_qs;

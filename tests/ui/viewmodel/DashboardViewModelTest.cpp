@@ -11,6 +11,7 @@
 #include <functional>
 
 using tarvo::ui::DashboardViewModel;
+using tarvo::ui::LinkState;
 using tarvo::ui::RankedUser;
 
 namespace {
@@ -65,14 +66,14 @@ private slots:
         row("avatar", "userInfoChanged", [=](auto &m) { m.setAvatarUrl(text); }, {{u"avatarUrl"_qs, text}});
         row("mode", "currentModeChanged", [](auto &m) { m.setCurrentMode(u"XPLANE"_qs); },
             {{u"currentMode"_qs, u"XPLANE"_qs}});
-        row("simulator flag", "simulatorStateChanged", [](auto &m) { m.setSimulatorState(true, u"未连接"_qs); },
+        row("simulator flag", "simulatorStateChanged", [](auto &m) { m.setSimulatorState(true, LinkState::Absent); },
             {{u"simulatorConnected"_qs, true}});
-        row("simulator text", "simulatorStateChanged", [=](auto &m) { m.setSimulatorState(false, text); },
-            {{u"simulatorStatusText"_qs, text}});
-        row("server flag", "serverStateChanged", [](auto &m) { m.setServerState(true, u"未连接"_qs); },
+        row("simulator text", "simulatorStateChanged", [](auto &m) { m.setSimulatorState(false, LinkState::Ended); },
+            {{u"simulatorStatusText"_qs, u"已断开"_qs}});
+        row("server flag", "serverStateChanged", [](auto &m) { m.setServerState(true, LinkState::Absent); },
             {{u"serverConnected"_qs, true}});
-        row("server text", "serverStateChanged", [=](auto &m) { m.setServerState(false, text); },
-            {{u"serverStatusText"_qs, text}});
+        row("server text", "serverStateChanged", [](auto &m) { m.setServerState(false, LinkState::Ended); },
+            {{u"serverStatusText"_qs, u"已断开"_qs}});
         row("latitude", "flightDataChanged", [](auto &m) { m.setFlightData(1, 0, 0, 0, 0); }, {{u"latitude"_qs, 1.0}});
         row("longitude", "flightDataChanged", [](auto &m) { m.setFlightData(0, 2, 0, 0, 0); },
             {{u"longitude"_qs, 2.0}});
@@ -144,7 +145,7 @@ private slots:
         DashboardViewModel model;
         const QSignalSpy changed(&model, &DashboardViewModel::simulatorHintChanged);
         model.setCurrentMode(mode);
-        model.setSimulatorState(connected, QString());
+        model.setSimulatorState(connected, LinkState::Absent);
         model.setSimulatorFailure(failure);
         QTEST(model.simulatorHintText(), "hint");
         const qsizetype told = changed.size();

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using tarvo::test::ServerPageFixture;
+using tarvo::ui::LinkState;
 using tarvo::ui::ServerPageViewModel;
 
 /// The connect form: its texts by mode, its rules, and what they allow.
@@ -107,24 +108,25 @@ private slots:
     void theOneButton_data()
     {
         QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("status");
+        QTest::addColumn<LinkState>("state");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("ends");
         QTest::addColumn<bool>("enabled");
-        QTest::newRow("connects") << false << u"未连接"_qs << u"连接 X-Plane 网络"_qs << false << true;
-        QTest::newRow("calls off") << false << u"连接中..."_qs << u"取消连接"_qs << true << true;
-        QTest::newRow("disconnects") << true << u"已连接"_qs << u"断开连接"_qs << true << true;
-        QTest::newRow("waits for the end") << false << u"断开中..."_qs << u"连接 X-Plane 网络"_qs << false << false;
+        QTest::newRow("connects") << false << LinkState::Absent << u"连接 X-Plane 网络"_qs << false << true;
+        QTest::newRow("calls off") << false << LinkState::Connecting << u"取消连接"_qs << true << true;
+        QTest::newRow("disconnects") << true << LinkState::Connected << u"断开连接"_qs << true << true;
+        QTest::newRow("waits for the end")
+            << false << LinkState::Disconnecting << u"连接 X-Plane 网络"_qs << false << false;
     }
     void theOneButton()
     {
         QFETCH(bool, connected);
-        QFETCH(QString, status);
+        QFETCH(LinkState, state);
         ServerPageFixture fixture;
         fixture.model.setCurrentMode(u"XPLANE"_qs);
         fixture.model.setCallsign(u"CES2352"_qs);
         fixture.model.setTypeCode(u"B738"_qs);
-        fixture.model.setServerState(connected, status);
+        fixture.model.setServerState(connected, state);
         QTEST(fixture.model.buttonText(), "text");
         QTEST(fixture.model.buttonEnds(), "ends");
         QTEST(fixture.model.buttonEnabled(), "enabled");
@@ -133,22 +135,22 @@ private slots:
     void onlyWhatIsWrongIsRed_data()
     {
         QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("status");
+        QTest::addColumn<LinkState>("state");
         QTest::addColumn<bool>("hint");
-        QTest::newRow("nothing typed") << QString() << u"未连接"_qs << true;
-        QTest::newRow("wrong characters") << u"CES-2352"_qs << u"未连接"_qs << false;
-        QTest::newRow("the type is still to come") << u"CES2352"_qs << u"未连接"_qs << true;
-        QTest::newRow("connecting") << u"CES-2352"_qs << u"连接中..."_qs << true;
-        QTest::newRow("disconnecting") << u"CES-2352"_qs << u"断开中..."_qs << true;
+        QTest::newRow("nothing typed") << QString() << LinkState::Absent << true;
+        QTest::newRow("wrong characters") << u"CES-2352"_qs << LinkState::Absent << false;
+        QTest::newRow("the type is still to come") << u"CES2352"_qs << LinkState::Absent << true;
+        QTest::newRow("connecting") << u"CES-2352"_qs << LinkState::Connecting << true;
+        QTest::newRow("disconnecting") << u"CES-2352"_qs << LinkState::Disconnecting << true;
     }
     void onlyWhatIsWrongIsRed()
     {
         QFETCH(QString, callsign);
-        QFETCH(QString, status);
+        QFETCH(LinkState, state);
         ServerPageFixture fixture;
         fixture.model.setCallsign(u"C"_qs);
         fixture.model.setCallsign(callsign);
-        fixture.model.setServerState(false, status);
+        fixture.model.setServerState(false, state);
         QVERIFY(!fixture.model.formErrorText().isEmpty());
         QTEST(fixture.model.formErrorIsHint(), "hint");
     }
@@ -178,13 +180,13 @@ private slots:
 
     void formErrors_data()
     {
-        QTest::addColumn<QString>("status");
+        QTest::addColumn<LinkState>("state");
         QTest::addColumn<bool>("connected");
         QTest::addColumn<QString>("callsign");
         QTest::addColumn<QString>("type");
         QTest::addColumn<bool>("observer");
         QTest::addColumn<QString>("error");
-        const QString idle = u"已断开"_qs;
+        const LinkState idle = LinkState::Ended;
         const QString connecting = u"正在连接服务器，请等待当前连接完成。"_qs;
         const QString empty = u"请先填写呼号。"_qs;
         const QString bad = u"呼号只能包含 A-Z、0-9 和下划线，长度 2-12 位，不能包含空格或中文。"_qs;
@@ -215,18 +217,19 @@ private slots:
         QTest::newRow("observer without a type") << idle << false << good << QString() << true << QString();
         QTest::newRow("observer with a type") << idle << false << good << type << true << QString();
         QTest::newRow("connecting hides the rest")
-            << u"连接中..."_qs << false << QString() << QString() << false << connecting;
-        QTest::newRow("connecting, good form") << u"连接中..."_qs << false << good << type << false << connecting;
-        QTest::newRow("disconnecting") << u"断开中..."_qs << false << good << type << false
+            << LinkState::Connecting << false << QString() << QString() << false << connecting;
+        QTest::newRow("connecting, good form") << LinkState::Connecting << false << good << type << false << connecting;
+        QTest::newRow("disconnecting") << LinkState::Disconnecting << false << good << type << false
                                        << u"正在断开服务器，请稍后再连接。"_qs;
         QTest::newRow("connected checks nothing")
-            << u"已连接"_qs << true << QString() << QString() << false << QString();
-        QTest::newRow("connected while disconnecting") << u"断开中..."_qs << true << good << type << false << QString();
+            << LinkState::Connected << true << QString() << QString() << false << QString();
+        QTest::newRow("connected while disconnecting")
+            << LinkState::Disconnecting << true << good << type << false << QString();
     }
 
     void formErrors()
     {
-        QFETCH(QString, status);
+        QFETCH(LinkState, state);
         QFETCH(bool, connected);
         QFETCH(QString, callsign);
         QFETCH(QString, type);
@@ -237,7 +240,7 @@ private slots:
         model.setCallsign(callsign);
         model.setTypeCode(type);
         model.setObserverMode(observer);
-        model.setServerState(connected, status);
+        model.setServerState(connected, state);
         QCOMPARE(model.formErrorText(), error);
         QCOMPARE(model.canConnect(), error.isEmpty() && !connected);
         QCOMPARE(model.callsign(), callsign); // as typed
@@ -266,11 +269,11 @@ private slots:
         model.setTypeCode(u"B738"_qs);
         QVERIFY(model.canConnect());
         QSignalSpy form(&model, &ServerPageViewModel::formChanged);
-        model.setServerState(false, u"连接中..."_qs);
+        model.setServerState(false, LinkState::Connecting);
         QVERIFY(!model.canConnect());
-        model.setServerState(true, u"已连接"_qs);
+        model.setServerState(true, LinkState::Connected);
         QVERIFY(!model.canConnect());
-        model.setServerState(false, u"已断开"_qs);
+        model.setServerState(false, LinkState::Ended);
         QVERIFY(model.canConnect());
         QCOMPARE(form.count(), 3);
     }

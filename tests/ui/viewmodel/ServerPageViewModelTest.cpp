@@ -8,6 +8,7 @@
 
 using tarvo::test::field;
 using tarvo::test::ServerPageFixture;
+using tarvo::ui::LinkState;
 using tarvo::ui::ServerPageViewModel;
 
 namespace {
@@ -29,11 +30,11 @@ private slots:
     {
         ServerPageFixture fixture;
         QSignalSpy state(&fixture.model, &ServerPageViewModel::serverStateChanged);
-        fixture.model.setServerState(false, u"未连接"_qs);
+        fixture.model.setServerState(false, LinkState::Absent);
         QCOMPARE(state.count(), 0);
-        fixture.model.setServerState(true, u"未连接"_qs);
-        fixture.model.setServerState(true, u"已连接"_qs);
-        fixture.model.setServerState(true, u"已连接"_qs);
+        fixture.model.setServerState(true, LinkState::Absent);
+        fixture.model.setServerState(true, LinkState::Connected);
+        fixture.model.setServerState(true, LinkState::Connected);
         QCOMPARE(state.count(), 2);
         QVERIFY(fixture.model.serverConnected());
         QCOMPARE(fixture.model.serverStatusText(), u"已连接"_qs);

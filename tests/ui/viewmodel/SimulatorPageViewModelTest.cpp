@@ -10,6 +10,7 @@
 #include <functional>
 
 using namespace tarvo::test;
+using tarvo::ui::LinkState;
 using tarvo::ui::SimulatorPageViewModel;
 
 /// The simulator page: what it starts with, its mode and link, its requests.
@@ -82,9 +83,9 @@ private slots:
         const auto row = [](const char *name, const std::function<void(Model &)> &set, const char *property,
                             const QVariant &value) { QTest::newRow(name) << set << QByteArray(property) << value; };
         row(
-            "connected", [](Model &m) { m.setSimulatorState(true, u"未连接"_qs); }, "simulatorConnected", true);
+            "connected", [](Model &m) { m.setSimulatorState(true, LinkState::Absent); }, "simulatorConnected", true);
         row(
-            "status", [](Model &m) { m.setSimulatorState(false, u"连接中..."_qs); }, "simulatorStatusText",
+            "status", [](Model &m) { m.setSimulatorState(false, LinkState::Connecting); }, "simulatorStatusText",
             u"连接中..."_qs);
         row(
             "plugin good", [](Model &m) { m.setPluginValid(true); }, "pluginStatusText", u"有效"_qs);
@@ -119,7 +120,7 @@ private slots:
         QCOMPARE(told.count(), 1);
         QCOMPARE(model.property(property.constData()), value);
         model.clearPlugin();
-        model.setSimulatorState(false, u"未连接"_qs);
+        model.setSimulatorState(false, LinkState::Absent);
         QCOMPARE(told.count(), 2);
         model.clearPlugin();
         QCOMPARE(told.count(), 2);
@@ -170,7 +171,7 @@ private slots:
     void aLostLinkTakesTheDataBackToTheStart()
     {
         SimulatorPageViewModel model;
-        model.setSimulatorState(true, u"已连接"_qs);
+        model.setSimulatorState(true, LinkState::Connected);
         Own own = overShanghai();
         own.config.engineCount = 2;
         own.radio.transponderCode = 7700;
@@ -178,7 +179,7 @@ private slots:
         feed(model, own);
         model.setRemoteAircraft({remote("CES1", 31.1, 121)});
         QSignalSpy data(&model, &SimulatorPageViewModel::dataChanged);
-        model.setSimulatorState(false, u"未连接"_qs);
+        model.setSimulatorState(false, LinkState::Absent);
         QCOMPARE(data.count(), 1);
         QCOMPARE(model.motionSummary(), u"暂无运动数据"_qs);
         QCOMPARE(model.transponderCode(), u"0000"_qs);

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+using tarvo::ui::LinkState;
 using tarvo::ui::StatusViewModel;
 using tarvo::ui::Tone;
 
@@ -65,10 +66,10 @@ private slots:
     {
         loseNetwork();
         m_status->forgetNetwork();
-        m_status->setNetwork(false, u"连接中..."_qs);
+        m_status->setNetwork(false, LinkState::Connecting);
         QCOMPARE(m_status->bannerText(), QString());
         QCOMPARE(line(0), u"网络 连接中..."_qs);
-        m_status->setNetwork(false, u"已断开"_qs);
+        m_status->setNetwork(false, LinkState::Ended);
         m_status->networkFailed(u"busy"_qs); // the attempt, not what was up before
         QCOMPARE(m_status->bannerText(), u"网络连接失败：busy"_qs);
     }
@@ -98,7 +99,7 @@ private slots:
         loseSimulator();
         QCOMPARE(m_status->bannerText(), u"模拟器已断开：gone"_qs);
         QCOMPARE(line(1), u"! 模拟器 未连接 gone"_qs);
-        m_status->setSimulator(true, u"已连接"_qs);
+        m_status->setSimulator(true, LinkState::Connected);
         QCOMPARE(m_status->bannerText(), QString());
         QCOMPARE(line(1), u"模拟器 已连接"_qs);
     }
@@ -115,20 +116,20 @@ private slots:
 
     void aSimulatorThatCannotBeReachedStaysRed()
     {
-        m_status->setSimulator(false, u"连接失败"_qs);
+        m_status->setSimulator(false, LinkState::Failed);
         m_status->simulatorFailed(u"not started"_qs);
         m_status->setCurrentSection(u"simulator"_qs);
         m_status->setCurrentSection(u"dashboard"_qs);
         QCOMPARE(line(1), u"! 模拟器 连接失败 not started"_qs);
         QCOMPARE(m_status->bannerText(), QString());
         m_status->forgetSimulator();
-        m_status->setSimulator(false, u"连接中..."_qs);
+        m_status->setSimulator(false, LinkState::Connecting);
         QCOMPARE(line(1), u"模拟器 连接中..."_qs);
     }
 
     void voiceHasItsLine()
     {
-        m_status->setVoice(true, u"就绪"_qs);
+        m_status->setVoice(true, LinkState::Ready);
         QCOMPARE(line(2), u"语音 就绪"_qs);
         QCOMPARE(m_status->lines().at(2).tone, Tone::Good);
     }
@@ -136,14 +137,14 @@ private slots:
     void aVoiceThatFailsIsRedUntilItsPageIsOpened()
     {
         const QSignalSpy voice(m_status.get(), &StatusViewModel::voiceReconnectRequested);
-        m_status->setVoice(false, u"连接失败"_qs);
+        m_status->setVoice(false, LinkState::Failed);
         m_status->voiceFailed(u"refused"_qs);
         QCOMPARE(line(2), u"! 语音 连接失败 refused"_qs);
         QCOMPARE(m_status->bannerText(), u"语音连接失败：refused"_qs);
         m_status->setCurrentSection(u"voice"_qs);
         QCOMPARE(line(2), u"语音 连接失败"_qs);
-        m_status->setVoice(true, u"就绪"_qs);
-        m_status->setVoice(false, u"未连接"_qs);
+        m_status->setVoice(true, LinkState::Ready);
+        m_status->setVoice(false, LinkState::Absent);
         m_status->voiceFailed(u"gone"_qs);
         QCOMPARE(m_status->bannerText(), u"语音已断开：gone"_qs);
         m_status->act();
@@ -154,15 +155,15 @@ private slots:
 private:
     void loseNetwork()
     {
-        m_status->setNetwork(true, u"已连接"_qs);
-        m_status->setNetwork(false, u"已断开"_qs);
+        m_status->setNetwork(true, LinkState::Connected);
+        m_status->setNetwork(false, LinkState::Ended);
         m_status->networkFailed(u"bye"_qs);
     }
 
     void loseSimulator()
     {
-        m_status->setSimulator(true, u"已连接"_qs);
-        m_status->setSimulator(false, u"未连接"_qs);
+        m_status->setSimulator(true, LinkState::Connected);
+        m_status->setSimulator(false, LinkState::Absent);
         m_status->simulatorFailed(u"gone"_qs);
     }
 
