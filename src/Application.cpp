@@ -102,6 +102,7 @@ void Application::compose()
     m_controllerManager = std::make_shared<manager::ControllerManager>(m_networkManager);
     m_mainWindow =
         std::make_unique<ui::MainWindow>(m_networkManager, m_controllerManager, m_config, m_api, m_icao, m_endpoints);
+    m_mainWindow->leaveQuestion().setSilenced(m_leavesUnasked);
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::logoutRequested, &m_loginWindow, [this] { logOut(); });
     QObject::connect(m_mainWindow.get(), &ui::MainWindow::msfsSelected, &m_loginWindow,
                      [this] { activate(SimulatorMode::Msfs); });
@@ -113,8 +114,9 @@ void Application::compose()
 
 void Application::openMainWindow()
 {
-    m_mainWindow->resize(m_loginPlace.size());
-    m_mainWindow->move(m_loginPlace.topLeft());
+    const QRect place = ui::reachablePlace(m_loginPlace);
+    m_mainWindow->resize(place.size());
+    m_mainWindow->move(place.topLeft());
     m_mainWindow->setMinimumSize(m_loginWindow.minimumSize());
     ui::restorePlace(*m_mainWindow, m_config.state());
     if (m_loginMaximized)
@@ -155,7 +157,7 @@ void Application::logOut()
             m_config.reset(config::sessionUsername);
             m_config.reset(config::sessionPassword);
             if (!m_loginMaximized)
-                m_loginWindow.move(m_loginPlace.topLeft());
+                m_loginWindow.move(ui::reachablePlace(m_loginPlace).topLeft()); // its screen may be gone
             m_loginWindow.show();
         });
     });
@@ -165,6 +167,8 @@ void Application::cleanUp()
 {
     if (m_networkManager)
         m_networkManager->disconnectFromNetwork();
+    if (m_mainWindow)
+        m_leavesUnasked = m_mainWindow->leaveQuestion().isSilenced();
     m_mainWindow.reset();
     m_controllerManager.reset();
     m_userAircraftManager.reset();

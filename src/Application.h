@@ -84,6 +84,7 @@ private:
     ui::LoginWindow m_loginWindow;
     QRect m_loginPlace; ///< as normalPlace() tells it, from before it was hidden
     bool m_loginMaximized = false;
+    bool m_leavesUnasked = false; ///< as the pilot has told an earlier main window
     std::shared_ptr<manager::NetworkManager> m_networkManager;
     std::shared_ptr<manager::AircraftManager> m_aircraftManager;
     std::shared_ptr<manager::UserAircraftManager> m_userAircraftManager;

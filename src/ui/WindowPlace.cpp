@@ -2,6 +2,7 @@
 
 #include "StateFile.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStringList>
@@ -16,6 +17,8 @@ namespace {
 
 /// Beyond it there is no screen, and sums of such numbers stay far from what an int holds.
 constexpr int farthest = 1'000'000;
+/// What must be on a screen of the upper edge, px.
+constexpr QSize grip(100, 20);
 
 qint64 commonArea(const QRect &a, const QRect &b)
 {
@@ -31,6 +34,38 @@ QList<QRect> usableScreens()
         areas += screen->availableGeometry();
     return areas;
 }
+
+/// Brings a window's frame onto the screen, once, as soon as there is one: before the window is shown nobody knows how
+/// wide it will be.
+class FrameKeeper : public QObject
+{
+public:
+    explicit FrameKeeper(QWidget &window) : QObject(&window) { window.installEventFilter(this); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *window = qobject_cast<QWidget *>(watched);
+        const QEvent::Type type = event->type();
+        // X11 tells of a frame by moving the window into it.
+        if (type == QEvent::Move || type == QEvent::Resize || type == QEvent::WindowActivate || type == QEvent::Paint)
+            keep(*window);
+        return false;
+    }
+
+private:
+    void keep(QWidget &window)
+    {
+        const QSize frame = window.frameGeometry().size() - window.geometry().size();
+        if (!window.isVisible() ||
+            window.windowState() & (Qt::WindowMaximized | Qt::WindowMinimized | Qt::WindowFullScreen) || frame.isNull())
+            return;
+        window.removeEventFilter(this);
+        deleteLater();
+        const QRect seen = clampedToScreens(window.frameGeometry(), usableScreens());
+        window.resize(seen.size() - frame);
+        window.move(seen.topLeft());
+    }
+};
 
 } // namespace
 
@@ -70,6 +105,21 @@ QRect clampedToScreens(const QRect &place, const QList<QRect> &screens)
     return result;
 }
 
+QRect reachableOnScreens(const QRect &place, const QList<QRect> &screens)
+{
+    const QRect edge(place.topLeft(), QSize(place.width(), grip.height()));
+    const bool isSeen = std::any_of(screens.begin(), screens.end(), [&edge](const QRect &screen) {
+        const QRect common = screen.intersected(edge);
+        return common.width() >= grip.width() && common.height() >= grip.height();
+    });
+    return isSeen ? place : clampedToScreens(place, screens);
+}
+
+QRect reachablePlace(const QRect &place)
+{
+    return reachableOnScreens(place, usableScreens());
+}
+
 QRect rememberedPlace(const StateFile &state, const StringKey &key, const QRect &otherwise)
 {
     const std::optional<QRect> place = placeFromText(state.get(key));
@@ -97,6 +147,7 @@ void restorePlace(QWidget &window, const StateFile &state)
     const QRect seen = clampedToScreens(*place, usableScreens());
     window.resize(seen.size());
     window.move(seen.topLeft());
+    new FrameKeeper(window); // its child
     if (state.get(state::windowMaximized))
         window.setWindowState(window.windowState() | Qt::WindowMaximized);
 }

@@ -24,6 +24,12 @@ std::optional<QRect> placeFromText(const QString &text);
 /// no larger than that screen and all of it inside. `screens` are the areas that windows may use; without any, `place`.
 QRect clampedToScreens(const QRect &place, const QList<QRect> &screens);
 
+/// `place` when it can be grasped by its upper edge as it is, else as clampedToScreens() has it: its screen may be
+/// gone.
+QRect reachableOnScreens(const QRect &place, const QList<QRect> &screens);
+/// The same for the screens that are there now.
+QRect reachablePlace(const QRect &place);
+
 /// The corner that `key` remembers, with the size of `otherwise`, as clampedToScreens() has it; `otherwise` when
 /// nothing is remembered.
 QRect rememberedPlace(const StateFile &state, const StringKey &key, const QRect &otherwise);
@@ -34,7 +40,8 @@ QRect normalPlace(const QWidget &window);
 
 /// Notes normalPlace(), and whether `window` is maximised.
 void rememberPlace(const QWidget &window, StateFile &state);
-/// Puts `window`, which is not shown yet, where it was remembered. Leaves it alone when nothing was.
+/// Puts `window`, which is not shown yet, where it was remembered. Leaves it alone when nothing was. Once it is shown
+/// and the system has given it a frame, that is on the screen as well.
 void restorePlace(QWidget &window, const StateFile &state);
 
 } // namespace tarvo::ui

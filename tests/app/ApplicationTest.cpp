@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QShowEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -177,6 +178,17 @@ private slots:
         QCOMPARE(program.application.loginWindow().pos(), position);
     }
 
+    void noWindowOpensOnAScreenThatIsGone()
+    {
+        Program program;
+        program.application.loginWindow().move(5000, 30);
+        program.signIn();
+        const QRect screen = program.main().screen()->geometry();
+        QVERIFY(screen.contains(program.main().pos()));
+        program.signOut();
+        QVERIFY(screen.contains(program.application.loginWindow().pos()));
+    }
+
     void theWindowThatIsShownComesForward()
     {
         Program program;
@@ -254,10 +266,12 @@ private slots:
         Program program;
         program.signIn();
         const std::weak_ptr<manager::NetworkManager> first = program.application.networkManager();
+        program.main().leaveQuestion().setSilenced(true);
         program.signOut();
         QVERIFY(first.expired());
         program.signIn();
         QVERIFY(program.main().isVisible());
+        QVERIFY(program.main().leaveQuestion().isSilenced()); // for the whole run
         program.connectAsObserver();
         program.signOut();
         QVERIFY(!program.application.networkManager());

@@ -1,8 +1,10 @@
 #include "ui/WindowPlace.h"
 
 #include "StateFile.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
@@ -13,6 +15,7 @@ using tarvo::StateFile;
 using tarvo::ui::clampedToScreens;
 using tarvo::ui::placeFromText;
 using tarvo::ui::placeText;
+using tarvo::ui::reachableOnScreens;
 using tarvo::ui::rememberPlace;
 using tarvo::ui::restorePlace;
 
@@ -65,6 +68,44 @@ private slots:
         QFETCH(const QRect, place);
         QFETCH(const QRect, seen);
         QCOMPARE(clampedToScreens(place, {leftScreen, rightScreen}), seen);
+    }
+
+    void isLeftAloneWhereItCanBeGrasped_data()
+    {
+        QTest::addColumn<QRect>("place");
+        QTest::addColumn<bool>("isLeft");
+        QTest::newRow("inside") << QRect(100, 50, 1100, 700) << true;
+        QTest::newRow("over the lower edge") << QRect(100, 900, 1100, 700) << true;
+        QTest::newRow("mostly beside it") << QRect(-1000, 50, 1100, 700) << true;
+        QTest::newRow("almost beside it") << QRect(-1001, 50, 1100, 700) << false;
+        QTest::newRow("its upper edge outside") << QRect(100, -21, 1100, 700) << false;
+        QTest::newRow("its screen is gone") << QRect(-1920, 50, 1100, 700) << false;
+    }
+    void isLeftAloneWhereItCanBeGrasped()
+    {
+        QFETCH(const QRect, place);
+        QFETCH(const bool, isLeft);
+        const QList<QRect> screens{leftScreen, rightScreen};
+        QCOMPARE(reachableOnScreens(place, screens), isLeft ? place : clampedToScreens(place, screens));
+    }
+
+    void theFrameIsOnTheScreenToo()
+    {
+        const QTemporaryDir folder;
+        StateFile state(folder.path());
+        QWidget window;
+        const QRect screen = window.screen()->availableGeometry();
+        window.resize(500, 400);
+        window.move(40, screen.bottom() - 399);
+        rememberPlace(window, state);
+        QWidget next;
+        restorePlace(next, state);
+        next.show();
+        TRY_VERIFY(next.frameGeometry() != next.geometry());
+        TRY_COMPARE(next.frameGeometry().bottom(), screen.bottom());
+        QCOMPARE(next.size(), QSize(500, 400));
+        next.move(40, screen.bottom() - 100); // the pilot's own doing
+        TRY_COMPARE(next.pos(), QPoint(40, screen.bottom() - 100));
     }
 
     void withoutAScreenItStaysAsItIs() { QCOMPARE(clampedToScreens(QRect(9, 9, 9, 9), {}), QRect(9, 9, 9, 9)); }

@@ -44,13 +44,16 @@ public:
     /// become pointless and goes.
     void setOnline(const QString &callsign);
     bool mustAsk() const { return !m_callsign.isEmpty() && !m_neverAgain; }
+    /// Holds until the program's end, which is later than this object's: whoever makes the next one hands it on.
+    bool isSilenced() const { return m_neverAgain; }
+    void setSilenced(bool silenced) { m_neverAgain = silenced; }
 
     /// Each asks, or does it at once when there is nothing to ask.
     Q_INVOKABLE void disconnectFromNetwork() { ask(Leaving::Disconnect); }
     Q_INVOKABLE void logOut() { ask(Leaving::LogOut); }
     void close() { ask(Leaving::Close); }
 
-    /// `neverAgain`: until the program's end.
+    /// `neverAgain`: see isSilenced().
     Q_INVOKABLE void accept(bool neverAgain);
     Q_INVOKABLE void reject();
 

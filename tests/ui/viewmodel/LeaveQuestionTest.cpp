@@ -64,6 +64,12 @@ private slots:
         const QSignalSpy closes(m_leave.get(), &LeaveQuestion::closeConfirmed);
         m_leave->close();
         QCOMPARE(closes.size(), 1);
+        QVERIFY(m_leave->isSilenced());
+        LeaveQuestion next;
+        next.setOnline(u"CES2352"_qs);
+        QVERIFY(next.mustAsk());
+        next.setSilenced(m_leave->isSilenced());
+        QVERIFY(!next.mustAsk());
     }
 
     void aNoIsNotRemembered()
