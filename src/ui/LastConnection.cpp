@@ -13,11 +13,6 @@ constexpr StringKey lastType{.key = "Connection/Type"};
 constexpr StringKey lastSelcal{.key = "Connection/Selcal"};
 constexpr qsizetype longestOffered = 12; ///< characters; longer ones were never accepted
 
-QString offered(const StateFile &state, const StringKey &key)
-{
-    return state.get(key).left(longestOffered);
-}
-
 } // namespace
 
 void rememberConnection(const model::ConnectInfo &info, StateFile &state)
@@ -30,9 +25,9 @@ void rememberConnection(const model::ConnectInfo &info, StateFile &state)
 
 void offerConnection(ServerPageViewModel &form, const StateFile &state)
 {
-    form.setCallsign(offered(state, lastCallsign));
-    form.setTypeCode(offered(state, lastType));
-    form.setSelcal(offered(state, lastSelcal));
+    form.setCallsign(state.get(lastCallsign).left(longestOffered));
+    form.setTypeCode(state.get(lastType).left(ServerPageViewModel::longestTypeCode()));
+    form.setSelcal(state.get(lastSelcal).left(ServerPageViewModel::longestSelcal()));
 }
 
 } // namespace tarvo::ui

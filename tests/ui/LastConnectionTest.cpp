@@ -42,8 +42,10 @@ private slots:
         row("no SELCAL", false, {u"CCA1"_qs, u"B738"_qs, {}}, {u"CCA1"_qs, u"B738"_qs, {}});
         row("an observer keeps the type", true, {u"CCA1"_qs, {}, {}}, {u"CCA1"_qs, u"A320"_qs, {}});
         row("an observer with a type", true, {u"CCA1"_qs, u"B738"_qs, {}}, {u"CCA1"_qs, u"B738"_qs, {}});
-        row("a file that somebody has written", false, {QString(900, u'X'), u"B738"_qs, {}},
-            {QString(12, u'X'), u"B738"_qs, {}});
+        row("a type that is written out", false, {u"CCA1"_qs, u"CESSNA SKYHAWK"_qs, {}},
+            {u"CCA1"_qs, u"CESSNA SKYHAWK"_qs, {}});
+        row("a file that somebody has written", false, {QString(900, u'X'), QString(900, u'Y'), QString(900, u'Z')},
+            {QString(12, u'X'), QString(40, u'Y'), QString(12, u'Z')});
     }
 
     void isOfferedAgain()

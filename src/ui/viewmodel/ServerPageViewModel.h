@@ -56,6 +56,8 @@ class ServerPageViewModel : public QObject
     Q_PROPERTY(QString callsign READ callsign WRITE setCallsign NOTIFY formChanged)
     Q_PROPERTY(QString typeCode READ typeCode WRITE setTypeCode NOTIFY formChanged)
     Q_PROPERTY(QString selcal READ selcal WRITE setSelcal NOTIFY formChanged)
+    Q_PROPERTY(int longestTypeCode READ longestTypeCode CONSTANT)
+    Q_PROPERTY(int longestSelcal READ longestSelcal CONSTANT)
     Q_PROPERTY(bool observerMode READ observerMode WRITE setObserverMode NOTIFY formChanged)
     Q_PROPERTY(bool coordinatedVoice READ coordinatedVoice WRITE setCoordinatedVoice NOTIFY formChanged)
     Q_PROPERTY(bool typeCodeRequired READ typeCodeRequired NOTIFY formChanged)
@@ -93,6 +95,9 @@ public:
     QString modeHintText() const { return m_modeHintText; }
     QString callsign() const { return m_callsign; }
     QString typeCode() const { return m_typeCode; }
+    /// Characters that the fields take. A type may be written out; a callsign has a rule of its own.
+    static int longestTypeCode() { return 40; }
+    static int longestSelcal() { return 12; }
     QString selcal() const { return m_selcal; }
     bool observerMode() const { return m_observerMode; }
     bool coordinatedVoice() const { return m_coordinatedVoice; }
