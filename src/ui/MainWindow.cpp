@@ -356,6 +356,10 @@ void MainWindow::updateProfile()
 
 void MainWindow::onLogoutClicked()
 {
+    // The session's end is the pilot's wish, and a window that goes makes no sound.
+    if (m_statusFeed)
+        m_statusFeed->networkLeaves();
+    m_sounds.setOn(false);
     emit logoutRequested();
 }
 
@@ -418,6 +422,7 @@ void MainWindow::onDisconnectRequested()
     // Told first: the session ends inside the call, and its end sets the last state.
     setServerState(m_server.serverConnected(), LinkState::Disconnecting);
     log(tr("正在断开 FSD 连接..."));
+    m_statusFeed->networkLeaves();
     m_network->disconnectFromNetwork();
     if (m_server.serverState() == LinkState::Disconnecting)
         setServerState(false, LinkState::Absent); // there was nothing to end

@@ -36,9 +36,6 @@ void StatusFeed::connectStates()
 
 void StatusFeed::connectWishes()
 {
-    const auto leaves = [this] { m_networkEndWished = true; };
-    connect(&m_from.dashboard, &DashboardViewModel::serverDisconnectRequest, this, leaves);
-    connect(&m_from.server, &ServerPageViewModel::disconnectRequested, this, leaves);
     connect(&m_from.dashboard, &DashboardViewModel::serverConnectRequest, this, &StatusFeed::networkBegins);
     connect(&m_from.server, &ServerPageViewModel::connectRequested, this, &StatusFeed::networkBegins);
     const auto wishes = [this] {
@@ -60,6 +57,7 @@ void StatusFeed::connectSession()
         m_error = {};
     });
     connect(network, &NetworkManager::networkDisconnected, this, &StatusFeed::onNetworkEnded);
+    connect(network, &NetworkManager::simulatorConnectionStateChanged, this, &StatusFeed::onSimulatorState);
     connect(network, &NetworkManager::simulatorConnectionFailed, this, &StatusFeed::onSimulatorFailed);
     connect(&m_network->voiceClient(), &voice::VoiceClient::errorOccurred, this, &StatusFeed::onVoiceError);
     connect(network, &NetworkManager::privateMessageReceived, this, &StatusFeed::attentionWanted);
@@ -74,17 +72,23 @@ void StatusFeed::networkBegins()
     m_status.forgetNetwork();
 }
 
+void StatusFeed::networkLeaves()
+{
+    m_networkEndWished = true;
+}
+
 void StatusFeed::onNotification(const QString &message, MessageType type)
 {
     if (type != MessageType::Error)
         return;
-    m_error = {tellingError(m_error.text, message), m_clock.steadyMs()};
+    m_error = tellingError(m_error, {message, m_clock.steadyMs()});
     if (!m_network->isBusy()) // a refusal: no session has begun that could end
         failNetwork(shownReason(message));
 }
 
 void StatusFeed::onNetworkEnded()
 {
+    m_voiceEndExpected = true;
     const bool wished = std::exchange(m_networkEndWished, false);
     const ToldError error = std::exchange(m_error, {});
     if (wished)
@@ -104,17 +108,22 @@ void StatusFeed::showSimulator()
     const bool connected = m_from.dashboard.simulatorConnected();
     m_status.setSimulator(connected, m_from.dashboard.simulatorState());
     const bool ended = std::exchange(m_simulatorWas, connected) && !connected;
-    const bool wished = m_simulatorEndWished;
-    if (connected || ended)
-        m_simulatorEndWished = false;
     if (!ended)
         return;
-    if (wished || !m_from.dashboard.serverConnected()) {
+    if (std::exchange(m_simulatorEndWished, false))
         m_status.forgetSimulator();
-        return;
-    }
+    else
+        loseSimulator();
+}
+
+void StatusFeed::loseSimulator()
+{
+    const bool isMissed = m_from.dashboard.serverConnected();
+    if (!isMissed)
+        m_status.forgetSimulator(); // that it was there: then it is red, but nobody is disturbed
     m_status.simulatorFailed(tr("模拟器不再发送数据。"));
-    emit attentionWanted();
+    if (isMissed)
+        emit attentionWanted();
 }
 
 void StatusFeed::showVoice()
@@ -123,13 +132,15 @@ void StatusFeed::showVoice()
     m_status.setVoice(voice.connected(), voice.linkState());
     const bool ended = std::exchange(m_voiceWas, voice.connected()) && !voice.connected();
     if (voice.isConnecting()) {
+        m_voiceEndExpected = false;
         m_voiceError = {};
+        m_from.voice.setFailure({});
         m_status.forgetVoice();
         return;
     }
-    if (!ended || !m_from.dashboard.serverConnected()) // the network's end is voice's, too
+    if (!ended || std::exchange(m_voiceEndExpected, false))
         return;
-    m_status.voiceFailed(reasonOfEnd(std::exchange(m_voiceError, {}), m_clock.steadyMs()));
+    failVoice(reasonOfEnd(std::exchange(m_voiceError, {}), m_clock.steadyMs()));
     emit attentionWanted();
 }
 
@@ -138,11 +149,26 @@ void StatusFeed::onVoiceError(const QString &error)
 {
     m_voiceError = {error, m_clock.steadyMs()};
     if (m_from.voice.attemptFailed())
-        m_status.voiceFailed(shownReason(error));
+        failVoice(shownReason(error));
+}
+
+void StatusFeed::failVoice(const QString &reason)
+{
+    m_from.voice.setFailure(reason);
+    m_status.voiceFailed(reason);
+}
+
+/// Whichever way the attempt ends, what comes after it wasn't wished; if the data flowed all along, no page hears of
+/// it.
+void StatusFeed::onSimulatorState(bool connected)
+{
+    if (connected)
+        m_simulatorEndWished = false;
 }
 
 void StatusFeed::onSimulatorFailed(const QString &message)
 {
+    m_simulatorEndWished = false;
     if (!m_from.dashboard.simulatorConnected())
         m_status.simulatorFailed(message);
 }

@@ -2,7 +2,7 @@
 
 #include "common/Clock.h"
 #include "common/MessageType.h"
-#include "ui/viewmodel/ConnectionStatus.h"
+#include "ui/viewmodel/EndReason.h"
 
 #include <QObject>
 #include <QString>
@@ -31,7 +31,8 @@ struct StatusSources
 };
 
 /// Tells what is always in sight how the connections are, and why one ended if that wasn't the pilot's wish. To be made
-/// when whoever sets the sources' state texts has been connected.
+/// when the sources, and whoever feeds them, have been connected: where both hear a signal, what has ended is known by
+/// the source, which must have changed first.
 class StatusFeed : public QObject
 {
     Q_OBJECT
@@ -43,6 +44,9 @@ public:
 
     /// An attempt begins.
     void networkBegins();
+    /// The pilot's wish to leave is about to be carried out. Not told when he utters it: until then the session may end
+    /// by itself, or begin.
+    void networkLeaves();
 
 signals:
     /// Something happened that the pilot should look at: a private text, SELCAL, a lost connection.
@@ -53,10 +57,13 @@ private:
     void connectWishes();
     void connectSession();
     void showSimulator();
+    void loseSimulator();
     void showVoice();
     void onVoiceError(const QString &error);
+    void failVoice(const QString &reason);
     void onNotification(const QString &message, common::MessageType type);
     void onNetworkEnded();
+    void onSimulatorState(bool connected);
     void onSimulatorFailed(const QString &message);
     void failNetwork(const QString &reason);
 
@@ -68,7 +75,8 @@ private:
     ToldError m_voiceError;
     // The pilot has asked for what ends a connection. Holds until it has ended, or is up.
     bool m_networkEndWished = false;
-    bool m_simulatorEndWished = false;
+    bool m_simulatorEndWished = false; ///< or until the attempt has failed
+    bool m_voiceEndExpected = false;   ///< the network's end takes voice with it
     // What was shown last.
     bool m_simulatorWas = false;
     bool m_voiceWas = false;

@@ -37,6 +37,51 @@ private slots:
         QCOMPARE(m_attention, 0);
     }
 
+    void aLogoutIsNoFailureAndMakesNoSound()
+    {
+        connectAndAccept();
+        const QSignalSpy played(&m_stage->window.sounds(), &ui::SoundPlayer::played);
+        m_stage->window.onLogoutClicked();
+        m_stage->network->disconnectFromNetwork(); // as the program does then
+        QCOMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        QCOMPARE(m_stage->server().failureText(), QString());
+        QCOMPARE(m_attention, 0);
+        QCOMPARE(played.size(), 0);
+    }
+
+    void aWishToLeaveOutlivesALoginThatIsAcceptedMeanwhile()
+    {
+        startSession();
+        watchAttention();
+        m_stage->server().requestDisconnect();
+        emit m_stage->network->networkConnected(u"CES2352"_qs); // before the wish is carried out
+        MainStage::answer();
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        QCOMPARE(m_stage->server().failureText(), QString());
+        QCOMPARE(m_attention, 0);
+    }
+
+    void aServersRefusalOutlivesItsClose_data()
+    {
+        QTest::addColumn<QByteArray>("says");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("wrong password") << QByteArray("$ERSERVER:CES2352:006::Invalid CID/password")
+                                        << u"服务器报告：Invalid CID/password"_qs;
+        QTest::newRow("callsign in use") << QByteArray("$ERSERVER:CES2352:001::Callsign in use")
+                                         << u"服务器报告：Callsign in use"_qs;
+    }
+    void aServersRefusalOutlivesItsClose()
+    {
+        QFETCH(const QByteArray, says);
+        QFETCH(const QString, reason);
+        startSession();
+        serverSays(says);
+        m_peer->disconnectFromHost();
+        TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
+        QCOMPARE(m_stage->server().failureText(), reason);
+        QCOMPARE(banner(), u"网络连接失败："_qs + reason);
+    }
+
     void aKillIsToldWithItsReason()
     {
         connectAndAccept();
@@ -52,7 +97,7 @@ private slots:
         m_stage->config.set(config::authVatsim, true);
         startSession();
         serverSays("$DISERVER:CLIENT:VATSIM FSD V3.53a:abcdef01"); // the account has no token to give
-        const QString reason = u"网络认证失败：No JWT token found, get FSD token fail"_qs;
+        const QString reason = u"网络认证失败：没有登录令牌，请退出后重新登录。"_qs;
         TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开（强制）"_qs);
         QCOMPARE(m_stage->server().failureText(), reason);
         QCOMPARE(banner(), u"网络连接失败："_qs + reason);
@@ -112,9 +157,12 @@ private slots:
         QTest::addColumn<bool>("online");
         QTest::addColumn<bool>("wished");
         QTest::addColumn<QString>("banner");
-        QTest::newRow("on the network") << true << false << u"模拟器已断开：模拟器不再发送数据。"_qs;
-        QTest::newRow("after the flight") << false << false << QString();
-        QTest::newRow("asked for anew") << true << true << QString();
+        QTest::addColumn<QString>("line");
+        const QString reason = u"模拟器不再发送数据。"_qs;
+        QTest::newRow("on the network") << true << false << u"模拟器已断开："_qs + reason
+                                        << u"failed 未连接 "_qs + reason;
+        QTest::newRow("after the flight") << false << false << QString() << u"failed 未连接 "_qs + reason;
+        QTest::newRow("asked for anew") << true << true << QString() << u"quiet 未连接"_qs;
     }
     void aLostSimulatorIsToldWhileOnTheNetwork()
     {
@@ -124,8 +172,31 @@ private slots:
         emit m_stage->network->simulatorConnectionStateChanged(true);
         if (wished)
             m_stage->dashboard().requestSimulatorReconnect();
+        watchAttention();
         emit m_stage->network->simulatorConnectionStateChanged(false);
         QTEST(banner(), "banner");
+        QTEST(simulatorLine(), "line");
+        QCOMPARE(m_attention, online && !wished ? 1 : 0);
+    }
+
+    void aWishEndsWithItsAttempt_data()
+    {
+        QTest::addColumn<bool>("failed");
+        QTest::newRow("that fails") << true;
+        QTest::newRow("that succeeds") << false;
+    }
+    void aWishEndsWithItsAttempt()
+    {
+        QFETCH(const bool, failed);
+        m_stage->dashboard().setServerState(true, LinkState::Connected);
+        emit m_stage->network->simulatorConnectionStateChanged(true);
+        m_stage->dashboard().requestSimulatorReconnect(); // which ends nothing: the data flow all along
+        if (failed)
+            emit m_stage->network->simulatorConnectionFailed(u"插件没有应答"_qs);
+        else
+            emit m_stage->network->simulatorConnectionStateChanged(true);
+        emit m_stage->network->simulatorConnectionStateChanged(false); // an hour later
+        QCOMPARE(banner(), u"模拟器已断开：模拟器不再发送数据。"_qs);
     }
 
     void thePagesButtonForAnotherAttemptIsAWish()
@@ -164,10 +235,12 @@ private slots:
         voiceIs(ConnectionState::Connecting);
         QCOMPARE(voiceLine(), u"pending 连接中..."_qs);
         emit voice().errorOccurred(u"Failed to connect to server at v.test (ip=127.0.0.1): refused (errno=1)"_qs);
-        const QString reason = u"无法连接语音服务器：v.test (ip=127.0.0.1): refused (errno=1)"_qs;
+        const QString reason = u"无法连接语音服务器 v.test：错误 1。"_qs;
         QCOMPARE(voiceLine(), u"failed 连接失败 "_qs + reason);
+        QCOMPARE(m_stage->window.voice().failureText(), reason);
         m_stage->window.voice().connectToVoiceServer(); // the next one
         QCOMPARE(voiceLine(), u"pending 连接中..."_qs);
+        QCOMPARE(m_stage->window.voice().failureText(), QString());
         voiceIs(ConnectionState::Connected);
         QCOMPARE(voiceLine(), u"good 已连接"_qs);
     }
@@ -175,26 +248,26 @@ private slots:
     void aLostVoiceIsTold_data()
     {
         QTest::addColumn<QString>("said");
-        QTest::addColumn<bool>("online");
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<int>("attention");
-        QTest::newRow("without a word") << QString() << true << u"failed 未连接 与服务器的连接中断。"_qs << 1;
-        QTest::newRow("with a reason") << u"bye"_qs << true << u"failed 未连接 bye"_qs << 1;
-        QTest::newRow("after the flight") << u"bye"_qs << false << u"quiet 未连接"_qs << 0;
+        QTest::addColumn<ConnectionState>("from");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("without a word") << QString() << ConnectionState::Ready << u"与服务器的连接中断。"_qs;
+        QTest::newRow("with a reason") << u"bye"_qs << ConnectionState::Ready << u"bye"_qs;
+        QTest::newRow("refused") << u"bad token"_qs << ConnectionState::Connected << u"bad token"_qs;
     }
     void aLostVoiceIsTold()
     {
         QFETCH(QString, said);
-        QFETCH(bool, online);
+        QFETCH(ConnectionState, from);
+        QFETCH(QString, reason);
         watchAttention();
-        m_stage->dashboard().setServerState(online, LinkState::Connected);
-        voiceIs(ConnectionState::Ready);
+        voiceIs(from); // on the network or not
         if (!said.isEmpty())
             emit voice().errorOccurred(said);
-        QCOMPARE(voiceLine(), u"good 就绪"_qs);
+        QVERIFY(voiceLine().startsWith(u"good "_qs));
         voiceIs(ConnectionState::Disconnected);
-        QTEST(voiceLine(), "line");
-        QTEST(m_attention, "attention");
+        QCOMPARE(voiceLine(), u"failed 未连接 "_qs + reason);
+        QCOMPARE(m_stage->window.voice().failureText(), reason);
+        QCOMPARE(m_attention, 1);
         m_stage->window.status().setCurrentSection(u"voice"_qs);
         QCOMPARE(voiceLine(), u"quiet 未连接"_qs);
     }
@@ -208,6 +281,11 @@ private slots:
         TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开"_qs);
         voiceIs(ConnectionState::Disconnected);
         QCOMPARE(voiceLine(), u"quiet 未连接"_qs);
+        QCOMPARE(m_stage->window.voice().failureText(), QString());
+        voiceIs(ConnectionState::Connecting);
+        voiceIs(ConnectionState::Ready);
+        voiceIs(ConnectionState::Disconnected); // by itself
+        QCOMPARE(voiceLine(), u"failed 未连接 与服务器的连接中断。"_qs);
     }
 
     void aPrivateTextAndSelcalAskForAttention()
@@ -236,10 +314,12 @@ private:
 
     voice::VoiceClient &voice() const { return m_stage->network->voiceClient(); }
     void voiceIs(ConnectionState state) const { emit voice().connectionStateChanged(state); }
+    QString simulatorLine() const { return lineText(1); }
+    QString voiceLine() const { return lineText(2); }
     /// "tone word reason"
-    QString voiceLine() const
+    QString lineText(int row) const
     {
-        const ui::StatusLine &line = m_stage->window.status().lines().at(2);
+        const ui::StatusLine &line = m_stage->window.status().lines().at(row);
         return QStringList{ui::toneText(line.tone), line.word, line.reason}.join(u' ').trimmed();
     }
 

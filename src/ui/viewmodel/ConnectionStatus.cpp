@@ -40,38 +40,6 @@ const StateLook &lookOf(LinkState state)
                          [state](const StateLook &look) { return look.state == state; });
 }
 
-/// The beginning of a reason as it is told, and what the pilot reads instead. "%1" is the rest.
-struct Reason
-{
-    const char *begins;
-    const char *shown;
-};
-
-constexpr Reason reasons[] = {
-    {"Already connected or connecting to network.",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "已连接或正在连接网络，请先断开再更换呼号。")},
-    {"Callsign is required for observer mode.",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "观察员模式需要填写呼号。")},
-    {"Callsign and Type Code are required.",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "需要填写呼号和机型代码。")},
-    {"Invalid callsign.",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "呼号无效：只能使用 A-Z、0-9 和下划线，不能包含空格或中文。")},
-    {"The server does not read what it is sent.",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器不再接收数据。")},
-    {"Network authentication error: ", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "网络认证失败：%1")},
-    {"Network Error: ", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器报告：%1")},
-    {"Forcibly disconnected from network: ", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "被强制断开：%1")},
-    {"Forcibly disconnected from network.", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "被强制断开。")},
-    {"ConnectionRefusedError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器拒绝了连接。")},
-    {"RemoteHostClosedError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器关闭了连接。")},
-    {"HostNotFoundError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "找不到服务器的地址。")},
-    {"SocketTimeoutError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "服务器没有应答。")},
-    {"NetworkError", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "网络不通，请检查本机的网络连接。")},
-    {"Failed to resolve server address ",
-     QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "找不到语音服务器的地址：%1")},
-    {"Failed to connect to server at ", QT_TRANSLATE_NOOP("tarvo::ui::ConnectionStatus", "无法连接语音服务器：%1")},
-};
-
 } // namespace
 
 QString toneText(Tone tone)
@@ -88,32 +56,6 @@ QString textOf(LinkState state)
 Tone toneOf(LinkState state)
 {
     return lookOf(state).tone;
-}
-
-QString shownReason(const QString &told)
-{
-    for (const Reason &reason : reasons) {
-        const QLatin1String begins(reason.begins);
-        if (!told.startsWith(begins))
-            continue;
-        const QString shown = ConnectionTexts::tr(reason.shown);
-        return shown.contains(QLatin1String("%1")) ? shown.arg(told.mid(begins.size())) : shown;
-    }
-    return told;
-}
-
-QString tellingError(const QString &before, const QString &next)
-{
-    const bool isToldAgain = before.startsWith(QLatin1String("Network authentication error: ")) &&
-                             next.startsWith(QLatin1String("Forcibly disconnected from network"));
-    return isToldAgain ? before : next;
-}
-
-QString reasonOfEnd(const ToldError &error, qint64 now)
-{
-    if (error.text.isEmpty() || now - error.at > errorExplainsForMs)
-        return ConnectionTexts::tr("与服务器的连接中断。");
-    return shownReason(error.text);
 }
 
 StatusLine lineOf(const Link &link)

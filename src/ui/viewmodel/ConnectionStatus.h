@@ -34,26 +34,6 @@ enum class LinkState
 QString textOf(LinkState state);
 Tone toneOf(LinkState state);
 
-/// Why a connection failed, in the pilot's language where the words are the program's own; a server's words stay as
-/// they are.
-QString shownReason(const QString &told);
-
-/// Which of two errors, one told after the other, explains an end. A refused token is told once more as a forced end.
-QString tellingError(const QString &before, const QString &next);
-
-/// How long an error explains an end that follows it, ms. A server tells why, then closes.
-constexpr qint64 errorExplainsForMs = 10'000;
-
-/// An error, and the steady time at which it was told, ms. Without a text there was none.
-struct ToldError
-{
-    QString text;
-    qint64 at = 0;
-};
-
-/// Why a connection has ended: the last error, if it came shortly before. `now`: steady, ms.
-QString reasonOfEnd(const ToldError &error, qint64 now);
-
 /// What the sidebar says of one connection.
 struct StatusLine
 {

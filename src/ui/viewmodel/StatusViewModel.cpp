@@ -1,8 +1,12 @@
 #include "ui/viewmodel/StatusViewModel.h"
 
+#include "ui/viewmodel/ShownText.h"
+
 namespace tarvo::ui {
 
 namespace {
+constexpr qsizetype longestToldReason = 200; ///< characters; a server may tell thousands
+
 constexpr Role<StatusLine> lineRoles[] = {
     {"section", member<&StatusLine::section>},
     {"name", member<&StatusLine::name>},
@@ -80,7 +84,7 @@ void StatusViewModel::setState(Link &link, bool connected, LinkState state)
 
 void StatusViewModel::fail(Link &link, const QString &reason)
 {
-    link.reason = reason;
+    link.reason = shownText(reason, longestToldReason);
     link.seen = false;
     update();
 }
@@ -102,22 +106,22 @@ void StatusViewModel::setCurrentSection(const QString &section)
     update();
 }
 
+/// The page that tells of it, or the banner, has told the pilot.
 void StatusViewModel::see(const QString &section)
 {
     for (Link *link : {&m_network, &m_simulator, &m_voice}) {
+        if (link->section != section)
+            continue;
+        link->wasUp = link->connected; // another failure of the same outage is no loss again
         // A simulator that can't be reached stays red: nothing has been lost that could be forgotten.
         const bool staysRed = link == &m_simulator && link->state == LinkState::Failed;
-        if (link->section == section && !staysRed)
-            link->seen = true;
+        link->seen = link->seen || !staysRed;
     }
 }
 
 void StatusViewModel::dismissBanner()
 {
-    for (Link *link : {&m_network, &m_simulator, &m_voice}) {
-        if (link->section == m_banner.section)
-            link->seen = true;
-    }
+    see(m_banner.section);
     update();
 }
 

@@ -173,6 +173,13 @@ void VoiceServiceViewModel::setAttemptFailed(bool failed)
         emit connectStateChanged();
 }
 
+void VoiceServiceViewModel::setFailure(const QString &reason)
+{
+    const QString shown = shownText(reason, longestEvent);
+    if (std::exchange(m_failureText, shown) != shown)
+        emit failureChanged();
+}
+
 void VoiceServiceViewModel::onError(const QString &error)
 {
     addEvent(QStringLiteral("ERROR: ") + error);

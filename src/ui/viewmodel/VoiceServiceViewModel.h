@@ -63,6 +63,7 @@ class VoiceServiceViewModel : public QObject
     Q_PROPERTY(QString connectionStateText READ connectionStateText NOTIFY connectStateChanged)
     Q_PROPERTY(QString connectionTone READ connectionTone NOTIFY connectStateChanged)
     Q_PROPERTY(bool canTest READ canTest NOTIFY connectStateChanged)
+    Q_PROPERTY(QString failureText READ failureText NOTIFY failureChanged)
     Q_PROPERTY(QString callsign READ callsign NOTIFY connectStateChanged)
     Q_PROPERTY(QString com1Freq READ com1Freq NOTIFY com1InfoChanged)
     Q_PROPERTY(bool com1TX READ com1TX NOTIFY com1InfoChanged)
@@ -106,6 +107,8 @@ public:
     bool isConnecting() const { return m_state == voice::ConnectionState::Connecting && !m_attemptFailed; }
     /// The last attempt has failed, and there is no other. The state and its text stay at Connecting all the same.
     bool attemptFailed() const { return m_attemptFailed; }
+    /// Why the last attempt failed or the connection ended; empty from the next attempt on.
+    QString failureText() const { return m_failureText; }
     /// The devices can be tested only while nothing else uses them.
     bool canTest() const { return m_client && m_state == voice::ConnectionState::Disconnected; }
     QString callsign() const { return m_callsign; } ///< "Unknown" until the server has greeted
@@ -144,6 +147,8 @@ public:
     int miniBottom() const { return m_miniCorner.y(); }
     void setMiniMode(bool open);
 
+    /// Cut to what the page has room for.
+    void setFailure(const QString &reason);
     /// A line on top of the event log, which keeps 100.
     void addEvent(const QString &text);
     /// The server has silenced this client: lets the key go. The next press counts again.
@@ -169,6 +174,7 @@ public slots:
 
 signals:
     void connectStateChanged();
+    void failureChanged();
     void com1InfoChanged();
     void com2InfoChanged();
     void eventLogChanged();
@@ -211,6 +217,7 @@ private:
 
     voice::ConnectionState m_state = voice::ConnectionState::Disconnected;
     bool m_attemptFailed = false;
+    QString m_failureText;
     QString m_callsign;
     VoiceRadio m_com1;
     VoiceRadio m_com2;

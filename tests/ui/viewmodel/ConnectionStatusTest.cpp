@@ -35,7 +35,7 @@ Link voiceLink(LinkState state, bool seen, bool wasUp)
 
 } // namespace
 
-/// The colours of the dots, the words for what went wrong, and what the banner says.
+/// The colours of the dots, and what the banner says.
 class ConnectionStatusTest : public QObject
 {
     Q_OBJECT
@@ -63,74 +63,6 @@ private slots:
         QFETCH(LinkState, state);
         QTEST(textOf(state), "text");
         QTEST(toneText(toneOf(state)), "tone");
-    }
-
-    void reasons_data()
-    {
-        QTest::addColumn<QString>("told");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("the server's words stay")
-            << u"Network Error: Callsign in use"_qs << u"服务器报告：Callsign in use"_qs;
-        QTest::newRow("refused") << u"ConnectionRefusedError: Connection refused"_qs << u"服务器拒绝了连接。"_qs;
-        QTest::newRow("closed") << u"RemoteHostClosedError: The remote host closed the connection"_qs
-                                << u"服务器关闭了连接。"_qs;
-        QTest::newRow("no such name") << u"HostNotFoundError: Host not found"_qs << u"找不到服务器的地址。"_qs;
-        QTest::newRow("no answer") << u"SocketTimeoutError: timed out"_qs << u"服务器没有应答。"_qs;
-        QTest::newRow("no network") << u"NetworkError: unreachable"_qs << u"网络不通，请检查本机的网络连接。"_qs;
-        QTest::newRow("token") << u"Network authentication error: 403"_qs << u"网络认证失败：403"_qs;
-        QTest::newRow("killed") << u"Forcibly disconnected from network: bye %1"_qs << u"被强制断开：bye %1"_qs;
-        QTest::newRow("killed without a word") << u"Forcibly disconnected from network."_qs << u"被强制断开。"_qs;
-        QTest::newRow("busy") << u"Already connected or connecting to network. Disconnect before changing callsign."_qs
-                              << u"已连接或正在连接网络，请先断开再更换呼号。"_qs;
-        QTest::newRow("no callsign") << u"Callsign and Type Code are required."_qs << u"需要填写呼号和机型代码。"_qs;
-        QTest::newRow("no voice server of that name")
-            << u"Failed to resolve server address v.test"_qs << u"找不到语音服务器的地址：v.test"_qs;
-        QTest::newRow("no voice server") << u"Failed to connect to server at v.test (ip=::1): no (errno=1)"_qs
-                                         << u"无法连接语音服务器：v.test (ip=::1): no (errno=1)"_qs;
-        QTest::newRow("Chinese already") << u"飞行员模式连接 FSD 前"_qs << u"飞行员模式连接 FSD 前"_qs;
-        QTest::newRow("something else") << u"what Network Error: is"_qs << u"what Network Error: is"_qs;
-        QTest::newRow("nothing") << QString() << QString();
-    }
-    void reasons()
-    {
-        QFETCH(QString, told);
-        QTEST(shownReason(told), "shown");
-    }
-
-    void whichErrorTells_data()
-    {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("next");
-        QTest::addColumn<bool>("isFirst");
-        const QString token = u"Network authentication error: banned"_qs;
-        const QString forced = u"Forcibly disconnected from network: banned"_qs;
-        QTest::newRow("the only one") << QString() << forced << false;
-        QTest::newRow("refused token") << token << forced << true;
-        QTest::newRow("refused token without a reason") << token << u"Forcibly disconnected from network."_qs << true;
-        QTest::newRow("something new behind it") << token << u"RemoteHostClosedError: closed"_qs << false;
-        QTest::newRow("kill behind a server's error") << u"Network Error: bad"_qs << forced << false;
-    }
-    void whichErrorTells()
-    {
-        QFETCH(QString, before);
-        QFETCH(QString, next);
-        QFETCH(bool, isFirst);
-        QCOMPARE(tellingError(before, next), isFirst ? before : next);
-    }
-
-    void anErrorExplainsAnEndThatFollowsSoon_data()
-    {
-        QTest::addColumn<qint64>("now");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("at once") << 1000LL << u"服务器报告：bye"_qs;
-        QTest::newRow("10 s later") << 11'000LL << u"服务器报告：bye"_qs;
-        QTest::newRow("later still") << 11'001LL << u"与服务器的连接中断。"_qs;
-    }
-    void anErrorExplainsAnEndThatFollowsSoon()
-    {
-        QFETCH(qint64, now);
-        QTEST(reasonOfEnd({u"Network Error: bye"_qs, 1000}, now), "reason");
-        QCOMPARE(reasonOfEnd({{}, 1000}, now), u"与服务器的连接中断。"_qs);
     }
 
     void lines_data()

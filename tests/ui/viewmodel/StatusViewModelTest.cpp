@@ -62,6 +62,33 @@ private slots:
         QCOMPARE(changed.size(), 2);
     }
 
+    void aSeenLossIsNotToldAsALossAgain_data()
+    {
+        QTest::addColumn<QString>("section"); ///< none: the cross
+        QTest::newRow("by the cross") << QString();
+        QTest::newRow("by its page") << u"simulator"_qs;
+    }
+    void aSeenLossIsNotToldAsALossAgain()
+    {
+        QFETCH(const QString, section);
+        loseSimulator();
+        if (section.isEmpty())
+            m_status->dismissBanner();
+        else
+            m_status->setCurrentSection(section);
+        m_status->simulatorFailed(u"not there"_qs); // an attempt in the same outage
+        QCOMPARE(m_status->bannerText(), QString());
+        QCOMPARE(line(1), u"! 模拟器 未连接 not there"_qs);
+        loseSimulator(); // it was back meanwhile
+        QCOMPARE(m_status->bannerText(), u"模拟器已断开：gone"_qs);
+    }
+
+    void aServersReasonIsCut()
+    {
+        m_status->networkFailed(QString(9000, u'x') + u'\n');
+        QCOMPARE(m_status->bannerText(), u"网络连接失败："_qs + QString(200, u'x'));
+    }
+
     void aNewBeginningEndsIt()
     {
         loseNetwork();
@@ -125,6 +152,17 @@ private slots:
         m_status->forgetSimulator();
         m_status->setSimulator(false, LinkState::Connecting);
         QCOMPARE(line(1), u"模拟器 连接中..."_qs);
+    }
+
+    void theCrossLeavesItRed()
+    {
+        loseSimulator();
+        m_status->setSimulator(false, LinkState::Failed);
+        m_status->simulatorFailed(u"not started"_qs);
+        QCOMPARE(m_status->bannerText(), u"模拟器已断开：not started"_qs);
+        m_status->dismissBanner();
+        QCOMPARE(m_status->bannerText(), QString());
+        QCOMPARE(line(1), u"! 模拟器 连接失败 not started"_qs);
     }
 
     void voiceHasItsLine()
