@@ -1,6 +1,7 @@
 #include "PageHarness.h"
 
 #include "model/RadioStackState.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -330,6 +331,8 @@ void PageHarness::settle()
 void PageHarness::click(QQuickItem *item)
 {
     QVERIFY(item);
+    if (const QVariant settled = item->property("settled"); settled.isValid()) // else it takes this for a double click
+        TRY_VERIFY(item->property("settled").toBool());
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
 }

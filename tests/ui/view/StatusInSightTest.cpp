@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QObject>
 #include <QSignalSpy>
+#include <QStyleHints>
 #include <QTest>
 
 #include <memory>
@@ -138,6 +139,83 @@ private slots:
         QCOMPARE(ends.size(), 1);
     }
 
+    void aDoubleClickOnTheButtonIsOne_data()
+    {
+        QTest::addColumn<bool>("online");
+        QTest::newRow("connect") << false;
+        QTest::newRow("disconnect, without a question") << true;
+    }
+    void aDoubleClickOnTheButtonIsOne()
+    {
+        QFETCH(const bool, online);
+        using Server = ServerPageViewModel;
+        Server &server = m_harness->server();
+        m_harness->openSection(u"服务器"_qs);
+        server.setCallsign(u"CES2352"_qs);
+        server.setObserverMode(true);
+        server.setServerState(online, online ? LinkState::Connected : LinkState::Absent);
+        // As the window answers.
+        const auto show = [&](bool isOnline) {
+            server.setServerState(false, isOnline ? LinkState::Connecting : LinkState::Ended);
+        };
+        QObject::connect(&server, &Server::connectRequested, &server, [&] { show(true); });
+        QObject::connect(&server, &Server::disconnectRequested, &server, [&] { show(false); });
+        const QSignalSpy connects(&server, &Server::connectRequested);
+        const QSignalSpy ends(&server, &Server::disconnectRequested);
+        doubleClick(u"connectButton"_qs);
+        QCOMPARE(connects.size(), online ? 0 : 1);
+        QCOMPARE(ends.size(), online ? 1 : 0);
+    }
+
+    void aDoubleClickOnTheBannerIsOne()
+    {
+        m_harness->status().setSimulator(true, LinkState::Connected);
+        m_harness->status().setSimulator(false, LinkState::Absent);
+        m_harness->status().simulatorFailed(u"模拟器不再发送数据。"_qs);
+        loseNetwork();
+        m_harness->settle();
+        const QSignalSpy network(&m_harness->status(), &StatusViewModel::networkReconnectRequested);
+        const QSignalSpy simulator(&m_harness->status(), &StatusViewModel::simulatorReconnectRequested);
+        doubleClick(u"bannerAction"_qs);
+        QCOMPARE(network.size(), 1);
+        QCOMPARE(simulator.size(), 0); // whose banner has come up beneath
+        QCOMPARE(m_harness->status().bannerText(), u"模拟器已断开：模拟器不再发送数据。"_qs);
+    }
+
+    void aLongReasonLeavesTheBannersButtonsInTheWindow_data()
+    {
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("Chinese") << QString(9000, u'长');
+        QTest::newRow("wide") << QString(9000, u'W');
+        QTest::newRow("line breaks") << u"x\n"_qs.repeated(900);
+    }
+    void aLongReasonLeavesTheBannersButtonsInTheWindow()
+    {
+        QFETCH(const QString, reason);
+        m_harness->status().networkFailed(reason);
+        m_harness->settle();
+        QVERIFY(m_harness->item(u"noticeBanner"_qs)->height() < 150);
+        for (const QString &name : {u"bannerAction"_qs, u"bannerClose"_qs}) {
+            const QQuickItem *item = m_harness->item(name);
+            QVERIFY(QRectF(m_harness->view.geometry().translated(-m_harness->view.position()))
+                        .contains(item->mapRectToScene(item->boundingRect())));
+        }
+    }
+
+    void whyVoiceFailedIsUnderItsButton()
+    {
+        m_harness->openSection(u"语音服务"_qs);
+        QVERIFY(!m_harness->item(u"voiceFailure"_qs));
+        m_harness->voice().setFailure(u"bad token"_qs);
+        m_harness->settle();
+        const QQuickItem *reason = m_harness->item(u"voiceFailure"_qs);
+        const QQuickItem *button = m_harness->item(u"voiceConnectButton"_qs);
+        QVERIFY(reason && button);
+        QCOMPARE(reason->property("text").toString(), u"bad token"_qs);
+        QVERIFY(reason->mapToScene({}).y() >= button->mapToScene(QPointF(0, button->height())).y());
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+    }
+
     void onlyWhatIsWrongIsRed()
     {
         m_harness->openSection(u"服务器"_qs);
@@ -163,6 +241,18 @@ private slots:
     }
 
 private:
+    void doubleClick(const QString &name)
+    {
+        const QQuickItem *item = m_harness->item(name);
+        TRY_VERIFY(item->property("settled").toBool());
+        QStyleHints *hints = QGuiApplication::styleHints();
+        const int interval = hints->mouseDoubleClickInterval();
+        hints->setMouseDoubleClickInterval(60'000); // however slow the machine is
+        QTest::mouseDClick(&m_harness->view, Qt::LeftButton, {},
+                           item->mapToScene({item->width() / 2, item->height() / 2}).toPoint());
+        hints->setMouseDoubleClickInterval(interval);
+    }
+
     void loseNetwork()
     {
         m_harness->status().setNetwork(true, LinkState::Connected);

@@ -34,19 +34,22 @@ Rectangle {
         ReasonText {
             objectName: "bannerText"
             Layout.fillWidth: true
+            Layout.maximumHeight: 120 // the button stays in the window
+            clip: true
             text: banner.status ? banner.status.bannerText : ""
             font.weight: Font.DemiBold
         }
 
-        CustomButton {
+        SteadyButton {
             objectName: "bannerAction"
+            meaning: banner.status ? banner.status.bannerText : ""
             implicitHeight: 32
             leftPadding: Style.spacingMedium
             rightPadding: Style.spacingMedium
             primary: true
             text: banner.status ? banner.status.bannerActionText : ""
             font.pixelSize: Style.fontSmall
-            onClicked: banner.status.act()
+            onMeant: banner.status.act()
         }
 
         Pressable {

@@ -65,6 +65,7 @@ Card {
                     Layout.fillWidth: true
                     enabled: !form.connected
                     server: form.server
+                    maximumLength: form.server ? form.server.longestTypeCode : 0
                     placeholderText: (form.server ? form.server.typeCodeRequired : true) ? qsTr("必填") : qsTr("选填")
                     onAccepted: form.submit()
                 }
@@ -87,6 +88,7 @@ Card {
                     Accessible.name: "SELCAL"
                     Layout.fillWidth: true
                     enabled: !form.connected
+                    maximumLength: form.server ? form.server.longestSelcal : 0
                     text: form.server ? form.server.selcal : ""
                     placeholderText: "AB-CD"
                     font.capitalization: Font.AllUppercase
@@ -124,14 +126,15 @@ Card {
             }
         }
 
-        CustomButton {
+        SteadyButton {
             objectName: "connectButton"
+            meaning: form.ends ? "end" : "connect"
             Layout.fillWidth: true
             primary: true
             accentColor: form.ends ? Style.endsSession : Style.primary
             enabled: form.server ? form.server.buttonEnabled : false
             text: form.server ? form.server.buttonText : "--"
-            onClicked: form.submitOrDisconnect()
+            onMeant: form.submitOrDisconnect()
         }
 
         AppText {

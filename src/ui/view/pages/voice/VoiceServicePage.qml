@@ -45,6 +45,14 @@ ColumnLayout {
         }
     }
 
+    ReasonText {
+        objectName: "voiceFailure"
+        Layout.fillWidth: true
+        visible: text.length > 0
+        text: page.voice ? page.voice.failureText : ""
+        horizontalAlignment: TextEdit.AlignRight // under the button
+    }
+
     ScrollingColumn {
         objectName: "voiceScroll"
         Layout.fillWidth: true
