@@ -14,86 +14,45 @@ constexpr Role<StatusLine> lineRoles[] = {
     {"tone", [](const StatusLine &row) -> QVariant { return toneText(row.tone); }},
     {"reason", member<&StatusLine::reason>},
 };
+void startOver(Link &link)
+{
+    link.wasUp = link.connected;
+    link.reason.clear();
+    link.seen = true;
+}
 } // namespace
 
 StatusViewModel::StatusViewModel(QObject *parent)
     : QObject(parent),
-      m_network{.section = QStringLiteral("server"), .name = tr("网络")},
-      m_simulator{.section = QStringLiteral("simulator"), .name = tr("模拟器")},
-      m_voice{.section = QStringLiteral("voice"), .name = tr("语音")},
+      m_links{Link{.section = QStringLiteral("server"), .name = tr("网络")},
+              Link{.section = QStringLiteral("simulator"), .name = tr("模拟器")},
+              Link{.section = QStringLiteral("voice"), .name = tr("语音")}},
       m_lines(lineRoles)
 {
     update();
 }
 
-void StatusViewModel::setNetwork(bool connected, LinkState state)
+void StatusViewModel::setState(Kind kind, bool connected, LinkState state)
 {
-    setState(m_network, connected, state);
-}
-
-void StatusViewModel::setSimulator(bool connected, LinkState state)
-{
-    setState(m_simulator, connected, state);
-}
-
-void StatusViewModel::setVoice(bool connected, LinkState state)
-{
-    setState(m_voice, connected, state);
-}
-
-void StatusViewModel::networkFailed(const QString &reason)
-{
-    fail(m_network, reason);
-}
-
-void StatusViewModel::simulatorFailed(const QString &reason)
-{
-    fail(m_simulator, reason);
-}
-
-void StatusViewModel::voiceFailed(const QString &reason)
-{
-    fail(m_voice, reason);
-}
-
-void StatusViewModel::forgetNetwork()
-{
-    forget(m_network);
-}
-
-void StatusViewModel::forgetSimulator()
-{
-    forget(m_simulator);
-}
-
-void StatusViewModel::forgetVoice()
-{
-    forget(m_voice);
-}
-
-void StatusViewModel::setState(Link &link, bool connected, LinkState state)
-{
+    Link &link = m_links.at(kind);
     link.connected = connected;
     link.state = state;
-    if (connected) {
-        link.wasUp = true;
-        forget(link);
-    }
+    if (connected)
+        startOver(link);
     update();
 }
 
-void StatusViewModel::fail(Link &link, const QString &reason)
+void StatusViewModel::fail(Kind kind, const QString &reason)
 {
+    Link &link = m_links.at(kind);
     link.reason = shownText(reason, longestToldReason);
     link.seen = false;
     update();
 }
 
-void StatusViewModel::forget(Link &link)
+void StatusViewModel::forget(Kind kind)
 {
-    link.wasUp = link.connected;
-    link.reason.clear();
-    link.seen = true;
+    startOver(m_links.at(kind));
     update();
 }
 
@@ -109,13 +68,13 @@ void StatusViewModel::setCurrentSection(const QString &section)
 /// The page that tells of it, or the banner, has told the pilot.
 void StatusViewModel::see(const QString &section)
 {
-    for (Link *link : {&m_network, &m_simulator, &m_voice}) {
-        if (link->section != section)
+    for (Link &link : m_links) {
+        if (link.section != section)
             continue;
-        link->wasUp = link->connected; // another failure of the same outage is no loss again
+        link.wasUp = link.connected; // another failure of the same outage is no loss again
         // A simulator that can't be reached stays red: nothing has been lost that could be forgotten.
-        const bool staysRed = link == &m_simulator && link->state == LinkState::Failed;
-        link->seen = link->seen || !staysRed;
+        const bool staysRed = &link == &m_links.at(Simulator) && link.state == LinkState::Failed;
+        link.seen = link.seen || !staysRed;
     }
 }
 
@@ -133,9 +92,9 @@ void StatusViewModel::act()
         emit sectionRequested(told.section);
     if (told.action != BannerAction::Reconnect)
         return;
-    if (told.section == m_network.section)
+    if (told.section == m_links.at(Network).section)
         emit networkReconnectRequested();
-    else if (told.section == m_simulator.section)
+    else if (told.section == m_links.at(Simulator).section)
         emit simulatorReconnectRequested();
     else
         emit voiceReconnectRequested();
@@ -143,8 +102,9 @@ void StatusViewModel::act()
 
 void StatusViewModel::update()
 {
-    m_lines.setRows({lineOf(m_network), lineOf(m_simulator), lineOf(m_voice)});
-    const Banner banner = bannerOf(m_network, m_simulator, m_voice, m_section);
+    const auto &[network, simulator, voice] = m_links;
+    m_lines.setRows({lineOf(network), lineOf(simulator), lineOf(voice)});
+    const Banner banner = bannerOf(network, simulator, voice, m_section);
     if (banner == m_banner)
         return;
     m_banner = banner;

@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+#include <array>
+
 namespace tarvo::ui {
 
 /// What is always in sight: how the connections are, and a banner when one of them is lost. In QML it is the context
@@ -26,19 +28,19 @@ public:
     QString bannerActionText() const { return m_banner.actionText; }
 
     // The program's side.
-    void setNetwork(bool connected, LinkState state);
-    void setSimulator(bool connected, LinkState state);
-    void setVoice(bool connected, LinkState state);
-    /// The network's connection has ended, or an attempt has failed, by nobody's wish. `reason`: as pages show it.
-    void networkFailed(const QString &reason);
-    /// The simulator was lost, or could not be reached.
-    void simulatorFailed(const QString &reason);
-    /// Voice was lost, or an attempt has failed, by nobody's wish.
-    void voiceFailed(const QString &reason);
-    /// The pilot has asked for a new beginning, or an end: what failed before is of no interest any more.
-    void forgetNetwork();
-    void forgetSimulator();
-    void forgetVoice();
+    void setNetwork(bool connected, LinkState state) { setState(Network, connected, state); }
+    void setSimulator(bool connected, LinkState state) { setState(Simulator, connected, state); }
+    void setVoice(bool connected, LinkState state) { setState(Voice, connected, state); }
+    /// The connection has ended, or an attempt has failed, by nobody's wish. `reason`: as pages show it; it is cut to
+    /// what the banner has room for.
+    void networkFailed(const QString &reason) { fail(Network, reason); }
+    void simulatorFailed(const QString &reason) { fail(Simulator, reason); }
+    void voiceFailed(const QString &reason) { fail(Voice, reason); }
+    /// The pilot has asked for a new beginning, or an end: what failed before is of no interest any more, nor that the
+    /// connection was there before it.
+    void forgetNetwork() { forget(Network); }
+    void forgetSimulator() { forget(Simulator); }
+    void forgetVoice() { forget(Voice); }
 
     /// The page that is open. To open or leave the one that tells of a failure is to know of it.
     Q_INVOKABLE void setCurrentSection(const QString &section);
@@ -54,15 +56,21 @@ signals:
     void sectionRequested(QString section);
 
 private:
-    void setState(Link &link, bool connected, LinkState state);
-    void fail(Link &link, const QString &reason);
-    void forget(Link &link);
+    /// In the order of the lines.
+    enum Kind
+    {
+        Network,
+        Simulator,
+        Voice
+    };
+
+    void setState(Kind kind, bool connected, LinkState state);
+    void fail(Kind kind, const QString &reason);
+    void forget(Kind kind);
     void see(const QString &section);
     void update();
 
-    Link m_network;
-    Link m_simulator;
-    Link m_voice;
+    std::array<Link, 3> m_links;
     QString m_section;
     Banner m_banner;
     RowsModel<StatusLine> m_lines;
