@@ -1,6 +1,7 @@
 #include "ConfigCopy.h"
 
 #include "IniFormat.h"
+#include "Logging.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -22,7 +23,8 @@ void writeForTheUser(const QString &path, const QByteArray &bytes)
         return;
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner); // before the password is in it
     file.write(bytes);
-    file.commit();
+    if (logging::flush(file)) // QSaveFile overlooks a full disk where only closing brings the last bytes there
+        file.commit();
 }
 
 } // namespace
@@ -30,6 +32,11 @@ void writeForTheUser(const QString &path, const QByteArray &bytes)
 QSettings::SettingsMap ConfigCopy::values() const
 {
     return ini::parse(contentsOf(path()));
+}
+
+QSettings::SettingsMap ConfigCopy::damagedValues() const
+{
+    return ini::parse(contentsOf(damagedPath()));
 }
 
 void ConfigCopy::take() const

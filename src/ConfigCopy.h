@@ -14,6 +14,8 @@ public:
 
     /// What the copy holds; empty without a copy.
     QSettings::SettingsMap values() const;
+    /// What can still be read of a damaged file; empty without one.
+    QSettings::SettingsMap damagedValues() const;
     /// Copies config.ini as it is now, unless it is empty.
     void take() const;
     /// Empties one value in the copy, and removes a damaged file, which may hold it too.

@@ -1,30 +1,30 @@
 #include "common/SecretMask.h"
 
-#include <QByteArray>
 #include <QByteArrayView>
 #include <QList>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace tarvo::common {
 
 namespace {
 
-constexpr qsizetype longestSearched =
-    40 * 1024; ///< characters: the log keeps a tenth, and behind that a token may begin
 /// What a byte of a secret can grow to: a percent-encoded "\u0000" for half of a character.
 constexpr qsizetype longestForm = 18;
-constexpr qsizetype shortestInBase64 = 4; ///< bytes; a shorter secret stands in too many texts by chance
+constexpr qsizetype shortestInRun = 4; ///< bytes; a shorter secret stands in too many texts by chance
+constexpr int mostEscapes = 2;         ///< kinds around each other
 
-/// A text with one kind of escapes resolved.
-struct Decoded
+/// A text with some escapes resolved.
+struct View
 {
     QByteArray bytes;
-    QList<qsizetype> from; ///< where each byte stood, and the text's end
+    QList<int> from; ///< where each byte stood, and the text's end; empty where nothing is resolved
+
+    qsizetype origin(qsizetype at) const { return from.isEmpty() ? at : from.at(at); }
 };
 
-using Decoder = Decoded (*)(QByteArrayView text);
 using Range = std::pair<qsizetype, qsizetype>; ///< first byte, and the one behind the last
 
 int digitValue(char c)
@@ -50,32 +50,72 @@ int hexNumber(QByteArrayView text, qsizetype at, int digits)
     return value;
 }
 
-Decoded withRoomFor(QByteArrayView text)
+/// Makes a view byte by byte, never longer than its text. Hostile texts are decoded many times, so it writes at once
+/// where the containers would look for room each time.
+class ViewWriter
 {
-    Decoded result;
-    result.bytes.reserve(text.size());
-    result.from.reserve(text.size() + 1);
-    return result;
+public:
+    explicit ViewWriter(qsizetype longest)
+    {
+        m_view.bytes.resize(longest);
+        m_view.from.resize(longest + 1);
+        m_byte = m_view.bytes.data();
+        m_from = m_view.from.data();
+    }
+    void put(char byte, qsizetype from)
+    {
+        *m_byte++ = byte;
+        *m_from++ = static_cast<int>(from);
+    }
+    View finish(qsizetype end)
+    {
+        *m_from++ = static_cast<int>(end);
+        m_view.bytes.truncate(m_byte - m_view.bytes.constData());
+        m_view.from.resize(m_view.bytes.size() + 1);
+        return std::move(m_view);
+    }
+
+private:
+    View m_view;
+    char *m_byte;
+    int *m_from;
+};
+
+bool hasPercent(QByteArrayView text)
+{
+    for (qsizetype at = text.indexOf('%'); at >= 0; at = text.indexOf('%', at + 1)) {
+        if (hexNumber(text, at + 1, 2) >= 0)
+            return true;
+    }
+    return false;
 }
 
-Decoded percentDecoded(QByteArrayView text)
+View percentDecoded(QByteArrayView text)
 {
-    Decoded result = withRoomFor(text);
+    ViewWriter view(text.size());
     for (qsizetype at = 0; at < text.size();) {
         const int value = text[at] == '%' ? hexNumber(text, at + 1, 2) : -1;
-        result.bytes += value < 0 ? text[at] : static_cast<char>(value);
-        result.from += at;
+        view.put(value < 0 ? text[at] : static_cast<char>(value), at);
         at += value < 0 ? 1 : 3;
     }
-    result.from += text.size();
-    return result;
+    return view.finish(text.size());
+}
+
+bool hasPlus(QByteArrayView text)
+{
+    return text.contains('+');
 }
 
 /// As a form sends it: a blank is a plus.
-Decoded formDecoded(QByteArrayView text)
+View formDecoded(QByteArrayView text)
 {
     QByteArray blanks = text.toByteArray();
     return percentDecoded(blanks.replace('+', ' '));
+}
+
+bool hasBackslash(QByteArrayView text)
+{
+    return text.contains('\\');
 }
 
 /// The UTF-16 units of "\u....", two of them for a character that takes two.
@@ -90,81 +130,54 @@ QString jsonUnits(QByteArrayView text, qsizetype at)
     return second < 0 ? QString(unit) : QString(unit) + QChar(static_cast<char16_t>(second));
 }
 
-Decoded jsonDecoded(QByteArrayView text)
+View jsonDecoded(QByteArrayView text)
 {
     constexpr QByteArrayView letters = "bfnrt";
     constexpr QByteArrayView meanings = "\b\f\n\r\t";
-    Decoded result = withRoomFor(text);
+    ViewWriter view(text.size());
     for (qsizetype at = 0; at < text.size();) {
-        const qsizetype start = at;
         if (text[at] != '\\' || at + 1 == text.size()) {
-            result.bytes += text[at++];
+            view.put(text[at], at);
+            ++at;
         } else if (const QString units = jsonUnits(text, at); !units.isEmpty()) {
-            result.bytes += units.toUtf8();
+            for (const char byte : units.toUtf8())
+                view.put(byte, at);
             at += 6 * units.size();
         } else {
             const qsizetype letter = letters.indexOf(text[at + 1]);
-            result.bytes += letter < 0 ? text[at + 1] : meanings[letter];
+            view.put(letter < 0 ? text[at + 1] : meanings[letter], at);
             at += 2;
         }
-        while (result.from.size() < result.bytes.size())
-            result.from += start;
     }
-    result.from += text.size();
-    return result;
+    return view.finish(text.size());
 }
 
-struct Chain
+/// One way in which a service may quote what it was sent.
+struct Escape
 {
-    QByteArrayView escapes; ///< a text with none of these reads the same with another chain
-    QList<Decoder> decoders;
-
-    bool isNeeded(QByteArrayView text) const
-    {
-        return decoders.isEmpty() ||
-               std::any_of(escapes.begin(), escapes.end(), [text](char escape) { return text.contains(escape); });
-    }
+    bool (*isIn)(QByteArrayView text); ///< else the text reads the same with it
+    View (*decoded)(QByteArrayView text);
 };
+constexpr std::array escapes{Escape{hasBackslash, jsonDecoded}, Escape{hasPercent, percentDecoded},
+                             Escape{hasPlus, formDecoded}};
 
-/// The ways in which a service may quote what it was sent, the outermost first.
-const QList<Chain> chains{{"", {}},
-                          {"\\", {jsonDecoded}},
-                          {"\\", {jsonDecoded, jsonDecoded}},
-                          {"%", {percentDecoded}},
-                          {"%", {percentDecoded, jsonDecoded}},
-                          {"%+", {formDecoded}},
-                          {"%+", {formDecoded, jsonDecoded}}};
-
-Decoded decoded(const QByteArray &text, const QList<Decoder> &chain)
+/// Hands on the text as it is, then with each way to resolve up to so many kinds of escapes. Ends with true as soon as
+/// `take` gives it.
+template <class Take>
+bool anyView(const View &text, int depth, const Take &take)
 {
-    Decoded result{text, {}};
-    result.from.reserve(text.size() + 1);
-    for (qsizetype at = 0; at <= text.size(); ++at)
-        result.from += at;
-    for (const Decoder decode : chain) {
-        Decoded next = decode(result.bytes);
-        for (qsizetype &at : next.from)
-            at = result.from.at(at);
-        result = std::move(next);
-    }
-    return result;
-}
-
-/// Where the secrets stand in `text` under any of the ways.
-QList<Range> plainRanges(const QByteArray &text, const QByteArrayList &secrets)
-{
-    QList<Range> ranges;
-    for (const Chain &chain : chains) {
-        if (!chain.isNeeded(text))
+    if (take(text))
+        return true;
+    for (const Escape &escape : escapes) {
+        if (depth == 0 || !escape.isIn(text.bytes))
             continue;
-        const Decoded seen = decoded(text, chain.decoders);
-        for (const QByteArray &secret : secrets) {
-            for (qsizetype at = seen.bytes.indexOf(secret); at >= 0;
-                 at = seen.bytes.indexOf(secret, at + secret.size()))
-                ranges += Range(seen.from.at(at), seen.from.at(at + secret.size()));
-        }
+        View next = escape.decoded(text.bytes);
+        for (int &at : next.from)
+            at = static_cast<int>(text.origin(at));
+        if (anyView(next, depth - 1, take))
+            return true;
     }
-    return ranges;
+    return false;
 }
 
 bool isBase64(char c)
@@ -173,34 +186,70 @@ bool isBase64(char c)
            c == '-' || c == '_';
 }
 
-/// A run may begin with letters that don't belong to it.
-bool holdsSecret(QByteArray run, const QByteArrayList &secrets)
+QByteArray base64Decoded(QByteArrayView run)
 {
-    run.replace('-', '+').replace('_', '/');
-    for (qsizetype skipped = 0; skipped < 4 && skipped < run.size(); ++skipped) {
-        if (!plainRanges(QByteArray::fromBase64(run.sliced(skipped)), secrets).isEmpty())
+    QByteArray standard = run.toByteArray();
+    return QByteArray::fromBase64(standard.replace('-', '+').replace('_', '/'));
+}
+
+bool isHex(char c)
+{
+    return digitValue(c) >= 0;
+}
+
+QByteArray hexDecoded(QByteArrayView run)
+{
+    return QByteArray::fromHex(
+        run.first(run.size() / 2 * 2).toByteArray()); // of an odd one it takes the first for half
+}
+
+/// Letters that stand for bytes, without a break.
+struct Run
+{
+    bool (*takes)(char c);
+    QByteArray (*decoded)(QByteArrayView run);
+    int bits;   ///< of each letter
+    int shifts; ///< a run may begin with as many letters, less one, that don't belong to it
+};
+constexpr std::array runs{Run{isBase64, base64Decoded, 6, 4}, Run{isHex, hexDecoded, 4, 2}};
+
+bool holdsSecret(const Run &kind, QByteArrayView run, const QByteArrayList &secrets)
+{
+    const auto hasSecret = [&secrets](const View &view) {
+        return std::any_of(secrets.begin(), secrets.end(),
+                           [&view](const QByteArray &secret) { return view.bytes.contains(secret); });
+    };
+    for (int skipped = 0; skipped < kind.shifts && skipped < run.size(); ++skipped) {
+        if (anyView({kind.decoded(run.sliced(skipped)), {}}, mostEscapes, hasSecret))
             return true;
     }
     return false;
 }
 
-QList<Range> base64Ranges(const QByteArray &text, QByteArrayList secrets)
+/// `shortest`: bytes of the shortest of the secrets.
+void addRuns(const Run &kind, const View &view, const QByteArrayList &secrets, qsizetype shortest, QList<Range> &ranges)
 {
-    secrets.removeIf([](const QByteArray &secret) { return secret.size() < shortestInBase64; });
-    QList<Range> ranges;
-    for (qsizetype at = 0; at < text.size() && !secrets.isEmpty();) {
+    const qsizetype lettersNeeded = (shortest * 8 + kind.bits - 1) / kind.bits;
+    const QByteArray &text = view.bytes;
+    for (qsizetype at = 0; at < text.size();) {
         qsizetype end = at;
-        while (end < text.size() && isBase64(text.at(end)))
+        while (end < text.size() && kind.takes(text.at(end)))
             ++end;
-        const qsizetype encoded = shortestInBase64 * 4 / 3;
-        if (end - at >= encoded && holdsSecret(text.sliced(at, end - at), secrets)) {
+        if (end - at >= lettersNeeded && holdsSecret(kind, QByteArrayView(text).sliced(at, end - at), secrets)) {
             while (end < text.size() && text.at(end) == '=')
                 ++end;
-            ranges += Range(at, end);
+            ranges += Range(view.origin(at), view.origin(end));
         }
         at = end + 1;
     }
-    return ranges;
+}
+
+void addPlain(const View &view, const QByteArrayList &secrets, QList<Range> &ranges)
+{
+    for (const QByteArray &secret : secrets) {
+        for (qsizetype at = view.bytes.indexOf(secret); at >= 0; at = view.bytes.indexOf(secret, at + secret.size()))
+            ranges += Range(view.origin(at), view.origin(at + secret.size()));
+    }
 }
 
 QByteArray masked(const QByteArray &text, QList<Range> ranges)
@@ -218,30 +267,52 @@ QByteArray masked(const QByteArray &text, QList<Range> ranges)
 
 } // namespace
 
-QString withoutSecrets(const QString &text, const QStringList &secrets)
+SecretMask::SecretMask(const QByteArrayList &secrets)
 {
-    QByteArrayList forms;
-    qsizetype longest = 0;
-    for (const QString &secret : secrets) {
+    for (const QByteArray &secret : secrets) {
         if (secret.isEmpty())
             continue;
-        forms += secret.toUtf8();
-        longest = std::max(longest, forms.last().size());
+        m_secrets += secret;
+        m_longest = std::max(m_longest, secret.size());
+        if (secret.size() < shortestInRun)
+            continue;
+        m_shortestInRuns = m_inRuns.isEmpty() ? secret.size() : std::min(m_shortestInRuns, secret.size());
+        m_inRuns += secret;
     }
-    if (forms.isEmpty())
-        return text.left(longestSearched);
-    // A secret that is cut isn't found: what it may begin in goes.
-    const bool isCut = text.size() > longestSearched;
-    QByteArray bytes = text.left(longestSearched).toUtf8();
-    QList<Range> ranges = plainRanges(bytes, forms) + base64Ranges(bytes, forms);
+}
+
+QString SecretMask::applied(const QString &text) const
+{
+    const bool isCut = text.size() > longestText;
+    if (m_secrets.isEmpty())
+        return text.left(longestText);
+    const QByteArray bytes = text.left(longestText).toUtf8();
+    QList<Range> ranges;
+    anyView({bytes, {}}, mostEscapes, [&](const View &view) {
+        addPlain(view, m_secrets, ranges);
+        for (const Run &kind : runs) {
+            if (!m_inRuns.isEmpty())
+                addRuns(kind, view, m_inRuns, m_shortestInRuns, ranges);
+        }
+        return false; // all of them
+    });
     if (!isCut)
         return QString::fromUtf8(masked(bytes, std::move(ranges)));
-    const qsizetype kept = std::max<qsizetype>(bytes.size() - longestForm * longest, 0);
+    // A secret that is cut isn't found: what it may begin in goes.
+    const qsizetype kept = std::max<qsizetype>(bytes.size() - longestForm * m_longest, 0);
     ranges.removeIf([kept](const Range &range) { return range.first >= kept; });
     qsizetype end = kept;
     for (const Range &range : std::as_const(ranges))
         end = std::max(end, range.second);
     return QString::fromUtf8(masked(bytes.first(end), std::move(ranges)));
+}
+
+QString withoutSecrets(const QString &text, const QStringList &secrets)
+{
+    QByteArrayList bytes;
+    for (const QString &secret : secrets)
+        bytes += secret.toUtf8();
+    return SecretMask(bytes).applied(text);
 }
 
 } // namespace tarvo::common

@@ -26,7 +26,9 @@ StoredSettings readSettings(const QString &dataRoot)
 {
     QFile file(QDir(dataRoot).filePath(QStringLiteral("config.ini")));
     StoredSettings settings;
-    settings.copyValues = ConfigCopy(file.fileName()).values();
+    const ConfigCopy copy(file.fileName());
+    settings.copyValues = copy.values();
+    settings.damagedValues = copy.damagedValues();
     if (!file.exists())
         return settings;
     settings.state = file.open(QIODevice::ReadOnly) ? StoredSettings::State::Read : StoredSettings::State::Unreadable;
@@ -35,23 +37,25 @@ StoredSettings readSettings(const QString &dataRoot)
     return settings;
 }
 
-QStringList secretsOf(const StoredSettings &settings, const QByteArray &configSecret)
+QByteArrayList secretsOf(const StoredSettings &settings, const QByteArray &configSecret)
 {
-    QStringList secrets{QString::fromLatin1(configSecret.toHex()), QString::fromLatin1(configSecret.toBase64())};
+    constexpr qsizetype shortestCipher = 32; // salt and vector; a damaged value may be shorter and is no secret
+    QByteArrayList secrets{configSecret};
     for (const config::AnyKey &anyKey : config::storedKeys) {
         const auto *key = std::get_if<StringKey>(&anyKey);
         if (!key || !key->isEncrypted)
             continue;
-        for (const QSettings::SettingsMap &values : {settings.values, settings.copyValues}) {
+        for (const QSettings::SettingsMap &values : {settings.values, settings.copyValues, settings.damagedValues}) {
             const QString stored = values.value(QString::fromUtf8(key->key)).toString();
-            if (stored.isEmpty() || secrets.contains(stored))
+            if (stored.isEmpty() || secrets.contains(stored.toUtf8()))
                 continue;
             const QString plain = cipher::decrypt(stored, configSecret);
-            secrets << stored << plain << common::onOneLine(plain);
+            const QByteArray bytes = QByteArray::fromBase64(stored.toLatin1()); // however they are written
+            secrets << stored.toUtf8() << plain.toUtf8() << common::onOneLine(plain).toUtf8()
+                    << (bytes.size() >= shortestCipher ? bytes : QByteArray());
         }
     }
-    secrets.removeAll(QString());
-    secrets.removeDuplicates();
+    secrets.removeAll(QByteArray());
     return secrets;
 }
 

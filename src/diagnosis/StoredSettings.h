@@ -2,9 +2,9 @@
 
 #include "ConfigKey.h"
 
+#include <QByteArray>
 #include <QSettings>
 #include <QString>
-#include <QStringList>
 
 namespace tarvo::diagnosis {
 
@@ -19,8 +19,9 @@ struct StoredSettings
     };
 
     State state = State::Missing;
-    QSettings::SettingsMap values;     ///< of config.ini, by "Section/key"
-    QSettings::SettingsMap copyValues; ///< of its last good copy, config.ini.bak
+    QSettings::SettingsMap values;        ///< of config.ini, by "Section/key"
+    QSettings::SettingsMap copyValues;    ///< of its last good copy, config.ini.bak
+    QSettings::SettingsMap damagedValues; ///< what is left in config.ini.damaged
 
     /// The value as it is stored, or the key's default.
     QString text(const StringKey &key) const;
@@ -29,8 +30,9 @@ struct StoredSettings
 
 StoredSettings readSettings(const QString &dataRoot);
 
-/// All that must not leave this machine: the passwords and tokens of the settings and of their copy, as they are stored
-/// and as they are, and the build's own secret. Deriving the cipher's key is slow on purpose: some 50 ms each.
-QStringList secretsOf(const StoredSettings &settings, const QByteArray &configSecret);
+/// All that must not leave this machine, for a SecretMask: the passwords and tokens of the settings, of their copy and
+/// of a damaged file, as they are stored and as they are, and the build's own secret. Deriving the cipher's key is slow
+/// on purpose: some 50 ms each.
+QByteArrayList secretsOf(const StoredSettings &settings, const QByteArray &configSecret);
 
 } // namespace tarvo::diagnosis

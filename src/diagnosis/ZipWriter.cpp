@@ -47,14 +47,17 @@ void ZipWriter::add(const QString &name, const QByteArray &bytes, const QDateTim
     archive_entry_set_perm(entry.get(), readableByOwner);
     archive_entry_set_mtime(entry.get(), modified.toSecsSinceEpoch(), 0);
     m_isWhole =
-        m_isWhole && archive_write_header(m_writer.get(), entry.get()) == ARCHIVE_OK &&
+        m_isWhole && archive_write_header(m_writer.get(), entry.get()) >= ARCHIVE_WARN && // of this entry alone
         archive_write_data(m_writer.get(), bytes.constData(), static_cast<size_t>(bytes.size())) == bytes.size();
 }
 
-bool ZipWriter::finish()
+QString ZipWriter::finish()
 {
-    m_isWhole = archive_write_close(m_writer.get()) == ARCHIVE_OK && m_isWhole;
-    return m_isWhole;
+    const bool isClosed = archive_write_close(m_writer.get()) == ARCHIVE_OK;
+    if (m_isWhole && isClosed)
+        return {};
+    const char *reason = archive_error_string(m_writer.get());
+    return reason ? QString::fromUtf8(reason) : QStringLiteral("libarchive");
 }
 
 } // namespace tarvo::diagnosis

@@ -23,8 +23,8 @@ public:
 
     /// `name`: with forward slashes.
     void add(const QString &name, const QByteArray &bytes, const QDateTime &modified);
-    /// Ends the archive; false when it isn't whole.
-    bool finish();
+    /// Ends the archive. Empty, or why it isn't whole, as libarchive has it.
+    QString finish();
 
 private:
     struct Free

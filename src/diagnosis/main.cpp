@@ -4,6 +4,7 @@
 #include "diagnosis/Arguments.h"
 #include "diagnosis/Checkup.h"
 #include "diagnosis/ConsoleWindow.h"
+#include "diagnosis/MaskedText.h"
 #include "diagnosis/SoundCheck.h"
 #include "diagnosis/StoredSettings.h"
 #include "diagnosis/SupportPack.h"
@@ -68,11 +69,9 @@ ExitCode run(const Arguments &arguments)
     speaker.say(code == AllGood ? Texts::tr("全部正常。") : Texts::tr("请按上面的提示处理打 ✗ 的项目。"));
     if (arguments.packFile.isEmpty())
         return code;
-    const QStringList secrets = secretsOf(settings, configSecret());
-    const PackContents contents{.dataRoot = root,
-                                .settings = settings,
-                                .report = common::withoutSecrets(speaker.said(), secrets),
-                                .secrets = secrets};
+    const common::SecretMask mask(secretsOf(settings, configSecret()));
+    const PackContents contents{
+        .dataRoot = root, .settings = settings, .report = maskedText(speaker.said(), mask), .mask = mask};
     return std::max(code, pack(contents, arguments.packFile, speaker));
 }
 

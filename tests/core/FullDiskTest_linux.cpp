@@ -109,6 +109,17 @@ private slots:
         QCOMPARE(contents("config.ini.bak"), copy);
     }
 
+    void theCopyOutlivesANewOneOnAFullDisk()
+    {
+        startOnce();
+        const QByteArray copy = contents("config.ini.bak");
+        AppConfig(m_disk->path()).set(config::profileRealname, QStringLiteral("after"));
+        QVERIFY(m_disk->fill());
+        const AppConfig next(m_disk->path());
+        QCOMPARE(next.get(config::profileRealname), QStringLiteral("after"));
+        QCOMPARE(contents("config.ini.bak"), copy);
+    }
+
     void whatIsRememberedOutlivesAFullDisk()
     {
         StateFile state(m_disk->path());

@@ -128,7 +128,7 @@ private slots:
         QCOMPARE(judgeFolders(folders, std::nullopt).first().mark, Mark::Bad);
     }
 
-    void secretsAreThoseOfFileAndCopy()
+    void secretsAreThoseOfAllFiles()
     {
         StoredSettings settings;
         const QString now = cipher::encrypt(u"pass\nword"_qs, configSecret());
@@ -136,11 +136,15 @@ private slots:
         settings.values[u"Auth/Password"_qs] = now;
         settings.values[u"Auth/Username"_qs] = u"1001"_qs;
         settings.copyValues[u"Auth/Password"_qs] = before;
-        const QStringList secrets = secretsOf(settings, configSecret());
-        for (const QString &secret : {now, before, u"pass\nword"_qs, u"pass word"_qs, u"old pass"_qs,
-                                      QString::fromLatin1(configSecret().toHex())})
-            QVERIFY2(secrets.contains(secret), qPrintable(secret));
-        QVERIFY(!secrets.contains(u"1001"_qs) && !secrets.contains(QString()));
+        settings.damagedValues[u"Auth/RefreshToken"_qs] = cipher::encrypt(u"lost token"_qs, configSecret());
+        settings.damagedValues[u"Auth/Password"_qs] = u"AbC="_qs; // cut: two bytes, which stand in many texts
+        const QByteArrayList secrets = secretsOf(settings, configSecret());
+        for (const QByteArray &secret :
+             {now.toUtf8(), before.toUtf8(), QByteArray("pass\nword"), QByteArray("pass word"), QByteArray("old pass"),
+              QByteArray("lost token"), configSecret(), QByteArray::fromBase64(now.toUtf8())})
+            QVERIFY2(secrets.contains(secret), secret.constData());
+        QVERIFY(!secrets.contains("1001") && !secrets.contains(QByteArray()));
+        QVERIFY(!secrets.contains(QByteArray::fromBase64("AbC=")));
     }
 };
 

@@ -1,4 +1,5 @@
 #include "diagnosis/MaskedText.h"
+#include "common/SecretMask.h"
 #include "diagnosis/TestSettings.h"
 #include "support/TestRegistry.h"
 
@@ -11,6 +12,8 @@ using namespace tarvo::diagnosis;
 class MaskedTextTest : public QObject
 {
     Q_OBJECT
+
+    const common::SecretMask m_mask{{"secret"}};
 
 private slots:
     void settingsKeepWhatIsNotSecret_data()
@@ -42,7 +45,7 @@ private slots:
         QFETCH(const QString, key);
         QFETCH(const QVariant, value);
         QFETCH(const QByteArray, line);
-        const QByteArray text = maskedSettings({{key, value}}, {u"secret"_qs});
+        const QByteArray text = maskedSettings({{key, value}}, m_mask);
         QVERIFY2(text.endsWith("]\n" + line + '\n'), text.constData());
     }
 
@@ -56,13 +59,64 @@ private slots:
         QTest::newRow("at a line's end") << QByteArray("a\nsecret") << QByteArray("a\n******\n");
         QTest::newRow("Base64") << QByteArray("a c2VjcmV0 b\n") << QByteArray("a ****** b\n");
         QTest::newRow("percent-encoded") << QByteArray("a %73ecret b\n") << QByteArray("a ****** b\n");
+        QTest::newRow("a token that no settings hold")
+            << QByteArray("<<< $ERSERVER:CCA1:006:eyJhbGci.eyJzdWIi.f-s_d:Invalid\n")
+            << QByteArray("<<< $ERSERVER:CCA1:006:******:Invalid\n");
+        QTest::newRow("a token that was cut") << QByteArray("a eyJhbGciOi.eyJz\n") << QByteArray("a ******\n");
+        QTest::newRow("a token in an address")
+            << QByteArray("a?t%3DeyJhbGciOi.e.f&b\n") << QByteArray("a?t%3D******&b\n");
+        QTest::newRow("a word like a token's beginning") << QByteArray("eyJ1.e.f\n") << QByteArray("eyJ1.e.f\n");
+        QTest::newRow("behind Bearer") << QByteArray("Authorization: bearer 1f/2e; x\n")
+                                       << QByteArray("Authorization: bearer ******; x\n");
+        QTest::newRow("a field of JSON") << QByteArray("{\"flush_token\": \"a\\\"b\",\"token\":1,\"x\":\"y\"}")
+                                         << QByteArray("{\"flush_token\": \"******\\\"b\",\"token\":1,\"x\":\"y\"}\n");
+        QTest::newRow("a field of escaped JSON") << QByteArray("{\\\"Password\\\":\\\"abc\\\",\\\"x\\\":1}")
+                                                 << QByteArray("{\\\"Password\\\":\\\"******\\\",\\\"x\\\":1}\n");
+        QTest::newRow("a pilot's login line, quoted") << QByteArray("bad: #APCCA1:SERVER:1001:pass word:1:9\n")
+                                                      << QByteArray("bad: #APCCA1:SERVER:1001:******:1:9\n");
+        QTest::newRow("an observer's login line")
+            << QByteArray("#AACCA1:SERVER:Li:1001:pass\n") << QByteArray("#AACCA1:SERVER:Li:1001:******\n");
+        QTest::newRow("a login line without a password")
+            << QByteArray("#APCCA1:SERVER:1001::1:9\n") << QByteArray("#APCCA1:SERVER:1001::1:9\n");
     }
     void logsLoseTheirSecrets()
     {
         QFETCH(QByteArray, log);
         QBuffer buffer(&log);
         QVERIFY(buffer.open(QIODevice::ReadOnly));
-        QTEST(maskedLog(buffer, {u"secret"_qs}, 1000), "shown");
+        QTEST(maskedLog(buffer, m_mask, 1000), "shown");
+    }
+
+    void aLineThatIsTooLongSaysSo()
+    {
+        const qsizetype longest = common::SecretMask::longestText;
+        QByteArray log = QByteArray(longest, '-') + '\n' + QByteArray(longest + 1, '.') + "\nb\n";
+        QBuffer buffer(&log);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = maskedLog(buffer, m_mask, log.size()).split('\n');
+        QCOMPARE(lines.size(), 4);
+        QCOMPARE(lines[0].size(), longest);
+        QVERIFY(lines[1].endsWith(". [the rest of these 40961 characters is left out]"));
+        QCOMPARE(lines[2], QByteArray("b"));
+    }
+
+    void whatIsWrittenMeanwhileIsLeft()
+    {
+        /// Grows by a line with each one that is read.
+        class GrowingLog : public QBuffer
+        {
+        public:
+            using QBuffer::QBuffer;
+            qint64 readData(char *data, qint64 size) override
+            {
+                buffer() += "b\n";
+                return QBuffer::readData(data, std::min<qint64>(size, 2));
+            }
+        };
+        QByteArray bytes("a\na\n");
+        GrowingLog log(&bytes);
+        QVERIFY(log.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+        QCOMPARE(maskedLog(log, m_mask, 1000).left(8), QByteArray("a\na\n"));
     }
 
     void ofALongLogTheEndIsTaken_data()
@@ -80,7 +134,7 @@ private slots:
         QByteArray log("secret\nb1\nb2\n");
         QBuffer buffer(&log);
         QVERIFY(buffer.open(QIODevice::ReadOnly));
-        QTEST(maskedLog(buffer, {u"secret"_qs}, most), "shown");
+        QTEST(maskedLog(buffer, m_mask, most), "shown");
     }
 };
 

@@ -2,6 +2,7 @@
 #include "ServiceEndpoints.h"
 #include "common/SecretMask.h"
 #include "diagnosis/TestSettings.h"
+#include "diagnosis/Unpacked.h"
 #include "support/TestRegistry.h"
 
 #include <QDir>
@@ -10,34 +11,12 @@
 #include <QTest>
 #include <QUrl>
 
-#include <archive.h>
-#include <archive_entry.h>
-
 using namespace tarvo;
 using namespace tarvo::diagnosis;
+using test::Entries;
+using test::unpacked;
 
 namespace {
-
-using Entries = QMap<QString, QByteArray>;
-
-/// What is in a zip file, read by libarchive.
-Entries unpacked(const QString &path)
-{
-    Entries entries;
-    archive *reader = archive_read_new();
-    archive_read_support_format_zip(reader);
-    archive_entry *entry = nullptr;
-    if (archive_read_open_filename(reader, QFile::encodeName(path).constData(), 10240) == ARCHIVE_OK) {
-        while (archive_read_next_header(reader, &entry) == ARCHIVE_OK) {
-            QByteArray bytes(archive_entry_size(entry), '\0');
-            if (archive_read_data(reader, bytes.data(), static_cast<size_t>(bytes.size())) != bytes.size())
-                bytes = "not whole";
-            entries.insert(QString::fromUtf8(archive_entry_pathname_utf8(entry)), bytes);
-        }
-    }
-    archive_read_free(reader);
-    return entries;
-}
 
 /// One way in which a secret may stand somewhere.
 struct Form
@@ -47,21 +26,50 @@ struct Form
 };
 
 /// Told here once more, not by what masks it.
-QList<Form> formsOf(const QString &secret)
+QByteArray allPercent(const QByteArray &text)
 {
-    const QByteArray clear = secret.toUtf8();
     QByteArray percent;
-    for (const char c : clear)
+    for (const char c : text)
         percent += '%' + QByteArray(1, c).toHex();
+    return percent;
+}
+
+/// Of what isn't text, too.
+QList<Form> base64FormsOf(const QByteArray &clear)
+{
     QList<Form> forms;
-    for (const QByteArray &form : {clear, percent, percent.toUpper(), QUrl::toPercentEncoding(secret)})
-        forms << Form{form, form};
     for (const char *before : {"", "x", "xy"}) { // each of them shifts the letters
         for (const auto option : {QByteArray::Base64Encoding, QByteArray::Base64UrlEncoding}) {
             const QByteArray all = (before + clear + "z").toBase64(option | QByteArray::OmitTrailingEquals);
             forms << Form{all, all.mid(4, (clear.size() - 4) / 3 * 4)};
         }
     }
+    return forms;
+}
+
+QList<Form> formsOf(const QString &secret)
+{
+    const QByteArray clear = secret.toUtf8();
+    const QByteArray percent = allPercent(clear);
+    QList<Form> forms = base64FormsOf(clear);
+    for (const QByteArray &form :
+         {clear, percent, percent.toUpper(), percent.toPercentEncoding(), QUrl::toPercentEncoding(secret)})
+        forms << Form{form, form};
+    // Base64 within something else.
+    const QByteArray base64 = clear.toBase64();
+    for (const QByteArray &form :
+         {base64.toPercentEncoding(), base64.toPercentEncoding().toPercentEncoding(), allPercent(base64),
+          QByteArray(base64).replace('/', "\\/"), QByteArray(base64).replace('/', "\\\\\\/"), percent.toBase64()})
+        forms << Form{form, form};
+    return forms;
+}
+
+/// Of the build's secret, or of a stored value's bytes.
+QList<Form> formsOfBytes(const QByteArray &bytes)
+{
+    QList<Form> forms = base64FormsOf(bytes);
+    for (const QByteArray &form : {bytes.toHex(), bytes.toHex().toUpper(), bytes.toBase64()})
+        forms << Form{form, form};
     return forms;
 }
 
@@ -87,12 +95,10 @@ class SupportPackTest : public QObject
     Entries packed(const QString &report = {}) const
     {
         const StoredSettings settings = readSettings(m_folder->path());
+        const common::SecretMask mask(secretsOf(settings, configSecret()));
         const QString path = at(u"support.zip"_qs);
-        const QString failure = packSupport({.dataRoot = m_folder->path(),
-                                             .settings = settings,
-                                             .report = report,
-                                             .secrets = secretsOf(settings, configSecret())},
-                                            path);
+        const QString failure =
+            packSupport({.dataRoot = m_folder->path(), .settings = settings, .report = report, .mask = mask}, path);
         return failure.isEmpty() ? unpacked(path) : Entries{{failure, {}}};
     }
 
@@ -138,12 +144,13 @@ private slots:
             config.set(config::authRefreshToken, m_token);
         }
         const StoredSettings settings = readSettings(m_folder->path());
-        for (const char *key : {"Auth/Password", "Auth/RefreshToken"})
-            forms << formsOf(settings.values.value(QLatin1StringView(key)).toString());
-        forms << formsOf(m_password) << formsOf(m_token);
-        // As JSON may have it, and the build's own.
-        for (const QByteArray &form : {QByteArray("P\\u00e4\\\"ss&wort\\/1"), QByteArray("P\\u00E4\\\"ss&wort/1"),
-                                       configSecret().toHex(), configSecret().toBase64()})
+        for (const char *key : {"Auth/Password", "Auth/RefreshToken"}) {
+            const QString stored = settings.values.value(QLatin1StringView(key)).toString();
+            forms << formsOf(stored) << formsOfBytes(QByteArray::fromBase64(stored.toLatin1()));
+        }
+        forms << formsOf(m_password) << formsOf(m_token) << formsOfBytes(configSecret());
+        // As JSON may have it.
+        for (const QByteArray &form : {QByteArray("P\\u00e4\\\"ss&wort\\/1"), QByteArray("P\\u00E4\\\"ss&wort/1")})
             forms << Form{form, form};
         // Each form by itself, between words and beside letters that belong to no secret.
         QByteArray log;
@@ -154,7 +161,7 @@ private slots:
         write(u"logs/network/network-2026.log"_qs, log);
         write(u"state.ini"_qs, log);
 
-        const QString report = common::withoutSecrets(QString::fromUtf8(log), secretsOf(settings, configSecret()));
+        const QString report = common::SecretMask(secretsOf(settings, configSecret())).applied(QString::fromUtf8(log));
         const Entries entries = packed(report);
         QCOMPARE(entries.size(), 6);
         QFile archive(at(u"support.zip"_qs));
@@ -171,6 +178,32 @@ private slots:
         QVERIFY(entries.value(u"logs/a.log"_qs).startsWith("said ****** here\n"));
     }
 
+    void noSecretIsInAName()
+    {
+        AppConfig(m_folder->path()).set(config::authPassword, m_password);
+        write(u"logs/Pä\"ss&wort%2F1 a.log"_qs, "a\n");
+        write(u"logs/Pä\"ss%26wort%2F1 a.log"_qs, "b\n");
+        const Entries entries = packed();
+        QVERIFY(entries.contains(u"logs/****** a.log"_qs));
+        QVERIFY(entries.contains(u"logs/****** a.log (2)"_qs));
+        QCOMPARE(entries.size(), 4);
+    }
+
+    void onlyTheOwnerReadsTheArchive()
+    {
+        (void)packed();
+        QCOMPARE(QFile::permissions(at(u"support.zip"_qs)) & (QFile::ReadGroup | QFile::ReadOther),
+                 QFile::Permissions());
+    }
+
+    void aLinkInThePlaceIsFollowed()
+    {
+        write(u"elsewhere.zip"_qs, "before");
+        QVERIFY(QFile::link(at(u"elsewhere.zip"_qs), at(u"support.zip"_qs)));
+        QCOMPARE(packed(u"x"_qs), (Entries{{u"report.txt"_qs, "x"}}));
+        QCOMPARE(unpacked(at(u"elsewhere.zip"_qs)), (Entries{{u"report.txt"_qs, "x"}}));
+    }
+
     void aFailureLeavesTheFileAlone_data()
     {
         QTest::addColumn<QString>("path");
@@ -182,9 +215,12 @@ private slots:
         QFETCH(const QString, path);
         write(u"logs/a.log"_qs, "a line\n");
         const StoredSettings settings;
+        const common::SecretMask mask({});
         const QString failure =
-            packSupport({.dataRoot = m_folder->path(), .settings = settings, .report = {}, .secrets = {}}, at(path));
-        QVERIFY2(failure.contains(QDir::toNativeSeparators(path)), qPrintable(failure));
+            packSupport({.dataRoot = m_folder->path(), .settings = settings, .report = {}, .mask = mask}, at(path));
+        QVERIFY2(failure.contains(QDir::toNativeSeparators(at(path))), qPrintable(failure));
+        QVERIFY(QFileInfo::exists(at(u"logs/a.log"_qs)));
+        QVERIFY(!QFileInfo::exists(at(u"none"_qs)));
     }
 };
 
