@@ -19,6 +19,7 @@ namespace {
 constexpr int keptFiles = 10;
 constexpr int flushIntervalMs = 1000;
 constexpr int identifierLength = 3;
+constexpr qsizetype shortestToken = 32; ///< characters; a shorter secret may be a word of a text
 const QLatin1StringView mask("******");
 
 /// The index of the password among the fields of a login line; -1 for any other line.
@@ -89,6 +90,8 @@ QString masked(QString text, const QString &secret)
 
 QString withoutSecret(const QString &text, const QString &secret)
 {
+    if (secret.size() >= shortestToken && text.size() >= secret.size()) // nearly all lines are too short
+        return masked(text, secret);
     const qsizetype login = loginLineIn(text);
     if (login < 0)
         return text;
@@ -126,11 +129,10 @@ SessionLog::SessionLog(const QString &folder, const common::Clock &clock, qint64
     m_flushTimer.setObjectName(QStringLiteral("flushTimer"));
     m_flushTimer.setInterval(flushIntervalMs);
     QObject::connect(&m_flushTimer, &QTimer::timeout, &m_flushTimer, [this] { flush(); });
-    if (!QDir().mkpath(folder)) {
+    if (QDir().mkpath(folder))
+        (void)openNext();
+    else
         qCritical().noquote() << "Unable to create directory" << folder;
-        return;
-    }
-    openNext();
 }
 
 QString SessionLog::nextPath() const
@@ -138,15 +140,17 @@ QString SessionLog::nextPath() const
     return QDir(m_folder).filePath(QStringLiteral("network-%1.log").arg(logging::fileTimeStamp(m_clock.wallMs())));
 }
 
-void SessionLog::openNext()
+bool SessionLog::openNext()
 {
     m_stream.setDevice(nullptr); // brings what it holds to the disk
     m_file.close();
     logging::removeOldFiles(m_folder, keptFiles);
     m_file.setFileName(nextPath());
     // Appending, so that a second session within the same second doesn't wipe the first one's log.
-    if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
-        m_stream.setDevice(&m_file);
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return false;
+    m_stream.setDevice(&m_file);
+    return true;
 }
 
 SessionLog::~SessionLog()
@@ -168,8 +172,10 @@ void SessionLog::write(QLatin1StringView arrow, const QString &line)
 {
     if (!isOpen())
         return;
-    if (m_file.pos() >= m_fileLimit && m_file.fileName() != nextPath())
-        openNext();
+    if (m_file.pos() >= m_fileLimit && m_file.fileName() != nextPath() && !openNext()) {
+        tellLoss();
+        return;
+    }
     const QStringView text = withoutLineEnd(line);
     m_stream << QLatin1Char('[') << QLatin1StringView(timeOfDay(m_clock.wallMs()).data()) << QLatin1StringView("] ")
              << arrow << QLatin1Char(' ');
@@ -182,7 +188,10 @@ void SessionLog::write(QLatin1StringView arrow, const QString &line)
 
 void SessionLog::startFlushing()
 {
-    if (isOpen() && !m_flushTimer.isActive())
+    const bool isWaiting = !isOpen() && m_lossTold; // for a next file that can be opened
+    if (isWaiting)
+        flush();
+    if ((isOpen() || isWaiting) && !m_flushTimer.isActive())
         m_flushTimer.start();
 }
 
@@ -196,11 +205,20 @@ void SessionLog::stopFlushing()
 /// A stream that failed once would keep all that follows in memory.
 void SessionLog::flush()
 {
+    if (!isOpen()) { // the next file of a session; the first one isn't tried again
+        (void)openNext();
+        return;
+    }
     m_stream.flush();
     const bool taken = m_stream.status() == QTextStream::Ok;
     m_stream.resetStatus();
     if (logging::flush(m_file) && taken)
         return;
+    tellLoss();
+}
+
+void SessionLog::tellLoss()
+{
     if (!std::exchange(m_lossTold, true))
         qWarning().noquote() << "Lines of the network log may be lost:" << m_file.errorString() << path();
 }

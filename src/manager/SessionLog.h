@@ -14,8 +14,9 @@ namespace tarvo::manager {
 /// The raw FSD traffic of one signed-in session, in a file of its own, "network-<UTC time>.log". All connections of the
 /// session write into it. A file that has grown to 64 MB is followed by the next one. At most 10 earlier files stay.
 ///
-/// A session never fails for its log: what can't be opened is lost without further report, and of what a full disk
-/// doesn't take up to 16 KB wait while the rest is lost, which the program's log is told once.
+/// A session never fails for its log: what can't be opened at its beginning is lost without further report. A next file
+/// is tried each second until it opens, and of what a full disk doesn't take up to 16 KB wait while the rest is lost:
+/// both are told to the program's log once.
 class SessionLog
 {
 public:
@@ -33,8 +34,7 @@ public:
 
     /// Writes "[HH:mm:ss.zzz] >>> line". A login line has its password field masked, and `secret` wherever it stands.
     void writeSent(const QString &line, const QString &secret);
-    /// Writes "[HH:mm:ss.zzz] <<< line". `secret` is masked if the server echoes it with a login line, as such or
-    /// within another line.
+    /// Writes "[HH:mm:ss.zzz] <<< line". `secret` is masked as by withoutSecret().
     void writeReceived(const QString &line, const QString &secret);
 
     /// While a connection lasts, what is written reaches the disk every second.
@@ -43,8 +43,9 @@ public:
     void stopFlushing();
 
 private:
-    void openNext();
+    bool openNext();
     void flush();
+    void tellLoss();
     QString nextPath() const;
     void write(QLatin1StringView arrow, const QString &line);
 
@@ -62,7 +63,8 @@ private:
 QString maskedLoginLine(const QString &line, const QString &secret);
 
 /// `text` with "******" wherever the non-empty `secret` stands behind the beginning of an "#AP" or "#AA" line, whether
-/// `text` is that line or quotes it. Another text comes back as it is; "#APPROACH" in it is a word.
+/// `text` is that line or quotes it; one as long as a token wherever it stands. Another text comes back as it is;
+/// "#APPROACH" in it is a word.
 QString withoutSecret(const QString &text, const QString &secret);
 
 /// The message of a server's error, `secret` masked when the message or its parameter quotes a login line.

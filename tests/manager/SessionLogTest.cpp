@@ -1,4 +1,5 @@
 #include "manager/SessionLog.h"
+#include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -10,6 +11,7 @@
 #include <QTest>
 
 using namespace tarvo::manager;
+using tarvo::test::LogCapture;
 using tarvo::test::ManualClock;
 
 namespace {
@@ -122,6 +124,26 @@ private slots:
         log.writeReceived(line, u"pass"_qs);
         log.stopFlushing();
         QCOMPARE(contents(log.path()), u"[12:00:00.123] <<< %1\n"_qs.arg(expected));
+    }
+
+    void aTokenIsMaskedInAnyLine_data()
+    {
+        QTest::addColumn<qsizetype>("length");
+        QTest::addColumn<bool>("masked");
+        QTest::newRow("as long as a token") << qsizetype(32) << true;
+        QTest::newRow("as long as a word") << qsizetype(31) << false;
+    }
+    void aTokenIsMaskedInAnyLine()
+    {
+        QFETCH(const qsizetype, length);
+        QFETCH(const bool, masked);
+        const QString secret(length, u'e');
+        const QString line = u"$ERSERVER:AB1:006:%1:Invalid CID/password"_qs;
+        const QString expected = masked ? line.arg(u"******"_qs) : line.arg(secret);
+        QCOMPARE(withoutSecret(line.arg(secret), secret), expected);
+        QCOMPARE(errorWithoutSecret(u"x"_qs, line.arg(secret), secret), expected);
+        QCOMPARE(withoutSecret(secret, secret) == u"******"_qs, masked);
+        QCOMPARE(withoutSecret(u"short"_qs, secret), u"short"_qs);
     }
 
     void errorMessagesLoseTheSecretOfALogin_data()
@@ -239,6 +261,30 @@ private slots:
         QCOMPARE(contents(first).count(u'\n'), 3);
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 11);
         QCOMPARE(SessionLog::longestFile, 64'000'000);
+    }
+
+    void triesTheNextFileAgain()
+    {
+        QTemporaryDir folder;
+        ManualClock clock(noonUtc);
+        SessionLog log(folder.path(), clock, 10);
+        log.startFlushing();
+        log.writeSent(u"$POA:B:1\r\n"_qs, {});
+        log.stopFlushing();
+        QVERIFY(QDir(folder.path()).mkdir(u"network-2023-11-15_12-00-01.log"_qs)); // in its place
+        clock.advance(1000);
+        LogCapture told;
+        for (const QString &lost : {u"$POA:B:2\r\n"_qs, u"$POA:B:3\r\n"_qs})
+            log.writeSent(lost, {});
+        QVERIFY(!log.isOpen());
+        QCOMPARE(told.texts(QtWarningMsg).size(), 1);
+        QVERIFY(told.texts(QtWarningMsg).first().startsWith(u"Lines of the network log may be lost:"_qs));
+        clock.advance(1000);
+        log.startFlushing(); // as the timer does
+        QVERIFY(log.isOpen());
+        log.writeSent(u"$POA:B:4\r\n"_qs, {});
+        log.stopFlushing();
+        QCOMPARE(contents(folder.filePath(u"network-2023-11-15_12-00-02.log"_qs)), u"[12:00:02.123] >>> $POA:B:4\n"_qs);
     }
 
     void twoLogsOfOneSecondKeepBothTheirLines()
