@@ -56,12 +56,17 @@ void writeCall(DWORD64 address)
 void writeCalls(CONTEXT context)
 {
     constexpr int mostCalls = 64;
-    for (int i = 0; i < mostCalls && context.Rip != 0; ++i) {
+    for (int i = 0; i < mostCalls && (i == 0 || context.Rip != 0); ++i) {
         writeCall(context.Rip);
         DWORD64 base = 0;
         PRUNTIME_FUNCTION function = RtlLookupFunctionEntry(context.Rip, &base, nullptr);
-        if (function == nullptr)
-            return; // a leaf, or not a function at all
+        if (function == nullptr && i > 0)
+            return;
+        if (function == nullptr) { // a leaf, or a call to nowhere: it has nothing on the stack but the way back
+            context.Rip = *reinterpret_cast<const DWORD64 *>(context.Rsp);
+            context.Rsp += sizeof(DWORD64);
+            continue;
+        }
         void *data = nullptr;
         DWORD64 frame = 0;
         RtlVirtualUnwind(UNW_FLAG_NHANDLER, base, context.Rip, function, &context, &data, &frame, nullptr);

@@ -3,6 +3,7 @@
 #include "CrashReport.h"
 #include "StateFile.h"
 
+#include <QDateTime>
 #include <QDebug>
 #include <QDir>
 
@@ -45,6 +46,12 @@ BoundedText exceptionType;
     std::abort(); // and from there to the report
 }
 
+/// The form of a name, so that a copy or a note of somebody's doesn't count.
+bool isCrashFile(const QString &name)
+{
+    return QDateTime::fromString(name, QStringLiteral("'crash-'yyyy-MM-dd_HH-mm-ss'.txt'")).isValid();
+}
+
 } // namespace
 
 void install(const QString &folder, const QString &programVersion)
@@ -67,16 +74,20 @@ void note(QByteArrayView line)
     ++noted;
 }
 
-QStringList filesAfter(const QString &folder, const QString &lastTold)
+QStringList filesAfter(const QString &folder, const QString &lastTold, qint64 now)
 {
+    const QString latest = QString::fromLatin1(fileName(now / 1000).data());
+    // What is told last must not hide what comes later; names sort by their time.
+    const QString told = isCrashFile(lastTold) && lastTold <= latest ? lastTold : QString();
     QStringList names = QDir(folder).entryList({QStringLiteral("crash-*.txt")}, QDir::Files, QDir::Name);
-    names.removeIf([&lastTold](const QString &name) { return name <= lastTold; });
+    names.removeIf([&](const QString &name) { return name <= told || name > latest || !isCrashFile(name); });
     return names;
 }
 
 void tellOfEarlierCrashes(const QString &folder, StateFile &state)
 {
-    const QStringList names = filesAfter(folder, state.get(state::lastCrashTold));
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const QStringList names = filesAfter(folder, state.get(state::lastCrashTold), now);
     for (const QString &name : names)
         qWarning().noquote() << "An earlier run crashed; what it left is" << QDir(folder).filePath(name);
     if (!names.isEmpty())

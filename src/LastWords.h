@@ -18,8 +18,9 @@ void install(const QString &folder, const QString &version);
 /// Keeps a line of the log among the last 50, for the crash file. One thread at a time.
 void note(QByteArrayView line);
 
-/// The crash files in `folder` that are newer than the one named `lastTold`, oldest first.
-QStringList filesAfter(const QString &folder, const QString &lastTold);
+/// The crash files in `folder` that are newer than the one named `lastTold`, oldest first. One from after `now`, ms
+/// since the epoch, waits until then: a clock was ahead. Other files don't count.
+QStringList filesAfter(const QString &folder, const QString &lastTold, qint64 now);
 
 /// Logs a warning for each crash file of an earlier run, once.
 void tellOfEarlierCrashes(const QString &folder, StateFile &state);

@@ -6,6 +6,7 @@
 #include "support/TestRegistry.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -30,7 +31,10 @@ class LastWordsTest : public QObject
 {
     Q_OBJECT
 
-    static QStringList crashFiles(const QTemporaryDir &folder) { return filesAfter(folder.path(), {}); }
+    static QStringList crashFiles(const QTemporaryDir &folder)
+    {
+        return filesAfter(folder.path(), {}, QDateTime::currentMSecsSinceEpoch() + 60'000);
+    }
 
     /// What the program leaves that crashes in this way.
     static QString reportOf(const QString &how, const QTemporaryDir &folder)
@@ -58,6 +62,8 @@ private slots:
         row("memory", "\nSignal: SIGSEGV, address 0x10\n", "\nException code: 0xc0000005, ", "writeIntoNothing");
         row("thread", "\nSignal: SIGSEGV, address 0x10\n", "\nException code: 0xc0000005, ", "writeIntoNothing");
         row("stack", "\nSignal: SIGSEGV, address 0x", "\nException code: 0xc00000fd, ", "goDeeper");
+        row("threads", "\nSignal: SIGSEGV, address 0x10\n", "\nException code: 0xc0000005, ", "writeIntoNothing");
+        row("nothing", "\nSignal: SIGSEGV, address 0x0\n", "\nException code: 0xc0000005, ", "callNothing");
         row("abort", "\nSignal: SIGABRT\n", "\nSignal: SIGABRT\n", "abort");
         row("fatal", "\nSignal: SIGABRT\n", "\nSignal: SIGABRT\n", "abort");
         row("exception", "\nSignal: SIGABRT\nException: N12_GLOBAL__N_18OddErrorE\n",
@@ -143,17 +149,30 @@ private slots:
                  time.toString(QStringLiteral("'crash-'yyyy-MM-dd_hh-mm-ss'.txt'")));
     }
 
+    void newerFilesAreFound_data()
+    {
+        QTest::addColumn<QString>("lastTold");
+        QTest::addColumn<QStringList>("found");
+        const QString first = QStringLiteral("crash-2024-01-01_00-00-00.txt");
+        const QString second = QStringLiteral("crash-2024-01-02_00-00-00.txt");
+        QTest::newRow("none told") << QString() << QStringList{first, second};
+        QTest::newRow("one told") << first << QStringList{second};
+        QTest::newRow("all told") << second << QStringList();
+        QTest::newRow("told what is none") << QStringLiteral("crash-zzz.txt") << QStringList{first, second};
+        QTest::newRow("told by a clock ahead")
+            << QStringLiteral("crash-2024-01-03_12-00-01.txt") << QStringList{first, second};
+    }
     void newerFilesAreFound()
     {
+        QFETCH(const QString, lastTold);
         const QTemporaryDir folder;
-        for (const char *name : {"crash-2026-01-02_00-00-00.txt", "crash-2026-01-01_00-00-00.txt", "b.log"})
+        for (const char *name :
+             {"crash-2024-01-02_00-00-00.txt", "crash-2024-01-01_00-00-00.txt", "b.log", "crash-zzz.txt",
+              "crash-2024-01-01_00-00-00 (copy).txt", "crash-2024-01-32_00-00-00.txt", "crash-2024-01-03_12-00-01.txt"})
             QVERIFY(QFile(folder.filePath(QString::fromLatin1(name))).open(QIODevice::WriteOnly));
-        const QString older = QStringLiteral("crash-2026-01-01_00-00-00.txt");
-        const QString newer = QStringLiteral("crash-2026-01-02_00-00-00.txt");
-        QCOMPARE(filesAfter(folder.path(), {}), (QStringList{older, newer}));
-        QCOMPARE(filesAfter(folder.path(), older), QStringList{newer});
-        QCOMPARE(filesAfter(folder.path(), newer), QStringList());
-        QCOMPARE(filesAfter(folder.filePath(QStringLiteral("none")), {}), QStringList());
+        const qint64 now = QDateTime({2024, 1, 3}, {12, 0}, Qt::UTC).toMSecsSinceEpoch();
+        QTEST(filesAfter(folder.path(), lastTold, now), "found");
+        QCOMPARE(filesAfter(folder.filePath(QStringLiteral("none")), lastTold, now), QStringList());
     }
 
     void theNextStartNamesThemOnce()
@@ -166,11 +185,11 @@ private slots:
             return log.texts(QtWarningMsg);
         };
         QCOMPARE(told(), QStringList());
-        QVERIFY(QFile(folder.filePath(QStringLiteral("crash-2026-01-01_00-00-00.txt"))).open(QIODevice::WriteOnly));
+        QVERIFY(QFile(folder.filePath(QStringLiteral("crash-2024-01-01_00-00-00.txt"))).open(QIODevice::WriteOnly));
         QCOMPARE(told(), QStringList{QStringLiteral("An earlier run crashed; what it left is ") +
-                                     folder.filePath(QStringLiteral("crash-2026-01-01_00-00-00.txt"))});
+                                     folder.filePath(QStringLiteral("crash-2024-01-01_00-00-00.txt"))});
         QCOMPARE(told(), QStringList());
-        QVERIFY(QFile(folder.filePath(QStringLiteral("crash-2026-01-02_00-00-00.txt"))).open(QIODevice::WriteOnly));
+        QVERIFY(QFile(folder.filePath(QStringLiteral("crash-2024-01-02_00-00-00.txt"))).open(QIODevice::WriteOnly));
         QCOMPARE(told().size(), 1);
     }
 

@@ -6,10 +6,12 @@
 #include <QDebug>
 #include <QString>
 
+#include <barrier>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #ifdef _WIN32
 #define EXPORTED extern "C" __declspec(dllexport) __attribute__((noinline))
@@ -21,6 +23,12 @@ EXPORTED void writeIntoNothing()
 {
     int *volatile nowhere = reinterpret_cast<int *>(16);
     *nowhere = 1;
+}
+
+EXPORTED int callNothing()
+{
+    int (*volatile nothing)() = nullptr;
+    return nothing() + 1; // a call that comes back, no jump
 }
 
 volatile bool hasBottom = false;
@@ -42,12 +50,29 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+void crashTogether()
+{
+    std::barrier start(4);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&start] {
+            start.arrive_and_wait();
+            writeIntoNothing();
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
 void crash(QByteArrayView how)
 {
     if (how == "memory")
         writeIntoNothing();
     else if (how == "thread")
         std::thread(writeIntoNothing).join();
+    else if (how == "threads")
+        crashTogether();
+    else if (how == "nothing")
+        callNothing();
     else if (how == "stack")
         goDeeper(0);
     else if (how == "abort")
