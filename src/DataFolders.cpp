@@ -49,21 +49,35 @@ DataFolders findDataFolders(const QString &programFolder, const QString &ownFold
                           .besideHasSettings = QFileInfo::exists(settingsIn(programFolder)),
                           .ownHasSettings = QFileInfo::exists(settingsIn(ownFolder))};
     const RootChoice choice = chooseRoot(facts);
-    if (choice != RootChoice::Beside)
-        QDir().mkpath(ownFolder);
-    if (choice == RootChoice::OwnTakingSettings && QFile::copy(settingsIn(programFolder), settingsIn(ownFolder)))
-        QFile::setPermissions(settingsIn(ownFolder), QFile::ReadOwner | QFile::WriteOwner); // not those of the source
     return {.root = choice == RootChoice::Beside ? programFolder : ownFolder,
             .readOnly = {programFolder,
                          QDir::cleanPath(QDir(programFolder).filePath(QStringLiteral("../share/TarvoClient")))},
-            .reason = reasonFor(choice, facts)};
+            .reason = reasonFor(choice, facts),
+            .settingsFrom = choice == RootChoice::OwnTakingSettings ? programFolder : QString()};
+}
+
+DataFolders findDataFolders()
+{
+    // The organisation stays unset, so that the folder has the program's name alone.
+    return findDataFolders(QCoreApplication::applicationDirPath(),
+                           QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+}
+
+void makeDataFolders(const DataFolders &folders)
+{
+    QDir().mkpath(folders.root);
+    if (!folders.settingsFrom.isEmpty() && QFile::copy(settingsIn(folders.settingsFrom), settingsIn(folders.root)))
+        QFile::setPermissions(settingsIn(folders.root),
+                              QFile::ReadOwner | QFile::WriteOwner); // not those of the source
 }
 
 const DataFolders &dataFolders()
 {
-    // The organisation stays unset, so that the folder has the program's name alone.
-    static const DataFolders folders = findDataFolders(
-        QCoreApplication::applicationDirPath(), QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    static const DataFolders folders = [] {
+        DataFolders found = findDataFolders();
+        makeDataFolders(found);
+        return found;
+    }();
     return folders;
 }
 

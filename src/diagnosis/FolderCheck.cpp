@@ -12,13 +12,21 @@ namespace {
 
 constexpr qint64 bytesWanted = 200'000'000; ///< three files of the network log
 
+/// It, or what it will be made in.
+QString existing(QString folder)
+{
+    while (!QFileInfo::exists(folder) && QFileInfo(folder).path() != folder)
+        folder = QFileInfo(folder).path();
+    return folder;
+}
+
 } // namespace
 
 FolderFacts lookAtFolder(const QString &root)
 {
     const QString logs = QDir(root).filePath(QStringLiteral("logs"));
     FolderFacts facts{.root = root, .exists = QFileInfo(root).isDir()};
-    facts.rootWritable = facts.exists && isWritableFolder(root);
+    facts.rootWritable = isWritableFolder(existing(root));
     facts.logsWritable = QFileInfo(logs).exists() ? isWritableFolder(logs) : facts.rootWritable;
     facts.freeBytes = facts.exists ? QStorageInfo(root).bytesAvailable() : -1;
     return facts;
@@ -31,6 +39,8 @@ Findings judgeFolder(const QString &root, const std::optional<FolderFacts> &fact
     const QString rights = Texts::tr("取得这个文件夹的写权限，或把程序移到可写的地方。");
     if (!facts)
         return {{Mark::Bad, title, Texts::tr("%1 没有及时应答").arg(shownRoot), Texts::tr("检查它所在的磁盘。")}};
+    if (!facts->exists && facts->rootWritable)
+        return {{Mark::Good, title, Texts::tr("%1，第一次启动时建立").arg(shownRoot)}};
     if (!facts->exists)
         return {{Mark::Bad, title, Texts::tr("%1 不存在").arg(shownRoot), rights}};
     if (!facts->rootWritable)

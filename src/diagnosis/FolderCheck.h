@@ -13,7 +13,7 @@ struct FolderFacts
 {
     QString root;
     bool exists = false;
-    bool rootWritable = false;
+    bool rootWritable = false; ///< or can be made
     bool logsWritable = false; ///< or could be made
     qint64 freeBytes = -1;     ///< negative: unknown
 };

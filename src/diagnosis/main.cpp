@@ -53,8 +53,9 @@ ExitCode pack(const PackContents &contents, const QString &file, Speaker &speake
 
 ExitCode run(const Arguments &arguments)
 {
-    const QString root = dataFolders().root;
-    const StoredSettings settings = readSettings(root);
+    const DataFolders folders = findDataFolders(); // which makes none: that is left to the client
+    const QString root = folders.root;
+    const StoredSettings settings = readSettings(folders.settingsFrom.isEmpty() ? root : folders.settingsFrom);
     const ServiceEndpoints endpoints;
     Speaker speaker;
     speaker.say(
@@ -103,6 +104,7 @@ int main(int argc, char **argv)
         code = obey(*arguments);
     else
         QTextStream(stderr) << "tarvo-support: " << error << Qt::endl;
-    keepConsole();
+    if (!arguments || !arguments->listSound) // nobody sees the window of that process
+        keepConsole();
     std::_Exit(code); // a look-up or a sound system that hangs would hold the end
 }

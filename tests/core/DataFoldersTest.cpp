@@ -83,8 +83,22 @@ private slots:
     void whereNothingCanBeWrittenTheUsersOwnFolderIsMade()
     {
         write(u"file"_qs); // nothing can be written inside a file, not even by root
-        QCOMPARE(found(u"file"_qs).root, at(u"own"_qs));
+        const DataFolders folders = found(u"file"_qs);
+        QCOMPARE(folders.root, at(u"own"_qs));
+        QVERIFY(folders.settingsFrom.isEmpty());
+        QVERIFY(!QFileInfo::exists(at(u"own"_qs))); // only looked for
+        makeDataFolders(folders);
         QVERIFY(QFileInfo(at(u"own"_qs)).isDir());
+    }
+
+    void settingsComeAlong()
+    {
+        write(u"program/config.ini"_qs);
+        makeDataFolders({.root = at(u"own"_qs), .readOnly = {}, .settingsFrom = at(u"program"_qs)});
+        QFile copy(at(u"own/config.ini"_qs));
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray("[Auth]\nUsername=me\n"));
+        QVERIFY(!(copy.permissions() & (QFile::ReadGroup | QFile::ReadOther)));
     }
 
     void whatCameWithTheProgramIsBesideItOrInstalled()

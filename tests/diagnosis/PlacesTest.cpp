@@ -54,9 +54,12 @@ private slots:
         const FolderFacts facts = lookAtFolder(folder.path());
         QVERIFY(facts.exists && facts.rootWritable && facts.logsWritable && facts.freeBytes > 0);
         QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
-        QVERIFY(!lookAtFolder(folder.filePath(u"none"_qs)).exists);
+        const FolderFacts none = lookAtFolder(folder.filePath(u"none/deep"_qs));
+        QVERIFY(!none.exists && none.rootWritable);
+        QVERIFY(!QFile::exists(none.root.section(u'/', 0, -2)));
         QFile(folder.filePath(u"logs"_qs)).open(QIODevice::WriteOnly); // a file in its place
         QVERIFY(!lookAtFolder(folder.path()).logsWritable);
+        QVERIFY(!lookAtFolder(folder.filePath(u"logs/deep"_qs)).rootWritable);
     }
 
     void aFolderIsJudged_data()
@@ -76,6 +79,8 @@ private slots:
         QTest::newRow("logs locked") << facts << QStringList{u"✓ 数据文件夹"_qs, u"✗ 日志文件夹"_qs, u"✓ 磁盘空间"_qs};
         facts.rootWritable = false;
         QTest::newRow("locked") << facts << QStringList{u"✗ 数据文件夹"_qs};
+        QTest::newRow("before the first start")
+            << FolderFacts{.root = u"/r"_qs, .rootWritable = true} << QStringList{u"✓ 数据文件夹"_qs};
         QTest::newRow("not there") << FolderFacts{.root = u"/r"_qs} << QStringList{u"✗ 数据文件夹"_qs};
     }
     void aFolderIsJudged()
