@@ -4,6 +4,7 @@
 #include "diagnosis/TimeLimit.h"
 #include "fsd/AddressLookup.h"
 
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QHostAddress>
 #include <QHostInfo>
@@ -11,6 +12,7 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
@@ -48,18 +50,54 @@ int msOf(milliseconds limit)
 /// The first line of an FSD server within the limit begins so.
 bool greets(QTcpSocket &socket, milliseconds limit)
 {
-    constexpr qsizetype longestGreeting = 1024;
+    constexpr qint64 worthReading = 1024; // bytes
+    socket.setReadBufferSize(worthReading);
     const QByteArray wanted("$DI");
+    const QDeadlineTimer deadline(limit); // not anew for each byte
     QByteArray said;
-    while (said.size() < wanted.size() && said.size() < longestGreeting) {
-        if (!socket.waitForReadyRead(msOf(limit)))
+    while (said.size() < wanted.size()) {
+        if (!socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())))
             return false;
-        said += socket.read(longestGreeting);
+        said += socket.readAll();
     }
     return said.startsWith(wanted);
 }
 
-ServiceFacts trySocket(const Service &service, const QHostAddress &address, const ServiceLimits &limits)
+/// Only an answer by HTTP itself counts; a proxy that wants a sign-in answers in place of the service.
+ServiceFacts factsOf(const QNetworkReply &reply, const QString &place)
+{
+    constexpr int firstFailure = 500;
+    constexpr int askedByProxy = 407;
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QString words = QStringLiteral("HTTP %1").arg(status);
+    if (status == askedByProxy)
+        return {ServiceStep::NoAnswer, words};
+    if (status > 0) // without a sign-in "not found" and "forbidden" are answers like any other
+        return {status < firstFailure ? ServiceStep::Answered : ServiceStep::Failing, words};
+    if (reply.error() == QNetworkReply::SslHandshakeFailedError)
+        return {ServiceStep::BadCertificate, reply.errorString()};
+    return {ServiceStep::NoAnswer, reply.error() == QNetworkReply::NoError ? place : reply.errorString()};
+}
+
+/// The head of the answer is enough, and one timer for all of it: Qt's own begins anew with every byte.
+ServiceFacts tryHttp(const QUrl &url, const QString &place, milliseconds limit)
+{
+    constexpr qint64 worthReading = 16 * 1024; // bytes
+    QNetworkAccessManager manager;
+    const std::unique_ptr<QNetworkReply> reply(manager.get(QNetworkRequest(url)));
+    reply->setReadBufferSize(worthReading);
+    QEventLoop loop;
+    QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, &QEventLoop::quit);
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+    if (!reply->isFinished())
+        loop.exec();
+    const ServiceFacts facts = factsOf(*reply, place);
+    reply->abort();
+    return facts;
+}
+
+ServiceFacts tryAddress(const Service &service, const QHostAddress &address, const ServiceLimits &limits)
 {
     QTcpSocket socket;
     socket.connectToHost(address, service.port);
@@ -67,41 +105,12 @@ ServiceFacts trySocket(const Service &service, const QHostAddress &address, cons
         const bool isRefused = socket.error() == QAbstractSocket::ConnectionRefusedError;
         return {isRefused ? ServiceStep::Refused : ServiceStep::NoConnection, socket.errorString()};
     }
-    const QString text = QStringLiteral("%1:%2").arg(address.toString()).arg(service.port);
+    const QString place = QStringLiteral("%1:%2").arg(address.toString()).arg(service.port);
+    if (service.kind == ServiceKind::Http) // which makes a connection of its own and would not tell why it gets none
+        return tryHttp(service.url, place, limits.answer);
     if (service.kind == ServiceKind::Fsd && !greets(socket, limits.answer))
-        return {ServiceStep::NoAnswer, text};
-    return {ServiceStep::Answered, text};
-}
-
-ServiceFacts factsOf(const QNetworkReply &reply)
-{
-    constexpr int firstFailure = 500;
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status >= firstFailure)
-        return {ServiceStep::Failing, QStringLiteral("HTTP %1").arg(status)};
-    if (status > 0) // without a sign-in "not found" and "forbidden" are answers like any other
-        return {ServiceStep::Answered, QStringLiteral("HTTP %1").arg(status)};
-    switch (reply.error()) {
-    case QNetworkReply::SslHandshakeFailedError:
-        return {ServiceStep::BadCertificate, reply.errorString()};
-    case QNetworkReply::ConnectionRefusedError:
-        return {ServiceStep::Refused, reply.errorString()};
-    default:
-        return {ServiceStep::NoAnswer, reply.errorString()};
-    }
-}
-
-ServiceFacts tryHttp(const Service &service, const ServiceLimits &limits)
-{
-    QNetworkAccessManager manager;
-    QNetworkRequest request(service.url);
-    request.setTransferTimeout(msOf(limits.connection + limits.answer));
-    const std::unique_ptr<QNetworkReply> reply(manager.get(request));
-    QEventLoop loop;
-    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    if (!reply->isFinished())
-        loop.exec();
-    return factsOf(*reply);
+        return {ServiceStep::NoAnswer, place};
+    return {ServiceStep::Answered, place};
 }
 
 /// What is told of each step, and what a pilot can do about it.
@@ -154,7 +163,7 @@ ServiceFacts tryService(const Service &service, const ServiceLimits &limits)
         return {ServiceStep::NameTooLate};
     if (address->isNull())
         return {ServiceStep::NoName};
-    return service.kind == ServiceKind::Http ? tryHttp(service, limits) : trySocket(service, *address, limits);
+    return tryAddress(service, *address, limits);
 }
 
 Finding judgeService(const Service &service, const ServiceFacts &facts)

@@ -39,7 +39,7 @@ enum class ServiceStep
     NameTooLate,  ///< the name server says nothing
     Refused,      ///< nobody listens there
     NoConnection, ///< nothing comes back, or no way leads there
-    NoAnswer,     ///< connected, and then silence or something else
+    NoAnswer,     ///< connected, and then silence or something else, such as a proxy
     Failing,      ///< an HTTP status from 500 on
     BadCertificate,
     Answered

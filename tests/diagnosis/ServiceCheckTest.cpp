@@ -4,8 +4,12 @@
 #include "support/TestRegistry.h"
 
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
+#include <algorithm>
+#include <array>
 #include <thread>
 
 using namespace tarvo;
@@ -77,6 +81,7 @@ private slots:
         QTest::newRow("fine") << 200 << ServiceStep::Answered;
         QTest::newRow("wants a sign-in") << 401 << ServiceStep::Answered;
         QTest::newRow("has nothing there") << 404 << ServiceStep::Answered;
+        QTest::newRow("a proxy wants a sign-in") << 407 << ServiceStep::NoAnswer;
         QTest::newRow("fails") << 503 << ServiceStep::Failing;
     }
     void httpStatuses()
@@ -99,6 +104,35 @@ private slots:
         QCOMPARE(tryService(serviceAt(ServiceKind::Http, peer.port()), limits).step, ServiceStep::NoAnswer);
     }
 
+    void anHttpServiceThatDrips_data()
+    {
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<QByteArray>("drop");
+        QTest::addColumn<ServiceStep>("step");
+        QTest::newRow("its head") << QByteArray("HTTP/1.1 200 OK\r\n") << QByteArray("X: 1\r\n")
+                                  << ServiceStep::NoAnswer;
+        QTest::newRow("its body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n") << QByteArray("x")
+                                  << ServiceStep::Answered;
+    }
+    void anHttpServiceThatDrips()
+    {
+        QFETCH(const QByteArray, head);
+        QFETCH(const QByteArray, drop);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        QTimer drip;
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            while (QTcpSocket *socket = server.nextPendingConnection()) {
+                socket->write(head);
+                connect(&drip, &QTimer::timeout, socket, [socket, drop] { socket->write(drop); });
+            }
+        });
+        drip.start(2);
+        // Its transfer never pauses for as long as this.
+        const ServiceLimits limits{.name = 5s, .connection = 5s, .answer = 50ms};
+        QTEST(tryService(serviceAt(ServiceKind::Http, server.serverPort()), limits).step, "step");
+    }
+
     void nobodyListens_data()
     {
         QTest::addColumn<ServiceKind>("kind");
@@ -114,6 +148,24 @@ private slots:
         const quint16 port = closed.serverPort();
         closed.close();
         QCOMPARE(tryService(serviceAt(kind, port)).step, ServiceStep::Refused);
+    }
+
+    void whereNothingConnects_data() { nobodyListens_data(); }
+    void whereNothingConnects()
+    {
+        QFETCH(const ServiceKind, kind);
+        QTcpServer server; // takes nobody, and has room for few who wait
+        server.setListenBacklogSize(1);
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        std::array<QTcpSocket, 8> waiting;
+        const bool isFull = std::any_of(waiting.begin(), waiting.end(), [&server](QTcpSocket &socket) {
+            socket.connectToHost(QHostAddress::LocalHost, server.serverPort());
+            return !socket.waitForConnected(30);
+        });
+        if (!isFull)
+            QSKIP("This system lets any number of them wait.");
+        const ServiceLimits limits{.name = 5s, .connection = 30ms, .answer = 5s};
+        QCOMPARE(tryService(serviceAt(kind, server.serverPort()), limits).step, ServiceStep::NoConnection);
     }
 
     void aSilentServer()
@@ -150,6 +202,27 @@ private slots:
         checking.join();
         QVERIFY(connected);
         QTEST(facts.step, "step");
+    }
+
+    void aGreetingThatDrips()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        ServiceFacts facts{ServiceStep::Answered};
+        const Service service = serviceAt(ServiceKind::Fsd, server.serverPort());
+        std::thread checking([&] { facts = tryService(service, {.answer = 60ms}); });
+        const bool connected = server.waitForNewConnection(5000);
+        if (connected) {
+            QTcpSocket *peer = server.nextPendingConnection();
+            for (const char *byte : {"$", "D", "I"}) { // each within the limit, all three not
+                peer->write(byte);
+                peer->waitForBytesWritten(5000);
+                peer->waitForDisconnected(40);
+            }
+        }
+        checking.join();
+        QVERIFY(connected);
+        QCOMPARE(facts.step, ServiceStep::NoAnswer);
     }
 
     void aNameThatIsNone()
