@@ -64,7 +64,7 @@ Findings checkXPlane(const CheckupPlan &plan)
     if (plan.simulator.value_or(SimulatorMode::XPlane) != SimulatorMode::XPlane)
         return {};
     const QString configured = plan.settings.text(config::xplaneNetworkAddress);
-    const auto port = static_cast<quint16>(plan.settings.number(config::xplaneUdpPort));
+    const quint16 port = datarefPort(plan.settings.number(config::xplaneUdpPort));
     const QHostAddress address = datarefHost(configured);
     Findings findings;
     if (isLocalMachine(configured)) {

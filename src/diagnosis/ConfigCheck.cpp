@@ -49,7 +49,7 @@ bool isUsable(const IntKey &key, const QString &value, const QByteArray &)
     bool ok = false;
     const int number = value.toInt(&ok);
     const bool isPort = QLatin1StringView(key.key) == QLatin1StringView(config::xplaneUdpPort.key);
-    return ok && (!isPort || (number >= 1 && number <= 65535));
+    return ok && (!isPort || simulator::xplane::datarefPort(number) == number);
 }
 
 bool isUsable(const RealKey &, const QString &value, const QByteArray &)

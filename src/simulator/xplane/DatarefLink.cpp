@@ -23,8 +23,6 @@ constexpr int ticksUntilRest = 20;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
 constexpr int datagramsPerRound = 150;
 constexpr qsizetype largestDatagram = 65536;
-constexpr int lowestPort = 1;
-constexpr int highestPort = 65535;
 
 /// The socket is for IPv4 alone, so that every sender has an IPv4 address.
 bool isFrom(const QHostAddress &target, const QHostAddress &sender)
@@ -177,13 +175,12 @@ void DatarefLink::send(const QByteArray &packet)
 quint16 DatarefLink::targetPort()
 {
     const int port = m_config.get(config::xplaneUdpPort);
-    if (port >= lowestPort && port <= highestPort) {
+    const quint16 used = datarefPort(port);
+    if (used == port)
         m_refusedPort.reset();
-        return static_cast<quint16>(port);
-    }
-    if (std::exchange(m_refusedPort, port) != port) // once, and not for each of the packets
-        qWarning() << "X-Plane UDP port" << port << "does not exist; using" << config::xplaneUdpPort.defaultValue;
-    return static_cast<quint16>(config::xplaneUdpPort.defaultValue);
+    else if (std::exchange(m_refusedPort, port) != port) // once, and not for each of the packets
+        qWarning() << "X-Plane UDP port" << port << "does not exist; using" << used;
+    return used;
 }
 
 } // namespace tarvo::simulator::xplane

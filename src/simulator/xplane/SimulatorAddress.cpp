@@ -1,5 +1,7 @@
 #include "simulator/xplane/SimulatorAddress.h"
 
+#include "ConfigKey.h"
+
 namespace tarvo::simulator::xplane {
 
 bool isLocalMachine(const QString &configured)
@@ -20,6 +22,13 @@ PluginAddress pluginAddress(const QString &configured, const QString &localUrl)
 QHostAddress datarefHost(const QString &configured)
 {
     return isLocalMachine(configured) ? QHostAddress(QHostAddress::LocalHost) : QHostAddress(configured.trimmed());
+}
+
+quint16 datarefPort(int configured)
+{
+    constexpr int highestPort = 65535;
+    const bool exists = configured > 0 && configured <= highestPort;
+    return static_cast<quint16>(exists ? configured : config::xplaneUdpPort.defaultValue);
 }
 
 } // namespace tarvo::simulator::xplane

@@ -23,4 +23,7 @@ PluginAddress pluginAddress(const QString &configured, const QString &localUrl);
 /// Where X-Plane's UDP interface is. Null when the text is no IP address: then nothing is sent and nothing accepted.
 QHostAddress datarefHost(const QString &configured);
 
+/// The port of X-Plane's UDP interface; the setting's default where the configured number is none.
+quint16 datarefPort(int configured);
+
 } // namespace tarvo::simulator::xplane

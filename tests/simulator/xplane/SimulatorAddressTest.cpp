@@ -47,6 +47,23 @@ private slots:
         QTEST(address.url, "url");
         QTEST(datarefHost(configured), "host");
     }
+
+    void portMeans_data()
+    {
+        QTest::addColumn<int>("configured");
+        QTest::addColumn<quint16>("port");
+        QTest::newRow("lowest") << 1 << quint16(1);
+        QTest::newRow("highest") << 65535 << quint16(65535);
+        QTest::newRow("none") << 0 << quint16(49000);
+        QTest::newRow("negative") << -1 << quint16(49000);
+        QTest::newRow("one too many") << 65536 << quint16(49000);
+        QTest::newRow("another port in 16 bits") << 65536 + 49001 << quint16(49000);
+    }
+    void portMeans()
+    {
+        QFETCH(const int, configured);
+        QTEST(datarefPort(configured), "port");
+    }
 };
 
 TARVO_TEST(SimulatorAddressTest)
