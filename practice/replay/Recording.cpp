@@ -12,24 +12,23 @@ namespace {
 
 constexpr qint64 msOfDay = 86'400'000;
 
-/// Makes one time line of times of day.
+/// Makes one time line of times of day: each is the one nearest to the one before, of this day or a neighbouring one.
 class Timeline
 {
 public:
     qint64 at(const QTime &timeOfDay)
     {
-        qint64 ms = m_day + timeOfDay.msecsSinceStartOfDay();
-        if (ms + msOfDay / 2 < m_last) { // past midnight
-            m_day += msOfDay;
-            ms += msOfDay;
-        }
-        m_last = std::max(ms, m_last);
-        return m_last;
+        const qint64 ms = timeOfDay.msecsSinceStartOfDay();
+        if (!m_last)
+            m_last = ms;
+        constexpr qint64 half = msOfDay / 2;
+        const qint64 step = (ms - *m_last % msOfDay + msOfDay + half) % msOfDay - half;
+        *m_last += std::max<qint64>(step, 0);
+        return *m_last;
     }
 
 private:
-    qint64 m_day = 0;
-    qint64 m_last = 0;
+    std::optional<qint64> m_last;
 };
 
 bool isLogin(const QString &line)

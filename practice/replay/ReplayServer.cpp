@@ -9,6 +9,7 @@ namespace {
 const QByteArray lineEnd("\r\n");
 constexpr qsizetype longestLine = 65536;
 constexpr int tickMs = 10;
+constexpr qint64 mostWaiting = 1'000'000; ///< bytes
 
 } // namespace
 
@@ -33,7 +34,7 @@ void ReplayServer::close()
 void ReplayServer::leave()
 {
     m_timer.stop();
-    m_callsign.clear();
+    m_callsign.reset();
     if (QTcpSocket *socket = std::exchange(m_socket, nullptr)) {
         socket->disconnect(); // nobody else listens to it
         socket->abort();
@@ -66,7 +67,7 @@ void ReplayServer::read()
 {
     const QList<QByteArray> lines = m_reader.feed(m_socket->readAll());
     for (const QByteArray &line : lines) {
-        if (m_callsign.isEmpty() && (line.startsWith("#AP") || line.startsWith("#AA")))
+        if (!m_callsign && (line.startsWith("#AP") || line.startsWith("#AA")))
             begin(QString::fromLatin1(line));
     }
 }
@@ -75,22 +76,23 @@ void ReplayServer::begin(const QString &login)
 {
     m_callsign = login.section(QLatin1Char(':'), 0, 0).mid(3);
     m_loginMs = m_clock.steadyMs();
-    emit clientLoggedIn(m_callsign);
-    if (!m_settings.stepwise)
+    emit clientLoggedIn(QString(*m_callsign));
+    if (linesLeft() == 0)
+        emit finished(QString(*m_callsign));
+    else if (!m_settings.stepwise)
         m_timer.start(tickMs);
 }
 
 void ReplayServer::send(const RecordedLine &line)
 {
-    const QString text =
-        readdressed(line.text, m_playing.callsign, m_callsign.isEmpty() ? m_playing.callsign : m_callsign);
+    const QString text = readdressed(line.text, m_playing.callsign, m_callsign.value_or(m_playing.callsign));
     m_socket->write(text.toLatin1() + lineEnd);
-    emit lineSent(m_callsign.isEmpty() ? m_socket->peerAddress().toString() : m_callsign, text);
+    emit lineSent(m_callsign.value_or(m_socket->peerAddress().toString()), text);
 }
 
 qsizetype ReplayServer::linesLeft() const
 {
-    return m_callsign.isEmpty() ? 0 : m_playing.lines.size() - m_nextLine;
+    return !m_callsign ? 0 : m_playing.lines.size() - m_nextLine;
 }
 
 qint64 ReplayServer::nextMs() const
@@ -104,7 +106,7 @@ void ReplayServer::sendNext()
     send(m_playing.lines.at(m_nextLine++));
     if (linesLeft() == 0) {
         m_timer.stop();
-        emit finished(m_callsign);
+        emit finished(QString(*m_callsign));
     }
 }
 
@@ -120,7 +122,9 @@ bool ReplayServer::step(int lines)
 void ReplayServer::sendDue()
 {
     const double now = static_cast<double>(m_clock.steadyMs() - m_loginMs) * m_settings.speed;
-    while (m_socket && linesLeft() > 0 && static_cast<double>(nextMs()) <= now)
+    // A client that reads nothing gets no more.
+    while (m_socket && m_socket->bytesToWrite() < mostWaiting && linesLeft() > 0 &&
+           static_cast<double>(nextMs()) <= now)
         sendNext();
 }
 

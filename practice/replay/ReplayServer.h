@@ -10,6 +10,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <optional>
+
 namespace tarvo::practice {
 
 struct ReplaySettings
@@ -72,7 +74,7 @@ private:
     qsizetype m_nextConnection = 0;
     qsizetype m_nextLine = 0;
     qint64 m_loginMs = 0;
-    QString m_callsign; ///< empty before the login
+    std::optional<QString> m_callsign; ///< nothing before the login; a client may give an empty one
 };
 
 } // namespace tarvo::practice

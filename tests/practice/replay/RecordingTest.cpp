@@ -81,17 +81,22 @@ private slots:
 
     void timesGoOn_data()
     {
+        QTest::addColumn<QString>("first");
         QTest::addColumn<QString>("second");
         QTest::addColumn<qint64>("ms");
-        QTest::newRow("later") << u"23:59:59.500"_qs << qint64(500);
-        QTest::newRow("past midnight") << u"00:00:01.000"_qs << qint64(2000);
-        QTest::newRow("the clock was set back") << u"23:50:00.000"_qs << qint64(0);
+        const QString night = u"23:59:59.000"_qs;
+        QTest::newRow("later") << night << u"23:59:59.500"_qs << qint64(500);
+        QTest::newRow("past midnight") << night << u"00:00:01.000"_qs << qint64(2000);
+        QTest::newRow("the clock was set back") << night << u"23:50:00.000"_qs << qint64(0);
+        QTest::newRow("set back past midnight") << u"00:00:01.000"_qs << night << qint64(0);
+        QTest::newRow("half a day less a bit") << u"00:00:00.000"_qs << u"11:59:59.999"_qs << qint64(43'199'999);
     }
     void timesGoOn()
     {
+        QFETCH(const QString, first);
         QFETCH(const QString, second);
         const RecordedConnection read =
-            only(u"[23:59:59.000] <<< #TMSERVER:AB1:1\n[%1] <<< #TMSERVER:AB1:2\n"_qs.arg(second));
+            only(u"[%1] <<< #TMSERVER:AB1:1\n[%2] <<< #TMSERVER:AB1:2\n"_qs.arg(first, second));
         QCOMPARE(read.lines.size(), 2);
         QTEST(read.lines.at(1).ms, "ms");
     }

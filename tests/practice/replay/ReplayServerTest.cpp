@@ -104,6 +104,27 @@ private slots:
         QVERIFY(!bench.server.step(1));
     }
 
+    void aRecordingWithoutLinesEndsAtOnce()
+    {
+        ReplayServer server({.recording = {{u"AB1"_qs, {}, {}}}});
+        QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+        const QSignalSpy finished(&server, &ReplayServer::finished);
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, server.port());
+        client.write("#APAB1:SERVER\r\n");
+        TRY_COMPARE(finished.size(), 1);
+    }
+
+    void anEmptyCallsignIsOne()
+    {
+        ReplayBench bench;
+        QVERIFY(bench.hears("$DISERVER:CLIENT:1:ab\r\n") && bench.logIn("#AP:SERVER:1001:x:1:9:5:Li\r\n"));
+        QCOMPARE(bench.server.linesLeft(), 3);
+        bench.clock.advance(1000);
+        bench.server.sendDue();
+        QVERIFY(bench.hears("#TMSERVER::\xe9\r\nb\r\nc\r\n"));
+    }
+
     void eachConnectionPlaysTheNext()
     {
         ReplayBench bench;
