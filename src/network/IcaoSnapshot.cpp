@@ -30,6 +30,11 @@ IcaoSnapshot::IcaoSnapshot(const QList<SwiftAircraftIcaoRow> &rows, const Metada
     }
     m_designators = m_rows.keys();
     std::sort(m_designators.begin(), m_designators.end());
+    for (const QString &designator : std::as_const(m_designators)) {
+        const QList<SwiftAircraftIcaoRow> types = m_rows.value(designator);
+        for (qsizetype i = 0; i < types.size(); ++i)
+            m_names.add({designator, i}, types.at(i).manufacturer, types.at(i).model);
+    }
 }
 
 SwiftAircraftIcaoResult IcaoSnapshot::normalize(const QString &text) const
@@ -70,6 +75,15 @@ QStringList IcaoSnapshot::suggest(const QString &query, int limit) const
         result.append(*designator);
     }
     return result;
+}
+
+QList<SwiftAircraftIcaoRow> IcaoSnapshot::searchByName(const QString &query, int limit) const
+{
+    QList<SwiftAircraftIcaoRow> types;
+    const QList<TypeNames::Place> places = m_names.search(query, limit);
+    for (const TypeNames::Place &place : places)
+        types.append(m_rows.value(place.designator).at(place.row));
+    return types;
 }
 
 } // namespace tarvo::network

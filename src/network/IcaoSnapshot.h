@@ -1,6 +1,7 @@
 #pragma once
 
 #include "network/SwiftAircraftIcaoRow.h"
+#include "network/TypeNames.h"
 
 #include <QHash>
 #include <QList>
@@ -29,10 +30,13 @@ public:
     SwiftAircraftIcaoResult normalize(const QString &text) const;
     QList<SwiftAircraftIcaoRow> rowsFor(const QString &designator) const { return m_rows.value(designator); }
     QStringList suggest(const QString &query, int limit) const;
+    /// As TypeNames::search(), by designator.
+    QList<SwiftAircraftIcaoRow> searchByName(const QString &query, int limit) const;
 
 private:
     QStringList m_designators; ///< ascending, each once
     QHash<QString, QList<SwiftAircraftIcaoRow>> m_rows;
+    TypeNames m_names;
     Metadata m_metadata;
     QString m_label;
 };

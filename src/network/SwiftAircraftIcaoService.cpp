@@ -267,6 +267,11 @@ QStringList SwiftAircraftIcaoService::suggest(const QString &query, int limit) c
     return m_snapshot.suggest(query, limit);
 }
 
+QList<SwiftAircraftIcaoRow> SwiftAircraftIcaoService::searchByName(const QString &query, int limit) const
+{
+    return m_snapshot.searchByName(query, limit);
+}
+
 void SwiftAircraftIcaoService::normalizeAsync(const QString &text,
                                               std::function<void(const SwiftAircraftIcaoResult &)> callback)
 {

@@ -43,6 +43,8 @@ public:
     QList<SwiftAircraftIcaoRow> rowsFor(const QString &designator) const;
     /// At most `limit` designators that fit what the pilot has typed so far, best first.
     QStringList suggest(const QString &query, int limit) const;
+    /// At most `limit` types whose maker and model have every word that the pilot has typed, each designator once.
+    QList<SwiftAircraftIcaoRow> searchByName(const QString &query, int limit) const;
     /// Calls back with normalize()'s result, now when loaded, else after the load. Doesn't start the load.
     void normalizeAsync(const QString &text, std::function<void(const SwiftAircraftIcaoResult &)> callback);
 

@@ -250,6 +250,11 @@ void ServerPageViewModel::refreshTypeCodeSuggestions(const QString &query)
     const QStringList designators = text.isEmpty() ? QStringList() : m_icao.suggest(text, maximumSuggestions);
     for (const QString &designator : designators)
         suggestions << suggestionFor(designator, m_icao.rowsFor(designator).value(0));
+    // A pilot may know the aeroplane's name alone. As many as there may be in all, as some may stand there already.
+    const QList<network::SwiftAircraftIcaoRow> named = m_icao.searchByName(text, maximumSuggestions);
+    for (const network::SwiftAircraftIcaoRow &row : named)
+        if (suggestions.size() < maximumSuggestions && !designators.contains(row.designator))
+            suggestions << suggestionFor(row.designator, row);
     setSuggestions(suggestions);
 }
 
