@@ -32,6 +32,10 @@ namespace tarvo {
 using namespace std::chrono_literals;
 using model::SimulatorMode;
 
+namespace {
+constexpr auto longestUnpainted = 3s; ///< a window that opens minimised may never be
+}
+
 void Application::setUp()
 {
     QCoreApplication::setApplicationVersion(QStringLiteral(TARVO_VERSION));
@@ -121,8 +125,20 @@ void Application::openMainWindow()
     ui::restorePlace(*m_mainWindow, m_config.state());
     if (m_loginMaximized)
         m_mainWindow->setWindowState(m_mainWindow->windowState() | Qt::WindowMaximized);
+    // Unseen, or at least under the login window, until there is something to see.
+    m_mainWindow->setWindowOpacity(0);
+    QObject::connect(m_mainWindow.get(), &ui::MainWindow::painted, m_mainWindow.get(), [this] { uncoverMainWindow(); });
+    QTimer::singleShot(longestUnpainted, m_mainWindow.get(), [this] { uncoverMainWindow(); });
     m_mainWindow->show();
-    m_loginWindow.hide();
+    m_loginWindow.stay();
+    m_loginWindow.raise();
+}
+
+void Application::uncoverMainWindow()
+{
+    m_mainWindow->setWindowOpacity(1);
+    if (m_mainWindow->isVisible())
+        m_loginWindow.leave();
 }
 
 void Application::activate(SimulatorMode mode)
@@ -158,6 +174,7 @@ void Application::logOut()
             m_config.reset(config::sessionPassword);
             if (!m_loginMaximized)
                 m_loginWindow.move(ui::reachablePlace(m_loginPlace).topLeft()); // its screen may be gone
+            m_loginWindow.leave(); // it may still be waiting for the main window
             m_loginWindow.show();
         });
     });

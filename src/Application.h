@@ -68,6 +68,7 @@ public:
 private:
     void compose();
     void openMainWindow();
+    void uncoverMainWindow();
     void activate(model::SimulatorMode mode);
     std::shared_ptr<simulator::Simulator> makeSimulator(model::SimulatorMode mode) const;
     void logOut();

@@ -299,7 +299,7 @@ void LoginWindow::passwordLoginFailed(const QString &reason)
 
 void LoginWindow::cancelLogin()
 {
-    if (!m_form->isBusy())
+    if (!m_form->isBusy() || m_stays)
         return;
     m_api.clearSession(); // the reply that is under way stores nothing and calls nobody
     m_form->setBusy(false);
@@ -332,8 +332,22 @@ void LoginWindow::finish(const QString &username, const QString &password)
     m_form->setPassword(QString());
     const QPointer<LoginWindow> self(this);
     emit loginSuccess(); // shows the main window, so that closing this one doesn't end the program
-    if (self)
+    if (self && !m_stays)
         self->close();
+}
+
+void LoginWindow::stay()
+{
+    m_stays = true;
+    m_form->setBusy(true);
+}
+
+/// Not by closing it: that might be the last window, and end the program.
+void LoginWindow::leave()
+{
+    m_stays = false;
+    m_form->setBusy(false);
+    hide();
 }
 
 void LoginWindow::onRegisterClicked()

@@ -28,6 +28,11 @@ public:
     LoginWindow(AppConfig &config, network::ApiService &api, const ServiceEndpoints &endpoints = {},
                 QWidget *parent = nullptr);
 
+    /// To be called while loginSuccess() is raised: the window stays, busy, until leave() is called.
+    void stay();
+    /// Hides the window.
+    void leave();
+
 signals:
     /// The account service holds a valid session.
     void loginSuccess();
@@ -69,6 +74,7 @@ private:
     QTimer m_autoLoginTimer{this}; ///< lets the window appear before it signs in by itself
     bool m_autoLoginTried = false;
     bool m_lossTold = false;
+    bool m_stays = false;
 };
 
 } // namespace tarvo::ui

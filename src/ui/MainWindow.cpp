@@ -120,6 +120,7 @@ void MainWindow::createView()
     container->setFocusPolicy(Qt::StrongFocus);
     setCentralWidget(container);
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &MainWindow::passFocusOn);
+    connect(m_view, &QQuickWindow::frameSwapped, this, &MainWindow::painted, Qt::SingleShotConnection);
 
     const QQuickItem *root = m_view->rootObject();
     const int logout = root ? root->metaObject()->indexOfSignal("logoutRequested()") : -1;

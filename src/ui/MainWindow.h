@@ -80,6 +80,8 @@ public:
     QQuickView *view() const { return m_view; }
 
 signals:
+    /// The first frame of the pages is on the screen.
+    void painted();
     /// The taskbar was asked to point at the window, which isn't in front.
     void attentionAsked();
     void logoutRequested();

@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QQuickView>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QShowEvent>
@@ -64,6 +65,7 @@ struct Program
         login.findChild<QLineEdit *>(u"passwordEdit"_qs)->setText(u"practice"_qs);
         login.onLoginClicked();
         QTRY_VERIFY(application.mainWindow());
+        QTRY_VERIFY(!login.isVisible());
     }
     void signOut()
     {
@@ -88,23 +90,36 @@ struct Program
     }
 };
 
-/// Whether the main window is to be seen, each time that the login window goes.
+/// What is to be seen of the main window, each time that the login window goes.
 class HideWatch : public QObject
 {
 public:
-    explicit HideWatch(const Application &application) : m_application(application) {}
+    explicit HideWatch(Application &application) : m_application(application)
+    {
+        application.loginWindow().installEventFilter(this);
+        // Behind the application's own answer, which makes the main window.
+        connect(&application.loginWindow(), &ui::LoginWindow::loginSuccess, this, [this] {
+            m_opacity = m_application.mainWindow()->windowOpacity();
+            connect(m_application.mainWindow()->view(), &QQuickWindow::afterRendering, this, [this] { ++m_frames; });
+        });
+    }
 
-    QList<bool> mainWasVisible;
+    QStringList seen;
+    /// Of the main window while it has nothing painted.
+    qreal opacityAtFirst() const { return m_opacity; }
 
 private:
     bool eventFilter(QObject *, QEvent *event) override
     {
+        const ui::MainWindow *main = m_application.mainWindow();
         if (event->type() == QEvent::Hide)
-            mainWasVisible << (m_application.mainWindow() && m_application.mainWindow()->isVisible());
+            seen << (!main || !main->isVisible() ? u"none"_qs : m_frames > 0 ? u"painted"_qs : u"unpainted"_qs);
         return false;
     }
 
-    const Application &m_application;
+    Application &m_application;
+    int m_frames = 0;
+    qreal m_opacity = -1;
 };
 
 } // namespace
@@ -140,9 +155,10 @@ private slots:
     {
         Program program;
         HideWatch watch(program.application);
-        program.application.loginWindow().installEventFilter(&watch);
         program.signIn();
-        QCOMPARE(watch.mainWasVisible, QList<bool>{true});
+        QCOMPARE(watch.seen, QStringList{u"painted"_qs});
+        QCOMPARE(watch.opacityAtFirst(), 0.0);
+        QCOMPARE(program.main().windowOpacity(), 1.0);
     }
 
     void aMaximisedLoginOpensAMaximisedMainWindow()
