@@ -2,44 +2,46 @@ import QtQuick
 import com.tarvonet.backend
 import "../.."
 
-/// The plot's range, its steps, and the way back to the one that follows the traffic.
-Row {
-    id: row
+/// The plot's range, its steps, and the way back to the one that follows the traffic; a corner that the rings leave free.
+Column {
+    id: scale
 
     required property SimulatorBackend simulator
     required property int range
 
     enabled: simulator !== null
-    spacing: 5
+    spacing: 2
 
-    StepButton {
-        objectName: "narrowerRange"
-        text: "−"
-        Accessible.name: qsTr("缩小量程")
-        onClicked: row.simulator.stepPlotRange(-1)
-    }
+    Row {
+        spacing: 5
 
-    StepButton {
-        objectName: "widerRange"
-        text: "+"
-        Accessible.name: qsTr("扩大量程")
-        onClicked: row.simulator.stepPlotRange(1)
+        StepButton {
+            objectName: "narrowerRange"
+            text: "−"
+            Accessible.name: qsTr("缩小量程")
+            onClicked: scale.simulator.stepPlotRange(-1)
+        }
+
+        StepButton {
+            objectName: "widerRange"
+            text: "+"
+            Accessible.name: qsTr("扩大量程")
+            onClicked: scale.simulator.stepPlotRange(1)
+        }
+
+        StepButton {
+            objectName: "freeRange"
+            visible: scale.simulator?.plotRangePicked ?? false
+            text: qsTr("自动")
+            Accessible.name: qsTr("量程随交通变化")
+            onClicked: scale.simulator.freePlotRange()
+        }
     }
 
     AppText {
-        height: 22
-        text: qsTr("量程 %1 NM").arg(row.range)
+        text: qsTr("量程 %1 NM").arg(scale.range)
         color: Style.instrumentDim
         font.pixelSize: 11
-        verticalAlignment: Text.AlignVCenter
-    }
-
-    StepButton {
-        objectName: "freeRange"
-        visible: row.simulator?.plotRangePicked ?? false
-        text: qsTr("自动")
-        Accessible.name: qsTr("量程随交通变化")
-        onClicked: row.simulator.freePlotRange()
     }
 
     component StepButton: Pressable {

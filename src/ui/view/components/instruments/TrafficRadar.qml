@@ -43,10 +43,10 @@ Rectangle {
         return Qt.rect(8 - centre.x, 8 - centre.y, width - 16, height - 16)
     }
 
-    /// What no label may hide: the own aeroplane, the heading, the range, the rose's numbers.
+    /// What no label may hide: the own aeroplane, the range, the rose's numbers.
     function occupied(): var {
         const areas = []
-        for (const item of [course, scale, miles.itemAt(0), miles.itemAt(1)])
+        for (const item of [scale, miles.itemAt(0), miles.itemAt(1)])
             areas.push(Qt.rect(item.x - centre.x, item.y - centre.y, item.width, item.height))
         areas.push(Qt.rect(-11, -3, 22, 4), Qt.rect(-5, -11, 10, 23))
         for (let i = 0; i < 12; i++) {
@@ -181,34 +181,13 @@ Rectangle {
         }
     }
 
-    // The lubber line under the heading.
+    // The lubber line. What it reads stands on the instrument beside the plot.
     Rectangle {
         x: centre.x - 1
         y: centre.y - centre.outer - 5
         width: 2
         height: 14
         color: Style.instrumentOwn
-    }
-
-    Rectangle {
-        id: course
-
-        x: centre.x - width / 2
-        y: 3
-        width: 56
-        height: 22
-        radius: 6
-        color: Style.instrumentBezel
-        border.width: 1
-        border.color: Style.instrumentDim
-
-        AppText {
-            anchors.centerIn: parent
-            text: radar.headingKnown ? Format.course(radar.up) + "°" : "--"
-            color: Style.instrumentActive
-            font.pixelSize: 13
-            font.weight: Font.DemiBold
-        }
     }
 
     Repeater {

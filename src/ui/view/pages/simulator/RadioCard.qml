@@ -10,6 +10,11 @@ Card {
     required property SimulatorBackend simulator
     readonly property bool live: simulator ? simulator.simulatorConnected : false
 
+    /// Without the frequencies, which stand below.
+    function radios(com1: bool, com2: bool): string {
+        return (com1 ? com2 ? "COM1 / COM2" : "COM1" : com2 ? "COM2" : "") || qsTr("无")
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: Style.spacingMedium
@@ -25,13 +30,13 @@ Card {
 
             StatusChip {
                 label: qsTr("发射")
-                status: card.simulator ? card.simulator.activeTransmitLabel : "--"
+                status: card.simulator ? card.radios(card.simulator.com1TransmitEnabled, card.simulator.com2TransmitEnabled) : "--"
                 good: card.simulator ? card.simulator.com1TransmitEnabled || card.simulator.com2TransmitEnabled : false
             }
 
             StatusChip {
                 label: qsTr("监听")
-                status: card.simulator ? card.simulator.activeReceiveLabel : "--"
+                status: card.simulator ? card.radios(card.simulator.com1ReceiveEnabled, card.simulator.com2ReceiveEnabled) : "--"
                 good: card.simulator ? card.simulator.com1ReceiveEnabled || card.simulator.com2ReceiveEnabled : false
             }
         }
