@@ -403,6 +403,27 @@ void SimulatorPageViewModel::pickCallsign(const QString &callsign)
     emit pickedCallsignChanged();
 }
 
+void SimulatorPageViewModel::stepPickedContact(int rows)
+{
+    const QList<PlotContact> &contacts = m_contacts.rows();
+    const int count = static_cast<int>(contacts.size());
+    const int step = rows < 0 ? -1 : 1;
+    int row = m_pickedCallsign.isEmpty() ? -1 : contactRow(m_pickedCallsign);
+    if (row < 0)
+        row = step > 0 ? -1 : count;
+    QString reached = m_pickedCallsign;
+    for (int left = std::abs(std::clamp(rows, -count, count)); left > 0; --left) {
+        do
+            row += step;
+        while (row >= 0 && row < count && contacts.at(row).target.callsign.isEmpty());
+        if (row < 0 || row >= count)
+            break;
+        reached = contacts.at(row).target.callsign;
+    }
+    if (reached != m_pickedCallsign)
+        pickCallsign(reached);
+}
+
 int SimulatorPageViewModel::contactRow(const QString &callsign) const
 {
     const QList<PlotContact> &rows = m_contacts.rows();

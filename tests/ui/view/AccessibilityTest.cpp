@@ -7,6 +7,9 @@
 #include <QTest>
 
 #include <memory>
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 using tarvo::test::PageHarness;
 using tarvo::ui::LinkState;
@@ -92,6 +95,32 @@ private slots:
         m_harness->simulator().setSimulatorState(false, LinkState::Absent);
         QCOMPARE(nameOf(display), u"飞行仪表：无姿态数据"_qs);
         QCOMPARE(reader(radar)->role(), QAccessible::Graphic);
+    }
+
+    void theReaderHearsWhomTheKeysPick()
+    {
+        static QStringList heard;
+        heard.clear();
+        m_harness->fillTraffic(6);
+        m_harness->openSection(u"模拟器"_qs);
+        QVERIFY(m_harness->tabTo(u"trafficList"_qs));
+        QPlatformAccessibility *desktop = QGuiApplicationPrivate::platformIntegration()->accessibility();
+        desktop->setActive(true);
+        const auto usual = QAccessible::installUpdateHandler([](QAccessibleEvent *event) {
+            if (event->type() == QAccessible::Focus && event->accessibleInterface())
+                heard += event->accessibleInterface()->text(QAccessible::Name);
+        });
+        QTest::keyClick(&m_harness->view, Qt::Key_Down);
+        QTest::keyClick(&m_harness->view, Qt::Key_Down);
+        QAccessible::installUpdateHandler(usual);
+        desktop->setActive(false);
+        QStringList expected;
+        const QList<QQuickItem *> rows = m_harness->items(u"trafficRow"_qs);
+        for (const QQuickItem *row : rows.first(2))
+            expected += row->property("callsign").toString() + u' ' + row->property("type").toString();
+        QCOMPARE(heard, expected);
+        QVERIFY(QAccessible::queryAccessibleInterface(rows.at(1))->state().selected);
+        QCOMPARE(QAccessible::queryAccessibleInterface(rows.at(1))->role(), QAccessible::ListItem);
     }
 
     void theSidebarTellsWhatIsUnread()

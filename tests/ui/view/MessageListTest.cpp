@@ -39,6 +39,124 @@ private slots:
         TRY_VERIFY(!field("copyAction"));
     }
 
+    void theMouseSelectsAPart()
+    {
+        fillMessages(model());
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"ALPHA bravo CHARLIE"_qs));
+        m_harness->settle();
+        m_harness->type(u"half a line"_qs);
+        QQuickItem *body = m_harness->itemWithText(u"ALPHA bravo CHARLIE"_qs);
+        QVERIFY(body);
+        const auto at = [body](qreal part) {
+            return body->mapToScene({part * body->property("contentWidth").toReal(), body->height() / 2}).toPoint();
+        };
+        QTest::mouseMove(&m_harness->view, at(0.1));
+        QTest::mouseClick(&m_harness->view, Qt::LeftButton, {}, at(0.1));
+        QVERIFY(field("composeField")->hasActiveFocus()); // a click alone takes nothing away
+        drag(at(0), at(1) + QPoint(20, 0));
+        QCOMPARE(body->property("selectedText").toString(), u"ALPHA bravo CHARLIE"_qs);
+        m_harness->grab(u"messages-selected"_qs);
+        drag(at(0), at(0.45));
+        const QString part = body->property("selectedText").toString();
+        QVERIFY(part.startsWith(QLatin1String("ALPHA b")) && part.size() < 14);
+        QTest::mouseMove(&m_harness->view, {5, 5});
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"more"_qs));
+        m_harness->settle();
+        QCOMPARE(body->property("selectedText").toString(), part);
+        QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+        QCOMPARE(QGuiApplication::clipboard()->text(), part);
+        QTest::mouseClick(&m_harness->view, Qt::RightButton, {}, at(0.1));
+        TRY_VERIFY(field("copyAction"));
+        m_harness->settle();
+        m_harness->click(field("copyAction"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), part);
+        TRY_VERIFY(!field("copyAction"));
+        m_harness->click(field("composeField"));
+        QCOMPARE(body->property("selectedText").toString(), QString());
+        QCOMPARE(body->findChildren<QQuickItem *>().size(), 0); // a plain text again
+        QCOMPARE(composed(), u"half a line"_qs);
+    }
+
+    /// What is selected is drawn where the text was.
+    void theEditorBreaksLinesAsTheTextDoes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("Chinese") << u"浦东塔台，跑道 17L，修正海压 1013。"_qs.repeated(9);
+        QTest::newRow("Latin") << u"cleared for the ILS approach of runway 17L "_qs.repeated(9);
+        QTest::newRow("lines") << u"one\ntwo\n\nthree"_qs;
+        QTest::newRow("without a break") << QString(300, u'W');
+    }
+
+    void theEditorBreaksLinesAsTheTextDoes()
+    {
+        QFETCH(QString, text);
+        model().addRadioReceived(radioText(u"CCA1"_qs, text));
+        m_harness->settle();
+        QQuickItem *body = m_harness->itemWithText(text);
+        QVERIFY(body);
+        QTest::mouseMove(&m_harness->view, body->mapToScene({10, 10}).toPoint());
+        m_harness->settle();
+        auto *editor = body->property("editor").value<QQuickItem *>();
+        QVERIFY(editor);
+        QCOMPARE(editor->property("lineCount").toInt(), body->property("lineCount").toInt());
+        QVERIFY(qAbs(editor->property("contentHeight").toReal() - body->property("contentHeight").toReal()) < 1);
+    }
+
+    void aRowIsCopiedByKeys()
+    {
+        fillMessages(model());
+        addRadioTexts(40); // "0" to "39"
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(u"messagePane"_qs, true));
+        const auto copied = [this] {
+            QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+            return QGuiApplication::clipboard()->text();
+        };
+        press(Qt::Key_Up);
+        QCOMPARE(copied(), u"39"_qs);
+        press(Qt::Key_Up);
+        press(Qt::Key_Up);
+        QCOMPARE(copied(), u"37"_qs);
+        QVERIFY(atEnd());
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"next"_qs));
+        m_harness->settle();
+        QCOMPARE(copied(), u"37"_qs); // the row, wherever it has gone
+        for (int i = 0; i < 37; ++i)
+            press(Qt::Key_Up);
+        QCOMPARE(copied(), u"0"_qs);
+        QVERIFY(!atEnd());
+        QVERIFY(field("newestButton"));
+        press(Qt::Key_Down);
+        QCOMPARE(copied(), u"1"_qs);
+        press(Qt::Key_End);
+        QVERIFY(atEnd());
+        press(Qt::Key_Up); // among those in sight
+        QCOMPARE(copied(), u"next"_qs);
+        m_harness->grab(u"messages-row"_qs);
+    }
+
+    /// A row that is longer than the list is read to its end.
+    void aLongRowIsWalkedByLines()
+    {
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"before"_qs));
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"word "_qs.repeated(2000)));
+        model().addRadioReceived(radioText(u"CCA1"_qs, u"after"_qs));
+        m_harness->settle();
+        m_harness->click(field("foldControl"));
+        QVERIFY(m_harness->tabTo(u"messagePane"_qs, true));
+        press(Qt::Key_Home);
+        press(Qt::Key_Down);
+        press(Qt::Key_Down);
+        const qreal begun = contentY();
+        press(Qt::Key_Down);
+        QVERIFY(contentY() > begun);
+        QVERIFY(contentY() < begun + list()->height() / 2);
+        for (int i = 0; i < 200 && !atEnd(); ++i)
+            press(Qt::Key_Down);
+        QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"after"_qs);
+    }
+
     void theListStaysAtTheNewest()
     {
         fillMessages(model());
@@ -201,10 +319,12 @@ private slots:
         m_harness->settle();
         QVERIFY(m_harness->tabTo(u"messagePane"_qs, true));
         QVERIFY(field("messagePane")->property("visualFocus").toBool());
-        press(Qt::Key(key));
+        for (int i = 0; i < 20 && atEnd(); ++i) // as long as the row before is in sight, nothing need move
+            press(Qt::Key(key));
         QVERIFY(!atEnd());
         QVERIFY(field("newestButton"));
-        press(Qt::Key(back));
+        for (int i = 0; i < 20 && !atEnd(); ++i)
+            press(Qt::Key(back));
         QVERIFY(atEnd());
         QVERIFY(!field("newestButton"));
     }
@@ -278,6 +398,16 @@ private slots:
     }
 
 private:
+    void drag(QPoint from, QPoint to)
+    {
+        QTest::mouseMove(&m_harness->view, from);
+        QTest::mousePress(&m_harness->view, Qt::LeftButton, {}, from);
+        QTest::mouseMove(&m_harness->view, (from + to) / 2);
+        QTest::mouseMove(&m_harness->view, to);
+        QTest::mouseRelease(&m_harness->view, Qt::LeftButton, {}, to, 1000); // no double click
+        m_harness->settle();
+    }
+
     qreal contentY() { return list()->property("contentY").toReal(); }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})

@@ -2,6 +2,8 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QObject>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -91,6 +93,23 @@ private slots:
         for (const QQuickItem *text : m_harness->texts())
             places += text->property("text").toString().contains(pattern) ? 1 : 0;
         QTEST(places, "places");
+    }
+
+    void aFigureIsSelectedAndStaysMeanwhile()
+    {
+        m_harness->fillSimulator(u"XPLANE"_qs);
+        m_harness->settle();
+        QQuickItem *figure = m_harness->itemWithText(u"8,243 ft"_qs);
+        QVERIFY(figure);
+        QTest::mouseMove(&m_harness->view, figure->mapToScene({figure->width() - 5, 8}).toPoint());
+        QTest::mouseDClick(&m_harness->view, Qt::LeftButton, {},
+                           figure->mapToScene({figure->width() - 30, figure->height() / 2}).toPoint());
+        const QString part = figure->property("selectedText").toString();
+        QCOMPARE(part, u"243"_qs); // a word of it
+        model().setSimulatorState(false, u"未连接"_qs); // "--" now
+        QCOMPARE(figure->property("selectedText").toString(), part);
+        QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+        QCOMPARE(QGuiApplication::clipboard()->text(), part);
     }
 
     void bothModesShowEveryReading_data()

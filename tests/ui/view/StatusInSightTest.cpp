@@ -128,6 +128,33 @@ private slots:
         TRY_VERIFY(!m_harness->item(u"copyAction"_qs));
     }
 
+    void anEventIsCopiedByKeysAndInPart()
+    {
+        m_harness->openSection(u"服务器"_qs);
+        for (int i = 0; i < 30; ++i)
+            m_harness->server().addRecentEvent(u"第 %1 件"_qs.arg(i), u"服务器关闭"_qs, u"网络"_qs);
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(u"eventList"_qs));
+        const auto copied = [this] {
+            QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+            return QGuiApplication::clipboard()->text();
+        };
+        for (int i = 0; i < 20; ++i)
+            QTest::keyClick(&m_harness->view, Qt::Key_Down);
+        QVERIFY2(copied().endsWith(u" 第 10 件 服务器关闭 网络"_qs), qPrintable(copied())); // newest first
+        QVERIFY(m_harness->item(u"eventList"_qs)->property("contentY").toReal() > 0);
+        m_harness->grab(u"server-event-row"_qs);
+        QQuickItem *title = m_harness->itemWithText(u"第 10 件"_qs);
+        QVERIFY(title);
+        const QPoint start = title->mapToScene({0, title->height() / 2}).toPoint();
+        QTest::mouseMove(&m_harness->view, start);
+        QTest::mousePress(&m_harness->view, Qt::LeftButton, {}, start);
+        QTest::mouseMove(&m_harness->view, start + QPoint(20, 0));
+        QTest::mouseMove(&m_harness->view, start + QPoint(150, 0));
+        QTest::mouseRelease(&m_harness->view, Qt::LeftButton, {}, start + QPoint(150, 0));
+        QCOMPARE(copied(), u"第 10 件"_qs);
+    }
+
     void theButtonCallsAnAttemptOff()
     {
         m_harness->openSection(u"服务器"_qs);

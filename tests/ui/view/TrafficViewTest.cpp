@@ -2,7 +2,9 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
+#include <QClipboard>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QObject>
 #include <QPointer>
 #include <QTest>
@@ -173,6 +175,60 @@ private slots:
         QCOMPARE(item(u"pickedRing"_qs)->parentItem()->property("callsign").toString(), nearest);
         m_harness->click(inList(nearest));
         QVERIFY(!item(u"pickedRing"_qs));
+    }
+
+    void theListIsWalkedByKeys()
+    {
+        m_harness->fillTraffic(60);
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(u"trafficList"_qs));
+        const auto press = [this](Qt::Key key) {
+            QTest::keyClick(&m_harness->view, key);
+            m_harness->settle();
+        };
+        const auto callsignAt = [this](int row) {
+            return m_harness->items(u"radarContact"_qs).at(row)->property("callsign").toString();
+        };
+        QVERIFY(!item(u"pickedRing"_qs));
+        press(Qt::Key_Down);
+        press(Qt::Key_Down);
+        QCOMPARE(model().pickedCallsign(), callsignAt(1));
+        QCOMPARE(item(u"pickedRing"_qs)->parentItem()->property("callsign").toString(), callsignAt(1));
+        QVERIFY(inList(callsignAt(1)));
+        QVERIFY(m_harness->view.activeFocusItem()->property("marked").toBool());
+        QTest::keySequence(&m_harness->view, QKeySequence::Copy);
+        QVERIFY(QGuiApplication::clipboard()->text().startsWith(callsignAt(1) + u' '));
+        press(Qt::Key_End);
+        QCOMPARE(model().pickedCallsign(), callsignAt(59));
+        QVERIFY(inList(callsignAt(59)));
+        QCOMPARE(m_harness->view.activeFocusItem()->property("callsign").toString(), callsignAt(59));
+        press(Qt::Key_Up);
+        QCOMPARE(model().pickedCallsign(), callsignAt(58));
+        m_harness->grab(u"simulator-walked"_qs);
+        press(Qt::Key_Home);
+        press(Qt::Key_Up);
+        QCOMPARE(model().pickedCallsign(), callsignAt(0)); // there is no row above
+        press(Qt::Key_PageDown);
+        QVERIFY(model().contactRow(model().pickedCallsign()) > 2);
+    }
+
+    /// The rows change places: what the keys have picked they keep.
+    void theKeysFollowThePickedAircraft()
+    {
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(u"NEAR"_qs, 31.1, 121), remoteAircraft(u"FAR"_qs, 31.2, 121)});
+        m_harness->settle();
+        QVERIFY(m_harness->tabTo(u"trafficList"_qs));
+        QTest::keyClick(&m_harness->view, Qt::Key_Down);
+        QCOMPARE(model().pickedCallsign(), u"NEAR"_qs);
+        model().setRemoteAircraft({remoteAircraft(u"NEAR"_qs, 31.3, 121), remoteAircraft(u"FAR"_qs, 31.2, 121)});
+        m_harness->settle();
+        QCOMPARE(model().contactRow(u"NEAR"_qs), 1);
+        QCOMPARE(m_harness->view.activeFocusItem()->property("callsign").toString(), u"NEAR"_qs);
+        model().setRemoteAircraft({remoteAircraft(u"FAR"_qs, 31.2, 121)});
+        m_harness->settle();
+        QTest::keyClick(&m_harness->view, Qt::Key_Down);
+        QCOMPARE(model().pickedCallsign(), u"FAR"_qs); // who has gone is no place to go on from
     }
 
     void theListGrowsAndShrinks()

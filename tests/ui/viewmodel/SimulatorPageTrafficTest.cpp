@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <limits>
 
 using namespace tarvo::test;
 using tarvo::model::RemoteAircraft;
@@ -78,6 +79,47 @@ private slots:
         QCOMPARE(model.contactRow(u"NEAR"_qs), 0);
         QCOMPARE(model.contactRow(u"FAR"_qs), 1);
         QCOMPARE(model.contactRow(u"NOBODY"_qs), -1);
+    }
+
+    void thePickIsStepped_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<QString>("after");
+        QTest::newRow("down from nobody") << QString() << 1 << u"A"_qs;
+        QTest::newRow("up from nobody") << QString() << -1 << u"D"_qs;
+        QTest::newRow("down, over one without a callsign") << u"A"_qs << 1 << u"B"_qs;
+        QTest::newRow("up, over one without a callsign") << u"B"_qs << -1 << u"A"_qs;
+        QTest::newRow("two down") << u"A"_qs << 2 << u"D"_qs;
+        QTest::newRow("beyond the last") << u"A"_qs << 9 << u"D"_qs;
+        QTest::newRow("at the last") << u"D"_qs << 1 << u"D"_qs;
+        QTest::newRow("beyond the first") << u"D"_qs << -9 << u"A"_qs;
+        QTest::newRow("at the first") << u"A"_qs << -1 << u"A"_qs;
+        QTest::newRow("the end of the list, from nobody") << QString() << 4 << u"D"_qs;
+        QTest::newRow("from one who has gone") << u"GONE"_qs << 1 << u"A"_qs;
+        QTest::newRow("nowhere") << u"B"_qs << 0 << u"B"_qs;
+        QTest::newRow("as far as numbers go") << u"B"_qs << std::numeric_limits<int>::min() << u"A"_qs;
+    }
+
+    void thePickIsStepped()
+    {
+        QFETCH(QString, before);
+        QFETCH(int, rows);
+        SimulatorPageViewModel model;
+        feed(model, overShanghai());
+        model.setRemoteAircraft(
+            {remote("A", 31.1, 121), remote("", 31.2, 121), remote("B", 31.3, 121), remote("D", 31.4, 121)});
+        model.pickCallsign(before);
+        model.stepPickedContact(rows);
+        QTEST(model.pickedCallsign(), "after");
+    }
+
+    void nobodyIsPickedOfNobody()
+    {
+        SimulatorPageViewModel model;
+        model.stepPickedContact(1);
+        model.stepPickedContact(-1);
+        QCOMPARE(model.pickedCallsign(), QString());
     }
 
     void aNumberThatStaysBrokenTellsOnce()

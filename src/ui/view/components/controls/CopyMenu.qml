@@ -19,19 +19,7 @@ Menu {
         text: qsTr("复制")
         height: 34
         enabled: menu.copied.length > 0
-        onTriggered: {
-            clipboard.text = menu.copied
-            clipboard.selectAll()
-            clipboard.copy()
-        }
-
-        // What QML has of the clipboard.
-        TextEdit {
-            id: clipboard
-
-            visible: false
-            textFormat: TextEdit.PlainText
-        }
+        onTriggered: Clipboard.keep(menu.copied)
 
         contentItem: AppText {
             text: copy.text

@@ -13,7 +13,7 @@ RowLayout {
     Layout.preferredWidth: 1
     spacing: Style.spacingSmall
 
-    CopyHandler { copied: figure.value }
+    CopyHandler { copied: reading.selectedText || figure.value }
 
     AppText {
         text: figure.label
@@ -21,7 +21,9 @@ RowLayout {
         font.pixelSize: Style.fontSmall
     }
 
-    AppText {
+    SelectableText {
+        id: reading
+
         Layout.fillWidth: true
         horizontalAlignment: Text.AlignRight
         text: figure.value

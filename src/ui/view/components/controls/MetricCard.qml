@@ -14,7 +14,7 @@ Card {
     contentPadding: 16
     implicitHeight: 104
 
-    CopyHandler { copied: `${card.value} ${card.unit}`.trim() }
+    CopyHandler { copied: reading.selectedText || `${card.value} ${card.unit}`.trim() }
 
     ColumnLayout {
         anchors.fill: parent
@@ -44,11 +44,13 @@ Card {
             Layout.fillHeight: true
             spacing: Style.spacingTiny
 
-            AppText {
+            SelectableText {
+                id: reading
+
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 text: card.value
-                color: Style.textActive
+                ink: Style.textActive
                 font.pixelSize: 20
                 font.weight: Font.DemiBold
                 fontSizeMode: Text.HorizontalFit

@@ -9,14 +9,21 @@ ListView {
     id: list
 
     clip: true
-    keyNavigationEnabled: false // the keys scroll
+    keyNavigationEnabled: false // RowKeys does it
+    currentIndex: -1
     spacing: Style.spacingSmall
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: count > 0
     Accessible.role: Accessible.List
     Accessible.name: qsTr("最近事件")
-    Keys.forwardTo: [keys]
+    Keys.forwardTo: [rows, keys]
     ScrollBar.vertical: CustomScrollBar {}
+
+    RowKeys {
+        id: rows
+
+        view: list
+    }
 
     ScrollKeys {
         id: keys
@@ -27,8 +34,7 @@ ListView {
     Rectangle {
         parent: list // not one of the rows
         anchors.fill: parent
-        anchors.margins: -4
-        visible: list.activeFocus
+        visible: list.activeFocus && !rows.walking
         radius: Style.radiusSmall
         color: "transparent"
         border.width: 2
@@ -38,15 +44,21 @@ ListView {
     delegate: ColumnLayout {
         id: event
 
+        required property int index
         required property string time
         required property string title
         required property string detail
         required property string tag
 
+        readonly property string copied: `${time} ${title} ${detail} ${tag}`.trim()
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: copied
+        Accessible.focusable: true
         width: ListView.view.width - Style.spacingMedium
         spacing: 2
 
-        CopyHandler { copied: `${event.time} ${event.title} ${event.detail} ${event.tag}`.trim() }
+        CopyHandler { copied: heading.selectedText || words.selectedText || event.copied }
 
         RowLayout {
             spacing: Style.spacingSmall
@@ -57,7 +69,9 @@ ListView {
                 font.pixelSize: Style.fontSmall
             }
 
-            AppText {
+            SelectableText {
+                id: heading
+
                 Layout.fillWidth: true
                 text: event.title
                 font.pixelSize: 13
@@ -83,11 +97,13 @@ ListView {
             }
         }
 
-        AppText {
+        SelectableText {
+            id: words
+
             Layout.fillWidth: true
             visible: text.length > 0
             text: event.detail
-            color: Style.textCaption
+            ink: Style.textCaption
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
             maximumLineCount: 3

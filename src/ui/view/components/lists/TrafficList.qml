@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../.."
 
-/// Rows of the traffic: callsign, type, where, how far, how high. A click picks one.
+/// Rows of the traffic: callsign, type, where, how far, how high. A click picks one, and the arrow keys the next.
 ListView {
     id: list
 
@@ -11,11 +11,26 @@ ListView {
     property string pickedCallsign: ""
 
     signal picked(string callsign)
+    /// The row so many further down is wanted.
+    signal stepped(int rows)
 
     readonly property int rowHeight: 27
 
     clip: true
     boundsBehavior: Flickable.StopAtBounds
+    keyNavigationEnabled: false // rows change places: the keys follow the picked callsign
+    currentIndex: -1
+    activeFocusOnTab: count > 0
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("交通目标")
+    Keys.onPressed: event => {
+        const rows = distance(event.key)
+        event.accepted = rows !== 0 || event.matches(StandardKey.Copy)
+        if (rows !== 0)
+            stepped(rows)
+        else if (event.accepted)
+            Clipboard.keep(Window.activeFocusItem?.copied ?? "") // qmllint disable missing-property
+    }
     ScrollBar.vertical: CustomScrollBar {}
 
     header: TrafficRow {
@@ -31,6 +46,15 @@ ListView {
     delegate: TrafficRow {
         required property var model
 
+        objectName: "trafficRow"
+        onMarkedChanged: takeKeys()
+        Component.onCompleted: takeKeys()
+        Accessible.role: Accessible.ListItem
+        Accessible.name: `${callsign} ${type}`
+        Accessible.description: `${bearing} ${distance} ${altitude}`
+        Accessible.focusable: true
+        Accessible.selectable: true
+        Accessible.selected: marked
         marked: model.callsign !== "" && model.callsign === list.pickedCallsign // qmllint disable unqualified
 
         callsign: model.callsign || "--"
@@ -48,6 +72,28 @@ ListView {
         text: list.emptyText
         color: Style.textMuted
         font.pixelSize: 13
+    }
+
+    function distance(key: int): int {
+        const page = Math.max(1, Math.floor(height / rowHeight) - 2)
+        return ({
+            [Qt.Key_Up]: -1,
+            [Qt.Key_Down]: 1,
+            [Qt.Key_PageUp]: -page,
+            [Qt.Key_PageDown]: page,
+            [Qt.Key_Home]: -count,
+            [Qt.Key_End]: count
+        })[key] ?? 0
+    }
+
+    Rectangle {
+        parent: list // not one of the rows
+        anchors.fill: parent
+        visible: list.activeFocus && Window.activeFocusItem === list
+        radius: Style.radiusSmall
+        color: "transparent"
+        border.width: 2
+        border.color: Style.controlBorderActive
     }
 
     function bringIntoView(row: int): void {
@@ -69,10 +115,17 @@ ListView {
         property string altitude
         property bool titles: false
         property bool marked: false
+        readonly property string copied: `${callsign} ${type} ${bearing} ${distance} ${altitude}`
 
         width: ListView.view?.width - Style.spacingMedium
 
-        CopyHandler { copied: `${row.callsign} ${row.type} ${row.bearing} ${row.distance} ${row.altitude}` }
+        CopyHandler { copied: row.copied }
+        /// A screen reader tells whom the keys have picked.
+        function takeKeys(): void {
+            if (marked && list.activeFocus) // qmllint disable unqualified
+                forceActiveFocus(Qt.OtherFocusReason)
+        }
+
         height: list.rowHeight // qmllint disable unqualified
         spacing: Style.spacingSmall
 

@@ -12,9 +12,16 @@ ListView {
     spacing: Style.spacingTiny
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: count > 0
-    keyNavigationEnabled: false // the keys scroll
-    Keys.forwardTo: [keys]
+    keyNavigationEnabled: false // RowKeys does it
+    currentIndex: -1
+    Keys.forwardTo: [rows, keys]
     ScrollBar.vertical: CustomScrollBar {}
+
+    RowKeys {
+        id: rows
+
+        view: list
+    }
 
     ScrollKeys {
         id: keys
@@ -23,26 +30,36 @@ ListView {
     }
 
     delegate: Row {
+        id: event
+
+        required property int index
         required property string time
         required property string text
+        readonly property string copied: time + " " + text
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: copied
+        Accessible.focusable: true
 
         width: ListView.view.width - Style.spacingMedium
         spacing: Style.spacingSmall
 
-        CopyHandler { copied: parent.time + " " + parent.text } // qmllint disable
+        CopyHandler { copied: words.selectedText || event.copied }
 
         AppText {
             id: clock
 
-            text: parent.time
+            text: event.time
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
         }
 
-        AppText {
-            width: parent.width - clock.width - parent.spacing
-            text: parent.text
-            color: text.startsWith("ERROR") ? Style.textError : Style.textPrimary
+        SelectableText {
+            id: words
+
+            width: event.width - clock.width - event.spacing
+            text: event.text
+            ink: text.startsWith("ERROR") ? Style.textError : Style.textPrimary
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
             maximumLineCount: 4

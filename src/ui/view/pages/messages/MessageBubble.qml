@@ -26,6 +26,7 @@ Item {
     readonly property bool outgoing: direction === "out"
     readonly property bool quiet: direction === "system"
     readonly property string body: message.length > 0 ? message : meta
+    readonly property string copied: body
     readonly property int foldedCharacters: 2000
     readonly property bool foldable: expanded || body.length > foldedCharacters || bodyText.truncated
 
@@ -33,6 +34,9 @@ Item {
     signal foldRequested(bool expanded)
 
     implicitHeight: bubble.y + bubble.height
+    Accessible.role: Accessible.ListItem
+    Accessible.name: `${from} ${time} ${body.slice(0, foldedCharacters)}`.trim()
+    Accessible.focusable: true
 
     function inSight(top: real, height: real): bool {
         return top >= sightTop && top + height <= sightBottom
@@ -136,7 +140,7 @@ Item {
         border.width: row.outgoing || row.quiet ? 0 : 1
         border.color: row.isDirect || row.type === "selcal" ? Style.controlBorderActive : Style.controlBorder
 
-        CopyHandler { copied: row.body }
+        CopyHandler { copied: bodyText.selectedText || row.copied }
 
         ColumnLayout {
             id: content
@@ -146,7 +150,7 @@ Item {
             width: parent.width - 2 * Style.spacingMedium
             spacing: 3
 
-            AppText {
+            SelectableText {
                 id: bodyText
 
                 objectName: "body"
@@ -154,8 +158,7 @@ Item {
                 // A mark stacked upon marks may reach beyond its line; not beyond the bubble.
                 clip: true
                 text: row.expanded ? row.body : row.body.slice(0, row.foldedCharacters)
-                color: row.outgoing ? Style.bubbleOutgoingText : Style.textPrimary
-                lineHeight: 1.15
+                ink: row.outgoing ? Style.bubbleOutgoingText : Style.textPrimary
                 wrapMode: Text.Wrap
                 maximumLineCount: row.expanded ? 100000 : 10
                 elide: Text.ElideRight

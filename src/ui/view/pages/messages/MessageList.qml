@@ -14,13 +14,12 @@ Control {
     property int missed: 0
     readonly property int count: list.count
     readonly property alias list: list
-    /// Pixels that an arrow key moves.
+    /// Pixels that stay in sight from one screenful to the next.
     readonly property real line: 60
 
     focusPolicy: Qt.TabFocus
     Accessible.name: qsTr("消息列表")
-    Keys.onUpPressed: scrollBy(-line)
-    Keys.onDownPressed: scrollBy(line)
+    Keys.forwardTo: [rows]
     Keys.onPressed: event => {
         event.accepted = true
         if (event.key === Qt.Key_PageUp)
@@ -105,12 +104,21 @@ Control {
         spacing: Style.spacingMedium
         boundsBehavior: Flickable.StopAtBounds
         cacheBuffer: 600
+        keyNavigationEnabled: false // RowKeys does it
+        currentIndex: -1
         onContentYChanged: if (moving || bar.pressed) view.look()
         onMovementEnded: view.look()
         onHeightChanged: view.later(view.stay)
         onWidthChanged: view.later(view.stay)
         onContentHeightChanged: view.later(view.follow ? view.stay : view.look)
         ScrollBar.vertical: CustomScrollBar { id: bar }
+
+        RowKeys {
+            id: rows
+
+            view: list
+            onMoved: view.look()
+        }
 
         section.property: "day"
         section.delegate: Item {
@@ -197,7 +205,8 @@ Control {
 
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -5
+        anchors.topMargin: -5 // at the sides the card would cut it
+        anchors.bottomMargin: -5
         visible: view.visualFocus
         radius: Style.radiusSmall
         color: "transparent"

@@ -37,6 +37,7 @@ Card {
             model: card.simulator ? card.simulator.contactRows : null
             pickedCallsign: card.simulator ? card.simulator.pickedCallsign : ""
             onPickedCallsignChanged: if (pickedCallsign !== "") bringIntoView(card.simulator.contactRow(pickedCallsign))
+            onStepped: rows => card.simulator.stepPickedContact(rows)
             onPicked: callsign => card.simulator.pickCallsign(callsign)
             emptyText: card.simulator ? qsTr("有目标和本机位置时在此列出") : "--"
         }
