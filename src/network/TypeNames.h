@@ -24,8 +24,8 @@ public:
 
     void add(const Place &place, const QString &maker, const QString &model);
     /// Types whose maker or model holds each word of `query`, in whichever spelling. Each designator once; those first
-    /// whose model begins with the query, then in the order in which they were added. At most `limit`; none for a single
-    /// letter or digit.
+    /// whose model begins with the query, then in the order in which they were added. At most `limit`; none for a
+    /// single letter or digit.
     QList<Place> search(const QString &query, qsizetype limit) const;
 
 private:

@@ -219,8 +219,8 @@ public:
     Q_INVOKABLE void freePlotRange();
     /// Marks this one alone, or nobody when it is marked already.
     Q_INVOKABLE void pickCallsign(const QString &callsign);
-    /// Picks the contact so many rows further down, or up; at the ends the last one. With none picked one begins before the
-    /// first row, or behind the last. Contacts without a callsign are passed over.
+    /// Picks the contact so many rows further down, or up; at the ends the last one. With none picked one begins before
+    /// the first row, or behind the last. Contacts without a callsign are passed over.
     Q_INVOKABLE void stepPickedContact(int rows);
     /// The row of contactRows() with this callsign; -1 for none.
     Q_INVOKABLE int contactRow(const QString &callsign) const;

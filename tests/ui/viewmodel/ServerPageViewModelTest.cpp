@@ -169,7 +169,8 @@ private slots:
         const QString b738 = u"B738|BOEING 737-800|L2J · WTC M"_qs;
         QTest::newRow("exact, lower case, blanks around") << u"  b738 "_qs << QStringList{b738};
         QTest::newRow("prefix") << u"B73"_qs << QStringList{b737, b738, u"B739||L2J"_qs, u"B73X|BOEING|WTC M"_qs};
-        QTest::newRow("maker and model, behind which its own rows stand") << u"boeing 737"_qs << QStringList{b737, b738};
+        QTest::newRow("maker and model, behind which its own rows stand")
+            << u"boeing 737"_qs << QStringList{b737, b738};
         QTest::newRow("no match") << u"ZZZZ"_qs << QStringList();
         QTest::newRow("empty") << QString() << QStringList();
         QTest::newRow("only blanks") << u"   "_qs << QStringList();

@@ -44,6 +44,7 @@ AppText {
             selectByMouse: true
             activeFocusOnPress: false // a mere click takes no keys away
             textFormat: TextEdit.PlainText
+            // qmllint disable unqualified
             wrapMode: shown.wrapMode
             horizontalAlignment: shown.effectiveHorizontalAlignment
             verticalAlignment: shown.verticalAlignment
@@ -54,6 +55,7 @@ AppText {
             font.family: shown.font.family
             font.weight: shown.font.weight
             font.pixelSize: shown.fontInfo.pixelSize // a text may have shrunk to fit
+            // qmllint enable unqualified
 
             // Not when the whole window is left.
             onActiveFocusChanged: if (!activeFocus && Window.active) deselect()
@@ -70,7 +72,7 @@ AppText {
 
             Binding on text {
                 when: !editing.marked
-                value: shown.text
+                value: shown.text // qmllint disable unqualified
                 restoreMode: Binding.RestoreNone
             }
         }

@@ -32,7 +32,7 @@ Item {
         if (!isInSight())
             enter(1)
         if (row)
-            Clipboard.keep(row.copied) // qmllint disable missing-property
+            Clipboard.keep(row.copied) // qmllint disable
     }
 
     function walk(direction: int): void {
@@ -41,7 +41,7 @@ Item {
         else if (hidden(direction) > 1)
             scrollBy(direction * Math.min(hidden(direction), step))
         else
-            go(row.index + direction, direction) // qmllint disable missing-property
+            go(row.index + direction, direction) // qmllint disable
     }
 
     function isInSight(): bool {

@@ -29,7 +29,7 @@ ListView {
         if (rows !== 0)
             stepped(rows)
         else if (event.accepted)
-            Clipboard.keep(Window.activeFocusItem?.copied ?? "") // qmllint disable missing-property
+            Clipboard.keep(Window.activeFocusItem?.copied ?? "") // qmllint disable
     }
     ScrollBar.vertical: CustomScrollBar {}
 
