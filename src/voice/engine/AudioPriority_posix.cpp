@@ -6,6 +6,8 @@
 
 namespace tarvo::voice {
 
+void prepareAudioPriority() {}
+
 const char *raiseAudioPriority()
 {
     // The lowest: before all that is usual, behind the sound server's own threads.

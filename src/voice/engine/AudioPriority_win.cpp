@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace tarvo::voice {
 
 namespace {
@@ -9,18 +11,22 @@ namespace {
 using SetCharacteristics = HANDLE(WINAPI *)(LPCWSTR task, LPDWORD index);
 
 /// Of avrt.dll, which stays loaded; null where there is none.
-SetCharacteristics setCharacteristics()
-{
-    const HMODULE library = LoadLibraryW(L"avrt.dll");
-    const FARPROC found = library ? GetProcAddress(library, "AvSetMmThreadCharacteristicsW") : nullptr;
-    return reinterpret_cast<SetCharacteristics>(reinterpret_cast<void *>(found));
-}
+std::atomic<SetCharacteristics> setCharacteristics = nullptr;
 
 } // namespace
 
+void prepareAudioPriority()
+{
+    const HMODULE library = setCharacteristics ? nullptr : LoadLibraryW(L"avrt.dll");
+    if (!library)
+        return;
+    const FARPROC found = GetProcAddress(library, "AvSetMmThreadCharacteristicsW");
+    setCharacteristics = reinterpret_cast<SetCharacteristics>(reinterpret_cast<void *>(found));
+}
+
 const char *raiseAudioPriority()
 {
-    static const SetCharacteristics set = setCharacteristics();
+    const SetCharacteristics set = setCharacteristics;
     DWORD index = 0;
     // Windows takes it back when the thread ends.
     if (set && set(L"Pro Audio", &index))

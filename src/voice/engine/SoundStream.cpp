@@ -188,6 +188,7 @@ std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig 
 {
     auto calls = std::make_unique<Calls>(role, std::move(sound), config.channels);
     const bool isInput = role == StreamRole::Input;
+    prepareAudioPriority();
     if (!isInput)
         qDebug().nospace() << calls->name << ": " << config.channels << " channels";
     const PaStreamParameters parameters = parametersOf(config, isInput);
