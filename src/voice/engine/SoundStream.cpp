@@ -10,8 +10,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <memory>
+#include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace tarvo::voice {
 
@@ -21,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 
 // A stream that lives wants a buffer every 20 ms. One that doesn't can't be stopped: a sound server that is stopped
 // keeps whoever tries waiting, and PortAudio 19.6 may overlook the end of a stream that ends together with another,
-// whose thread then goes round for good.
+// whose thread then goes round for good. A slow device may take long for its first buffer.
 constexpr std::chrono::milliseconds longestGap{1000};
 constexpr std::chrono::milliseconds longestWait{300};
 
@@ -34,12 +37,11 @@ struct Calls
 
     PaStream *stream = nullptr;        ///< null before it is open, and once it is closed
     std::atomic<bool> isWanted = true; ///< false when its end is our doing
+    std::atomic<bool> hasEnded = false;
     std::atomic<const char *> priority = nullptr;
     std::atomic<Clock::time_point> lastBuffer = Clock::time_point();
     std::atomic<int> buffers = 0;
     std::atomic<int> lost = 0; ///< how often the device had to wait for us, or we lost what it had
-
-    Calls *next = nullptr; ///< of those left behind
 
     Calls(StreamRole role, SoundCalls called, int channelCount)
         : sound(std::move(called)),
@@ -60,11 +62,12 @@ struct Calls
 
     static void onEnd(void *calls)
     {
-        const auto &self = *static_cast<Calls *>(calls);
-        if (!self.isWanted)
-            return;
-        qWarning().nospace() << self.name << ": the sound system has ended the stream";
-        self.sound.ended();
+        auto &self = *static_cast<Calls *>(calls);
+        if (self.isWanted) {
+            qWarning().nospace() << self.name << ": the sound system has ended the stream";
+            self.sound.ended();
+        }
+        self.hasEnded = true;
     }
 
     void handle(const void *input, void *output, unsigned long frames, PaStreamCallbackFlags flags)
@@ -86,9 +89,17 @@ struct Calls
     bool lives() const
     {
         const int before = buffers;
-        for (int i = 0; i < longestWait.count() && buffers == before; ++i)
+        const auto longest = before == 0 ? longestGap : longestWait;
+        for (int i = 0; i < longest.count() && buffers == before; ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         return buffers != before;
+    }
+
+    void closeStream()
+    {
+        isWanted = false;
+        Pa_StopStream(stream);
+        Pa_CloseStream(stream);
     }
 
     void warn(const char *call, PaError error) const
@@ -97,8 +108,18 @@ struct Calls
     }
 };
 
-/// Those of streams that were left behind; known to whom looks for leaks.
-std::atomic<Calls *> leftBehind = nullptr;
+/// Those of streams that were left behind. Never destroyed at the program's end, because these may still call them.
+struct LeftBehind
+{
+    std::mutex mutex; ///< a sound thread may itself be left behind
+    std::vector<std::unique_ptr<Calls>> calls;
+};
+
+LeftBehind &leftBehind()
+{
+    static LeftBehind &all = *std::make_unique<LeftBehind>().release();
+    return all;
+}
 
 PaStreamParameters parametersOf(const AudioStreamConfig &config, bool isInput)
 {
@@ -118,8 +139,7 @@ class PortAudioStream : public SoundStream
 {
 public:
     explicit PortAudioStream(std::unique_ptr<Calls> calls) : m_calls(std::move(calls)) {}
-    /// A stream that is not closed, or can't be, is left behind, and what it calls is kept to the program's end.
-    /// PortAudio may hang, and so only close() calls it.
+    /// PortAudio may hang, and so only close() calls it: without that the stream is left behind.
     ~PortAudioStream() override;
 
     bool start() override;
@@ -127,15 +147,23 @@ public:
     void close() override;
 
 private:
-    std::unique_ptr<Calls> m_calls;
+    void leaveBehind();
+
+    std::unique_ptr<Calls> m_calls; ///< null once it is left behind
 };
 
 PortAudioStream::~PortAudioStream()
 {
-    if (!m_calls->stream)
-        return;
-    m_calls->next = leftBehind.exchange(m_calls.get());
-    (void)m_calls.release(); // never destroyed: the stream may still call them
+    if (m_calls && m_calls->stream)
+        leaveBehind();
+}
+
+/// What the stream calls is kept until it has ended.
+void PortAudioStream::leaveBehind()
+{
+    m_calls->isWanted = false;
+    const std::scoped_lock lock(leftBehind().mutex);
+    leftBehind().calls.push_back(std::move(m_calls));
 }
 
 bool PortAudioStream::start()
@@ -163,13 +191,11 @@ void PortAudioStream::close()
 {
     Calls &calls = *m_calls;
     if (Pa_IsStreamActive(calls.stream) == 1 && !calls.lives()) {
-        calls.isWanted = false;
         qWarning().nospace() << calls.name << ": the sound system doesn't answer, the stream is left behind";
+        leaveBehind();
         return;
     }
-    calls.isWanted = false;
-    Pa_StopStream(calls.stream);
-    Pa_CloseStream(calls.stream);
+    calls.closeStream();
     calls.stream = nullptr;
     const char *priority = calls.priority;
     qDebug().nospace() << calls.name << ": stopped";
@@ -179,9 +205,22 @@ void PortAudioStream::close()
 
 } // namespace
 
+void closeEndedSound()
+{
+    const std::scoped_lock lock(leftBehind().mutex);
+    std::erase_if(leftBehind().calls, [](const std::unique_ptr<Calls> &calls) {
+        if (!calls->hasEnded)
+            return false;
+        calls->closeStream();
+        qDebug().nospace() << calls->name << ": the stream that was left behind has ended";
+        return true;
+    });
+}
+
 bool isAnySoundLeftBehind()
 {
-    return leftBehind != nullptr;
+    const std::scoped_lock lock(leftBehind().mutex);
+    return !leftBehind().calls.empty();
 }
 
 std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig &config, SoundCalls sound)

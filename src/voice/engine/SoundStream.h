@@ -40,10 +40,12 @@ public:
 /// A way to open a stream. Null, and the log tells, when the device can't be opened.
 using OpenSound = std::function<std::unique_ptr<SoundStream>(StreamRole, const AudioStreamConfig &, SoundCalls)>;
 
-/// True once a stream was left behind: PortAudio must not be ended then, because it would wait for that one.
+/// Closes what was left behind and has ended since, as it does when a stopped sound server goes on.
+void closeEndedSound();
+/// True while a stream is left behind: PortAudio must not be ended then, because it would wait for that one.
 bool isAnySoundLeftBehind();
 
-/// PortAudio's.
+/// PortAudio's. The three above are called on the SoundThread, too.
 std::unique_ptr<SoundStream> openSound(StreamRole role, const AudioStreamConfig &config, SoundCalls calls);
 
 } // namespace tarvo::voice

@@ -1,5 +1,7 @@
 #include "voice/engine/SoundSystem.h"
 
+#include "voice/engine/SoundStream.h"
+
 #include <QDebug>
 
 #include <portaudio.h>
@@ -13,13 +15,30 @@ namespace {
 
 /// Those who hold PortAudio. Counted here, because PortAudio searches for devices only when its own count begins anew.
 std::atomic<int> holders = 0;
+std::atomic<bool> isUp = false;   ///< also while nobody holds it, when it couldn't be ended
+std::atomic<bool> isTold = false; ///< that it can't be ended
+
+/// False when PortAudio has to stay as it is.
+bool end()
+{
+    closeEndedSound();
+    if (isAnySoundLeftBehind())
+        return false;
+    if (isUp.exchange(false))
+        Pa_Terminate();
+    isTold = false;
+    return true;
+}
 
 bool start()
 {
+    if (!end())
+        return isUp;
     const PaError error = Pa_Initialize();
-    if (error != paNoError)
+    isUp = error == paNoError;
+    if (!isUp)
         qWarning() << "Pa_Initialize failed:" << Pa_GetErrorText(error);
-    return error == paNoError;
+    return isUp;
 }
 
 HostApiInfo toRecord(int index, const PaHostApiInfo &info)
@@ -44,23 +63,28 @@ SoundSession::~SoundSession()
 
 bool initializeSound()
 {
-    const bool isUp = holders > 0 || start();
-    holders += isUp ? 1 : 0;
-    return isUp;
+    const bool isHeld = holders > 0 || start();
+    holders += isHeld ? 1 : 0;
+    return isHeld;
 }
 
 void terminateSound()
 {
     if (--holders == 0)
-        Pa_Terminate();
+        end();
 }
 
-void searchSoundAgain()
+bool searchSoundAgain()
 {
     if (holders == 0)
-        return;
-    Pa_Terminate();
+        return false;
+    if (!end()) {
+        if (!isTold.exchange(true)) // it is tried again and again
+            qWarning("The sound system can't be searched for devices: a stream of it was left behind");
+        return false;
+    }
     start(); // when that fails everything gives errors, until it is called again
+    return true;
 }
 
 QList<HostApiInfo> getVoiceHostApis()

@@ -49,10 +49,12 @@ private:
 
 /// Takes hold of PortAudio without a SoundSession; false, and the log tells, when that fails.
 bool initializeSound();
-/// Lets go of it; only after an initializeSound() that gave true.
+/// Lets go of it. The last one's word ends it, unless a stream is left behind; only after an initializeSound() that
+/// gave true.
 void terminateSound();
-/// Has PortAudio search for devices again: its indices mean others from now on. Only while no stream is open.
-void searchSoundAgain();
+/// Has PortAudio search for devices again: its indices mean others from now on. Only while no stream is open. False
+/// when nobody holds it, and while a stream is left behind: then all is as before.
+bool searchSoundAgain();
 
 // Each of these holds PortAudio itself; none fails but the last. Lists are in PortAudio's order.
 

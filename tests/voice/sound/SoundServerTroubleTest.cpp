@@ -10,8 +10,16 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <span>
+
 using namespace tarvo::voice;
 using namespace tarvo::test;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -100,6 +108,46 @@ private slots:
                  (QStringList{QStringLiteral("Input device change failed: invalid device 1000"),
                               QStringLiteral("Output(headphone) device change failed: invalid device 1001"),
                               QStringLiteral("Output(speaker) device change failed: invalid device 1002")}));
+    }
+
+    void streamLeftBehindHoldsNoLaterSession()
+    {
+        SoundStage stage;
+        const int device = stage.device("spk_a");
+        stage.audio.reset(); // nobody holds PortAudio
+        const auto heardAt = std::make_shared<std::atomic<std::chrono::steady_clock::time_point>>();
+        const auto silence = [&heardAt] { return std::chrono::steady_clock::now() - heardAt->load(); };
+        const auto call = [&stage](const std::function<bool()> &task) {
+            bool result = false;
+            stage.sound->post([&] { result = task(); });
+            return stage.sound->waitUntilIdle(5s) && result;
+        };
+        std::unique_ptr<SoundStream> stream;
+        QVERIFY(call([&] {
+            initializeSound();
+            const AudioStreamConfig config = configFor(getVoiceDeviceInfo(device), StreamRole::Headphone);
+            const auto play = [heardAt](std::span<float> out) {
+                std::fill(out.begin(), out.end(), 0.0F);
+                *heardAt = std::chrono::steady_clock::now();
+            };
+            stream = openSound(StreamRole::Headphone, config, {.capture = {}, .play = play, .ended = [] {}});
+            return stream && stream->start();
+        }));
+        TRY_VERIFY(silence() < 1s);
+        stage.server.freeze();
+        TRY_VERIFY(silence() > 60ms); // its buffers are full
+        QVERIFY(call([&] {
+            stream->close();
+            terminateSound(); // the session's end
+            return isAnySoundLeftBehind();
+        }));
+        QVERIFY(call([] { return initializeSound() && !getVoiceOutputDevices().isEmpty() && !searchSoundAgain(); }));
+        stage.server.thaw();
+        TRY_VERIFY(call(&searchSoundAgain));
+        QVERIFY(call([] {
+            terminateSound();
+            return !isAnySoundLeftBehind();
+        }));
     }
 
     void killedServer()
