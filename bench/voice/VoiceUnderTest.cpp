@@ -42,7 +42,7 @@ int runOpenDevices()
 {
     using namespace voice;
     const auto sound = std::make_shared<SoundThread>();
-    DeviceStreams streams(&openSound, [] {});
+    DeviceStreams streams(portAudio(), [] {});
     DeviceStreams::Wishes wishes;
     for (const StreamRole role : roles) {
         const auto make = [](const AudioStreamConfig &) {

@@ -62,6 +62,8 @@ QString textOf(DeviceEvent event)
         return VoiceServiceViewModel::tr("无法打开音频设备：%1");
     case DeviceEvent::Back:
         return VoiceServiceViewModel::tr("音频设备已恢复：%1");
+    case DeviceEvent::Replaced:
+        return VoiceServiceViewModel::tr("已改用其他音频设备：%1");
     }
     return {};
 }

@@ -55,10 +55,10 @@ const AudioHandler::Setting AudioHandler::settings[] = {
      [](AudioHandler &h, const AppConfig &c) { h.m_conflictVolume = finite(c.get(config::voiceConflictVolume)); }},
 };
 
-AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent, OpenSound open)
+AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent, SoundAccess access)
     : QObject(parent),
       m_config(config),
-      m_devices(std::move(sound), std::move(open), this),
+      m_devices(std::move(sound), std::move(access), this),
       m_inputStream(m_devices.streams()),
       m_headphoneStream(StreamRole::Headphone, m_devices.streams()),
       m_speakerStream(StreamRole::Speaker, m_devices.streams()),

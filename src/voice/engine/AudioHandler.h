@@ -32,9 +32,9 @@ class AudioHandler : public QObject
     Q_OBJECT
 
 public:
-    /// `config` outlives the engine. `open` is called on the SoundThread.
+    /// `config` outlives the engine.
     AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr,
-                 OpenSound open = &openSound);
+                 SoundAccess access = portAudio());
 
     /// The pilot's devices are not known yet: what opens a stream waits for them.
     void waitForDevices() { m_devices.wait(); }

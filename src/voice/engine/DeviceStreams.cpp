@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <stdexcept>
 #include <utility>
 
 namespace tarvo::voice {
@@ -29,17 +28,28 @@ const Words &wordsOf(StreamRole role)
 
 constexpr StreamRole allRoles[] = {StreamRole::Input, StreamRole::Headphone, StreamRole::Speaker};
 
-QList<DeviceInfo> offeredDevices()
-{
-    return getVoiceDevices([](const DeviceInfo &) { return true; });
-}
+/// Searches that don't find all that is wanted, after 1 s and 3 s (RetryPace). What the next one finds is taken.
+constexpr int mostIncomplete = 2;
 
-int defaultDevice(StreamRole role)
+const DeviceInfo *find(const QList<DeviceInfo> &devices, const QByteArray &name)
 {
-    return role == StreamRole::Input ? getVoiceDefaultInputDevice() : getVoiceDefaultOutputDevice();
+    const auto found =
+        std::find_if(devices.begin(), devices.end(), [&name](const DeviceInfo &device) { return device.name == name; });
+    return found == devices.end() ? nullptr : &*found;
 }
 
 } // namespace
+
+SoundAccess portAudio()
+{
+    return {.open = &openSound,
+            .search = &searchSoundAgain,
+            .devices = [] { return getVoiceDevices([](const DeviceInfo &) { return true; }); },
+            .defaultDevice =
+                [](StreamRole role) {
+                    return role == StreamRole::Input ? getVoiceDefaultInputDevice() : getVoiceDefaultOutputDevice();
+                }};
+}
 
 AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role)
 {
@@ -52,6 +62,18 @@ AudioStreamConfig configFor(const DeviceInfo &device, StreamRole role)
     return config;
 }
 
+/// Starts what is open, if anything is. True when that is on another device than the last time.
+bool DeviceStreams::One::start()
+{
+    if (!stream || !stream->start()) {
+        stream.reset();
+        return false;
+    }
+    started();
+    const QByteArray before = std::exchange(lastDevice, device);
+    return !before.isEmpty() && before != device;
+}
+
 void DeviceStreams::One::close()
 {
     if (!stream)
@@ -61,8 +83,8 @@ void DeviceStreams::One::close()
     closed();
 }
 
-DeviceStreams::DeviceStreams(OpenSound open, std::function<void()> ended)
-    : m_open(std::move(open)), m_ended(std::move(ended))
+DeviceStreams::DeviceStreams(SoundAccess access, std::function<void()> ended)
+    : m_access(std::move(access)), m_ended(std::move(ended))
 {
 }
 
@@ -76,7 +98,7 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
 {
     StreamsReport report;
     if (!m_offered)
-        m_offered = offeredDevices();
+        m_offered = m_access.devices();
     for (const StreamRole role : allRoles) {
         if (settle(role, wishes[static_cast<std::size_t>(role)]))
             report.ended.push_back(role);
@@ -85,9 +107,10 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
         return wishes[static_cast<std::size_t>(role)].isOpen && !at(role).stream;
     };
     const bool opens = opening != Opening::None && std::any_of(std::begin(allRoles), std::end(allRoles), isMissing);
-    report.haveDevicesChanged = opens && opening == Opening::Again && !anyRuns() && hasFoundOthers();
-    if (opens && !report.haveDevicesChanged)
-        openWanted(wishes);
+    const Found found = opens && hasReasonToSearch(opening) ? search(wishes) : Found::TheSame;
+    report.haveDevicesChanged = found == Found::Others;
+    if (opens && found == Found::TheSame)
+        openWanted(wishes, report);
     std::copy_if(std::begin(allRoles), std::end(allRoles), std::back_inserter(report.missing), isMissing);
     report.anyRuns = anyRuns();
     return report;
@@ -98,17 +121,56 @@ bool DeviceStreams::anyRuns() const
     return std::any_of(m_streams.begin(), m_streams.end(), [](const One &one) { return one.stream != nullptr; });
 }
 
-/// Searches for devices. Those of a sound server that is gone are still known when they come back.
-bool DeviceStreams::hasFoundOthers()
+/// A search takes its time, and would end what runs.
+bool DeviceStreams::hasReasonToSearch(Opening opening) const
 {
-    if (isAnySoundLeftBehind())
-        return false;
-    searchSoundAgain();
-    const QList<DeviceInfo> found = offeredDevices();
+    return !anyRuns() && (opening == Opening::Again || m_incomplete > 0 || !m_missed.isEmpty());
+}
+
+QList<QByteArray> DeviceStreams::wantedDevices(const Wishes &wishes) const
+{
+    QList<QByteArray> names;
+    for (std::size_t i = 0; i < wishes.size(); ++i) {
+        if (wishes[i].isOpen && !m_streams[i].device.isEmpty())
+            names.append(m_streams[i].device);
+    }
+    return names;
+}
+
+/// The devices of a sound server that is gone with all of them are still known when they come back.
+DeviceStreams::Found DeviceStreams::search(const Wishes &wishes)
+{
+    if (!m_access.search())
+        return Found::TheSame;
+    const QList<DeviceInfo> found = m_access.devices();
+    if (found == m_offered)
+        m_incomplete = 0;
     if (found.isEmpty() || found == m_offered)
-        return false;
+        return Found::TheSame;
+    const auto isThere = [&found](const QByteArray &name) { return find(found, name) != nullptr; };
+    QList<QByteArray> gone = wantedDevices(wishes);
+    gone.removeIf(isThere);
+    if (!gone.isEmpty() && m_incomplete++ < mostIncomplete)
+        return Found::NotAll;
+    m_incomplete = 0;
+    m_missed.removeIf(isThere);
+    m_missed += gone;
+    moveTo(found);
+    return Found::Others;
+}
+
+/// So that nothing is opened by an index of before.
+void DeviceStreams::moveTo(const QList<DeviceInfo> &found)
+{
     m_offered = found;
-    return true;
+    for (const StreamRole role : allRoles) {
+        One &one = at(role);
+        const DeviceInfo *device = find(found, one.device);
+        if (device)
+            one.config = configFor(*device, role);
+        else if (!one.device.isEmpty())
+            one.config.device = -1; // which can't be opened
+    }
 }
 
 /// Takes the choice of a device, and closes what is not wanted or not like this. True when the stream was wanted on and
@@ -128,24 +190,27 @@ bool DeviceStreams::settle(StreamRole role, const StreamWish &wish)
 /// False when there is no such device.
 bool DeviceStreams::choose(StreamRole role, int device)
 {
-    const int chosen = device < 0 ? defaultDevice(role) : device;
+    const int chosen = device < 0 ? m_access.defaultDevice(role) : device;
     if (chosen < 0) {
         at(role).config.device = chosen;
+        at(role).device.clear();
         qCritical("No %s device selected and no default device found", wordsOf(role).direction);
         return false;
     }
-    try {
-        const DeviceInfo info = getVoiceDeviceInfo(chosen);
-        at(role).config = configFor(info, role);
-        qInfo("%s to %s, %d channels", wordsOf(role).change, info.name.constData(), at(role).config.channels);
-        return true;
-    } catch (const std::runtime_error &) {
+    // Among those that the pilot chose from: meanwhile PortAudio may have none, such as without its sound server.
+    const auto info = std::find_if(m_offered->begin(), m_offered->end(),
+                                   [chosen](const DeviceInfo &one) { return one.index == chosen; });
+    if (info == m_offered->end()) {
         qWarning("%s failed: invalid device %d", wordsOf(role).change, chosen);
         return false;
     }
+    at(role).config = configFor(*info, role);
+    at(role).device = info->name;
+    qInfo("%s to %s, %d channels", wordsOf(role).change, info->name.constData(), at(role).config.channels);
+    return true;
 }
 
-void DeviceStreams::openWanted(const Wishes &wishes)
+void DeviceStreams::openWanted(const Wishes &wishes, StreamsReport &report)
 {
     for (One &one : m_streams)
         one.close();
@@ -155,14 +220,12 @@ void DeviceStreams::openWanted(const Wishes &wishes)
             continue;
         Sound sound = one.make(one.config);
         sound.calls.ended = m_ended;
-        one.stream = m_open(role, one.config, std::move(sound.calls));
+        one.stream = m_access.open(role, one.config, std::move(sound.calls));
         one.started = std::move(sound.started);
     }
-    for (One &one : m_streams) {
-        if (one.stream && one.stream->start())
-            one.started();
-        else
-            one.stream.reset();
+    for (const StreamRole role : allRoles) {
+        if (at(role).start())
+            report.replaced.push_back(role);
     }
 }
 

@@ -24,14 +24,19 @@ DeviceWishes::Roles without(const DeviceWishes::Roles &roles, const DeviceWishes
     return rest;
 }
 
+DeviceWishes::Roles within(const DeviceWishes::Roles &roles, const DeviceWishes::Roles &others)
+{
+    return without(roles, without(roles, others));
+}
+
 } // namespace
 
-DeviceWishes::DeviceWishes(std::shared_ptr<SoundThread> sound, OpenSound open, QObject *parent)
+DeviceWishes::DeviceWishes(std::shared_ptr<SoundThread> sound, SoundAccess access, QObject *parent)
     : QObject(parent),
       m_sound(std::move(sound)),
       m_mailbox(std::make_shared<Mailbox>(this)),
       m_lease(m_sound),
-      m_streams(std::make_shared<DeviceStreams>(std::move(open),
+      m_streams(std::make_shared<DeviceStreams>(std::move(access),
                                                 [this, mailbox = m_mailbox] { mailbox->send([this] { work(); }); }))
 {
     m_next.setObjectName(QStringLiteral("next"));
@@ -62,7 +67,7 @@ void DeviceWishes::start(const Roles &roles, std::function<void()> whenTried)
     for (const StreamRole role : roles)
         at(role).isOpen = true;
     if (whenTried)
-        m_whenTried.push_back(std::move(whenTried));
+        m_round.whenTried.push_back(std::move(whenTried));
     change();
 }
 
@@ -77,8 +82,8 @@ void DeviceWishes::stop(const Roles &roles)
 void DeviceWishes::change()
 {
     m_retries.reset();
-    m_tellsAgain = true;
-    m_opening = Opening::Wanted;
+    ++m_round.change;
+    m_round.opening = Opening::Wanted;
     m_next.start(0);
 }
 
@@ -89,10 +94,9 @@ void DeviceWishes::work()
     if (m_isWorking || m_isWaiting)
         return;
     m_next.stop();
-    m_isWorking = m_sound->post([this, mailbox = m_mailbox, streams = m_streams, wishes = m_wishes, opening = m_opening,
-                                 whenTried = m_whenTried] {
-        const StreamsReport report = streams->fulfil(wishes, opening);
-        mailbox->send([=, this] { onWorked(report, opening, whenTried); });
+    m_isWorking = m_sound->post([this, mailbox = m_mailbox, streams = m_streams, round = m_round] {
+        const StreamsReport report = streams->fulfil(round.wishes, round.opening);
+        mailbox->send([=, this] { onWorked(report, round); });
     });
     if (m_isWorking)
         forgetTold();
@@ -102,20 +106,25 @@ void DeviceWishes::work()
 
 void DeviceWishes::forgetTold()
 {
-    m_opening = Opening::None;
-    m_whenTried.clear();
-    for (StreamWish &wish : m_wishes)
+    m_round.opening = Opening::None;
+    m_round.whenTried.clear();
+    for (StreamWish &wish : m_round.wishes)
         wish.device.reset();
 }
 
-void DeviceWishes::onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried)
+void DeviceWishes::onWorked(const StreamsReport &report, const Round &round)
 {
     m_isWorking = false;
-    goOn(report, opening);
-    tell(report);
-    if (report.haveDevicesChanged)
+    goOn(report, round.opening);
+    tellEnded(report);
+    if (report.haveDevicesChanged) { // the next round tells what has become of it all
+        Calls &next = m_round.whenTried;
+        next.insert(next.begin(), round.whenTried.begin(), round.whenTried.end());
         emit devicesChanged();
-    for (const std::function<void()> &call : whenTried)
+        return;
+    }
+    tellOutcome(report, round.change);
+    for (const std::function<void()> &call : round.whenTried)
         call();
 }
 
@@ -129,26 +138,35 @@ void DeviceWishes::goOn(const StreamsReport &report, Opening opening)
     if (isWell && opening == Opening::None)
         m_retries.reset(); // since the last look
     const std::optional<std::chrono::milliseconds> retry = isWell ? std::nullopt : m_retries.next(report.anyRuns);
-    m_opening = retry ? Opening::Again : Opening::None;
+    m_round.opening = retry ? Opening::Again : Opening::None;
     if (retry || report.anyRuns)
         m_next.start(retry.value_or(watchInterval));
 }
 
-/// What is new, and still of interest.
-void DeviceWishes::tell(const StreamsReport &report)
+void DeviceWishes::tellEnded(const StreamsReport &report)
 {
+    const Roles ended = without(wanted(report.ended), m_missing);
+    m_missing.insert(m_missing.end(), ended.begin(), ended.end());
+    tell(DeviceEvent::Ended, ended);
+}
+
+/// What is new, and still of interest.
+void DeviceWishes::tellOutcome(const StreamsReport &report, int change)
+{
+    const bool isChanged = std::exchange(m_toldChange, change) != change;
     const Roles missing = wanted(report.missing);
-    Roles known = std::exchange(m_missing, missing);
-    const Roles ended = without(wanted(report.ended), known);
-    known.insert(known.end(), ended.begin(), ended.end());
-    const Roles told = std::exchange(m_tellsAgain, false) ? ended : known;
-    const std::pair<DeviceEvent, Roles> events[] = {{DeviceEvent::Ended, ended},
-                                                    {DeviceEvent::Failed, without(missing, told)},
-                                                    {DeviceEvent::Back, wanted(without(known, missing))}};
-    for (const auto &[event, roles] : events) {
-        if (!roles.empty())
-            emit happened(event, roles);
-    }
+    const Roles known = std::exchange(m_missing, missing);
+    const Roles told = isChanged ? report.ended : known;
+    const Roles back = wanted(without(known, missing));
+    tell(DeviceEvent::Failed, without(missing, told));
+    tell(DeviceEvent::Back, without(back, report.replaced));
+    tell(DeviceEvent::Replaced, within(back, report.replaced));
+}
+
+void DeviceWishes::tell(DeviceEvent event, const Roles &roles)
+{
+    if (!roles.empty())
+        emit happened(event, roles);
 }
 
 DeviceWishes::Roles DeviceWishes::wanted(const Roles &roles)

@@ -19,9 +19,10 @@ class SoundThread;
 /// What happens to devices that are in use.
 enum class DeviceEvent
 {
-    Ended,  ///< the sound system has ended them, such as a sound server that was killed, or a plug that was pulled
-    Failed, ///< they can't be opened
-    Back,   ///< they run again, or at last
+    Ended,    ///< the sound system has ended them, such as a sound server that was killed, or a plug that was pulled
+    Failed,   ///< they can't be opened
+    Back,     ///< they run again, or at last
+    Replaced, ///< others run in their place
 };
 
 /// What is wanted of the engine's streams. Everything returns at once, and the SoundThread works towards the newest
@@ -34,8 +35,7 @@ class DeviceWishes : public QObject
 public:
     using Roles = std::vector<StreamRole>;
 
-    /// `open` is called on the SoundThread.
-    DeviceWishes(std::shared_ptr<SoundThread> sound, OpenSound open, QObject *parent = nullptr);
+    DeviceWishes(std::shared_ptr<SoundThread> sound, SoundAccess access, QObject *parent = nullptr);
     ~DeviceWishes() override;
 
     DeviceStreams &streams() { return *m_streams; }
@@ -46,7 +46,7 @@ public:
 
     /// PortAudio's index; negative: the default device.
     void setDevice(StreamRole role, int device);
-    /// `whenTried` is called on this object's thread when that has been tried.
+    /// `whenTried` is called on this object's thread when that has been tried, with devices that are there.
     void start(const Roles &roles, std::function<void()> whenTried = {});
     void stop(const Roles &roles);
 
@@ -59,29 +59,38 @@ signals:
 private:
     using Calls = std::vector<std::function<void()>>;
 
-    StreamWish &at(StreamRole role) { return m_wishes[static_cast<std::size_t>(role)]; }
+    /// What the sound thread works at.
+    struct Round
+    {
+        DeviceStreams::Wishes wishes;
+        Opening opening = Opening::None;
+        Calls whenTried;
+        int change = 0; ///< the last one that it knows of
+    };
+
+    StreamWish &at(StreamRole role) { return m_round.wishes[static_cast<std::size_t>(role)]; }
     void change();
     void work();
     void forgetTold();
-    void onWorked(const StreamsReport &report, Opening opening, const Calls &whenTried);
+    void onWorked(const StreamsReport &report, const Round &round);
     void goOn(const StreamsReport &report, Opening opening);
-    void tell(const StreamsReport &report);
+    void tellEnded(const StreamsReport &report);
+    void tellOutcome(const StreamsReport &report, int change);
     Roles wanted(const Roles &roles);
+    void tell(DeviceEvent event, const Roles &roles);
 
     const std::shared_ptr<SoundThread> m_sound;
     const std::shared_ptr<Mailbox> m_mailbox;
     const SoundLease m_lease;
     const std::shared_ptr<DeviceStreams> m_streams; ///< the sound thread's
-    DeviceStreams::Wishes m_wishes;
-    Calls m_whenTried;
+    Round m_round;                                  ///< the next
     bool m_isWaiting = false;
-    bool m_isWorking = false;          ///< the sound thread does, or will
-    bool m_isBehind = false;           ///< there has been a reason to work since
-    Opening m_opening = Opening::None; ///< next time
+    bool m_isWorking = false; ///< the sound thread does, or will
+    bool m_isBehind = false;  ///< there has been a reason to work since
     QTimer m_next{this};
     RetryPace m_retries;
-    Roles m_missing;           ///< which the pilot has been told
-    bool m_tellsAgain = false; ///< also that; there is a new wish
+    Roles m_missing;      ///< which the pilot has been told
+    int m_toldChange = 0; ///< the last one whose outcome he has been told; of a later one he is told that, too
 };
 
 } // namespace tarvo::voice

@@ -4,21 +4,36 @@
 #include "voice/engine/Mailbox.h"
 #include "voice/engine/VoiceCapture.h"
 
+#include <atomic>
 #include <optional>
 #include <span>
 #include <utility>
 
 namespace tarvo::voice {
 
+namespace {
+
+/// As many as a receiver keeps: 640 ms. Behind a pause of the main thread older speech would only come late.
+constexpr int mostWaiting = 32;
+
+} // namespace
+
 InputAudioStream::InputAudioStream(DeviceStreams &streams, QObject *parent)
     : QObject(parent), m_mailbox(std::make_shared<Mailbox>(this)), m_controls(std::make_shared<CaptureControls>())
 {
     const auto make = [this, mailbox = m_mailbox, controls = m_controls](const AudioStreamConfig &config) {
         const auto capture = std::make_shared<VoiceCapture>(config, controls);
+        const auto waiting = std::make_shared<std::atomic<int>>(0); // frames in the mailbox
         DeviceStreams::Sound sound{.calls = {}, .started = [] {}};
-        sound.calls.capture = [this, mailbox, capture](std::span<const std::int16_t> samples) {
-            if (std::optional<CapturedFrame> frame = capture->process(samples))
-                mailbox->send([this, made = std::move(*frame)] { deliver(made); });
+        sound.calls.capture = [this, mailbox, capture, waiting](std::span<const std::int16_t> samples) {
+            std::optional<CapturedFrame> frame = capture->process(samples);
+            if (!frame || *waiting >= mostWaiting) // the new one is dropped
+                return;
+            ++*waiting;
+            mailbox->send([this, waiting, made = std::move(*frame)] {
+                --*waiting;
+                deliver(made);
+            });
         };
         return sound;
     };

@@ -421,6 +421,7 @@ private slots:
                                << u"音频设备已断开：麦克风、耳机、扬声器"_qs;
         QTest::newRow("failed") << Failed << std::vector{Speaker} << u"无法打开音频设备：扬声器"_qs;
         QTest::newRow("back") << Back << std::vector{Headphone} << u"音频设备已恢复：耳机"_qs;
+        QTest::newRow("replaced") << Replaced << std::vector{Headphone} << u"已改用其他音频设备：耳机"_qs;
     }
 
     void devicesThatFailAreToldOf()

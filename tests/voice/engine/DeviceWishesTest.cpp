@@ -4,11 +4,9 @@
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "voice/engine/LoudPacket.h"
-#include "voice/engine/ScriptedSound.h"
-#include "voice/engine/SoundThread.h"
 #include "voice/engine/VoiceCapture.h"
+#include "voice/engine/WishStage.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -16,65 +14,18 @@
 #include <functional>
 #include <future>
 #include <optional>
-#include <set>
 
 using namespace tarvo;
 using namespace tarvo::voice;
 using tarvo::test::loudPacket;
-using tarvo::test::ScriptedSound;
+using tarvo::test::WishStage;
 using namespace std::chrono_literals;
 
 namespace {
 
 using enum StreamRole;
-using Roles = std::set<StreamRole>;
-
-/// An engine on a sound system of which the test says what it does.
-struct WishStage
-{
-    WishStage()
-    {
-        audio.emplace(config, sound, nullptr, system.opener());
-        QObject::connect(&*audio, &AudioHandler::deviceEvent, &*audio,
-                         [this](DeviceEvent event, const std::vector<StreamRole> &roles) {
-                             events.emplace_back(event, Roles(roles.begin(), roles.end()));
-                         });
-    }
-
-    QTimer &timer(const char *name) const { return *audio->findChild<QTimer *>(QLatin1String(name)); }
-    /// Lets the sound thread do all that is to be done now.
-    void settle() const
-    {
-        do {
-            QCoreApplication::processEvents();
-            sound->waitUntilIdle(std::chrono::milliseconds(test::patienceMs));
-            QCoreApplication::processEvents();
-        } while (timer("next").isActive() && timer("next").intervalAsDuration() == 0ms);
-    }
-    /// When the sound thread goes on by itself; nothing: not at all.
-    std::optional<std::chrono::milliseconds> pause() const
-    {
-        return timer("next").isActive() ? std::optional(timer("next").intervalAsDuration()) : std::nullopt;
-    }
-    /// Lets that time pass.
-    void pass() const
-    {
-        timer("next").stop(); // as a single shot does before it tells
-        QMetaObject::invokeMethod(&timer("next"), "timeout");
-        settle();
-    }
-    /// What has happened since the last question.
-    std::vector<std::pair<DeviceEvent, Roles>> takeEvents() { return std::exchange(events, {}); }
-
-    QTemporaryDir folder;
-    AppConfig config{folder.path()};
-    ScriptedSound system;
-    std::shared_ptr<SoundThread> sound = std::make_shared<SoundThread>();
-    std::optional<AudioHandler> audio;
-    std::vector<std::pair<DeviceEvent, Roles>> events;
-};
-
-using Events = std::vector<std::pair<DeviceEvent, Roles>>;
+using Roles = WishStage::Roles;
+using Events = WishStage::Events;
 using Deeds = std::function<void(AudioHandler &, AppConfig &)>;
 
 const Roles all{Input, Headphone, Speaker};
@@ -160,6 +111,20 @@ private slots:
         QCOMPARE(stage.takeEvents(), Events());
     }
 
+    void aWishThatComesWhileAnOlderIsDone()
+    {
+        WishStage stage;
+        stage.system.refuse(all);
+        stage.system.hang();
+        stage.audio->startMicTest(false);
+        QCoreApplication::processEvents();
+        stage.audio->startAll();
+        stage.system.release();
+        stage.settle();
+        // The outcome of each is told, and not that of the first as the second's.
+        QCOMPARE(stage.takeEvents(), (Events{{DeviceEvent::Failed, {Input, Headphone}}, {DeviceEvent::Failed, all}}));
+    }
+
     void secondStartOpensNothing_data()
     {
         QTest::addColumn<Deeds>("start");
@@ -205,6 +170,25 @@ private slots:
         stage.settle();
         say(); // goes to the server alone
         QCOMPARE(stage.system.play(target), 0.0F);
+    }
+
+    void microphoneWaitsForThisThreadWithoutPilingUp()
+    {
+        WishStage stage;
+        stage.audio->startAll();
+        stage.settle();
+        stage.audio->setPttActive(true);
+        int frames = 0;
+        connect(&*stage.audio, &AudioHandler::encodedAudioReady, &*stage.audio, [&frames] { ++frames; });
+        const auto speak = [&](int count) {
+            for (int i = 0; i < count; ++i)
+                stage.system.capture(std::vector<std::int16_t>(882, 1000));
+            QCoreApplication::processEvents();
+        };
+        speak(40);
+        QCOMPARE(frames, 32);
+        speak(1);
+        QCOMPARE(frames, 33);
     }
 
     void conflictTestBuzzesUntilItIsStopped_data()

@@ -1,13 +1,19 @@
 #pragma once
 
 #include "voice/codec/AudioStreamConfig.h"
+#include "voice/engine/DeviceStreams.h"
 #include "voice/engine/SoundStream.h"
 
+#include <QByteArray>
+#include <QList>
+
 #include <algorithm>
+#include <cstdint>
 #include <future>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -20,17 +26,60 @@ class ScriptedSound
 public:
     using Role = voice::StreamRole;
 
-    voice::OpenSound opener()
+    voice::SoundAccess access()
     {
-        return [state = m_state](Role role, const voice::AudioStreamConfig &,
-                                 voice::SoundCalls calls) -> std::unique_ptr<voice::SoundStream> {
-            state->waitUntilReleased();
-            const std::scoped_lock lock(state->mutex);
-            ++state->tried;
-            if (state->refused.contains(role))
-                return nullptr;
-            return std::make_unique<Stream>(state, role, std::move(calls));
-        };
+        return {.open = [state = m_state](Role role, const voice::AudioStreamConfig &config,
+                                          voice::SoundCalls calls) -> std::unique_ptr<voice::SoundStream> {
+                    state->waitUntilReleased();
+                    const std::scoped_lock lock(state->mutex);
+                    ++state->tried;
+                    if (state->refused.contains(role) || !state->has(config.device))
+                        return nullptr;
+                    state->used[role] = config.device;
+                    return std::make_unique<Stream>(state, role, std::move(calls));
+                },
+                .search =
+                    [state = m_state] {
+                        const std::scoped_lock lock(state->mutex);
+                        ++state->searches;
+                        state->known = state->plugged;
+                        return true;
+                    },
+                .devices =
+                    [state = m_state] {
+                        const std::scoped_lock lock(state->mutex);
+                        return state->known;
+                    },
+                .defaultDevice = [](Role) { return -1; }};
+    }
+
+    /// These are there from now on; they are known after the next search. Each can do all, and its place is its index.
+    /// Before the first word of them any can be opened.
+    void plug(const QList<QByteArray> &names)
+    {
+        const std::scoped_lock lock(m_state->mutex);
+        m_state->plugged.clear();
+        for (const QByteArray &name : names)
+            m_state->plugged.append({.index = static_cast<qint32>(m_state->plugged.size()),
+                                     .name = name,
+                                     .hostApi = 0,
+                                     .maxInputChannels = 1,
+                                     .maxOutputChannels = 1,
+                                     .defaultSampleRate = 44100});
+        if (!std::exchange(m_state->isPlugged, true))
+            m_state->known = m_state->plugged;
+    }
+    /// The name of the device that a role opened last.
+    QByteArray used(Role role) const
+    {
+        const std::scoped_lock lock(m_state->mutex);
+        return m_state->known.value(m_state->used[role].value_or(-1)).name;
+    }
+    /// How often devices were searched for since the last question.
+    int takeSearches()
+    {
+        const std::scoped_lock lock(m_state->mutex);
+        return std::exchange(m_state->searches, 0);
     }
 
     /// From now on these can't be opened.
@@ -72,6 +121,12 @@ public:
         if (saysSo)
             calls.ended();
     }
+    /// The microphone's next 20 ms.
+    void capture(const std::vector<std::int16_t> &samples)
+    {
+        const std::scoped_lock lock(m_state->mutex);
+        m_state->running.at(Role::Input).capture(samples);
+    }
     /// The peak of the next 20 ms that an output plays; 0 without one.
     float play(Role role)
     {
@@ -91,8 +146,17 @@ private:
         std::map<Role, voice::SoundCalls> running;
         std::set<Role> refused;
         int tried = 0;
+        QList<voice::DeviceInfo> plugged;
+        QList<voice::DeviceInfo> known;
+        bool isPlugged = false;
+        int searches = 0;
+        std::map<Role, std::optional<int>> used;
         std::shared_future<void> gate;
 
+        bool has(std::optional<int> device) const
+        {
+            return !isPlugged || (device.value_or(0) >= 0 && device.value_or(0) < known.size());
+        }
         void waitUntilReleased()
         {
             std::shared_future<void> held;
