@@ -135,9 +135,11 @@ void VoiceClient::onMessage(const std::string &data)
         startAudio();
 }
 
-/// The sockets stay open until the server closes them.
+/// The sockets stay open until the server closes them. A second such line ends no test of the devices.
 void VoiceClient::onServerDisconnect()
 {
+    if (m_state == ConnectionState::Disconnected)
+        return;
     m_transmitters.clear();
     if (m_audio)
         m_audio->stopAll();

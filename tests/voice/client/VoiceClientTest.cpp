@@ -2,6 +2,9 @@
 
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
+#include "voice/engine/InputAudioStream.h"
+#include "voice/engine/LoudPacket.h"
+#include "voice/engine/VoiceCapture.h"
 
 #include <QTest>
 
@@ -175,6 +178,22 @@ private slots:
         stage.peer.closeConnection();
         TRY_VERIFY(!stage.peer.isClientConnected());
         QCOMPARE(stage.events, (QStringList{u"Disconnected"_qs, u"error: end"_qs}));
+    }
+
+    void aSecondGoodbyeEndsNoTest()
+    {
+        SessionStage stage;
+        QVERIFY(stage.makeReady());
+        stage.say("disconnect");
+        QVERIFY(stage.waitForState(ConnectionState::Disconnected));
+        voice::AudioHandler &audio = *stage.client->audioHandler();
+        audio.startMicTest(false);
+        Headphone headphone(stage);
+        stage.say("disconnect");
+        stage.say("error", "end");
+        TRY_COMPARE(stage.events.last(), u"error: end"_qs);
+        audio.inputStream().deliver({.volume = {}, .opus = loudPacket()});
+        QVERIFY(headphone.sounds());
     }
 
     /// In one segment: the streams have no time to start.
