@@ -288,7 +288,16 @@ void VoiceServiceViewModel::onReceived(const QString &callsign, int kHz, const V
     m_lastReceiveCallsign = shownText(callsign, SpeechTimeline::longestCallsign);
     tellIfSeen(&VoiceServiceViewModel::receivingChanged);
     setOutputMeter(volume);
-    heard(std::lround(m_com1.activeMHz * kHzInMHz) == kHz ? 0 : 1, callsign, false);
+    heard(radioOf(kHz), callsign, false);
+}
+
+/// As the client chooses: of two on one frequency one that is heard, and then COM2.
+int VoiceServiceViewModel::radioOf(int kHz) const
+{
+    const auto isTuned = [kHz](const VoiceRadio &radio) { return std::lround(radio.activeMHz * kHzInMHz) == kHz; };
+    if (!isTuned(m_com1))
+        return 1;
+    return isTuned(m_com2) && (m_com2.receives || !m_com1.receives) ? 1 : 0;
 }
 
 void VoiceServiceViewModel::heard(int radio, const QString &callsign, bool own)

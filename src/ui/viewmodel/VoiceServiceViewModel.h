@@ -197,6 +197,7 @@ private:
     void setAttemptFailed(bool failed);
     void onSent(const common::VolumeInfo &volume);
     void onReceived(const QString &callsign, int kHz, const common::VolumeInfo &volume);
+    int radioOf(int kHz) const;
     void onKey(bool active);
     void applyPtt();
     void ensureMeterConnections();

@@ -12,7 +12,8 @@ const Transmitter *TransmitterTable::tunedTo(qint32 frequency) const
 {
     const Transmitter *tuned = nullptr;
     for (const auto &[id, transmitter] : m_byId) {
-        if (frequency > 0 && transmitter.frequency == static_cast<quint32>(frequency))
+        const bool isTuned = frequency > 0 && transmitter.frequency == static_cast<quint32>(frequency);
+        if (isTuned && (!tuned || transmitter.receive || !tuned->receive))
             tuned = &transmitter;
     }
     return tuned;

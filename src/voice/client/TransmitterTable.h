@@ -16,7 +16,8 @@ public:
 
     /// Null without one.
     const Transmitter *find(quint32 id) const;
-    /// The one that is tuned to `frequency`, in kHz; of two the higher id. Null without one, and for 0.
+    /// The one that is tuned to `frequency`, in kHz; of two one that is heard, and then the higher id. Null
+    /// without one, and for 0.
     const Transmitter *tunedTo(qint32 frequency) const;
 
     auto begin() const { return m_byId.begin(); }

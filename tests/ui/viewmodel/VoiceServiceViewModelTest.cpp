@@ -451,6 +451,27 @@ private slots:
         QVERIFY(rows.at(0).own && !rows.at(1).own);
     }
 
+    void voiceIsInTheRowOfTheRadioThatHearsIt_data()
+    {
+        QTest::addColumn<bool>("com1");
+        QTest::addColumn<bool>("com2");
+        QTest::addColumn<int>("radio");
+        QTest::newRow("COM1 alone is heard") << true << false << 0;
+        QTest::newRow("COM2 alone is heard") << false << true << 1;
+        QTest::newRow("both are") << true << true << 1;
+    }
+
+    void voiceIsInTheRowOfTheRadioThatHearsIt()
+    {
+        QFETCH(bool, com1);
+        QFETCH(bool, com2);
+        VoicePage page;
+        page.model.radioStackUpdate(
+            {.com1Frequency = 118500, .com1ReceiveEnabled = com1, .com2Frequency = 118500, .com2ReceiveEnabled = com2});
+        emit page.client.voiceDataReceived(u"TWR"_qs, 118500, {});
+        QTEST(page.model.speechRows()->rows().at(0).radio, "radio");
+    }
+
     void whatIsNotSeenIsNotShown_data()
     {
         QTest::addColumn<Signal>("signal");

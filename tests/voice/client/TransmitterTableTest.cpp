@@ -38,6 +38,27 @@ private slots:
         QCOMPARE(found ? static_cast<int>(found->id) : -1, id);
     }
 
+    void ofTwoOnOneFrequencyOneThatIsHeard_data()
+    {
+        QTest::addColumn<bool>("com1");
+        QTest::addColumn<bool>("com2");
+        QTest::addColumn<quint32>("id");
+        QTest::newRow("COM1 alone is heard") << true << false << 0U;
+        QTest::newRow("COM2 alone is heard") << false << true << 1U;
+        QTest::newRow("both are") << true << true << 1U;
+        QTest::newRow("none is") << false << false << 1U;
+    }
+
+    void ofTwoOnOneFrequencyOneThatIsHeard()
+    {
+        QFETCH(bool, com1);
+        QFETCH(bool, com2);
+        TransmitterTable table;
+        table.set({.id = 0, .frequency = 118500, .receive = com1});
+        table.set({.id = 1, .frequency = 118500, .receive = com2});
+        QTEST(table.tunedTo(118500)->id, "id");
+    }
+
     void theSameRadioIsRetuned()
     {
         TransmitterTable table;
