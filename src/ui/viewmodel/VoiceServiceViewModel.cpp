@@ -120,7 +120,8 @@ VoiceServiceViewModel::VoiceServiceViewModel(VoiceClient *client, input::PttServ
     m_timelineTimer.setInterval(timelineStep);
     connect(&m_timelineTimer, &QTimer::timeout, this, &VoiceServiceViewModel::moveTimeline);
     connect(&ptt, &input::PttService::activeChanged, this, &VoiceServiceViewModel::onKey);
-    connect(&m_devices, &AudioDevice::deviceListChanged, this, &VoiceServiceViewModel::reportMissingDevices);
+    for (const auto known : {&AudioDevice::deviceListChanged, &AudioDevice::loaded})
+        connect(&m_devices, known, this, &VoiceServiceViewModel::reportMissingDevices);
     if (m_client)
         connectClient();
 }
