@@ -15,7 +15,7 @@ struct WeatherSettings
 struct VoiceSettings
 {
     int tokenMs = 10'000;   ///< a client whose first line hasn't come by then is sent away
-    int silenceMs = 60'000; ///< a client that sends no line for so long is sent away; it pings every 15 s
+    int silenceMs = 60'000; ///< a client that sends nothing for so long is sent away; it pings every 15 s
     int maxClients = 64;
     int maxLineBytes = 4096;         ///< a longer line is dropped
     int maxQueuedBytes = 1 << 18;    ///< a client that lets more pile up is cut off

@@ -36,6 +36,7 @@ public:
     void addChannel(int id);
     void removeChannel(int id);
     void forgetChannels(); ///< when the stream is about to be closed
+
     void playPacket(int channel, const std::vector<std::uint8_t> &opus, bool conflict, float volume);
     /// Plays 20 ms before all voice.
     void playLocal(std::span<const float> frame);

@@ -39,10 +39,9 @@ std::string textOf(const sockaddr *address)
     return "Unknown address family";
 }
 
-void setBlocking(int socket, bool blocking)
+void setBlocking(int socket)
 {
-    const int flags = fcntl(socket, F_GETFL);
-    fcntl(socket, F_SETFL, blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK);
+    fcntl(socket, F_SETFL, fcntl(socket, F_GETFL) & ~O_NONBLOCK);
 }
 
 int errorOf(int socket)
@@ -88,12 +87,10 @@ Socket::~Socket()
 
 int Socket::connectTo(const SocketAddress &address)
 {
-    const int socket = ::socket(address.family, address.type, address.protocol);
+    const int socket = ::socket(address.family, address.type | SOCK_CLOEXEC | SOCK_NONBLOCK, address.protocol);
     if (socket < 0)
         return errno;
     m_handle = socket;
-    fcntl(socket, F_SETFD, FD_CLOEXEC);
-    setBlocking(socket, false);
     const auto *to = reinterpret_cast<const sockaddr *>(address.bytes.data());
     if (::connect(socket, to, static_cast<socklen_t>(address.bytes.size())) == 0 || errno == EINPROGRESS)
         return 0;
@@ -107,7 +104,7 @@ std::optional<int> Socket::waitUntilConnected(std::chrono::milliseconds longest)
     if (::poll(&watched, 1, static_cast<int>(longest.count())) <= 0)
         return std::nullopt;
     const int error = errorOf(socket);
-    setBlocking(socket, true);
+    setBlocking(socket);
     return error;
 }
 
