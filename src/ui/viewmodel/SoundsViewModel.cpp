@@ -11,7 +11,8 @@ namespace tarvo::ui {
 
 namespace {
 
-constexpr std::chrono::milliseconds signLasts{2500}; ///< long enough to be looked for
+constexpr std::chrono::milliseconds signLasts{2500};  ///< long enough to be looked for
+constexpr std::chrono::milliseconds volumeRests{500}; ///< longer than a held key takes to repeat
 
 struct SoundSign
 {
@@ -28,11 +29,25 @@ constexpr SoundSign signs[] = {
 
 } // namespace
 
-SoundsViewModel::SoundsViewModel(StateFile &state, QObject *parent) : QObject(parent), m_state(state), m_signTimer(this)
+SoundsViewModel::SoundsViewModel(StateFile &state, QObject *parent)
+    : QObject(parent),
+      m_state(state),
+      m_volume(std::clamp(state.get(state::soundsVolume), 0, 100)),
+      m_saveTimer(this),
+      m_signTimer(this)
 {
+    m_saveTimer.setObjectName(QStringLiteral("saveTimer"));
+    m_saveTimer.setSingleShot(true);
+    connect(&m_saveTimer, &QTimer::timeout, this, &SoundsViewModel::saveVolume);
     m_signTimer.setObjectName(QStringLiteral("signTimer"));
     m_signTimer.setSingleShot(true);
     connect(&m_signTimer, &QTimer::timeout, this, [this] { setSign({}, {}); });
+}
+
+SoundsViewModel::~SoundsViewModel()
+{
+    if (m_saveTimer.isActive())
+        saveVolume();
 }
 
 bool SoundsViewModel::isOn() const
@@ -48,18 +63,19 @@ void SoundsViewModel::setOn(bool on)
     emit changed();
 }
 
-int SoundsViewModel::volume() const
-{
-    return std::clamp(m_state.get(state::soundsVolume), 0, 100);
-}
-
 void SoundsViewModel::setVolume(int percent)
 {
     const int wanted = std::clamp(percent, 0, 100);
-    if (wanted == volume())
+    if (wanted == m_volume)
         return;
-    m_state.set(state::soundsVolume, wanted);
+    m_volume = wanted;
+    m_saveTimer.start(volumeRests);
     emit changed();
+}
+
+void SoundsViewModel::saveVolume()
+{
+    m_state.set(state::soundsVolume, m_volume);
 }
 
 void SoundsViewModel::showSign(const QUrl &sound)

@@ -30,10 +30,47 @@ private slots:
         sounds.setVolume(35);
         sounds.setVolume(35);
         QCOMPARE(changed.size(), 2);
+        auto *timer = sounds.findChild<QTimer *>(u"saveTimer"_qs);
+        QVERIFY(timer && timer->isActive()); // a slider's steps are not written one by one
+        QCOMPARE(state.get(tarvo::state::soundsVolume), 100);
+        timer->start(0);
+        TRY_COMPARE(state.get(tarvo::state::soundsVolume), 35);
         StateFile nextStart(folder.path());
         const SoundsViewModel next(nextStart);
         QVERIFY(!next.isOn());
         QCOMPARE(next.volume(), 35);
+    }
+
+    void theEndKeepsTheVolume()
+    {
+        const QTemporaryDir folder;
+        StateFile state(folder.path());
+        {
+            SoundsViewModel sounds(state);
+            sounds.setVolume(20);
+        }
+        QCOMPARE(state.get(tarvo::state::soundsVolume), 20);
+    }
+
+    void whenSoundsAreHeard_data()
+    {
+        QTest::addColumn<bool>("on");
+        QTest::addColumn<int>("volume");
+        QTest::addColumn<bool>("audible");
+        QTest::newRow("on") << true << 5 << true;
+        QTest::newRow("no volume") << true << 0 << false;
+        QTest::newRow("off") << false << 100 << false;
+    }
+    void whenSoundsAreHeard()
+    {
+        QFETCH(bool, on);
+        QFETCH(int, volume);
+        const QTemporaryDir folder;
+        StateFile state(folder.path());
+        SoundsViewModel sounds(state);
+        sounds.setOn(on);
+        sounds.setVolume(volume);
+        QTEST(sounds.isAudible(), "audible");
     }
 
     void aVolumeIsAPercentage_data()

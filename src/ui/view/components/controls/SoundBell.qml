@@ -8,9 +8,10 @@ SidebarTool {
 
     required property SoundsBackend sounds
     readonly property bool on: sounds ? sounds.on : true
+    readonly property bool audible: sounds ? sounds.audible : true
 
     objectName: "soundBell"
-    Accessible.name: on ? qsTr("提示音：开") : qsTr("提示音：关")
+    Accessible.name: audible ? qsTr("提示音：开") : on ? qsTr("提示音：音量为零") : qsTr("提示音：关")
     tip: Shortcuts.tip("mute")
     onClicked: sounds?.toggle()
 
@@ -35,8 +36,8 @@ SidebarTool {
 
     Bell {
         anchors.centerIn: parent
-        color: glow.opacity > 0.5 ? Style.buttonText : tool.on ? Style.textSecondary : Style.textMuted
-        silent: !tool.on
+        color: glow.opacity > 0.5 ? Style.buttonText : tool.audible ? Style.textSecondary : Style.textMuted
+        silent: !tool.audible
     }
 
     Connections {

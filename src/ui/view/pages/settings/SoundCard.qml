@@ -34,7 +34,7 @@ Card {
             CustomButton {
                 objectName: "soundTrialButton"
                 implicitHeight: 32
-                enabled: card.on
+                enabled: card.sounds ? card.sounds.audible : false
                 text: qsTr("试听")
                 font.pixelSize: Style.fontSmall
                 onClicked: card.sounds.tryOut()
@@ -45,7 +45,7 @@ Card {
             name: "soundVolume"
             label: qsTr("音量")
             enabled: card.on
-            figure: card.sounds ? value + " %" : "--"
+            figure: !card.sounds ? "--" : value > 0 ? value + " %" : qsTr("0 %，只显示不播放")
             to: 100
             step: 5
             value: card.sounds ? card.sounds.volume : 0
