@@ -3,6 +3,7 @@
 #include "ui/viewmodel/MessageStore.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -16,17 +17,24 @@ QString localText(qint64 wallMs, const QString &format)
     return QDateTime::fromMSecsSinceEpoch(wallMs).toString(format);
 }
 
+/// `text` with `instead` for each break that some editor shows as a new line: others' texts must forge no line.
+QString withBreaks(QString text, const QString &instead)
+{
+    static const QRegularExpression anyBreak(QStringLiteral("\\R"));
+    return text.replace(anyBreak, instead);
+}
+
 QString people(const Message &message)
 {
     const QString to = message.to.isEmpty() ? message.frequencies : message.to;
-    return to.isEmpty() ? message.from : message.from + QStringLiteral(" -> ") + to;
+    const QString both = to.isEmpty() ? message.from : message.from + QStringLiteral(" -> ") + to;
+    return withBreaks(both, QStringLiteral(" "));
 }
 
 QString line(const StoredMessage &stored)
 {
     const Message &message = stored.message;
-    QString text = message.body.isEmpty() ? message.meta : message.body;
-    text.replace(u'\n', QStringLiteral("\n    "));
+    const QString text = withBreaks(message.body.isEmpty() ? message.meta : message.body, QStringLiteral("\n    "));
     const QString when = localText(stored.wallMs, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     return QStringList{when, message.directionLabel(), people(message), text}.join(QStringLiteral("  ")) + u'\n';
 }

@@ -2,6 +2,8 @@
 
 #include "ui/viewmodel/MessageChannels.h"
 
+#include <algorithm>
+
 namespace tarvo::ui {
 
 bool StoredMessage::countsLike(const StoredMessage &other) const
@@ -19,6 +21,14 @@ QList<StoredMessage> MessageStore::inChannel(const QString &channel) const
         if (stored.message.channel == channel)
             found << stored;
     return found;
+}
+
+int MessageStore::countIn(const QString &channel) const
+{
+    if (channel == channels::all())
+        return static_cast<int>(m_messages.size());
+    return static_cast<int>(std::ranges::count_if(
+        m_messages, [&channel](const StoredMessage &stored) { return stored.message.channel == channel; }));
 }
 
 int MessageStore::unreadIn(const QString &channel) const

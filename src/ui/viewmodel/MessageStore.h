@@ -38,6 +38,9 @@ public:
     QList<StoredMessage> inChannel(const QString &channel) const;
     int unread() const { return m_unreadTotal; }
     int unreadIn(const QString &channel) const;
+    int countIn(const QString &channel) const;
+    /// The number of the newest message there ever was; 0 before the first.
+    qint64 lastId() const { return m_lastId; }
     /// How many messages the summary counts there.
     int inGroup(MessageGroup group) const { return m_byGroup.at(static_cast<std::size_t>(group)); }
 

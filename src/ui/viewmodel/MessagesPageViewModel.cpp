@@ -4,6 +4,7 @@
 #include "ui/viewmodel/ComposeRules.h"
 #include "ui/viewmodel/ExportedText.h"
 #include "ui/viewmodel/Frequency.h"
+#include "ui/viewmodel/ShownText.h"
 
 #include <QVariantMap>
 
@@ -20,7 +21,7 @@ constexpr qsizetype longestName = 64;
 /// A controller's name on one line; empty while nobody has told it.
 QString shownName(const QString &realName)
 {
-    const QString name = realName.left(longestName).simplified();
+    const QString name = shownText(realName, longestName).simplified();
     return name == model::Controller().realName ? QString() : name;
 }
 
@@ -35,7 +36,7 @@ QVariantList toMaps(const QList<Row> &rows)
 
 ShownMessage shown(const StoredMessage &stored)
 {
-    return {.message = stored.message, .wallMs = stored.wallMs};
+    return {.message = stored.message, .id = stored.id, .wallMs = stored.wallMs};
 }
 
 } // namespace
@@ -156,15 +157,32 @@ void MessagesPageViewModel::setActiveFilter(const QString &filter)
 
 void MessagesPageViewModel::setSearchText(const QString &text)
 {
+    tell(search(text));
+}
+
+MessagesPageViewModel::Changes MessagesPageViewModel::search(const QString &text)
+{
     if (text == m_searchText)
-        return;
+        return {};
+    if (m_searchText.isEmpty())
+        m_searchedFrom = m_store.lastId();
     m_searchText = text;
     showChannel();
-    tell(Change::Search);
+    return Change::Search;
+}
+
+int MessagesPageViewModel::hiddenNews() const
+{
+    if (m_searchText.isEmpty())
+        return 0;
+    return static_cast<int>(std::ranges::count_if(m_store.all(), [this](const StoredMessage &stored) {
+        return stored.id > m_searchedFrom && isShown(stored.message.channel) && !hasRow(stored.message);
+    }));
 }
 
 void MessagesPageViewModel::requestExport()
 {
+    setExportNote({}, false); // the last one's
     emit exportRequested(exportFileName(activeChannelTitle(), m_clock.wallMs()),
                          exportedText(m_store.inChannel(m_activeChannel)));
 }
@@ -267,8 +285,8 @@ void MessagesPageViewModel::clearMessages()
     if (m_store.all().isEmpty())
         return;
     Changes changes{Change::Messages, Change::ChannelStats};
-    if (m_shown.rowCount() > 0)
-        changes |= Change::ActiveMessages;
+    if (activeCount() > 0)
+        changes |= Changes{Change::ActiveMessages, Change::Search};
     m_store.clear();
     m_shown.reset({});
     for (const QString &key : channels::fixed())
@@ -388,6 +406,7 @@ void MessagesPageViewModel::add(const Message &message)
         m_sessions.note(message.channel, message.body, localTime(now));
         changes |= Change::Sessions;
     }
+    changes |= heardWhileSearching(message);
     const bool unread = message.isIncoming() && message.channel != m_activeChannel;
     const std::optional<StoredMessage> gone = m_store.append(message, now, unread);
     const StoredMessage added = m_store.all().constLast(); // whoever sees the new row may clear the store
@@ -403,14 +422,23 @@ void MessagesPageViewModel::add(const Message &message)
         emit messageSoundRequested(message.type(), message.priority());
 }
 
+MessagesPageViewModel::Changes MessagesPageViewModel::heardWhileSearching(const Message &message)
+{
+    if (m_searchText.isEmpty() || !isShown(message.channel))
+        return {};
+    if (message.direction() == QLatin1String("out"))
+        search({});
+    return Change::Search;
+}
+
 void MessagesPageViewModel::show(const StoredMessage &added, const std::optional<StoredMessage> &gone)
 {
     if (hasRow(added.message))
         m_shown.append(shown(added));
-    if (gone && hasRow(gone->message))
-        m_shown.removeOldest();
-    if (gone)
+    if (gone) {
+        m_shown.forget(gone->id);
         showUnread(gone->message.channel);
+    }
     showUnread(added.message.channel);
 }
 

@@ -55,6 +55,10 @@ class MessagesPageViewModel : public QObject
     Q_PROPERTY(bool composeBlocked READ composeBlocked NOTIFY composeChanged)
     /// What is looked for in the active channel; empty: everything is shown.
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchChanged)
+    /// How many messages have come to the active channel since the search began, and aren't shown.
+    Q_PROPERTY(int hiddenNews READ hiddenNews NOTIFY searchChanged)
+    /// How many messages the active channel holds, shown or not.
+    Q_PROPERTY(int activeCount READ activeCount NOTIFY activeMessagesChanged)
     /// How the last export of the active channel went; empty: there was none.
     Q_PROPERTY(QString exportNote READ exportNote NOTIFY exportChanged)
     Q_PROPERTY(bool exportFailed READ exportFailed NOTIFY exportChanged)
@@ -107,7 +111,10 @@ public:
     void setDraftMessage(const QString &message);
     void setActiveFilter(const QString &filter);
     QString searchText() const { return m_searchText; }
+    /// What the pilot sends into the active channel ends the search.
     void setSearchText(const QString &text);
+    int hiddenNews() const;
+    int activeCount() const { return m_store.countIn(m_activeChannel); }
     QString exportNote() const { return m_exportNote; }
     bool exportFailed() const { return m_exportFailed; }
     /// The active channel was written to a file, or not.
@@ -205,6 +212,9 @@ private:
     void tell(Changes changes);
     Changes openSession(const QString &callsign);
     Changes enterChannel(const QString &channel);
+    Changes search(const QString &text);
+    /// Before the message is stored: what the pilot has sent himself must be seen.
+    Changes heardWhileSearching(const Message &message);
     Changes markRead(const QString &channel);
     /// Brings a step's messages to the lists of the page.
     void show(const StoredMessage &added, const std::optional<StoredMessage> &gone);
@@ -230,6 +240,7 @@ private:
     StationList m_stations{this};
     QString m_activeChannel = channels::radio();
     QString m_searchText;
+    qint64 m_searchedFrom = 0; ///< the newest message's number when the search began
     QString m_exportNote;
     bool m_exportFailed = false;
     QString m_activeFilter = channels::all();

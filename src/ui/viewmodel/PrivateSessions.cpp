@@ -1,5 +1,7 @@
 #include "ui/viewmodel/PrivateSessions.h"
 
+#include "ui/viewmodel/ShownText.h"
+
 #include <algorithm>
 
 namespace tarvo::ui {
@@ -13,7 +15,8 @@ constexpr Role<PrivateSession> sessionRoles[] = {
     {"callsign", member<&PrivateSession::callsign>},
     {"unread", member<&PrivateSession::unread>},
     {"time", [](const PrivateSession &row) -> QVariant { return row.lastTime.left(5); }},
-    {"lastText", [](const PrivateSession &row) -> QVariant { return row.lastMessage.left(longestLine).simplified(); }},
+    {"lastText",
+     [](const PrivateSession &row) -> QVariant { return shownText(row.lastMessage, longestLine).simplified(); }},
 };
 
 } // namespace

@@ -33,6 +33,12 @@ constexpr int expandedRole = Qt::UserRole;
 
 ShownMessages::ShownMessages(QObject *parent) : RowsModel(messageRoles, parent) {}
 
+void ShownMessages::forget(qint64 id)
+{
+    if (!rows().isEmpty() && rows().constFirst().id == id)
+        remove(0);
+}
+
 bool ShownMessages::setData(const QModelIndex &index, const QVariant &value, int role)
 {
     if (!index.isValid() || role != expandedRole)

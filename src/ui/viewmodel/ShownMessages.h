@@ -9,6 +9,7 @@ namespace tarvo::ui {
 struct ShownMessage
 {
     Message message;
+    qint64 id = 0;         ///< the store's number
     qint64 wallMs = 0;     ///< since the epoch
     bool expanded = false; ///< a long text is shown whole
 
@@ -23,8 +24,8 @@ public:
     explicit ShownMessages(QObject *parent = nullptr);
 
     void append(ShownMessage message) { insert(rows().size(), std::move(message)); }
-    /// The list mustn't be empty.
-    void removeOldest() { remove(0); }
+    /// The message with this number is gone. It had a row, the first, or none.
+    void forget(qint64 id);
 
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 };

@@ -14,6 +14,7 @@ class Tour : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(int step READ step NOTIFY stepChanged)
+    Q_PROPERTY(int steps READ stepCount CONSTANT)
 
 public:
     static constexpr int steps = 3;
@@ -23,6 +24,7 @@ public:
 
     /// From 1; 0: there is no tour.
     int step() const { return m_step; }
+    int stepCount() const { return steps; }
 
     /// Shows the first card, but in the first run only, whether the tour is seen to its end or not.
     void begin();

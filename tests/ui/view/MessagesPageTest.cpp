@@ -11,6 +11,7 @@
 
 using tarvo::test::ComposingInput;
 using tarvo::test::fillMessages;
+using tarvo::test::radioText;
 using tarvo::test::stationCalled;
 using tarvo::ui::MessagesPageViewModel;
 using tarvo::ui::SimulatorPageViewModel;
@@ -45,6 +46,103 @@ private slots:
         QVERIFY(!field("searchField"));
         QVERIFY(field("composeField")->hasActiveFocus());
         QCOMPARE(list()->property("count").toInt(), 4);
+    }
+
+    void escapeEndsASearchFromAnywhere()
+    {
+        fillMessages(model());
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        m_harness->type(u"xyz"_qs);
+        QTest::keyClick(&m_harness->view, Qt::Key_L, Qt::ControlModifier);
+        QVERIFY(field("composeField")->hasActiveFocus());
+        QTest::keyClick(&m_harness->view, Qt::Key_Escape);
+        QVERIFY(!field("searchField"));
+        QCOMPARE(model().searchText(), QString());
+    }
+
+    void escapeLeavesTheToursCardAndTheSearch()
+    {
+        fillMessages(model());
+        m_harness->tour().begin();
+        m_harness->tour().next();
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClick(&m_harness->view, Qt::Key_Escape);
+        QTest::keyClick(&m_harness->view, Qt::Key_Escape);
+        QVERIFY(!field("searchField"));
+        QCOMPARE(m_harness->tour().step(), 0);
+    }
+
+    void whatASearchHidesIsTold()
+    {
+        fillMessages(model());
+        addRadioTexts(60);
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        m_harness->type(u"cca"_qs);
+        QVERIFY(!field("hiddenNews"));
+        model().addRadioReceived(radioText(u"ZSPD_TWR"_qs, u"contact ground"_qs));
+        m_harness->settle();
+        QCOMPARE(field("hiddenNews")->property("text").toString(), u"另有 1 条新消息"_qs);
+        QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
+        m_harness->grab(u"messages-search-news"_qs);
+        m_harness->click(field("hiddenNews"));
+        m_harness->settle();
+        QVERIFY(!field("searchField"));
+        QVERIFY(atEnd());
+    }
+
+    void whatIsSentEndsASearch()
+    {
+        fillMessages(model());
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        m_harness->type(u"a"_qs);
+        QTest::keyClick(&m_harness->view, Qt::Key_Backspace);
+        QVERIFY(field("searchField")); // another word may come
+        m_harness->type(u"xyz"_qs);
+        QTest::keyClick(&m_harness->view, Qt::Key_L, Qt::ControlModifier);
+        model().addRadioSent(u"wilco"_qs, {118025});
+        QVERIFY(!field("searchField"));
+        QCOMPARE(list()->property("count").toInt(), 5);
+    }
+
+    void aSearchKeepsTheKeysWhenTheNetworkComes()
+    {
+        fillMessages(model());
+        model().setNetworkConnected(false);
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        m_harness->type(u"cc"_qs);
+        model().setNetworkConnected(true);
+        m_harness->type(u"a"_qs);
+        QCOMPARE(model().searchText(), u"cca"_qs);
+        QCOMPARE(model().draftMessage(), QString());
+    }
+
+    void theLineHasTheKeysWhenItCanBeUsed()
+    {
+        fillMessages(model());
+        QVERIFY(field("composeField")->hasActiveFocus());
+        model().setNetworkConnected(false);
+        QVERIFY(field("messagePane")->hasActiveFocus());
+        model().setNetworkConnected(true);
+        QVERIFY(field("composeField")->hasActiveFocus());
+    }
+
+    void theSessionsAreNotSearched()
+    {
+        fillMessages(model());
+        model().setActiveChannel(u"PRIVATE"_qs);
+        m_harness->settle();
+        QTest::keyClick(&m_harness->view, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(!field("searchField"));
+        QVERIFY(!field("searchButton")->isEnabled());
+    }
+
+    void anExportIsOfTheWholeChannel()
+    {
+        fillMessages(model());
+        model().setSearchText(u"xyz"_qs);
+        QVERIFY(field("exportButton")->isEnabled());
+        model().clearMessages();
+        QVERIFY(!field("exportButton")->isEnabled());
     }
 
     void anExportTellsHowItWent()

@@ -52,6 +52,48 @@ private slots:
         QCOMPARE(page.shownMessages()->rowCount(), 0);
     }
 
+    void whatTheSearchHidesIsCounted()
+    {
+        MessagesPageViewModel page;
+        fill(page);
+        QSignalSpy search(&page, &MessagesPageViewModel::searchChanged);
+        hear(page, u"before"_qs);
+        page.setSearchText(u"roger"_qs);
+        QCOMPARE(page.hiddenNews(), 0);
+        hear(page, u"nothing of it"_qs);
+        hear(page, u"roger that"_qs);
+        page.addServerMessage(u"elsewhere"_qs);
+        QCOMPARE(page.hiddenNews(), 1);
+        QCOMPARE(search.size(), 3);
+        page.setSearchText(u"nothing"_qs); // the same search
+        QCOMPARE(page.hiddenNews(), 1);
+        QCOMPARE(page.activeCount(), 6);
+        page.setSearchText({});
+        QCOMPARE(page.hiddenNews(), 0);
+        hear(page, u"between"_qs);
+        page.setSearchText(u"roger"_qs);
+        QCOMPARE(page.hiddenNews(), 0);
+    }
+
+    void whatThePilotSendsEndsTheSearch_data()
+    {
+        QTest::addColumn<QString>("channel");
+        QTest::addColumn<QString>("stays");
+        QTest::newRow("into the channel") << u"RADIO"_qs << QString();
+        QTest::newRow("elsewhere") << u"SERVER"_qs << u"hello"_qs;
+    }
+    void whatThePilotSendsEndsTheSearch()
+    {
+        QFETCH(QString, channel);
+        MessagesPageViewModel page;
+        fill(page);
+        page.setActiveChannel(channel);
+        page.setSearchText(u"hello"_qs);
+        page.addRadioSent(u"wilco"_qs, {118500});
+        QTEST(page.searchText(), "stays");
+        QCOMPARE(page.shownMessages()->rowCount(), channel == u"RADIO"_qs ? 4 : 0);
+    }
+
     void anotherChannelEndsTheSearch()
     {
         MessagesPageViewModel page;
@@ -67,20 +109,50 @@ private slots:
         QCOMPARE(page.shownMessages()->rowCount(), 3);
     }
 
+    void whoSeesTheLastRowMayClearTheList()
+    {
+        MessagesPageViewModel page;
+        for (int i = 0; i < 300; ++i)
+            hear(page, u"text"_qs);
+        connect(page.shownMessages(), &QAbstractItemModel::rowsInserted, &page, &MessagesPageViewModel::clearMessages);
+        hear(page, u"one too many"_qs);
+        QCOMPARE(page.shownMessages()->rowCount(), 0);
+    }
+
     void aChannelIsWrittenDown()
     {
         tarvo::test::ManualClock clock;
         MessagesPageViewModel page(nullptr, clock);
         fill(page);
         page.setSearchText(u"roger"_qs); // the file has all
+        page.setExportNote(u"the last one's"_qs, true);
         const QSignalSpy asked(&page, &MessagesPageViewModel::exportRequested);
         page.requestExport();
+        QCOMPARE(page.exportNote(), QString());
+        QVERIFY(!page.exportFailed());
         const QDateTime now = QDateTime::fromMSecsSinceEpoch(clock.wallMs());
         const QString time = now.toString(u"yyyy-MM-dd hh:mm:ss"_qs);
         QCOMPARE(asked[0][0].toString(), u"TARVO 无线电 %1.txt"_qs.arg(now.toString(u"yyyy-MM-dd"_qs)));
         QCOMPARE(asked[0][1].toString(), u"%1  已发送  CES2352 -> 118.500  同意推出\n"
                                          "%1  收到  CCA1 -> 118.500  roger\n    second line\n"
                                          "%1  收到  CSN2  hello\n"_qs.arg(time));
+    }
+
+    void noTextForgesALine_data()
+    {
+        QTest::addColumn<QString>("lineBreak");
+        QTest::newRow("carriage return, line feed") << u"\r\n"_qs;
+        for (const char16_t lineBreak : {u'\r', u'\n', u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'})
+            QTest::addRow("U+%04X", lineBreak) << QString(QChar(lineBreak));
+    }
+    void noTextForgesALine()
+    {
+        QFETCH(QString, lineBreak);
+        MessagesPageViewModel page;
+        hear(page, u"one"_qs + lineBreak + u"two"_qs, {}, u"A"_qs + lineBreak + u"B"_qs);
+        const QSignalSpy asked(&page, &MessagesPageViewModel::exportRequested);
+        page.requestExport();
+        QVERIFY(asked[0][1].toString().endsWith(u"  A B  one\n    two\n"_qs));
     }
 
     void aCallIsWrittenDownToo()

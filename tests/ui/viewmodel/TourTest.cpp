@@ -38,6 +38,7 @@ private slots:
         StateFile state(folder.path());
         Tour tour(state);
         const QSignalSpy changed(&tour, &Tour::stepChanged);
+        QCOMPARE(tour.stepCount(), 3);
         tour.begin();
         tour.modePicked();
         QCOMPARE(tour.step(), 2);

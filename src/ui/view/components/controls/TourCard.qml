@@ -17,7 +17,8 @@ Rectangle {
     /// What it stands beside, in an item that fills the window but for a margin.
     property Item target: null
     property real margin: 0
-    readonly property bool last: step === 3
+    readonly property int steps: tour ? tour.steps : 0
+    readonly property bool last: step === steps
 
     objectName: "tourCard" + step
     Accessible.role: Accessible.AlertMessage
@@ -36,6 +37,7 @@ Rectangle {
         enabled: card.visible
         sequences: ["Esc"]
         onActivated: card.tour.end()
+        onActivatedAmbiguously: card.tour.end() // a search under it is left by the next Escape
     }
 
     Rectangle {
@@ -81,7 +83,7 @@ Rectangle {
             spacing: 6
 
             Repeater {
-                model: 3
+                model: card.steps
 
                 Rectangle {
                     required property int index

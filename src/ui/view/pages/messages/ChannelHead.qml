@@ -9,6 +9,10 @@ ColumnLayout {
 
     required property MessagesBackend messages
     property int count: 0
+    /// The channel shows messages.
+    property bool searchable: true
+    readonly property int held: messages ? messages.activeCount : 0
+    readonly property int hiddenNews: messages ? messages.hiddenNews : 0
     readonly property string wanted: messages ? messages.searchText : ""
     property bool searching: wanted.length > 0
     readonly property string channel: messages ? messages.activeChannel : ""
@@ -17,8 +21,11 @@ ColumnLayout {
 
     spacing: Style.spacingSmall
     onChannelChanged: searching = false
+    onWantedChanged: if (!wanted && !field.activeFocus) searching = false // ended by what was sent
 
     function search(): void {
+        if (!searchable)
+            return
         searching = true
         field.forceActiveFocus(Qt.ShortcutFocusReason)
         field.selectAll()
@@ -31,6 +38,13 @@ ColumnLayout {
         searchLeft()
     }
 
+    Shortcut {
+        enabled: head.searching
+        sequences: ["Esc"]
+        onActivated: head.leaveSearch()
+        onActivatedAmbiguously: head.leaveSearch() // a card over the page is left by the next Escape
+    }
+
     RowLayout {
         Layout.fillWidth: true
         spacing: Style.spacingSmall
@@ -39,12 +53,12 @@ ColumnLayout {
             Layout.fillWidth: true
             objectName: "channelTitle"
             title: head.messages ? head.messages.activeChannelTitle : "--"
-            note: head.wanted ? qsTr("找到 %1 条").arg(head.count) : head.count > 0 ? qsTr("%1 条").arg(head.count) : ""
+            note: head.wanted ? qsTr("找到 %1 条").arg(head.count) : head.held > 0 ? qsTr("%1 条").arg(head.held) : ""
         }
 
         HeadButton {
             objectName: "searchButton"
-            enabled: head.count > 0 || head.searching
+            enabled: head.searchable && (head.count > 0 || head.searching)
             text: qsTr("查找")
             tip: Shortcuts.tip("search")
             onClicked: head.searching ? head.leaveSearch() : head.search()
@@ -52,7 +66,7 @@ ColumnLayout {
 
         HeadButton {
             objectName: "exportButton"
-            enabled: head.count > 0
+            enabled: head.held > 0
             text: qsTr("导出")
             tip: qsTr("保存为文本文件")
             onClicked: head.messages.requestExport()
@@ -68,18 +82,31 @@ ColumnLayout {
         font.pixelSize: Style.fontSmall
     }
 
-    CustomTextField {
-        id: field
-
-        objectName: "searchField"
+    RowLayout {
         Layout.fillWidth: true
-        implicitHeight: 34
         visible: head.searching
-        placeholderText: qsTr("在此频道中查找")
-        text: head.wanted
-        onTextEdited: if (head.messages) head.messages.searchText = text
-        Keys.onEscapePressed: head.leaveSearch()
-        Accessible.name: placeholderText
+        spacing: Style.spacingSmall
+
+        CustomTextField {
+            id: field
+
+            objectName: "searchField"
+            Layout.fillWidth: true
+            implicitHeight: 34
+            placeholderText: qsTr("在此频道中查找")
+            text: head.wanted
+            onTextEdited: if (head.messages) head.messages.searchText = text
+            Accessible.name: placeholderText
+        }
+
+        HeadButton {
+            objectName: "hiddenNews"
+            implicitHeight: 34
+            visible: head.hiddenNews > 0
+            text: qsTr("另有 %1 条新消息").arg(head.hiddenNews)
+            tip: qsTr("结束查找")
+            onClicked: head.leaveSearch()
+        }
     }
 
     component HeadButton: CustomButton {

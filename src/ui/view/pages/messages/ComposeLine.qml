@@ -22,11 +22,19 @@ GridLayout {
     columnSpacing: Style.spacingSmall
     rowSpacing: 6
     Component.onCompleted: focusLine()
-    onCanSendChanged: focusLine()
+    onCanSendChanged: passFocus()
     onChannelChanged: focusLine()
 
     function focusLine(): void {
         (canSend ? line : elsewhere)?.forceActiveFocus()
+    }
+
+    /// The network comes and goes by itself: it takes the keys neither from another field nor from a sheet over the page.
+    function passFocus(): void {
+        if (canSend && elsewhere?.focus)
+            line.focus = true
+        else if (!canSend && line.focus && elsewhere)
+            elsewhere.focus = true
     }
 
     function scroll(event: var): void {

@@ -14,6 +14,8 @@ Control {
     property int missed: 0
     readonly property int count: list.count
     readonly property alias list: list
+    /// The private sessions stand in place of messages.
+    readonly property alias overview: sessions.visible
     /// Pixels that stay in sight from one screenful to the next.
     readonly property real line: 60
 

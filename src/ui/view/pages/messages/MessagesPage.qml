@@ -67,7 +67,11 @@ ColumnLayout {
                     Layout.fillWidth: true
                     messages: page.messages
                     count: list.count
-                    onSearchLeft: page.write()
+                    searchable: !list.overview
+                    onSearchLeft: {
+                        list.toEnd()
+                        page.write()
+                    }
                 }
 
                 Rectangle {
