@@ -336,8 +336,12 @@ void MainWindow::askBeforeClosing()
 void MainWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange)
-        tellWhetherSeen();
+    if (event->type() != QEvent::WindowStateChange)
+        return;
+    const Qt::WindowStates before = static_cast<QWindowStateChangeEvent *>(event)->oldState();
+    if (before.testFlag(Qt::WindowMinimized) && !isMinimized())
+        m_compact.setOpen(false); // the task bar, or a second start, brings this window back
+    tellWhetherSeen();
 }
 
 void MainWindow::tellWhetherSeen()

@@ -65,6 +65,18 @@ private slots:
         QVERIFY(!stage.window.compact().isOpen());
     }
 
+    void theMainWindowComesBackInItsPlace()
+    {
+        MainStage stage;
+        stage.window.show();
+        stage.window.compact().setOpen(true);
+        QVERIFY(stage.window.isMinimized());
+        stage.window.setWindowState(stage.window.windowState() & ~Qt::WindowMinimized); // as the task bar does
+        QVERIFY(!stage.window.compact().isOpen());
+        stage.window.compact().setOpen(true); // the way there is open again
+        QVERIFY(stage.window.isMinimized());
+    }
+
     void theCompactViewOpensInTheCorner()
     {
         MainStage stage;
