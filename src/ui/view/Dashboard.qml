@@ -23,6 +23,8 @@ Rectangle {
     readonly property LeaveBackend leave: typeof leaveBackend === "undefined" ? null : leaveBackend
     readonly property OverviewBackend overview: typeof overviewBackend === "undefined" ? null : overviewBackend
     // qmllint enable unqualified
+    /// A key is being captured for push-to-talk: none is a shortcut meanwhile.
+    readonly property bool capturing: voiceSettings ? voiceSettings.pttListening : false
 
     signal logoutRequested()
 
@@ -65,13 +67,20 @@ Rectangle {
     }
 
     ShortcutKeys {
-        enabled: !(rootWindow.voiceSettings?.pttListening ?? false)
+        enabled: !rootWindow.capturing
         onTriggered: action => rootWindow.perform(action)
     }
 
-    LeaveDialog { leave: rootWindow.leave }
+    LeaveDialog {
+        leave: rootWindow.leave
+        beneath: shell
+    }
 
-    ShortcutSheet { id: shortcutSheet }
+    ShortcutSheet {
+        id: shortcutSheet
+
+        beneath: shell
+    }
 
     Loader {
         id: shell
@@ -107,6 +116,7 @@ Rectangle {
             tour: rootWindow.tour // qmllint disable unqualified
             leave: rootWindow.leave // qmllint disable unqualified
             overview: rootWindow.overview // qmllint disable unqualified
+            away: rootWindow.compact ? rootWindow.compact.open : false // qmllint disable unqualified
             onLogoutRequested: rootWindow.askToLogOut() // qmllint disable unqualified
             onHelpRequested: shortcutSheet.open() // qmllint disable unqualified
             onCompactRequested: rootWindow.showCompact() // qmllint disable unqualified
@@ -135,6 +145,7 @@ Rectangle {
         CompactWindow {
             visible: rootWindow.compact ? rootWindow.compact.open : false // qmllint disable unqualified
             compact: rootWindow.compact // qmllint disable unqualified
+            capturing: rootWindow.capturing // qmllint disable unqualified
             messages: rootWindow.messages // qmllint disable unqualified
             overview: rootWindow.overview // qmllint disable unqualified
             simulator: rootWindow.simulator // qmllint disable unqualified

@@ -2,6 +2,7 @@
 
 #include "ui/viewmodel/ComposeRules.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
+#include "ui/viewmodel/ShownText.h"
 
 namespace tarvo::ui {
 
@@ -11,7 +12,7 @@ constexpr qsizetype longestShown = 400; ///< characters; three lines hold fewer
 
 QString oneLine(const QString &text)
 {
-    return text.left(longestShown).simplified();
+    return shownText(text, longestShown).simplified();
 }
 
 } // namespace
@@ -49,15 +50,29 @@ void CompactViewModel::showNewest()
     const Message message = newest ? newest->message : Message();
     const bool isOwn = message.direction() == QLatin1String("out");
     const QString to = message.to.isEmpty() ? message.frequencies : message.to;
-    m_head = isOwn ? tr("我 → %1").arg(to) : message.from;
+    m_head = oneLine(isOwn ? tr("我 → %1").arg(to) : message.from);
     m_time = newest ? localTime(newest->wallMs).left(5) : QString();
     m_text = oneLine(message.body.isEmpty() ? message.meta : message.body);
     m_answersTo = answerChannel(message);
     emit messageChanged();
-    if (m_draft.isEmpty() && m_target != m_answersTo) {
-        m_target = m_answersTo;
-        emit composeChanged();
-    }
+    aim();
+}
+
+void CompactViewModel::aim()
+{
+    if (m_writing || !m_draft.isEmpty() || m_target == m_answersTo)
+        return;
+    m_target = m_answersTo;
+    emit composeChanged();
+}
+
+void CompactViewModel::setWriting(bool writing)
+{
+    if (writing == m_writing)
+        return;
+    m_writing = writing;
+    emit composeChanged();
+    aim();
 }
 
 void CompactViewModel::setDraft(const QString &draft)
@@ -65,9 +80,14 @@ void CompactViewModel::setDraft(const QString &draft)
     if (draft == m_draft)
         return;
     m_draft = draft;
-    if (draft.isEmpty())
-        m_target = m_answersTo;
+    emit draftChanged();
     emit composeChanged();
+    aim();
+}
+
+QString CompactViewModel::targetName() const
+{
+    return m_target == channels::radio() ? tr("电台") : m_target;
 }
 
 QString CompactViewModel::placeholder() const

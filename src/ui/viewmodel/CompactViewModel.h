@@ -23,7 +23,9 @@ class CompactViewModel : public QObject
     Q_PROPERTY(QString messageHead READ messageHead NOTIFY messageChanged)
     Q_PROPERTY(QString messageTime READ messageTime NOTIFY messageChanged)
     Q_PROPERTY(QString messageText READ messageText NOTIFY messageChanged)
-    Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY composeChanged)
+    Q_PROPERTY(QString draft READ draft WRITE setDraft NOTIFY draftChanged)
+    Q_PROPERTY(bool writing READ isWriting WRITE setWriting NOTIFY composeChanged)
+    Q_PROPERTY(QString targetName READ targetName NOTIFY composeChanged)
     Q_PROPERTY(QString placeholder READ placeholder NOTIFY composeChanged)
     Q_PROPERTY(QString note READ note NOTIFY composeChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY composeChanged)
@@ -47,6 +49,11 @@ public:
 
     /// Where the draft goes. It follows the newest message until something is written: then it stays.
     QString target() const { return m_target; }
+    /// The target as a pilot names it: a callsign, or "电台".
+    QString targetName() const;
+    /// Something stands in the line, which the draft may not have yet: what an input method still composes.
+    bool isWriting() const { return m_writing; }
+    void setWriting(bool writing);
     QString draft() const { return m_draft; }
     void setDraft(const QString &draft);
     QString placeholder() const;
@@ -64,10 +71,13 @@ signals:
     void openChanged();
     void placeLeft(QRect place);
     void messageChanged();
+    void draftChanged();
     void composeChanged();
 
 private:
     void showNewest();
+    /// Aims at the newest message's sender, unless something is being written.
+    void aim();
     bool isSilent() const;
 
     MessagesPageViewModel &m_messages;
@@ -79,6 +89,7 @@ private:
     QString m_target;
     QString m_draft;
     qint64 m_shownId = 0; ///< 0: none is shown
+    bool m_writing = false;
     bool m_open = false;
 };
 

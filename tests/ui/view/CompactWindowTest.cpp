@@ -1,3 +1,4 @@
+#include "ComposingInput.h"
 #include "PageHarness.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <memory>
 
+using tarvo::test::ComposingInput;
 using tarvo::test::PageHarness;
 using tarvo::ui::LinkState;
 using tarvo::ui::MessagesPageViewModel;
@@ -70,10 +72,68 @@ private slots:
             QVERIFY2(shows(window()->contentItem(), QString::fromUtf16(text)), qPrintable(QString::fromUtf16(text)));
         grab(u"compact"_qs);
         m_harness->status().networkFailed(u"被强制断开：You have been removed from the network by a supervisor"_qs);
-        QVERIFY(itemText(u"compactText"_qs).startsWith(u"网络"_qs));
+        TRY_VERIFY(item(u"compactTrouble"_qs));
+        QVERIFY(itemText(u"compactTrouble"_qs).startsWith(u"网络"_qs));
+        QVERIFY(itemText(u"compactText"_qs).startsWith(u"CES2352"_qs)); // it stays
         grab(u"compact-failed"_qs);
-        m_harness->status().dismissBanner();
-        QVERIFY(itemText(u"compactText"_qs).startsWith(u"CES2352"_qs));
+        QVERIFY(item(u"compactText"_qs)->height() >= 19); // a line
+        click(u"compactDismiss"_qs);
+        QVERIFY(!item(u"compactTrouble"_qs));
+    }
+
+    void whatFailsBehindItIsToldHere()
+    {
+        m_harness->compact().setOpen(false);
+        m_harness->openSection(u"服务器"_qs); // which tells of it, but isn't seen
+        m_harness->compact().setOpen(true);
+        TRY_VERIFY(window());
+        m_harness->status().networkFailed(u"服务器没有应答。"_qs);
+        TRY_VERIFY(item(u"compactTrouble"_qs));
+        m_harness->compact().setOpen(false);
+        QCOMPARE(m_harness->status().bannerText(), QString()); // there it stands again
+        m_harness->openSection(u"总览"_qs);
+    }
+
+    void eachSoundIsSeen_data()
+    {
+        QTest::addColumn<QString>("message");
+        QTest::newRow("before the first message") << QString();
+        QTest::newRow("over one of blanks") << u"  "_qs;
+    }
+    void eachSoundIsSeen()
+    {
+        QFETCH(QString, message);
+        if (!message.isEmpty())
+            m_harness->messages().addPrivateReceived(u"CCA1"_qs, message);
+        m_harness->sounds().showSign(QUrl(u"qrc:/resources/sounds/connect.mp3"_qs));
+        TRY_VERIFY(item(u"soundSign"_qs));
+        grab(u"compact-sign"_qs);
+    }
+
+    void aTextOfBlanksHasASender()
+    {
+        m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"  "_qs);
+        QCOMPARE(itemText(u"compactFrom"_qs), u"CCA1"_qs);
+        QCOMPARE(itemText(u"compactText"_qs), QString());
+        QVERIFY(item(u"compactUnread"_qs));
+    }
+
+    void whatIsBeingComposedGoesToWhomItWasBegunFor()
+    {
+        ComposingInput input;
+        m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
+        click(u"compactLine"_qs);
+        TRY_VERIFY(item(u"compactLine"_qs)->hasActiveFocus());
+        QVERIFY(!item(u"compactTarget"_qs));
+        input.compose(u"bei jing"_qs);
+        QCOMPARE(itemText(u"compactTarget"_qs), u"→ CCA1"_qs);
+        m_harness->messages().addPrivateReceived(u"CSN2"_qs, u"hello"_qs);
+        QCOMPARE(itemText(u"compactTarget"_qs), u"→ CCA1"_qs);
+        grab(u"compact-target"_qs);
+        const QSignalSpy sent(&m_harness->messages(), &MessagesPageViewModel::privateMessageRequested);
+        QTest::keyClick(window(), Qt::Key_Return);
+        QCOMPARE(sent, (QList<QVariantList>{{u"CCA1"_qs, u"bei jing"_qs}}));
+        QCOMPARE(itemText(u"compactHint"_qs), u"回复 CSN2..."_qs);
     }
 
     void theLineAnswers()
@@ -92,13 +152,24 @@ private slots:
 
     void aNoteHasRoom()
     {
+        m_harness->sounds().showSign(QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
         m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
+        m_harness->status().simulatorFailed(u"没有应答"_qs);
+        m_harness->status().setSimulator(true, u"已连接"_qs);
+        m_harness->status().setSimulator(false, u"未连接"_qs);
+        m_harness->status().simulatorFailed(u"没有应答"_qs);
+        TRY_VERIFY(item(u"compactTrouble"_qs));
         m_harness->compact().setDraft(u"在北京"_qs);
         TRY_VERIFY(item(u"compactNote"_qs));
+        QVERIFY(!item(u"compactTrouble"_qs)); // until the note is gone
         const QQuickItem *note = item(u"compactNote"_qs);
         TRY_VERIFY(note->mapToScene({0, note->height()}).y() <= 250);
         grab(u"compact-note"_qs);
+        QVERIFY(item(u"soundSign"_qs)->x() + item(u"soundSign"_qs)->width() < item(u"compactUnread"_qs)->x());
+        QVERIFY(item(u"compactText"_qs)->height() >= 19); // a line
         m_harness->compact().setDraft({});
+        TRY_VERIFY(item(u"compactTrouble"_qs));
+        m_harness->status().dismissBanner();
     }
 
     void escapeAndItsKeysLeaveIt_data()
@@ -121,6 +192,16 @@ private slots:
         QCOMPARE(left, (QList<QVariantList>{{QRect(200, 100, 420, 260)}}));
         m_harness->view.requestActivate();
         TRY_VERIFY(m_harness->view.isActive());
+    }
+
+    void aKeyThatIsBeingCapturedLeavesItOpen()
+    {
+        m_harness->fillVoiceSettings();
+        m_harness->voiceSettings().startPttListening();
+        QTest::keyClick(window(), Qt::Key_0, Qt::ControlModifier);
+        QTest::keyClick(window(), Qt::Key_Escape);
+        m_harness->voiceSettings().stopPttListening();
+        QVERIFY(m_harness->compact().isOpen());
     }
 
     void theButtonLeavesIt()
@@ -174,6 +255,7 @@ private:
 
     static void grab(const QString &name)
     {
+        window()->grabWindow(); // lays it out
         const QImage picture = window()->grabWindow();
         const QString folder = qEnvironmentVariable("TARVO_SHOTS");
         if (!folder.isEmpty())

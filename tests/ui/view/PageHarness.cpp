@@ -349,16 +349,13 @@ bool PageHarness::tabTo(const QString &objectName, bool backwards)
     return false;
 }
 
-void PageHarness::hold(Qt::Key key)
+void PageHarness::hold(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::keyPress(&view, key);
-    for (int i = 0; i < 3; ++i) {
-        for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
-            QKeyEvent repeated(type, key, Qt::NoModifier, QString(), true);
-            QCoreApplication::sendEvent(&view, &repeated);
-        }
-    }
-    QTest::keyRelease(&view, key);
+    QTest::keyPress(&view, key, modifiers);
+    for (int i = 0; i < 3; ++i)
+        for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress})
+            qt_handleKeyEvent(&view, type, key, modifiers, QString(), true);
+    QTest::keyRelease(&view, key, modifiers);
 }
 
 void PageHarness::type(const QString &text)

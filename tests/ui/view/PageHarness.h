@@ -105,7 +105,7 @@ public:
     /// Types Latin text into the item that has the focus.
     void type(const QString &text);
     /// Holds a key until the keyboard has repeated it three times.
-    void hold(Qt::Key key);
+    void hold(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     /// Draws the window; kept in the folder of TARVO_SHOTS, when that is set, under this name.
     QImage grab(const QString &name);
 

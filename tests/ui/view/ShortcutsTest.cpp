@@ -81,6 +81,58 @@ private slots:
         QVERIFY(m_harness->item(u"composeField"_qs)->hasActiveFocus());
     }
 
+    void aHeldKeySwitchesOnce()
+    {
+        QVERIFY(m_harness->sounds().isOn());
+        m_harness->hold(Qt::Key_M, Qt::ControlModifier);
+        QVERIFY(!m_harness->sounds().isOn());
+        m_harness->sounds().setOn(true);
+        m_harness->hold(Qt::Key_F1);
+        m_harness->settle();
+        QVERIFY(m_harness->item(u"shortcutSheetClose"_qs)); // it doesn't close what it has opened
+        m_harness->hold(Qt::Key_F1);
+        TRY_VERIFY(!m_harness->item(u"shortcutSheetClose"_qs));
+    }
+
+    void theSheetGivesTheKeysBack()
+    {
+        press(Qt::Key_L, Qt::ControlModifier);
+        press(Qt::Key_F1);
+        TRY_VERIFY(m_harness->item(u"shortcutSheetClose"_qs));
+        TRY_VERIFY(m_harness->item(u"shortcutSheetClose"_qs)->hasActiveFocus());
+        press(Qt::Key_Escape);
+        TRY_VERIFY(!m_harness->item(u"shortcutSheetClose"_qs));
+        TRY_VERIFY(m_harness->item(u"composeField"_qs)->hasActiveFocus());
+        m_harness->type(u"ok"_qs);
+        QCOMPARE(m_harness->messages().draftMessage(), u"ok"_qs);
+        m_harness->messages().setDraftMessage({});
+    }
+
+    void theLeaveDialogGivesTheKeysBack()
+    {
+        m_harness->leave().setOnline(u"CES2352"_qs);
+        press(Qt::Key_L, Qt::ControlModifier);
+        m_harness->leave().logOut();
+        TRY_VERIFY(m_harness->item(u"leaveReject"_qs));
+        TRY_VERIFY(m_harness->item(u"leaveReject"_qs)->hasActiveFocus());
+        press(Qt::Key_Escape);
+        TRY_VERIFY(!m_harness->item(u"leaveReject"_qs));
+        TRY_VERIFY(m_harness->item(u"composeField"_qs)->hasActiveFocus());
+    }
+
+    void theNetworkTakesNoKeysFromASheet()
+    {
+        m_harness->messages().setNetworkConnected(false);
+        press(Qt::Key_L, Qt::ControlModifier);
+        press(Qt::Key_F1);
+        TRY_VERIFY(m_harness->item(u"shortcutSheetClose"_qs));
+        TRY_VERIFY(m_harness->item(u"shortcutSheetClose"_qs)->hasActiveFocus());
+        m_harness->messages().setNetworkConnected(true);
+        QVERIFY(m_harness->item(u"shortcutSheetClose"_qs)->hasActiveFocus());
+        press(Qt::Key_Escape);
+        TRY_VERIFY(m_harness->item(u"composeField"_qs)->hasActiveFocus()); // which can be used now
+    }
+
     void theSoundsAreSwitched()
     {
         QVERIFY(m_harness->sounds().isOn());

@@ -61,6 +61,11 @@ private slots:
             },
             u"服务器|welcome"_qs, u"RADIO"_qs);
         row(
+            "a name of two lines", [](auto &page) { page.addBroadcast(u"S\nUP"_qs, u"one"_qs); }, u"S UP|one"_qs,
+            u"RADIO"_qs);
+        row(
+            "of blanks", [](auto &page) { page.addPrivateReceived(u"CCA1"_qs, u"  "_qs); }, u"CCA1|"_qs, u"CCA1"_qs);
+        row(
             "nobody can be answered there", [](auto &page) { page.addPrivateReceived(u"@18500"_qs, u"all"_qs); },
             u"@18500|all"_qs, u"RADIO"_qs);
         row(
@@ -83,6 +88,8 @@ private slots:
     {
         m_messages->addPrivateReceived(u"CCA1"_qs, QString(5000, u'W'));
         QCOMPARE(m_compact->messageText().size(), 400);
+        m_messages->addPrivateReceived(u"CCA1"_qs, QString(399, u'W') + u"😀😀"_qs); // no half of one
+        QCOMPARE(m_compact->messageText(), QString(399, u'W'));
     }
 
     void whatIsBeingWrittenGoesWhereItWasMeantTo()
@@ -96,6 +103,20 @@ private slots:
         m_compact->send();
         QCOMPARE(sent, (QList<QVariantList>{{u"CCA1"_qs, u"over Beijing"_qs}}));
         QCOMPARE(m_compact->target(), u"CSN2"_qs);
+    }
+
+    void whatIsBeingComposedGoesWhereItWasMeantTo()
+    {
+        m_messages->addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
+        QCOMPARE(m_compact->targetName(), u"CCA1"_qs);
+        m_compact->setWriting(true); // an input method has the text, not the draft
+        m_messages->addRadioReceived(onRadio(u"CSN2"_qs));
+        QCOMPARE(m_compact->targetName(), u"CCA1"_qs);
+        m_compact->setDraft(u"ok"_qs);
+        m_compact->setDraft({}); // sent; the line itself is emptied later
+        QCOMPARE(m_compact->target(), u"CCA1"_qs);
+        m_compact->setWriting(false);
+        QCOMPARE(m_compact->targetName(), u"电台"_qs);
     }
 
     void theRadioNeedsATransmitter()

@@ -19,13 +19,16 @@ Item {
     required property LeaveBackend leave
     required property OverviewBackend overview
     property string currentSection: "dashboard"
+    /// Another window stands for this one, so that no section is seen.
+    property bool away: false
+    readonly property string seenSection: away ? "" : currentSection
 
     signal logoutRequested()
     signal helpRequested()
     signal compactRequested()
 
-    Component.onCompleted: if (status) status.setCurrentSection(currentSection)
-    onCurrentSectionChanged: if (status) status.setCurrentSection(currentSection)
+    Component.onCompleted: if (status) status.setCurrentSection(seenSection)
+    onSeenSectionChanged: if (status) status.setCurrentSection(seenSection)
 
     Connections {
         target: main.status
@@ -39,7 +42,7 @@ Item {
     function perform(action: string): void {
         if (sidebar.sections.some(section => section.key === action)) {
             currentSection = action
-        } else {
+        } else if (["compose", "lastSession", "search"].includes(action)) {
             if (action === "lastSession")
                 messages?.openLastSession()
             currentSection = "messages"

@@ -27,7 +27,7 @@ Sheet {
         spacing: Style.spacingLarge
         Keys.onPressed: event => {
             event.accepted = event.key === Qt.Key_F1 || event.key === Qt.Key_Question
-            if (event.accepted)
+            if (event.accepted && !event.isAutoRepeat)
                 sheet.close()
         }
 

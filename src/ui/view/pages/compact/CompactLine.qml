@@ -9,11 +9,14 @@ GridLayout {
 
     required property CompactBackend compact
     readonly property bool canSend: compact ? compact.canSend : false
+    readonly property bool writing: line.length > 0 || line.preeditText.length > 0
+    readonly property bool noted: note.visible
 
     columns: 2
     columnSpacing: Style.spacingSmall
     rowSpacing: Style.spacingTiny
     onActiveFocusChanged: if (activeFocus) line.forceActiveFocus()
+    onWritingChanged: if (compact) compact.writing = writing
 
     function send(): void {
         Qt.inputMethod.commit() // qmllint disable type
@@ -26,6 +29,7 @@ GridLayout {
         objectName: "compactLine"
         Layout.fillWidth: true
         implicitHeight: 34
+        rightPadding: compose.writing ? aim.width + 2 * Style.spacingSmall : Style.spacingMedium
         color: Style.instrumentLine
         placeholderTextColor: Style.instrumentDim
         font.pixelSize: 13
@@ -50,10 +54,26 @@ GridLayout {
             anchors.leftMargin: line.leftPadding
             anchors.rightMargin: line.rightPadding
             clip: true
-            visible: line.length === 0 && line.preeditText.length === 0
+            visible: !compose.writing
             text: compose.compact ? compose.compact.placeholder : "--"
             color: Style.instrumentDim
             font.pixelSize: 13
+            elide: Text.ElideRight
+            maximumLineCount: 1
+        }
+
+        AppText {
+            id: aim
+
+            objectName: "compactTarget"
+            anchors.right: parent.right
+            anchors.rightMargin: Style.spacingSmall
+            anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, line.width / 2)
+            visible: compose.writing
+            text: compose.compact ? "→ " + compose.compact.targetName : ""
+            color: Style.controlSelection
+            font.pixelSize: Style.fontSmall
             elide: Text.ElideRight
             maximumLineCount: 1
         }
@@ -73,6 +93,8 @@ GridLayout {
     }
 
     AppText {
+        id: note
+
         objectName: "compactNote"
         Layout.columnSpan: 2
         Layout.fillWidth: true

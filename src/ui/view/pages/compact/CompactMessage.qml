@@ -3,16 +3,16 @@ import QtQuick.Layouts
 import com.tarvonet.backend
 import "../.."
 
-/// The last message; in its place what went wrong, until the pilot knows.
+/// The last message; above it the signs of sounds and of what is unread, which are there without a message too.
 Rectangle {
     id: pane
 
     required property CompactBackend compact
-    required property StatusBackend status
     required property SoundsBackend sounds
     property int unread: 0
-    readonly property string trouble: status ? status.bannerText : ""
-    readonly property string text: compact ? compact.messageText : ""
+    readonly property string time: compact ? compact.messageTime : ""
+    /// A message may be of blanks.
+    readonly property bool there: time.length > 0
 
     radius: Style.radiusButton
     color: Style.instrumentGlass
@@ -23,40 +23,48 @@ Rectangle {
         anchors.leftMargin: Style.spacingMedium
         spacing: 2
 
-        RowLayout {
+        Item { // a layout loses track of what appears in it while its window is hidden
             Layout.fillWidth: true
-            spacing: Style.spacingSmall
-            visible: pane.trouble.length > 0 || pane.text.length > 0
+            implicitHeight: 18
 
             AppText {
                 objectName: "compactFrom"
-                Layout.fillWidth: true
-                text: pane.trouble ? qsTr("出了问题") : pane.compact ? pane.compact.messageHead : ""
-                color: pane.trouble ? Style.noticeBorder : Style.controlSelection
+                anchors.left: parent.left
+                anchors.right: signs.left
+                anchors.rightMargin: Style.spacingSmall
+                text: pane.compact ? pane.compact.messageHead : ""
+                color: Style.controlSelection
                 font.pixelSize: Style.fontSmall
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
+                maximumLineCount: 1
             }
 
-            SoundSign {
-                Layout.maximumHeight: 18
-                dark: true
-                sounds: pane.sounds
-            }
+            Row {
+                id: signs
 
-            CountBadge {
-                objectName: "compactUnread"
-                Accessible.role: Accessible.StaticText
-                Accessible.name: qsTr("%1 条未读").arg(count)
-                Layout.preferredHeight: 18
-                count: pane.unread
-            }
+                anchors.right: parent.right
+                spacing: Style.spacingSmall
 
-            AppText {
-                visible: text.length > 0 && pane.trouble.length === 0
-                text: pane.compact ? pane.compact.messageTime : ""
-                color: Style.instrumentDim
-                font.pixelSize: Style.fontSmall
+                SoundSign {
+                    height: 18
+                    dark: true
+                    sounds: pane.sounds
+                }
+
+                CountBadge {
+                    objectName: "compactUnread"
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: qsTr("%1 条未读").arg(count)
+                    height: 18
+                    count: pane.unread
+                }
+
+                AppText {
+                    text: pane.time
+                    color: Style.instrumentDim
+                    font.pixelSize: Style.fontSmall
+                }
             }
         }
 
@@ -64,11 +72,11 @@ Rectangle {
             objectName: "compactText"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            text: pane.trouble || pane.text || qsTr("暂无消息")
-            color: pane.trouble ? Style.noticeBorder : pane.text ? Style.instrumentLine : Style.instrumentDim
+            text: pane.compact && pane.there ? pane.compact.messageText : qsTr("暂无消息")
+            color: pane.there ? Style.instrumentLine : Style.instrumentDim
             font.pixelSize: 13
-            horizontalAlignment: pane.trouble || pane.text ? Text.AlignLeft : Text.AlignHCenter
-            verticalAlignment: pane.trouble || pane.text ? Text.AlignTop : Text.AlignVCenter
+            horizontalAlignment: pane.there ? Text.AlignLeft : Text.AlignHCenter
+            verticalAlignment: pane.there ? Text.AlignTop : Text.AlignVCenter
             wrapMode: Text.Wrap
             elide: Text.ElideRight
             clip: true

@@ -14,6 +14,7 @@ FloatingWindow {
     required property SoundsBackend sounds
     required property StatusBackend status
     required property VoiceServiceBackend voice
+    required property bool capturing
 
     objectName: "compactWindow"
     title: qsTr("TARVO 精简视图")
@@ -36,6 +37,8 @@ FloatingWindow {
     }
 
     ShortcutKeys {
+        enabled: !window.capturing
+        actions: ["compact", "mute", "compose"]
         onTriggered: action => {
             if (action === "compact")
                 window.leave()
@@ -47,6 +50,7 @@ FloatingWindow {
     }
 
     Shortcut {
+        enabled: !window.capturing
         sequences: ["Esc"]
         onActivated: window.leave()
     }
@@ -54,7 +58,7 @@ FloatingWindow {
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: Style.spacingMedium
-        spacing: Style.spacingSmall
+        spacing: trouble.visible ? Style.spacingTiny : Style.spacingSmall
 
         CompactHead {
             Layout.fillWidth: true
@@ -69,11 +73,18 @@ FloatingWindow {
             simulator: window.simulator
         }
 
+        CompactTrouble {
+            id: trouble
+
+            Layout.fillWidth: true
+            visible: shown && !line.noted // the room is enough for one of the two
+            status: window.status
+        }
+
         CompactMessage {
             Layout.fillWidth: true
             Layout.fillHeight: true
             compact: window.compact
-            status: window.status
             sounds: window.sounds
             unread: window.messages ? window.messages.unreadCount : 0
         }
