@@ -23,13 +23,6 @@ constexpr quint32 trafficRadiusMetres = 30000;
 constexpr int transponderStandby = 1;
 constexpr int transponderModeC = 4;
 
-/// A child of the adapter, as a Simulator's timers are to be found below it.
-std::unique_ptr<SimConnectSession> sessionOver(std::shared_ptr<SimConnectBinding> binding, QObject *adapter)
-{
-    return binding ? std::make_unique<SimConnectSession>(std::move(binding), adapter)
-                   : std::make_unique<SimConnectSession>(adapter);
-}
-
 void logNoRelay(const char *kind, const QString &message)
 {
     qDebug().noquote() << "MSFS" << kind << "message relay is not implemented yet:" << excerpt(message);
@@ -40,7 +33,8 @@ void logNoRelay(const char *kind, const QString &message)
 MsfsAdapter::MsfsAdapter(AppConfig &config, std::shared_ptr<SimConnectBinding> binding, MsfsAircraftLibrary *library,
                          const common::Clock &clock, QObject *parent)
     : Simulator(parent),
-      m_session(sessionOver(std::move(binding), this)),
+      // A child of the adapter, as a Simulator's timers are to be found below it.
+      m_session(std::make_unique<SimConnectSession>(std::move(binding), this, clock)),
       m_traffic(std::make_unique<MsfsTraffic>(*m_session, library ? *library : MsfsAircraftLibrary::instance(), clock))
 {
     m_session->setTrafficRadius(trafficRadiusMetres);
@@ -178,13 +172,11 @@ void MsfsAdapter::onData(UpdateGroup group, const QVariantMap &sample)
         m_machine.onDataReceived();
 }
 
-void MsfsAdapter::onInputEvent(const QString &name, double value)
+/// Of a speed brake: the session has subscribed to no others.
+void MsfsAdapter::onInputEvent(const QString &, double value)
 {
-    const std::optional<double> speedbrake = speedbrakeOf(name, value);
-    if (!speedbrake)
-        return;
     OwnAircraft now = m_own;
-    now.config.speedbrakeRatio = *speedbrake;
+    now.config.speedbrakeRatio = speedbrakeOf(value);
     publish(now);
 }
 

@@ -7,8 +7,6 @@
 #include <QString>
 #include <QVariantMap>
 
-#include <optional>
-
 namespace tarvo::simulator::msfs {
 
 /// What is known of the pilot's own aircraft.
@@ -27,8 +25,8 @@ struct OwnAircraft
 /// except for the pause.
 OwnAircraft afterSample(const OwnAircraft &last, const QVariantMap &sample);
 
-/// The speed brake's position, 0 to 1, that an input event tells; nothing for an event of another name.
-std::optional<double> speedbrakeOf(const QString &eventName, double value);
+/// The speed brake's position, 0 to 1, that an input event tells.
+double speedbrakeOf(double value);
 
 /// Feet, for the pressure field of position reports.
 double pressureAltitudeFeet(const model::UserAircraftData &own);

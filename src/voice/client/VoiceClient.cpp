@@ -57,7 +57,9 @@ void VoiceClient::connectToServer(const QString &token)
         return;
     m_token = token;
     m_connecting.clear(); // of attempts that were called off before they began
-    m_isTrying = m_connecting.post(m_network.attempt(token));
+    m_isTrying = true;
+    if (!m_connecting.post(m_network.attempt(token)))
+        m_network.failAttempt(QStringLiteral("No thread is to be had for the voice connection"));
     setState(ConnectionState::Connecting);
 }
 

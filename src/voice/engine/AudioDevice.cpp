@@ -6,6 +6,7 @@
 #include "voice/engine/SoundThread.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace tarvo::voice {
@@ -13,6 +14,7 @@ namespace tarvo::voice {
 namespace {
 
 const QString defaultName = QStringLiteral("Default"); // as pages show it and the file holds it
+constexpr std::chrono::seconds askAgainAfter{5};       // a sound thread that has no room for a task
 
 QList<DeviceInfo> devicesOf(const QList<DeviceInfo> &all, int hostApi, qint32 DeviceInfo::*channels)
 {
@@ -54,6 +56,10 @@ void AudioDevice::Direction::chooseWanted()
 AudioDevice::AudioDevice(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent)
     : QObject(parent), m_config(config), m_sound(std::move(sound)), m_mailbox(std::make_shared<Mailbox>(this))
 {
+    m_again.setObjectName(QStringLiteral("again"));
+    m_again.setSingleShot(true);
+    m_again.setInterval(askAgainAfter);
+    connect(&m_again, &QTimer::timeout, this, &AudioDevice::read);
 }
 
 AudioDevice::~AudioDevice()
@@ -65,8 +71,8 @@ void AudioDevice::load()
 {
     if (m_isLoaded || m_isLoading)
         return;
-    m_lease = std::make_unique<SoundLease>(m_sound);
-    m_isLoading = read();
+    m_isLoading = true;
+    read();
 }
 
 void AudioDevice::reload()
@@ -75,13 +81,17 @@ void AudioDevice::reload()
         read();
 }
 
-bool AudioDevice::read()
+void AudioDevice::read()
 {
-    return m_sound->post([this, mailbox = m_mailbox] {
+    if (!m_lease || !m_lease->isTaken())
+        m_lease = std::make_unique<SoundLease>(m_sound);
+    const bool isTaken = m_lease->isTaken() && m_sound->post([this, mailbox = m_mailbox] {
         const QList<HostApiInfo> drivers = getVoiceHostApis();
         const QList<DeviceInfo> devices = getVoiceDevices([](const DeviceInfo &) { return true; });
         mailbox->send([this, drivers, devices] { onRead(drivers, devices); });
     });
+    if (!isTaken)
+        m_again.start();
 }
 
 void AudioDevice::onRead(const QList<HostApiInfo> &drivers, const QList<DeviceInfo> &devices)
@@ -99,8 +109,6 @@ void AudioDevice::onRead(const QList<HostApiInfo> &drivers, const QList<DeviceIn
         direction->chooseWanted();
     announceAll();
     m_isLoaded = true;
-    for (const auto &step : std::exchange(m_postponed, {}))
-        step();
     if (isFirst)
         emit loaded();
 }
@@ -139,18 +147,8 @@ void AudioDevice::announceChosen()
     emit outputSpeakerDeviceChanged(idOf(m_speaker, driver.defaultOutputDevice));
 }
 
-bool AudioDevice::isPostponed(std::function<void()> step)
-{
-    if (m_isLoaded)
-        return false;
-    m_postponed.append(std::move(step));
-    return true;
-}
-
 void AudioDevice::setDriver(int listIndex)
 {
-    if (isPostponed([this, listIndex] { setDriver(listIndex); }))
-        return;
     if (listIndex < 0 || listIndex >= m_driverList.size())
         return;
     m_driverIndex = listIndex;
@@ -163,8 +161,6 @@ void AudioDevice::setDriver(int listIndex)
 
 void AudioDevice::set(Direction AudioDevice::*direction, DeviceSignal changed, int listIndex)
 {
-    if (isPostponed([=, this] { set(direction, changed, listIndex); }))
-        return;
     Direction &chosen = this->*direction;
     if (listIndex < 0 || listIndex > chosen.list.size())
         return;

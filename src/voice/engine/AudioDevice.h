@@ -6,8 +6,8 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
-#include <functional>
 #include <memory>
 
 namespace tarvo {
@@ -32,14 +32,16 @@ public:
     AudioDevice(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr);
     ~AudioDevice() override;
 
-    /// Returns at once; the signals come when the sound system has answered. Nothing once loaded or loading.
+    /// Returns at once; the signals come when the sound system has answered, which is asked until it takes the
+    /// question. Nothing once loaded or loading.
     void load();
     bool isLoaded() const { return m_isLoaded; }
     /// PortAudio has searched again: reads what it offers now, and announces it with the same choice, as far as that is
     /// there. Nothing before the load.
     void reload();
 
-    // What is chosen before the devices are loaded is done after that. An index that isn't in the list is ignored.
+    // For loaded devices: what is chosen before the load has no list to be found in. An index that isn't in the list is
+    // ignored.
     /// Offers the devices of another driver, and chooses its defaults.
     void setDriver(int listIndex);
     // An input or output 0 raises no signal: its stream keeps its device until the next start. Deliberate.
@@ -104,12 +106,11 @@ private:
         void chooseWanted();
     };
 
-    bool read();
+    void read();
     void takeStoredChoice();
     void rebuildLists();
     void announceAll();
     void set(Direction AudioDevice::*direction, DeviceSignal changed, int listIndex);
-    bool isPostponed(std::function<void()> step);
 
     AppConfig &m_config;
     std::shared_ptr<SoundThread> m_sound;
@@ -125,7 +126,7 @@ private:
     int m_driverIndex = -1;
     bool m_isLoading = false;
     bool m_isLoaded = false;
-    QList<std::function<void()>> m_postponed; ///< to the load's end
+    QTimer m_again{this}; ///< behind a question that the sound thread had no room for
 };
 
 } // namespace tarvo::voice

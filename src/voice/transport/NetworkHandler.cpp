@@ -70,6 +70,12 @@ std::function<void()> NetworkHandler::attempt(const QString &token)
     return [connection, endpoints = m_endpoints] { reachServer(connection, endpoints); };
 }
 
+void NetworkHandler::failAttempt(const QString &why)
+{
+    if (const Shared connection = current())
+        connection->say(report::Failed{why});
+}
+
 void NetworkHandler::connectToServer(const QString &token)
 {
     attempt(token)();

@@ -56,6 +56,8 @@ public:
     /// stop(), also when it is begun later, and may outlive the handler. How it went comes as socketStateChanged(true)
     /// or errorOccurred(), unless it was stopped or another has taken its place.
     std::function<void()> attempt(const QString &token);
+    /// The rest of the attempt can't be done: raises errorOccurred(), when the event loop turns.
+    void failAttempt(const QString &why);
     /// The whole of it. Blocks, and may be called on any thread.
     void connectToServer(const QString &token);
     /// Tells the server, raises socketStateChanged(false) and stops.

@@ -7,7 +7,9 @@
 
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
+#include <future>
 #include <memory>
 
 using namespace tarvo;
@@ -239,18 +241,20 @@ private slots:
         QCOMPARE(stage.device.inputName(), QStringLiteral("Default"));
     }
 
-    void whatIsChosenBeforeTheLoadIsDoneAfterIt()
+    void aSoundThreadWithoutRoomIsAskedAgain()
     {
         DeviceStage stage;
-        stage.config.set(config::voiceDriver, 13);
-        stage.device.setDriver(0);
-        stage.device.setOutputSpeaker(2);
-        stage.device.setInput(99);
-        QVERIFY(stage.said.isEmpty());
-        stage.device.onRead(someDrivers, someDevices);
-        QCOMPARE(stage.said, listed({"list", "device", "input -1", "headphone 5", "speaker 5", "list", "device",
-                                     "input 2", "headphone 0", "speaker 0", "device", "speaker 3"}));
-        QCOMPARE(stage.device.driverType(), 8);
+        std::promise<void> release;
+        stage.sound->post([hang = release.get_future().share()] { hang.wait(); });
+        while (stage.sound->post([] {})) {
+        }
+        stage.device.load();
+        auto *again = stage.device.findChild<QTimer *>(QStringLiteral("again"));
+        QVERIFY(again && again->isActive());
+        release.set_value();
+        QVERIFY(stage.sound->waitUntilIdle(std::chrono::milliseconds(tarvo::test::patienceMs)));
+        again->start(0);
+        TRY_VERIFY(stage.device.isLoaded());
     }
 
     void newDevicesLeaveTheChoice_data()

@@ -18,13 +18,14 @@ namespace tarvo::simulator::msfs {
 /// What a session is made of. Only its two .cpp files include this.
 struct SimConnectSession::Parts
 {
-    Parts(std::shared_ptr<SimConnectBinding> binding, QObject *owner)
-        : link(std::move(binding), owner), traffic(link, owner)
+    Parts(std::shared_ptr<SimConnectBinding> binding, const common::Clock &itsClock, QObject *owner)
+        : clock(itsClock), link(std::move(binding), owner), traffic(link, owner)
     {
     }
 
     static inline bool waypointIsDefined = false; ///< one for the whole program
 
+    const common::Clock &clock;
     SimConnectLink link;
     DataGroups groups{link};
     UserTitle title{link};

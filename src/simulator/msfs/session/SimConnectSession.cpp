@@ -18,10 +18,11 @@ constexpr quint32 ownObject = 0; ///< the pilot's aircraft
 
 } // namespace
 
-SimConnectSession::SimConnectSession(QObject *parent) : SimConnectSession(SimConnectBinding::shared(), parent) {}
-
-SimConnectSession::SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent)
-    : QObject(parent), m_parts(std::make_unique<Parts>(std::move(binding), this)), m_dispatchTimer(this)
+SimConnectSession::SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent,
+                                     const common::Clock &clock)
+    : QObject(parent),
+      m_parts(std::make_unique<Parts>(binding ? std::move(binding) : SimConnectBinding::shared(), clock, this)),
+      m_dispatchTimer(this)
 {
     m_dispatchTimer.setObjectName(QStringLiteral("dispatch"));
     m_dispatchTimer.setInterval(dispatchIntervalMs);

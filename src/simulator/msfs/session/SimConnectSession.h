@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Clock.h"
 #include "simulator/msfs/session/SimConnectError.h"
 #include "simulator/msfs/simvar/MsfsRuntimeProfile.h"
 #include "simulator/msfs/simvar/SimKey.h"
@@ -49,9 +50,9 @@ class SimConnectSession : public QObject
     Q_OBJECT
 
 public:
-    /// Over the program's one binding, or over the given one.
-    explicit SimConnectSession(QObject *parent = nullptr);
-    explicit SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent = nullptr);
+    /// Over that binding, or over the program's one where it is null. The clock outlives it.
+    explicit SimConnectSession(std::shared_ptr<SimConnectBinding> binding, QObject *parent = nullptr,
+                               const common::Clock &clock = common::systemClock());
     /// Closes. An open one raises disconnected() here as well: an owner that is going lets go of the signals before.
     ~SimConnectSession() override;
 

@@ -30,7 +30,7 @@ void SimConnectSession::pump()
 
 void SimConnectSession::tellBroken(qsizetype size)
 {
-    if (m_parts->broken.add(common::systemClock().steadyMs()) != common::DropCount::Line::None)
+    if (m_parts->broken.add(m_parts->clock.steadyMs()) != common::DropCount::Line::None)
         qWarning().noquote() << QStringLiteral("Dropped a broken SimConnect message of %1 bytes, %2 so far")
                                     .arg(size)
                                     .arg(m_parts->broken.total());
@@ -103,7 +103,7 @@ void SimConnectSession::receive(const ObjectDataMessage &message)
     }
     if (const auto sample = m_parts->groups.sample(message.request, message.data))
         emit dataReceived(static_cast<UpdateGroup>(message.request), *sample);
-    else if (m_parts->unasked.add(common::systemClock().steadyMs()) != common::DropCount::Line::None)
+    else if (m_parts->unasked.add(m_parts->clock.steadyMs()) != common::DropCount::Line::None)
         qWarning() << "No active definitions found for group:" << message.request;
 }
 

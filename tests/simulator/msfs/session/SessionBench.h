@@ -6,6 +6,7 @@
 #include "simulator/msfs/simconnect/SimConnectBinding.h"
 #include "simulator/msfs/simconnect/SimConnectLibrary.h"
 #include "support/LogCapture.h"
+#include "support/ManualClock.h"
 #include "support/SourceFolder.h"
 
 #include <QFile>
@@ -33,7 +34,9 @@ struct SessionBench
 {
     LogCapture log;
     practice::SimConnectStandIn standIn;
-    simulator::msfs::SimConnectSession session{std::make_shared<simulator::msfs::SimConnectBinding>(standIn.library())};
+    ManualClock clock;
+    simulator::msfs::SimConnectSession session{std::make_shared<simulator::msfs::SimConnectBinding>(standIn.library()),
+                                               nullptr, clock};
     QSignalSpy errors{&session, &simulator::msfs::SimConnectSession::errorOccurred};
     QSignalSpy samples{&session, &simulator::msfs::SimConnectSession::dataReceived};
 

@@ -192,6 +192,9 @@ private slots:
             bench.standIn.queue(message::objectData({.request = 0xFFFFFFFF}, {}));
         bench.pump();
         QCOMPARE(bench.log.texts(QtWarningMsg).size(), 28); // 20, and one at each doubling
+        bench.clock.advance(60'000);
+        bench.send(message::objectData({.request = 0xFFFFFFFF}, {}));
+        QCOMPARE(bench.log.texts(QtWarningMsg).size(), 29);
     }
 
     void pauseEventIsASampleOfItsOwn()

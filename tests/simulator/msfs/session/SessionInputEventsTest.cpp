@@ -39,6 +39,8 @@ private slots:
         bench.open();
         bench.send(message::inputEvents(60000, {{"HANDLING_SPOILERS", 1, 0},
                                                 {"FLAPS_LEVER", 2, 0},
+                                                {"SPEED BRAKE", 6, 0},
+                                                {"", 7, 0},
                                                 {"LEVER_SpeedBrake", 3, 0},
                                                 {"speed_brake_arm", 4, 0},
                                                 {"SPOILER_TEXT", 5, 1},

@@ -118,6 +118,9 @@ private slots:
             bench.standIn.queue("broken");
         bench.pump();
         QCOMPARE(bench.log.texts(QtWarningMsg).size(), 28); // 20, and one at each doubling
+        bench.clock.advance(60'000);
+        bench.send("broken");
+        QCOMPARE(bench.log.texts(QtWarningMsg).size(), 29);
         QVERIFY(bench.session.isOpen());
     }
 };
