@@ -232,10 +232,18 @@ private slots:
         QCOMPARE(aircraft.livery, "Red Livery"); // the model's own
     }
 
+    void theLiveryOfAModelWithoutOne_data()
+    {
+        QTest::addColumn<QByteArray>("own");
+        QTest::newRow("none") << QByteArray();
+        QTest::newRow("a wide blank") << QByteArray("\xe3\x80\x80");
+    }
+
     void theLiveryOfAModelWithoutOne()
     {
+        QFETCH(QByteArray, own);
         MsfsStage stage;
-        stage.addModel(sim2024, "New A320", "A320", "");
+        stage.addModel(sim2024, "New A320", "A320", own);
         stage.scanLibrary();
         stage.simulator.setApplication(message::msfs2024());
         stage.connectSimulator();

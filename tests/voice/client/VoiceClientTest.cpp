@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 
 using namespace tarvo;
 using namespace tarvo::test;
@@ -232,6 +233,23 @@ private slots:
         QCOMPARE(stage.client->state(), ConnectionState::Connecting);
         stage.client->connectToServer(voiceToken);
         TRY_COMPARE(stage.events, (QStringList{u"Connecting"_qs, noSuchServer, noSuchServer}));
+    }
+
+    void streamsOfAnEarlierConnectionMakeNoneReady()
+    {
+        SessionStage stage;
+        stage.client->setCid(1001);
+        std::promise<void> release;
+        stage.client->soundThread()->post([hang = release.get_future().share()] { hang.wait(); });
+        QVERIFY(stage.connectToServer());
+        stage.greet();
+        TRY_VERIFY(stage.events.contains(u"audio"_qs));
+        stage.client->disconnectFromServer();
+        QVERIFY(stage.connectToServer());
+        release.set_value();
+        QVERIFY(stage.client->soundThread()->waitUntilIdle(std::chrono::milliseconds(patienceMs)));
+        QCoreApplication::processEvents();
+        QCOMPARE(stage.client->state(), ConnectionState::Connected);
     }
 
     /// Not from within the error alone.
