@@ -74,6 +74,18 @@ struct SessionBench
     }
 };
 
+/// One that is open.
+struct OpenBench : SessionBench
+{
+    explicit OpenBench(const QString &library = library2020) { open(library); }
+};
+
+/// One whose groups are defined, too.
+struct DefinedBench : SessionBench
+{
+    explicit DefinedBench(const QString &library = library2020) { openAndRegister(library); }
+};
+
 inline QString line(const char *text)
 {
     return QLatin1String(text);

@@ -14,8 +14,7 @@ class SessionCommandsTest : public QObject
 private slots:
     void eachIsMappedBeforeItsFirstUse()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.sendCommand(CommandKey::Com2Frequency, 118500000);
         bench.session.sendCommand(CommandKey::TransponderIdent, 0);
         bench.session.sendCommand(CommandKey::Com2Frequency, 121500000);
@@ -32,8 +31,7 @@ private slots:
 
     void nextSessionMapsAnew()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.sendCommand(CommandKey::Com2Frequency, 1);
         bench.session.close();
         bench.open();
@@ -43,8 +41,7 @@ private slots:
 
     void unknownKey()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.sendCommand(static_cast<CommandKey>(3), 0);
         QCOMPARE(bench.standIn.calls(), QStringList());
         QCOMPARE(bench.log.texts(QtWarningMsg), QStringList(line("No SimConnect event binding found for command key")));
@@ -53,8 +50,7 @@ private slots:
 
     void refusedMappingIsTriedAgain()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("MapClientEventToSimEvent"));
         bench.session.sendCommand(CommandKey::TransponderIdent, 0);
         QCOMPARE(bench.standIn.takeCalls(), QStringList(line("MapClientEventToSimEvent 10000 \"XPNDR_IDENT_ON\"")));
@@ -68,8 +64,7 @@ private slots:
 
     void refusedEvent()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("TransmitClientEvent"));
         bench.session.sendCommand(CommandKey::Com1Frequency, 1);
         QCOMPARE(bench.log.texts(QtCriticalMsg),

@@ -45,8 +45,7 @@ private slots:
         QFETCH(quint32, code);
         QFETCH(QString, warning);
         QFETCH(QString, error);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy failed(&bench.session, &SimConnectSession::remoteAircraftCreateFailed);
         bench.send(message::exception(code, 12, 3));
         QTEST(bench.log.texts(QtCriticalMsg).join(u'|'), "critical");

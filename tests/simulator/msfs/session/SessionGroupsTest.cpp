@@ -14,8 +14,7 @@ class SessionGroupsTest : public QObject
 private slots:
     void registers()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.registerDefinitions();
         QCOMPARE(groupCalls().size(), 57);
         QCOMPARE(bench.standIn.calls(), groupCalls() + titleCalls());
@@ -34,8 +33,7 @@ private slots:
 
     void registersOnce()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.registerDefinitions();
         QCOMPARE(bench.standIn.calls(), QStringList());
         QCOMPARE(bench.log.texts(QtDebugMsg), QStringList(line("Data definitions already registered")));
@@ -43,8 +41,7 @@ private slots:
 
     void registersAnewInTheNextSession()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.close();
         bench.open();
         bench.session.registerDefinitions();
@@ -53,8 +50,7 @@ private slots:
 
     void firstRefusedVariableStopsIt()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("AddToDataDefinition"), 1, static_cast<qint32>(0x80070057), 20);
         bench.session.registerDefinitions();
         QCOMPARE(bench.standIn.takeCalls(),
@@ -74,8 +70,7 @@ private slots:
 
     void subscribes()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.subscribeGroup(UpdateGroup::Avionics);
         QCOMPARE(bench.standIn.takeCalls(), QStringList(line("RequestDataOnSimObject 2 2 0 3 1 0 0 0")));
         QCOMPARE(bench.log.texts(QtInfoMsg).last(), line("Subscribed to data group: 2"));
@@ -86,8 +81,7 @@ private slots:
 
     void refusedSubscriptionCanBeTriedAgain()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.standIn.failNext(line("RequestDataOnSimObject"));
         bench.session.subscribeGroup(UpdateGroup::Aircraft);
         QCOMPARE(bench.log.texts(QtCriticalMsg),
@@ -109,8 +103,7 @@ private slots:
     void unsubscribes()
     {
         QFETCH(bool, fails);
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.unsubscribeGroup(UpdateGroup::Position);
         QCOMPARE(bench.standIn.calls(), QStringList());
         bench.session.subscribeGroup(UpdateGroup::Position);
@@ -128,8 +121,7 @@ private slots:
 
     void requestsOnce()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.requestGroupOnce(UpdateGroup::Environment);
         QCOMPARE(bench.standIn.calls(), QStringList());
         QCOMPARE(bench.log.texts(QtWarningMsg), QStringList(line("Cannot request data: group not subscribed 3")));
@@ -146,8 +138,7 @@ private slots:
 
     void samplesHaveTheirGroupAndKeys()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         const QByteArray data = message::float64(0x2285) + message::float64(0x1802) + message::int32(1) +
                                 message::int32(0) + message::int32(5) + message::int32(0x7000) + message::int32(4) +
                                 message::int32(1);
@@ -168,8 +159,7 @@ private slots:
 
     void cutSampleGoesOutWithTheRest()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.send(message::objectData({.request = 0}, message::float64(40.5) + message::float64(116.25)));
         const QVariantMap expected{{line("latitude"), 40.5}, {line("longitude"), 116.25}};
         QCOMPARE(bench.samples.first().at(1).toMap(), expected);
@@ -177,8 +167,7 @@ private slots:
 
     void sampleOfNoGroupIsWarnedAbout()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.send(message::objectData({.request = 4}, message::float64(40.5)));
         QCOMPARE(bench.samples.size(), 0);
         QCOMPARE(bench.log.texts(QtWarningMsg), QStringList(line("No active definitions found for group: 4")));
@@ -186,8 +175,7 @@ private slots:
 
     void floodOfSuchSamplesLeavesTheLogReadable()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         for (int i = 0; i < 10'000; ++i)
             bench.standIn.queue(message::objectData({.request = 0xFFFFFFFF}, {}));
         bench.pump();
@@ -199,8 +187,7 @@ private slots:
 
     void pauseEventIsASampleOfItsOwn()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.send(message::event(0, 20000, 1));
         bench.send(message::event(0, 20000, 0));
         bench.send(message::event(0, 20001, 1));

@@ -16,16 +16,14 @@ class SessionInputEventsTest : public QObject
 private slots:
     void areAskedFor()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.enumerateInputEvents();
         QCOMPARE(bench.standIn.calls(), QStringList(line("EnumerateInputEvents 60000")));
     }
 
     void refusedQuestionIsAWarning()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("EnumerateInputEvents"));
         bench.session.enumerateInputEvents();
         QCOMPARE(bench.log.texts(QtWarningMsg),
@@ -35,8 +33,7 @@ private slots:
 
     void thoseOfSpeedbrakesAreSubscribed()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.send(message::inputEvents(60000, {{"HANDLING_SPOILERS", 1, 0},
                                                 {"FLAPS_LEVER", 2, 0},
                                                 {"SPEED BRAKE", 6, 0},
@@ -54,8 +51,7 @@ private slots:
 
     void subscribedOnesAreNotSubscribedAgain()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QByteArray events = message::inputEvents(60000, {{"SPOILERS", 1, 0}});
         bench.send(events);
         const auto logged = bench.log.texts().size();
@@ -79,8 +75,7 @@ private slots:
     void nothingOfInterest()
     {
         QFETCH(QByteArray, events);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const auto logged = bench.log.texts().size();
         bench.send(events);
         QCOMPARE(bench.standIn.calls(), QStringList());
@@ -89,8 +84,7 @@ private slots:
 
     void refusedSubscriptionIsAWarning()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("SubscribeInputEvent"));
         bench.send(message::inputEvents(60000, {{"SPOILERS_1", 1, 0}, {"SPOILERS_2", 2, 0}}));
         QCOMPARE(bench.log.texts(QtWarningMsg),
@@ -125,8 +119,7 @@ private slots:
     {
         QFETCH(QByteArray, value);
         QFETCH(bool, told);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.send(message::inputEvents(60000, {{"HANDLING_SPOILERS", 1, 0}}));
         const QSignalSpy values(&bench.session, &SimConnectSession::inputEventValueChanged);
         bench.send(value);

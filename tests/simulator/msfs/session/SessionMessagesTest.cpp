@@ -14,8 +14,7 @@ class SessionMessagesTest : public QObject
 private slots:
     void queueIsEmptiedInOneTick()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         for (int i = 0; i < 500; ++i)
             bench.standIn.queue(message::objectData({.request = 0}, message::float64(i)));
         bench.pump();
@@ -26,16 +25,14 @@ private slots:
 
     void timerEmptiesIt()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.queue(message::event(0, 20000, 1));
         QVERIFY(bench.samples.wait());
     }
 
     void noMessageEndsTheTick()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.standIn.queue({});
         bench.standIn.queue(message::event(0, 20000, 1));
         bench.pump();
@@ -46,8 +43,7 @@ private slots:
 
     void failureEndsTheTickWithoutALine()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const auto logged = bench.log.texts().size();
         bench.standIn.queue(message::event(0, 20000, 1));
         bench.standIn.failNext(line("GetNextDispatch"));
@@ -61,8 +57,7 @@ private slots:
 
     void quitCloses()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy disconnected(&bench.session, &SimConnectSession::disconnected);
         bench.standIn.queue(message::quit());
         bench.standIn.queue(message::event(0, 20000, 1));
@@ -75,8 +70,7 @@ private slots:
 
     void ownerMayOpenAgainWhenItQuits()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         connect(&bench.session, &SimConnectSession::disconnected, &bench.session, &SimConnectSession::open);
         bench.send(message::quit());
         QVERIFY(bench.session.isOpen());
@@ -85,8 +79,7 @@ private slots:
 
     void otherKindsAreSkippedSilently()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const auto logged = bench.log.texts().size();
         bench.send(message::any(0, {}));
         bench.send(message::any(35, "get input event"));
@@ -97,8 +90,7 @@ private slots:
 
     void brokenOneIsDroppedWithALine()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy created(&bench.session, &SimConnectSession::remoteAircraftCreated);
         bench.standIn.queue(message::assignedObject(1, 2).chopped(1));
         bench.standIn.queue("shor");
@@ -112,8 +104,7 @@ private slots:
 
     void floodOfBrokenOnesLeavesTheLogReadable()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         for (int i = 0; i < 10'000; ++i)
             bench.standIn.queue("broken");
         bench.pump();

@@ -19,8 +19,7 @@ class SessionProfileTest : public QObject
 private slots:
     void versionsAreTold()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy simulator(&bench.session, &SimConnectSession::msfsVersionDetected);
         const QSignalSpy library(&bench.session, &SimConnectSession::simConnectVersionDetected);
         bench.send(message::open(message::msfs2020()));
@@ -31,8 +30,7 @@ private slots:
 
     void nothingChangesWithoutAKeyword()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         const QSignalSpy profiles(&bench.session, &SimConnectSession::runtimeProfileDetected);
         bench.send(message::open({.name = "Muted", .version = {}, .simConnectVersion = {}}));
         QCOMPARE(bench.session.runtimeProfile(), MsfsRuntimeProfile::Msfs2020);
@@ -42,16 +40,14 @@ private slots:
 
     void sameProfileChangesNothing()
     {
-        SessionBench bench;
-        bench.openAndRegister(library2024);
+        DefinedBench bench(library2024);
         bench.send(message::open(message::msfs2024()));
         QCOMPARE(bench.standIn.calls(), QStringList());
     }
 
     void correctionBeforeTheDefinitions()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy profiles(&bench.session, &SimConnectSession::runtimeProfileDetected);
         bench.send(message::open(mutedOf2024));
         QCOMPARE(bench.session.runtimeProfile(), MsfsRuntimeProfile::Msfs2024);
@@ -89,8 +85,7 @@ private slots:
 
     void correctionWithoutTrafficLeavesItOut()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.send(message::open(message::msfs2024()));
         QCOMPARE(bench.standIn.calls().first(6).last(2),
                  lines("ClearDataDefinition 50000\n") + QStringList(groupCalls().first()));
@@ -99,8 +94,7 @@ private slots:
 
     void correctionGoesTheOtherWayToo()
     {
-        SessionBench bench;
-        bench.openAndRegister(library2024);
+        DefinedBench bench(library2024);
         bench.send(message::open(message::msfs2020()));
         QCOMPARE(bench.session.runtimeProfile(), MsfsRuntimeProfile::Msfs2020);
         QCOMPARE(bench.standIn.calls().last(), line("EnumerateInputEvents 60000"));
@@ -108,8 +102,7 @@ private slots:
 
     void failedUnsubscriptionIsOnlyLogged()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.session.subscribeGroup(UpdateGroup::Position);
         bench.standIn.takeCalls();
         bench.standIn.failNext(line("RequestDataOnSimObject"));
@@ -122,8 +115,7 @@ private slots:
 
     void failedRegistrationLeavesTheGroupsAlone()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         bench.standIn.failNext(line("AddToDataDefinition"));
         bench.send(message::open(message::msfs2024()));
         QCOMPARE(bench.error(), line("Failed to register SimVar: PLANE LATITUDE"));
@@ -134,8 +126,7 @@ private slots:
 
     void ownerMayCloseWhenItHears()
     {
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         connect(&bench.session, &SimConnectSession::runtimeProfileDetected, &bench.session, &SimConnectSession::close);
         bench.send(message::open(message::msfs2024()));
         QVERIFY(!bench.session.isOpen());
@@ -144,8 +135,7 @@ private slots:
 
     void nameInTheLogStaysOnOneLine()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.send(message::open({.name = "2024\r\nERROR forged", .version = {}, .simConnectVersion = {}}));
         QVERIFY(bench.log.contains(line("app=2024  ERROR forged")));
     }

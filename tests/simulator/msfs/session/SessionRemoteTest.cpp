@@ -86,8 +86,7 @@ private slots:
 
     void extendedCallIsFollowedByTheOther()
     {
-        SessionBench bench;
-        bench.open(library2024);
+        OpenBench bench(library2024);
         bench.standIn.failNext(line("AICreateNonATCAircraft_EX1"));
         bench.session.createRemoteAircraft(7, line("Airbus"), line("Air"), line("CCA1"), somewhere());
         QCOMPARE(
@@ -101,8 +100,7 @@ private slots:
 
     void refusedCreation()
     {
-        SessionBench bench;
-        bench.open(library2024);
+        OpenBench bench(library2024);
         bench.standIn.failAlways(line("AICreateNonATCAircraft_EX1"));
         bench.standIn.failAlways(line("AICreateNonATCAircraft"));
         const QSignalSpy failed(&bench.session, &SimConnectSession::remoteAircraftCreateFailed);
@@ -116,8 +114,7 @@ private slots:
 
     void withoutATitleNothingIsCreated()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy failed(&bench.session, &SimConnectSession::remoteAircraftCreateFailed);
         bench.session.createRemoteAircraft(7, line("  "), {}, line("CCA1"), somewhere());
         QCOMPARE(bench.standIn.calls(), QStringList());
@@ -142,8 +139,7 @@ private slots:
     {
         QFETCH(QString, callsign);
         QFETCH(QString, tail);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.createRemoteAircraft(7, line("Airbus"), {}, callsign, somewhere());
         const QString start = QStringLiteral("AICreateNonATCAircraft \"Airbus\" \"%1\" {").arg(tail);
         QVERIFY2(bench.standIn.calls().join(u'|').startsWith(start), qPrintable(bench.standIn.calls().join(u'|')));
@@ -164,8 +160,7 @@ private slots:
     {
         QFETCH(double, speed);
         QFETCH(QString, words);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         RemotePosition position = somewhere();
         position.onGround = true;
         position.speedKnots = speed;
@@ -175,8 +170,7 @@ private slots:
 
     void assignmentIsTold()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy created(&bench.session, &SimConnectSession::remoteAircraftCreated);
         bench.send(message::assignedObject(7, 258));
         QCOMPARE(created, (QList<QVariantList>{{7U, 258U}}));
@@ -185,8 +179,7 @@ private slots:
 
     void removed()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         const QSignalSpy told(&bench.session, &SimConnectSession::remoteAircraftRemoved);
         bench.session.removeRemoteAircraft(258, 9);
         QCOMPARE(bench.standIn.calls(), QStringList(line("AIRemoveObject 258 9")));
@@ -234,8 +227,7 @@ private slots:
 
     void waypointsAreDefinedOnceInTheProgramsLife()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.updateRemoteAircraftPosition(5, somewhere());
         bench.session.close();
         bench.open();
@@ -264,8 +256,7 @@ private slots:
 
     void refusedPosition()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("SetDataOnSimObject"));
         bench.session.updateRemoteAircraftPosition(258, somewhere());
         QCOMPARE(bench.log.texts(QtCriticalMsg),
@@ -276,8 +267,7 @@ private slots:
 
     void textsInTheLogStayOnOneLine()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.createRemoteAircraft(7, line("Airbus"), line("a\nb"), line("CCA1"), somewhere());
         QVERIFY(bench.log.texts().last().endsWith(line("livery=a b")));
     }

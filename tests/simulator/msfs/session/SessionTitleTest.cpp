@@ -31,8 +31,7 @@ private slots:
     {
         QFETCH(QByteArray, data);
         QFETCH(QString, title);
-        SessionBench bench;
-        bench.openAndRegister();
+        DefinedBench bench;
         const QSignalSpy titles(&bench.session, &SimConnectSession::userAircraftTitleDetected);
         const auto logged = bench.log.texts().size();
         bench.send(message::objectData({.request = 50001, .define = 50000}, data));
@@ -46,8 +45,7 @@ private slots:
 
     void refusedDefinitionIsAWarning()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("AddToDataDefinition"), 1, -1, 57);
         bench.session.registerDefinitions();
         QCOMPARE(bench.standIn.calls(), groupCalls() + titleCalls().first(1));
@@ -59,8 +57,7 @@ private slots:
 
     void refusedRequestIsAWarning()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failNext(line("RequestDataOnSimObject"));
         bench.session.registerDefinitions();
         QCOMPARE(bench.log.texts(QtWarningMsg),

@@ -44,8 +44,7 @@ private slots:
         QFETCH(SimKey, key);
         QFETCH(QVariant, value);
         QFETCH(QStringList, calls);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.setDataValue(key, value);
         QCOMPARE(bench.standIn.takeCalls(), calls);
         bench.session.setObjectDataValue(258, key, value);
@@ -56,8 +55,7 @@ private slots:
 
     void rowsThatAreNeverReadAreForOtherAircraft()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.setDataValue(SimKey::GearHandlePosition, true);
         QCOMPARE(bench.standIn.calls(), QStringList());
         QCOMPARE(bench.log.texts(QtWarningMsg),
@@ -73,8 +71,7 @@ private slots:
 
     void unknownKey()
     {
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.session.setDataValue(keyOfNoRow, 1);
         bench.session.setObjectDataValue(5, keyOfNoRow, 1);
         QCOMPARE(bench.standIn.calls(), QStringList());
@@ -101,8 +98,7 @@ private slots:
         QFETCH(QString, function);
         QFETCH(QString, failure);
         QFETCH(qsizetype, calls);
-        SessionBench bench;
-        bench.open();
+        OpenBench bench;
         bench.standIn.failAlways(function);
         bench.session.setDataValue(SimKey::BeaconOn, true);
         QCOMPARE(bench.standIn.takeCalls().size(), calls);
