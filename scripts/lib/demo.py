@@ -19,10 +19,11 @@ import sys
 import threading
 
 import demo_msfs
+import demo_situations
 import demo_voice
 import driven_client
-from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, OTHER_PILOTS, PASSWORD, PLOT,
-                        SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
+from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, OTHER_PILOTS,
+                        PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
 from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
@@ -36,9 +37,9 @@ def fly(client, practice, server_name, sound):
     """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one; `sound`
     the server that has his microphone and headphone."""
     main = sign_in()
-    wait_until('cards of the simulators', lambda: main.count(*CARD_ARROWS, WHITE) >= 1000)
     picture('2-mode-selection')
     main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
+    demo_situations.end_tour(main)
     picture('3-overview')
 
     main.open_page(SERVER_ITEM)
@@ -53,7 +54,12 @@ def fly(client, practice, server_name, sound):
     picture('6-connected')
     meet_traffic(main, practice, connected)
     talk_to_tower(main, practice, connected)
+    demo_situations.tune_station(main, practice)
+    demo_situations.answer_in_compact_view(practice, TOWER)
+    main = Window(MAIN_TITLE)
     demo_voice.talk(main, practice, sound)
+    demo_situations.pause_flight(main, practice)
+    demo_situations.come_back_after_kill(main, practice)
     main.open_page(SETTINGS_ITEM)
     picture('14-settings-page')
     main.open_page(SERVER_ITEM)
@@ -67,12 +73,13 @@ def fly(client, practice, server_name, sound):
 
 
 def look_around_meanwhile(main, server_name):
-    """Connects, and goes to another page and back while the server's name is being looked up."""
+    """Connects, goes to another page and back while the server's name is being looked up, and calls it off once."""
     main.click(CONNECT_BUTTON, until=server_name.asked.is_set)
     main.open_page(MESSAGES_ITEM)
     picture('5-other-page-while-looking-up')
     main.open_page(SERVER_ITEM)
     picture('5-server-page-while-looking-up')
+    demo_situations.call_off(main)
     server_name.answer()
 
 
@@ -107,6 +114,7 @@ def talk_to_tower(main, practice, connected):
     sent = write('SELCAL')
     practice.wait_for(f'#TM{TOWER}:@[0-9]+:SELCAL {SELCAL}', start=sent)
     picture('10-called-by-selcal')
+    demo_situations.write_chinese(main, practice, TOWER)
 
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
@@ -223,8 +231,8 @@ def main():
         if arguments.msfs:
             demo_msfs.write_config(build)
         if arguments.headless:
-            # Not as at the first start: its cards would lie over the pages.
-            pathlib.Path(programs.data, 'state.ini').write_text('[Tour]\nSeen=true\n')
+            # As at the first start, with its tour in the one demonstration and without it in the other.
+            pathlib.Path(programs.data, 'state.ini').write_text('[Tour]\nSeen=true\n' if arguments.msfs else '')
             with SoundServer() as sound, virtual_display():
                 programs.share(sound.folder)
                 client = Program('the client', client_command, programs.environment())

@@ -1,7 +1,7 @@
 """What every driven demonstration does alike: the login, the form of the server's page; and where a pilot clicks and looks
 for it.
 """
-from driven_client import Window, picture, press, type_text
+from driven_client import Failure, Window, looks_of, picture, press, type_text, wait_until
 
 USERNAME, PASSWORD = '1001', 'practice'
 CALLSIGN, TYPE_CODE, SELCAL = 'CES2352', 'A320', 'AB-CD'
@@ -17,6 +17,7 @@ CONNECT_BUTTON = (430, 503)
 
 # Where he looks: left, top, width, height, and colours of the style.
 CARD_ARROWS = (620, 240, 52, 220)  # the discs of both cards of the mode page
+PHOTOGRAPH = (60, 400, 40, 120)
 PLOT = (646, 442, 310, 250)
 LEAVE_BUTTON = (626, 412, 56, 32)  # of the question, right of the page's own button
 END_RED = (0xC8, 0x1E, 0x45)
@@ -24,14 +25,19 @@ CYAN, WHITE = (0x67, 0xE8, 0xF9), (0xFF, 0xFF, 0xFF)
 
 
 def sign_in():
-    """From the login window to the main window."""
-    Window(LOGIN_TITLE)
+    """From the login window to the main window; nothing else is to be seen between the two."""
+    login = Window(LOGIN_TITLE)
     picture('1-login')
     type_text(USERNAME)
     press('Tab')
     type_text(PASSWORD)
-    press('Return')
-    return Window(MAIN_TITLE)
+    with looks_of(login.part(*PHOTOGRAPH)) as looks:
+        press('Return')
+        main = Window(MAIN_TITLE)
+        wait_until('cards of the simulators', lambda: main.count(*CARD_ARROWS, WHITE) >= 1000)
+    if len(looks) != 2:
+        raise Failure(f'{len(looks)} looks of the window from the login to the choice of a simulator, not 2')
+    return main
 
 
 def fill_form(main):

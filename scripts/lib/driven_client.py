@@ -17,6 +17,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PICTURES = ROOT / 'build' / 'demo'
 
 # Where a pilot looks: a column of a window of 1000x700, and the colours of the style.
+DISPLAY = '1280x800+0+0'
 SIDEBAR_DOT = 47
 FIELD_HEIGHT = 42
 INK, FOCUS = (0x0F, 0x17, 0x2A), (0x3B, 0x82, 0xF6)
@@ -137,19 +138,40 @@ def window(title):
     return found[-1] if found else None
 
 
-def screenshot():
-    return subprocess.run(['import', '-window', 'root', 'png:-'], capture_output=True, check=True).stdout
+def pixels(part):
+    """Of a part of the display, "WIDTHxHEIGHT+LEFT+TOP": red, green, blue."""
+    return subprocess.run(['import', '-window', 'root', '-crop', part, '-depth', '8', 'rgb:-'], capture_output=True,
+                          check=True).stdout
 
 
-def at_rest():
-    """The display once it has come to rest; live figures keep changing, and then the newest picture is as good as any."""
-    image = screenshot()
+def wait_for_rest(part):
+    """Until that part of the display has come to rest; live figures keep changing, and then any moment is as good."""
+    image = pixels(part)
     for _ in range(6):
         time.sleep(0.1)
-        previous, image = image, screenshot()
+        previous, image = image, pixels(part)
         if image == previous:
             break
-    return image
+
+
+@contextlib.contextmanager
+def looks_of(part):
+    """Gives a list that takes each new look of a part of the display, as long as the context is."""
+    looks, over = [pixels(part)], threading.Event()
+
+    def watch():
+        while not over.is_set():
+            look = pixels(part)
+            if look != looks[-1]:
+                looks.append(look)
+
+    thread = threading.Thread(target=watch)
+    thread.start()
+    try:
+        yield looks
+    finally:
+        over.set()
+        thread.join()
 
 
 def keep_pictures_in(name):
@@ -159,7 +181,8 @@ def keep_pictures_in(name):
 
 
 def picture(name):
-    (PICTURES / f'{name}.png').write_bytes(at_rest())
+    wait_for_rest(DISPLAY)
+    subprocess.run(['import', '-window', 'root', PICTURES / f'{name}.png'], check=True)
 
 
 class Window:
@@ -178,16 +201,18 @@ class Window:
         itself changes all the time."""
         x, y = point
         xdotool('mousemove', '--sync', self.x + x, self.y + y)
-        at_rest()
+        wait_for_rest(f'160x80+{max(0, self.x + x - 80)}+{max(0, self.y + y - 40)}')  # where the pointer's tip may come, too
         xdotool('click', 1)
         wait_until(f'click at {x}, {y}', until)
 
     def count(self, left, top, width, height, colour):
         """How many pixels of a part of the window have that colour, or nearly."""
-        part = f'{width}x{height}+{self.x + left}+{self.y + top}'
-        raw = subprocess.run(['import', '-window', 'root', '-crop', part, '-depth', '8', 'rgb:-'], capture_output=True,
-                             check=True).stdout
+        raw = pixels(self.part(left, top, width, height))
         return sum(all(abs(a - b) <= 12 for a, b in zip(raw[i:i + 3], colour)) for i in range(0, len(raw) - 2, 3))
+
+    def part(self, left, top, width, height):
+        """Of the display."""
+        return f'{width}x{height}+{self.x + left}+{self.y + top}'
 
     def open_page(self, item):
         """Clicks an item of the sidebar; the dot before the title is filled once its page is shown."""
