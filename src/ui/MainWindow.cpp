@@ -11,6 +11,7 @@
 #include "ui/LastConnection.h"
 #include "ui/MessagesFeed.h"
 #include "ui/OverviewFeed.h"
+#include "ui/SceneGraph.h"
 #include "ui/SimulatorFeed.h"
 #include "ui/StatusFeed.h"
 #include "ui/TextFile.h"
@@ -109,6 +110,7 @@ MainWindow::~MainWindow()
 
 void MainWindow::createView()
 {
+    chooseSceneGraph();
     m_view = new QQuickView;
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setColor(Qt::transparent);
