@@ -77,11 +77,8 @@ void SimulatorFeed::connectRequests()
 void SimulatorFeed::setSeen(bool seen)
 {
     m_seen = seen;
-    if (!seen)
-        return;
+    m_trafficDue = m_trafficTimer.isActive();
     showMissed();
-    if (m_trafficTimer.isActive())
-        showTraffic();
 }
 
 void SimulatorFeed::takeSample(const manager::SimulatorData &sample)
@@ -102,11 +99,14 @@ void SimulatorFeed::takeRadio(const model::RadioStackState &radio)
 
 void SimulatorFeed::showMissed()
 {
-    if (!m_seen || !std::exchange(m_missed, false))
+    if (!m_seen || !(m_missed || m_trafficDue))
         return;
     if (m_paceTimer.interval() > 0)
         m_paceTimer.start();
-    showSample();
+    if (std::exchange(m_missed, false))
+        showSample();
+    if (std::exchange(m_trafficDue, false))
+        m_page.setRemoteAircraft(m_network->remoteAircraft());
 }
 
 void SimulatorFeed::showSample()
@@ -120,15 +120,18 @@ void SimulatorFeed::showSample()
     emit sampleShown(shown);
 }
 
+/// With the next sample, if one may be shown so soon: both are painted in one go.
 void SimulatorFeed::showTraffic()
 {
-    if (m_seen)
-        m_page.setRemoteAircraft(m_network->remoteAircraft());
+    m_trafficDue = true;
+    if (!m_paceTimer.isActive())
+        showMissed();
 }
 
 void SimulatorFeed::forgetTraffic()
 {
     m_trafficTimer.stop();
+    m_trafficDue = false;
     m_page.setRemoteAircraft({});
 }
 

@@ -29,8 +29,9 @@ public:
     /// when they are seen again. At first they are.
     void setSeen(bool seen);
 
-    /// The least time between two samples that are shown; what comes sooner is left out for the latest of them. None at
-    /// first. Painting a page takes more than all the rest: figures that change faster can't be read anyway.
+    /// The least time between two samples that are shown, traffic included; what comes sooner is left out for the
+    /// latest of them. None at first. Painting a page takes more than all the rest: figures that change faster can't be
+    /// read anyway.
     void setPace(std::chrono::milliseconds pace) { m_paceTimer.setInterval(pace); }
 
 signals:
@@ -52,7 +53,8 @@ private:
     bool m_seen = true;
     manager::SimulatorData m_latest;
     bool m_missed = false; ///< `m_latest` hasn't been shown
-    QTimer m_paceTimer;    ///< runs while it is too early for the next sample
+    bool m_trafficDue = false;
+    QTimer m_paceTimer;    ///< runs while it is too early for the next change
     QTimer m_trafficTimer; ///< runs while connected: the table has no signal of its own
 };
 

@@ -2,6 +2,7 @@
 
 #include "manager/Session.h"
 #include "manager/TrafficSession.h"
+#include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
@@ -250,6 +251,21 @@ private slots:
         emit stage.session.manager->networkDisconnected(false);
         QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
         QVERIFY(stage.page.plotContacts().isEmpty());
+    }
+
+    void trafficComesWithTheNextSample()
+    {
+        TrafficStage stage;
+        QVERIFY(stage.session.online);
+        stage.feed.setPace(std::chrono::hours(1));
+        auto &pace = *stage.feed.findChild<QTimer *>(u"paceTimer"_qs);
+        emit stage.session.sim->userAircraftDataChanged(own());
+        QVERIFY(pace.isActive());
+        QVERIFY(stage.hear(u"AB2"_qs));
+        stage.tick();
+        QCOMPARE(stage.summary(), u"附近暂无交通目标"_qs);
+        pace.start(0);
+        TRY_COMPARE(stage.summary(), u"附近 1 个交通目标"_qs); // also when no sample comes
     }
 
     void unseenTrafficFollows()

@@ -11,7 +11,8 @@ ColumnLayout {
     property real percent: 0
     readonly property real silence: -96
     property real shownDb: silence
-    property real shownPercent: 0
+    property real readDb: silence
+    property real readPercent: 0
     property real peakDb: silence
 
     function ratio(level: real): real {
@@ -22,8 +23,10 @@ ColumnLayout {
     Accessible.role: Accessible.ProgressBar
     Accessible.name: label + " " + reading.text
 
-    // Levels come fifty times a second, and each change paints the window anew: ten are enough for the eye.
+    // Levels come fifty times a second, and each change paints the window anew: ten are enough for the eye, five
+    // for a figure.
     Timer {
+        property bool isReadNow: false
         property int held: 0 ///< for how many tenths of a second the mark has stood
 
         interval: 100
@@ -32,7 +35,11 @@ ColumnLayout {
         running: meter.db > meter.silence || meter.peakDb > meter.silence
         onTriggered: {
             meter.shownDb = meter.db
-            meter.shownPercent = meter.percent
+            isReadNow = !isReadNow
+            if (isReadNow) {
+                meter.readDb = meter.db
+                meter.readPercent = meter.percent
+            }
             held = meter.db >= meter.peakDb ? 0 : held + 1
             meter.peakDb = held === 0 ? meter.db : held > 10 ? Math.max(meter.silence, meter.peakDb - 6) : meter.peakDb
         }
@@ -53,7 +60,7 @@ ColumnLayout {
             id: reading
 
             objectName: "levelReading"
-            text: qsTr("%1 %  %2 dB").arg(Math.round(meter.shownPercent)).arg(Format.fixed(meter.shownDb, 1))
+            text: qsTr("%1 %  %2 dB").arg(Math.round(meter.readPercent)).arg(Format.fixed(meter.readDb, 1))
             color: Style.textSecondary
             font.pixelSize: Style.fontSmall
         }

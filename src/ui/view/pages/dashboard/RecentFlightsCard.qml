@@ -25,6 +25,7 @@ Card {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
+            highlightFollowsCurrentItem: false // the mark that nobody sees would slide for a second
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: CustomScrollBar {}
 
