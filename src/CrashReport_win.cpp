@@ -15,6 +15,16 @@ std::array<wchar_t, 1024> crashFolder{};
 HANDLE file = INVALID_HANDLE_VALUE;
 LPTOP_LEVEL_EXCEPTION_FILTER filterOfTheRuntime = nullptr;
 
+/// A thread whose stack has overflown, until another one has written the report.
+struct Overflow
+{
+    HANDLE happened = nullptr; ///< events
+    HANDLE isReported = nullptr;
+    const EXCEPTION_POINTERS *exception = nullptr;
+    DWORD thread = 0;
+};
+Overflow overflow;
+
 void write(const char *text, std::size_t size)
 {
     DWORD written = 0;
@@ -53,6 +63,21 @@ void writeCall(DWORD64 address)
     write(line.data(), line.size());
 }
 
+/// Out of a function that tells nothing of its frame: a leaf, a bad address, or the probe at which stacks overflow,
+/// which keeps two registers there.
+bool leaveLeaf(CONTEXT &context)
+{
+    constexpr int mostWords = 3;
+    for (int i = 0; i < mostWords; ++i) {
+        DWORD64 base = 0;
+        context.Rip = *reinterpret_cast<const DWORD64 *>(context.Rsp);
+        context.Rsp += sizeof(DWORD64);
+        if (RtlLookupFunctionEntry(context.Rip, &base, nullptr) != nullptr)
+            return true;
+    }
+    return false;
+}
+
 void writeCalls(CONTEXT context)
 {
     constexpr int mostCalls = 64;
@@ -60,28 +85,54 @@ void writeCalls(CONTEXT context)
         writeCall(context.Rip);
         DWORD64 base = 0;
         PRUNTIME_FUNCTION function = RtlLookupFunctionEntry(context.Rip, &base, nullptr);
-        if (function == nullptr && i > 0)
-            return;
-        if (function == nullptr) { // a leaf, or a call to nowhere: it has nothing on the stack but the way back
-            context.Rip = *reinterpret_cast<const DWORD64 *>(context.Rsp);
-            context.Rsp += sizeof(DWORD64);
+        if (function == nullptr && i == 0 && leaveLeaf(context))
             continue;
-        }
+        if (function == nullptr)
+            return;
         void *data = nullptr;
         DWORD64 frame = 0;
         RtlVirtualUnwind(UNW_FLAG_NHANDLER, base, context.Rip, function, &context, &data, &frame, nullptr);
     }
 }
 
-void report(const BoundedText &what, const CONTEXT &context)
+void report(const BoundedText &what, const CONTEXT &context, DWORD threadId)
 {
     if (!isFirstReport() || !openFile())
         return;
     BoundedText thread;
-    thread << std::uint64_t{GetCurrentThreadId()};
+    thread << std::uint64_t{threadId};
     writeHead(write, what, thread);
     writeCalls(context);
     CloseHandle(file);
+}
+
+void reportException(const EXCEPTION_POINTERS &exception, DWORD threadId)
+{
+    BoundedText what;
+    (what << "Exception code: ").hex(exception.ExceptionRecord->ExceptionCode) << ", address ";
+    what.hex(reinterpret_cast<DWORD64>(exception.ExceptionRecord->ExceptionAddress));
+    report(what, *exception.ContextRecord, threadId);
+}
+
+DWORD WINAPI reportOverflow(void *)
+{
+    WaitForSingleObject(overflow.happened, INFINITE);
+    reportException(*overflow.exception, overflow.thread);
+    SetEvent(overflow.isReported);
+    return 0;
+}
+
+/// Before all other handlers: what is left of the stack may not last for the search of those.
+LONG WINAPI onOverflow(EXCEPTION_POINTERS *exception)
+{
+    constexpr DWORD longEnoughMs = 5000; // should the other thread wait for what this one holds
+    if (exception->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW) {
+        overflow.exception = exception;
+        overflow.thread = GetCurrentThreadId();
+        SetEvent(overflow.happened);
+        WaitForSingleObject(overflow.isReported, longEnoughMs);
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
 }
 
 LONG WINAPI onException(EXCEPTION_POINTERS *exception)
@@ -90,10 +141,7 @@ LONG WINAPI onException(EXCEPTION_POINTERS *exception)
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
     if (code == thrownByGcc && filterOfTheRuntime != nullptr)
         return filterOfTheRuntime(exception); // goes on to std::terminate
-    BoundedText what;
-    (what << "Exception code: ").hex(code) << ", address ";
-    what.hex(reinterpret_cast<DWORD64>(exception->ExceptionRecord->ExceptionAddress));
-    report(what, *exception->ContextRecord);
+    reportException(*exception, GetCurrentThreadId());
     return EXCEPTION_CONTINUE_SEARCH; // as it would have ended
 }
 
@@ -103,7 +151,20 @@ void onAbort(int)
     RtlCaptureContext(&context);
     BoundedText what;
     what << "Signal: SIGABRT";
-    report(what, context);
+    report(what, context, GetCurrentThreadId());
+}
+
+void watchForOverflows()
+{
+    constexpr SIZE_T stackBytes = 256 * 1024;
+    overflow.happened = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    overflow.isReported = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE thread =
+        CreateThread(nullptr, stackBytes, reportOverflow, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    if (thread == nullptr)
+        return;
+    CloseHandle(thread); // it goes on
+    AddVectoredExceptionHandler(TRUE, onOverflow);
 }
 
 } // namespace
@@ -111,8 +172,9 @@ void onAbort(int)
 void catchCrashes(const char *folder)
 {
     MultiByteToWideChar(CP_UTF8, 0, folder, -1, crashFolder.data(), static_cast<int>(crashFolder.size()) - 64);
-    ULONG spareStack = 64 * 1024; // for a stack that has overflown
+    ULONG spareStack = 64 * 1024; // for this thread's handlers, should its stack overflow
     SetThreadStackGuarantee(&spareStack);
+    watchForOverflows();
     filterOfTheRuntime = SetUnhandledExceptionFilter(onException);
     std::signal(SIGABRT, onAbort);
 }
