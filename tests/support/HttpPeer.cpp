@@ -1,17 +1,36 @@
 #include "support/HttpPeer.h"
 
 #include <QHostAddress>
-#include <QHttpServerRequest>
-#include <QMetaEnum>
 #include <QUrl>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace tarvo::test {
 
 namespace {
 
-QByteArray methodName(QHttpServerRequest::Method method)
+/// The first request of `bytes`, taken out of them; nothing when more of it has to come.
+std::optional<HttpPeer::Request> takeRequest(QByteArray &bytes)
 {
-    return QByteArray(QMetaEnum::fromType<QHttpServerRequest::Method>().valueToKey(static_cast<int>(method))).toUpper();
+    const qsizetype head = bytes.indexOf("\r\n\r\n");
+    QList<QByteArray> lines = bytes.left(std::max<qsizetype>(head, 0)).split('\n');
+    const QList<QByteArray> words = lines.takeFirst().split(' ');
+    const QUrl url = QUrl::fromEncoded(words.value(1));
+    HttpPeer::Request request{words.first(), url.path(), url.query(), {}, {}};
+    for (const QByteArray &line : std::as_const(lines)) {
+        const qsizetype colon = line.indexOf(':');
+        request.headers.append({line.left(colon).trimmed(), line.mid(colon + 1).trimmed()});
+    }
+    const qsizetype body = head + 4;
+    const qsizetype size = request.header("Content-Length").toLongLong();
+    if (head < 0 || bytes.size() < body + size)
+        return std::nullopt;
+    request.body = bytes.mid(body, size);
+    bytes.remove(0, body + size);
+    return request;
 }
 
 QByteArray keyOf(const QByteArray &method, const QString &path)
@@ -32,15 +51,13 @@ QByteArray HttpPeer::Request::header(const QByteArray &name) const
 
 HttpPeer::HttpPeer()
 {
-    m_server.setMissingHandler([this](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
-        handle(request, std::move(responder));
-    });
-    m_port = m_server.listen(QHostAddress::LocalHost);
+    QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] { accept(); });
+    m_server.listen(QHostAddress::LocalHost);
 }
 
 QString HttpPeer::baseUrl() const
 {
-    return QStringLiteral("http://127.0.0.1:%1/api").arg(m_port);
+    return QStringLiteral("http://127.0.0.1:%1/api").arg(port());
 }
 
 void HttpPeer::answer(const QByteArray &method, const QString &path, const Answer &answer)
@@ -55,8 +72,8 @@ void HttpPeer::answerOnce(const QByteArray &method, const QString &path, const A
 
 int HttpPeer::release()
 {
-    std::list<Pending> held = std::exchange(m_held, {});
-    for (Pending &pending : held)
+    const QList<Pending> held = std::exchange(m_held, {});
+    for (const Pending &pending : held)
         send(pending);
     return static_cast<int>(held.size());
 }
@@ -71,15 +88,25 @@ QList<HttpPeer::Request> HttpPeer::requestsFor(const QByteArray &method, const Q
     return result;
 }
 
-void HttpPeer::handle(const QHttpServerRequest &request, QHttpServerResponder &&responder)
+void HttpPeer::accept()
 {
-    const Request record{methodName(request.method()), request.url().path(), request.url().query(), request.headers(),
-                         request.body()};
-    m_requests.append(record);
-    QTcpSocket *socket = responder.socket();
-    Pending pending{std::move(responder), socket, nextAnswer(keyOf(record.method, record.path))};
+    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QTcpSocket::deleteLater);
+        QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                         [this, socket, bytes = std::make_shared<QByteArray>()] {
+                             *bytes += socket->readAll();
+                             while (const std::optional<Request> request = takeRequest(*bytes))
+                                 handle(*request, *socket);
+                         });
+    }
+}
+
+void HttpPeer::handle(const Request &request, QTcpSocket &socket)
+{
+    m_requests.append(request);
+    const Pending pending{&socket, nextAnswer(keyOf(request.method, request.path))};
     if (pending.answer.delivery == Delivery::Held)
-        m_held.push_back(std::move(pending));
+        m_held.append(pending);
     else
         send(pending);
 }
@@ -92,21 +119,23 @@ HttpPeer::Answer HttpPeer::nextAnswer(const QByteArray &key)
     return m_lasting.value(key, {.status = 404});
 }
 
-void HttpPeer::send(Pending &pending)
+void HttpPeer::send(const Pending &pending)
 {
     if (!pending.socket)
         return;
-    if (pending.answer.delivery == Delivery::CloseWithoutAnswer) {
+    const Answer &answer = pending.answer;
+    if (answer.delivery == Delivery::CloseWithoutAnswer) {
         pending.socket->disconnectFromHost();
         return;
     }
-    const auto status = static_cast<QHttpServerResponder::StatusCode>(pending.answer.status);
-    if (!pending.answer.setCookie.isEmpty())
-        pending.responder.write(pending.answer.body, {{"Set-Cookie", pending.answer.setCookie}}, status);
-    else if (pending.answer.location.isEmpty())
-        pending.responder.write(pending.answer.body, "application/json", status);
-    else
-        pending.responder.write(pending.answer.body, {{"Location", pending.answer.location}}, status);
+    QByteArray head =
+        "HTTP/1.1 " + QByteArray::number(answer.status) +
+        " Said\r\nContent-Type: application/json\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\n";
+    if (!answer.setCookie.isEmpty())
+        head += "Set-Cookie: " + answer.setCookie + "\r\n";
+    if (!answer.location.isEmpty())
+        head += "Location: " + answer.location + "\r\n";
+    pending.socket->write(head + "\r\n" + answer.body);
 }
 
 } // namespace tarvo::test

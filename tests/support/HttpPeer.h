@@ -2,20 +2,18 @@
 
 #include <QByteArray>
 #include <QHash>
-#include <QHttpServer>
-#include <QHttpServerResponder>
 #include <QList>
 #include <QPair>
 #include <QPointer>
 #include <QQueue>
 #include <QString>
+#include <QTcpServer>
 #include <QTcpSocket>
-
-#include <list>
 
 namespace tarvo::test {
 
-/// A web service on loopback, scripted by a test: it answers by method and path and keeps what was asked.
+/// A web service on loopback, scripted by a test: it answers by method and path and keeps what was asked. Of its own
+/// making, because Qt's HTTP server isn't to be had everywhere where the tests run.
 class HttpPeer
 {
 public:
@@ -50,7 +48,7 @@ public:
     /// Listens on 127.0.0.1, on any free port.
     HttpPeer();
 
-    quint16 port() const { return m_port; }
+    quint16 port() const { return m_server.serverPort(); }
     /// "http://127.0.0.1:<port>/api"
     QString baseUrl() const;
 
@@ -69,21 +67,20 @@ public:
 private:
     struct Pending
     {
-        QHttpServerResponder responder;
         QPointer<QTcpSocket> socket; ///< null when the client has gone
         Answer answer;
     };
 
-    void handle(const QHttpServerRequest &request, QHttpServerResponder &&responder);
+    void accept();
+    void handle(const Request &request, QTcpSocket &socket);
     Answer nextAnswer(const QByteArray &key);
-    static void send(Pending &pending);
+    static void send(const Pending &pending);
 
     QHash<QByteArray, Answer> m_lasting;
     QHash<QByteArray, QQueue<Answer>> m_once;
     QList<Request> m_requests;
-    std::list<Pending> m_held;
-    QHttpServer m_server; ///< goes first, so that no request meets a half-destroyed peer
-    quint16 m_port = 0;
+    QList<Pending> m_held;
+    QTcpServer m_server; ///< goes first, so that no request meets a half-destroyed peer
 };
 
 } // namespace tarvo::test
