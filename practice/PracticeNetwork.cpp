@@ -113,8 +113,9 @@ bool PracticeNetwork::startSimulator()
         m_pluginFolder = std::make_unique<QTemporaryDir>();
         url = QStringLiteral("ipc://%1").arg(m_pluginFolder->filePath(QStringLiteral("plugin.ipc")));
     }
-    if (!url.startsWith(QLatin1StringView("ipc://")))
-        return failed(url, QStringLiteral("not an ipc address"));
+    // A client that runs under Wine reaches no socket of Linux's by a file.
+    if (!url.startsWith(QLatin1StringView("ipc://")) && !url.startsWith(QLatin1StringView("tcp://127.0.0.1:")))
+        return failed(url, QStringLiteral("not an address of this machine alone"));
     if (!m_xplane.start(m_settings.address, m_settings.xplanePort, url))
         return failed(QStringLiteral("X-Plane"), m_xplane.errorString());
     return true;
