@@ -39,7 +39,7 @@ function(tarvo_test name)
     target_precompile_headers(${target} REUSE_FROM ${main})
     tarvo_test_options(${target})
     # What passes would bury what fails.
-    add_test(NAME ${name} COMMAND ${ARG_LAUNCHER} $<TARGET_FILE:${target}> -silent)
+    add_test(NAME ${name} COMMAND ${ARG_LAUNCHER} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}> -silent)
     set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77)
     # Seconds. The slowest takes 140 under AddressSanitizer, two programs at a time on two cores.
     set_tests_properties(${name} PROPERTIES TIMEOUT 600)
