@@ -91,5 +91,5 @@ def come_back_after_kill(main, practice):
 
 def click_in(identity, point):
     """Clicks at a point of a window that has no frame."""
-    xdotool('mousemove', '--sync', '--window', identity, *point)
+    xdotool('mousemove', '--window', identity, *point)
     xdotool('click', 1)

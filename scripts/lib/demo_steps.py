@@ -17,7 +17,7 @@ CONNECT_BUTTON = (430, 503)
 
 # Where he looks: left, top, width, height, and colours of the style.
 CARD_ARROWS = (620, 240, 52, 220)  # the discs of both cards of the mode page
-PHOTOGRAPH = (60, 400, 40, 120)
+PHOTOGRAPH = (60, 580, 40, 60)  # nothing else lies there, before and after
 PLOT = (646, 442, 310, 250)
 LEAVE_BUTTON = (626, 412, 56, 32)  # of the question, right of the page's own button
 END_RED = (0xC8, 0x1E, 0x45)

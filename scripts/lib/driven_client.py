@@ -200,7 +200,7 @@ class Window:
         """Clicks at a point of the window, in pixels, and waits until `until` says that this had its effect: the display
         itself changes all the time."""
         x, y = point
-        xdotool('mousemove', '--sync', self.x + x, self.y + y)
+        xdotool('mousemove', self.x + x, self.y + y)  # "--sync" waits 15 s for a pointer that is there already
         wait_for_rest(f'160x80+{max(0, self.x + x - 80)}+{max(0, self.y + y - 40)}')  # where the pointer's tip may come, too
         xdotool('click', 1)
         wait_until(f'click at {x}, {y}', until)
