@@ -163,7 +163,6 @@ bool IcaoDatabase::openFile(QString path, Mode mode)
 void IcaoDatabase::close()
 {
     m_path.clear();
-    m_writable = false;
     // Qt's registry of connections is not asked without need: at process exit it goes before this object.
     if (std::exchange(m_registered, false))
         QSqlDatabase::removeDatabase(m_connectionName);

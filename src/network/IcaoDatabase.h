@@ -43,7 +43,7 @@ public:
     void close();
 
     bool isOpen() const;
-    bool isWritable() const { return m_writable; }
+    bool isWritable() const { return m_writable; } ///< of an open one
     QString path() const { return m_path; }
 
     /// Whether the last open(), schemaError() or load() failed for what the file holds. A file that is locked or can't

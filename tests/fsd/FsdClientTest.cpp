@@ -95,6 +95,8 @@ private slots:
         QVERIFY(!session.client.isConnected());
         TRY_COMPARE(session.connected.count(), 1);
         QVERIFY(session.client.isConnected());
+        auto *socket = session.client.findChild<QTcpSocket *>();
+        QCOMPARE(socket->socketOption(QAbstractSocket::LowDelayOption).toInt(), 1);
         QCOMPARE(session.client.serverAddress(), QStringLiteral("127.0.0.1"));
         QCOMPARE(session.errors.count(), 0);
         QCOMPARE(session.disconnected.count(), 0);

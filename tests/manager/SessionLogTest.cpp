@@ -67,6 +67,8 @@ private slots:
             << u"#APAB1:SERVER:1001:p\uFFFD:x:1:9:5:Li"_qs << u"pé:x"_qs << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
         QTest::newRow("sent on one line") << u"#APAB1:SERVER:1001:pa  ss:x:1:9:5:Li"_qs << u"pa\r\nss:x"_qs
                                           << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
+        QTest::newRow("cut behind the password")
+            << u"#APAB1:SERVER:1001:other"_qs << u""_qs << u"#APAB1:SERVER:1001:******"_qs;
         QTest::newRow("too short") << u"#APAB1:SERVER"_qs << u"pass"_qs << u"#APAB1:SERVER"_qs;
         QTest::newRow("other line with the same text") << u"#TMAB1:AB2:pass"_qs << u"pass"_qs << u"#TMAB1:AB2:pass"_qs;
         QTest::newRow("other case") << u"#apAB1:SERVER:1001:pass:1"_qs << u"pass"_qs << u"#apAB1:SERVER:1001:pass:1"_qs;

@@ -108,6 +108,8 @@ private slots:
             << QStringLiteral("a+b") << QStringLiteral("x a+b a%2bb") << QStringLiteral("x ****** ******");
         QTest::newRow("Base64 for addresses")
             << QStringLiteral("~~~\?\?\?") << QStringLiteral("x fn5-Pz8_ x") << QStringLiteral("x ****** x");
+        QTest::newRow("just long enough for Base64")
+            << QStringLiteral("abcd") << QStringLiteral("x YWJjZA== x") << QStringLiteral("x ****** x");
         QTest::newRow("too short for Base64")
             << QStringLiteral("abc") << QStringLiteral("x YWJj abc") << QStringLiteral("x YWJj ******");
         const QString token(2000, u'T');

@@ -150,7 +150,7 @@ LabelPlacer::Placing::Placing(const QList<PlotSymbol> &symbols, const QHash<QStr
         m_fixed.emplace_back(area);
     for (qsizetype row = 0; row < symbols.size(); ++row) {
         const PlotSymbol &symbol = symbols.at(row);
-        const double distance = std::isfinite(symbol.distance) ? symbol.distance : std::numeric_limits<double>::max();
+        const double distance = std::isnan(symbol.distance) ? std::numeric_limits<double>::infinity() : symbol.distance;
         if (isFinite(symbol.at))
             m_contacts.push_back({row, distance, symbol.at, sane(symbol.name), sane(symbol.altitude),
                                   held.value(symbol.callsign), Held()});

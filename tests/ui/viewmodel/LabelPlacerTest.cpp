@@ -292,6 +292,19 @@ private slots:
         QCOMPARE(bool(labels.at(1).name), !keeps);
     }
 
+    void anAltitudeIsKeptFromANameALittleNearer()
+    {
+        const QRectF narrow(-30, -22, 72, 15.5); // the name has but one place
+        const PlotSymbol first{u"FIRST"_qs, {0, 0}, 10, {}, altitudeSize, false};
+        for (const double distance : {8.5, 7.5}) {
+            LabelPlacer placer;
+            QVERIFY(placer.place({first}, narrow, {}).first().altitude);
+            const auto labels = placer.place({first, symbol("SECOND", {-20, -15}, distance)}, narrow, {});
+            QCOMPARE(labels.at(0).altitude, distance > 8);
+            QCOMPARE(bool(labels.at(1).name), distance < 8);
+        }
+    }
+
     void anAltitudeTakesNobodysPlace()
     {
         const PlotSymbol first{u"FIRST"_qs, {0, 0}, 10, {}, altitudeSize, false};

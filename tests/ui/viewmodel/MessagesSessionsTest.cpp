@@ -153,16 +153,26 @@ private slots:
         QCOMPARE(fixture.model.draftTarget(), QString());
     }
 
+    void closingAnotherOneStays_data()
+    {
+        QTest::addColumn<QString>("channel");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("beside one") << u"CCA1"_qs << u"messages stats sessions unread"_qs;
+        QTest::newRow("all are shown") << u"ALL"_qs << u"messages stats active sessions unread"_qs;
+    }
+
     void closingAnotherOneStays()
     {
+        QFETCH(QString, channel);
         MessagesFixture fixture;
         fixture.model.openPrivateSession(u"CCA1"_qs);
+        fixture.model.setActiveChannel(channel);
         fixture.model.setDraftMessage(u"half a word"_qs);
         fixture.model.addPrivateReceived(u"CCA2"_qs, QString());
         fixture.told();
         fixture.model.closePrivateSession(u"CCA2"_qs);
-        QCOMPARE(fixture.model.activeChannel(), u"CCA1"_qs);
-        QCOMPARE(fixture.told(), u"messages stats sessions unread"_qs);
+        QCOMPARE(fixture.model.activeChannel(), channel);
+        QTEST(fixture.told(), "told");
         QCOMPARE(fixture.model.draftMessage(), u"half a word"_qs);
         fixture.model.closePrivateSession(u"CCA2"_qs);
         fixture.model.closePrivateSession(u"RADIO"_qs);
@@ -271,6 +281,9 @@ private slots:
         QTEST(fixture.model.activeChannelTitle(), "title");
         QTEST(fixture.model.composePlaceholder(), "placeholder");
         QCOMPARE(fixture.model.activeChannelCanSend(), canSend);
+        const QSignalSpy asked(&fixture.model, &MessagesPageViewModel::atisRequested);
+        fixture.model.requestAtis(u"ZSPD_TWR"_qs);
+        QCOMPARE(asked.size(), connected ? 1 : 0);
         const QVariantList channels = fixture.model.channels();
         for (const QVariant &entry : channels)
             if (field(entry, "key") == channel)
