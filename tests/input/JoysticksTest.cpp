@@ -67,6 +67,16 @@ constexpr PttBinding ofAJoystickThatIsAway{PttBinding::Type::Joystick, 0, 99};
 
 struct JoystickStage
 {
+    JoystickStage() = default;
+    explicit JoystickStage(const PttBinding &binding) { handler.setBinding(binding); }
+
+    /// What is told in one look at the joysticks, and has been told before it.
+    QStringList poll()
+    {
+        handler.pollJoystick();
+        return witness.take();
+    }
+
     ScriptedInput input;
     PttHandler handler{input.source()};
     Witness witness{handler};
@@ -134,30 +144,25 @@ private slots:
 
     void aButtonKeys()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick joystick;
         stage.handler.setBinding(buttonOf(joystick, 3));
         stage.handler.pollJoystick();
         joystick.press(3);
         stage.handler.pollJoystick();
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"down"_qs});
         stage.input.silence(); // of keys and the mouse
         QVERIFY(stage.handler.isActive());
         joystick.press(4);
         joystick.release(4);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList());
+        QCOMPARE(stage.poll(), QStringList());
         joystick.release(3);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"up"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"up"_qs});
     }
 
     void theTimerPolls()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick joystick;
         stage.handler.setBinding(buttonOf(joystick, 0));
         TRY_VERIFY(SDL_NumJoysticks() == 1);
@@ -168,19 +173,16 @@ private slots:
 
     void anotherJoystickIsNotBound()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick first;
         VirtualJoystick second;
         QVERIFY(first.id() != second.id());
         stage.handler.setBinding(buttonOf(second, 0));
         stage.handler.pollJoystick();
         first.press(0);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList());
+        QCOMPARE(stage.poll(), QStringList());
         second.press(0);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"down"_qs});
     }
 
     void aButtonIsCaptured()
@@ -193,43 +195,36 @@ private slots:
         stage.handler.pollJoystick();
         stage.witness.take();
         joystick.press(7);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(),
+        QCOMPARE(stage.poll(),
                  (QStringList{u"up"_qs, u"listens no more"_qs, u"captured js:%1:7"_qs.arg(joystick.id())}));
         joystick.release(7);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList());
+        QCOMPARE(stage.poll(), QStringList());
         joystick.press(7);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"down"_qs});
     }
 
     void aReleaseIsNotCaptured()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick joystick;
         stage.handler.pollJoystick();
         joystick.press(1);
         stage.handler.pollJoystick();
         stage.handler.startListening();
         joystick.release(1);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"listens"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"listens"_qs});
     }
 
     void unpluggedWhileHeld()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick joystick;
         stage.handler.setBinding(buttonOf(joystick, 2));
         stage.handler.pollJoystick();
         joystick.press(2);
         stage.handler.pollJoystick();
         joystick.unplug();
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), (QStringList{u"down"_qs, u"up"_qs}));
+        QCOMPARE(stage.poll(), (QStringList{u"down"_qs, u"up"_qs}));
         QVERIFY(!stage.handler.isActive());
     }
 
@@ -244,8 +239,7 @@ private slots:
     void removedWithoutAnUp()
     {
         QFETCH(int, offset);
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         VirtualJoystick joystick;
         stage.handler.setBinding(buttonOf(joystick, 2));
         stage.handler.pollJoystick();
@@ -262,8 +256,7 @@ private slots:
 
     void theBindingOutlivesTheJoystick()
     {
-        JoystickStage stage;
-        stage.handler.setBinding(ofAJoystickThatIsAway);
+        JoystickStage stage(ofAJoystickThatIsAway);
         int id = -1;
         {
             VirtualJoystick joystick;
@@ -276,8 +269,7 @@ private slots:
         QCOMPARE(next.id(), id + 1);
         stage.handler.pollJoystick();
         next.press(0);
-        stage.handler.pollJoystick();
-        QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+        QCOMPARE(stage.poll(), QStringList{u"down"_qs});
     }
 
     void logsThoseThatCome()
@@ -301,8 +293,7 @@ private slots:
             stage.handler.setBinding(buttonOf(joystick, 0));
             QCOMPARE(log.startingWith(u"Opened joystick:"_qs).size(), 1);
             joystick.press(0);
-            stage.handler.pollJoystick();
-            QCOMPARE(stage.witness.take(), QStringList{u"down"_qs});
+            QCOMPARE(stage.poll(), QStringList{u"down"_qs});
         }
         SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
     }

@@ -19,13 +19,10 @@ private slots:
     {
         SimulatedSession s;
         QVERIFY(s.connectPilot());
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         s.peer.inject(u"$CRSERVER:AB1:IP:10.0.0.9"_qs);
         s.peer.inject(u"%zbaa_twr:18020&21700:4:100:3:40.07250:116.59750:0"_qs);
-        EXPECT_LINE(s, u"$CQAB1:ZBAA_TWR:RN"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:ATC:ZBAA_TWR"_qs);
-        EXPECT_LINE(s, u"$CQAB1:ZBAA_TWR:CAPS"_qs);
+        EXPECT_LINES(s, u"$CQAB1:ZBAA_TWR:RN"_qs, u"$CQAB1:SERVER:ATC:ZBAA_TWR"_qs, u"$CQAB1:ZBAA_TWR:CAPS"_qs);
         QCOMPARE(s.takeChanges(), QStringList{u"added ZBAA_TWR 118020 Unknown"_qs});
         QCOMPARE(s.controllers.controllers(), QList<Controller>{(Controller{.callsign = twr,
                                                                             .frequency = 118020,
@@ -51,8 +48,7 @@ private slots:
     {
         SimulatedSession s;
         QVERIFY(s.connectPilot());
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         QObject::connect(s.manager->findChild<fsd::FsdClient *>(), &fsd::FsdClient::raiseRawDataSent, s.manager.get(),
                          [&s](const QString &line) { s.changes << line.trimmed(); });
         s.report(twr, 118500);
@@ -64,8 +60,7 @@ private slots:
     {
         SimulatedSession s;
         QVERIFY(s.connectPilot());
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         QObject::connect(
             s.manager->findChild<fsd::FsdClient *>(), &fsd::FsdClient::raiseRawDataSent, s.manager.get(),
             [&s] { s.manager->disconnectFromNetwork(); }, Qt::SingleShotConnection);

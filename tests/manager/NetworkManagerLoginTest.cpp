@@ -15,6 +15,19 @@ const QString pilotStopped = u"#STAB1:40.000000:116.500000:0.00:0.00:0:0.00"_qs;
 const QString observerSlow = u"%AB1:99998:0:40:1:0.00000:0.00000:0"_qs;
 const QString observing = u"9 Connected to network in observer mode."_qs;
 
+/// True when the client has identified itself.
+bool greet(Session &session)
+{
+    session.peer.inject(greeting);
+    return session.peer.expect(Session::identification());
+}
+
+/// True when it asks for a token then.
+bool greetForAToken(Session &session)
+{
+    return greet(session) && waitFor([&session] { return session.tokens.waiting() == 1; });
+}
+
 QStringList logLines(const Session &session)
 {
     const QDir folder(session.config.logsFolder() + u"/network"_qs);
@@ -37,12 +50,9 @@ private slots:
         Session s;
         s.addSimulator();
         QVERIFY(s.connectPilot());
-        EXPECT_LINE(s, u"#APAB1:SERVER:1001:secret:1:9:5:Li Lei ZBAA"_qs); // before the greeting
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, pilotSlow);
-        EXPECT_LINE(s, pilotStopped);
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
+        EXPECT_LINES(s, u"#APAB1:SERVER:1001:secret:1:9:5:Li Lei ZBAA"_qs, u"$CQAB1:SERVER:IP"_qs, pilotSlow,
+                     pilotStopped); // before the greeting
+        QVERIFY(greet(s));
         QVERIFY(s.peer.expectNothing());
         QCOMPARE(s.takeNotifications(), (QStringList{connecting, connected}));
         QCOMPARE(s.takeEvents(), QStringList());
@@ -59,11 +69,8 @@ private slots:
     {
         Session s;
         QVERIFY(s.connectObserver());
-        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, observerSlow);
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
+        EXPECT_LINES(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs, u"$CQAB1:SERVER:IP"_qs, observerSlow);
+        QVERIFY(greet(s));
         s.peer.inject(u"#AAAB1:SERVER:Li Lei:1001::1:9"_qs);
         QVERIFY(s.peer.expectNothing());
         QCOMPARE(s.takeNotifications(), (QStringList{connecting, connected, observing}));
@@ -78,15 +85,11 @@ private slots:
         QVERIFY(s.connectPilot());
         QVERIFY(s.peer.waitForConnection());
         QVERIFY(s.peer.expectNothing()); // nothing before the greeting
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         QVERIFY(s.peer.expectNothing()); // and no login before the token
         s.tokens.grant(u"t0ken"_qs);
-        EXPECT_LINE(s, u"#APAB1:SERVER:1001:t0ken:1:100:5:Li Lei ZBAA"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, pilotSlow);
-        EXPECT_LINE(s, pilotStopped);
+        EXPECT_LINES(s, u"#APAB1:SERVER:1001:t0ken:1:100:5:Li Lei ZBAA"_qs, u"$CQAB1:SERVER:IP"_qs, pilotSlow,
+                     pilotStopped);
         s.peer.inject(u"#APab1 :SERVER:1001::1:100:5:Li Lei"_qs);
         QVERIFY(s.peer.expectNothing());
         QCOMPARE(s.takeNotifications(), (QStringList{connecting, connected, connected}));
@@ -97,13 +100,9 @@ private slots:
     {
         Session s(Protocol::Token);
         QVERIFY(s.connectObserver());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.grant(u"t0ken"_qs);
-        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, observerSlow);
+        EXPECT_LINES(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs, u"$CQAB1:SERVER:IP"_qs, observerSlow);
         QVERIFY(s.peer.expectNothing());
     }
 
@@ -128,12 +127,9 @@ private slots:
         Session s;
         QVERIFY(s.connectObserver());
         QVERIFY(s.peer.nextLine().startsWith(u"#AA"_qs));
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, observerSlow);
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
+        EXPECT_LINES(s, u"$CQAB1:SERVER:IP"_qs, observerSlow);
+        QVERIFY(greet(s));
+        QVERIFY(greet(s));
         s.peer.inject(u"$DISERVER:CLIENT:short"_qs);
         QVERIFY(s.peer.expectNothing());
         QCOMPARE(s.takeNotifications().last(), u"10 Invalid field count for ServerIdentification command. "
@@ -154,9 +150,7 @@ private slots:
         QVERIFY(s.peer.waitForClose());
         QVERIFY(s.connectObserver()); // the next session asks for its own
         QVERIFY(s.peer.waitForConnection(2));
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.grant(u"t0ken"_qs);
         QVERIFY(s.peer.nextLine().startsWith(u"#AAAB1:SERVER:Li Lei:1001:t0ken:"_qs));
         s.peer.inject(greeting); // and once more when that is answered
@@ -168,9 +162,7 @@ private slots:
         Session s(Protocol::Token);
         s.addSimulator();
         QVERIFY(s.connectPilot());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.refuse(u"banned"_qs);
         QVERIFY(s.peer.waitForClose());
         QVERIFY(s.peer.expectNothing()); // no delete PDU: nobody had logged in
@@ -184,17 +176,13 @@ private slots:
     {
         Session s(Protocol::Token);
         QVERIFY(s.connectObserver());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.manager->disconnectFromNetwork();
         s.takeEvents();
         QVERIFY(s.connectObserver());
         QVERIFY(s.peer.waitForConnection(2));
         s.tokens.grant(u"old"_qs);
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.refuse(u"new"_qs);
         TRY_EVENTS(s, u"disconnected forced"_qs);
         QVERIFY(s.peer.expectNothing());
@@ -204,9 +192,7 @@ private slots:
     {
         Session s(Protocol::Token);
         QVERIFY(s.connectObserver());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         bool answered = false;
         s.manager.reset();
         s.api->getFSDToken([&](bool, const QString &, const QString &) { answered = true; });
@@ -294,8 +280,7 @@ private slots:
         Session s;
         s.addSimulator();
         QVERIFY(s.connectPilot());
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         auto *manager = s.manager.get();
         connect(manager, &NetworkManager::notificationPosted, manager,
                 [&s](const QString &text) { s.sim->calls << u"posted "_qs + text; });
@@ -320,17 +305,11 @@ private slots:
         Session s(Protocol::Token);
         s.config.set(config::authVatsim, false);
         QVERIFY(s.connectObserver());
-        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, observerSlow);
+        EXPECT_LINES(s, u"#AAAB1:SERVER:Li Lei:1001:secret:1:9"_qs, u"$CQAB1:SERVER:IP"_qs, observerSlow);
         s.config.set(config::authVatsim, true);
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.grant(u"t0ken"_qs);
-        EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
-        EXPECT_LINE(s, u"$CQAB1:SERVER:IP"_qs);
-        EXPECT_LINE(s, observerSlow);
+        EXPECT_LINES(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs, u"$CQAB1:SERVER:IP"_qs, observerSlow);
         QVERIFY(s.peer.expectNothing());
     }
 
@@ -356,8 +335,7 @@ private slots:
         Session s;
         s.addSimulator();
         QVERIFY(s.connectPilot());
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         s.peer.inject(u"$CRSERVER:AB1:IP:10.0.0.9"_qs);
         TRY_EVENTS(s, u"connected AB1"_qs);
         s.takeNotifications();
@@ -374,8 +352,7 @@ private slots:
     {
         Session s;
         QVERIFY(s.connectObserver());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(3));
         s.manager->disconnectFromNetwork();
         EXPECT_LINE(s, u"#DAAB1:1001"_qs);
         QVERIFY(s.peer.waitForClose());
@@ -386,8 +363,7 @@ private slots:
         Session s;
         s.config.set(config::sessionUsername, u"1001"_qs);
         QVERIFY(s.connectObserver());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(3));
         s.config.reset(config::authUsername);
         s.config.reset(config::sessionPassword);
         s.manager->disconnectFromNetwork();
@@ -473,8 +449,7 @@ private slots:
         s.peer.inject(u"$ERSERVER:AB1:004:#APAB1:SERVER:1001:secret:1:9:5:Li:Syntax error"_qs);
         s.peer.inject(u"$ERSERVER:AB1:004:#APAB1:secret"_qs);
         s.peer.inject(u"#APAB1:SERVER:1001:secret:1:9:5:Li"_qs);
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         TRY_EVENTS(s, u"connected AB1"_qs);
         QCOMPARE(s.notifications.filter(u"Error"_qs),
                  (QStringList{u"10 Network Error: SERVER"_qs, u"10 Network Error: ******"_qs}));
@@ -493,9 +468,7 @@ private slots:
     {
         Session s(Protocol::Token);
         QVERIFY(s.connectObserver());
-        s.peer.inject(greeting);
-        EXPECT_LINE(s, Session::identification());
-        TRY_COMPARE(s.tokens.waiting(), 1);
+        QVERIFY(greetForAToken(s));
         s.tokens.grant(u"t0ken"_qs);
         EXPECT_LINE(s, u"#AAAB1:SERVER:Li Lei:1001:t0ken:1:100"_qs);
         s.manager->disconnectFromNetwork();

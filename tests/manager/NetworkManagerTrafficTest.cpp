@@ -184,8 +184,7 @@ private slots:
         test::Session s;
         s.addSimulator();
         QVERIFY(s.manager->connectToNetwork(u"CES1A"_qs, QString(), QString(), true));
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(3));
         QSignalSpy slow(s.manager.get(), &NetworkManager::slowPositionUpdateReceived);
         QSignalSpy fast(s.manager.get(), &NetworkManager::fastPositionUpdateReceived);
         QSignalSpy info(s.manager.get(), &NetworkManager::aircraftInfoReceived);
@@ -204,8 +203,7 @@ private slots:
     {
         test::Session s;
         QVERIFY(s.connectObserver());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(3));
         QSignalSpy slow(s.manager.get(), &NetworkManager::slowPositionUpdateReceived);
         s.peer.inject(TrafficSession::slow(ab2));
         s.peer.inject(TrafficSession::fast(ab2));
@@ -229,8 +227,7 @@ private slots:
         test::Session s;
         s.addSimulator();
         QVERIFY(s.manager->connectToNetwork(callsign, u"b738"_qs, QString(), false));
-        for (int i = 0; i < 4; ++i)
-            QVERIFY(!s.peer.nextLine().isNull());
+        QVERIFY(s.peer.skip(4));
         s.peer.inject(u"#SBAB2:%1:PIR"_qs.arg(callsign));
         EXPECT_LINE(s, answer);
         QVERIFY(s.peer.expectNothing());

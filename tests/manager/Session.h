@@ -152,3 +152,5 @@ private:
 
 /// The next line that the server gets.
 #define EXPECT_LINE(session, line) QVERIFY((session).peer.expect(line))
+/// The next ones.
+#define EXPECT_LINES(session, ...) QVERIFY((session).peer.expect(QStringList{__VA_ARGS__}))

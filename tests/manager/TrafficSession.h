@@ -134,8 +134,7 @@ private:
     void finishLogin(Who who)
     {
         const int lines = who == Who::Pilot ? 4 : 3;
-        for (int i = 0; i < lines; ++i)
-            online = online && !peer.nextLine().isNull();
+        online = online && peer.skip(lines);
         peer.inject(QStringLiteral("$CRSERVER:AB1:IP:10.0.0.9"));
         online = online && peer.expectNothing() && takeEvents() == QStringList{QStringLiteral("connected AB1")};
         takeNotifications();

@@ -23,8 +23,7 @@ struct ReportingSession : Session
         aircraft = std::make_unique<UserAircraftManager>(manager);
         addSimulator();
         online = connectObserver();
-        for (int i = 0; i < 3; ++i)
-            online = online && !peer.nextLine().isNull();
+        online = online && peer.skip(3);
     }
 
     void sample(const UserAircraftConfigData &data) const { emit sim->userAircraftConfigDataChanged(data); }

@@ -25,13 +25,19 @@ private:
     const QString m_user = QStringLiteral("1001");
     const QString m_password = QStringLiteral("pra\"ctice\u98de");
 
+    /// True when the answer has been told.
+    bool logIn(ApiFixture &fixture, Told &told) const
+    {
+        fixture.start().login(m_user, m_password, told.callback());
+        return waitFor([&told] { return told.calls == 1; });
+    }
+
 private slots:
     void theRequestCarriesTheAccount()
     {
         ApiFixture fixture;
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QCOMPARE(fixture.peer.requests().size(), 1);
         const HttpPeer::Request &request = fixture.peer.requests().first();
         QCOMPARE(request.method, QByteArray("POST"));
@@ -52,8 +58,7 @@ private slots:
             "POST", sessionsPath,
             {.body = ApiFixture::authBody(QStringLiteral("LOGIN_SUCCESS"), jwt, QStringLiteral("refresh-9"), user)});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY(told.success);
         QCOMPARE(told.message, QStringLiteral("fine"));
         QVERIFY(fixture.service->hasToken());
@@ -73,8 +78,7 @@ private slots:
                              .body = ApiFixture::authBody(QStringLiteral("LOGIN_SUCCESS"), QStringLiteral("jwt"),
                                                           QStringLiteral("refresh"))});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY(told.success);
     }
 
@@ -107,8 +111,7 @@ private slots:
         ApiFixture fixture;
         fixture.peer.answer("POST", sessionsPath, {.status = status, .body = body});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY(!told.success);
         QTEST(told.message, "message");
         QVERIFY(!fixture.service->hasToken());
@@ -120,8 +123,7 @@ private slots:
     {
         ApiFixture fixture;
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QCOMPARE(told.message,
                  QStringLiteral("服务器接口不存在 (404)\n请求地址: %1/users/sessions").arg(fixture.peer.baseUrl()));
     }
@@ -131,8 +133,7 @@ private slots:
         ApiFixture fixture;
         fixture.peer.answer("POST", sessionsPath, {.status = 503});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误 (503): ")), qPrintable(told.message));
         QVERIFY(told.message.size() > QStringLiteral("网络错误 (503): ").size());
     }
@@ -200,8 +201,7 @@ private slots:
         ApiFixture fixture;
         fixture.peer.answer("POST", sessionsPath, {.delivery = HttpPeer::Delivery::CloseWithoutAnswer});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY(!told.success);
         QVERIFY2(told.message.startsWith(QStringLiteral("网络错误 (0): ")), qPrintable(told.message));
     }
@@ -257,8 +257,7 @@ private slots:
         fixture.peer.answer("POST", sessionsPath, {.body = QJsonDocument(reply).toJson()});
         LogCapture log;
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         const QStringList expected{
             QStringLiteral("Login request: %1/users/sessions").arg(fixture.peer.baseUrl()),
             QStringLiteral("Login response status code: 200"),
@@ -279,8 +278,7 @@ private slots:
                                                           QStringLiteral("refresh")),
                              .setCookie = "session=pilot-a; Path=/"});
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         QVERIFY(told.success);
         fixture.service->clearSession();
         fixture.service->login(QStringLiteral("2002"), m_password, told.callback());
@@ -328,8 +326,7 @@ private slots:
     {
         ApiFixture fixture;
         Told told;
-        fixture.start().login(m_user, m_password, told.callback());
-        TRY_COMPARE(told.calls, 1);
+        QVERIFY(logIn(fixture, told));
         TRY_VERIFY(fixture.manager()->findChildren<QNetworkReply *>().isEmpty());
     }
 };

@@ -46,20 +46,7 @@ private slots:
         QVERIFY(database.open(m_path, IcaoDatabase::Mode::Writable));
         QVERIFY(database.isOpen() && database.isWritable());
         QCOMPARE(database.path(), m_path);
-        const SwiftAircraftIcaoRow full{.id = 9,
-                                        .designator = QStringLiteral("B738"),
-                                        .manufacturer = QStringLiteral("Boeing"),
-                                        .model = QStringLiteral("737-800"),
-                                        .type = QStringLiteral("L2J"),
-                                        .engine = QStringLiteral("J"),
-                                        .engineCount = 2,
-                                        .wakeTurbulenceCategory = QStringLiteral("M"),
-                                        .rank = 3,
-                                        .realWorld = true,
-                                        .legacy = true,
-                                        .military = true,
-                                        .created = QStringLiteral("2020"),
-                                        .lastUpdated = QStringLiteral("2021")};
+        const SwiftAircraftIcaoRow full = fullIcaoRow(9, true);
         QVERIFY(
             database.replaceAll(importOf({full, icaoRow(1, QStringLiteral("A20N")), icaoRow(2, QStringLiteral(" "))})));
         const std::optional<IcaoSnapshot> snapshot = database.load();

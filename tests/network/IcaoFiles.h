@@ -21,6 +21,25 @@ inline network::SwiftAircraftIcaoRow icaoRow(qint64 id, const QString &designato
     return row;
 }
 
+/// A row with something in every field.
+inline network::SwiftAircraftIcaoRow fullIcaoRow(qint64 id, bool legacy)
+{
+    return {.id = id,
+            .designator = QStringLiteral("B738"),
+            .manufacturer = QStringLiteral("Boeing"),
+            .model = QStringLiteral("737-800"),
+            .type = QStringLiteral("L2J"),
+            .engine = QStringLiteral("J"),
+            .engineCount = 2,
+            .wakeTurbulenceCategory = QStringLiteral("M"),
+            .rank = 3,
+            .realWorld = true,
+            .legacy = legacy,
+            .military = true,
+            .created = QStringLiteral("2020"),
+            .lastUpdated = QStringLiteral("2021")};
+}
+
 /// Writes a database of these designators, with `label` as its snapshot. No designators: tables without rows.
 inline bool writeIcaoDatabase(const QString &path, const QStringList &designators, const QString &label = {})
 {

@@ -180,22 +180,8 @@ private slots:
              "created":"2020","lastupdated":"2021"}, 5, null, {"id":"8","designator":"DC3","enginecount":"2",
              "realworld":"Y","legacy":"N","military":1,"rank":4294967296}]})");
         QCOMPARE(read.label, QStringLiteral("2024-01-01"));
-        const SwiftAircraftIcaoRow expected{.id = 7,
-                                            .designator = QStringLiteral("B738"),
-                                            .manufacturer = QStringLiteral("Boeing"),
-                                            .model = QStringLiteral("737-800"),
-                                            .type = QStringLiteral("L2J"),
-                                            .engine = QStringLiteral("J"),
-                                            .engineCount = 2,
-                                            .wakeTurbulenceCategory = QStringLiteral("M"),
-                                            .rank = 3,
-                                            .realWorld = true,
-                                            .legacy = false,
-                                            .military = true,
-                                            .created = QStringLiteral("2020"),
-                                            .lastUpdated = QStringLiteral("2021")};
         QCOMPARE(read.rows.size(), 2);
-        QCOMPARE(read.rows.at(0), expected);
+        QCOMPARE(read.rows.at(0), fullIcaoRow(7, false));
         QCOMPARE(read.rows.at(1).id, 8);
         QCOMPARE(read.rows.at(1).engineCount, 2);
         QVERIFY(read.rows.at(1).realWorld);

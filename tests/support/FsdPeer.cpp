@@ -4,7 +4,9 @@
 #include <QDebug>
 #include <QEventLoop>
 #include <QTcpSocket>
+
 #include <QTimer>
+#include <algorithm>
 
 namespace tarvo::test {
 
@@ -111,6 +113,18 @@ bool FsdPeer::expect(const QString &line)
         return true;
     qWarning().noquote() << "expected line:" << line << "\n  received line:" << (got.isNull() ? u"none"_qs : got);
     return false;
+}
+
+bool FsdPeer::expect(const QStringList &lines)
+{
+    return std::all_of(lines.begin(), lines.end(), [this](const QString &line) { return expect(line); });
+}
+
+bool FsdPeer::skip(int lines)
+{
+    while (lines > 0 && !nextLine().isNull())
+        --lines;
+    return lines == 0;
 }
 
 bool FsdPeer::expectNothing()

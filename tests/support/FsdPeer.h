@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QQueue>
 #include <QString>
+#include <QStringList>
 #include <QTcpServer>
 
 #include <functional>
@@ -47,8 +48,12 @@ public:
     void injectBytes(const QByteArray &bytes);
     /// The next line that the client sent, without its line end; null when none comes.
     QString nextLine();
+    /// True when the client sends so many further lines, whatever they say.
+    bool skip(int lines);
     /// True when the next line that the client sends is `line`.
     bool expect(const QString &line);
+    /// True when the next lines are these.
+    bool expect(const QStringList &lines);
     /// True when the client has sent no further line. A challenge, which every client answers, makes sure that all that
     /// was injected before has had its effect; a closed connection is only drained.
     bool expectNothing();
