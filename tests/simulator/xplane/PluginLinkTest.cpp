@@ -25,6 +25,7 @@ using tarvo::test::addedMessage;
 using tarvo::test::packPluginMessage;
 using tarvo::test::PluginBench;
 using tarvo::test::PluginPeer;
+using tarvo::test::RunningBench;
 using Kind = OutgoingMessage::Kind;
 
 namespace {
@@ -190,9 +191,7 @@ private slots:
     {
         QFETCH(int, size);
         QFETCH(int, sent);
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         bench.link->send(QByteArray(size, 'x'));
         TRY_COMPARE(bench.plugin->messages(), QList<QByteArray>{QByteArray(sent, 'x')});
     }
@@ -300,9 +299,7 @@ private slots:
     {
         for (int total = 1; total <= 4; ++total)
             expectDropLine(total);
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
         TRY_VERIFY(bench.plugin->hasClient());
         bench.plugin->sendRaw(QByteArray());
@@ -322,9 +319,7 @@ private slots:
         expectDropLine(40);
         expectDropLine(80);
         QTest::failOnWarning(QRegularExpression(QStringLiteral("dropped"))); // any other one
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
         TRY_VERIFY(bench.plugin->hasClient());
         for (int i = 0; i < 100; ++i)
@@ -335,9 +330,7 @@ private slots:
 
     void floodArrivesWholeAndInOrder()
     {
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         QStringList callsigns;
         connect(bench.link.get(), &PluginLink::reportReceived, this,
                 [&](const PluginReport &one) { callsigns.append(std::get<report::Added>(one).callsign); });
@@ -354,9 +347,7 @@ private slots:
     void otherEventsGetTheirTurnInAFlood()
     {
         const DropCounter drops;
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         int batches = 0;
         const auto sendBatch = [&](int size) {
             for (int i = 0; i < size; ++i)
@@ -388,9 +379,7 @@ private slots:
     void whatTheInboxCantHoldIsDropped()
     {
         const DropCounter drops;
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         QSignalSpy reports(bench.link.get(), &PluginLink::reportReceived);
         TRY_VERIFY(bench.plugin->hasClient());
         const QByteArray large = packPluginMessage(QStringLiteral("ADDED"), {QString(60'000, u'x')});
@@ -408,9 +397,7 @@ private slots:
         const auto addedOfLength = [](int length) {
             return packPluginMessage(QStringLiteral("ADDED"), {QString(length, u'x')});
         };
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         QList<qsizetype> lengths;
         connect(bench.link.get(), &PluginLink::reportReceived, this,
                 [&](const PluginReport &one) { lengths.append(std::get<report::Added>(one).callsign.size()); });
@@ -456,9 +443,7 @@ private slots:
     void mayBeDestroyedInAFlood()
     {
         for (int i = 0; i < 20; ++i) {
-            PluginBench bench;
-            bench.startPlugin();
-            bench.open();
+            RunningBench bench;
             int seen = 0;
             connect(bench.link.get(), &PluginLink::reportReceived, this, [&seen] { ++seen; });
             TRY_VERIFY(bench.plugin->hasClient());
@@ -472,9 +457,7 @@ private slots:
 
     void mayBeDestroyedByAReceiver()
     {
-        PluginBench bench;
-        bench.startPlugin();
-        bench.open();
+        RunningBench bench;
         int seen = 0;
         connect(bench.link.get(), &PluginLink::reportReceived, this, [&] {
             ++seen;

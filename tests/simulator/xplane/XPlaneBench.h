@@ -154,6 +154,16 @@ struct PluginBench : PluginAddressDir
     std::unique_ptr<simulator::xplane::PluginLink> link = std::make_unique<simulator::xplane::PluginLink>();
 };
 
+/// Both are there, and on the way to each other.
+struct RunningBench : PluginBench
+{
+    RunningBench()
+    {
+        startPlugin();
+        open();
+    }
+};
+
 /// With a plugin and an adapter that has not dialled yet; all spies are set.
 struct AdapterBench : XPlaneBench
 {
