@@ -81,6 +81,7 @@ private slots:
         QVERIFY(!field("hiddenNews"));
         model().addRadioReceived(radioText(u"ZSPD_TWR"_qs, u"contact ground"_qs));
         m_harness->settle();
+        QVERIFY(field("hiddenNews"));
         QCOMPARE(field("hiddenNews")->property("text").toString(), u"另有 1 条新消息"_qs);
         QCOMPARE(m_harness->textsOutOfBounds(), QStringList());
         m_harness->grab(u"messages-search-news"_qs);
