@@ -36,7 +36,7 @@ QByteArray glRenderer()
     QOpenGLContext context;
     if (!context.create() || !context.makeCurrent(&surface))
         return {};
-    const QByteArray name = reinterpret_cast<const char *>(context.functions()->glGetString(GL_RENDERER));
+    QByteArray name = reinterpret_cast<const char *>(context.functions()->glGetString(GL_RENDERER));
     context.doneCurrent();
     return name;
 }
