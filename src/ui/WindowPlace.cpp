@@ -56,11 +56,12 @@ private:
     void keep(QWidget &window)
     {
         const QSize frame = window.frameGeometry().size() - window.geometry().size();
-        if (!window.isVisible() ||
-            window.windowState() & (Qt::WindowMaximized | Qt::WindowMinimized | Qt::WindowFullScreen) || frame.isNull())
+        if (!window.isVisible() || frame.isNull())
             return;
         window.removeEventFilter(this);
         deleteLater();
+        if (window.windowState() != Qt::WindowNoState && window.windowState() != Qt::WindowActive)
+            return; // while a window stops being maximised, its size is still the screen's
         const QRect seen = clampedToScreens(window.frameGeometry(), usableScreens());
         window.resize(seen.size() - frame);
         window.move(seen.topLeft());
