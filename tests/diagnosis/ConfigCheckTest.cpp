@@ -64,9 +64,14 @@ private slots:
         QVERIFY2(finding.advice.contains(advice), qPrintable(finding.advice));
     }
 
-    void aFileThatLostAllNamesAFew()
+    void aFileThatLostManyNamesAFew()
     {
         StoredSettings settings = m_fresh;
+        const QStringList names = settings.values.keys();
+        for (const QString &name : names.first(5))
+            settings.values.remove(name);
+        const QString all = judgeSettings(settings, configSecret()).detail;
+        QVERIFY2(all.count(u'、') == 4 && !all.contains(u'等'), qPrintable(all));
         settings.values.clear();
         const Finding finding = judgeSettings(settings, configSecret());
         QVERIFY2(finding.detail.contains(u"等 %1 项"_qs.arg(config::storedKeys.size())), qPrintable(finding.detail));
