@@ -14,7 +14,6 @@ namespace tarvo::practice {
 namespace {
 constexpr qsizetype readBufferBytes = 64 * 1024;
 constexpr qsizetype bytesThatCostALine = 1024; // so that endless bytes without a line end count, too
-constexpr int finishWithinMs = 2000;
 const QLatin1StringView lineEnd("\r\n");
 
 bool hasControlCharacter(const QByteArray &line)
@@ -142,7 +141,7 @@ void FsdSession::finish()
         return;
     m_ending = true;
     m_socket->disconnectFromHost();
-    QTimer::singleShot(finishWithinMs, m_socket, &QTcpSocket::abort); // for a peer that never reads
+    QTimer::singleShot(m_settings.finishWithinMs, m_socket, &QTcpSocket::abort);
 }
 
 void FsdSession::cutOff(const QString &reason)

@@ -16,6 +16,7 @@ struct FsdSettings
     int maxClients = 64;
     int maxLineBytes = 4096;      ///< a longer line is dropped
     int maxQueuedBytes = 1 << 20; ///< a client that lets more pile up is cut off
+    int finishWithinMs = 2000;    ///< for a client that is sent away and doesn't read its last lines
     int maxLinesPerSecond = 500;  ///< a client that sends more is cut off; bursts of twice as many are let through
     int maxBadLines = 50;         ///< so many malformed lines end a session
     QString greeting = QStringLiteral("Welcome to the practice network."); ///< empty: none

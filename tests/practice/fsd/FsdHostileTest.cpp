@@ -102,10 +102,31 @@ private slots:
         TRY_COMPARE(fsd().connectionCount(), 1);
     }
 
+    void whatComesBehindAGoodbyeIsNotHeard()
+    {
+        FsdLineClient peer(fsd());
+        peer.logIn("BAD1");
+        const QSignalSpy heard(&fsd(), &FsdServer::lineReceived);
+        peer.send("#DPBAD1:1001\r\n$PIBAD1:SERVER:late");
+        TRY_VERIFY(peer.closed());
+        QCOMPARE(heard.last().at(1).toString(), u"#DPBAD1:1001"_qs);
+    }
+
+    void aClientThatNeverReadsIsCutOff_data()
+    {
+        QTest::addColumn<int>("maxQueuedBytes");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("too much piles up") << 64 * 1024 << u"doesn't read what is sent"_qs;
+        QTest::newRow("sent away") << 64 * 1024 * 1024 << QString();
+    }
+
     void aClientThatNeverReadsIsCutOff()
     {
+        QFETCH(int, maxQueuedBytes);
+        QFETCH(QString, reason);
         PracticeSettings settings = quietSettings();
-        settings.fsd.maxQueuedBytes = 64 * 1024;
+        settings.fsd.maxQueuedBytes = maxQueuedBytes;
+        settings.fsd.finishWithinMs = 0;
         start(settings);
         FsdLineClient deaf(fsd());
         deaf.logIn("BAD1");
@@ -114,10 +135,12 @@ private slots:
         deaf.socket.setReadBufferSize(1);
         const QString text(3000, QLatin1Char('x'));
         // The system's own buffers take some megabytes before the queue grows.
-        for (int i = 0; i < 20'000 && fsd().sendText(QStringLiteral("BAD1"), text); ++i)
+        for (int i = 0; i < 6'000 && fsd().sendText(QStringLiteral("BAD1"), text); ++i)
             QCoreApplication::processEvents();
-        TRY_COMPARE(refused.size(), 1);
-        QCOMPARE(refused.at(0).at(1).toString(), QStringLiteral("doesn't read what is sent"));
+        if (reason.isEmpty())
+            QVERIFY(fsd().kill(u"BAD1"_qs, {}));
+        else
+            TRY_COMPARE(refused.value(0).value(1).toString(), reason);
         TRY_COMPARE(fsd().connectionCount(), 1);
     }
 
