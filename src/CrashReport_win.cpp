@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -14,6 +15,8 @@ namespace {
 std::array<wchar_t, 1024> crashFolder{};
 HANDLE file = INVALID_HANDLE_VALUE;
 LPTOP_LEVEL_EXCEPTION_FILTER filterOfTheRuntime = nullptr;
+std::atomic<DWORD> reporter{0};      ///< the thread that crashed first
+constexpr DWORD longEnoughMs = 5000; ///< for a report, should its writer wait for what the waiting thread holds
 
 /// A thread whose stack has overflown, until another one has written the report.
 struct Overflow
@@ -97,7 +100,13 @@ void writeCalls(CONTEXT context)
 
 void report(const BoundedText &what, const CONTEXT &context, DWORD threadId)
 {
-    if (!isFirstReport() || !openFile())
+    if (!isFirstReport()) {
+        if (threadId != reporter)
+            Sleep(longEnoughMs); // this thread's end would be the program's, and cut the report short
+        return;
+    }
+    reporter = threadId;
+    if (!openFile())
         return;
     BoundedText thread;
     thread << std::uint64_t{threadId};
@@ -125,7 +134,6 @@ DWORD WINAPI reportOverflow(void *)
 /// Before all other handlers: what is left of the stack may not last for the search of those.
 LONG WINAPI onOverflow(EXCEPTION_POINTERS *exception)
 {
-    constexpr DWORD longEnoughMs = 5000; // should the other thread wait for what this one holds
     if (exception->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW) {
         overflow.exception = exception;
         overflow.thread = GetCurrentThreadId();
