@@ -155,8 +155,8 @@ private slots:
         m_harness->sounds().showSign(QUrl(u"qrc:/resources/sounds/manager.mp3"_qs));
         m_harness->messages().addPrivateReceived(u"CCA1"_qs, u"where are you?"_qs);
         m_harness->status().simulatorFailed(u"没有应答"_qs);
-        m_harness->status().setSimulator(true, u"已连接"_qs);
-        m_harness->status().setSimulator(false, u"未连接"_qs);
+        m_harness->status().setSimulator(true, LinkState::Connected);
+        m_harness->status().setSimulator(false, LinkState::Absent);
         m_harness->status().simulatorFailed(u"没有应答"_qs);
         TRY_VERIFY(item(u"compactTrouble"_qs));
         m_harness->compact().setDraft(u"在北京"_qs);

@@ -9,6 +9,7 @@
 #include <memory>
 
 using tarvo::test::PageHarness;
+using tarvo::ui::LinkState;
 
 /// How often the pages are painted: each frame of a page costs more than all that the session does meanwhile.
 class PageFramesTest : public QObject
@@ -105,8 +106,8 @@ private:
         m_harness->fillSimulator(u"XPLANE"_qs);
         m_harness->fillTraffic(8);
         m_harness->simulator().setPluginValid(true);
-        m_harness->status().setNetwork(true, u"已连接"_qs);
-        m_harness->server().setServerState(true, u"已连接"_qs);
+        m_harness->status().setNetwork(true, LinkState::Connected);
+        m_harness->server().setServerState(true, LinkState::Connected);
     }
 
     int m_flashTime = 0;

@@ -105,8 +105,8 @@ private slots:
         QTest::mouseDClick(&m_harness->view, Qt::LeftButton, {},
                            figure->mapToScene({figure->width() - 30, figure->height() / 2}).toPoint());
         const QString part = figure->property("selectedText").toString();
-        QCOMPARE(part, u"243"_qs);                      // a word of it
-        model().setSimulatorState(false, u"未连接"_qs); // "--" now
+        QCOMPARE(part, u"243"_qs);                           // a word of it
+        model().setSimulatorState(false, LinkState::Absent); // "--" now
         QCOMPARE(figure->property("selectedText").toString(), part);
         QTest::keySequence(&m_harness->view, QKeySequence::Copy);
         QCOMPARE(QGuiApplication::clipboard()->text(), part);
