@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -100,17 +99,6 @@ private slots:
         QVERIFY(copy.open(QIODevice::ReadOnly));
         QCOMPARE(copy.readAll(), QByteArray("[Auth]\nUsername=me\n"));
         QVERIFY(!(copy.permissions() & (QFile::ReadGroup | QFile::ReadOther)));
-    }
-
-    void theUsersOwnFolderIsTheOneForLocalData()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        QDir own(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
-        QVERIFY(own.mkpath(u"."_qs) && QFile(own.filePath(u"config.ini"_qs)).open(QIODevice::WriteOnly));
-        const QString root = dataFolders().root;
-        own.removeRecursively();
-        QStandardPaths::setTestModeEnabled(false);
-        QCOMPARE(root, own.path());
     }
 
     void whatCameWithTheProgramIsBesideItOrInstalled()

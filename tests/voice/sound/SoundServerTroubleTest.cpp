@@ -248,7 +248,7 @@ private slots:
         stage.sound.reset();
         const qint64 wholeMs = time.elapsed();
         QVERIFY2(wholeMs < 3000, qPrintable(QString::number(wholeMs)));
-        QVERIFY(log.contains(QStringLiteral("Thread \"sound\" is left behind")));
+        QVERIFY(!log.contains(QStringLiteral("Thread \"sound\" is left behind"))); // nothing that it did waits
         stage.server.thaw();
     }
 };
