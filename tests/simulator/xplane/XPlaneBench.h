@@ -193,10 +193,15 @@ struct AdapterBench : XPlaneBench
     /// Dials and begins an attempt; true when the plugin and the simulator have seen it.
     bool begin()
     {
+        using simulator::xplane::PluginLink;
+        // The plugin may read its messages before the link has heard of it, which begins an attempt when none goes on.
+        const QSignalSpy connected(adapter->findChild<PluginLink *>(), &PluginLink::pluginConnected);
         dial();
         adapter->reconnectSimulator();
-        return waitFor(
-            [this] { return plugin->count(QStringLiteral("VER")) == 1 && simulator.subscriptions().size() == 53; });
+        return waitFor([&] {
+            return plugin->count(QStringLiteral("VER")) == 1 && simulator.subscriptions().size() == 53 &&
+                   !connected.isEmpty();
+        });
     }
 
     bool answerVersion(int number = 65536)
