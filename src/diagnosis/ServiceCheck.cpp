@@ -92,7 +92,7 @@ ServiceFacts tryHttp(const QUrl &url, const QString &place, milliseconds limit)
     QTimer::singleShot(limit, &loop, &QEventLoop::quit);
     if (!reply->isFinished())
         loop.exec();
-    const ServiceFacts facts = factsOf(*reply, place);
+    ServiceFacts facts = factsOf(*reply, place);
     reply->abort();
     return facts;
 }

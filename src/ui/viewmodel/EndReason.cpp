@@ -100,7 +100,7 @@ QString inPilotsWords(const QString &told, int levels)
         const QLatin1String begins(reason.begins);
         if (!told.startsWith(begins))
             continue;
-        const QString text = ReasonTexts::tr(reason.shown);
+        QString text = ReasonTexts::tr(reason.shown);
         if (!text.contains(QLatin1String("%1")))
             return text;
         const QString rest = told.mid(begins.size());
