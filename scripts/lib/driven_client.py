@@ -116,8 +116,8 @@ def virtual_display():
     os.environ.pop('WAYLAND_DISPLAY', None)
     with tempfile.TemporaryDirectory() as folder:
         ready = pathlib.Path(folder, 'ready')
-        manager = subprocess.Popen(['openbox', '--startup', f'touch {ready}'], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
+        manager = subprocess.Popen(['openbox', '--config-file', still_windows(folder), '--startup', f'touch {ready}'],
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
             wait_until('window manager', ready.exists)  # a window shown while it takes over is never mapped
             yield
@@ -125,6 +125,17 @@ def virtual_display():
             for process in (manager, server):
                 process.terminate()
                 process.wait()
+
+
+def still_windows(folder):
+    """Openbox's own settings, but a window that is back from its icon is at its place at once, not on the way to it."""
+    moving, still = '<animateIconify>yes<', '<animateIconify>no<'
+    settings = pathlib.Path('/etc/xdg/openbox/rc.xml').read_text()
+    if moving not in settings:
+        raise Failure('Openbox has other settings than expected')
+    file = pathlib.Path(folder, 'openbox.xml')
+    file.write_text(settings.replace(moving, still))
+    return file
 
 
 def xdotool(*words):
