@@ -50,7 +50,7 @@ std::vector<double> clickTimes(test::SoundRecorder &recorder)
     for (std::size_t i = 0; i < samples.size(); ++i) {
         if (std::abs(samples[i]) < 0.1F)
             continue;
-        times.push_back(recorder.startTime() + static_cast<double>(i) / test::soundRate);
+        times.push_back(recorder.timeOf(i));
         i += test::soundRate / 2;
     }
     return times;

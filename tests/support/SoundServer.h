@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <limits>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -70,14 +70,15 @@ public:
 
     /// All that was heard until now.
     const std::vector<float> &samples();
-    /// When the first of them sounded, in seconds of the steady clock; the better, the more often samples() was called.
-    double startTime() const { return m_startTime; }
+    /// When one of them sounded, in seconds of the steady clock; the better, the more often samples() was called. Holds
+    /// some seconds after a gap too, such as when the machine stood still and the sound server threw away what waited.
+    double timeOf(std::size_t sample) const;
 
 private:
     QProcess m_process;
-    double m_startTime = std::numeric_limits<double>::max();
     QByteArray m_rest; ///< less than a sample
     std::vector<float> m_samples;
+    std::vector<double> m_starts; ///< when the first would have sounded, as seen in each second
 };
 
 } // namespace tarvo::test

@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace tarvo::test {
@@ -201,9 +203,21 @@ const std::vector<float> &SoundRecorder::samples()
         std::memcpy(m_samples.data() + before, m_rest.constData(), whole * sizeof(float));
     m_rest.remove(0, static_cast<qsizetype>(whole * sizeof(float)));
     const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
-    if (whole > 0)
-        m_startTime = std::min(m_startTime, now.count() - static_cast<double>(m_samples.size()) / soundRate);
+    if (whole == 0)
+        return m_samples;
+    m_starts.resize(m_samples.size() / soundRate + 1, std::numeric_limits<double>::max());
+    m_starts.back() = std::min(m_starts.back(), now.count() - static_cast<double>(m_samples.size()) / soundRate);
     return m_samples;
+}
+
+double SoundRecorder::timeOf(std::size_t sample) const
+{
+    constexpr std::ptrdiff_t around = 2; // seconds; what is read late makes the start look later, never earlier
+    const auto second = static_cast<std::ptrdiff_t>(sample / soundRate);
+    const auto last = static_cast<std::ptrdiff_t>(m_starts.size());
+    const auto begin = m_starts.begin() + std::clamp<std::ptrdiff_t>(second - around, 0, last - 1);
+    const auto end = m_starts.begin() + std::clamp<std::ptrdiff_t>(second + around, 1, last);
+    return *std::min_element(begin, end) + static_cast<double>(sample) / soundRate;
 }
 
 } // namespace tarvo::test
