@@ -3,7 +3,6 @@
 #include "manager/NetworkManager.h"
 #include "ui/viewmodel/VoiceServiceViewModel.h"
 #include "voice/client/VoiceClient.h"
-#include "voice/engine/AudioDevice.h"
 #include "voice/engine/AudioHandler.h"
 
 #include <utility>
@@ -26,18 +25,7 @@ VoiceFeed::VoiceFeed(std::shared_ptr<NetworkManager> network, AudioDevice &devic
 
 void VoiceFeed::giveDevices(AudioHandler *audio)
 {
-    connect(&m_devices, &AudioDevice::inputDeviceChanged, audio, &AudioHandler::setInputDevice);
-    connect(&m_devices, &AudioDevice::outputHeadphoneDeviceChanged, audio, &AudioHandler::setHeadphoneDevice);
-    connect(&m_devices, &AudioDevice::outputSpeakerDeviceChanged, audio, &AudioHandler::setSpeakerDevice);
-    connect(audio, &AudioHandler::devicesChanged, &m_devices, &AudioDevice::reload);
-    if (m_devices.isLoaded()) {
-        m_devices.announceChosen();
-    } else {
-        // The first sound must not come from a device that the pilot has not chosen.
-        audio->waitForDevices();
-        connect(&m_devices, &AudioDevice::loaded, audio, &AudioHandler::stopWaitingForDevices);
-        m_devices.load();
-    }
+    audio->follow(m_devices);
     audio->reloadConfig();
 }
 

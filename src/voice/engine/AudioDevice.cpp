@@ -142,6 +142,7 @@ void AudioDevice::announceChosen()
     const auto idOf = [](const Direction &direction, int ofDefault) {
         return direction.index > 0 ? direction.deviceId() : ofDefault;
     };
+    emit missed(m_input.isMissed() || m_headphone.isMissed() || m_speaker.isMissed());
     emit inputDeviceChanged(idOf(m_input, driver.defaultInputDevice));
     emit outputHeadphoneDeviceChanged(idOf(m_headphone, driver.defaultOutputDevice));
     emit outputSpeakerDeviceChanged(idOf(m_speaker, driver.defaultOutputDevice));

@@ -73,7 +73,7 @@ public:
     QStringList headphoneNames() const { return m_headphone.names(); }
     QStringList speakerNames() const { return m_speaker.names(); }
 
-    /// Raises the last three signals for what is chosen now.
+    /// Raises the last four signals for what is chosen now.
     void announceChosen();
 
     /// What PortAudio offers has been read. The sound thread's word, and a test's.
@@ -82,6 +82,8 @@ public:
 signals:
     void deviceListChanged();
     void deviceChanged();
+    /// Whether the pilot has chosen one that isn't there, and has the default instead.
+    void missed(bool isAny);
     // PortAudio's index, the driver's default for list index 0; negative when that has none.
     void inputDeviceChanged(int deviceIndex);
     void outputHeadphoneDeviceChanged(int deviceIndex);
@@ -102,6 +104,7 @@ private:
 
         int deviceId() const;
         QStringList names() const;
+        bool isMissed() const { return name != wanted; }
         void choose(int listIndex);
         void chooseWanted();
     };

@@ -1,6 +1,7 @@
 #include "voice/engine/AudioHandler.h"
 
 #include "AppConfig.h"
+#include "voice/engine/AudioDevice.h"
 #include "voice/engine/Tones.h"
 
 #include <algorithm>
@@ -80,6 +81,23 @@ AudioHandler::AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound
     connect(&m_conflictTimer, &QTimer::timeout, this,
             [this] { output(m_conflictPlayDevice).playTone(m_conflictTone, m_conflictVolume); });
     reloadConfig();
+}
+
+void AudioHandler::follow(AudioDevice &chosen)
+{
+    connect(&chosen, &AudioDevice::missed, this, [this](bool isAny) { m_devices.setMissed(isAny); });
+    connect(&chosen, &AudioDevice::inputDeviceChanged, this, &AudioHandler::setInputDevice);
+    connect(&chosen, &AudioDevice::outputHeadphoneDeviceChanged, this, &AudioHandler::setHeadphoneDevice);
+    connect(&chosen, &AudioDevice::outputSpeakerDeviceChanged, this, &AudioHandler::setSpeakerDevice);
+    connect(this, &AudioHandler::devicesChanged, &chosen, &AudioDevice::reload);
+    if (chosen.isLoaded()) {
+        chosen.announceChosen();
+        return;
+    }
+    // The first sound must not come from a device that the pilot has not chosen.
+    waitForDevices();
+    connect(&chosen, &AudioDevice::loaded, this, &AudioHandler::stopWaitingForDevices);
+    chosen.load();
 }
 
 void AudioHandler::reloadConfig()

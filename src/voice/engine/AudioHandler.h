@@ -23,6 +23,7 @@ class AppConfig;
 
 namespace tarvo::voice {
 
+class AudioDevice;
 class SoundThread;
 
 /// The audio engine: the microphone, two outputs, and what goes where. Follows the voice settings live. Everything
@@ -36,7 +37,9 @@ public:
     AudioHandler(AppConfig &config, std::shared_ptr<SoundThread> sound, QObject *parent = nullptr,
                  SoundAccess access = portAudio());
 
-    /// The pilot's devices are not known yet: what opens a stream waits for them.
+    /// Uses those that the pilot has chosen; what opens a stream waits until they are known.
+    void follow(AudioDevice &chosen);
+    /// The pilot's devices are not known yet.
     void waitForDevices() { m_devices.wait(); }
     void stopWaitingForDevices() { m_devices.stopWaiting(); }
 

@@ -124,7 +124,7 @@ bool DeviceStreams::anyRuns() const
 /// A search takes its time, and would end what runs.
 bool DeviceStreams::hasReasonToSearch(Opening opening) const
 {
-    return !anyRuns() && (opening == Opening::Again || m_incomplete > 0 || !m_missed.isEmpty());
+    return !anyRuns() && (opening == Opening::Searched || m_incomplete > 0 || !m_missed.isEmpty());
 }
 
 QList<QByteArray> DeviceStreams::wantedDevices(const Wishes &wishes) const

@@ -40,8 +40,8 @@ struct StreamsReport
 enum class Opening
 {
     None,
-    Wanted, ///< they are opened
-    Again,  ///< the same; if none runs PortAudio searches for devices before that
+    Wanted,   ///< they are opened
+    Searched, ///< the same; if none runs PortAudio searches for devices before that
 };
 
 /// The sound system as the streams see it. All is called on the SoundThread.

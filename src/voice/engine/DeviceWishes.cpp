@@ -83,7 +83,7 @@ void DeviceWishes::change()
 {
     m_retries.reset();
     ++m_round.change;
-    m_round.opening = Opening::Wanted;
+    m_round.opening = m_isAnyMissed ? Opening::Searched : Opening::Wanted;
     m_next.start(0);
 }
 
@@ -138,7 +138,7 @@ void DeviceWishes::goOn(const StreamsReport &report, Opening opening)
     if (isWell && opening == Opening::None)
         m_retries.reset(); // since the last look
     const std::optional<std::chrono::milliseconds> retry = isWell ? std::nullopt : m_retries.next(report.anyRuns);
-    m_round.opening = retry ? Opening::Again : Opening::None;
+    m_round.opening = retry ? Opening::Searched : Opening::None;
     if (retry || report.anyRuns)
         m_next.start(retry.value_or(watchInterval));
 }

@@ -44,6 +44,8 @@ public:
     void wait() { m_isWaiting = true; }
     void stopWaiting();
 
+    /// The pilot has chosen one that isn't there: it is searched for at each start.
+    void setMissed(bool isAny) { m_isAnyMissed = isAny; }
     /// PortAudio's index; negative: the default device.
     void setDevice(StreamRole role, int device);
     /// `whenTried` is called on this object's thread when that has been tried, with devices that are there.
@@ -85,6 +87,7 @@ private:
     const std::shared_ptr<DeviceStreams> m_streams; ///< the sound thread's
     Round m_round;                                  ///< the next
     bool m_isWaiting = false;
+    bool m_isAnyMissed = false;
     bool m_isWorking = false; ///< the sound thread does, or will
     bool m_isBehind = false;  ///< there has been a reason to work since
     QTimer m_next{this};

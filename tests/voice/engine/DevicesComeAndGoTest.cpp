@@ -13,15 +13,16 @@ namespace {
 /// The same with a pilot, who has chosen one device for all.
 struct ChoosingStage : test::WishStage
 {
-    explicit ChoosingStage(const QList<QByteArray> &names)
+    explicit ChoosingStage(const QList<QByteArray> &names, const QString &stored = QStringLiteral("Default"))
     {
+        for (const StringKey &key :
+             {config::voiceInputDevice, config::voiceOutputHeadphoneDevice, config::voiceOutputSpeakerDevice})
+            config.set(key, stored);
         system.plug(names);
-        QObject::connect(&devices, &AudioDevice::inputDeviceChanged, &*audio, &AudioHandler::setInputDevice);
-        QObject::connect(&devices, &AudioDevice::outputHeadphoneDeviceChanged, &*audio,
-                         &AudioHandler::setHeadphoneDevice);
-        QObject::connect(&devices, &AudioDevice::outputSpeakerDeviceChanged, &*audio, &AudioHandler::setSpeakerDevice);
-        QObject::connect(&*audio, &AudioHandler::devicesChanged, &devices, [this] { read(); });
         read();
+        audio->follow(devices);
+        QObject::disconnect(&*audio, &AudioHandler::devicesChanged, &devices, nullptr); // would ask PortAudio
+        QObject::connect(&*audio, &AudioHandler::devicesChanged, &devices, [this] { read(); });
     }
 
     /// The last is the driver's default.
@@ -134,6 +135,48 @@ private slots:
         stage.audio->startAll();
         stage.settle();
         QCOMPARE(stage.system.takeSearches(), 0); // all is there
+    }
+
+    void theDefaultIsTakenAgainAtTheNextStart()
+    {
+        ChoosingStage stage({"hardware", "server"});
+        stage.audio->startAll();
+        stage.settle();
+        QCOMPARE(stage.used(), QByteArray("server"));
+        stage.system.plug({"hardware"});
+        stage.endAll();
+        for (int i = 0; i < 3; ++i)
+            stage.pass();
+        QCOMPARE(stage.used(), QByteArray("hardware"));
+        stage.system.plug({"hardware", "server"});
+        stage.audio->stopAll();
+        stage.settle();
+        stage.audio->startAll();
+        stage.settle();
+        QCOMPARE(stage.used(), QByteArray("server"));
+    }
+
+    void aDeviceThatIsMissingAtFirstIsFoundAtTheNextStart()
+    {
+        ChoosingStage stage({"hardware"}, QStringLiteral("server"));
+        stage.audio->startAll();
+        stage.settle();
+        QCOMPARE(stage.used(), QByteArray("hardware"));
+        stage.audio->stopAll();
+        stage.settle();
+        stage.system.plug({"server", "hardware"});
+        stage.system.takeSearches();
+        stage.audio->startAll();
+        stage.settle();
+        QCOMPARE(stage.used(), QByteArray("server"));
+        QCOMPARE(stage.devices.headphoneName(), QStringLiteral("server"));
+        QCOMPARE(stage.config.get(config::voiceOutputHeadphoneDevice), QStringLiteral("server"));
+        QCOMPARE(stage.takeEvents(), Told());
+        QCOMPARE(stage.system.takeSearches(), 1);
+        stage.audio->stopAll();
+        stage.audio->startAll();
+        stage.settle();
+        QCOMPARE(stage.system.takeSearches(), 0);
     }
 
     void aDeviceOfAnotherIndexIsFoundByItsName()

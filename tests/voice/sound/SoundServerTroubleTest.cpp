@@ -58,12 +58,7 @@ private slots:
         std::vector<DeviceEvent> events;
         QObject::connect(&audio, &AudioHandler::deviceEvent, &audio,
                          [&](DeviceEvent event) { events.push_back(event); });
-        QObject::connect(&devices, &AudioDevice::inputDeviceChanged, &audio, &AudioHandler::setInputDevice);
-        QObject::connect(&devices, &AudioDevice::outputHeadphoneDeviceChanged, &audio,
-                         &AudioHandler::setHeadphoneDevice);
-        QObject::connect(&devices, &AudioDevice::outputSpeakerDeviceChanged, &audio, &AudioHandler::setSpeakerDevice);
-        QObject::connect(&audio, &AudioHandler::devicesChanged, &devices, &AudioDevice::reload);
-        devices.load();
+        audio.follow(devices);
         TRY_VERIFY(devices.isLoaded());
         QCOMPARE(devices.headphoneNames(), QStringList{QStringLiteral("Default")});
         audio.startAll();
