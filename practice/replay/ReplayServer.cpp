@@ -1,5 +1,8 @@
 #include "practice/replay/ReplayServer.h"
 
+#include <QStringList>
+
+#include <memory>
 #include <utility>
 
 namespace tarvo::practice {
@@ -14,7 +17,7 @@ constexpr qint64 mostWaiting = 1'000'000; ///< bytes
 } // namespace
 
 ReplayServer::ReplayServer(ReplaySettings settings, const common::Clock &clock, QObject *parent)
-    : QObject(parent), m_settings(std::move(settings)), m_clock(clock), m_reader(lineEnd, longestLine)
+    : QObject(parent), m_settings(std::move(settings)), m_clock(clock)
 {
     connect(&m_server, &QTcpServer::newConnection, this, &ReplayServer::accept);
     connect(&m_timer, &QTimer::timeout, this, &ReplayServer::sendDue);
@@ -29,17 +32,23 @@ void ReplayServer::close()
 {
     leave();
     m_server.close();
+    for (QTcpSocket *guest : m_server.findChildren<QTcpSocket *>())
+        dismiss(guest);
+}
+
+void ReplayServer::dismiss(QTcpSocket *socket)
+{
+    socket->disconnect(); // nobody else listens to it
+    socket->abort();
+    socket->deleteLater();
 }
 
 void ReplayServer::leave()
 {
     m_timer.stop();
     m_callsign.reset();
-    if (QTcpSocket *socket = std::exchange(m_socket, nullptr)) {
-        socket->disconnect(); // nobody else listens to it
-        socket->abort();
-        socket->deleteLater();
-    }
+    if (m_socket)
+        dismiss(std::exchange(m_socket, nullptr));
 }
 
 void ReplayServer::accept()
@@ -47,33 +56,50 @@ void ReplayServer::accept()
     QTcpSocket *socket = m_server.nextPendingConnection();
     if (!socket)
         return;
-    leave();
-    m_socket = socket;
-    connect(socket, &QTcpSocket::readyRead, this, &ReplayServer::read);
+    const auto reader = std::make_shared<LineReader>(lineEnd, longestLine);
+    const qsizetype place = m_nextConnection;
     // As long as there is the timer: at the end the socket goes with the server, after all the rest.
-    connect(socket, &QTcpSocket::disconnected, &m_timer, [this] { leave(); });
-    m_reader = LineReader(lineEnd, longestLine);
-    m_playing = m_settings.recording.at(m_nextConnection);
-    m_nextConnection = (m_nextConnection + 1) % m_settings.recording.size();
-    m_nextLine = 0;
-    emit clientConnected(socket->peerAddress().toString());
-    if (m_playing.greeting.isEmpty()) // the recording begins later, but a client logs in behind a greeting
-        m_playing.greeting.append({0, QStringLiteral("$DISERVER:CLIENT:replay:0000000000000000")});
-    for (const RecordedLine &line : std::as_const(m_playing.greeting))
-        send(line);
+    connect(socket, &QTcpSocket::readyRead, &m_timer, [this, socket, reader, place] { read(socket, *reader, place); });
+    connect(socket, &QTcpSocket::disconnected, &m_timer, [this, socket] {
+        if (socket == m_socket)
+            leave();
+        else
+            dismiss(socket);
+    });
+    greet(*socket, m_settings.recording.at(place));
 }
 
-void ReplayServer::read()
+void ReplayServer::greet(QTcpSocket &socket, const RecordedConnection &connection)
 {
-    const QList<QByteArray> lines = m_reader.feed(m_socket->readAll());
-    for (const QByteArray &line : lines) {
-        if (!m_callsign && (line.startsWith("#AP") || line.startsWith("#AA")))
-            begin(QString::fromLatin1(line));
+    const QString guest = socket.peerAddress().toString();
+    emit clientConnected(guest);
+    QStringList lines;
+    for (const RecordedLine &line : connection.greeting)
+        lines.append(line.text);
+    if (lines.isEmpty()) // the recording begins later, but a client logs in behind a greeting
+        lines.append(QStringLiteral("$DISERVER:CLIENT:replay:0000000000000000"));
+    for (const QString &line : std::as_const(lines)) {
+        socket.write(line.toLatin1() + lineEnd);
+        emit lineSent(guest, line);
     }
 }
 
-void ReplayServer::begin(const QString &login)
+void ReplayServer::read(QTcpSocket *socket, LineReader &reader, qsizetype place)
 {
+    const QList<QByteArray> lines = reader.feed(socket->readAll());
+    for (const QByteArray &line : lines) {
+        if (socket != m_socket && (line.startsWith("#AP") || line.startsWith("#AA")))
+            begin(socket, place, QString::fromLatin1(line));
+    }
+}
+
+void ReplayServer::begin(QTcpSocket *socket, qsizetype place, const QString &login)
+{
+    leave();
+    m_socket = socket;
+    m_playing = m_settings.recording.at(place);
+    m_nextConnection = (place + 1) % m_settings.recording.size();
+    m_nextLine = 0;
     m_callsign = login.section(QLatin1Char(':'), 0, 0).mid(3);
     m_loginMs = m_clock.steadyMs();
     emit clientLoggedIn(QString(*m_callsign));
@@ -81,13 +107,6 @@ void ReplayServer::begin(const QString &login)
         emit finished(QString(*m_callsign));
     else if (!m_settings.stepwise)
         m_timer.start(tickMs);
-}
-
-void ReplayServer::send(const RecordedLine &line)
-{
-    const QString text = readdressed(line.text, m_playing.callsign, m_callsign.value_or(m_playing.callsign));
-    m_socket->write(text.toLatin1() + lineEnd);
-    emit lineSent(m_callsign.value_or(m_socket->peerAddress().toString()), text);
 }
 
 qsizetype ReplayServer::linesLeft() const
@@ -103,7 +122,9 @@ qint64 ReplayServer::nextMs() const
 
 void ReplayServer::sendNext()
 {
-    send(m_playing.lines.at(m_nextLine++));
+    const QString text = readdressed(m_playing.lines.at(m_nextLine++).text, m_playing.callsign, *m_callsign);
+    m_socket->write(text.toLatin1() + lineEnd);
+    emit lineSent(QString(*m_callsign), text);
     if (linesLeft() == 0) {
         m_timer.stop();
         emit finished(QString(*m_callsign));

@@ -21,9 +21,10 @@ struct ReplaySettings
     bool stepwise = false; ///< after the login only step() sends
 };
 
-/// An FSD server that knows nothing and nobody: to each connection it says what was recorded of the next one, behind
+/// An FSD server that knows nothing and nobody: to each client it says what was recorded of the next connection, behind
 /// the last of the first again, and takes no notice of what it is told but for the login line. One client at a time:
-/// another one takes its place.
+/// another one that logs in takes its place. Who doesn't, such as a look whether somebody is here, gets the greeting
+/// and changes nothing.
 class ReplayServer : public QObject
 {
     Q_OBJECT
@@ -57,18 +58,19 @@ signals:
     void finished(const QString &client);
 
 private:
+    static void dismiss(QTcpSocket *socket);
     void accept();
+    void greet(QTcpSocket &socket, const RecordedConnection &connection);
+    // `place`: of the recorded connection that the socket was greeted with.
+    void read(QTcpSocket *socket, LineReader &reader, qsizetype place);
+    void begin(QTcpSocket *socket, qsizetype place, const QString &login);
     void leave();
-    void read();
-    void begin(const QString &login);
-    void send(const RecordedLine &line);
     void sendNext();
 
     ReplaySettings m_settings;
     const common::Clock &m_clock;
     QTcpServer m_server;
-    QTcpSocket *m_socket = nullptr; ///< the server's; null without a client
-    LineReader m_reader;
+    QTcpSocket *m_socket = nullptr; ///< the server's, of the client that has logged in; null without one
     QTimer m_timer;
     RecordedConnection m_playing;
     qsizetype m_nextConnection = 0;
