@@ -64,13 +64,19 @@ void install(const QString &folder, const QString &programVersion)
 void note(QByteArrayView line)
 {
     std::array<char, longestLine + 1> &place = ring[noted.load() % linesKept];
-    size_t size = std::min<size_t>(static_cast<size_t>(line.size()), longestLine);
-    // Not within a character: its first byte is the last that doesn't begin with the bits 10.
-    while (size < static_cast<size_t>(line.size()) && size > 0 &&
-           (static_cast<unsigned char>(line[static_cast<qsizetype>(size)]) & 0xC0U) == 0x80U)
-        --size;
+    const auto whole = static_cast<size_t>(line.size());
+    size_t size = whole;
+    if (whole > longestLine) {
+        size = longestLine - cutMark.size();
+        // Not within a character: its first byte is the last that doesn't begin with the bits 10.
+        while (size > 0 && (static_cast<unsigned char>(line[static_cast<qsizetype>(size)]) & 0xC0U) == 0x80U)
+            --size;
+    }
     std::memcpy(place.data(), line.data(), size);
-    place[size] = '\0';
+    char *end = place.data() + size;
+    if (size < whole)
+        end = std::copy(cutMark.begin(), cutMark.end(), end);
+    *end = '\0';
     ++noted;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QLatin1StringView>
 #include <QString>
 #include <QStringList>
 
@@ -9,6 +10,9 @@ class StateFile;
 }
 
 namespace tarvo::lastwords {
+
+/// What a line ends with that was too long to be kept whole.
+constexpr QLatin1StringView cutMark(" [cut]");
 
 /// From here on a crash of any thread, an exception that nobody catches and a fatal message leave
 /// "crash-<UTC time>.txt" in `folder`: version, what happened, the thread, the last lines of the log and the calls that

@@ -281,14 +281,12 @@ SecretMask::SecretMask(const QByteArrayList &secrets)
     }
 }
 
-QString SecretMask::applied(const QString &text) const
+QList<Range> SecretMask::rangesIn(const QByteArray &text) const
 {
-    const bool isCut = text.size() > longestText;
-    if (m_secrets.isEmpty())
-        return text.left(longestText);
-    const QByteArray bytes = text.left(longestText).toUtf8();
     QList<Range> ranges;
-    anyView({bytes, {}}, mostEscapes, [&](const View &view) {
+    if (m_secrets.isEmpty())
+        return ranges;
+    anyView({text, {}}, mostEscapes, [&](const View &view) {
         addPlain(view, m_secrets, ranges);
         for (const Run &kind : runs) {
             if (!m_inRuns.isEmpty())
@@ -296,10 +294,23 @@ QString SecretMask::applied(const QString &text) const
         }
         return false; // all of them
     });
-    if (!isCut)
-        return QString::fromUtf8(masked(bytes, std::move(ranges)));
+    return ranges;
+}
+
+QString SecretMask::applied(const QString &text) const
+{
+    if (text.size() > longestText)
+        return appliedToCut(text);
+    const QByteArray bytes = text.toUtf8();
+    return QString::fromUtf8(masked(bytes, rangesIn(bytes)));
+}
+
+QString SecretMask::appliedToCut(const QString &text) const
+{
+    const QByteArray bytes = text.left(longestText).toUtf8();
     // A secret that is cut isn't found: what it may begin in goes.
     const qsizetype kept = std::max<qsizetype>(bytes.size() - longestForm * m_longest, 0);
+    QList<Range> ranges = rangesIn(bytes);
     ranges.removeIf([kept](const Range &range) { return range.first >= kept; });
     qsizetype end = kept;
     for (const Range &range : std::as_const(ranges))

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <utility>
 
 namespace tarvo::common {
 
@@ -17,10 +20,16 @@ public:
     /// Text in UTF-8, or bytes of which a text may have the Base64. Empty ones don't count.
     explicit SecretMask(const QByteArrayList &secrets);
 
-    /// Of a longer text only the beginning comes back, with no part of a secret at its end.
+    /// Of a longer text only the beginning comes back, as of one that was cut.
     QString applied(const QString &text) const;
+    /// The same for a text that went on, with no part of a secret at its end: as much of it goes as a secret could be
+    /// long, in its longest form.
+    QString appliedToCut(const QString &text) const;
 
 private:
+    /// First byte, and the one behind the last.
+    QList<std::pair<qsizetype, qsizetype>> rangesIn(const QByteArray &text) const;
+
     QByteArrayList m_secrets;
     qsizetype m_longest = 0;
     QByteArrayList m_inRuns; ///< those that are looked for in Base64

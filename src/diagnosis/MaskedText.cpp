@@ -2,6 +2,7 @@
 
 #include "ConfigKey.h"
 #include "IniFormat.h"
+#include "LastWords.h"
 #include "common/SecretMask.h"
 
 #include <QIODevice>
@@ -61,11 +62,14 @@ QVariant masked(const QString &name, const QVariant &value, const common::Secret
 
 QString maskedText(const QString &text, const common::SecretMask &mask)
 {
-    QString shown = mask.applied(text);
+    const bool isCut = text.endsWith(lastwords::cutMark); // in a crash file
+    QString shown = isCut ? mask.appliedToCut(text.chopped(lastwords::cutMark.size())) : mask.applied(text);
     for (const QRegularExpression &look : secretLooks())
         shown.replace(look, QStringLiteral("\\1******"));
     if (text.size() > common::SecretMask::longestText)
         shown += QStringLiteral(" [the rest of these %1 characters is left out]").arg(text.size());
+    else if (isCut)
+        shown += lastwords::cutMark;
     return shown;
 }
 
@@ -87,10 +91,12 @@ QByteArray maskedLog(QIODevice &log, const common::SecretMask &mask, qint64 most
         result = "[" + QByteArray::number(log.pos()) + " bytes before this are left out]\n";
     }
     while (log.pos() < end && !log.atEnd()) {
-        QByteArray line = log.readLine();
-        if (line.endsWith('\n'))
+        QString line = QString::fromUtf8(log.readLine());
+        if (line.endsWith(QLatin1Char('\n')))
             line.chop(1);
-        result += maskedText(QString::fromUtf8(line), mask).toUtf8() + '\n';
+        else
+            line += lastwords::cutMark; // its end is still to be written, or was lost in a crash
+        result += maskedText(line, mask).toUtf8() + '\n';
     }
     return result;
 }

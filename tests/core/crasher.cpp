@@ -95,7 +95,8 @@ int main(int argc, char **argv)
     tarvo::lastwords::install(folder, QStringLiteral("9.8.7"));
     for (int i = 1; i <= 60; ++i)
         qInfo("line %d", i);
-    qInfo().noquote() << QString(399, u'x') + QStringLiteral("航空");
+    for (const QString &before : {QStringLiteral("x"), QStringLiteral("xx")}) // one of them is cut within a character
+        qInfo().noquote() << before + QString(400, u'航');
     crash(argv[2]);
     return 0;
 }

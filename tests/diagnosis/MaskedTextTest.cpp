@@ -56,7 +56,15 @@ private slots:
         QTest::newRow("empty") << QByteArray() << QByteArray();
         QTest::newRow("nothing secret") << QByteArray("a\nb\n") << QByteArray("a\nb\n");
         QTest::newRow("in a line") << QByteArray("a secret b\nc\n") << QByteArray("a ****** b\nc\n");
-        QTest::newRow("at a line's end") << QByteArray("a\nsecret") << QByteArray("a\n******\n");
+        QTest::newRow("at a line's end") << QByteArray("a\nsecret\n") << QByteArray("a\n******\n");
+        // All goes that a secret could be in, at 18 bytes for each of its own.
+        QTest::newRow("in a line that was cut") << "a secret b" + QByteArray(103, 'x') + "secre [cut]\n"
+                                                << QByteArray("a ****** b [cut]\n");
+        QTest::newRow("in a line that was cut, escaped") << "a" + QByteArray(98, 'x') + "\\u0073ecre [cut]\n"
+                                                         << QByteArray("a [cut]\n");
+        QTest::newRow("in a short line that was cut") << QByteArray("abc secre [cut]\n") << QByteArray(" [cut]\n");
+        QTest::newRow("in a line that isn't written yet")
+            << "a\nbc" + QByteArray(103, 'x') + "secre" << QByteArray("a\nbc [cut]\n");
         QTest::newRow("Base64") << QByteArray("a c2VjcmV0 b\n") << QByteArray("a ****** b\n");
         QTest::newRow("percent-encoded") << QByteArray("a %73ecret b\n") << QByteArray("a ****** b\n");
         QTest::newRow("a token that no settings hold")
@@ -68,9 +76,9 @@ private slots:
         QTest::newRow("a word like a token's beginning") << QByteArray("eyJ1.e.f\n") << QByteArray("eyJ1.e.f\n");
         QTest::newRow("behind Bearer") << QByteArray("Authorization: bearer 1f/2e; x\n")
                                        << QByteArray("Authorization: bearer ******; x\n");
-        QTest::newRow("a field of JSON") << QByteArray("{\"flush_token\": \"a\\\"b\",\"token\":1,\"x\":\"y\"}")
+        QTest::newRow("a field of JSON") << QByteArray("{\"flush_token\": \"a\\\"b\",\"token\":1,\"x\":\"y\"}\n")
                                          << QByteArray("{\"flush_token\": \"******\\\"b\",\"token\":1,\"x\":\"y\"}\n");
-        QTest::newRow("a field of escaped JSON") << QByteArray("{\\\"Password\\\":\\\"abc\\\",\\\"x\\\":1}")
+        QTest::newRow("a field of escaped JSON") << QByteArray("{\\\"Password\\\":\\\"abc\\\",\\\"x\\\":1}\n")
                                                  << QByteArray("{\\\"Password\\\":\\\"******\\\",\\\"x\\\":1}\n");
         QTest::newRow("a pilot's login line, quoted") << QByteArray("bad: #APCCA1:SERVER:1001:pass word:1:9\n")
                                                       << QByteArray("bad: #APCCA1:SERVER:1001:******:1:9\n");
