@@ -73,7 +73,7 @@ signals:
     void versionChanged(int version);
 
 private:
-    void wakePublishing();
+    void publishSoon();
     void receivePending();
     void receive(QByteArrayView datagram, const QHostAddress &sender);
     void raise(DatarefEvent event);
@@ -93,8 +93,7 @@ private:
     model::UserAircraftConfigData m_publishedConfig;
     model::RadioStackState m_publishedRadio;
     bool m_publishedOnce = false;
-    int m_quietTicks = 0; ///< of the publish timer with nothing to publish, since X-Plane replied last
-    QTimer m_publishTimer;
+    QTimer m_publishTimer; ///< runs while something has come since the last publication
 };
 
 } // namespace tarvo::simulator::xplane

@@ -339,7 +339,7 @@ private slots:
         QTest::addColumn<bool>("running");
         QTest::newRow("dial") << QStringLiteral("dial") << 500 << true << true;
         QTest::newRow("tick") << QStringLiteral("tick") << 1000 << false << true;
-        QTest::newRow("publish") << QStringLiteral("publish") << 50 << false << true;
+        QTest::newRow("publish") << QStringLiteral("publish") << 50 << true << true;
         QTest::newRow("attempt") << QStringLiteral("attempt") << 3000 << true << false;
     }
 
