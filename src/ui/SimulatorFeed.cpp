@@ -40,9 +40,11 @@ void SimulatorFeed::connectSession()
             &SimulatorPageViewModel::setTrafficMappingStatus);
     connect(network, &NetworkManager::simulatorXPlaneVersionUpdated, &m_page,
             &SimulatorPageViewModel::setXPlaneVersion);
-    connect(network, &NetworkManager::simulatorTrafficSnapshotUpdated, &m_page,
-            &SimulatorPageViewModel::setTrafficContacts);
-    connect(network, &NetworkManager::simulatorChanged, &m_page, &SimulatorPageViewModel::clearPlugin);
+    connect(network, &NetworkManager::simulatorTrafficSnapshotUpdated, this, &SimulatorFeed::takeSnapshot);
+    connect(network, &NetworkManager::simulatorChanged, this, [this] {
+        m_snapshot.reset(); // the last one's
+        m_page.clearPlugin();
+    });
     connect(network, &NetworkManager::networkConnected, &m_trafficTimer, [this] { m_trafficTimer.start(); });
     connect(network, &NetworkManager::networkDisconnected, this, &SimulatorFeed::forgetTraffic);
 }
@@ -85,7 +87,7 @@ void SimulatorFeed::takeSample(const manager::SimulatorData &sample)
 {
     m_latest = sample;
     m_missed = true;
-    if (m_seen && !m_paceTimer.isActive())
+    if (!m_paceTimer.isActive())
         showMissed();
 }
 
@@ -97,9 +99,16 @@ void SimulatorFeed::takeRadio(const model::RadioStackState &radio)
     takeSample(sample);
 }
 
+void SimulatorFeed::takeSnapshot(const QVariantList &contacts)
+{
+    m_snapshot = contacts;
+    if (!m_paceTimer.isActive())
+        showMissed();
+}
+
 void SimulatorFeed::showMissed()
 {
-    if (!m_seen || !(m_missed || m_trafficDue))
+    if (!m_seen || !(m_missed || m_trafficDue || m_snapshot))
         return;
     if (m_paceTimer.interval() > 0)
         m_paceTimer.start();
@@ -107,6 +116,8 @@ void SimulatorFeed::showMissed()
         showSample();
     if (std::exchange(m_trafficDue, false))
         m_page.setRemoteAircraft(m_network->remoteAircraft());
+    if (const std::optional<QVariantList> snapshot = std::exchange(m_snapshot, {}))
+        m_page.setTrafficContacts(*snapshot);
 }
 
 void SimulatorFeed::showSample()

@@ -4,9 +4,11 @@
 
 #include <QObject>
 #include <QTimer>
+#include <QVariantList>
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace tarvo::manager {
 class NetworkManager;
@@ -43,6 +45,7 @@ private:
     void connectRequests();
     void takeSample(const manager::SimulatorData &sample);
     void takeRadio(const model::RadioStackState &radio);
+    void takeSnapshot(const QVariantList &contacts);
     void showSample();
     void showMissed();
     void showTraffic();
@@ -54,8 +57,9 @@ private:
     manager::SimulatorData m_latest;
     bool m_missed = false; ///< `m_latest` hasn't been shown
     bool m_trafficDue = false;
-    QTimer m_paceTimer;    ///< runs while it is too early for the next change
-    QTimer m_trafficTimer; ///< runs while connected: the table has no signal of its own
+    std::optional<QVariantList> m_snapshot; ///< not shown yet
+    QTimer m_paceTimer;                     ///< runs while it is too early for the next change
+    QTimer m_trafficTimer;                  ///< runs while connected: the table has no signal of its own
 };
 
 } // namespace tarvo::ui

@@ -268,6 +268,41 @@ private slots:
         TRY_COMPARE(stage.summary(), u"附近 1 个交通目标"_qs); // also when no sample comes
     }
 
+    void aSnapshotComesAtThePace()
+    {
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        stage.feed.setPace(std::chrono::hours(1));
+        auto &pace = *stage.feed.findChild<QTimer *>(u"paceTimer"_qs);
+        const auto tell = [&stage](int contact) { emit stage.session.sim->trafficSnapshotChanged({contact}); };
+        tell(1);
+        QCOMPARE(stage.page.trafficContacts(), QVariantList{1}); // the first at once
+        QVERIFY(pace.isActive());
+        tell(2);
+        tell(3);
+        QCOMPARE(stage.page.trafficContacts(), QVariantList{1});
+        pace.start(0);
+        TRY_COMPARE(stage.page.trafficContacts(), QVariantList{3});
+        stage.feed.setSeen(false);
+        tell(4);
+        pace.stop();
+        tell(5);
+        QCOMPARE(stage.page.trafficContacts(), QVariantList{3});
+        stage.feed.setSeen(true);
+        QCOMPARE(stage.page.trafficContacts(), QVariantList{5});
+    }
+
+    void aSnapshotGoesWithItsSimulator()
+    {
+        SimulatorStage stage;
+        stage.session.addSimulator();
+        stage.feed.setSeen(false);
+        emit stage.session.sim->trafficSnapshotChanged({1});
+        stage.session.addSimulator();
+        stage.feed.setSeen(true);
+        QCOMPARE(stage.page.trafficContacts(), QVariantList());
+    }
+
     void unseenTrafficFollows()
     {
         TrafficStage stage;
