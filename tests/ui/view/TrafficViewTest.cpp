@@ -61,6 +61,21 @@ private slots:
                  qPrintable(u"%1 %2"_qs.arg(seen.x()).arg(seen.y())));
     }
 
+    void everySymbolIsOverTheRings()
+    {
+        model().setOwnAircraft(ownAircraft(0), {}, {}, false);
+        model().setRemoteAircraft({remoteAircraft(u"CES1"_qs, 31.03, 121), remoteAircraft(u"CES2"_qs, 31, 121.1),
+                                   remoteAircraft(u"CES3"_qs, 31 + 5 / 60.0, 121, 6000)});
+        QVERIFY(m_harness->itemWithText(u"量程 10 NM"_qs));
+        const QQuickItem *onRing = m_harness->items(u"radarContact"_qs).at(1);
+        QCOMPARE(onRing->property("callsign").toString(), u"CES3"_qs);
+        const QImage picture = m_harness->grab(u"simulator-rings"_qs);
+        const QPoint middle = (onRing->mapToScene(QPointF()) * picture.devicePixelRatio()).toPoint();
+        const QColor glass(u"#111B2E"_qs); // what the symbol is filled with
+        for (int y = -1; y <= 1; ++y)
+            QCOMPARE(picture.pixelColor(middle + QPoint(0, y)).name(), glass.name());
+    }
+
     void theRangeFollowsTheTraffic_data()
     {
         QTest::addColumn<double>("distanceNm");

@@ -152,27 +152,29 @@ Rectangle {
             heading: radar.up
         }
 
-        Repeater {
-            id: plotted
+        // Over rings and rose, the nearest on top.
+        Item {
+            Repeater {
+                id: plotted
 
-            model: radar.simulator ? radar.simulator.contactRows : null
+                model: radar.simulator ? radar.simulator.contactRows : null
 
-            RadarContact {
-                objectName: "radarContact"
-                required property int index
+                RadarContact {
+                    objectName: "radarContact"
+                    required property int index
 
-                upHeading: radar.up // qmllint disable unqualified
-                range: radar.range // qmllint disable unqualified
-                radius: centre.outer // qmllint disable unqualified
-                measured: picked || index < radar.measuredContacts // qmllint disable unqualified
-                picked: callsign !== "" && callsign === radar.simulator.pickedCallsign // qmllint disable unqualified
-                z: picked ? 1 : -index
+                    upHeading: radar.up // qmllint disable unqualified
+                    range: radar.range // qmllint disable unqualified
+                    radius: centre.outer // qmllint disable unqualified
+                    measured: picked || index < radar.measuredContacts // qmllint disable unqualified
+                    picked: callsign !== "" && callsign === radar.simulator.pickedCallsign // qmllint disable unqualified
+                    z: picked ? 1 : -index
+                }
             }
         }
 
         // The own aeroplane: fuselage, wings, tail.
         Item {
-            z: 1
             opacity: radar.simulator && radar.simulator.simulatorConnected ? 1 : 0.4
 
             Rectangle { x: -2; y: -11; width: 4; height: 23; radius: 2; color: Style.instrumentLine }
