@@ -94,6 +94,7 @@ QtObject {
     readonly property color instrumentDim: "#8CA0BC"
     readonly property color instrumentOwn: "#FACC15"
     readonly property color instrumentActive: "#4ADE80"
+    readonly property color instrumentTransmit: "#FB7185"
     readonly property color instrumentTraffic: "#67E8F9"
     readonly property int radarLabelHeight: 13
     readonly property color skyHigh: "#123A8C"

@@ -1,3 +1,4 @@
+#include "Contrast.h"
 #include "PageHarness.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -7,6 +8,7 @@
 #include <QTest>
 
 using tarvo::test::PageHarness;
+using tarvo::test::paleTexts;
 using tarvo::ui::LinkState;
 
 /// The pages as drawn: at every size, with and without data, nothing is cut and nothing complains.
@@ -59,7 +61,10 @@ private slots:
         }
         if (page.startsWith(QLatin1String("settings")))
             showSettings(harness, page.endsWith(QLatin1String("wrong")));
-        QVERIFY(!harness.grab(u"%1-%2"_qs.arg(page).arg(size.width())).isNull());
+        const QImage picture = harness.grab(u"%1-%2"_qs.arg(page).arg(size.width()));
+        QVERIFY(!picture.isNull());
+        if (page != QLatin1String("modes")) // which stands on photographs
+            seeNothingPale(harness.texts(), picture);
         for (const QString &name : {u"simulatorScroll"_qs, u"voiceScroll"_qs, u"settingsScroll"_qs}) {
             QQuickItem *scroll = harness.item(name);
             if (!scroll)
@@ -127,6 +132,12 @@ private:
             TRY_COMPARE(harness.settings().hints().size(), 3);
     }
 
+    void seeNothingPale(const QList<QQuickItem *> &texts, const QImage &picture) const
+    {
+        const QStringList pale = paleTexts(texts, picture, muted);
+        QVERIFY2(pale.isEmpty(), qPrintable(pale.join(u"; "_qs)));
+    }
+
     static bool isWhole(QQuickItem *text)
     {
         return !text->property("truncated").toBool() &&
@@ -140,6 +151,7 @@ private:
     }
 
     static constexpr int smallestReadable = 10;
+    const QColor muted = u"#94A3B8"_qs;
 };
 
 TARVO_TEST(PageLookTest)

@@ -20,7 +20,7 @@ ComboBox {
         x: combo.width - width - Style.spacingMedium
         y: (combo.height - height) / 2
         text: "⌄"
-        color: Style.textSecondary
+        color: Style.textCaption
     }
     background: Rectangle {
         radius: Style.radiusButton

@@ -57,7 +57,7 @@ SpinBox {
             id: label
 
             anchors.centerIn: parent
-            color: step.pressed ? Style.controlBorderActive : Style.textSecondary
+            color: step.pressed ? Style.controlBorderActive : Style.textCaption
             font.pixelSize: Style.fontTitle
         }
     }

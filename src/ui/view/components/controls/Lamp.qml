@@ -31,7 +31,7 @@ Rectangle {
         Accessible.ignored: true
         anchors.centerIn: parent
         text: lamp.text
-        color: lamp.lit ? (lamp.dark ? lamp.litColor : Qt.darker(lamp.litColor, 1.45)) : lamp.dark ? Style.instrumentDim : Style.textCaption
+        color: lamp.lit ? (lamp.dark ? lamp.litColor : Qt.darker(lamp.litColor, 1.8)) : lamp.dark ? Style.instrumentDim : Style.textCaption
         font.pixelSize: lamp.fontSize
         font.weight: lamp.lit ? Font.DemiBold : Font.Normal
     }

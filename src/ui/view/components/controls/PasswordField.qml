@@ -31,7 +31,7 @@ CustomTextField {
         }
         contentItem: AppText {
             text: look.text
-            color: look.hovered ? Style.textPrimary : Style.textSecondary
+            color: look.hovered ? Style.textPrimary : Style.textCaption
             font.pixelSize: Style.fontSmall
             horizontalAlignment: Text.AlignHCenter
         }

@@ -15,7 +15,7 @@ RowLayout {
     AppText {
         Layout.preferredWidth: 44
         text: bar.label
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
     }
 

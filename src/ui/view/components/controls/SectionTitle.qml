@@ -23,7 +23,7 @@ RowLayout {
         id: noteText
 
         visible: text.length > 0
-        color: Style.textMuted
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
     }
 }

@@ -74,7 +74,7 @@ Rectangle {
 
                 CompactSign {
                     anchors.centerIn: parent
-                    color: Style.textSecondary
+                    color: Style.textCaption
                 }
             }
 
@@ -87,7 +87,7 @@ Rectangle {
                 AppText {
                     anchors.centerIn: parent
                     text: "?"
-                    color: Style.textSecondary
+                    color: Style.textCaption
                     font.weight: Font.DemiBold
                 }
             }

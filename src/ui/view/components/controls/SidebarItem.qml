@@ -37,7 +37,7 @@ Pressable {
             height: parent.height
             width: parent.width - 14 - parent.spacing
             text: item.text
-            color: item.selected ? Style.textActive : Style.textSecondary
+            color: item.selected ? Style.textActive : Style.textCaption
             font.weight: item.selected ? Font.DemiBold : Font.Normal
             elide: Text.ElideRight
         }

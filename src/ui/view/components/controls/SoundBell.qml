@@ -36,7 +36,7 @@ SidebarTool {
 
     Bell {
         anchors.centerIn: parent
-        color: glow.opacity > 0.5 ? Style.buttonText : tool.audible ? Style.textSecondary : Style.textMuted
+        color: glow.opacity > 0.5 ? Style.buttonText : tool.audible ? Style.textCaption : Style.textMuted
         silent: !tool.audible
     }
 

@@ -127,6 +127,8 @@ Item {
                                 text: Math.abs(rung.degrees).toFixed(0) // qmllint disable unqualified
                                 color: Style.instrumentLine
                                 font.pixelSize: 11
+                                style: Text.Outline // legible on a bright sky, too
+                                styleColor: Style.imageFilm
                             }
                         }
                     }

@@ -51,7 +51,7 @@ ColumnLayout {
         AppText {
             Layout.fillWidth: true
             text: meter.label
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             elide: Text.ElideRight
         }
@@ -61,7 +61,7 @@ ColumnLayout {
 
             objectName: "levelReading"
             text: qsTr("%1 %  %2 dB").arg(Math.round(meter.readPercent)).arg(Format.fixed(meter.readDb, 1))
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
     }
@@ -119,7 +119,7 @@ ColumnLayout {
 
                 x: Math.max(0, Math.min(ticks.width - width, ticks.width * meter.ratio(modelData) - width / 2)) // qmllint disable unqualified
                 text: modelData
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: 10
             }
         }

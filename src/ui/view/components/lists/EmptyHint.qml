@@ -58,7 +58,7 @@ ColumnLayout {
         Layout.fillWidth: true
         horizontalAlignment: Text.AlignHCenter
         text: hint.title
-        color: Style.textSecondary
+        color: Style.textCaption
         font.weight: Font.DemiBold
         wrapMode: Text.Wrap
     }

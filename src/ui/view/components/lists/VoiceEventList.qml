@@ -50,7 +50,7 @@ ListView {
             id: clock
 
             text: event.time
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
 
@@ -71,7 +71,7 @@ ListView {
         anchors.centerIn: parent
         visible: list.count === 0
         text: qsTr("暂无事件")
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: 13
     }
 }

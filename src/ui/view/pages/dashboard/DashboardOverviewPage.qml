@@ -115,7 +115,7 @@ ColumnLayout {
                     AppText {
                         Layout.fillWidth: true
                         text: qsTr("优化了模拟器连接稳定性，新增了更美观的仪表盘界面...")
-                        color: Style.textSecondary
+                        color: Style.textCaption
                         font.pixelSize: 13
                         lineHeight: 1.3
                         wrapMode: Text.Wrap

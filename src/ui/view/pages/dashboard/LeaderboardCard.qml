@@ -46,7 +46,7 @@ Card {
                     AppText {
                         anchors.centerIn: parent
                         text: String(row.index + 1)
-                        color: row.podium ? Style.buttonText : Style.textSecondary
+                        color: row.podium ? Style.buttonText : Style.textCaption
                         font.pixelSize: Style.fontSmall
                         font.weight: Font.DemiBold
                     }
@@ -60,7 +60,7 @@ Card {
 
                 AppText {
                     text: row.time
-                    color: Style.textSecondary
+                    color: Style.textCaption
                     font.pixelSize: 13
                 }
             }

@@ -62,7 +62,7 @@ Card {
                     AppText {
                         Layout.fillWidth: true
                         text: row.time
-                        color: Style.textSecondary
+                        color: Style.textCaption
                         font.pixelSize: 13
                         elide: Text.ElideRight
                     }

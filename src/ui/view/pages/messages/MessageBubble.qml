@@ -168,7 +168,7 @@ Item {
                 Layout.fillWidth: true
                 visible: text.length > 0 && text !== row.to && text !== row.body
                 text: row.meta
-                color: row.outgoing ? Style.textMuted : Style.textSecondary
+                color: row.outgoing ? Style.textMuted : Style.textCaption
                 font.pixelSize: 11
                 elide: Text.ElideRight
             }

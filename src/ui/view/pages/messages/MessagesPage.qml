@@ -28,7 +28,7 @@ ColumnLayout {
         AppText {
             height: 32
             text: page.messages ? page.messages.summaryText : "--"
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
 

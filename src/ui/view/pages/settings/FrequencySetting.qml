@@ -31,7 +31,7 @@ FormField {
 
         AppText {
             text: "Hz"
-            color: Style.textSecondary
+            color: Style.textCaption
         }
     }
 }

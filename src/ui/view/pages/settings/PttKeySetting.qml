@@ -57,7 +57,7 @@ FormField {
             anchors.fill: parent
             Keys.enabled: false
             primary: setting.listening
-            accentColor: setting.listening ? Style.statusPending : Style.primary
+            accentColor: setting.listening ? Style.textWarning : Style.primary
             text: setting.listening ? qsTr("请按下要使用的按键或按钮…") : setting.voice ? setting.voice.pttKey : "--"
             Accessible.name: setting.label + "：" + text
             onClicked: if (setting.voice) setting.voice.startPttListening()
@@ -75,7 +75,7 @@ FormField {
         objectName: "pttKeyNote"
         Layout.fillWidth: true
         text: setting.listening ? qsTr("键盘、鼠标或手柄均可，按 Esc 取消") : qsTr("点击后按下键盘、鼠标或手柄上的任意键")
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
         wrapMode: Text.Wrap
     }

@@ -21,7 +21,7 @@ ColumnLayout {
             objectName: "saveStatus"
             anchors.verticalCenter: parent.verticalCenter
             text: page.settings ? page.settings.saveStatus : "--"
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
         }
 
@@ -30,7 +30,7 @@ ColumnLayout {
             anchors.verticalCenter: parent.verticalCenter
             visible: page.settings ? page.settings.edited : false
             text: qsTr("● 有未保存的修改")
-            color: Qt.darker(Style.statusPending, 1.45)
+            color: Style.textWarning
             font.pixelSize: Style.fontSmall
         }
 

@@ -60,7 +60,7 @@ ColumnLayout {
     AppText {
         Layout.fillWidth: true
         text: bay.simulator ? bay.simulator.engineSummary : "--"
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap

@@ -15,7 +15,7 @@ RowLayout {
     AppText {
         Layout.alignment: Qt.AlignTop
         text: qsTr("映射状态")
-        color: Style.textSecondary
+        color: Style.textCaption
         font.pixelSize: Style.fontSmall
     }
 

@@ -67,7 +67,7 @@ ColumnLayout {
                     dark: true
                     text: qsTr("发射")
                     lit: unit.transmit
-                    litColor: Style.statusError
+                    litColor: Style.instrumentTransmit
                 }
 
                 Lamp {

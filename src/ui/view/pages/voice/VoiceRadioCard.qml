@@ -67,7 +67,7 @@ Card {
 
             AppText {
                 text: radio.name
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
 
@@ -98,7 +98,7 @@ Card {
 
             AppText {
                 text: qsTr("音量")
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
 

@@ -23,7 +23,7 @@ Card {
 
                 AppText {
                     text: qsTr("呼号")
-                    color: Style.textSecondary
+                    color: Style.textCaption
                     font.pixelSize: Style.fontSmall
                 }
 

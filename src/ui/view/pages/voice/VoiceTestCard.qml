@@ -34,7 +34,7 @@ Card {
             Layout.fillWidth: true
             visible: card.micTesting
             text: qsTr("按住 PTT 说话，即可听到自己的声音")
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
         }
@@ -45,7 +45,7 @@ Card {
 
             AppText {
                 text: qsTr("输出到")
-                color: Style.textSecondary
+                color: Style.textCaption
                 font.pixelSize: Style.fontSmall
             }
 
@@ -74,7 +74,7 @@ Card {
             Layout.fillWidth: true
             visible: card.voice !== null && !card.free
             text: qsTr("语音服务连接中，无法测试")
-            color: Style.textSecondary
+            color: Style.textCaption
             font.pixelSize: Style.fontSmall
             wrapMode: Text.Wrap
         }
