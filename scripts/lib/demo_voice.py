@@ -19,6 +19,7 @@ CONNECT_BUTTON = (873, 38)
 MINI_BUTTON = (960, 38)
 MINI_TALK = (140, 115)
 MINI_CLOSE = (255, 25)
+MINI_GRIP = (60, 25)
 
 
 def talk(main, practice, sound):
@@ -51,6 +52,7 @@ def check_radio(main, practice, saying):
     practice.order('tune', frequency=RADIO_CHECK)
     tuned = practice.wait_for(f'{RADIO_CHECK}:1')
     main.click(MINI_BUTTON, until=mini_window)
+    drag(mini_window())
     with held(mini_window(), MINI_TALK):
         practice.wait_for('speaks on 122.800', start=tuned)
         with saying():
@@ -66,6 +68,24 @@ def check_radio(main, practice, saying):
 def mini_window():
     """The mini window has the title of the page and no frame."""
     return window(MINI_TITLE)
+
+
+def drag(identity):
+    """Moves the mini window, and sees that it stays behind when the pointer goes on."""
+    start = place(identity)
+    with held(identity, MINI_GRIP):
+        for _ in range(8):
+            xdotool('mousemove_relative', '--', -10, -10)
+            time.sleep(0.1)
+    moved = wait_until('mini window to move', lambda: start != place(identity) and place(identity))
+    xdotool('mousemove_relative', '--', -200, -200)
+    driven_client.wait_for_rest(driven_client.DISPLAY)
+    if place(identity) != moved:
+        raise Failure('the mini window sticks to the pointer')
+
+
+def place(identity):
+    return xdotool('getwindowgeometry', '--shell', identity)[1:3]
 
 
 @contextlib.contextmanager

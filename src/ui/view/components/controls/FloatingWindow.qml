@@ -15,6 +15,8 @@ Window {
     DragHandler {
         target: null
         grabPermissions: PointerHandler.CanTakeOverFromHandlersOfDifferentType // never from the button that is held
-        onActiveChanged: if (active) floating.startSystemMove()
+        // Where the window manager's move ends Qt tells of another drag, which was pressed nowhere; moved on for it, the
+        // window would stick to the pointer.
+        onActiveChanged: if (active && centroid.pressPosition !== Qt.point(0, 0)) floating.startSystemMove()
     }
 }
