@@ -103,6 +103,8 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
         if (settle(role, wishes[static_cast<std::size_t>(role)]))
             report.ended.push_back(role);
     }
+    if (opening == Opening::Anew)
+        closeAll();
     const auto isMissing = [&](StreamRole role) {
         return wishes[static_cast<std::size_t>(role)].isOpen && !at(role).stream;
     };
@@ -116,6 +118,12 @@ StreamsReport DeviceStreams::fulfil(const Wishes &wishes, Opening opening)
     return report;
 }
 
+void DeviceStreams::closeAll()
+{
+    for (One &one : m_streams)
+        one.close();
+}
+
 bool DeviceStreams::anyRuns() const
 {
     return std::any_of(m_streams.begin(), m_streams.end(), [](const One &one) { return one.stream != nullptr; });
@@ -124,7 +132,8 @@ bool DeviceStreams::anyRuns() const
 /// A search takes its time, and would end what runs.
 bool DeviceStreams::hasReasonToSearch(Opening opening) const
 {
-    return !anyRuns() && (opening == Opening::Searched || m_incomplete > 0 || !m_missed.isEmpty());
+    const bool isTold = opening == Opening::Searched || opening == Opening::Anew;
+    return !anyRuns() && (isTold || m_incomplete > 0 || !m_missed.isEmpty());
 }
 
 QList<QByteArray> DeviceStreams::wantedDevices(const Wishes &wishes) const
@@ -212,8 +221,7 @@ bool DeviceStreams::choose(StreamRole role, int device)
 
 void DeviceStreams::openWanted(const Wishes &wishes, StreamsReport &report)
 {
-    for (One &one : m_streams)
-        one.close();
+    closeAll();
     for (const StreamRole role : allRoles) {
         One &one = at(role);
         if (!wishes[static_cast<std::size_t>(role)].isOpen)

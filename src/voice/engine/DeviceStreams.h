@@ -42,6 +42,7 @@ enum class Opening
     None,
     Wanted,   ///< they are opened
     Searched, ///< the same; if none runs PortAudio searches for devices before that
+    Anew,     ///< the same; those that run are closed before that
 };
 
 /// The sound system as the streams see it. All is called on the SoundThread.
@@ -110,6 +111,7 @@ private:
     One &at(StreamRole role) { return m_streams[static_cast<std::size_t>(role)]; }
     bool settle(StreamRole role, const StreamWish &wish);
     bool choose(StreamRole role, int device);
+    void closeAll();
     bool anyRuns() const;
     bool hasReasonToSearch(Opening opening) const;
     QList<QByteArray> wantedDevices(const Wishes &wishes) const;

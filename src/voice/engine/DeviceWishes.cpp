@@ -68,6 +68,7 @@ void DeviceWishes::start(const Roles &roles, std::function<void()> whenTried)
         at(role).isOpen = true;
     if (whenTried)
         m_round.whenTried.push_back(std::move(whenTried));
+    m_round.isAnew = m_round.isAnew || m_isAnyMissed;
     change();
 }
 
@@ -83,7 +84,7 @@ void DeviceWishes::change()
 {
     m_retries.reset();
     ++m_round.change;
-    m_round.opening = m_isAnyMissed ? Opening::Searched : Opening::Wanted;
+    m_round.opening = Opening::Wanted;
     m_next.start(0);
 }
 
@@ -95,7 +96,7 @@ void DeviceWishes::work()
         return;
     m_next.stop();
     m_isWorking = m_sound->post([this, mailbox = m_mailbox, streams = m_streams, round = m_round] {
-        const StreamsReport report = streams->fulfil(round.wishes, round.opening);
+        const StreamsReport report = streams->fulfil(round.wishes, round.isAnew ? Opening::Anew : round.opening);
         mailbox->send([=, this] { onWorked(report, round); });
     });
     if (m_isWorking)
@@ -107,6 +108,7 @@ void DeviceWishes::work()
 void DeviceWishes::forgetTold()
 {
     m_round.opening = Opening::None;
+    m_round.isAnew = false;
     m_round.whenTried.clear();
     for (StreamWish &wish : m_round.wishes)
         wish.device.reset();

@@ -44,7 +44,8 @@ public:
     void wait() { m_isWaiting = true; }
     void stopWaiting();
 
-    /// The pilot has chosen one that isn't there: it is searched for at each start.
+    /// The pilot has chosen one that isn't there: it is searched for at each start. What a lost session has left
+    /// running is interrupted for that.
     void setMissed(bool isAny) { m_isAnyMissed = isAny; }
     /// PortAudio's index; negative: the default device.
     void setDevice(StreamRole role, int device);
@@ -66,6 +67,7 @@ private:
     {
         DeviceStreams::Wishes wishes;
         Opening opening = Opening::None;
+        bool isAnew = false; ///< what runs is to be opened anew, too
         Calls whenTried;
         int change = 0; ///< the last one that it knows of
     };

@@ -156,13 +156,22 @@ private slots:
         QCOMPARE(stage.used(), QByteArray("server"));
     }
 
+    void aDeviceThatIsMissingAtFirstIsFoundAtTheNextStart_data()
+    {
+        QTest::addColumn<bool>("isStopped");
+        QTest::newRow("behind a session") << true;
+        QTest::newRow("behind a session that was lost") << false;
+    }
+
     void aDeviceThatIsMissingAtFirstIsFoundAtTheNextStart()
     {
+        QFETCH(bool, isStopped);
         ChoosingStage stage({"hardware"}, QStringLiteral("server"));
         stage.audio->startAll();
         stage.settle();
         QCOMPARE(stage.used(), QByteArray("hardware"));
-        stage.audio->stopAll();
+        if (isStopped)
+            stage.audio->stopAll();
         stage.settle();
         stage.system.plug({"server", "hardware"});
         stage.system.takeSearches();
@@ -173,10 +182,23 @@ private slots:
         QCOMPARE(stage.config.get(config::voiceOutputHeadphoneDevice), QStringLiteral("server"));
         QCOMPARE(stage.takeEvents(), Told());
         QCOMPARE(stage.system.takeSearches(), 1);
-        stage.audio->stopAll();
         stage.audio->startAll();
         stage.settle();
         QCOMPARE(stage.system.takeSearches(), 0);
+    }
+
+    void aMissingDeviceInterruptsNothingButAStart()
+    {
+        ChoosingStage stage({"hardware"}, QStringLiteral("server"));
+        stage.audio->startAll();
+        stage.settle();
+        stage.system.takeSearches();
+        stage.system.takeTried();
+        stage.devices.announceChosen();
+        stage.settle();
+        stage.pass();
+        QCOMPARE(stage.system.takeSearches(), 0);
+        QCOMPARE(stage.system.takeTried(), 0);
     }
 
     void aDeviceOfAnotherIndexIsFoundByItsName()
