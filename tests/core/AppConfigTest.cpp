@@ -1,5 +1,6 @@
 #include "AppConfig.h"
 #include "ServiceEndpoints.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QCoreApplication>
@@ -11,6 +12,7 @@
 #include <QTest>
 
 using tarvo::AppConfig;
+using tarvo::test::columns;
 namespace config = tarvo::config;
 
 class AppConfigTest : public QObject
@@ -258,10 +260,7 @@ private slots:
 
     void malformedValuesBecomeZero_data()
     {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("asBool");
-        QTest::addColumn<int>("asInt");
-        QTest::addColumn<double>("asReal");
+        columns<QByteArray, bool, int, double>("value", "asBool", "asInt", "asReal");
         QTest::newRow("text") << QByteArray("abc") << false << 0 << 0.0;
         QTest::newRow("empty") << QByteArray() << false << 0 << 0.0;
         QTest::newRow("true in another case") << QByteArray("TRUE") << true << 0 << 0.0;
@@ -508,9 +507,7 @@ private slots:
     /// Cuts the file down to what the row tells, as a crash of the machine may.
     void whatTheFileLosesComesBack_data()
     {
-        QTest::addColumn<QByteArray>("damaged");
-        QTest::addColumn<int>("lost");
-        QTest::addColumn<int>("port");
+        columns<QByteArray, int, int>("damaged", "lost", "port");
         QTest::newRow("everything") << QByteArray() << 30 << 50000;
         QTest::newRow("all but one key") << QByteArray("[XPlane]\nUDPPort=1234\n") << 29 << 1234;
         QTest::newRow("zeros") << QByteArray(4096, '\0') << 30 << 50000;

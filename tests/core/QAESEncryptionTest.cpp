@@ -1,9 +1,11 @@
 #include "QAESEncryption.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
 
 using tarvo::QAESEncryption;
+using tarvo::test::columns;
 using Level = QAESEncryption::Level;
 using Mode = QAESEncryption::Mode;
 using Padding = QAESEncryption::Padding;
@@ -32,11 +34,7 @@ class QAESEncryptionTest : public QObject
 private slots:
     void publishedVectors_data()
     {
-        QTest::addColumn<Level>("level");
-        QTest::addColumn<Mode>("mode");
-        QTest::addColumn<QByteArray>("key");
-        QTest::addColumn<QByteArray>("plain");
-        QTest::addColumn<QByteArray>("cipher");
+        columns<Level, Mode, QByteArray, QByteArray, QByteArray>("level", "mode", "key", "plain", "cipher");
         const QByteArray counting = hex("00112233445566778899aabbccddeeff");
         QTest::newRow("FIPS-197 B") << Level::Aes128 << Mode::Ecb << hex("2b7e151628aed2a6abf7158809cf4f3c")
                                     << hex("3243f6a8885a308d313198a2e0370734")
@@ -82,8 +80,7 @@ private slots:
 
     void paddingFillsTheLastBlock_data()
     {
-        QTest::addColumn<int>("length");
-        QTest::addColumn<int>("added");
+        columns<int, int>("length", "added");
         QTest::newRow("empty text gets a whole block") << 0 << 16;
         QTest::newRow("one byte") << 1 << 15;
         QTest::newRow("one short of a block") << 15 << 1;
@@ -107,8 +104,7 @@ private slots:
 
     void wrongLengthsGiveNothing_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("vector");
+        columns<int, int>("key", "vector");
         QTest::newRow("no key") << 0 << 16;
         QTest::newRow("key for another level") << 16 << 16;
         QTest::newRow("key one short") << 31 << 16;

@@ -1,4 +1,5 @@
 #include "fsd/pdu/AttitudeWord.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -15,11 +16,7 @@ class AttitudeWordTest : public QObject
 private slots:
     void pack_data()
     {
-        QTest::addColumn<double>("pitch");
-        QTest::addColumn<double>("heading");
-        QTest::addColumn<double>("bank");
-        QTest::addColumn<bool>("onGround");
-        QTest::addColumn<quint32>("word");
+        tarvo::test::columns<double, double, double, bool, quint32>("pitch", "heading", "bank", "onGround", "word");
         constexpr double nan = std::numeric_limits<double>::quiet_NaN();
         constexpr double infinity = std::numeric_limits<double>::infinity();
         QTest::newRow("level on the ground") << 0.0 << 0.0 << 0.0 << true << 2U;
@@ -56,11 +53,7 @@ private slots:
 
     void unpack_data()
     {
-        QTest::addColumn<quint32>("word");
-        QTest::addColumn<double>("pitch");
-        QTest::addColumn<double>("heading");
-        QTest::addColumn<double>("bank");
-        QTest::addColumn<bool>("onGround");
+        tarvo::test::columns<quint32, double, double, double, bool>("word", "pitch", "heading", "bank", "onGround");
         QTest::newRow("zero") << 0U << 0.0 << 0.0 << 0.0 << false;
         QTest::newRow("on the ground") << 2U << 0.0 << 0.0 << 0.0 << true;
         QTest::newRow("bit 0 says nothing") << 1U << 0.0 << 0.0 << 0.0 << false;

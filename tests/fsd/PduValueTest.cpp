@@ -4,6 +4,7 @@
 #include "fsd/pdu/FsdLine.h"
 #include "fsd/pdu/MetarRequest.h"
 #include "fsd/pdu/PDUFormatException.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -62,9 +63,7 @@ private slots:
 
     void transponderModes_data()
     {
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<bool>("modeC");
-        QTest::addColumn<bool>("identing");
+        tarvo::test::columns<QString, bool, bool>("mode", "modeC", "identing");
         QTest::newRow("S") << u"S"_qs << false << false;
         QTest::newRow("N") << u"N"_qs << true << false;
         QTest::newRow("Y") << u"Y"_qs << true << true;
@@ -91,8 +90,7 @@ private slots:
 
     void fastPositionFields_data()
     {
-        QTest::addColumn<FastPilotPositionType>("type");
-        QTest::addColumn<QString>("line");
+        tarvo::test::columns<FastPilotPositionType, QString>("type", "line");
         QTest::newRow("fast") << FastPilotPositionType::Fast
                               << u"^A:1.500000:-2.500000:3000.25:4.75:4173624322:1.0000:2.0000:3.0000:4.0000:5.0000:"
                                  u"6.0000:7.00\r\n"_qs;
@@ -252,8 +250,7 @@ private slots:
 
     void numbers_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("number");
+        tarvo::test::columns<QString, double>("text", "number");
         QTest::newRow("integer") << u"42"_qs << 42.0;
         QTest::newRow("negative") << u"-0.25"_qs << -0.25;
         QTest::newRow("plus") << u"+0.25"_qs << 0.25;

@@ -1,4 +1,5 @@
 #include "manager/ConnectRequest.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -6,6 +7,7 @@
 using tarvo::manager::ConnectConditions;
 using tarvo::manager::ConnectRequest;
 using tarvo::manager::refusalOf;
+using tarvo::test::columns;
 
 namespace {
 const QString busy = u"Already connected or connecting to network. Disconnect before changing callsign."_qs;
@@ -24,12 +26,8 @@ class ConnectRequestTest : public QObject
 private slots:
     void refusal_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("typeCode");
-        QTest::addColumn<bool>("observer");
-        QTest::addColumn<bool>("isBusy");
-        QTest::addColumn<bool>("simulatorReady");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString, bool, bool, bool, QString>("callsign", "typeCode", "observer", "isBusy",
+                                                             "simulatorReady", "expected");
         const bool pilot = false;
         const bool observer = true;
         QTest::newRow("pilot") << u"AB1"_qs << u"B738"_qs << pilot << false << true << granted;

@@ -1,6 +1,7 @@
 #include "common/Callsign.h"
 #include "fsd/FsdClient.h"
 #include "manager/ControlledSession.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -72,8 +73,7 @@ private slots:
 
     void callsignsThatAreNone_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<bool>("kept");
+        columns<QString, bool>("callsign", "kept");
         QTest::newRow("longest") << QString(common::longestCallsign, u'X') << true;
         QTest::newRow("longest with blanks around") << u' ' + QString(common::longestCallsign, u'X') + u' ' << true;
         QTest::newRow("too long") << QString(common::longestCallsign + 1, u'X') << false;
@@ -172,9 +172,7 @@ private slots:
     {
         // One step a word: r, m and f report: the same, a place moved, another frequency; n: no frequency; o: back on
         // the first; v: confirmed; d: left; N: named; t: a tick.
-        QTest::addColumn<QString>("steps");
-        QTest::addColumn<QStringList>("expected");
-        QTest::addColumn<QStringList>("known");
+        columns<QString, QStringList, QStringList>("steps", "expected", "known");
         const auto row = [](const char *name, const QString &steps, const QStringList &expected,
                             const QStringList &known) { QTest::newRow(name) << steps << expected << known; };
         const QString fresh = u"T 118500 Unknown"_qs;
@@ -374,10 +372,7 @@ private slots:
 
     void stationsOfTheRadios_data()
     {
-        QTest::addColumn<quint32>("com1");
-        QTest::addColumn<quint32>("com2");
-        QTest::addColumn<QString>("station1");
-        QTest::addColumn<QString>("station2");
+        columns<quint32, quint32, QString, QString>("com1", "com2", "station1", "station2");
         // Stations: A and B on 118020, C on 121975, D without a frequency.
         QTest::newRow("the same text") << 118020U << 121975U << u"A"_qs << u"C"_qs;
         QTest::newRow("118020 meets 118025") << 118025U << 121975U << u"A"_qs << u"C"_qs;
@@ -432,9 +427,7 @@ private slots:
 
     void aStationThatLeaves_data()
     {
-        QTest::addColumn<quint32>("com1");
-        QTest::addColumn<quint32>("com2");
-        QTest::addColumn<QStringList>("calls");
+        columns<quint32, quint32, QStringList>("com1", "com2", "calls");
         QTest::newRow("on COM1") << 118020U << 121700U << QStringList{tuned(1, QString())};
         QTest::newRow("on COM2") << 121700U << 118020U << QStringList{tuned(2, QString())};
         QTest::newRow("on both") << 118020U << 118025U << QStringList{tuned(1, QString()), tuned(2, QString())};

@@ -1,9 +1,11 @@
 #include "manager/Session.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 using namespace tarvo;
 using tarvo::manager::NetworkManager;
 using tarvo::manager::SimulatorData;
+using tarvo::test::columns;
 using tarvo::test::FakeSimulator;
 using tarvo::test::Session;
 
@@ -165,8 +167,7 @@ private slots:
 
     void silence_data()
     {
-        QTest::addColumn<int>("ms");
-        QTest::addColumn<QStringList>("expected");
+        columns<int, QStringList>("ms", "expected");
         QTest::newRow("3000 ms") << 3000 << QStringList();
         QTest::newRow("3001 ms") << 3001 << QStringList{u"state off"_qs, u"data off"_qs};
     }
@@ -204,9 +205,7 @@ private slots:
 
     void transmitFrequencies_data()
     {
-        QTest::addColumn<bool>("com1");
-        QTest::addColumn<bool>("com2");
-        QTest::addColumn<QStringList>("expected");
+        columns<bool, bool, QStringList>("com1", "com2", "expected");
         QTest::newRow("none") << false << false << QStringList{};
         QTest::newRow("COM1") << true << false << QStringList{u"118500"_qs};
         QTest::newRow("COM2") << false << true << QStringList{u"121700"_qs};
@@ -261,8 +260,7 @@ private slots:
 
     void forcedDisconnect_data()
     {
-        QTest::addColumn<QString>("reason");
-        QTest::addColumn<QString>("text");
+        columns<QString, QString>("reason", "text");
         QTest::newRow("reason") << u"slew mode"_qs << u"10 Forcibly disconnected from network: slew mode"_qs;
         QTest::newRow("no reason") << QString() << u"10 Forcibly disconnected from network."_qs;
     }

@@ -1,5 +1,6 @@
 #include "manager/RemoteAircraftTable.h"
 #include "manager/TrafficSession.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -78,10 +79,7 @@ private slots:
 
     void fastPositions_data()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<double>("x");
-        QTest::addColumn<double>("pitchRate");
-        QTest::addColumn<double>("groundSpeed");
+        columns<QString, double, double, double>("line", "x", "pitchRate", "groundSpeed");
         QTest::newRow("fast") << TrafficSession::fast(ab2) << 30.0 << 0.1 << 50 * 1.943844;
         QTest::newRow("slow") << TrafficSession::fast(ab2, u"#SL"_qs) << 30.0 << 0.1 << 50 * 1.943844;
         QTest::newRow("hardly moving") << TrafficSession::fast(ab2, u"^"_qs, u"0.04:9:0"_qs) << 0.04 << 0.1 << 250.0;
@@ -214,8 +212,7 @@ private slots:
 
     void theOwnAircraftIsTold_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("answer");
+        columns<QString, QString>("callsign", "answer");
         QTest::newRow("no airline") << u"ab1"_qs << u"#SBAB1:AB2:PI:GEN:EQUIPMENT=B738"_qs;
         QTest::newRow("airline") << u"cca123"_qs << u"#SBCCA123:AB2:PI:GEN:EQUIPMENT=B738:AIRLINE=CCA"_qs;
     }
@@ -320,8 +317,7 @@ private slots:
 
     void deletions_data()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QStringList>("trace");
+        columns<QString, QStringList>("line", "trace");
         QTest::newRow("shown") << u"#DP ab2 :1002"_qs
                                << QStringList{u"removeAircraft AB2 Pilot disconnected"_qs, u"deleted AB2"_qs};
         QTest::newRow("not shown") << u"#DPAB3:1003"_qs << QStringList{u"deleted AB3"_qs};

@@ -1,4 +1,5 @@
 #include "manager/TrafficSession.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -74,9 +75,7 @@ private slots:
 
     void flightPlans_data()
     {
-        QTest::addColumn<QString>("aircraft");
-        QTest::addColumn<QString>("typeCode");
-        QTest::addColumn<QStringList>("trace");
+        columns<QString, QString, QStringList>("aircraft", "typeCode", "trace");
         QTest::newRow("same type") << u"H/B738/L"_qs << u"B738"_qs << QStringList{u"info AB2 B738 "_qs};
         QTest::newRow("another type") << u"H/B744/L"_qs << u"B744"_qs
                                       << QStringList{u"updateAircraftConfiguration AB2"_qs, u"info AB2 B744 "_qs};
@@ -186,9 +185,7 @@ private slots:
 
     void flightPlanAnswers_data()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("log");
-        QTest::addColumn<QStringList>("trace");
+        columns<QString, QString, QStringList>("line", "log", "trace");
         const QStringList changed{u"updateAircraftConfiguration AB2"_qs, u"info AB2 B744 "_qs};
         QTest::newRow("by position")
             << u"$CRSERVER:AB1:FP:ab2:H/B744/L"_qs

@@ -1,4 +1,5 @@
 #include "manager/PilotName.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -12,10 +13,7 @@ class PilotNameTest : public QObject
 private slots:
     void name_data()
     {
-        QTest::addColumn<QString>("profile");
-        QTest::addColumn<QString>("account");
-        QTest::addColumn<QString>("username");
-        QTest::addColumn<QString>("expected");
+        tarvo::test::columns<QString, QString, QString, QString>("profile", "account", "username", "expected");
         QTest::newRow("profile") << u" Li Lei "_qs << u"lilei"_qs << u"1001"_qs << u"Li Lei"_qs;
         QTest::newRow("unknown in any case") << u"uNKNOWN"_qs << u"lilei"_qs << u"1001"_qs << u"lilei"_qs;
         QTest::newRow("unknown with blanks") << u" Unknown "_qs << u"lilei"_qs << u"1001"_qs << u"lilei"_qs;
@@ -35,8 +33,7 @@ private slots:
 
     void airport_data()
     {
-        QTest::addColumn<QString>("setting");
-        QTest::addColumn<QString>("expected");
+        tarvo::test::columns<QString, QString>("setting", "expected");
         QTest::newRow("as set") << u"ZSPD"_qs << u"ZSPD"_qs;
         QTest::newRow("trimmed and raised") << u" zspd "_qs << u"ZSPD"_qs;
         QTest::newRow("empty") << u"  "_qs << u"ZBAA"_qs;

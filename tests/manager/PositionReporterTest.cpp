@@ -1,5 +1,6 @@
 #include "manager/PositionReporter.h"
 #include "fsd/pdu/PilotPosition.h"
+#include "support/Columns.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
@@ -11,6 +12,7 @@
 
 using namespace tarvo::manager;
 using tarvo::model::UserAircraftData;
+using tarvo::test::columns;
 
 namespace {
 
@@ -88,9 +90,7 @@ class PositionReporterTest : public QObject
 private slots:
     void moving_data()
     {
-        QTest::addColumn<int>("field");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<bool>("expected");
+        columns<int, double, bool>("field", "value", "expected");
         for (const char *name : {"east", "up", "north", "pitch", "heading"}) {
             const int index = m_movingRow++;
             QTest::addRow("%s at 0.005", name) << index << 0.005 << true;
@@ -137,9 +137,7 @@ private slots:
 
     void transponder_data()
     {
-        QTest::addColumn<bool>("modeC");
-        QTest::addColumn<bool>("ident");
-        QTest::addColumn<QString>("mode");
+        columns<bool, bool, QString>("modeC", "ident", "mode");
         QTest::newRow("standby") << false << false << u"@S:"_qs;
         QTest::newRow("mode C") << true << false << u"@N:"_qs;
         QTest::newRow("ident") << true << true << u"@Y:"_qs;
@@ -268,8 +266,7 @@ private slots:
 
     void numbersOfASlowPositionAreCutTowardsZero_data()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<qint32>("expected");
+        columns<double, qint32>("value", "expected");
         QTest::newRow("positive") << 99.99 << 99;
         QTest::newRow("negative") << -99.99 << -99;
         QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 0;

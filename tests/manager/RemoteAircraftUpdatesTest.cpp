@@ -8,6 +8,7 @@
 #include "model/ConnectInfo.h"
 #include "model/RemoteAircraft.h"
 #include "network/SwiftAircraftIcaoService.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTemporaryDir>
@@ -19,6 +20,7 @@ using tarvo::fsd::pdu::FastPilotPosition;
 using tarvo::fsd::pdu::FastPilotPositionType;
 using tarvo::fsd::pdu::PlaneInfoResponse;
 using tarvo::model::RemoteAircraft;
+using tarvo::test::columns;
 
 /// What the messages of another pilot change in his record.
 class RemoteAircraftUpdatesTest : public QObject
@@ -28,10 +30,7 @@ class RemoteAircraftUpdatesTest : public QObject
 private slots:
     void ownAndShadowed_data()
     {
-        QTest::addColumn<QString>("own");
-        QTest::addColumn<bool>("observer");
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<bool>("dropped");
+        columns<QString, bool, QString, bool>("own", "observer", "callsign", "dropped");
         QTest::newRow("own") << u"CES1"_qs << false << u"CES1"_qs << true;
         QTest::newRow("own, observer") << u"CES1A"_qs << true << u"CES1A"_qs << true;
         QTest::newRow("other") << u"CES1"_qs << false << u"CES2"_qs << false;
@@ -98,10 +97,7 @@ private slots:
 
     void groundSpeed_data()
     {
-        QTest::addColumn<FastPilotPositionType>("type");
-        QTest::addColumn<double>("east");
-        QTest::addColumn<double>("north");
-        QTest::addColumn<double>("knots");
+        columns<FastPilotPositionType, double, double, double>("type", "east", "north", "knots");
         const auto fast = FastPilotPositionType::Fast;
         const auto slow = FastPilotPositionType::Slow;
         const auto stopped = FastPilotPositionType::Stopped;
@@ -132,8 +128,7 @@ private slots:
 
     void velocities_data()
     {
-        QTest::addColumn<FastPilotPositionType>("type");
-        QTest::addColumn<QList<double>>("expected");
+        columns<FastPilotPositionType, QList<double>>("type", "expected");
         const QList<double> told{1, 2, 3, 0.1, 0.2, 0.3};
         QTest::newRow("fast") << FastPilotPositionType::Fast << told;
         QTest::newRow("slow") << FastPilotPositionType::Slow << told;

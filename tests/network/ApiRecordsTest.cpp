@@ -1,5 +1,6 @@
 #include "network/ApiFixture.h"
 #include "network/ReplyOutcome.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/MainThreadWatch.h"
 #include "support/Patience.h"
@@ -78,8 +79,7 @@ class ApiRecordsTest : public QObject
 private slots:
     void withoutJwtNothingIsAsked_data()
     {
-        QTest::addColumn<Record>("record");
-        QTest::addColumn<QString>("error");
+        columns<Record, QString>("record", "error");
         QTest::newRow("history") << Record::History << QStringLiteral("No JWT token found, get user history fail");
         QTest::newRow("profile") << Record::Profile << QStringLiteral("No JWT token found, get user profile fail");
         QTest::newRow("leaderboard") << Record::Leaderboard
@@ -100,8 +100,7 @@ private slots:
 
     void requests_data()
     {
-        QTest::addColumn<Record>("record");
-        QTest::addColumn<QString>("log");
+        columns<Record, QString>("record", "log");
         QTest::newRow("history") << Record::History
                                  << QStringLiteral("GetUserHistory request: %1/users/histories/self");
         QTest::newRow("profile") << Record::Profile << QStringLiteral("GetUserProfile request: %1/users/profiles/self");
@@ -129,11 +128,7 @@ private slots:
 
     void replies_data()
     {
-        QTest::addColumn<Record>("record");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("success");
-        QTest::addColumn<qint64>("number");
-        QTest::addColumn<QString>("error");
+        columns<Record, QByteArray, bool, qint64, QString>("record", "body", "success", "number", "error");
 
         const auto data = [](const char *code, const char *value) {
             return QByteArray("{\"code\":\"") + code + "\",\"data\":" + value + "}";
@@ -188,8 +183,7 @@ private slots:
 
     void networkErrors_data()
     {
-        QTest::addColumn<Record>("record");
-        QTest::addColumn<int>("status");
+        columns<Record, int>("record", "status");
         QTest::newRow("history, 401 is not retried") << Record::History << 401;
         QTest::newRow("profile, 500") << Record::Profile << 500;
         QTest::newRow("leaderboard, 404") << Record::Leaderboard << 404;
@@ -211,8 +205,7 @@ private slots:
 
     void theLongestHistoryHoldsNobodyUp_data()
     {
-        QTest::addColumn<qint64>("bodySize");
-        QTest::addColumn<bool>("success");
+        columns<qint64, bool>("bodySize", "success");
         QTest::newRow("longest") << network::longestRecordReply << true;
         QTest::newRow("longer") << network::longestRecordReply + 1 << false;
         QTest::newRow("far longer") << 8 * network::longestRecordReply << false;

@@ -1,5 +1,6 @@
 #include "network/IcaoDatabase.h"
 #include "network/IcaoFiles.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -10,7 +11,7 @@ using namespace tarvo::network;
 using namespace tarvo::test;
 
 namespace {
-const QString columns =
+const QString tableColumns =
     QStringLiteral("id INTEGER PRIMARY KEY, designator TEXT, manufacturer TEXT, model TEXT, type TEXT, engine TEXT, "
                    "engine_count INTEGER, wake_turbulence_category TEXT, rank INTEGER, real_world INTEGER, "
                    "legacy INTEGER, military INTEGER, created TEXT, last_updated TEXT");
@@ -119,9 +120,7 @@ private slots:
 
     void importsThatNeverStart_data()
     {
-        QTest::addColumn<bool>("open");
-        QTest::addColumn<QString>("designator");
-        QTest::addColumn<QString>("line");
+        columns<bool, QString, QString>("open", "designator", "line");
         const QString none = QStringLiteral("swift aircraft ICAO data produced no valid designators");
         QTest::newRow("empty designator") << true << QString() << none;
         QTest::newRow("blank designator") << true << QStringLiteral(" ") << none;
@@ -144,8 +143,7 @@ private slots:
 
     void aFailedImportLeavesTheOldData_data()
     {
-        QTest::addColumn<QString>("trigger");
-        QTest::addColumn<QString>("line");
+        columns<QString, QString>("trigger", "line");
         const auto trigger = [](const char *when) {
             return QStringLiteral("CREATE TRIGGER t BEFORE %1 BEGIN SELECT RAISE(ABORT, 'no'); END")
                 .arg(QLatin1String(when));
@@ -269,9 +267,8 @@ private slots:
 
     void missingTables_data()
     {
-        QTest::addColumn<QString>("statement");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("metadata") << QStringLiteral("CREATE TABLE aircraft_icao (%1)").arg(columns)
+        columns<QString, QString>("statement", "line");
+        QTest::newRow("metadata") << QStringLiteral("CREATE TABLE aircraft_icao (%1)").arg(tableColumns)
                                   << QStringLiteral("Failed to load swift aircraft ICAO metadata: ");
         QTest::newRow("rows") << QStringLiteral("CREATE TABLE metadata (key TEXT, value TEXT)")
                               << QStringLiteral("Failed to load swift aircraft ICAO rows: ");
@@ -297,7 +294,7 @@ private slots:
             QStringLiteral("INSERT INTO aircraft_icao VALUES (1, x'42373338', NULL, 5, 1.5, '', 'many', "
                            "NULL, 1e300, 'x', 7, NULL, '', '')");
         QCOMPARE(runSql(m_path, {QStringLiteral("CREATE TABLE metadata (key TEXT, value TEXT)"),
-                                 QStringLiteral("CREATE TABLE aircraft_icao (%1)").arg(columns), insert}),
+                                 QStringLiteral("CREATE TABLE aircraft_icao (%1)").arg(tableColumns), insert}),
                  QStringList());
         IcaoDatabase database(QStringLiteral("test"));
         QVERIFY(database.open(m_path, IcaoDatabase::Mode::ReadOnly));

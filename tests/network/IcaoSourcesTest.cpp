@@ -1,4 +1,5 @@
 #include "network/IcaoSources.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QBuffer>
@@ -68,8 +69,7 @@ private slots:
 
     void linesThatAreKept_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QStringList>("designators");
+        tarvo::test::columns<QByteArray, QStringList>("text", "designators");
         const auto list = [](const char *texts) { return QString::fromLatin1(texts).split(QLatin1Char(' ')); };
         QTest::newRow("four columns") << QByteArray("A\tB\tB738\tL2J\n") << QStringList();
         QTest::newRow("six columns") << QByteArray("A\tB\tB738\tL2J\tM\tmore\n") << list("B738");
@@ -125,9 +125,7 @@ private slots:
 
     void descriptions_data()
     {
-        QTest::addColumn<QString>("description");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QString>("engine");
+        tarvo::test::columns<QString, int, QString>("description", "count", "engine");
         QTest::newRow("L2J") << QStringLiteral("L2J") << 2 << QStringLiteral("J");
         QTest::newRow("glider") << QStringLiteral("L0-") << 0 << QStringLiteral("-");
         QTest::newRow("longer") << QStringLiteral("H1TX") << 1 << QStringLiteral("T");
@@ -150,8 +148,7 @@ private slots:
 
     void jsonErrors_data()
     {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<QString>("error");
+        tarvo::test::columns<QByteArray, QString>("json", "error");
         QTest::newRow("not JSON") << QByteArray("{") << QStringLiteral("swift aircraft ICAO JSON parse error: ");
         QTest::newRow("empty") << QByteArray() << QStringLiteral("swift aircraft ICAO JSON parse error: ");
         QTest::newRow("nested beyond reason")

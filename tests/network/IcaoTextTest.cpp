@@ -1,5 +1,6 @@
 #include "network/IcaoText.h"
 #include "network/IcaoSnapshot.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -34,8 +35,7 @@ private:
 private slots:
     void cleaner_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("cleaned");
+        tarvo::test::columns<QString, QString>("text", "cleaned");
         QTest::newRow("plain") << QStringLiteral("Boeing") << QStringLiteral("Boeing");
         QTest::newRow("trimmed") << QStringLiteral(" \t737-800 \n") << QStringLiteral("737-800");
         QTest::newRow("Chinese") << QStringLiteral("\u6ce2\u97f3 Boeing \u4e2d") << QStringLiteral("Boeing");
@@ -55,8 +55,7 @@ private slots:
 
     void candidates_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("expected");
+        tarvo::test::columns<QString, QStringList>("text", "expected");
         const auto list = [](const char *texts) { return QString::fromLatin1(texts).split(QLatin1Char(' ')); };
         QTest::newRow("a designator") << QStringLiteral("B738") << list("B738");
         QTest::newRow("with a suffix") << QStringLiteral("B738/M") << list("B738");
@@ -76,10 +75,7 @@ private slots:
 
     void normalize_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("canonical");
-        QTest::addColumn<bool>("exact");
-        QTest::addColumn<bool>("found");
+        tarvo::test::columns<QString, QString, bool, bool>("text", "canonical", "exact", "found");
         const auto row = [](const char *name, const char *text, const char *canonical, bool exact, bool found) {
             QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(canonical) << exact << found;
         };
@@ -118,9 +114,7 @@ private slots:
 
     void score_data()
     {
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<QString>("designator");
-        QTest::addColumn<int>("expected");
+        tarvo::test::columns<QString, QString, int>("query", "designator", "expected");
         const auto row = [](const char *query, const char *designator, int expected) {
             QTest::addRow("%s for %s", designator, query)
                 << QString::fromUtf8(query) << QString::fromUtf8(designator) << expected;
@@ -152,9 +146,7 @@ private slots:
 
     void suggestions_data()
     {
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<int>("limit");
-        QTest::addColumn<QStringList>("expected");
+        tarvo::test::columns<QString, int, QStringList>("query", "limit", "expected");
         const auto list = [](const char *texts) { return QString::fromLatin1(texts).split(QLatin1Char(' ')); };
         QTest::newRow("four letters before three") << QStringLiteral("B7") << 10 << list("B738 B739 B7X");
         QTest::newRow("prefix of two") << QStringLiteral("b73") << 10 << list("B738 B739");

@@ -1,5 +1,6 @@
 #include "network/JwtExpiry.h"
 #include "network/ApiFixture.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -8,6 +9,7 @@
 
 using namespace tarvo::network;
 using tarvo::test::ApiFixture;
+using tarvo::test::columns;
 
 namespace {
 constexpr qint64 biggest = std::numeric_limits<qint64>::max();
@@ -23,8 +25,7 @@ class JwtExpiryTest : public QObject
 private slots:
     void expiryOfAToken_data()
     {
-        QTest::addColumn<QString>("jwt");
-        QTest::addColumn<qint64>("expected");
+        columns<QString, qint64>("jwt", "expected");
         const auto payload = [](const char *json) { return ApiFixture::jwtOf(json); };
         QTest::newRow("readable") << payload(R"({"exp":1700000000})") << qint64(1700000000);
         // Its Base64 holds "-" and "_", which only the URL alphabet has.
@@ -56,8 +57,7 @@ private slots:
 
     void refreshDelay_data()
     {
-        QTest::addColumn<qint64>("expiry");
-        QTest::addColumn<qint64>("expected");
+        columns<qint64, qint64>("expiry", "expected");
         QTest::newRow("301 s left") << now + 301 << qint64(1000);
         QTest::newRow("300 s left") << now + 300 << qint64(0);
         QTest::newRow("299 s left") << now + 299 << qint64(0);
@@ -76,8 +76,7 @@ private slots:
 
     void timerInterval_data()
     {
-        QTest::addColumn<qint64>("delay");
-        QTest::addColumn<int>("expected");
+        columns<qint64, int>("delay", "expected");
         QTest::newRow("short") << qint64(1000) << 1000;
         QTest::newRow("24 days") << qint64(longestInterval) << longestInterval;
         QTest::newRow("24 days and 1 ms") << qint64(longestInterval) + 1 << longestInterval;
@@ -92,8 +91,7 @@ private slots:
 
     void soonExpiry_data()
     {
-        QTest::addColumn<qint64>("expiry");
-        QTest::addColumn<bool>("expected");
+        columns<qint64, bool>("expiry", "expected");
         QTest::newRow("61 s left") << now + 61 << false;
         QTest::newRow("60 s left") << now + 60 << true;
         QTest::newRow("expired") << now - 1 << true;

@@ -1,4 +1,5 @@
 #include "network/LogRedaction.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -14,8 +15,7 @@ class LogRedactionTest : public QObject
 private slots:
     void body_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("logged");
+        tarvo::test::columns<QByteArray, QString>("body", "logged");
         QTest::newRow("nothing secret") << QByteArray("{ \"code\": \"X\" }") << QStringLiteral(R"({"code":"X"})");
         QTest::newRow("token at the top")
             << QByteArray(R"({"token":"abc"})") << QStringLiteral(R"({"token":"******"})");
@@ -52,8 +52,7 @@ private slots:
 
     void text_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("logged");
+        tarvo::test::columns<QString, QString>("text", "logged");
         QTest::newRow("harmless") << QStringLiteral("fine") << QStringLiteral("fine");
         QTest::newRow("echoed") << QStringLiteral("no pass!word here, pass!word")
                                 << QStringLiteral("no ****** here, ******");
@@ -92,9 +91,7 @@ private slots:
 
     void otherSecrets_data()
     {
-        QTest::addColumn<QString>("secret");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("logged");
+        tarvo::test::columns<QString, QString, QString>("secret", "text", "logged");
         QTest::newRow("quotes, as JSON writes them")
             << QStringLiteral("p\"\\/\n") << QStringLiteral(R"(x p\"\\\/\n x)") << QStringLiteral("x ****** x");
         QTest::newRow("beyond ASCII, as JSON writes it")

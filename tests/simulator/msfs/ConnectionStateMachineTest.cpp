@@ -1,4 +1,5 @@
 #include "simulator/msfs/ConnectionStateMachine.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -7,6 +8,7 @@
 #include <functional>
 
 using namespace tarvo::simulator::msfs;
+using tarvo::test::columns;
 using tarvo::test::LogCapture;
 
 namespace {
@@ -100,11 +102,7 @@ private slots:
 
     void oneStep_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("step");
-        QTest::addColumn<int>("state");
-        QTest::addColumn<QByteArray>("raised");
-        QTest::addColumn<Lines>("logged");
+        columns<QByteArray, QByteArray, int, QByteArray, Lines>("before", "step", "state", "raised", "logged");
         const QByteArray idle;
         const QByteArray connecting = "connect";
         const QByteArray connected = toConnected;
@@ -191,8 +189,7 @@ private slots:
 
     void manySteps_data()
     {
-        QTest::addColumn<QByteArray>("done");
-        QTest::addColumn<QByteArray>("raised");
+        columns<QByteArray, QByteArray>("done", "raised");
         const auto add = [](const char *name, const QByteArray &done, const QByteArray &raised) {
             QTest::newRow(name) << done << raised;
         };

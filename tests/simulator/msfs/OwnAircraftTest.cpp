@@ -1,4 +1,5 @@
 #include "simulator/msfs/OwnAircraft.h"
+#include "support/Columns.h"
 #include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
@@ -98,10 +99,7 @@ private slots:
     /// Each key alone, from nothing and from a flight.
     void oneKey_data()
     {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<Look>("look");
-        QTest::addColumn<double>("expected");
+        tarvo::test::columns<QString, QVariant, Look, double>("key", "value", "look", "expected");
 #define KEY_ROW(KEY, PART, VALUE, EXPECTED)                                                                            \
     QTest::newRow(#KEY) << QStringLiteral(#KEY) << QVariant(VALUE)                                                     \
                         << Look([](const OwnAircraft &own) { return double(own.PART.KEY); }) << double(EXPECTED)
@@ -198,8 +196,7 @@ private slots:
 
     void speedbrake_data()
     {
-        QTest::addColumn<QVariantMap>("sample");
-        QTest::addColumn<double>("ratio");
+        tarvo::test::columns<QVariantMap, double>("sample", "ratio");
         const char *sources[] = {"speedbrakeRatio",
                                  "speedbrakeLeftPosition",
                                  "speedbrakeRightPosition",
@@ -232,8 +229,7 @@ private slots:
 
     void armed_data()
     {
-        QTest::addColumn<QVariantMap>("sample");
-        QTest::addColumn<bool>("armed");
+        tarvo::test::columns<QVariantMap, bool>("sample", "armed");
         QTest::newRow("none: as it was") << QVariantMap() << true;
         QTest::newRow("all off") << sampleOf({{"speedbrakeArmed", false},
                                               {"airbusSpeedbrakeArmed", false},
@@ -278,8 +274,7 @@ private slots:
 
     void inputEvent_data()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<double>("ratio");
+        tarvo::test::columns<double, double>("value", "ratio");
         QTest::newRow("percent") << 75.0 << 0.75;
         QTest::newRow("ratio") << 0.75 << 0.75;
         QTest::newRow("one is a ratio") << 1.0 << 1.0;
@@ -295,8 +290,7 @@ private slots:
 
     void altitudes_data()
     {
-        QTest::addColumn<double>("pressure");
-        QTest::addColumn<double>("told");
+        tarvo::test::columns<double, double>("pressure", "told");
         QTest::newRow("pressure altitude known") << 9800.0 << 9800.0;
         QTest::newRow("0: the true one") << 0.0 << 3280.84;
         QTest::newRow("below 0: the true one") << -120.0 << 3280.84;

@@ -2,6 +2,7 @@
 #include "model/RemoteAircraft.h"
 #include "model/VelocityVector.h"
 #include "simulator/msfs/session/SimConnectSession.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -12,6 +13,7 @@
 using namespace tarvo::simulator::msfs;
 using tarvo::model::RemoteAircraft;
 using tarvo::model::VelocityVector;
+using tarvo::test::columns;
 
 class RemoteRulesTest : public QObject
 {
@@ -21,10 +23,7 @@ private slots:
     void onGround_data()
     {
         using Flag = std::optional<bool>;
-        QTest::addColumn<std::optional<bool>>("told");
-        QTest::addColumn<double>("knots");
-        QTest::addColumn<double>("metres");
-        QTest::addColumn<bool>("onGround");
+        columns<std::optional<bool>, double, double, bool>("told", "knots", "metres", "onGround");
         QTest::newRow("told so") << Flag(true) << 0.0 << 0.0 << true;
         QTest::newRow("told so at 79 knots and 5 m") << Flag(true) << 79.0 << 5.0 << true;
         QTest::newRow("told so at 85 knots") << Flag(true) << 85.0 << 0.0 << false;
@@ -61,11 +60,7 @@ private slots:
 
     void speed_data()
     {
-        QTest::addColumn<double>("east");
-        QTest::addColumn<double>("up");
-        QTest::addColumn<double>("north");
-        QTest::addColumn<double>("last");
-        QTest::addColumn<double>("knots");
+        columns<double, double, double, double, double>("east", "up", "north", "last", "knots");
         QTest::newRow("10 m/s east") << 10.0 << 0.0 << 0.0 << 0.0 << 19.43844;
         QTest::newRow("10 m/s west") << -10.0 << 0.0 << 0.0 << 0.0 << 19.43844;
         QTest::newRow("north-east") << 3.0 << 0.0 << 4.0 << 0.0 << 9.71922;
@@ -113,8 +108,7 @@ private slots:
 
     void airline_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("airline");
+        columns<QString, QString>("callsign", "airline");
         const auto add = [](const char *callsign, const char *airline) {
             QTest::newRow(callsign) << QString::fromLatin1(callsign) << QString::fromLatin1(airline);
         };
@@ -138,11 +132,7 @@ private slots:
 
     void distance_data()
     {
-        QTest::addColumn<double>("latitude1");
-        QTest::addColumn<double>("longitude1");
-        QTest::addColumn<double>("latitude2");
-        QTest::addColumn<double>("longitude2");
-        QTest::addColumn<double>("metres");
+        columns<double, double, double, double, double>("latitude1", "longitude1", "latitude2", "longitude2", "metres");
         constexpr double degree = 6371000 * 3.14159265358979 / 180;
         QTest::newRow("same place") << 40.0 << 116.0 << 40.0 << 116.0 << 0.0;
         QTest::newRow("one degree north") << 40.0 << 116.0 << 41.0 << 116.0 << degree;

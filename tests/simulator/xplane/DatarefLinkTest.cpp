@@ -1,4 +1,5 @@
 #include "XPlaneBench.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
@@ -9,6 +10,7 @@
 
 using namespace tarvo;
 using namespace tarvo::simulator::xplane;
+using tarvo::test::columns;
 using tarvo::test::DatarefBench;
 using tarvo::test::DatarefPeer;
 
@@ -52,8 +54,7 @@ private slots:
 
     void portOutsideTheRangeIsTheDefaultOne_data()
     {
-        QTest::addColumn<int>("base");
-        QTest::addColumn<bool>("addPeer");
+        columns<int, bool>("base", "addPeer");
         QTest::newRow("70000") << 70000 << false;
         QTest::newRow("65536") << 65536 << false;
         QTest::newRow("0") << 0 << false;
@@ -118,8 +119,7 @@ private slots:
 
     void replyRefreshesTheTime_data()
     {
-        QTest::addColumn<QByteArray>("datagram");
-        QTest::addColumn<bool>("refreshes");
+        columns<QByteArray, bool>("datagram", "refreshes");
         QTest::newRow("4 bytes") << QByteArray("RREF") << true;
         QTest::newRow("5 bytes") << QByteArray("RREF,") << true;
         QTest::newRow("12 bytes") << QByteArray("RREF,\x12\0\0\0\0\0\x20", 12) << true;
@@ -256,10 +256,7 @@ private slots:
 
     void onlyWhatChangedIsPublished_data()
     {
-        QTest::addColumn<quint32>("id");
-        QTest::addColumn<int>("user");
-        QTest::addColumn<int>("config");
-        QTest::addColumn<int>("radio");
+        columns<quint32, int, int, int>("id", "user", "config", "radio");
         QTest::newRow("position") << 18U << 1 << 0 << 0;
         QTest::newRow("gear") << 45U << 0 << 1 << 0;
         QTest::newRow("COM1") << 4U << 0 << 0 << 1;
@@ -306,10 +303,7 @@ private slots:
 
     void silenceIsNoticed_data()
     {
-        QTest::addColumn<bool>("asked");
-        QTest::addColumn<bool>("replied");
-        QTest::addColumn<int>("seconds");
-        QTest::addColumn<bool>("silent");
+        columns<bool, bool, int, bool>("asked", "replied", "seconds", "silent");
         QTest::newRow("never asked") << false << false << 1000 << false;
         QTest::newRow("asked just now") << true << false << 9 << false;
         QTest::newRow("asked a while ago") << true << false << 10 << true;

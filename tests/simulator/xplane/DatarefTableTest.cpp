@@ -1,4 +1,5 @@
 #include "simulator/xplane/DatarefTable.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -26,10 +27,7 @@ class DatarefTableTest : public QObject
 private slots:
     void valueGoesInto_data()
     {
-        QTest::addColumn<quint32>("id");
-        QTest::addColumn<float>("value");
-        QTest::addColumn<Reader>("field");
-        QTest::addColumn<double>("expected");
+        tarvo::test::columns<quint32, float, Reader, double>("id", "value", "field", "expected");
         addRadioRows();
         addAudioAndTransponderRows();
         addPositionRows();
@@ -50,8 +48,7 @@ private slots:
 
     void flagFollowsZeroAndNonZero_data()
     {
-        QTest::addColumn<quint32>("id");
-        QTest::addColumn<Reader>("field");
+        tarvo::test::columns<quint32, Reader>("id", "field");
         const auto add = [](const char *name, quint32 id, Reader field) { QTest::newRow(name) << id << field; };
         add("avionics", 0, FIELD(radio.avionicsPowerOn));
         add("COM1 receive", 2, FIELD(radio.com1ReceiveEnabled));
@@ -85,9 +82,7 @@ private slots:
 
     void transmitSelection_data()
     {
-        QTest::addColumn<float>("value");
-        QTest::addColumn<bool>("com1");
-        QTest::addColumn<bool>("com2");
+        tarvo::test::columns<float, bool, bool>("value", "com1", "com2");
         QTest::newRow("6 is COM1") << 6.0F << true << false;
         QTest::newRow("7 is COM2") << 7.0F << false << true;
     }
@@ -121,8 +116,7 @@ private slots:
 
     void reversingIsExactlyThree_data()
     {
-        QTest::addColumn<float>("value");
-        QTest::addColumn<bool>("reversing");
+        tarvo::test::columns<float, bool>("value", "reversing");
         QTest::newRow("0") << 0.0F << false;
         QTest::newRow("1") << 1.0F << false;
         QTest::newRow("2.9") << 2.9F << false;

@@ -2,6 +2,7 @@
 #include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
 #include "simulator/xplane/PluginReports.h"
+#include "support/Columns.h"
 #include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
@@ -154,10 +155,7 @@ private slots:
 
     void messages_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("packed");
-        QTest::addColumn<QByteArray>("nameInFile");
-        QTest::addColumn<QByteArray>("golden");
+        tarvo::test::columns<QByteArray, QByteArray, QByteArray, QByteArray>("name", "packed", "nameInFile", "golden");
         const QList<Golden> golden = goldenFile("messages.txt");
         const QList<Golden> messages = messagesToThePlugin();
         for (qsizetype i = 0; i < messages.size(); ++i) {
@@ -178,10 +176,8 @@ private slots:
 
     void reports_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<PluginReport>("report");
-        QTest::addColumn<QByteArray>("nameInFile");
-        QTest::addColumn<QByteArray>("golden");
+        tarvo::test::columns<QByteArray, PluginReport, QByteArray, QByteArray>("name", "report", "nameInFile",
+                                                                               "golden");
         const QList<Golden> golden = goldenFile("messages.txt");
         const qsizetype first = messagesToThePlugin().size();
         const auto reports = reportsOfThePlugin();

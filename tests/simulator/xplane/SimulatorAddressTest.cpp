@@ -1,4 +1,5 @@
 #include "simulator/xplane/SimulatorAddress.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -12,10 +13,7 @@ class SimulatorAddressTest : public QObject
 private slots:
     void addressMeans_data()
     {
-        QTest::addColumn<QString>("configured");
-        QTest::addColumn<bool>("local");
-        QTest::addColumn<QString>("url");
-        QTest::addColumn<QHostAddress>("host");
+        tarvo::test::columns<QString, bool, QString, QHostAddress>("configured", "local", "url", "host");
         const QHostAddress here(QHostAddress::LocalHost);
         const QString ipc = QStringLiteral("ipc:///x");
         QTest::newRow("empty") << QString() << true << ipc << here;
@@ -50,8 +48,7 @@ private slots:
 
     void portMeans_data()
     {
-        QTest::addColumn<int>("configured");
-        QTest::addColumn<quint16>("port");
+        tarvo::test::columns<int, quint16>("configured", "port");
         QTest::newRow("lowest") << 1 << quint16(1);
         QTest::newRow("highest") << 65535 << quint16(65535);
         QTest::newRow("none") << 0 << quint16(49000);

@@ -1,6 +1,7 @@
 #include "XPlaneBench.h"
 #include "model/VelocityVector.h"
 #include "simulator/xplane/PluginMessages.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QThread>
@@ -19,9 +20,7 @@ class XPlaneAdapterMessagesTest : public QObject
 private slots:
     void verdictIsTheLastOfItsSignals_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QVariantList>("arguments");
-        QTest::addColumn<QStringList>("signalled");
+        tarvo::test::columns<QString, QVariantList, QStringList>("name", "arguments", "signalled");
         const QString invalid = QStringLiteral("invalid");
         const QString version = QStringLiteral("version");
         const QStringList csl{QStringLiteral("mapping"), QStringLiteral("csl")};
@@ -52,9 +51,7 @@ private slots:
 
     void textIsHandedOnUnlessEmpty_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QVariantList>("arguments");
-        QTest::addColumn<QStringList>("signalled");
+        tarvo::test::columns<QString, QVariantList, QStringList>("name", "arguments", "signalled");
         const auto add = [](const char *name, const char *message, const QVariantList &arguments,
                             const QStringList &signalled) {
             QTest::newRow(name) << QString::fromLatin1(message) << arguments << signalled;
@@ -171,8 +168,7 @@ private slots:
 
     void waitingPositionsGiveWay_data()
     {
-        QTest::addColumn<std::function<void(Simulator &)>>("operation");
-        QTest::addColumn<QByteArray>("message");
+        tarvo::test::columns<std::function<void(Simulator &)>, QByteArray>("operation", "message");
         const auto one = test::remoteAircraft();
         const auto add = [](const char *name, std::function<void(Simulator &)> operation, const QByteArray &bytes) {
             QTest::newRow(name) << std::move(operation) << bytes;

@@ -1,5 +1,6 @@
 #include "XPlaneBench.h"
 #include "simulator/xplane/PluginLink.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QLocalServer>
@@ -20,8 +21,7 @@ class XPlaneAdapterRecoveryTest : public QObject
 private slots:
     void aLateAnswerIsTaken_data()
     {
-        QTest::addColumn<int>("version");
-        QTest::addColumn<bool>("connects");
+        tarvo::test::columns<int, bool>("version", "connects");
         QTest::newRow("of a plugin that is too old") << 65535 << false;
         QTest::newRow("of a good one") << 65536 << true;
     }
@@ -42,8 +42,7 @@ private slots:
 
     void aNewPluginBeginsAnAttempt_data()
     {
-        QTest::addColumn<std::function<void(AdapterBench &)>>("before");
-        QTest::addColumn<QList<bool>>("connected");
+        tarvo::test::columns<std::function<void(AdapterBench &)>, QList<bool>>("before", "connected");
         const auto add = [](const char *name, std::function<void(AdapterBench &)> before,
                             const QList<bool> &connected) { QTest::newRow(name) << std::move(before) << connected; };
         add("on a link that is up", [](AdapterBench &bench) { QVERIFY(bench.connect()); }, {true, false, true});
@@ -274,9 +273,7 @@ private slots:
 
     void aSimulatorThatDiesInAPauseIsLost_data()
     {
-        QTest::addColumn<bool>("paused");
-        QTest::addColumn<bool>("up");
-        QTest::addColumn<QList<bool>>("told");
+        tarvo::test::columns<bool, bool, QList<bool>>("paused", "up", "told");
         QTest::newRow("without a plugin") << true << false << QList<bool>{false};
         QTest::newRow("without a plugin or a pause") << false << false << QList<bool>{}; // the session finds out itself
         QTest::newRow("on a link") << true << true << QList<bool>{true, false};

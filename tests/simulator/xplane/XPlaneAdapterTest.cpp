@@ -1,5 +1,6 @@
 #include "XPlaneBench.h"
 #include "simulator/xplane/PluginMessages.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QPointer>
@@ -50,8 +51,7 @@ private slots:
 
     void versionIsChecked_data()
     {
-        QTest::addColumn<QVariantList>("arguments");
-        QTest::addColumn<bool>("valid");
+        tarvo::test::columns<QVariantList, bool>("arguments", "valid");
         QTest::newRow("65535") << QVariantList{65535} << false;
         QTest::newRow("65536") << QVariantList{65536} << true;
         QTest::newRow("larger") << QVariantList{131072} << true;
@@ -77,8 +77,7 @@ private slots:
 
     void pathsAreValidated_data()
     {
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<QString>("status");
+        tarvo::test::columns<bool, QString>("valid", "status");
         QTest::newRow("good") << true << QStringLiteral("X-Plane CSL 有效");
         QTest::newRow("bad") << false << QStringLiteral("X-Plane CSL 无效");
     }
@@ -333,10 +332,7 @@ private slots:
 
     void timersRunAsTold_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("interval");
-        QTest::addColumn<bool>("once");
-        QTest::addColumn<bool>("running");
+        tarvo::test::columns<QString, int, bool, bool>("name", "interval", "once", "running");
         QTest::newRow("dial") << QStringLiteral("dial") << 500 << true << true;
         QTest::newRow("tick") << QStringLiteral("tick") << 1000 << false << true;
         QTest::newRow("publish") << QStringLiteral("publish") << 50 << true << true;

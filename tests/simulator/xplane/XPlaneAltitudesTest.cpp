@@ -1,6 +1,7 @@
 #include "simulator/xplane/XPlaneAltitudes.h"
 #include "model/UserAircraftData.h"
 #include "simulator/Simulator.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -10,6 +11,7 @@
 using namespace tarvo::simulator::xplane;
 using tarvo::model::UserAircraftData;
 using tarvo::simulator::SimulatorType;
+using tarvo::test::columns;
 
 namespace {
 
@@ -34,9 +36,7 @@ class XPlaneAltitudesTest : public QObject
 private slots:
     void ownAltitudes_data()
     {
-        QTest::addColumn<int>("version");
-        QTest::addColumn<double>("pressure");
-        QTest::addColumn<double>("trueAltitude");
+        columns<int, double, double>("version", "pressure", "trueAltitude");
         QTest::newRow("unknown version") << 0 << 10000.0 << 10300.0;
         QTest::newRow("X-Plane 10") << 105100 << 10000.0 << 10300.0;
         QTest::newRow("X-Plane 11") << 115000 << 10000.0 << 10300.0;
@@ -54,10 +54,7 @@ private slots:
 
     void remoteAltitude_data()
     {
-        QTest::addColumn<int>("version");
-        QTest::addColumn<double>("error");
-        QTest::addColumn<double>("reported");
-        QTest::addColumn<double>("drawn");
+        columns<int, double, double, double>("version", "error", "reported", "drawn");
         QTest::newRow("X-Plane 11: never") << 115000 << 500.0 << 10000.0 << 10000.0;
         QTest::newRow("no error") << 120000 << 0.0 << 10000.0 << 10000.0;
         QTest::newRow("same level") << 120000 << 500.0 << 10500.0 << 10000.0;
@@ -91,8 +88,7 @@ private slots:
 
     void typeOfVersion_data()
     {
-        QTest::addColumn<int>("version");
-        QTest::addColumn<int>("type");
+        columns<int, int>("version", "type");
         QTest::newRow("unknown") << 0 << 0;
         QTest::newRow("negative") << -1 << 0;
         QTest::newRow("99999") << 99999 << 0;

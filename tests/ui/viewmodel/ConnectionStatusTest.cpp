@@ -1,4 +1,5 @@
 #include "ui/viewmodel/ConnectionStatus.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -43,9 +44,7 @@ class ConnectionStatusTest : public QObject
 private slots:
     void looks_data()
     {
-        QTest::addColumn<LinkState>("state");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("tone");
+        tarvo::test::columns<LinkState, QString, QString>("state", "text", "tone");
         QTest::newRow("not there") << LinkState::Absent << u"未连接"_qs << u"quiet"_qs;
         QTest::newRow("connecting") << LinkState::Connecting << u"连接中..."_qs << u"pending"_qs;
         QTest::newRow("connected") << LinkState::Connected << u"已连接"_qs << u"good"_qs;
@@ -67,11 +66,7 @@ private slots:
 
     void lines_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<LinkState>("state");
-        QTest::addColumn<bool>("seen");
-        QTest::addColumn<QString>("tone");
-        QTest::addColumn<QString>("reason");
+        tarvo::test::columns<bool, LinkState, bool, QString, QString>("connected", "state", "seen", "tone", "reason");
         QTest::newRow("ended unseen") << false << LinkState::Ended << false << u"failed"_qs << u"为什么"_qs;
         QTest::newRow("ended and seen") << false << LinkState::Ended << true << u"quiet"_qs << QString();
         QTest::newRow("forced out, unseen") << false << LinkState::ForcedOut << false << u"failed"_qs << u"为什么"_qs;
@@ -92,11 +87,7 @@ private slots:
 
     void banners_data()
     {
-        QTest::addColumn<Link>("network");
-        QTest::addColumn<Link>("simulator");
-        QTest::addColumn<Link>("voice");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("banner");
+        tarvo::test::columns<Link, Link, Link, QString, QString>("network", "simulator", "voice", "section", "banner");
         const Link up = networkLink(true, LinkState::Connected, true, true);
         const Link lost = networkLink(false, LinkState::Ended, false, true);
         const Link failed = networkLink(false, LinkState::Absent, false, false);

@@ -1,5 +1,6 @@
 #include "ui/viewmodel/DashboardViewModel.h"
 
+#include "support/Columns.h"
 #include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 
@@ -10,6 +11,7 @@
 
 #include <functional>
 
+using tarvo::test::columns;
 using tarvo::ui::DashboardViewModel;
 using tarvo::ui::LinkState;
 using tarvo::ui::RankedUser;
@@ -44,9 +46,7 @@ private slots:
 
     void aSetterStoresAndTellsOnce_data()
     {
-        QTest::addColumn<Action>("set");
-        QTest::addColumn<QByteArray>("signal");
-        QTest::addColumn<QVariantMap>("stored");
+        columns<Action, QByteArray, QVariantMap>("set", "signal", "stored");
         const auto row = [](const char *name, const char *signal, const Action &set, const QVariantMap &stored) {
             QTest::newRow(name) << set << QByteArray(signal) << stored;
         };
@@ -125,10 +125,7 @@ private slots:
 
     void tellsWhyThereIsNoSimulator_data()
     {
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("failure");
-        QTest::addColumn<QString>("hint");
+        columns<QString, bool, QString, QString>("mode", "connected", "failure", "hint");
         QTest::newRow("no mode") << u"NONE"_qs << false << QString() << QString();
         QTest::newRow("X-Plane isn't there yet")
             << u"XPLANE"_qs << false << QString() << u"等待 X-Plane：请启动 X-Plane 并载入航班，客户端会自动连接。"_qs;

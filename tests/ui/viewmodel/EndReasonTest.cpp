@@ -1,9 +1,11 @@
 #include "ui/viewmodel/EndReason.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
 #include <QTest>
 
+using tarvo::test::columns;
 using tarvo::ui::reasonOfEnd;
 using tarvo::ui::shownReason;
 using tarvo::ui::tellingError;
@@ -17,8 +19,7 @@ class EndReasonTest : public QObject
 private slots:
     void reasons_data()
     {
-        QTest::addColumn<QString>("told");
-        QTest::addColumn<QString>("shown");
+        columns<QString, QString>("told", "shown");
         QTest::newRow("the server's words stay")
             << u"Network Error: Callsign in use"_qs << u"服务器报告：Callsign in use"_qs;
         QTest::newRow("a server that speaks as the program does")
@@ -64,8 +65,7 @@ private slots:
 
     void voice_data()
     {
-        QTest::addColumn<QString>("told");
-        QTest::addColumn<QString>("shown");
+        columns<QString, QString>("told", "shown");
         const auto row = [](const char *name, const QString &tail, const QString &shown) {
             QTest::newRow(name) << u"Failed to connect to server at v.test "_qs + tail
                                 << u"无法连接语音服务器 v.test"_qs + shown;
@@ -89,9 +89,7 @@ private slots:
 
     void whichErrorTells_data()
     {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("next");
-        QTest::addColumn<bool>("isFirst");
+        columns<QString, QString, bool>("before", "next", "isFirst");
         const QString token = u"Network authentication error: banned"_qs;
         const QString server = u"Network Error: Callsign in use"_qs;
         const QString forced = u"Forcibly disconnected from network: banned"_qs;
@@ -125,8 +123,7 @@ private slots:
 
     void anErrorExplainsAnEndThatFollowsSoon_data()
     {
-        QTest::addColumn<qint64>("now");
-        QTest::addColumn<QString>("reason");
+        columns<qint64, QString>("now", "reason");
         QTest::newRow("at once") << 1000LL << u"服务器报告：bye"_qs;
         QTest::newRow("10 s later") << 11'000LL << u"服务器报告：bye"_qs;
         QTest::newRow("later still") << 11'001LL << u"与服务器的连接中断。"_qs;

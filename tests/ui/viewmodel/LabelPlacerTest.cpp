@@ -1,5 +1,6 @@
 #include "ui/viewmodel/LabelPlacer.h"
 
+#include "support/Columns.h"
 #include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
@@ -12,6 +13,7 @@
 #include <random>
 
 using namespace tarvo::ui;
+using tarvo::test::columns;
 using tarvo::test::infinite;
 using tarvo::test::notANumber;
 
@@ -111,8 +113,7 @@ class LabelPlacerTest : public QObject
 private slots:
     void aLoneLabelStandsOutside_data()
     {
-        QTest::addColumn<QPointF>("at");
-        QTest::addColumn<QPointF>("corner");
+        columns<QPointF, QPointF>("at", "corner");
         QTest::newRow("right of the middle") << QPointF(50, 20) << QPointF(11, -6.5);
         QTest::newRow("left of the middle") << QPointF(-50, 20) << QPointF(-59, -6.5);
         QTest::newRow("ahead") << QPointF(0, -60) << QPointF(11, -6.5);
@@ -135,9 +136,7 @@ private slots:
 
     void anAltitudeStandsOverOrUnder_data()
     {
-        QTest::addColumn<bool>("below");
-        QTest::addColumn<QPointF>("at");
-        QTest::addColumn<bool>("shown");
+        columns<bool, QPointF, bool>("below", "at", "shown");
         QTest::newRow("above") << false << QPointF(50, 0) << true;
         QTest::newRow("below") << true << QPointF(50, 0) << true;
         QTest::newRow("above, over the edge") << false << QPointF(50, -150) << false;
@@ -174,8 +173,7 @@ private slots:
 
     void nothingOverlaps_data()
     {
-        QTest::addColumn<int>("count");
-        QTest::addColumn<int>("atLeast");
+        columns<int, int>("count", "atLeast");
         QTest::newRow("a few") << 5 << 2;
         QTest::newRow("dozens") << 40 << 10;
         QTest::newRow("sixty") << 60 << 11;
@@ -209,8 +207,7 @@ private slots:
     {
         QTest::addColumn<int>("nearer"); // contacts
         QTest::addColumn<int>("across"); // half the crowd's width
-        QTest::addColumn<int>("down");
-        QTest::addColumn<bool>("named");
+        columns<int, bool>("down", "named");
         QTest::newRow("beside a few") << 0 << 10 << 10 << true;
         QTest::newRow("over a wide crowd") << 0 << 150 << 20 << true;
         QTest::newRow("beside a high crowd") << 0 << 60 << 150 << true;
@@ -271,8 +268,7 @@ private slots:
 
     void aLabelIsKeptFromALittleNearer_data()
     {
-        QTest::addColumn<double>("distance");
-        QTest::addColumn<bool>("keeps");
+        columns<double, bool>("distance", "keeps");
         QTest::newRow("farther") << 11.0 << true;
         QTest::newRow("equal") << 10.0 << true;
         QTest::newRow("a little nearer") << 8.5 << true;
@@ -394,10 +390,7 @@ private slots:
 
     void nonsenseIsNotLabelled_data()
     {
-        QTest::addColumn<QPointF>("at");
-        QTest::addColumn<double>("distance");
-        QTest::addColumn<QSizeF>("text");
-        QTest::addColumn<bool>("shown");
+        columns<QPointF, double, QSizeF, bool>("at", "distance", "text", "shown");
         QTest::newRow("ordinary") << QPointF(9, 9) << 1.0 << nameSize << true;
         QTest::newRow("nowhere across") << QPointF(notANumber, 0) << 1.0 << nameSize << false;
         QTest::newRow("nowhere down") << QPointF(0, notANumber) << 1.0 << nameSize << false;

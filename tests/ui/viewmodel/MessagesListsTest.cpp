@@ -1,5 +1,6 @@
 #include "MessagesFixture.h"
 #include "model/Controller.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QAbstractItemModelTester>
@@ -117,11 +118,7 @@ private slots:
 
     void whatAStepTellsOfTheRows_data()
     {
-        QTest::addColumn<Event>("event");
-        QTest::addColumn<QString>("messages");
-        QTest::addColumn<QString>("channels");
-        QTest::addColumn<QString>("sessions");
-        QTest::addColumn<QString>("stations");
+        columns<Event, QString, QString, QString, QString>("event", "messages", "channels", "sessions", "stations");
         const auto add = [](const char *name, const Event &event, const char *messages, const char *channels,
                             const char *sessions, const char *stations) {
             QTest::newRow(name) << event << QString::fromLatin1(messages) << QString::fromLatin1(channels)
@@ -258,8 +255,7 @@ private slots:
 
     void aSessionShowsOneLine_data()
     {
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("line");
+        columns<QString, QString>("message", "line");
         QTest::newRow("usual") << u"hi there"_qs << u"hi there"_qs;
         QTest::newRow("several lines") << u" one\n\ttwo\r\n"_qs << u"one two"_qs;
         QTest::newRow("long") << QString(16384, u'W') << QString(200, u'W');

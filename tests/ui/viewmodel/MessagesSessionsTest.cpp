@@ -1,5 +1,6 @@
 #include "MessagesFixture.h"
 #include "model/Controller.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -155,8 +156,7 @@ private slots:
 
     void closingAnotherOneStays_data()
     {
-        QTest::addColumn<QString>("channel");
-        QTest::addColumn<QString>("told");
+        columns<QString, QString>("channel", "told");
         QTest::newRow("beside one") << u"CCA1"_qs << u"messages stats sessions unread"_qs;
         QTest::newRow("all are shown") << u"ALL"_qs << u"messages stats active sessions unread"_qs;
     }
@@ -246,11 +246,7 @@ private slots:
 
     void composeTexts_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("channel");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<bool>("canSend");
-        QTest::addColumn<QString>("placeholder");
+        columns<bool, QString, QString, bool, QString>("connected", "channel", "title", "canSend", "placeholder");
         const auto add = [](const char *channel, const char *title, const char *placeholder) {
             const QString key = QString::fromLatin1(channel);
             const QString text = QString::fromUtf8(placeholder);
@@ -292,8 +288,7 @@ private slots:
 
     void whatIsSetIsToldOnChange_data()
     {
-        QTest::addColumn<Event>("event");
-        QTest::addColumn<QString>("told");
+        columns<Event, QString>("event", "told");
         QTest::newRow("network") << Event([](auto &m) { m.setNetworkConnected(false); }) << u"stats network compose"_qs;
         QTest::newRow("text") << Event([](auto &m) { m.setDraftMessage(u"a"_qs); }) << u"compose"_qs;
         QTest::newRow("target") << Event([](auto &m) { m.setDraftTarget(u"CCA1"_qs); }) << u"compose"_qs;
@@ -313,9 +308,7 @@ private slots:
 
     void sending_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("sent");
+        columns<bool, QString, bool>("connected", "text", "sent");
         QTest::newRow("text") << true << u"hello"_qs << true;
         QTest::newRow("blanks around stay") << true << u" hello "_qs << true;
         QTest::newRow("offline") << false << u"hello"_qs << false;

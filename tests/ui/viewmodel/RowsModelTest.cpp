@@ -1,4 +1,5 @@
 #include "ui/viewmodel/RowsModel.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 #include "ui/viewmodel/ShownText.h"
 
@@ -6,6 +7,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using tarvo::test::columns;
 using tarvo::ui::Role;
 using tarvo::ui::RowsModel;
 using tarvo::ui::shownText;
@@ -64,12 +66,7 @@ class RowsModelTest : public QObject
 private slots:
     void tellsOnlyWhatDiffers_data()
     {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<int>("changed");
-        QTest::addColumn<int>("inserted");
-        QTest::addColumn<int>("removed");
-        QTest::addColumn<bool>("told");
+        columns<QString, QString, int, int, int, bool>("before", "after", "changed", "inserted", "removed", "told");
         QTest::newRow("nothing") << u"ABC"_qs << u"ABC"_qs << 0 << 0 << 0 << false;
         QTest::newRow("one row") << u"ABC"_qs << u"AXC"_qs << 1 << 0 << 0 << true;
         QTest::newRow("longer") << u"A"_qs << u"ABC"_qs << 0 << 1 << 0 << true;
@@ -94,8 +91,7 @@ private slots:
 
     void aNewRowComesInFrontAndTheLastGo_data()
     {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("after");
+        columns<QString, QString>("before", "after");
         QTest::newRow("room") << u"B"_qs << u"XB"_qs;
         QTest::newRow("full") << u"ABC"_qs << u"XAB"_qs;
         QTest::newRow("more than full") << u"ABCDE"_qs << u"XAB"_qs;
@@ -130,8 +126,7 @@ private slots:
 
     void aTextIsCutToItsPlace_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("shown");
+        columns<QString, QString>("text", "shown");
         QTest::newRow("short") << u"ABC"_qs << u"ABC"_qs;
         QTest::newRow("fits") << u"ABCD"_qs << u"ABCD"_qs;
         QTest::newRow("too long") << u"ABCDE"_qs << u"ABCD"_qs;

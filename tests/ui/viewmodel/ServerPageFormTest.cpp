@@ -1,10 +1,12 @@
 #include "ServerPageFixture.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
 #include <QSignalSpy>
 #include <QTest>
 
+using tarvo::test::columns;
 using tarvo::test::ServerPageFixture;
 using tarvo::ui::LinkState;
 using tarvo::ui::ServerPageViewModel;
@@ -17,11 +19,7 @@ class ServerPageFormTest : public QObject
 private slots:
     void modeTexts_data()
     {
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<bool>("observer");
-        QTest::addColumn<QString>("platform");
-        QTest::addColumn<QString>("action");
-        QTest::addColumn<QString>("hint");
+        columns<QString, bool, QString, QString, QString>("mode", "observer", "platform", "action", "hint");
         const auto row = [](const char *name, const char *mode, bool observer, const char16_t *platform,
                             const char16_t *action, const char16_t *hint) {
             QTest::newRow(name) << QString::fromLatin1(mode) << observer << QString::fromUtf16(platform)
@@ -57,9 +55,7 @@ private slots:
 
     void aTypeThatNobodyKnows_data()
     {
-        QTest::addColumn<QByteArray>("types");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("hint");
+        columns<QByteArray, QString, QString>("types", "typed", "hint");
         const QByteArray types = "BOEING\t737-800\tB738\tL2J\tM\n";
         QTest::newRow("known") << types << u"B738"_qs << QString();
         QTest::newRow("known, as typed") << types << u" b738 "_qs << QString();
@@ -84,8 +80,7 @@ private slots:
 
     void aSelcalThatLooksMistyped_data()
     {
-        QTest::addColumn<QString>("selcal");
-        QTest::addColumn<bool>("hint");
+        columns<QString, bool>("selcal", "hint");
         QTest::newRow("none") << QString() << false;
         QTest::newRow("pairs") << u"AB-CD"_qs << false;
         QTest::newRow("lower case, no dash") << u" abks "_qs << false;
@@ -107,11 +102,7 @@ private slots:
 
     void theOneButton_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<LinkState>("state");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("ends");
-        QTest::addColumn<bool>("enabled");
+        columns<bool, LinkState, QString, bool, bool>("connected", "state", "text", "ends", "enabled");
         QTest::newRow("connects") << false << LinkState::Absent << u"连接 X-Plane 网络"_qs << false << true;
         QTest::newRow("calls off") << false << LinkState::Connecting << u"取消连接"_qs << true << true;
         QTest::newRow("disconnects") << true << LinkState::Connected << u"断开连接"_qs << true << true;
@@ -134,9 +125,7 @@ private slots:
 
     void onlyWhatIsWrongIsRed_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<LinkState>("state");
-        QTest::addColumn<bool>("hint");
+        columns<QString, LinkState, bool>("callsign", "state", "hint");
         QTest::newRow("nothing typed") << QString() << LinkState::Absent << true;
         QTest::newRow("wrong characters") << u"CES-2352"_qs << LinkState::Absent << false;
         QTest::newRow("the type is still to come") << u"CES2352"_qs << LinkState::Absent << true;
@@ -180,12 +169,8 @@ private slots:
 
     void formErrors_data()
     {
-        QTest::addColumn<LinkState>("state");
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<bool>("observer");
-        QTest::addColumn<QString>("error");
+        columns<LinkState, bool, QString, QString, bool, QString>("state", "connected", "callsign", "type", "observer",
+                                                                  "error");
         const LinkState idle = LinkState::Ended;
         const QString connecting = u"正在连接服务器，请等待当前连接完成。"_qs;
         const QString empty = u"请先填写呼号。"_qs;
@@ -293,8 +278,7 @@ private slots:
 
     void aFieldTellsOnlyAChange_data()
     {
-        QTest::addColumn<QByteArray>("field");
-        QTest::addColumn<QVariant>("value");
+        columns<QByteArray, QVariant>("field", "value");
         for (const char *field : {"callsign", "typeCode", "selcal"})
             QTest::newRow(field) << QByteArray(field) << QVariant(u"AB"_qs);
         for (const char *field : {"observerMode", "coordinatedVoice"})

@@ -1,5 +1,6 @@
 #include "ui/viewmodel/SettingsViewModel.h"
 
+#include "support/Columns.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 #include "ui/AccountStage.h"
@@ -15,6 +16,7 @@
 
 using tarvo::AppConfig;
 using tarvo::ServiceEndpoints;
+using tarvo::test::columns;
 using tarvo::ui::viewmodel::SettingsViewModel;
 namespace config = tarvo::config;
 
@@ -71,8 +73,7 @@ class SettingsViewModelTest : public QObject
 private slots:
     void plainFields_data()
     {
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QString>("key");
+        columns<QByteArray, QString>("property", "key");
         QTest::addColumn<QVariant>("before"); ///< the key's default
         QTest::addColumn<QVariant>("after");
         const auto row = [](const char *property, const char *key, const QVariant &before, const QVariant &after) {
@@ -119,8 +120,7 @@ private slots:
 
     void pathLists_data()
     {
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QString>("key");
+        columns<QByteArray, QString>("property", "key");
         QTest::newRow("X-Plane") << QByteArray("xplaneCslPathsText") << u"XPlane/CSL"_qs;
         QTest::newRow("MSFS 2020") << QByteArray("msfsCustomMappingPaths2020") << u"MSFS/CustomMappingPaths2020"_qs;
         QTest::newRow("MSFS 2024") << QByteArray("msfsCustomMappingPaths2024") << u"MSFS/CustomMappingPaths2024"_qs;
@@ -227,9 +227,7 @@ private slots:
 
     void theAccountsName_data()
     {
-        QTest::addColumn<QString>("storedName");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QStringList>("saved");
+        columns<QString, QString, QStringList>("storedName", "shown", "saved");
         const QStringList name{u"Profile/Realname"_qs};
         QTest::newRow("empty") << QString() << u"王小明"_qs << name;
         QTest::newRow("Unknown") << u"Unknown"_qs << u"王小明"_qs << name;
@@ -251,8 +249,7 @@ private slots:
 
     void theHomeAirport_data()
     {
-        QTest::addColumn<QString>("storedAirport");
-        QTest::addColumn<QString>("shown");
+        columns<QString, QString>("storedAirport", "shown");
         QTest::newRow("empty") << QString() << u"ZBAA"_qs;
         QTest::newRow("ZZZZ") << u"ZZZZ"_qs << u"ZBAA"_qs;
         QTest::newRow("his own") << u"ZSPD"_qs << u"ZSPD"_qs;
@@ -319,9 +316,7 @@ private slots:
 
     void aTypedPort_data()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<int>("port");
-        QTest::addColumn<bool>("good");
+        columns<QString, int, bool>("typed", "port", "good");
         QTest::newRow("the lowest") << u"1"_qs << 1 << true;
         QTest::newRow("the highest") << u"65535"_qs << 65535 << true;
         QTest::newRow("with blanks") << u" 49010 "_qs << 49010 << true;

@@ -1,4 +1,5 @@
 #include "ServerPageFixture.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 #include "ui/viewmodel/DashboardViewModel.h"
 #include "ui/viewmodel/MessagesPageViewModel.h"
@@ -16,11 +17,8 @@ class ShapesTest : public QObject
 private slots:
     void startsAsTabled_data()
     {
-        QTest::addColumn<const QObject *>("model");
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("notify");
-        QTest::addColumn<bool>("writable");
+        tarvo::test::columns<const QObject *, QByteArray, QVariant, QByteArray, bool>("model", "name", "value",
+                                                                                      "notify", "writable");
         dashboardRows();
         serverRows();
         simulatorRows();
@@ -66,8 +64,7 @@ private slots:
 
     void signalsStandInOrder_data()
     {
-        QTest::addColumn<const QObject *>("model");
-        QTest::addColumn<QString>("wanted");
+        tarvo::test::columns<const QObject *, QString>("model", "wanted");
         const auto row = [](const QObject &model, const char *wanted) {
             QTest::newRow(model.metaObject()->className()) << &model << QString::fromLatin1(wanted);
         };

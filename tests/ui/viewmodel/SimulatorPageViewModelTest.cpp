@@ -1,6 +1,7 @@
 #include "ui/viewmodel/SimulatorPageViewModel.h"
 
 #include "SimulatorPageFixture.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QObject>
@@ -44,11 +45,7 @@ private slots:
 
     void modes_data()
     {
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<QString>("current");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("msfs");
-        QTest::addColumn<bool>("xplane");
+        columns<QString, QString, QString, bool, bool>("mode", "current", "name", "msfs", "xplane");
         const QString none = u"NONE"_qs;
         const QString nothing = u"未选择"_qs;
         QTest::newRow("X-Plane") << u"XPLANE"_qs << u"XPLANE"_qs << u"X-Plane"_qs << false << true;
@@ -76,9 +73,7 @@ private slots:
 
     void statesTellOnce_data()
     {
-        QTest::addColumn<std::function<void(SimulatorPageViewModel &)>>("set");
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QVariant>("value");
+        columns<std::function<void(SimulatorPageViewModel &)>, QByteArray, QVariant>("set", "property", "value");
         using Model = SimulatorPageViewModel;
         const auto row = [](const char *name, const std::function<void(Model &)> &set, const char *property,
                             const QVariant &value) { QTest::newRow(name) << set << QByteArray(property) << value; };

@@ -1,6 +1,7 @@
 #include "ui/viewmodel/SoundsViewModel.h"
 
 #include "StateFile.h"
+#include "support/Columns.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
 
@@ -10,6 +11,7 @@
 #include <QUrl>
 
 using tarvo::StateFile;
+using tarvo::test::columns;
 using tarvo::ui::SoundsViewModel;
 
 /// The sounds' switch, volume and signs.
@@ -54,9 +56,7 @@ private slots:
 
     void whenSoundsAreHeard_data()
     {
-        QTest::addColumn<bool>("on");
-        QTest::addColumn<int>("volume");
-        QTest::addColumn<bool>("audible");
+        columns<bool, int, bool>("on", "volume", "audible");
         QTest::newRow("on") << true << 5 << true;
         QTest::newRow("no volume") << true << 0 << false;
         QTest::newRow("off") << false << 100 << false;
@@ -75,8 +75,7 @@ private slots:
 
     void aVolumeIsAPercentage_data()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<int>("volume");
+        columns<QString, int>("stored", "volume");
         QTest::newRow("above") << u"250"_qs << 100;
         QTest::newRow("below") << u"-3"_qs << 0;
         QTest::newRow("no number") << u"loud"_qs << 100;
@@ -96,9 +95,7 @@ private slots:
 
     void eachSoundHasItsSign_data()
     {
-        QTest::addColumn<QString>("sound");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("tone");
+        columns<QString, QString, QString>("sound", "text", "tone");
         QTest::newRow("message") << u"qrc:/resources/sounds/manager.mp3"_qs << u"新消息"_qs << u"pending"_qs;
         QTest::newRow("connected") << u"qrc:/resources/sounds/connect.mp3"_qs << u"网络已连接"_qs << u"good"_qs;
         QTest::newRow("disconnected") << u"qrc:/resources/sounds/disconnect.mp3"_qs << u"网络已断开"_qs << u"failed"_qs;

@@ -1,5 +1,6 @@
 #include "ui/viewmodel/TrafficPlot.h"
 
+#include "support/Columns.h"
 #include "support/OddNumbers.h"
 #include "support/TestRegistry.h"
 
@@ -9,6 +10,7 @@
 #include <cmath>
 
 using namespace tarvo::ui;
+using tarvo::test::columns;
 using tarvo::test::infinite;
 using tarvo::test::notANumber;
 
@@ -38,9 +40,7 @@ class TrafficPlotTest : public QObject
 private slots:
     void stepsOfTheRange_data()
     {
-        QTest::addColumn<int>("range");
-        QTest::addColumn<int>("steps");
-        QTest::addColumn<int>("next");
+        columns<int, int, int>("range", "steps", "next");
         QTest::newRow("wider") << 20 << 1 << 40;
         QTest::newRow("two wider") << 20 << 2 << 80;
         QTest::newRow("narrower") << 20 << -1 << 10;
@@ -57,12 +57,8 @@ private slots:
 
     void distanceAndBearing_data()
     {
-        QTest::addColumn<double>("fromLatitude");
-        QTest::addColumn<double>("fromLongitude");
-        QTest::addColumn<double>("toLatitude");
-        QTest::addColumn<double>("toLongitude");
-        QTest::addColumn<double>("distanceNm");
-        QTest::addColumn<double>("bearing");
+        columns<double, double, double, double, double, double>("fromLatitude", "fromLongitude", "toLatitude",
+                                                                "toLongitude", "distanceNm", "bearing");
         QTest::newRow("same place") << 31.0 << 121.0 << 31.0 << 121.0 << 0.0 << 0.0;
         QTest::newRow("north") << 31.0 << 121.0 << 32.0 << 121.0 << degreeNm << 0.0;
         QTest::newRow("south") << 31.0 << 121.0 << 30.0 << 121.0 << degreeNm << 180.0;
@@ -111,9 +107,7 @@ private slots:
 
     void positions_data()
     {
-        QTest::addColumn<double>("latitude");
-        QTest::addColumn<double>("longitude");
-        QTest::addColumn<bool>("valid");
+        columns<double, double, bool>("latitude", "longitude", "valid");
         QTest::newRow("ordinary") << 31.1 << 121.8 << true;
         QTest::newRow("north pole") << 90.0 << 0.0 << true;
         QTest::newRow("south pole") << -90.0 << 0.0 << true;
@@ -153,8 +147,7 @@ private slots:
 
     void theRangeHoldsNineOfTen_data()
     {
-        QTest::addColumn<QList<double>>("distances");
-        QTest::addColumn<int>("range");
+        columns<QList<double>, int>("distances", "range");
         QTest::newRow("nobody") << QList<double>() << 20;
         QTest::newRow("close") << QList<double>{1.5} << 2;
         QTest::newRow("on a ring") << QList<double>{2} << 2;

@@ -3,6 +3,7 @@
 #include "AppConfig.h"
 #include "input/PttHandler.h"
 #include "input/PttService.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/Patience.h"
 #include "support/ScriptedInput.h"
@@ -19,6 +20,7 @@
 #include <memory>
 
 using namespace tarvo;
+using tarvo::test::columns;
 using tarvo::ui::viewmodel::VoiceSettingsViewModel;
 
 namespace {
@@ -103,9 +105,7 @@ private slots:
 
     void choosesADevice_data()
     {
-        QTest::addColumn<Setter>("setter");
-        QTest::addColumn<int>("index");
-        QTest::addColumn<QStringList>("stored");
+        columns<Setter, int, QStringList>("setter", "index", "stored");
         const QString none = u"Default"_qs;
         QTest::newRow("input") << Setter(&VoiceSettingsViewModel::setInput) << 2
                                << QStringList{u"Headset"_qs, none, none};
@@ -200,10 +200,7 @@ private slots:
 
     void numbers_data()
     {
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<RealKey>("key");
-        QTest::addColumn<double>("lowest");
-        QTest::addColumn<double>("highest");
+        columns<QByteArray, RealKey, double, double>("property", "key", "lowest", "highest");
         QTest::newRow("gain") << QByteArray("micGain") << config::voiceMicGain << -20.0 << 20.0;
         QTest::newRow("tone volume") << QByteArray("pttVolume") << config::voicePttVolume << 0.0 << 1.0;
         QTest::newRow("press") << QByteArray("pttPressFreq") << config::voicePttPressFreq << 100.0 << 4000.0;
@@ -243,8 +240,7 @@ private slots:
 
     void outputs_data()
     {
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QString>("name");
+        columns<QByteArray, QString>("property", "name");
         QTest::newRow("tone") << QByteArray("pttDevice") << u"Voice/PttPlayDevice"_qs;
         QTest::newRow("conflict") << QByteArray("conflictDevice") << u"Voice/ConflictPlayDevice"_qs;
     }

@@ -1,5 +1,6 @@
 #include "simulator/msfs/library/AircraftConfig.h"
 #include "simulator/msfs/library/ForeignText.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QStringEncoder>
@@ -35,8 +36,7 @@ class AircraftConfigTest : public QObject
 private slots:
     void linesAre_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("titles");
+        tarvo::test::columns<QByteArray, QString>("text", "titles");
         const auto row = [](const char *name, const QByteArray &text, QStringView titles) {
             QTest::newRow(name) << text << titles.toString();
         };
@@ -89,8 +89,7 @@ private slots:
 
     void encodings_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("title");
+        tarvo::test::columns<QByteArray, QString>("bytes", "title");
         const QString chinese = QStringLiteral("[FLTSIM.0]\r\ntitle=\"空客 é\"\r\n");
         const QString title = QStringLiteral("空客 é");
         QTest::newRow("UTF-8") << chinese.toUtf8() << title;
@@ -115,8 +114,7 @@ private slots:
 
     void everyKeyIsRead_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("key");
+        tarvo::test::columns<QByteArray, int>("text", "key");
         const auto row = [](const char *text, AircraftKey key) {
             QTest::newRow(text) << QByteArray(text) << static_cast<int>(key);
         };
@@ -149,9 +147,7 @@ private slots:
 
     void flags_data()
     {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<bool>("byDefaultFalse");
-        QTest::addColumn<bool>("byDefaultTrue");
+        tarvo::test::columns<QByteArray, bool, bool>("line", "byDefaultFalse", "byDefaultTrue");
         const auto row = [](const char *line, bool byDefaultFalse, bool byDefaultTrue) {
             QTest::newRow(line) << QByteArray(line) << byDefaultFalse << byDefaultTrue;
         };
@@ -181,8 +177,7 @@ private slots:
 
     void cleanPaths_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("path");
+        tarvo::test::columns<QString, QString>("text", "path");
         QTest::newRow("of Windows") << QStringLiteral(" C:\\Packages\\\\Official\\ ")
                                     << QStringLiteral("C:/Packages/Official");
         QTest::newRow("up and down") << QStringLiteral("/a/./b/../c") << QStringLiteral("/a/c");

@@ -1,5 +1,6 @@
 #include "simulator/msfs/library/InstallDiscovery.h"
 #include "PackageTree.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -47,8 +48,7 @@ class InstallDiscoveryTest : public QObject
 private slots:
     void userCfgTells_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QStringList>("paths");
+        columns<QByteArray, QStringList>("bytes", "paths");
         const auto row = [](const char *name, const QByteArray &bytes, const QStringList &paths) {
             QTest::newRow(name) << bytes << paths;
         };
@@ -84,8 +84,7 @@ private slots:
 
     void userCfgIsFound_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("runtimes");
+        columns<QString, QString>("file", "runtimes");
         const QString in2020 = QStringLiteral("MSFS 2020");
         const QString in2024 = QStringLiteral("MSFS 2024");
         const auto row = [](const QString &file, const QString &runtimes) {
@@ -144,8 +143,7 @@ private slots:
 
     void eachKeyOverrides_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<bool>("overrides");
+        columns<int, bool>("key", "overrides");
         QTest::newRow("packages") << 0 << true;
         QTest::newRow("community") << 1 << true;
         QTest::newRow("mapping that is there") << 2 << true;
@@ -202,8 +200,7 @@ private slots:
 
     void officialIs_data()
     {
-        QTest::addColumn<QStringList>("folders");
-        QTest::addColumn<QStringList>("labels");
+        columns<QStringList, QStringList>("folders", "labels");
         const QString official = QStringLiteral("Official");
         const QString steam = QStringLiteral("Official/Steam");
         const QString oneStore = QStringLiteral("Official/OneStore");

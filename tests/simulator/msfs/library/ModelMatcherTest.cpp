@@ -1,4 +1,5 @@
 #include "simulator/msfs/library/ModelMatcher.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QRandomGenerator>
@@ -7,6 +8,7 @@
 
 using namespace tarvo::simulator::msfs;
 using tarvo::network::SwiftAircraftIcaoRow;
+using tarvo::test::columns;
 
 namespace {
 
@@ -242,9 +244,7 @@ private slots:
 
     void familyNeedsBoth_data()
     {
-        QTest::addColumn<QString>("manufacturer");
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<bool>("fits");
+        columns<QString, QString, bool>("manufacturer", "model", "fits");
         const auto row = [](const char *name, QStringView manufacturer, QStringView model, bool fits) {
             QTest::newRow(name) << manufacturer.toString() << model.toString() << fits;
         };
@@ -324,9 +324,7 @@ private slots:
 
     void aTitleIsFound_data()
     {
-        QTest::addColumn<MsfsRuntimeProfile>("profile");
-        QTest::addColumn<QString>("hint");
-        QTest::addColumn<QString>("title");
+        columns<MsfsRuntimeProfile, QString, QString>("profile", "hint", "title");
         const auto row = [](const char *name, MsfsRuntimeProfile profile, const char *hint, const char *title) {
             QTest::newRow(name) << profile << text(hint) << text(title);
         };

@@ -1,4 +1,5 @@
 #include "simulator/msfs/library/SearchText.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -12,9 +13,7 @@ class SearchTextTest : public QObject
 private slots:
     void textsAre_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("tokens");
+        tarvo::test::columns<QString, QString, QString>("text", "key", "tokens");
         const auto row = [](const char *name, QStringView text, QStringView key, QStringView tokens) {
             QTest::newRow(name) << text.toString() << key.toString() << tokens.toString();
         };
@@ -44,9 +43,7 @@ private slots:
 
     void aTermHits_data()
     {
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<bool>("hit");
+        tarvo::test::columns<QString, QString, bool>("query", "field", "hit");
         const auto row = [](const char *name, QStringView query, QStringView field, bool hit) {
             QTest::newRow(name) << query.toString() << field.toString() << hit;
         };

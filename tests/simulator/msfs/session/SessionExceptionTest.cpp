@@ -1,4 +1,5 @@
 #include "SessionBench.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -14,10 +15,7 @@ class SessionExceptionTest : public QObject
 private slots:
     void everyOneIsTold_data()
     {
-        QTest::addColumn<quint32>("code");
-        QTest::addColumn<QString>("critical");
-        QTest::addColumn<QString>("warning");
-        QTest::addColumn<QString>("error");
+        columns<quint32, QString, QString, QString>("code", "critical", "warning", "error");
         const auto add = [](quint32 code, const char *critical, const char *warning, const char *error) {
             QTest::addRow("%u", code) << code << line(critical) << line(warning) << line(error);
         };
@@ -57,9 +55,7 @@ private slots:
 
     void someDisableTraffic_data()
     {
-        QTest::addColumn<quint32>("code");
-        QTest::addColumn<bool>("defined");
-        QTest::addColumn<QString>("warning");
+        columns<quint32, bool, QString>("code", "defined", "warning");
         QTest::newRow("7") << 7U << true
                            << line("Disabling traffic mapping after SimConnect exception 7 (NAME_UNRECOGNIZED)");
         QTest::newRow("28") << 28U << true

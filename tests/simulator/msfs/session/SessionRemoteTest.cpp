@@ -1,6 +1,7 @@
 #include "SessionBench.h"
 #include "simulator/msfs/session/RemoteObjects.h"
 #include "simulator/msfs/session/SimConnectLink.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -56,9 +57,7 @@ class SessionRemoteTest : public QObject
 private slots:
     void created_data()
     {
-        QTest::addColumn<QString>("library");
-        QTest::addColumn<QStringList>("missing");
-        QTest::addColumn<QString>("call");
+        columns<QString, QStringList, QString>("library", "missing", "call");
         const QString legacy =
             line("AICreateNonATCAircraft \"Airbus A320\" \"CCA123\" ") + somewhereBraced + line(" 7");
         const QString extended = line("AICreateNonATCAircraft_EX1 \"Airbus A320\" \" Air China \" \"CCA123\" ") +
@@ -125,8 +124,7 @@ private slots:
 
     void tailNumbers_data()
     {
-        QTest::addColumn<QString>("callsign");
-        QTest::addColumn<QString>("tail");
+        columns<QString, QString>("callsign", "tail");
         QTest::newRow("11") << line("ABCDEFGHIJK") << line("ABCDEFGHIJK");
         QTest::newRow("12") << line("ABCDEFGHIJKL") << line("ABCDEFGHIJK");
         QTest::newRow("none") << QString() << QString();
@@ -148,8 +146,7 @@ private slots:
 
     void airspeeds_data()
     {
-        QTest::addColumn<double>("speed");
-        QTest::addColumn<QString>("words");
+        columns<double, QString>("speed", "words");
         QTest::newRow("cut") << 120.9 << line(" 1 120} 7");
         QTest::newRow("backwards") << -5.0 << line(" 1 0} 7");
         QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << line(" 1 0} 7");
@@ -194,9 +191,7 @@ private slots:
 
     void waypointBytes_data()
     {
-        QTest::addColumn<bool>("onGround");
-        QTest::addColumn<double>("speed");
-        QTest::addColumn<QString>("flagsAndSpeed");
+        columns<bool, double, QString>("onGround", "speed", "flagsAndSpeed");
         QTest::newRow("in the air") << false << 250.0
                                     << line("04000000"
                                             "0000000000406f40");

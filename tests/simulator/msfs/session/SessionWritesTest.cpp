@@ -1,4 +1,5 @@
 #include "SessionBench.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -18,9 +19,7 @@ class SessionWritesTest : public QObject
 private slots:
     void goThroughADefinitionOfTheirOwn_data()
     {
-        QTest::addColumn<SimKey>("key");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QStringList>("calls");
+        columns<SimKey, QVariant, QStringList>("key", "value", "calls");
         QTest::newRow("code") << SimKey::TransponderCode << QVariant(7000)
                               << lines("AddToDataDefinition 1002 \"TRANSPONDER CODE:1\" \"Bco16\" 1 0 4294967295\n"
                                        "SetDataOnSimObject 1002 0 0 1 4 00700000\n"
@@ -81,9 +80,7 @@ private slots:
 
     void refused_data()
     {
-        QTest::addColumn<QString>("function");
-        QTest::addColumn<QString>("failure");
-        QTest::addColumn<qsizetype>("calls");
+        columns<QString, QString, qsizetype>("function", "failure", "calls");
         QTest::newRow("definition") << line("AddToDataDefinition")
                                     << line("Failed to create write definition for LIGHT BEACON (HRESULT: 0x80004005)")
                                     << qsizetype(1);

@@ -1,4 +1,5 @@
 #include "simulator/msfs/simvar/SimVarConversion.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -15,9 +16,7 @@ class SimVarConversionTest : public QObject
 private slots:
     void reads_data()
     {
-        QTest::addColumn<SimVarConversion>("conversion");
-        QTest::addColumn<QVariant>("wire");
-        QTest::addColumn<QVariant>("value");
+        tarvo::test::columns<SimVarConversion, QVariant, QVariant>("conversion", "wire", "value");
         const auto add = [](const char *name, SimVarConversion conversion, const QVariant &wire,
                             const QVariant &value) { QTest::newRow(name) << conversion << wire << value; };
         add("as it is: number", None, -3.25, -3.25);
@@ -62,9 +61,7 @@ private slots:
 
     void writes_data()
     {
-        QTest::addColumn<SimVarConversion>("conversion");
-        QTest::addColumn<QVariant>("written");
-        QTest::addColumn<QVariant>("value");
+        tarvo::test::columns<SimVarConversion, QVariant, QVariant>("conversion", "written", "value");
         const auto add = [](const char *name, SimVarConversion conversion, const QVariant &written,
                             const QVariant &value) { QTest::newRow(name) << conversion << written << value; };
         add("as it is", None, 4, 4);

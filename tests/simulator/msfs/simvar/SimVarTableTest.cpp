@@ -1,4 +1,5 @@
 #include "simulator/msfs/simvar/SimVarTable.h"
+#include "support/Columns.h"
 #include "support/SourceFolder.h"
 #include "support/TestRegistry.h"
 
@@ -74,8 +75,7 @@ private slots:
 
     void groupsAreRead_data()
     {
-        QTest::addColumn<UpdateGroup>("group");
-        QTest::addColumn<qsizetype>("count");
+        tarvo::test::columns<UpdateGroup, qsizetype>("group", "count");
         QTest::newRow("position") << UpdateGroup::Position << qsizetype(16);
         QTest::newRow("aircraft") << UpdateGroup::Aircraft << qsizetype(27);
         QTest::newRow("avionics") << UpdateGroup::Avionics << qsizetype(8);
@@ -108,10 +108,8 @@ private slots:
 
     void nameAndUnitOf2024StandEachForItself_data()
     {
-        QTest::addColumn<bool>("hasVariable2024");
-        QTest::addColumn<bool>("hasUnit2024");
-        QTest::addColumn<MsfsRuntimeProfile>("profile");
-        QTest::addColumn<QString>("chosen");
+        tarvo::test::columns<bool, bool, MsfsRuntimeProfile, QString>("hasVariable2024", "hasUnit2024", "profile",
+                                                                      "chosen");
         QTest::newRow("both") << true << true << MsfsRuntimeProfile::Msfs2024 << QStringLiteral("NEW/feet");
         QTest::newRow("name alone") << true << false << MsfsRuntimeProfile::Msfs2024 << QStringLiteral("NEW/meters");
         QTest::newRow("unit alone") << false << true << MsfsRuntimeProfile::Msfs2024 << QStringLiteral("OLD/feet");
@@ -136,8 +134,7 @@ private slots:
 
     void commandsHaveEvents_data()
     {
-        QTest::addColumn<CommandKey>("key");
-        QTest::addColumn<QString>("event");
+        tarvo::test::columns<CommandKey, QString>("key", "event");
         QTest::newRow("ident") << CommandKey::TransponderIdent << QStringLiteral("XPNDR_IDENT_ON");
         QTest::newRow("COM1") << CommandKey::Com1Frequency << QStringLiteral("COM_RADIO_SET_HZ");
         QTest::newRow("COM2") << CommandKey::Com2Frequency << QStringLiteral("COM2_RADIO_SET_HZ");

@@ -1,5 +1,6 @@
 #include "simulator/msfs/simvar/SimVarWire.h"
 #include "simulator/msfs/simconnect/SimConnectApi.h"
+#include "support/Columns.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -36,9 +37,7 @@ class SimVarWireTest : public QObject
 private slots:
     void typesOnTheWire_data()
     {
-        QTest::addColumn<SimVarType>("type");
-        QTest::addColumn<quint32>("number");
-        QTest::addColumn<qsizetype>("size");
+        tarvo::test::columns<SimVarType, quint32, qsizetype>("type", "number", "size");
         QTest::newRow("float") << SimVarType::Float << quint32(SIMCONNECT_DATATYPE_FLOAT64) << qsizetype(8);
         QTest::newRow("int") << SimVarType::Int << quint32(SIMCONNECT_DATATYPE_INT32) << qsizetype(4);
         QTest::newRow("bool") << SimVarType::Bool << quint32(SIMCONNECT_DATATYPE_INT32) << qsizetype(4);
@@ -78,8 +77,7 @@ private slots:
 
     void cutSampleLacksWhatIsBehind_data()
     {
-        QTest::addColumn<qsizetype>("bytes");
-        QTest::addColumn<QStringList>("keys");
+        tarvo::test::columns<qsizetype, QStringList>("bytes", "keys");
         const QStringList all{key("a"), key("b"), key("c"), key("d")};
         QTest::newRow("nothing") << qsizetype(0) << QStringList();
         QTest::newRow("a byte short of the first") << qsizetype(3) << QStringList();
@@ -113,8 +111,7 @@ private slots:
 
     void textEndsAtItsZeroOrItsField_data()
     {
-        QTest::addColumn<QByteArray>("field");
-        QTest::addColumn<QString>("text");
+        tarvo::test::columns<QByteArray, QString>("field", "text");
         QTest::newRow("zero") << QByteArray("ab\0cd", 5) << QStringLiteral("ab");
         QTest::newRow("zero first") << QByteArray("\0ab", 3) << QString();
         QTest::newRow("no zero") << QByteArray("abcd") << QStringLiteral("abcd");
@@ -129,10 +126,8 @@ private slots:
 
     void fieldsAreWritten_data()
     {
-        QTest::addColumn<SimVarType>("type");
-        QTest::addColumn<SimVarConversion>("conversion");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("bytes");
+        tarvo::test::columns<SimVarType, SimVarConversion, QVariant, QByteArray>("type", "conversion", "value",
+                                                                                 "bytes");
         const auto add = [](const char *name, SimVarType type, const QVariant &value, const QByteArray &bytes,
                             SimVarConversion conversion = SimVarConversion::None) {
             QTest::newRow(name) << type << conversion << value << bytes;
