@@ -154,6 +154,7 @@ private slots:
         QTest::newRow("sections") << Values{
             {text(u"a"), 1},     {text(u"General/x"), 2},     {text(u"S b/x"), 4},        {text(u"S/x"), 5},
             {text(u"S/x/y"), 6}, {text(u"\u5bc6/\u00fc"), 7}, {text(u"S/a_b-c.d e=f"), 8}};
+        QTest::newRow("the nameless section's name") << Values{{text(u"general/x"), 2}};
         QTest::newRow("nothing at all") << Values();
     }
 

@@ -107,12 +107,14 @@ private slots:
     void portsAreTried_data()
     {
         QTest::addColumn<Protocol>("protocol");
-        QTest::newRow("TCP") << Protocol::Tcp;
-        QTest::newRow("UDP") << Protocol::Udp;
+        QTest::addColumn<QString>("title");
+        QTest::newRow("TCP") << Protocol::Tcp << u"本机 TCP 端口 %1（X）"_qs;
+        QTest::newRow("UDP") << Protocol::Udp << u"本机 UDP 端口 %1（X）"_qs;
     }
     void portsAreTried()
     {
         QFETCH(const Protocol, protocol);
+        QFETCH(const QString, title);
         auto server = std::make_unique<QTcpServer>();
         auto socket = std::make_unique<QUdpSocket>();
         QVERIFY(server->listen(QHostAddress::Any) && socket->bind(QHostAddress::AnyIPv4));
@@ -120,6 +122,7 @@ private slots:
         const LocalPort port{u"X"_qs, u"X"_qs, protocol, QHostAddress(QHostAddress::LocalHost), taken};
         QCOMPARE(tryPort(port).state, PortState::Taken);
         QCOMPARE(judgePort(port, tryPort(port)).mark, Mark::Good);
+        QCOMPARE(judgePort(port, tryPort(port)).title, title.arg(taken));
         server.reset();
         socket.reset();
         QCOMPARE(tryPort(port).state, PortState::Free);

@@ -1,4 +1,5 @@
 #include "manager/SessionLog.h"
+#include "support/Columns.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/Patience.h"
@@ -11,6 +12,7 @@
 #include <QTest>
 
 using namespace tarvo::manager;
+using tarvo::test::columns;
 using tarvo::test::LogCapture;
 using tarvo::test::ManualClock;
 
@@ -42,9 +44,7 @@ class SessionLogTest : public QObject
 private slots:
     void masks_data()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("secret");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString, QString>("line", "secret", "expected");
         QTest::newRow("pilot") << u"#APAB1:SERVER:1001:pass:1:9:5:Li ZBAA"_qs << u"pass"_qs
                                << u"#APAB1:SERVER:1001:******:1:9:5:Li ZBAA"_qs;
         QTest::newRow("observer") << u"#AAAB1:SERVER:Li:1001:pass:1:9"_qs << u"pass"_qs
@@ -83,8 +83,7 @@ private slots:
 
     void receivedLinesLoseTheSecretOfALogin_data()
     {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString>("line", "expected");
         QTest::newRow("another's login") << u"#APAB2:SERVER:1002::1:9:5:Han"_qs << u"#APAB2:SERVER:1002::1:9:5:Han"_qs;
         QTest::newRow("echo of the own") << u"#APAB1:SERVER:1001:pass:1:9:5:Li"_qs
                                          << u"#APAB1:SERVER:1001:******:1:9:5:Li"_qs;
@@ -130,8 +129,7 @@ private slots:
 
     void aTokenIsMaskedInAnyLine_data()
     {
-        QTest::addColumn<qsizetype>("length");
-        QTest::addColumn<bool>("masked");
+        columns<qsizetype, bool>("length", "masked");
         QTest::newRow("as long as a token") << qsizetype(32) << true;
         QTest::newRow("as long as a word") << qsizetype(31) << false;
     }
@@ -150,9 +148,7 @@ private slots:
 
     void errorMessagesLoseTheSecretOfALogin_data()
     {
-        QTest::addColumn<QString>("parameter");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString, QString>("parameter", "message", "expected");
         QTest::newRow("quoted in the message")
             << u"x"_qs << u"bad: #APAB1 SERVER 1001 pass"_qs << u"bad: #APAB1 SERVER 1001 ******"_qs;
         QTest::newRow("the quotation begins in the parameter") << u"#APAB1 1001"_qs << u"pass"_qs << u"******"_qs;
@@ -170,9 +166,7 @@ private slots:
 
     void errorsLoseTheSecretOfTheirPacket_data()
     {
-        QTest::addColumn<QString>("error");
-        QTest::addColumn<QString>("secret");
-        QTest::addColumn<QString>("expected");
+        columns<QString, QString, QString>("error", "secret", "expected");
         QTest::newRow("in the packet") << u"Invalid field. (Raw packet: AB1:SERVER:1001:pass)"_qs << u"pass"_qs
                                        << u"Invalid field. (Raw packet: AB1:SERVER:1001:******)"_qs;
         QTest::newRow("not in the words before") << u"Invalid field. (Raw packet: AB1:field)"_qs << u"field"_qs
@@ -216,6 +210,16 @@ private slots:
         log.stopFlushing();
         QCOMPARE(contents(log.path()), u"[12:00:00.123] >>> #APAB1:SERVER:1001:******:1:9:5:Li ZBAA\n"
                                        "[12:00:01.000] <<< $DISERVER:CLIENT:v:1\n"_qs);
+    }
+
+    void aClockBeforeTheEpochGivesATimeToo()
+    {
+        const QTemporaryDir folder;
+        const ManualClock clock(-1);
+        SessionLog log(folder.path(), clock);
+        log.writeSent(u"$POA:B:1\r\n"_qs, {});
+        log.stopFlushing();
+        QCOMPARE(contents(log.path()), u"[23:59:59.999] >>> $POA:B:1\n"_qs);
     }
 
     void theTimerBringsLinesToTheDisk()

@@ -152,7 +152,8 @@ private slots:
         } else {
             emit s.sim->simConnectionStateChanged(false);
         }
-        s.sample({}); // cleared, as a simulator does that is lost or new
+        s.sample({});                                 // cleared, as a simulator does that is lost or new
+        emit s.sim->simConnectionStateChanged(false); // once more, or of the new one
         QVERIFY(s.peer.expectNothing());
         s.peer.inject(uR"($CQAB2:AB1:ACC:{"request":"full"})"_qs);
         const QString answer = s.peer.nextLine();

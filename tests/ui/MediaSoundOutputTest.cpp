@@ -21,6 +21,7 @@ private slots:
         MediaSoundOutput output;
         output.begin(tarvo::test::connectSound, 0.55F);
         QCOMPARE(output.player().source(), QUrl());
+        QVERIFY(output.player().audioOutput()); // without one it would play in silence
         QCOMPARE(output.player().playbackState(), QMediaPlayer::StoppedState);
     }
 };

@@ -93,6 +93,9 @@ private slots:
         stage.adapter->updateAircraftConfiguration(configured(aircraft));
         QCOMPARE(stage.wire().calls(), QStringList());
         QCOMPARE(stage.log.texts(QtWarningMsg), warnings);
+        stage.wire().queue(tarvo::practice::message::assignedObject(0, 7)); // no request of his
+        TRY_COMPARE(stage.calls("AIRemoveObject").size(), 1);
+        QCOMPARE(stage.added, QStringList());
         aircraft.typeCode = QStringLiteral("A320"); // he is known, and gets one later
         stage.adapter->updateAircraftConfiguration(aircraft);
         QCOMPARE(stage.calls("AICreate").size(), 1);

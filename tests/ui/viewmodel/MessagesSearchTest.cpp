@@ -68,6 +68,9 @@ private slots:
         page.setSearchText(u"nothing"_qs); // the same search
         QCOMPARE(page.hiddenNews(), 1);
         QCOMPARE(page.activeCount(), 6);
+        page.setActiveChannel(u"ALL"_qs);
+        QCOMPARE(page.activeCount(), page.shownMessages()->rowCount());
+        page.setActiveChannel(u"RADIO"_qs);
         page.setSearchText({});
         QCOMPARE(page.hiddenNews(), 0);
         hear(page, u"between"_qs);

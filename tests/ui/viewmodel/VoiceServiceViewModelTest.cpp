@@ -4,6 +4,7 @@
 #include "input/PttHandler.h"
 #include "input/PttService.h"
 #include "model/RadioStackState.h"
+#include "support/Columns.h"
 #include "support/ManualClock.h"
 #include "support/TestRegistry.h"
 #include "voice/client/VoiceClient.h"
@@ -27,6 +28,7 @@
 
 using tarvo::common::VolumeInfo;
 using tarvo::model::RadioStackState;
+using tarvo::test::columns;
 using tarvo::ui::VoiceServiceViewModel;
 using tarvo::voice::ConnectionState;
 
@@ -75,9 +77,7 @@ class VoiceServiceViewModelTest : public QObject
 private slots:
     void eachStateHasItsText_data()
     {
-        QTest::addColumn<ConnectionState>("state");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("connected");
+        columns<ConnectionState, QString, bool>("state", "text", "connected");
         QTest::newRow("disconnected") << ConnectionState::Disconnected << u"未连接"_qs << false;
         QTest::newRow("connecting") << ConnectionState::Connecting << u"连接中..."_qs << false;
         QTest::newRow("connected") << ConnectionState::Connected << u"已连接"_qs << true;
@@ -114,9 +114,7 @@ private slots:
 
     void radiosAreShownAsTold_data()
     {
-        QTest::addColumn<quint32>("active");
-        QTest::addColumn<quint32>("standby");
-        QTest::addColumn<QString>("text");
+        columns<quint32, quint32, QString>("active", "standby", "text");
         QTest::newRow("short") << 118700U << 121500U << u"118.7 MHz / 121.5 MHz"_qs;
         QTest::newRow("8.33 kHz") << 118275U << 132005U << u"118.275 MHz / 132.005 MHz"_qs;
         QTest::newRow("whole") << 118000U << 0U << u"118 MHz / 0 MHz"_qs;
@@ -179,6 +177,16 @@ private slots:
         QCOMPARE(page.events().at(0).size(), 300);
         const QString time = page.model.eventLog().first().toMap().value(u"time"_qs).toString();
         QCOMPARE(QTime::fromString(time, u"HH:mm:ss"_qs).toString(u"HH:mm:ss"_qs), time);
+    }
+
+    void aFailedAttemptIsOverWithTheNextState()
+    {
+        VoicePage page;
+        page.enter(ConnectionState::Connecting);
+        emit page.client.errorOccurred(u"no route"_qs);
+        QVERIFY(page.model.attemptFailed() && !page.model.isConnecting());
+        page.enter(ConnectionState::Connecting);
+        QVERIFY(!page.model.attemptFailed() && page.model.isConnecting());
     }
 
     void theLogKeepsAHundred()
@@ -378,9 +386,7 @@ private slots:
     void aTestWithoutDevicesSaysSo_data()
     {
         QTest::addColumn<bool>("microphone"); // else the conflict tone
-        QTest::addColumn<int>("inputs");
-        QTest::addColumn<int>("outputs");
-        QTest::addColumn<bool>("told");
+        columns<int, int, bool>("inputs", "outputs", "told");
         QTest::newRow("microphone, nothing there") << true << 0 << 0 << true;
         QTest::newRow("microphone, output alone") << true << 0 << 1 << true;
         QTest::newRow("microphone, input alone") << true << 1 << 0 << true;
@@ -421,9 +427,7 @@ private slots:
     {
         using enum tarvo::voice::DeviceEvent;
         using enum tarvo::voice::StreamRole;
-        QTest::addColumn<tarvo::voice::DeviceEvent>("event");
-        QTest::addColumn<std::vector<tarvo::voice::StreamRole>>("roles");
-        QTest::addColumn<QString>("text");
+        columns<tarvo::voice::DeviceEvent, std::vector<tarvo::voice::StreamRole>, QString>("event", "roles", "text");
         QTest::newRow("ended") << Ended << std::vector{Input, Headphone, Speaker}
                                << u"音频设备已断开：麦克风、耳机、扬声器"_qs;
         QTest::newRow("failed") << Failed << std::vector{Speaker} << u"无法打开音频设备：扬声器"_qs;
@@ -460,9 +464,7 @@ private slots:
 
     void voiceIsInTheRowOfTheRadioThatHearsIt_data()
     {
-        QTest::addColumn<bool>("com1");
-        QTest::addColumn<bool>("com2");
-        QTest::addColumn<int>("radio");
+        columns<bool, bool, int>("com1", "com2", "radio");
         QTest::newRow("COM1 alone is heard") << true << false << 0;
         QTest::newRow("COM2 alone is heard") << false << true << 1;
         QTest::newRow("both are") << true << true << 1;

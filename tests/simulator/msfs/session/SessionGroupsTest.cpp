@@ -188,11 +188,11 @@ private slots:
     void pauseEventIsASampleOfItsOwn()
     {
         OpenBench bench;
-        bench.send(message::event(0, 20000, 1));
-        bench.send(message::event(0, 20000, 0));
+        for (const quint32 data : {1, 0, 4})
+            bench.send(message::event(0, 20000, data));
         bench.send(message::event(0, 20001, 1));
-        QCOMPARE(bench.samples.size(), 2);
-        for (const bool paused : {true, false}) {
+        QCOMPARE(bench.samples.size(), 3);
+        for (const bool paused : {true, false, true}) {
             const QVariantList arguments = bench.samples.takeFirst();
             QCOMPARE(arguments.at(0).value<UpdateGroup>(), UpdateGroup::Environment);
             QCOMPARE(arguments.at(1).toMap(), (QVariantMap{{line("simPaused"), paused}}));
