@@ -22,8 +22,8 @@ import demo_msfs
 import demo_situations
 import demo_voice
 import driven_client
-from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, OTHER_PILOTS,
-                        PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
+from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, END_RED, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE,
+                        OTHER_PILOTS, PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
 from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
@@ -89,7 +89,7 @@ def meet_traffic(main, practice, connected):
     for callsign in OTHER_PILOTS:
         practice.wait_for(r'plugin +>>> ADDED.*' + callsign, start=connected)
     practice.wait_for(f'#TM{TOWER}:{CALLSIGN}:', start=connected)
-    wait_until('badge of unread messages', lambda: main.count(*BADGE, RED) >= 50)
+    wait_until('badge of unread messages', lambda: main.count(*BADGE, END_RED) >= 50)
     main.open_page(SIMULATOR_ITEM)
     wait_until('aircraft on the plot', lambda: main.count(*PLOT, CYAN) >= 20)
     picture('7-simulator-page')
@@ -127,7 +127,6 @@ COMPOSE_FIELD = (650, 660)
 # Where he looks: left, top, width, height or a column, and colours of the style.
 SESSION_MARK = 281
 BADGE = (190, 310, 40, 40)
-RED = (0xF4, 0x3F, 0x5E)
 
 TOUR = f"""
 What there is to see, once X-Plane is chosen and a callsign is connected on the page 服务器:

@@ -1,4 +1,5 @@
 #include "ComposingInput.h"
+#include "Contrast.h"
 #include "PageHarness.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -172,6 +173,15 @@ private slots:
         m_harness->status().dismissBanner();
     }
 
+    void aButtonThatIsOffDoesNotShine()
+    {
+        const QQuickItem *button = item(u"compactSend"_qs);
+        QVERIFY(button && !button->isEnabled());
+        const QImage picture = window()->grabWindow();
+        const QPointF edge = button->mapToScene({6, button->height() / 2}) * picture.width() / window()->width();
+        QCOMPARE(picture.pixelColor(edge.toPoint()).name(), u"#2b3b57"_qs);
+    }
+
     void escapeAndItsKeysLeaveIt_data()
     {
         QTest::addColumn<Qt::Key>("key");
@@ -253,13 +263,23 @@ private:
                           clicked->mapToScene({clicked->width() / 2, clicked->height() / 2}).toPoint());
     }
 
+    /// A long message or reason is read in the main window.
+    static bool mayBeCut(const QQuickItem *text)
+    {
+        return text->objectName() == QLatin1String("compactText") ||
+               text->objectName() == QLatin1String("compactTrouble");
+    }
+
     static void grab(const QString &name)
     {
         window()->grabWindow(); // lays it out
-        const QImage picture = window()->grabWindow();
-        const QString folder = qEnvironmentVariable("TARVO_SHOTS");
-        if (!folder.isEmpty())
-            picture.save(folder + u'/' + name + u".png"_qs);
+        const QImage picture = tarvo::test::keep(window()->grabWindow(), name);
+        const QList<QQuickItem *> texts = PageHarness::textsOf(*window());
+        const QStringList pale = tarvo::test::paleTexts(texts, picture, {});
+        QVERIFY2(pale.isEmpty(), qPrintable(pale.join(u"; "_qs)));
+        for (const QQuickItem *text : texts)
+            QVERIFY2(mayBeCut(text) || !text->property("truncated").toBool(),
+                     qPrintable(text->property("text").toString()));
     }
 
     std::unique_ptr<PageHarness> m_harness;

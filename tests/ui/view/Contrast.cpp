@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QJSValue>
 #include <QQuickItem>
+#include <QQuickWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -75,7 +76,9 @@ QStringList paleTexts(const QList<QQuickItem *> &texts, const QImage &picture, c
     QStringList pale;
     for (const QQuickItem *text : texts) {
         const auto ink = text->property("color").value<QColor>();
-        const QRect area = inSight(text).toAlignedRect() & picture.rect();
+        const qreal scale = static_cast<qreal>(picture.width()) / text->window()->width();
+        const QRectF seen = inSight(text);
+        const QRect area = QRectF(seen.topLeft() * scale, seen.size() * scale).toAlignedRect() & picture.rect();
         if (ink == muted || area.isEmpty() || !isSmallAndSeen(text))
             continue;
         const double ratio = contrast(ink, ground(picture, area, ink));

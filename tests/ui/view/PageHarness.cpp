@@ -300,8 +300,13 @@ QQuickItem *PageHarness::itemWithText(const QString &text) const
 
 QList<QQuickItem *> PageHarness::texts() const
 {
+    return textsOf(view);
+}
+
+QList<QQuickItem *> PageHarness::textsOf(const QQuickWindow &window)
+{
     QList<QQuickItem *> found;
-    collect(view.contentItem(), isText, found);
+    collect(window.contentItem(), isText, found);
     return found;
 }
 
@@ -366,7 +371,11 @@ void PageHarness::type(const QString &text)
 
 QImage PageHarness::grab(const QString &name)
 {
-    const QImage picture = view.grabWindow();
+    return keep(view.grabWindow(), name);
+}
+
+QImage keep(const QImage &picture, const QString &name)
+{
     const QString folder = qEnvironmentVariable("TARVO_SHOTS");
     if (!folder.isEmpty())
         picture.save(folder + QLatin1Char('/') + name + u".png"_qs);

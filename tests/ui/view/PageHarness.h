@@ -35,6 +35,9 @@
 
 namespace tarvo::test {
 
+/// Gives the picture back; in the folder of TARVO_SHOTS, when that is set, it is kept under this name.
+QImage keep(const QImage &picture, const QString &name);
+
 /// Dashboard.qml in a window of its own, over real view models.
 class PageHarness
 {
@@ -95,6 +98,8 @@ public:
     QQuickItem *itemWithText(const QString &text) const;
     /// All visible items that show text.
     QList<QQuickItem *> texts() const;
+    /// All visible items of a window that show text.
+    static QList<QQuickItem *> textsOf(const QQuickWindow &window);
     /// Texts that reach beyond their own box without being cut there, or beyond the window's sides.
     QStringList textsOutOfBounds() const;
     /// Lets what waits for the next turn of the loop happen, and the layout with it.

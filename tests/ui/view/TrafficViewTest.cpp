@@ -70,7 +70,7 @@ private slots:
         const QQuickItem *onRing = m_harness->items(u"radarContact"_qs).at(1);
         QCOMPARE(onRing->property("callsign").toString(), u"CES3"_qs);
         const QImage picture = m_harness->grab(u"simulator-rings"_qs);
-        const QPoint middle = (onRing->mapToScene(QPointF()) * picture.devicePixelRatio()).toPoint();
+        const QPoint middle = (onRing->mapToScene(QPointF()) * picture.width() / m_harness->view.width()).toPoint();
         const QColor glass(u"#111B2E"_qs); // what the symbol is filled with
         for (int y = -1; y <= 1; ++y)
             QCOMPARE(picture.pixelColor(middle + QPoint(0, y)).name(), glass.name());

@@ -1,3 +1,4 @@
+#include "Contrast.h"
 #include "PageHarness.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -94,6 +95,29 @@ private slots:
             QVERIFY(flags.testFlag(flag));
         QCOMPARE(flags & Qt::WindowType_Mask, Qt::Tool);
         QVERIFY(!small->transientParent()); // else it is minimised with the main window
+    }
+
+    void theSmallWindowShowsItsTextsWhole_data()
+    {
+        QTest::addColumn<bool>("connected");
+        QTest::newRow("in a session") << true;
+        QTest::newRow("without one") << false;
+    }
+    void theSmallWindowShowsItsTextsWhole()
+    {
+        QFETCH(bool, connected);
+        m_harness->fillSimulator(u"XPLANE"_qs);
+        if (connected)
+            m_harness->fillVoice();
+        auto *small = qobject_cast<QQuickWindow *>(openSmallWindow());
+        QVERIFY(small);
+        const QImage picture = tarvo::test::keep(small->grabWindow(), u"voice-mini-%1"_qs.arg(connected));
+        const QList<QQuickItem *> texts = PageHarness::textsOf(*small);
+        QVERIFY(texts.size() >= 8);
+        for (const QQuickItem *text : texts)
+            QVERIFY2(text->property("contentWidth").toReal() <= text->width() + 1,
+                     qPrintable(text->property("text").toString()));
+        QCOMPARE(tarvo::test::paleTexts(texts, picture, {}), QStringList());
     }
 
     void itStaysWhenThePageGoes()

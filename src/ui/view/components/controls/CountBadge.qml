@@ -11,7 +11,7 @@ Rectangle {
     implicitWidth: Math.max(implicitHeight, label.implicitWidth + 12)
     implicitHeight: 20
     radius: height / 2
-    color: Style.statusError
+    color: Style.endsSession
 
     AppText {
         id: label

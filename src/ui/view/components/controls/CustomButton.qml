@@ -7,6 +7,7 @@ Pressable {
 
     property bool primary: false
     property color accentColor: Style.primary
+    property color disabledColor: primary ? Style.textMuted : Style.controlBgDisabled
 
     implicitHeight: Style.controlHeight
     leftPadding: Style.spacingLarge
@@ -29,7 +30,7 @@ Pressable {
         color: {
             const base = button.primary ? button.accentColor : Style.accentSoft
             if (!button.enabled)
-                return button.primary ? Style.textMuted : Style.controlBgDisabled
+                return button.disabledColor
             return button.down ? Qt.darker(base, 1.12) : button.hovered ? Qt.lighter(base, button.primary ? 1.25 : 1.03) : base
         }
         border.width: button.ringWidth

@@ -53,7 +53,7 @@ RowLayout {
         dark: true
         text: "TX"
         lit: head.voiceThere && head.voice.pttActive
-        litColor: Style.statusTransmit
+        litColor: Style.instrumentTransmit
     }
 
     Lamp {

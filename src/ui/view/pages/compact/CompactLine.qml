@@ -85,7 +85,8 @@ GridLayout {
         implicitHeight: 34
         focusPolicy: Qt.TabFocus // the line keeps the focus
         primary: true
-        accentColor: enabled ? Style.controlBorderActive : Style.instrumentGrid
+        accentColor: Style.controlBorderActive
+        disabledColor: Style.instrumentGrid
         enabled: compose.canSend && line.length > 0
         text: qsTr("发送")
         font.pixelSize: 13

@@ -93,7 +93,7 @@ RowLayout {
                 AppText {
                     visible: tile.sending
                     text: qsTr("发射")
-                    color: Style.statusError
+                    color: Style.instrumentTransmit
                     font.pixelSize: 11
                     font.weight: Font.DemiBold
                 }

@@ -30,7 +30,7 @@ Card {
                 AppText {
                     objectName: "voiceCallsign"
                     Layout.fillWidth: true
-                    text: card.voice ? card.voice.callsign : "--"
+                    text: card.voice?.callsign || "--"
                     font.pixelSize: Style.fontHeading
                     font.weight: Font.Bold
                     fontSizeMode: Text.HorizontalFit
