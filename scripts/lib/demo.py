@@ -5,8 +5,9 @@ With --msfs it is the practice build of the client, which has a Microsoft Flight
 With --headless the client runs in a virtual display and is flown by key presses and clicks from the login to the logout;
 pictures of every window and what the headphone played stay in build/demo, and the lines that the server saw are printed as
 they stood on the wire. The client's sound goes over a sound server of the demonstration's own.
-Where this machine allows it, that client finds the server by a name, which is answered late.
-Without it, the pilot is told what there is to look at.
+Where this machine allows it, that is on a network of its own; the practice build finds the server there by a name, which is
+answered late.
+Without --headless, the pilot is told what there is to look at.
 With --root, for try_package.py, the programs are those that a package has brought there, and run as a user without rights.
 """
 import argparse
@@ -22,8 +23,8 @@ import demo_msfs
 import demo_situations
 import demo_voice
 import driven_client
-from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, END_RED, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE,
-                        OTHER_PILOTS, PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, WHITE, disconnect, fill_form, sign_in)
+from demo_steps import (CALLSIGN, CONNECT_BUTTON, CYAN, END_RED, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, MESSAGES_ITEM, OTHER_PILOTS,
+                        PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, disconnect, fill_form, sign_in)
 from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
@@ -33,9 +34,8 @@ TOWER = 'ZBAA_TWR'
 SERVER_NAME = 'fsd.practice.test'
 
 
-def fly(client, practice, server_name, sound):
-    """From the login to the logout, as a pilot would. `server_name` is what the name server knows, if there is one; `sound`
-    the server that has his microphone and headphone."""
+def fly(client, practice, sound):
+    """From the login to the logout, as a pilot would. `sound` is the server that has his microphone and headphone."""
     main = sign_in()
     picture('2-mode-selection')
     main.click(X_PLANE_CARD, until=lambda: practice.has(r'plugin +<<< VER'))
@@ -45,10 +45,7 @@ def fly(client, practice, server_name, sound):
     main.open_page(SERVER_ITEM)
     picture('4-server-page')
     fill_form(main)
-    if server_name:
-        look_around_meanwhile(main, server_name)
-    else:
-        main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
+    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
     picture('6-connected')
@@ -70,17 +67,6 @@ def fly(client, practice, server_name, sound):
     picture('16-login-again')
     press('alt+F4')
     client.wait_for_end(10)
-
-
-def look_around_meanwhile(main, server_name):
-    """Connects, goes to another page and back while the server's name is being looked up, and calls it off once."""
-    main.click(CONNECT_BUTTON, until=server_name.asked.is_set)
-    main.open_page(MESSAGES_ITEM)
-    picture('5-other-page-while-looking-up')
-    main.open_page(SERVER_ITEM)
-    picture('5-server-page-while-looking-up')
-    demo_situations.call_off(main)
-    server_name.answer()
 
 
 def meet_traffic(main, practice, connected):
@@ -119,7 +105,6 @@ def talk_to_tower(main, practice, connected):
 
 # Where the pilot clicks, in pixels of a main window of 1000x700.
 X_PLANE_CARD = (500, 500)
-MESSAGES_ITEM = (120, 330)
 SETTINGS_ITEM = (120, 380)
 TOWER_SESSION = (360, 377)
 COMPOSE_FIELD = (650, 660)
@@ -199,26 +184,32 @@ class PackagedPrograms(Programs):
         subprocess.run(['mount', '--bind', folder, inside], check=True)
 
 
+def name_of_server():
+    """What the name server knows from now on; nothing where there can be none."""
+    reason = enter_own_network()
+    if reason is not None:
+        print('no network of our own here, so the client finds the server by its address:', reason, flush=True)
+        return None
+    name = Name('127.0.0.1')
+    NameServer({SERVER_NAME: name})
+    return name
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--bin', required=True, type=pathlib.Path)
     parser.add_argument('--headless', action='store_true')
     parser.add_argument('--msfs', action='store_true')
     parser.add_argument('--root', nargs=3, metavar=('ROOT', 'PROGRAMS', 'DATA'))
+    parser.add_argument('--pictures', help='their folder in build')
     arguments = parser.parse_args()
     build = arguments.bin.resolve()
     programs = PackagedPrograms(build, *arguments.root) if arguments.root else Programs(build)
-    server_name, client_command = None, programs.command('TarvoClient')
+    server_name = name_of_server() if arguments.headless and not arguments.root else None
+    client_command = programs.command('TarvoClient')
     if arguments.msfs:
-        client_command = demo_msfs.command(build)
-    elif arguments.headless and not arguments.root:
-        reason = enter_own_network()
-        if reason is None:
-            server_name, client_command = Name('127.0.0.1'), programs.command('tarvo-demo-client', SERVER_NAME)
-            NameServer({SERVER_NAME: server_name})
-        else:
-            print('no network of our own here, so the client finds the server by its address:', reason, flush=True)
-    driven_client.keep_pictures_in('demo-packaged' if arguments.root else 'demo-msfs' if arguments.msfs else 'demo')
+        client_command = demo_msfs.command(build, *([SERVER_NAME] if server_name else []))
+    driven_client.keep_pictures_in(arguments.pictures or ('demo-msfs' if arguments.msfs else 'demo'))
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # through the clean-up below
 
     practice = Practice(programs.command('tarvo-practice'), programs.environment())
@@ -237,9 +228,9 @@ def main():
                 client = Program('the client', client_command, programs.environment())
                 try:
                     if arguments.msfs:
-                        demo_msfs.fly(client, practice)
+                        demo_msfs.fly(client, practice, server_name)
                     else:
-                        fly(client, practice, server_name, sound)
+                        fly(client, practice, sound)
                 finally:
                     if client.process.poll() is None:
                         picture('at-the-end')

@@ -4,6 +4,7 @@ for: other pilots appear in it, and a frequency typed on the simulator's page tu
 import os
 import subprocess
 
+import demo_situations
 from demo_steps import (CALLSIGN, CARD_ARROWS, CONNECT_BUTTON, CYAN, LOGIN_TITLE, LOGOUT_ITEM, OTHER_PILOTS, PLOT,
                         SERVER_ITEM, SIMULATOR_ITEM, WHITE, disconnect, fill_form, sign_in)
 from driven_client import ROOT, Failure, Window, picture, press, type_text, wait_until, window, xdotool
@@ -25,16 +26,17 @@ Close the client to end it all.
 """
 
 
-def command(programs):
+def command(programs, *server):
     os.environ.setdefault('TARVO_PRACTICE_MSFS', 'log=-')
-    return [programs / 'TarvoClient-practice']
+    return [programs / 'TarvoClient-practice', *server]
 
 
 def write_config(programs):
     subprocess.run([programs / 'tarvo-demo-config', programs, '--models', MODELS], check=True)
 
 
-def fly(client, practice):
+def fly(client, practice, server_name):
+    """From the login to the logout. `server_name` is what the name server knows, if there is one."""
     main = sign_in()
     if xdotool('getwindowname', main.id)[-3:] != TITLE_END.split():
         raise Failure("the window's title does not tell that this is a practice build")
@@ -45,7 +47,10 @@ def fly(client, practice):
     main.open_page(SERVER_ITEM)
     picture('4-server-page')
     fill_form(main)
-    main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
+    if server_name:
+        demo_situations.look_around_meanwhile(main, server_name)
+    else:
+        main.click(CONNECT_BUTTON, until=lambda: practice.has(r'#AP' + CALLSIGN))
     connected = practice.wait_for(r'#AP' + CALLSIGN)
     practice.wait_for(r'@[SNY]:' + CALLSIGN, start=connected)
     picture('6-connected')

@@ -1,7 +1,7 @@
 """What may happen on a flight of the driven demonstration: an attempt that is called off, a text in Chinese, a station that
 is tuned by a click, the compact view, a pause, and the end of the connection by somebody else's wish.
 """
-from demo_steps import CALLSIGN, CONNECT_BUTTON, SIMULATOR_ITEM
+from demo_steps import CALLSIGN, CONNECT_BUTTON, MESSAGES_ITEM, SERVER_ITEM, SIMULATOR_ITEM
 from driven_client import Window, picture, press, type_text, wait_until, window, xdotool
 
 COMPACT_TITLE = 'TARVO 精简视图'
@@ -29,6 +29,17 @@ def end_tour(main):
     picture('3-tour')
     press('Escape')
     wait_until('end of the tour', lambda: main.count(*TOUR_CARD, NAVY) < 4000)
+
+
+def look_around_meanwhile(main, server_name):
+    """Connects, goes to another page and back while the server's name is being looked up, and calls it off once."""
+    main.click(CONNECT_BUTTON, until=server_name.asked.is_set)
+    main.open_page(MESSAGES_ITEM)
+    picture('5-other-page-while-looking-up')
+    main.open_page(SERVER_ITEM)
+    picture('5-server-page-while-looking-up')
+    call_off(main)
+    server_name.answer()
 
 
 def call_off(main):

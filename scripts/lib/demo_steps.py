@@ -11,6 +11,7 @@ LOGIN_TITLE, MAIN_TITLE = 'TARVO Client - 登录', 'TARVO Client - 控制面板'
 # Where the pilot clicks, in pixels of a main window of 1000x700.
 SIMULATOR_ITEM = (120, 180)
 SERVER_ITEM = (120, 230)
+MESSAGES_ITEM = (120, 330)
 LOGOUT_ITEM = (120, 468)
 CALLSIGN_FIELD = (430, 329)
 CONNECT_BUTTON = (430, 503)

@@ -1,5 +1,6 @@
 // The client as its entry function starts it, with the practice network's Microsoft Flight Simulator inside: no library
 // of the real one is looked for. TARVO_PRACTICE_MSFS says how that simulator behaves; practice/README.md has the words.
+// An argument is the FSD server's host name.
 #include "AppConfig.h"
 #include "Application.h"
 #include "network/ApiService.h"
@@ -22,11 +23,13 @@ int main(int argc, char **argv)
     qWarning("PRACTICE BUILD: Microsoft Flight Simulator is a stand-in inside this program");
     tarvo::practice::MsfsStandIn simulator;
     tarvo::practice::MsfsOptions::fromEnvironment().apply(simulator);
+    tarvo::ServiceEndpoints endpoints;
+    endpoints.fsdHost = QApplication::arguments().value(1, endpoints.fsdHost);
     int code = 0;
     {
         tarvo::Application application(
             tarvo::AppConfig::instance(), tarvo::network::ApiService::instance(),
-            tarvo::network::SwiftAircraftIcaoService::instance(), {},
+            tarvo::network::SwiftAircraftIcaoService::instance(), endpoints,
             std::make_shared<tarvo::simulator::msfs::SimConnectBinding>(simulator.wire().library()));
         code = application.run();
     }
