@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Tries a package as somebody has it who installs nothing else: in an empty root with its own files and the files of the
-packages that it asks for, as a user without rights, in a network of its own. The practice network runs there, the client
-signs in to it and shows its pages; a second start ends at once; what it wrote is in the user's own folder, or beside a
-portable client. tarvo-support finds all well there but the sound, which there is none of, and packs what they wrote.
-A Debian package comes there as an upgrade of an older version, flies the driven demonstration, and is
-purged again: what the user has stays.
+packages that it asks for, as a user without rights, in a network of its own.
+
+First there is an older version. The practice network runs, the client signs in to it and shows its pages; a second start
+ends at once; what it wrote is in the user's own folder, or beside a portable client. tarvo-support finds all well there but
+the sound, which there is none of, and packs what they wrote. Then the client is killed, and the package comes over the
+older version: its client takes the killed one's place, and signs in with what that has left. The driven demonstration is
+flown, and a Debian package purged again: what the user has stays.
 
     try_package.py deb|portable TARVO-DEMO-CONFIG FOLDER
 """
@@ -15,6 +17,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tarfile
 import tempfile
 import time
 import zipfile
@@ -24,6 +27,7 @@ import dpkg_root
 USER = 1000
 HOME = 'home/pilot'
 CLONE_NEWNS, CLONE_NEWNET, CLONE_NEWIPC = 0x20000, 0x40000000, 0x08000000
+SIGNED_IN = 'GetLeaderboard request' # the last that a client asks for when it shows its pages
 PATIENCE = 120  # seconds; a machine that also compiles is slow
 
 
@@ -94,76 +98,104 @@ def depends_of(package):
 DESKTOP = {'libasound2-plugins', 'libc-bin'}
 
 
-def packages_in(folder):
-    return sorted((folder / 'deb').glob('*.deb'))
+class DebianPackages:
+    """dpkg itself brings them."""
+
+    programs, data = 'usr/bin', f'{HOME}/.local/share/TarvoClient'
+
+    def __init__(self, folder, root):
+        self.folder, self.root = folder, root
+        self.packages = sorted((folder / 'deb').glob('*.deb'))
+
+    def install_older(self):
+        names = closure({name for package in self.packages for name in depends_of(package)} | DESKTOP)
+        link_packages(self.root, names)
+        dpkg_root.know(self.root, names)
+        with tempfile.TemporaryDirectory(dir=self.folder) as scratch:
+            dpkg_root.install(self.root, dpkg_root.older(self.packages, pathlib.Path(scratch)))
+
+    def user_files(self):
+        """What each of the user's files holds."""
+        return {path: path.read_bytes() for path in sorted((self.root / HOME).rglob('*')) if path.is_file()}
+
+    def upgrade(self):
+        dpkg_root.install(self.root, self.packages)
+        if (self.root / dpkg_root.ONLY_OLD).exists():
+            raise Failure('the upgrade left a file of the older version')
+
+    def remove(self):
+        dpkg_root.purge(self.root, self.packages)
+        left = [path for package in self.packages for path in dpkg_root.files_of(package)
+                if os.path.lexists(self.root / path)]
+        if left or (self.root / dpkg_root.ONLY_OLD.parent).exists():
+            raise Failure(f'the removal left {left}')
 
 
-def unpack_deb(folder, root):
-    """An older version of the packages."""
-    packages = packages_in(folder)
-    names = closure({name for package in packages for name in depends_of(package)} | DESKTOP)
-    link_packages(root, names)
-    dpkg_root.know(root, names)
-    with tempfile.TemporaryDirectory(dir=folder) as scratch:
-        dpkg_root.install(root, dpkg_root.older(packages, pathlib.Path(scratch)))
-    return 'usr/bin', f'{HOME}/.local/share/TarvoClient'
+class PortableArchive:
+    """It is unpacked into a folder of the user's, which has all of it and his data."""
+
+    programs = data = f'{HOME}/TarvoClient'
+
+    def __init__(self, folder, root):
+        self.archive, = folder.glob('*.tar.xz')
+        self.root = root
+        self.place = root / self.programs
+
+    def files(self):
+        """What the archive brings: path and bytes."""
+        with tarfile.open(self.archive) as archive:
+            return {self.place.parent / member.name: archive.extractfile(member).read()
+                    for member in archive if member.isfile()}
+
+    def install_older(self):
+        self.place.parent.mkdir(parents=True)
+        os.chown(self.place.parent, USER, USER)
+        self.upgrade()
+        readme = self.place / 'README.txt'
+        packages = closure(set(re.findall(r'^  (\S+)$', readme.read_text(encoding='utf-8'), re.M)) | DESKTOP)
+        if any('qt6' in name for name in packages):
+            raise Failure(f'a package of Qt came along: {sorted(packages)}')
+        link_packages(self.root, packages)
+        for path in (readme, self.place / 'lib/libQt6Sql.so.6'):  # as if they were of an older version
+            path.write_bytes(path.read_bytes() + b'\n')
+
+    def user_files(self):
+        """Those that don't come with the archive: his data beside the programs, and all else."""
+        brought = self.files()
+        return {path: path.read_bytes() for path in sorted((self.root / HOME).rglob('*'))
+                if path.is_file() and path not in brought}
+
+    def upgrade(self):
+        """The user unpacks it over what is there."""
+        subprocess.run(['tar', '-xf', self.archive, '-C', self.place.parent], check=True, user=USER, group=USER)
+        old = [path for path, bytes_ in self.files().items() if path.read_bytes() != bytes_]
+        if old:
+            raise Failure(f'the upgrade left {old} as they were')
+
+    def remove(self):
+        shutil.rmtree(self.place)
+        traces = [path for path in (self.root / HOME).rglob('*') if 'arvo' in path.name]
+        if traces:
+            raise Failure(f'it wrote outside of its folder: {traces}')
 
 
-def user_files(root):
-    """What each of the user's files holds."""
-    return {path: path.read_bytes() for path in sorted((root / HOME).rglob('*')) if path.is_file()}
+def keeping_data(package, change):
+    """Carries out a change of the programs; the user's files stay as they are."""
+    before = package.user_files()
+    change()
+    if not before or package.user_files() != before:
+        raise Failure(f"{change.__name__} touched the user's files")
 
 
-def upgrade(root, packages):
-    before = user_files(root)
-    dpkg_root.install(root, packages)
-    if user_files(root) != before:
-        raise Failure("the upgrade touched the user's files")
-    if (root / dpkg_root.ONLY_OLD).exists():
-        raise Failure('the upgrade left a file of the older version')
-
-
-def purge(root, packages):
-    before = user_files(root)
-    dpkg_root.purge(root, packages)
-    left = [path for package in packages for path in dpkg_root.files_of(package) if os.path.lexists(root / path)]
-    if left or (root / dpkg_root.ONLY_OLD.parent).exists():
-        raise Failure(f'the removal left {left}')
-    if user_files(root) != before:
-        raise Failure("the removal touched the user's files")
-
-
-def demonstrate(root, programs, data, build):
+def demonstrate(kind, root, package, build):
     """The driven demonstration, with the programs that are in the root."""
     demo = pathlib.Path(__file__).with_name('demo.py')
-    with open(root.parent / 'demonstration.txt', 'w') as said:
-        code = subprocess.run([demo, '--headless', '--bin', build, '--root', root, programs, data],
+    with open(root.parent / f'said-{kind}' / 'demonstration.txt', 'w') as said:
+        code = subprocess.run([demo, '--headless', '--bin', build, '--pictures', f'demo-{kind}',
+                               '--root', root, package.programs, package.data],
                               stdout=said, stderr=subprocess.STDOUT).returncode
     if code != 0:
         raise Failure('the demonstration failed:\n' + pathlib.Path(said.name).read_text(errors='replace'))
-
-
-def live(root, programs, data, build, packages):
-    """What is left of a package's life after its first flight."""
-    upgrade(root, packages)
-    print('upgraded over an older version: what it brought is gone, the data are kept')
-    demonstrate(root, programs, data, build)
-    print('the driven demonstration was flown from it')
-    purge(root, packages)
-    print('removed: nothing of it is left but the data')
-
-
-def unpack_portable(folder, root):
-    archive, = folder.glob('*.tar.xz')
-    where = root / HOME / 'flying'
-    where.mkdir(parents=True)
-    subprocess.run(['tar', '-xf', archive, '-C', where, '--strip-components=1'], check=True)
-    asked = re.findall(r'^  (\S+)$', (where / 'README.txt').read_text(encoding='utf-8'), re.M)
-    packages = closure(asked)
-    if any('qt6' in name for name in packages):
-        raise Failure(f'a package of Qt came along: {sorted(packages)}')
-    link_packages(root, packages)
-    return f'{HOME}/flying', f'{HOME}/flying'
 
 
 def enter_own_world(root):
@@ -217,24 +249,35 @@ def wait_for(what, condition, process):
         time.sleep(0.2)
 
 
+def log_of(data):
+    return '\n'.join(path.read_text(errors='replace') for path in sorted((data / 'logs').glob('*.log')))
+
+
+def sign_in(stage, data):
+    """The client is started, and signs in with the account in its settings."""
+    seen = log_of(data).count(SIGNED_IN)
+    client = stage.start('TarvoClient')
+    wait_for('the pages', lambda: log_of(data).count(SIGNED_IN) > seen, client)
+    log = log_of(data)
+    for bad in ('could not be loaded', ' | ERROR | ', ' | FATAL | ', 'An earlier run crashed'):
+        if bad in log:
+            raise Failure(log)
+    if log.count('Imported Doc8643') != 1: # at the first start; later it is there
+        raise Failure('the type data were not found once\n' + log)
+    return client
+
+
 def fly(stage, data):
     practice = stage.start('tarvo-practice')
     wait_for('the practice network', lambda: 'ready' in practice.output.read_text(), practice)
-    client = stage.start('TarvoClient')
-
-    def log():
-        return '\n'.join(path.read_text(errors='replace') for path in sorted((data / 'logs').glob('*.log')))
-    wait_for('the pages', lambda: 'GetLeaderboard request' in log(), client)
+    client = sign_in(stage, data)
     second = stage.start('TarvoClient')
     if second.wait(timeout=PATIENCE) != 0:
         raise Failure(f'the second start ended with {second.returncode}')
-    for bad in ('could not be loaded', ' | ERROR | ', ' | FATAL | '):
-        if bad in log():
-            raise Failure(log())
-    if not log().count('Imported Doc8643') == 1:
-        raise Failure('the type data were not found\n' + log())
     check_up(stage, data)
-    return next(line for line in log().splitlines() if 'with its data in' in line)
+    print(next(line for line in log_of(data).splitlines() if 'with its data in' in line))
+    client.kill()
+    client.wait()
 
 
 def check_up(stage, data):
@@ -252,6 +295,14 @@ def check_up(stage, data):
         raise Failure(f'of {sorted(logs)} there is packed {sorted(packed)}; damaged: {bad}')
 
 
+def prepare_home(root, data, demo_config):
+    """A user who has an account."""
+    data.mkdir(parents=True, exist_ok=True)
+    (root / HOME / 'run').mkdir(mode=0o700)
+    subprocess.run([demo_config, data, '1001', 'practice'], check=True)
+    subprocess.run(['chown', '-R', f'{USER}:{USER}', root / HOME], check=True)
+
+
 def main():
     if os.geteuid() != 0:
         print('not tried: making a root of its own takes root')
@@ -261,24 +312,25 @@ def main():
     for old in (root, output):
         shutil.rmtree(old, ignore_errors=True)
         old.mkdir()
-    stage = None
+    package = {'deb': DebianPackages, 'portable': PortableArchive}[kind](folder, root)
+    stage = Stage(root, package.programs, output)
     try:
-        programs, data = {'deb': unpack_deb, 'portable': unpack_portable}[kind](folder, root)
-        (root / data).mkdir(parents=True, exist_ok=True)
-        (root / HOME / 'run').mkdir(mode=0o700)
-        subprocess.run([demo_config, root / data, '1001', 'practice'], check=True)
-        subprocess.run(['chown', '-R', f'{USER}:{USER}', root / HOME], check=True)
+        package.install_older()
+        prepare_home(root, root / package.data, demo_config)
         enter_own_world(root)
-        stage = Stage(root, programs, output)
-        print(fly(stage, root / data))
-        if kind == 'deb':
-            stage.end()
-            live(root, programs, data, demo_config.parent, packages_in(folder))
+        fly(stage, root / package.data)
+        keeping_data(package, package.upgrade)
+        sign_in(stage, root / package.data)
+        print('came over an older version, whose client was killed: its data are kept and used')
+        stage.end()
+        demonstrate(kind, root, package, demo_config.parent)
+        print('flew the driven demonstration')
+        keeping_data(package, package.remove) if kind == 'deb' else package.remove()
+        print('removed: nothing of it is left' + (' but the data' if kind == 'deb' else ''))
     except (Failure, RuntimeError) as failure:
         sys.exit(f'{kind}: {failure}')
     finally:
-        if stage:
-            stage.end()
+        stage.end()
     subprocess.run(['umount', '-R', root / 'proc', root / 'tmp'], check=False)
     for name in ('null', 'urandom', 'zero'):
         subprocess.run(['umount', root / 'dev' / name], check=False)
