@@ -161,6 +161,18 @@ private slots:
         stage.client->setPtt(false);
     }
 
+    void aKeyHeldBeforeTheEngineOpensNothing()
+    {
+        SessionStage stage;
+        stage.client->setPtt(true);
+        const auto isOpen = [&stage] { return stage.client->audioHandler()->inputStream().isTransmitEnabled(); };
+        QVERIFY(!isOpen());
+        stage.client->setPtt(true); // the next press
+        QVERIFY(isOpen());
+        stage.client->setPtt(false);
+        QVERIFY(!isOpen());
+    }
+
     void twoOnOneFrequency_data()
     {
         QTest::addColumn<int>("gapMs");
