@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Runs a checker over the source files of the project, as many at a time as there are cores.
 
-usage: check_units.py tidy|windows [--only REGEX] [--deep]
+usage: check_units.py tidy|windows [--only REGEX] [--deep] [--but-of COMMANDS]
 
 tidy     clang-tidy with the project's .clang-tidy; not over the tests, whose time is better spent running. The static
          analyzer looks into small functions only; --deep lets it follow all calls, which takes up to five times as long
 windows  mingw-w64's g++ with -fsyntax-only over the Linux Qt headers: is it valid Windows code? Every file, tests too
+
+--but-of leaves out what a build compiles itself, by its compile_commands.json; none is left out when that isn't there.
 
 The files of a module are checked a dozen at a time as one text, because nearly all the time goes into the Qt headers.
 Where two of them share a name in their anonymous namespaces, each is checked by itself, as with --only.
@@ -59,6 +61,16 @@ def units(folders, only):
         if relative.parts[0] in folders and re.search(only, str(relative)):
             seen.setdefault(relative, shlex.split(entry['command']))
     return seen
+
+
+def compiled_by(commands):
+    """What a build compiles, also in the files into which CMake puts several."""
+    found = set()
+    for entry in json.loads(commands.read_text()) if commands and commands.exists() else []:
+        path = pathlib.Path(entry['file'])
+        together = re.findall(r'#include "([^"]+)"', path.read_text()) if path.parent.name == 'Unity' else []
+        found |= {path, *map(pathlib.Path, together)}
+    return {path.relative_to(ROOT) for path in found if path.is_relative_to(ROOT)}
 
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
@@ -128,6 +140,7 @@ def main():
     parser.add_argument('mode', choices=['tidy', 'windows'])
     parser.add_argument('--only', default='')
     parser.add_argument('--deep', action='store_true')
+    parser.add_argument('--but-of', type=pathlib.Path)
     arguments = parser.parse_args()
     mode = 'deep' if arguments.deep and arguments.mode == 'tidy' else arguments.mode
     configure()
@@ -135,7 +148,8 @@ def main():
     checker = windows_units.WindowsChecker(ROOT, BUILD / 'windows') if mode == 'windows' else TidyChecker(mode == 'deep')
     found = {u: c for u, c in units(folders, '').items() if checker.wanted(u)}
     found |= checker.extra_units(found, folders)
-    found = {u: c for u, c in found.items() if re.search(arguments.only, str(u))}
+    elsewhere = compiled_by(arguments.but_of)
+    found = {u: c for u, c in found.items() if u not in elsewhere and re.search(arguments.only, str(u))}
     todo = batches.make(ROOT, BUILD / 'batches' / mode, found, alone=bool(arguments.only))
     memo = {}
     stamps = {batch: stamp_of(mode, batch, memo) for batch in todo}
