@@ -6,7 +6,7 @@
 #include <QDebug>
 #include <QString>
 
-#include <barrier>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -52,11 +52,12 @@ public:
 
 void crashTogether()
 {
-    std::barrier start(4);
+    std::atomic missing = 4; // no std::barrier: it hangs in what mingw builds
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&start] {
-            start.arrive_and_wait();
+        threads.emplace_back([&missing] {
+            for (--missing; missing > 0;)
+                std::this_thread::yield();
             writeIntoNothing();
         });
     for (std::thread &thread : threads)
