@@ -7,7 +7,7 @@
 #include "simulator/Simulator.h"
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
-#include "ui/AccountPeer.h"
+#include "support/AccountPeer.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>

@@ -3,7 +3,7 @@
 #include "AppConfig.h"
 #include "network/ApiService.h"
 #include "support/Patience.h"
-#include "ui/AccountPeer.h"
+#include "support/AccountPeer.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "ServiceEndpoints.h"
+#include "support/HttpPeer.h"
 
 #include <QByteArray>
-#include <QHttpServer>
 #include <QJsonObject>
 #include <QList>
-#include <QMap>
+#include <QString>
 
 namespace tarvo::test {
 
@@ -21,27 +21,21 @@ public:
         QJsonObject body;
     };
 
-    AccountPeer();
-
     /// This build's endpoints with the account service replaced by this one.
     ServiceEndpoints endpoints() const;
 
+    /// The answer to requests of this method and path, whatever their query.
     void answer(const QByteArray &line, const QJsonObject &body);
     /// User 1001 signs in, by password and by refresh token.
     void acceptLogin();
     void refuseLogin(const QString &code);
 
-    const QList<Request> &requests() const { return m_requests; }
+    QList<Request> requests() const;
     /// How often a request line came in.
     qsizetype count(const QByteArray &line) const;
 
 private:
-    void handle(const QHttpServerRequest &request, QHttpServerResponder &&responder);
-
-    QHttpServer m_server;
-    quint16 m_port = 0;
-    QMap<QByteArray, QJsonObject> m_answers;
-    QList<Request> m_requests;
+    HttpPeer m_server;
 };
 
 inline const QByteArray loginLine = "POST /api/users/sessions";
