@@ -23,8 +23,9 @@ import demo_msfs
 import demo_situations
 import demo_voice
 import driven_client
-from demo_steps import (CALLSIGN, CONNECT_BUTTON, CYAN, END_RED, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, MESSAGES_ITEM, OTHER_PILOTS,
-                        PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, disconnect, fill_form, sign_in)
+from demo_steps import (CALLSIGN, CONNECT_BUTTON, CYAN, END_RED, LOGIN_TITLE, LOGOUT_ITEM, MAIN_TITLE, MESSAGES_ITEM,
+                        OTHER_PILOTS, PASSWORD, PLOT, SELCAL, SERVER_ITEM, SIMULATOR_ITEM, USERNAME, disconnect, fill_form,
+                        sign_in)
 from driven_client import (FOCUS, ROOT, Failure, Practice, Program, Window, picture, press, type_text, virtual_display,
                            wait_until, window)
 from name_server import Name, NameServer, enter_own_network
