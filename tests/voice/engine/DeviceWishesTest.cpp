@@ -351,6 +351,23 @@ private slots:
         QCOMPARE(stage.takeEvents(), Events());
     }
 
+    void whoHasChosenNoneGetsTheDefaultAgain()
+    {
+        WishStage stage;
+        stage.system.plug({"a"});
+        stage.audio->startAll();
+        stage.settle();
+        stage.system.plug({"b", "c"});
+        for (const StreamRole role : all)
+            stage.system.end(role, true);
+        stage.settle();
+        stage.pass(); // others are here, which is told first
+        QCOMPARE(stage.system.takeSearches(), 1);
+        stage.audio->stopWaitingForDevices(); // nobody chooses
+        stage.settle();
+        QCOMPARE(stage.system.running(), all);
+    }
+
     void streamThatEnds_data()
     {
         QTest::addColumn<bool>("saysSo");
