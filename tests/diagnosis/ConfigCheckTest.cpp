@@ -5,6 +5,7 @@
 #include "support/TestRegistry.h"
 
 #include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace tarvo;
@@ -131,6 +132,19 @@ private slots:
         QCOMPARE(judgeFolders(folders, QStringList()).first().mark, Mark::Good);
         QVERIFY(judgeFolders(folders, QStringList{u"/b"_qs}).first().detail.endsWith(u"/b"_qs));
         QCOMPARE(judgeFolders(folders, std::nullopt).first().mark, Mark::Bad);
+    }
+
+    void allThreeFilesAreRead()
+    {
+        const QTemporaryDir folder;
+        for (const char *name : {"config.ini", "config.ini.bak", "config.ini.damaged"}) {
+            QFile file(folder.filePath(QLatin1StringView(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[S]\na=" + QByteArray(name)) > 0);
+        }
+        const StoredSettings settings = readSettings(folder.path());
+        QCOMPARE(settings.values.value(u"S/a"_qs), QVariant(u"config.ini"_qs));
+        QCOMPARE(settings.copyValues.value(u"S/a"_qs), QVariant(u"config.ini.bak"_qs));
+        QCOMPARE(settings.damagedValues.value(u"S/a"_qs), QVariant(u"config.ini.damaged"_qs));
     }
 
     void secretsAreThoseOfAllFiles()

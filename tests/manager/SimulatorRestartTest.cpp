@@ -156,6 +156,8 @@ private slots:
         QVERIFY(s.feed(TrafficSession::slow(u"AB3"_qs), CrowdedSession::greeting(u"AB3"_qs)));
         QCOMPARE(log.ofCategory("tarvo.traffic").mid(1),
                  QStringList{u"Traffic: ignored AB3 by AircraftManager, it is on the ignore list"_qs});
+        QVERIFY(s.feed(TrafficSession::configuration(fullGearDown, u"AB3"_qs)));
+        QVERIFY(!log.ofCategory("tarvo.traffic").join(u'\n').contains(u"kept back AB3"_qs));
         QVERIFY(s.meetAb2(300));
         QVERIFY(s.feed(TrafficSession::configuration(fullGearDown)));
         QCOMPARE(log.ofCategory("tarvo.traffic").constLast(),

@@ -311,6 +311,9 @@ private slots:
         QVERIFY(page.model.micTesting());
         page.model.startPlayConflict(); // they share the devices: one at a time
         QVERIFY(!page.model.micTesting() && page.model.conflictTesting());
+        const QSignalSpy again(&page.model, &VoiceServiceViewModel::voiceTestingChanged);
+        page.model.startPlayConflict(); // it runs
+        QCOMPARE(again.size(), 0);
         page.model.startMicTest();
         QVERIFY(page.model.micTesting() && !page.model.conflictTesting());
         page.model.stopPlayConflict(); // none runs

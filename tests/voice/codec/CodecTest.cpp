@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <random>
 
 namespace voice = tarvo::voice;
 using namespace tarvo::voice;
@@ -60,6 +61,21 @@ private slots:
         const std::vector<float> heard = decoder.decode(packet.data(), static_cast<int>(packet.size()));
         QCOMPARE(heard.size(), std::size_t{codecFrameSize});
         QVERIFY(rms(heard) < 1e-3);
+    }
+
+    /// 24,000 bit/s, give or take what libopus thinks a sound is worth.
+    void noiseTakesTheBitrate()
+    {
+        voice::OpusEncoder encoder(withChannels(1));
+        std::minstd_rand dice;
+        std::vector<std::int16_t> frame(codecFrameSize);
+        std::size_t bytes = 0;
+        constexpr int frames = 50; // a second
+        for (int i = 0; i < frames; ++i) {
+            std::generate(frame.begin(), frame.end(), [&dice] { return static_cast<std::int16_t>(dice() % 20'000); });
+            bytes += encoder.encode(frame.data(), codecFrameSize).size();
+        }
+        QVERIFY2(bytes > 2400 && bytes < 3900, qPrintable(QString::number(bytes)));
     }
 
     void toneSurvives_data()
