@@ -1,4 +1,5 @@
 #include "ui/StatusFeed.h"
+#include "common/MessageType.h"
 #include "manager/NetworkManager.h"
 #include "support/FakeSimulator.h"
 #include "support/Patience.h"
@@ -101,6 +102,14 @@ private slots:
         TRY_COMPARE(m_stage->server().serverStatusText(), u"已断开（强制）"_qs);
         QCOMPARE(m_stage->server().failureText(), reason);
         QCOMPARE(banner(), u"网络连接失败："_qs + reason);
+    }
+
+    void aRefusalBeforeTheSessionIsNotWhyItEnds()
+    {
+        emit m_stage->network->notificationPosted(u"refused before"_qs, tarvo::common::MessageType::Error);
+        connectAndAccept();
+        m_peer->disconnectFromHost();
+        TRY_COMPARE(banner(), u"网络已断开：服务器关闭了连接。"_qs);
     }
 
     void aBrokenLineIsTold()

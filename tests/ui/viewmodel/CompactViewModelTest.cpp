@@ -148,6 +148,8 @@ private slots:
         const QSignalSpy sent(m_messages.get(), &MessagesPageViewModel::radioMessageRequested);
         m_messages->setNetworkConnected(false);
         QCOMPARE(m_compact->placeholder(), u"网络未连接"_qs);
+        m_compact->setDraft(u"你好"_qs);
+        QCOMPARE(m_compact->note(), QString()); // the placeholder says enough
         m_compact->setDraft(u"roger"_qs);
         m_compact->send();
         QCOMPARE(sent.size(), 0);
