@@ -107,9 +107,9 @@ private slots:
     void aRefusalBeforeTheSessionIsNotWhyItEnds()
     {
         emit m_stage->network->notificationPosted(u"refused before"_qs, tarvo::common::MessageType::Error);
-        connectAndAccept();
+        startSession();
         m_peer->disconnectFromHost();
-        TRY_COMPARE(banner(), u"网络已断开：服务器关闭了连接。"_qs);
+        TRY_COMPARE(banner(), u"网络连接失败：服务器关闭了连接。"_qs);
     }
 
     void aBrokenLineIsTold()
