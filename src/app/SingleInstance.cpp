@@ -1,5 +1,6 @@
 #include "app/SingleInstance.h"
 
+#include "DataFolders.h"
 #include "app/InstanceRights.h"
 
 #include <QCryptographicHash>
@@ -35,6 +36,7 @@ int left(const QDeadlineTimer &deadline)
 
 SingleInstance::SingleInstance(const QString &dataRoot, QObject *parent)
     : QObject(parent),
+      m_root(dataRoot),
       m_serverName(serverName(dataRoot)),
       m_lock(QDir(dataRoot).filePath(QStringLiteral("TarvoClient.lock"))),
       m_server(this)
@@ -48,7 +50,7 @@ SingleInstance::Outcome SingleInstance::start(std::chrono::milliseconds patience
 {
     if (takeLock())
         listen();
-    else if (m_lock.error() == QLockFile::LockFailedError)
+    else if (m_lock.error() == QLockFile::LockFailedError && !isLeftForGood())
         return askOther(patience) ? Outcome::Shown : Outcome::NoAnswer;
     else
         m_warning =
@@ -81,6 +83,12 @@ bool SingleInstance::nobodyListens() const
     socket.connectToServer(m_serverName);
     return !socket.waitForConnected(0) && (socket.error() == QLocalSocket::ServerNotFoundError ||
                                            socket.error() == QLocalSocket::ConnectionRefusedError);
+}
+
+/// The lock file can't be taken away, because the root has become read-only, and nobody is there.
+bool SingleInstance::isLeftForGood() const
+{
+    return nobodyListens() && !isWritableFolder(m_root);
 }
 
 void SingleInstance::listen()

@@ -41,10 +41,12 @@ private:
     bool takeLock();
     bool hasKnownOwner() const;
     bool nobodyListens() const;
+    bool isLeftForGood() const;
     void listen();
     void onConnection();
     bool askOther(std::chrono::milliseconds patience) const;
 
+    QString m_root;
     QString m_serverName;
     QLockFile m_lock;
     QLocalServer m_server;
