@@ -3,6 +3,9 @@
 #include "common/nng/SocketCloser.h"
 #include "practice/xplane/PluginMessage.h"
 
+#include <QHostAddress>
+#include <QTcpServer>
+
 #include <nng/protocol/pair1/pair.h>
 
 namespace tarvo::test {
@@ -120,6 +123,16 @@ void PluginPeer::onPipeEvent(nng_pipe, nng_pipe_ev event, void *peer)
     auto *self = static_cast<PluginPeer *>(peer);
     const std::lock_guard lock(self->m_mutex);
     self->m_clients += event == NNG_PIPE_EV_ADD_POST ? 1 : -1;
+}
+
+PluginAddressDir::PluginAddressDir()
+{
+    useIpc();
+#ifdef Q_OS_WIN
+    QTcpServer free;
+    free.listen(QHostAddress::LocalHost);
+    m_url = QStringLiteral("tcp://127.0.0.1:%1").arg(free.serverPort());
+#endif
 }
 
 QByteArray packPluginMessage(const QString &name, const QVariantList &arguments)

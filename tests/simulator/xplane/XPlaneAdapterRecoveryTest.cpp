@@ -308,6 +308,8 @@ private slots:
     {
         AdapterBench bench;
         bench.plugin.reset();
+        bench.address.useIpc();
+        bench.makeAdapter();
         QLocalServer mute;
         QVERIFY(mute.listen(bench.address.url().mid(6)));
         int calls = 0;
