@@ -1,4 +1,5 @@
 #include "AppConfig.h"
+#include "DataFolders.h"
 #include "support/TestRegistry.h"
 
 #include <QFile>
@@ -55,6 +56,19 @@ private slots:
             QCOMPARE(rights & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
                      QFile::Permissions());
         }
+    }
+
+    void nobodyElseReadsSettingsThatComeAlong()
+    {
+        const QTemporaryDir program;
+        const QTemporaryDir own;
+        QFile file(program.filePath(QStringLiteral("config.ini")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther));
+        tarvo::makeDataFolders({.root = own.path(), .readOnly = {}, .settingsFrom = program.path()});
+        const QFile::Permissions rights = QFile::permissions(own.filePath(QStringLiteral("config.ini")));
+        QVERIFY(rights & QFile::ReadOwner);
+        QCOMPARE(rights & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
     }
 };
 
