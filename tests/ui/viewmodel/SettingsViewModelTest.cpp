@@ -1,5 +1,6 @@
 #include "ui/viewmodel/SettingsViewModel.h"
 
+#include "IniFormat.h"
 #include "support/Columns.h"
 #include "support/Patience.h"
 #include "support/TestRegistry.h"
@@ -50,7 +51,7 @@ struct SettingsStage : tarvo::test::AccountStage
     }
     QVariant stored(const QString &key) const
     {
-        return QSettings(folder.filePath(u"config.ini"_qs), QSettings::IniFormat).value(key);
+        return QSettings(folder.filePath(u"config.ini"_qs), tarvo::ini::format()).value(key);
     }
     /// The keys that saveAll() writes.
     QStringList save()
