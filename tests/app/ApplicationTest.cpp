@@ -5,9 +5,9 @@
 #include "network/ApiService.h"
 #include "network/SwiftAircraftIcaoService.h"
 #include "simulator/Simulator.h"
+#include "support/AccountPeer.h"
 #include "support/FsdPeer.h"
 #include "support/TestRegistry.h"
-#include "support/AccountPeer.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
