@@ -2,8 +2,8 @@
 
 #include "AppConfig.h"
 #include "network/ApiService.h"
-#include "support/Patience.h"
 #include "support/AccountPeer.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 #include <QTest>
