@@ -18,6 +18,8 @@ namespace tarvo::simulator::xplane {
 namespace {
 
 constexpr int publishIntervalMs = 50;
+/// A second. X-Plane replies more often while it runs, and the timer goes on.
+constexpr int ticksUntilRest = 20;
 /// A flood of datagrams must not hold up the event loop: what is beyond this waits for its next round.
 constexpr int datagramsPerRound = 150;
 constexpr qsizetype largestDatagram = 65536;
@@ -46,7 +48,6 @@ DatarefLink::DatarefLink(const AppConfig &config, const common::Clock &clock, QO
                    << config.get(config::xplaneNetworkAddress);
     m_publishTimer.setObjectName(QStringLiteral("publish"));
     m_publishTimer.setInterval(publishIntervalMs);
-    m_publishTimer.setSingleShot(true);
     connect(&m_publishTimer, &QTimer::timeout, this, &DatarefLink::publish);
     m_publishTimer.start();
 }
@@ -56,7 +57,7 @@ void DatarefLink::clearAircraft()
     m_sample.user = {};
     m_sample.config = {};
     m_sample.radio = {};
-    publishSoon();
+    wakePublishing();
 }
 
 bool DatarefLink::isSilent(qint64 nowSeconds, qint64 forSeconds) const
@@ -85,6 +86,13 @@ void DatarefLink::command(QByteArrayView command)
 void DatarefLink::publish()
 {
     const bool all = !std::exchange(m_publishedOnce, true);
+    const bool unchanged =
+        m_sample.user == m_publishedUser && m_sample.config == m_publishedConfig && m_sample.radio == m_publishedRadio;
+    if (!all && unchanged) {
+        if (++m_quietTicks >= ticksUntilRest) // a simulator that isn't there need not wake the program
+            m_publishTimer.stop();
+        return;
+    }
     const QPointer<DatarefLink> alive(this);
     if (all || m_sample.user != m_publishedUser) {
         m_publishedUser = m_sample.user;
@@ -100,10 +108,9 @@ void DatarefLink::publish()
     }
 }
 
-/// What comes within one interval is published together. A timer that runs on would wake the program for nothing:
-/// X-Plane sends five times a second, and nothing at all when it isn't there.
-void DatarefLink::publishSoon()
+void DatarefLink::wakePublishing()
 {
+    m_quietTicks = 0;
     if (!m_publishTimer.isActive())
         m_publishTimer.start();
 }
@@ -137,7 +144,7 @@ void DatarefLink::receive(QByteArrayView datagram, const QHostAddress &sender)
         raise(applyDataref(m_sample, record.id, record.value));
     }
     if (alive)
-        publishSoon();
+        wakePublishing();
 }
 
 void DatarefLink::raise(DatarefEvent event)

@@ -73,7 +73,7 @@ signals:
     void versionChanged(int version);
 
 private:
-    void publishSoon();
+    void wakePublishing();
     void receivePending();
     void receive(QByteArrayView datagram, const QHostAddress &sender);
     void raise(DatarefEvent event);
@@ -93,7 +93,8 @@ private:
     model::UserAircraftConfigData m_publishedConfig;
     model::RadioStackState m_publishedRadio;
     bool m_publishedOnce = false;
-    QTimer m_publishTimer; ///< runs while something has come since the last publication
+    int m_quietTicks = 0; ///< of the publish timer with nothing to publish, since X-Plane replied last
+    QTimer m_publishTimer;
 };
 
 } // namespace tarvo::simulator::xplane

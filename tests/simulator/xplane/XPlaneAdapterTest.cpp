@@ -335,7 +335,7 @@ private slots:
         tarvo::test::columns<QString, int, bool, bool>("name", "interval", "once", "running");
         QTest::newRow("dial") << QStringLiteral("dial") << 500 << true << true;
         QTest::newRow("tick") << QStringLiteral("tick") << 1000 << false << true;
-        QTest::newRow("publish") << QStringLiteral("publish") << 50 << true << true;
+        QTest::newRow("publish") << QStringLiteral("publish") << 50 << false << true;
         QTest::newRow("attempt") << QStringLiteral("attempt") << 3000 << true << false;
     }
 
