@@ -74,7 +74,9 @@ def run_twice(build, wanted, left_out):
     """What ctest says, of a program that failed what it says of the second time."""
     log = run(build, wanted, 2, left_out)
     for number, name in (failed := failed_in(log)):
-        print(*re.findall(rf'^{number}: ((?:FAIL!|QFATAL).*)', log, re.M), f'{name} failed, and is run again', sep='\n')
+        said = re.findall(rf'^{number}: (.*)', log, re.M)
+        why = [line for line in said if line.startswith(('FAIL!', 'QFATAL'))] or said[-5:]
+        print(*why, f'{name} failed, and is run again', sep='\n')
         log = re.sub(rf'^({number}: | *\d+/\d+ Test +#{number}: ).*\n', '', log, flags=re.M)
     return log + (run(build, [name for _, name in failed], 1, left_out) if failed else '')
 
